@@ -1,0 +1,118 @@
+// Parameter addressing and the interface to the device.
+//
+// Every value that the panel shows or edits is a device parameter, named by a parameter id (pid) and an
+// index of up to two levels. The application derives `Data_interface` and passes it to each refresh and
+// commit; the library never implements it. Not thread-safe: an interface that is called from several
+// threads serialises itself.
+#ifndef FRONTPANEL_DATA_DATA_INTERFACE_H
+#define FRONTPANEL_DATA_DATA_INTERFACE_H
+
+#include <cstdint>
+#include <string>
+
+#include <frontpanel_data/export.h>
+
+// Longest text of a string parameter, in characters, without its terminator.
+inline constexpr int MAX_STRING_LENGTH = 256;
+
+// Selects the low byte of an integer.
+inline constexpr int BYTE_MASK = 255;
+
+// Selects diagnostic output on standard output; 0 (the start value) is silent. A line prints when the word
+// shares a bit with the line's mask and the verbosity bits allow it: most lines are quiet while bit 0x4000
+// is set and bit 0x8000 is clear; the lines of entry refresh, set and visibility need one of the two bits.
+// Read without locking.
+extern FRONTPANEL_DATA_EXPORT uint32_t debug;
+
+// The index of a parameter: which of several equal parameters is meant (a channel, a card, ...).
+struct Index_t {
+    uint32_t m_index_num;  // levels in use, 0 to 8
+    uint16_t m_index[8];   // level 0 first
+};
+
+// Equal when the same number of levels is in use and these levels are equal; unused levels do not count.
+FRONTPANEL_DATA_EXPORT bool operator==(const Index_t& left, const Index_t& right);
+FRONTPANEL_DATA_EXPORT bool operator!=(const Index_t& left, const Index_t& right);
+
+enum RETURN_TYPE { INVALID_TYPE = 0, INTEGER = 1, STRING = 2 };
+
+// The value of a parameter as bindings see it.
+struct return_s {
+    RETURN_TYPE rt = INVALID_TYPE;  // which of the two values is meant
+    int32_t i = 0;
+    std::string s;
+};
+typedef return_s return_t;
+
+// Names one parameter instance.
+struct var_index_s {
+    RETURN_TYPE rt;
+    uint32_t var;  // parameter id
+    Index_t index;
+};
+typedef var_index_s var_and_index_t;
+
+// Strict weak ordering of parameter keys: parameter id, number of levels, level 0, level 1, value type.
+// Levels 2 to 7 take no part, since the device supports two: keys that differ only there are the same key.
+struct FRONTPANEL_DATA_EXPORT cmp_var_index_t {
+    bool operator()(const var_index_s& left, const var_index_s& right) const;
+};
+
+// One parameter write that a binding engine asks an entry to perform.
+struct GetSetS {
+    uint32_t varid;
+    uint32_t varidx;  // as `Data_model::Index_convert` makes it
+    RETURN_TYPE rt;
+    unsigned char buffer[128];  // a 32-bit integer or the characters of a text
+    uint32_t length;            // meaningful bytes of `buffer`, at most 128
+};
+
+// Equal when the same bytes go to the same parameter.
+FRONTPANEL_DATA_EXPORT bool operator==(const GetSetS& left, const GetSetS& right);
+
+typedef uint16_t prod_id_t;  // 0: no product
+
+// One row of the list of products that the device reports for its slots.
+typedef struct tagPROD_LIST {
+    prod_id_t prod_id;
+    uint16_t prod_feature_support;  // feature bits
+    char prod_family[16];           // zero-terminated
+    char prod_string[16];           // zero-terminated
+} PROD_LIST_S;
+
+class FRONTPANEL_DATA_EXPORT Data_interface {
+public:
+    Data_interface();
+    virtual ~Data_interface();
+
+    // The application's own start-up; the library never calls it. The base does nothing.
+    virtual void Init();
+    // Reads a parameter into `buffer`, at most `length` bytes. 0 on success, anything else is a failure.
+    virtual int Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) = 0;
+    // Writes `length` bytes (0 for an empty text) to a parameter. 0 on success, anything else is a failure.
+    virtual int Set(unsigned int pid, unsigned int varidx, const void* buffer,
+                    unsigned int length) = 0;
+    // Fills a list of 16 records, record i for slot i. `remote` asks for the list of the selected socket
+    // instead of the local one; `refresh` asks for a fresh list. 0 on success.
+    virtual int Get_prod_list(PROD_LIST_S* list, bool remote, bool refresh) = 0;
+    virtual int Set_product_id(prod_id_t product) = 0;
+    // Writes the zero-terminated alias of a product, at most 99 characters, to `name`. 0 on success.
+    virtual int Get_prod_alias_name(char* name, prod_id_t product) = 0;
+
+    // The application's own; they travel with the interface, and the library neither sets nor reads them.
+    int32_t go_home;           // the panel is to return to its home screen
+    int32_t lock_and_dim;      // the panel is to lock and dim
+    int32_t time_for_timeout;  // the time-out setting of the panel
+
+    // Declared for source compatibility and defined nowhere: use `VarIdDataInfStore::m_pDataAccessInf`.
+    static Data_interface* m_pDataAccessInf;
+};
+
+// Holds the data interface for code that is handed none. The application sets it and keeps the interface
+// alive; null until then.
+class FRONTPANEL_DATA_EXPORT VarIdDataInfStore {
+public:
+    static Data_interface* m_pDataAccessInf;
+};
+
+#endif

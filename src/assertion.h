@@ -1,0 +1,18 @@
+// Assertions for programming errors, active in every build type.
+#ifndef FRONTPANEL_DATA_SRC_ASSERTION_H
+#define FRONTPANEL_DATA_SRC_ASSERTION_H
+
+namespace assertion {
+
+// Prints "FILE:LINE: FUNCTION: Assertion `TEXT' failed." to standard error and aborts.
+[[noreturn]] void fail(const char* text, const char* file, int line, const char* function);
+
+}  // namespace assertion
+
+// FRONTPANEL_ASSERT(condition, text): `text` is the condition as callers know it, printed as it stands.
+#define FRONTPANEL_ASSERT(condition, text)                                    \
+    (static_cast<bool>(condition)                                             \
+         ? static_cast<void>(0)                                               \
+         : ::assertion::fail((text), __FILE_NAME__, __LINE__, __func__))
+
+#endif

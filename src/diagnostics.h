@@ -1,0 +1,96 @@
+// Diagnostic lines: which bits of `debug` show a line, and how it begins.
+//
+// One line is one macro call with its mask, its prefix, the name of the operation that the caller asked for
+// and a printf text. LEAF_LINE and ENTRY_LINE differ in their gate. A closed gate costs one test and
+// evaluates no argument.
+#ifndef FRONTPANEL_DATA_SRC_DIAGNOSTICS_H
+#define FRONTPANEL_DATA_SRC_DIAGNOSTICS_H
+
+#include <syslog.h>
+
+#include <cstdint>
+
+#include <frontpanel_data/data_interface.h>
+
+namespace diagnostics {
+
+// Categories: a line shows when `debug` shares a bit with its category.
+enum Mask : uint32_t {
+    GENERAL = 0x1,
+    MODEL_READ = 0x3,
+    COMMIT = 0x5,
+    OPTIONS = 0x11,
+    BINDING = 0x21,
+    WRITE = 0x25,
+    ENTRY_REFRESH = 0x35,
+    CONSTRUCTION = 0x101,
+    VISIBILITY = 0x401,
+    BINDING_VISIBILITY = 0x421,
+    REFRESH = 0x10001,
+    DISPATCH = 0x10431,
+    LINK_NAVIGATION = 0x80001,
+    SHORTCUT = 0x200001,
+    LINK_VISIBILITY = 0x400001,
+    LINK_CREATION = 0x480001,
+    LIVE_DATA = 0x1000001
+};
+
+// Verbosity bits of `debug`.
+constexpr uint32_t QUIET = 0x4000;
+constexpr uint32_t VERBOSE = 0x8000;
+
+// Value models and leaves: quiet under QUIET unless VERBOSE is set too.
+inline bool leaf_gate() {
+    return (debug & (QUIET | VERBOSE)) != QUIET;
+}
+
+// Refresh, set and visibility of the base entry: only under QUIET or VERBOSE.
+inline bool entry_gate() {
+    return (debug & (QUIET | VERBOSE)) != 0;
+}
+
+// How a line begins. Each but NONE and FUNCTION_ONLY ends with the line number and a blank.
+enum class Prefix {
+    NONE,            // nothing
+    FUNCTION_FIRST,  // "[function][file][line] "
+    FILE_FIRST,      // "[file][function][line] "
+    FUNCTION_ONLY,   // "[function] "
+    TAB,             // as FUNCTION_FIRST, behind a tabulator
+    TWO_TABS         // as FUNCTION_FIRST, behind two
+};
+
+struct Place {
+    const char* function;
+    const char* file;
+    int line;
+};
+
+__attribute__((format(printf, 3, 4))) void write(Prefix prefix, const Place& place,
+                                                 const char* format, ...);
+
+}  // namespace diagnostics
+
+#define FRONTPANEL_LINE(gate, mask, prefix, function, ...)                         \
+    do {                                                                           \
+        if ((debug & (mask)) != 0 && (gate)) {                                     \
+            ::diagnostics::write((prefix), {(function), __FILE_NAME__, __LINE__},  \
+                                 __VA_ARGS__);                                     \
+        }                                                                          \
+    } while (false)
+
+// LEAF_LINE(mask, prefix, function, format, ...): a line of a value model or a leaf.
+#define LEAF_LINE(mask, prefix, function, ...)                                       \
+    FRONTPANEL_LINE(::diagnostics::leaf_gate(), ::diagnostics::mask,                 \
+                    ::diagnostics::Prefix::prefix, function, __VA_ARGS__)
+
+// ENTRY_LINE(mask, prefix, function, format, ...): a line of the base entry's refresh, set or visibility.
+#define ENTRY_LINE(mask, prefix, function, ...)                                      \
+    FRONTPANEL_LINE(::diagnostics::entry_gate(), ::diagnostics::mask,                \
+                    ::diagnostics::Prefix::prefix, function, __VA_ARGS__)
+
+// SYSTEM_LOG(first, second, format, ...): a system-log line at error level behind "[first][second][line] ",
+// written whatever `debug` holds. `format` is a literal.
+#define SYSTEM_LOG(first, second, format, ...) \
+    syslog(LOG_ERR, "[%s][%s][%d] " format, (first), (second), __LINE__, __VA_ARGS__)
+
+#endif
