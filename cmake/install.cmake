@@ -1,0 +1,43 @@
+# Installs the library, its headers and its descriptions for find_package and pkg-config.
+include(CMakePackageConfigHelpers)
+
+set(FRONTPANEL_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/frontpanel_data)
+
+install(TARGETS frontpanel_data
+    EXPORT frontpanel_dataTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT Runtime
+        NAMELINK_COMPONENT Development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/frontpanel_data
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT Development
+    FILES_MATCHING PATTERN "*.h")
+
+install(EXPORT frontpanel_dataTargets
+    NAMESPACE frontpanel_data::
+    DESTINATION ${FRONTPANEL_PACKAGE_DIR}
+    COMPONENT Development)
+configure_package_config_file(
+    ${CMAKE_CURRENT_LIST_DIR}/frontpanel_dataConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/frontpanel_dataConfig.cmake
+    INSTALL_DESTINATION ${FRONTPANEL_PACKAGE_DIR})
+write_basic_package_version_file(
+    ${PROJECT_BINARY_DIR}/frontpanel_dataConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES
+    ${PROJECT_BINARY_DIR}/frontpanel_dataConfig.cmake
+    ${PROJECT_BINARY_DIR}/frontpanel_dataConfigVersion.cmake
+    ${CMAKE_CURRENT_LIST_DIR}/rapidjson_target.cmake
+    DESTINATION ${FRONTPANEL_PACKAGE_DIR}
+    COMPONENT Development)
+
+# The prefix is worked out from the file's own place, so an installed tree can be moved.
+file(RELATIVE_PATH FRONTPANEL_PKGCONFIG_PREFIX
+    /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(
+    ${CMAKE_CURRENT_LIST_DIR}/frontpanel_data.pc.in
+    ${PROJECT_BINARY_DIR}/frontpanel_data.pc
+    @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/frontpanel_data.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT Development)

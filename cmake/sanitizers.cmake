@@ -1,0 +1,11 @@
+# FRONTPANEL_SANITIZE is a comma-separated list for -fsanitize, e.g. "address,undefined" or "thread".
+# It holds for the whole tree, since a sanitized library needs a sanitized executable.
+set(FRONTPANEL_SANITIZE "" CACHE STRING "Sanitizers to build with, comma-separated")
+
+if(FRONTPANEL_SANITIZE)
+    add_compile_options(
+        -fsanitize=${FRONTPANEL_SANITIZE}
+        -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${FRONTPANEL_SANITIZE})
+endif()

@@ -1,0 +1,55 @@
+# How tests are declared.
+include(GoogleTest)
+
+# Compiling the GoogleTest headers takes longer than most tests do, so they are compiled once.
+add_library(frontpanel_test_headers OBJECT ${PROJECT_SOURCE_DIR}/tests/support/test_headers.cpp)
+frontpanel_configure_target(frontpanel_test_headers)
+target_link_libraries(frontpanel_test_headers PUBLIC GTest::gmock GTest::gtest)
+target_precompile_headers(frontpanel_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+
+# frontpanel_add_test(NAME <target> SOURCES <file>... [LIBRARIES <library>...] [PRIVATE_OBJECTS]
+#                     [WRAP <function>...] [TIMEOUT <seconds>])
+#
+# An executable of GoogleTest cases, each of which CTest runs in a process of its own. It links
+# the shared library as a client does; with PRIVATE_OBJECTS it links the library's objects
+# instead, and may include private headers by their path under src/. WRAP replaces calls of a C
+# function made in those objects: the test defines __wrap_<function>. Headers of tests/ are
+# included by their path under it.
+function(frontpanel_add_test)
+    cmake_parse_arguments(PARSE_ARGV 0 arg
+        "PRIVATE_OBJECTS" "NAME;TIMEOUT" "SOURCES;LIBRARIES;WRAP")
+    if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|device|panel)(;|$)")
+        message(FATAL_ERROR "${arg_NAME}: a test with PRIVATE_OBJECTS would hold the library twice "
+            "if it also linked a component that links the shared library")
+    endif()
+    if(arg_WRAP AND NOT arg_PRIVATE_OBJECTS)
+        message(FATAL_ERROR "${arg_NAME}: WRAP reaches only calls made in PRIVATE_OBJECTS")
+    endif()
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 60)
+    endif()
+
+    add_executable(${arg_NAME} ${arg_SOURCES})
+    frontpanel_configure_target(${arg_NAME})
+    target_precompile_headers(${arg_NAME} REUSE_FROM frontpanel_test_headers)
+    target_include_directories(${arg_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_compile_definitions(${arg_NAME} PRIVATE
+        FRONTPANEL_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+    if(arg_PRIVATE_OBJECTS)
+        target_link_libraries(${arg_NAME} PRIVATE frontpanel_data_objects)
+    else()
+        target_link_libraries(${arg_NAME} PRIVATE frontpanel_data)
+    endif()
+    target_link_libraries(${arg_NAME} PRIVATE
+        ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main Threads::Threads)
+    foreach(function IN LISTS arg_WRAP)
+        target_link_options(${arg_NAME} PRIVATE LINKER:--wrap=${function})
+    endforeach()
+    gtest_discover_tests(${arg_NAME}
+        TEST_PREFIX ${arg_NAME}.
+        DISCOVERY_MODE PRE_TEST
+        DISCOVERY_TIMEOUT 60
+        PROPERTIES
+            TIMEOUT ${arg_TIMEOUT}
+            ENVIRONMENT "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp")
+endfunction()
