@@ -18,11 +18,11 @@
 // The kinds of suggestion, with the type that `Binding::getSuggestion` fills. Each is a bit of a mask.
 enum Suggestion_kind {
     SUGGESTION_VISIBILITY = 1,  // int; below 1 is hidden
-    SUGGESTION_RANGE = 2,       // std::vector<std::vector<int>>, each the two ends of a closed range
-    SUGGESTION_KEYS = 4,        // std::vector<std::vector<int>>, the first holds the allowed enum keys
-    SUGGESTION_SET = 8,         // std::vector<GetSetS>
-    SUGGESTION_WARNING = 16,    // std::vector<std::string>
-    SUGGESTION_ACCESS = 32      // Data_entry::Data_access
+    SUGGESTION_RANGE = 2,  // std::vector<std::vector<int>>, each the two ends of a closed range
+    SUGGESTION_KEYS = 4,   // std::vector<std::vector<int>>, the first holds the allowed enum keys
+    SUGGESTION_SET = 8,    // std::vector<GetSetS>
+    SUGGESTION_WARNING = 16,  // std::vector<std::string>
+    SUGGESTION_ACCESS = 32    // Data_entry::Data_access
 };
 
 enum VIS_TYPE { VIS_FALSE = -1, VIS_TRUE = 1 };
@@ -94,7 +94,8 @@ public:
     // The type of value that a binding sees of an entry type: INTEGER for ranges and enumerations.
     static RETURN_TYPE Type_to_return_type(Data_entry::Entry_type entry_type);
 
-    std::vector<Data_entry*> binding_dependant_entries;  // whose bindings depend on the value; not owned
+    std::vector<Data_entry*>
+        binding_dependant_entries;  // whose bindings depend on the value; not owned
     Data_entry::Entry_type entry_type;
     RETURN_TYPE model_type;
     Data_entry* monitored_entry;  // the entry that holds the parameter; not owned

@@ -23,9 +23,10 @@ class EntryModelCache;
 
 // What the product options say of an option name.
 struct is_static_value_s {
-    int32_t isStatic;      // 1 static option, 0 dynamic option, -1 not decided
-    int32_t realValue;     // the value that the product options give the option
-    int32_t dynamicValue;  // the number in place of the "n" of a dynamic option, else the real value
+    int32_t isStatic;   // 1 static option, 0 dynamic option, -1 not decided
+    int32_t realValue;  // the value that the product options give the option
+    int32_t
+        dynamicValue;  // the number in place of the "n" of a dynamic option, else the real value
 };
 typedef is_static_value_s is_static_value_t;
 
@@ -286,14 +287,20 @@ protected:
     Data_entry* m_dynamic_parent;
     Data_entry* m_dynamic_next;
     Data_entry* m_dynamic_previous;
-    pthread_mutex_t m_data_mutex;   // reserved for the entry's data, never locked by the library
-    pthread_mutex_t m_entry_mutex;  // guards the static child list; a child's is locked before its parent's
-    Binding* binding;               // owned
+    pthread_mutex_t m_data_mutex;  // reserved for the entry's data, never locked by the library
+    pthread_mutex_t
+        m_entry_mutex;  // guards the static child list; a child's is locked before its parent's
+    Binding* binding;   // owned
     bool bindRefreshIsLocked;
     std::map<int, ShortcutS>* shortcuts_map;  // not owned
     char identification_string[128];
 
 private:
+    void attach_at_construction(const char* name, int visible, Data_entry* parent);
+    void unlink(Data_entry& child);
+    void apply_access_suggestion();
+    void apply_set_suggestion(Data_interface* iface);
+    void refresh_for_visibility(Data_interface* iface);
     bool has_something_to_show(bool if_control_refresh, Data_interface* pDataAccessInf);
     bool has_visible_children(bool if_control_refresh, Data_interface* pDataAccessInf);
     bool option_holds(const std::string& option);
