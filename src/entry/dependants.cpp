@@ -1,0 +1,93 @@
+#include "dependants.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "../diagnostics.h"
+
+namespace dependants {
+namespace {
+
+// The operation that callers asked for when a commit refreshes dependants.
+constexpr char OPERATION[] = "Commit";
+
+// A stray trace around each refresh that log readers have come to expect, whatever `debug` holds.
+constexpr char TRACE[] = "@@@@@@@@@@@@@@@@@@@@@ here 14";
+
+class Bind_refresh_lock {
+public:
+    explicit Bind_refresh_lock(Data_entry& entry) : m_entry(entry) {
+        m_entry.SetBindRefreshIsLocked(true);
+    }
+    ~Bind_refresh_lock() { m_entry.SetBindRefreshIsLocked(false); }
+    Bind_refresh_lock(const Bind_refresh_lock&) = delete;
+    Bind_refresh_lock& operator=(const Bind_refresh_lock&) = delete;
+
+private:
+    Data_entry& m_entry;
+};
+
+#define COMMIT_LINE(lines, ...)                                                     \
+    do {                                                                            \
+        if ((debug & (lines).mask) != 0 && ::diagnostics::leaf_gate()) {            \
+            ::diagnostics::write(::diagnostics::Prefix::FUNCTION_FIRST,             \
+                                 {OPERATION, (lines).file, __LINE__}, __VA_ARGS__); \
+        }                                                                           \
+    } while (false)
+
+bool is_listed(const var_index_map_t& map, const var_index_s& key, const Data_entry* entry) {
+    const auto record = map.find(key);
+    if (record == map.end()) {
+        return false;
+    }
+    const std::vector<Data_entry*>& listed = record->second.binding_dependant_entries;
+    return std::find(listed.begin(), listed.end(), entry) != listed.end();
+}
+
+void refresh_one(Data_entry& dependant, Data_entry& committed, const var_index_s& key,
+                 Data_interface* iface, const Commit_lines& lines) {
+    COMMIT_LINE(lines,
+                "Bind expression of entry [%s] depends on [%s][%d.%d.%d]@%s num index levels = "
+                "[%d]\n",
+                dependant.Get_name(), committed.Get_name(), static_cast<int>(key.var),
+                key.index.m_index[0], key.index.m_index[1], key.rt == INTEGER ? "i" : "s",
+                static_cast<int>(key.index.m_index_num));
+    std::printf("%s\n", TRACE);
+    Data_entry::EntryTypeSpecificOperation(&dependant, iface, nullptr, true,
+                                           Data_entry::OPERATION_REFRESH, nullptr);
+    std::printf("%s\n", TRACE);
+}
+
+}  // namespace
+
+void refresh(Data_entry& committed, Binding* binding, Data_interface* iface,
+             const Commit_lines& lines) {
+    if (binding == nullptr) {
+        if (lines.reports_missing_binding) {
+            COMMIT_LINE(lines,
+                        "Binding is null. Cannot update dependant controls' binding "
+                        "expressions.\n");
+        }
+        return;
+    }
+    var_index_map_t* const map = committed.Get_var_index_map();
+    if (map == nullptr) {
+        COMMIT_LINE(lines,
+                    "Var index map is null. Cannot update dependant controls' binding "
+                    "expressions.\n");
+        return;
+    }
+    const Bind_refresh_lock lock(committed);
+    const var_index_s key = binding->self_control_info;
+    const std::vector<Data_entry*> snapshot = (*map)[key].binding_dependant_entries;
+    if (lines.announces_walk) {
+        COMMIT_LINE(lines, "About to see if I have any dependants...\n");
+    }
+    for (Data_entry* const dependant : snapshot) {
+        if (is_listed(*map, key, dependant) && !dependant->GetBindRefreshIsLocked()) {
+            refresh_one(*dependant, committed, key, iface, lines);
+        }
+    }
+}
+
+}  // namespace dependants

@@ -1,0 +1,222 @@
+// The type dispatcher: one table tells which steps there are, in which order they run, and which types
+// perform them. A new type adds its bit to the rows it takes part in, or rows of its own.
+#include <cstdio>
+
+#include <frontpanel_data/entry.h>
+#include <frontpanel_data/selection.h>
+
+#include "../diagnostics.h"
+
+namespace {
+
+using Entry = Data_entry;
+
+// String entries of this parameter are warning texts, shown in the warning editor.
+constexpr unsigned int WARNING_TEXT_PID = 65549;
+
+constexpr unsigned int type_bit(Entry::Entry_type type) {
+    return 1u << static_cast<unsigned int>(type);
+}
+
+constexpr unsigned int NODE = type_bit(Entry::NODE);
+constexpr unsigned int RANGE = type_bit(Entry::RANGE_LEAF);
+constexpr unsigned int ENUM = type_bit(Entry::ENUM_LEAF) | type_bit(Entry::SLOT_ENUM);
+constexpr unsigned int STRING_TEXT = type_bit(Entry::STRING_LEAF);
+constexpr unsigned int IP = type_bit(Entry::IP_LEAF);
+constexpr unsigned int TIME = type_bit(Entry::TIME_LEAF);
+constexpr unsigned int LINK = type_bit(Entry::LINK_ENTRY);
+constexpr unsigned int LEAVES = RANGE | ENUM | STRING_TEXT | IP | TIME;
+constexpr unsigned int ALL = NODE | LEAVES | LINK;
+constexpr unsigned int WITHOUT_DYNAMIC_SIBLINGS = TIME | LINK;
+
+struct Call {
+    Entry* entry;
+    Data_interface* iface;
+    Selection* selection;
+    bool eval_binding;
+    int flags;
+    void** link;  // `flag_specific`
+    int result;
+};
+
+// A step returns false to end the operation.
+using Action = bool (*)(Call&);
+
+struct Step {
+    int bits;            // asked for by any of these
+    unsigned int types;  // performed by these
+    Action perform;
+};
+
+bool refresh(Call& call) {
+    if (call.entry->Get_entry_type() == Entry::IP_LEAF) {
+        LEAF_LINE(GENERAL, FILE_FIRST, "EntryTypeSpecificOperation", "Not in Refresh yet [%s]\n",
+                  call.entry->Get_name());
+    }
+    LEAF_LINE(REFRESH, FILE_FIRST, "EntryTypeSpecificOperation", "Refresh [%s]\n",
+              call.entry->Get_name());
+    if (call.iface == nullptr) {
+        call.result = -1;
+        return false;
+    }
+    call.result = call.entry->Refresh(call.iface, call.eval_binding);
+    return true;
+}
+
+template <Entry* (Entry::*neighbour)() const>
+bool deliver(Call& call) {
+    if (call.link != nullptr) {
+        *call.link = (call.entry->*neighbour)();
+    }
+    return true;
+}
+
+template <Entry* (Entry::*neighbour)() const, Entry* (Entry::*dynamic_neighbour)()>
+bool deliver_sibling(Call& call) {
+    if (call.link != nullptr) {
+        const bool dynamic = (call.flags & Entry::OPERATION_DYNAMIC) != 0;
+        *call.link = dynamic ? (call.entry->*dynamic_neighbour)() : (call.entry->*neighbour)();
+    }
+    return true;
+}
+
+template <Entry* (Entry::*set_link)(Entry*)>
+bool relink(Call& call) {
+    if (call.link != nullptr) {
+        (call.entry->*set_link)(static_cast<Entry*>(*call.link));
+    }
+    return true;
+}
+
+bool escape(Call& call) {
+    if (call.link != nullptr && call.selection != nullptr) {
+        *call.link = call.selection->Escape() ? call.entry->Get_parent() : call.entry;
+    }
+    return true;
+}
+
+template <void (Selection::*pass)(Entry*)>
+bool pass_entry(Call& call) {
+    if (call.link != nullptr && call.selection != nullptr) {
+        (call.selection->*pass)(static_cast<Entry*>(*call.link));
+    }
+    return true;
+}
+
+// An editor made for another type than the entry's is no editor for it.
+template <class Editor, class Member, class... Arguments>
+bool tell(Call& call, Member member, Arguments... arguments) {
+    if (Editor* const editor = dynamic_cast<Editor*>(call.selection)) {
+        (editor->*member)(arguments...);
+    }
+    return true;
+}
+
+template <class Editor>
+bool prepare(Call& call) {
+    return tell<Editor>(call, &Editor::Prepare, call.entry);
+}
+
+bool prepare_text(Call& call) {
+    return call.entry->Get_pid() == WARNING_TEXT_PID ? prepare<WarnSelection>(call)
+                                                     : prepare<StringSelection>(call);
+}
+
+template <class Editor>
+bool exit_leds(Call& call) {
+    return tell<Editor>(call, &Editor::ExitLEDs);
+}
+
+template <void (NumericRangeSelection::*operation)()>
+bool tell_number_editor(Call& call) {
+    return tell<NumericRangeSelection>(call, operation);
+}
+
+template <class Value, void (EnumSelection::*operation)(Value)>
+bool pass_value(Call& call) {
+    if (call.link == nullptr || *call.link == nullptr) {
+        return true;
+    }
+    return tell<EnumSelection>(call, operation, *static_cast<const Value*>(*call.link));
+}
+
+bool pass_line_info(Call& call) {
+    if (call.link == nullptr || *call.link == nullptr) {
+        return true;
+    }
+    const unsigned char flag = *static_cast<const unsigned char*>(*call.link);
+    return tell<EnumSelection>(call, &EnumSelection::Set_use_line_info, flag != 0);
+}
+
+// Rows run from top to bottom, whatever the value of their bits. The editor opens last, so that one call can
+// refresh an entry, tell its editor what it needs to know and open it.
+constexpr Step STEPS[] = {
+    {Entry::OPERATION_REFRESH, ALL, refresh},
+    {Entry::OPERATION_PARENT | Entry::OPERATION_PARENT_LINK, ALL, deliver<&Entry::Get_parent>},
+    {Entry::OPERATION_CHILD | Entry::OPERATION_CHILD_LINK, ALL, deliver<&Entry::Get_child>},
+    {Entry::OPERATION_PREVIOUS, ALL & ~WITHOUT_DYNAMIC_SIBLINGS,
+     deliver_sibling<&Entry::Get_previous, &Entry::Get_dynamic_previous>},
+    {Entry::OPERATION_PREVIOUS, WITHOUT_DYNAMIC_SIBLINGS, deliver<&Entry::Get_previous>},
+    {Entry::OPERATION_NEXT, ALL & ~WITHOUT_DYNAMIC_SIBLINGS,
+     deliver_sibling<&Entry::Get_next, &Entry::Get_dynamic_next>},
+    {Entry::OPERATION_NEXT, WITHOUT_DYNAMIC_SIBLINGS, deliver<&Entry::Get_next>},
+    {Entry::OPERATION_SET_PARENT, ALL, relink<&Entry::Set_parent>},
+    {Entry::OPERATION_SET_CHILD, ALL, relink<&Entry::Set_child>},
+    {Entry::OPERATION_EXIT_LEDS, RANGE, exit_leds<NumericRangeSelection>},
+    {Entry::OPERATION_EXIT_LEDS, STRING_TEXT, exit_leds<StringSelection>},
+    {Entry::OPERATION_EXIT_LEDS, IP, exit_leds<IPv4Selection>},
+    {Entry::OPERATION_ESCAPE, LEAVES, escape},
+    {Entry::OPERATION_SET_ESCAPE_ENTRY, LEAVES, pass_entry<&Selection::Set_escape_entry>},
+    {Entry::OPERATION_SET_SELECT_ENTRY, LEAVES, pass_entry<&Selection::Set_select_entry>},
+    {Entry::OPERATION_COARSER_STEP, RANGE,
+     tell_number_editor<&NumericRangeSelection::Coarser_step>},
+    {Entry::OPERATION_FINER_STEP, RANGE, tell_number_editor<&NumericRangeSelection::Finer_step>},
+    {Entry::OPERATION_SET_USE_LINE_INFO, ENUM, pass_line_info},
+    {Entry::OPERATION_SET_SELECTED, ENUM, pass_value<int32_t, &EnumSelection::Set_selected>},
+    {Entry::OPERATION_SET_SELECTED_LINE, ENUM,
+     pass_value<int32_t, &EnumSelection::Set_selected_line>},
+    {Entry::OPERATION_PREPARE, RANGE, prepare<NumericRangeSelection>},
+    {Entry::OPERATION_PREPARE, ENUM, prepare<EnumSelection>},
+    {Entry::OPERATION_PREPARE, STRING_TEXT, prepare_text},
+    {Entry::OPERATION_PREPARE, IP, prepare<IPv4Selection>},
+    {Entry::OPERATION_PREPARE, TIME, prepare<TimeSelection>},
+};
+
+bool is_handled(int type) {
+    return type >= Entry::NODE && type <= Entry::LINK_ENTRY;
+}
+
+}  // namespace
+
+int Data_entry::EntryTypeSpecificOperation(Data_entry* data_entry, Data_interface* m_pDataAccessInf,
+                                           void* specific_selection_obj, bool eval_binding,
+                                           int flags, void** flag_specific) {
+    if (data_entry == nullptr) {
+        return -1;
+    }
+    const Entry_type type = data_entry->Get_entry_type();
+    LEAF_LINE(DISPATCH, FILE_FIRST, "EntryTypeSpecificOperation",
+              "Entry[%s] type[%d] m_pDataAccessInf[%p] specific_selection_obj[%p] flags[%d]\n",
+              data_entry->Get_name(), static_cast<int>(type), static_cast<void*>(m_pDataAccessInf),
+              specific_selection_obj, flags);
+    if (!is_handled(type)) {
+        std::fprintf(stderr, "Refresher::Refresh, unhandled type %i\n", static_cast<int>(type));
+        return 0;
+    }
+    Call call = {data_entry,
+                 m_pDataAccessInf,
+                 static_cast<Selection*>(specific_selection_obj),
+                 eval_binding,
+                 flags,
+                 flag_specific,
+                 0};
+    for (const Step& step : STEPS) {
+        if ((flags & step.bits) == 0 || (type_bit(type) & step.types) == 0) {
+            continue;
+        }
+        if (!step.perform(call)) {
+            break;
+        }
+    }
+    return call.result;
+}

@@ -1,0 +1,489 @@
+// The base entry: construction, tree links, display, and the plain queries and setters.
+// Bindings stand in entry_binding.cpp, visibility in visibility.cpp, options in product_options.cpp,
+// the dispatcher in dispatcher.cpp and the traversal in traversal.cpp.
+#include <frontpanel_data/entry.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include <frontpanel_data/binding.h>
+
+#include "../assertion.h"
+#include "../diagnostics.h"
+
+namespace {
+
+constexpr int32_t HIDDEN_BIT = INT32_MIN;  // bit 31 of the visibility
+
+class Lock_guard {
+public:
+    explicit Lock_guard(pthread_mutex_t& mutex) : m_mutex(mutex) { pthread_mutex_lock(&m_mutex); }
+    ~Lock_guard() { pthread_mutex_unlock(&m_mutex); }
+    Lock_guard(const Lock_guard&) = delete;
+    Lock_guard& operator=(const Lock_guard&) = delete;
+
+private:
+    pthread_mutex_t& m_mutex;
+};
+
+const char* or_empty(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+// What follows a ':' in a name is for other readers, such as the option text of a link.
+void copy_short_name(char (&out)[25], const char* name) {
+    std::memset(out, 0, sizeof out);
+    const std::size_t length = std::min(std::strcspn(name, ":"), sizeof out - 1);
+    std::memcpy(out, name, length);
+}
+
+const char* copy_of(const char* text) {
+    if (text == nullptr) {
+        return nullptr;
+    }
+    const std::size_t size = std::strlen(text) + 1;
+    char* const copy = new char[size];
+    std::memcpy(copy, text, size);
+    return copy;
+}
+
+}  // namespace
+
+Data_entry* setup_link = nullptr;
+Data_entry* link_dummy = nullptr;
+
+Data_entry::Data_entry(const char* name, const char* description, unsigned int pid,
+                       const Index_t* index, int visible, int shortcut, Data_entry* next,
+                       Data_entry* previous, Data_entry* parent, Data_entry* child)
+    : m_index(index),
+      m_access(READ_ONLY),
+      m_access_orig(READ_ONLY),
+      flag_access_changed(false),
+      m_name(),
+      m_description(nullptr),
+      m_pid(pid),
+      m_shortcut(shortcut),
+      m_hs_shortcut(-1),
+      m_visible(visible),
+      m_has_children(-1),
+      m_entry_visible(-1),
+      cached_bind_vis(1),
+      cached_option_vis(1),
+      m_NodeLevel(0),
+      suggestion_updated(false),
+      m_next(next),
+      m_previous(previous),
+      m_parent(parent),
+      m_child(child),
+      m_dynamic_child(nullptr),
+      m_dynamic_parent(nullptr),
+      m_dynamic_next(nullptr),
+      m_dynamic_previous(nullptr),
+      m_data_mutex(),
+      m_entry_mutex(),
+      binding(nullptr),
+      bindRefreshIsLocked(false),
+      shortcuts_map(nullptr),
+      identification_string(),
+      m_visibility_asked(false) {
+    if (visible >= 0) {
+        FRONTPANEL_ASSERT(name && description && index, "name&&description&&index");
+    }
+    pthread_mutex_init(&m_data_mutex, nullptr);
+    pthread_mutex_init(&m_entry_mutex, nullptr);
+    copy_short_name(m_name, or_empty(name));
+    LEAF_LINE(CONSTRUCTION, FUNCTION_FIRST, "Data_entry", "m_name=[%s] name=[%s] m_shortcut[%d]\n",
+              m_name, or_empty(name), m_shortcut);
+    m_description = copy_of(description);
+    attach_at_construction(name, visible, parent);
+    std::snprintf(identification_string, sizeof identification_string,
+                  "[[%s][%d].%d.%d num_index_levels=[%d]]", m_name, static_cast<int>(m_pid),
+                  index != nullptr ? index->m_index[0] : 0,
+                  index != nullptr ? index->m_index[1] : 0,
+                  index != nullptr ? static_cast<int>(index->m_index_num) : 0);
+}
+
+// An entry of any other visibility keeps its parent without becoming its child: callers attach it later.
+void Data_entry::attach_at_construction(const char* name, int visible, Data_entry* parent) {
+    static int invisible_entries = 0;
+    if (parent == nullptr) {
+        return;
+    }
+    if (visible == VISIBLE_ALL) {
+        LEAF_LINE(GENERAL, NONE, "Data_entry", "Attach [%s] to parent [%s]\n", or_empty(name),
+                  parent->Get_name());
+        Data_entry::Attach(*parent);
+    } else if (visible == VISIBLE_NONE) {
+        Data_entry::Attach(*parent);
+        std::printf("Invisible entry <%s> added to tree, but will not appear. total so far[%d]\n",
+                    or_empty(name), invisible_entries);
+        ++invisible_entries;
+    }
+}
+
+Data_entry::~Data_entry() {
+    delete[] m_description;
+    delete binding;
+}
+
+std::string Data_entry::getProperties(int flags) {
+    constexpr int NAME_ONLY = 0x8;
+    char line[1024] = {};
+    if ((flags & NAME_ONLY) != 0) {
+        std::snprintf(line, sizeof line, "%s ", Get_name());
+        return line;
+    }
+    const Index_t* const index = Get_index();
+    std::snprintf(line, sizeof line,
+                  "%s varid[%d.%d.%d@%s] num_index_levels=[%d] type[%d] vis[%d] shortcut[%d] ",
+                  Get_name(), static_cast<int>(Get_pid()), index != nullptr ? index->m_index[0] : 0,
+                  index != nullptr ? index->m_index[1] : 0,
+                  Get_return_type_int_or_string() == INTEGER ? "i" : "s",
+                  index != nullptr ? static_cast<int>(index->m_index_num) : 0,
+                  static_cast<int>(Get_entry_type()), Get_visible(), Get_shortcut());
+    return line;
+}
+
+Data_entry* Data_entry::Get_next() const {
+    return m_next;
+}
+
+Data_entry* Data_entry::Get_previous() const {
+    return m_previous;
+}
+
+Data_entry* Data_entry::Get_parent() const {
+    return m_parent;
+}
+
+Data_entry* Data_entry::Get_child() const {
+    return m_child;
+}
+
+Data_entry* Data_entry::Get_dynamic_parent() {
+    return m_dynamic_parent;
+}
+
+Data_entry* Data_entry::Get_dynamic_child() {
+    return m_dynamic_child;
+}
+
+Data_entry* Data_entry::Get_dynamic_next() {
+    return m_dynamic_next;
+}
+
+Data_entry* Data_entry::Get_dynamic_previous() {
+    return m_dynamic_previous;
+}
+
+bool Data_entry::Is_node_entry() const {
+    return Get_entry_type() == NODE;
+}
+
+Data_entry::Data_access Data_entry::Get_access_type() const {
+    return m_access;
+}
+
+Data_entry::Data_access Data_entry::Get_orig_access_type() const {
+    return m_access_orig;
+}
+
+bool Data_entry::Get_flag_access_type_chg() const {
+    return flag_access_changed;
+}
+
+void Data_entry::Set_flag_access_type_chg(bool changed) {
+    flag_access_changed = changed;
+}
+
+void Data_entry::Set_access_type(Data_access access) {
+    m_access = access;
+    if (!flag_access_changed) {
+        m_access_orig = access;
+    }
+}
+
+Data_entry* Data_entry::Set_parent(Data_entry* parent) {
+    return std::exchange(m_parent, parent);
+}
+
+Data_entry* Data_entry::Set_child(Data_entry* child) {
+    return std::exchange(m_child, child);
+}
+
+Data_entry* Data_entry::Set_next(Data_entry* next) {
+    return std::exchange(m_next, next);
+}
+
+Data_entry* Data_entry::Set_previous(Data_entry* previous) {
+    return std::exchange(m_previous, previous);
+}
+
+void Data_entry::Set_dynamic_parent(Data_entry* parent) {
+    m_dynamic_parent = parent;
+}
+
+void Data_entry::Set_dynamic_child(Data_entry* child) {
+    m_dynamic_child = child;
+}
+
+void Data_entry::Set_dynamic_next(Data_entry* next) {
+    m_dynamic_next = next;
+}
+
+void Data_entry::Set_dynamic_previous(Data_entry* previous) {
+    m_dynamic_previous = previous;
+}
+
+int Data_entry::Add_child(Data_entry& child) {
+    FRONTPANEL_ASSERT(&child != this, "&child!=this");
+    const Lock_guard lock(m_entry_mutex);
+    child.m_parent = this;
+    child.m_next = nullptr;
+    child.m_previous = nullptr;
+    if (m_child == nullptr) {
+        m_child = &child;
+        return 0;
+    }
+    Data_entry* last = m_child;
+    while (last->m_next != nullptr) {
+        last = last->m_next;
+    }
+    last->m_next = &child;
+    child.m_previous = last;
+    return 0;
+}
+
+int Data_entry::Attach(Data_entry& parent) {
+    FRONTPANEL_ASSERT(&parent != this, "&parent!=this");  // its mutex would be locked twice
+    const Lock_guard lock(m_entry_mutex);
+    return parent.Add_child(*this);
+}
+
+int Data_entry::Remove(Data_entry* child) {
+    if (child == nullptr) {
+        std::printf("Child sent for removal for parent [%s][%p] is null\n", Get_name(),
+                    static_cast<void*>(this));
+        return -1;
+    }
+    LEAF_LINE(GENERAL, NONE, "Remove",
+              "Child named [%s][%p] sent for removal from parent [%s][%p] \n", child->Get_name(),
+              static_cast<void*>(child), Get_name(), static_cast<void*>(this));
+    const Lock_guard lock(m_entry_mutex);
+    const Data_entry* found = m_child;
+    while (found != nullptr && found != child) {
+        found = found->m_next;
+    }
+    if (found == nullptr) {
+        std::printf("Could not find child named [%s][%p] from parent [%s][%p]\n", child->Get_name(),
+                    static_cast<void*>(child), Get_name(), static_cast<void*>(this));
+        return 0;
+    }
+    unlink(*child);
+    return 0;
+}
+
+// The removed child keeps its own sibling links: a walk that stands on it still finds its former siblings.
+void Data_entry::unlink(Data_entry& child) {
+    Data_entry* const next = child.m_next;
+    Data_entry* const previous = child.m_previous;
+    if (next == nullptr) {
+        LEAF_LINE(GENERAL, NONE, "Remove", "[%s] may be the last or only child of parent... ",
+                  child.Get_name());
+        if (previous == nullptr) {
+            LEAF_LINE(GENERAL, NONE, "Remove", "Only child\n");
+        } else {
+            LEAF_LINE(GENERAL, NONE, "Remove", "Last child\n");
+        }
+    } else if (previous == nullptr) {
+        LEAF_LINE(GENERAL, NONE, "Remove",
+                  "Getting rid of first child named [%s] from parent [%s]\n", child.Get_name(),
+                  Get_name());
+    } else {
+        LEAF_LINE(GENERAL, NONE, "Remove",
+                  "Must sow two children together to remove child [%s] from parent [%s]\n",
+                  child.Get_name(), Get_name());
+    }
+    (previous != nullptr ? previous->m_next : m_child) = next;
+    if (next != nullptr) {
+        next->m_previous = previous;
+    }
+    child.m_parent = nullptr;
+}
+
+bool Data_entry::Is_active() const {
+    return true;
+}
+
+const char* Data_entry::Get_name() const {
+    return m_name;
+}
+
+int Data_entry::Get_shortcut() const {
+    return m_shortcut;
+}
+
+int Data_entry::Get_hs_shortcut() {
+    return m_hs_shortcut;
+}
+
+void Data_entry::Set_shortcut(int shortcut) {
+    m_shortcut = shortcut;
+}
+
+std::map<int, ShortcutS>* Data_entry::Get_shortcuts_map() {
+    return shortcuts_map;
+}
+
+const char* Data_entry::Get_description() const {
+    return m_description;
+}
+
+int Data_entry::Get_display_string(char* buffer, unsigned int length) {
+    FRONTPANEL_ASSERT(buffer, "buffer");
+    if (length < 2) {
+        return ERROR;
+    }
+    const std::size_t name_length = std::strlen(m_name);
+    if (name_length < length) {
+        std::memcpy(buffer, m_name, name_length + 1);
+        return OK;
+    }
+    std::memcpy(buffer, m_name, length - 1);
+    // One past the last character on purpose: callers pass one less than their buffer's size and look for
+    // the terminator at its last byte.
+    buffer[length] = '\0';
+    return OK;
+}
+
+const Index_t* Data_entry::Get_index() const {
+    return m_index;
+}
+
+const char* Data_entry::Get_id_string() {
+    return identification_string;
+}
+
+unsigned int Data_entry::Get_pid() const {
+    return m_pid;
+}
+
+int Data_entry::Get_visible() const {
+    return m_visible;
+}
+
+int Data_entry::Set_hs_shortcut(int shortcut) {
+    return std::exchange(m_hs_shortcut, shortcut);
+}
+
+int Data_entry::setShortcuts(std::map<int, ShortcutS>* shortcuts) {
+    shortcuts_map = shortcuts;
+    return 0;
+}
+
+Data_entry* Data_entry::getShortcut(int button) {
+    if (shortcuts_map == nullptr) {
+        LEAF_LINE(SHORTCUT, FUNCTION_FIRST, "getShortcut",
+                  "Asked to get shortcut for button number [%d], but shortcuts_map is NULL.\n",
+                  button);
+        return nullptr;
+    }
+    const auto row = shortcuts_map->find(button);
+    if (row == shortcuts_map->end()) {
+        LEAF_LINE(SHORTCUT, FUNCTION_FIRST, "getShortcut",
+                  "Asked to get shortcut for button number [%d], but that is not a shortcut "
+                  "button.\n",
+                  button);
+        return nullptr;
+    }
+    Data_entry* const entry = row->second.entry;
+    if (entry == nullptr) {
+        LEAF_LINE(SHORTCUT, FUNCTION_FIRST, "getShortcut",
+                  "Asked to get shortcut for button number [%d], but that is not assigned.\n",
+                  button);
+        return nullptr;
+    }
+    LEAF_LINE(SHORTCUT, FUNCTION_FIRST, "getShortcut",
+              "Asked to get shortcut for button number [%d], returning entry [%s].\n", button,
+              entry->Get_name());
+    return entry;
+}
+
+void Data_entry::setNodeLevel(unsigned int level) {
+    m_NodeLevel = level;
+}
+
+unsigned int Data_entry::getNodeLevel() {
+    return m_NodeLevel;
+}
+
+RETURN_TYPE Data_entry::bindingReturnType() {
+    return EntryModelCache::Type_to_return_type(Get_entry_type());
+}
+
+int Data_entry::Commit() {
+    return OK;
+}
+
+void Data_entry::Print() {
+    const Lock_guard lock(m_entry_mutex);
+    std::printf("----- data entry (%s) -----\n", Get_name());
+    std::printf("Description:\n%s\n", or_empty(Get_description()));
+    for (Data_entry* child = m_child; child != nullptr; child = child->m_next) {
+        child->Print();
+    }
+}
+
+void Data_entry::Update_value(char** /*texts*/, int /*size*/) {}
+
+int* Data_entry::Get_value_visible_mask() const {
+    return nullptr;
+}
+
+int Data_entry::Get_min() const {
+    return 0;
+}
+
+int Data_entry::Get_max() const {
+    return 0;
+}
+
+int Data_entry::Get_final_value() {
+    return 0;
+}
+
+void Data_entry::Set_final_value(int /*value*/) {}
+
+void Data_entry::Set_invisible() {
+    m_visible |= HIDDEN_BIT;
+}
+
+void Data_entry::Set_visible() {
+    m_visible &= ~HIDDEN_BIT;
+}
+
+void Data_entry::SetBindRefreshIsLocked(bool locked) {
+    bindRefreshIsLocked = locked;
+}
+
+bool Data_entry::GetBindRefreshIsLocked() {
+    return bindRefreshIsLocked;
+}
+
+void Data_entry::Set_has_children(int has_children) {
+    m_has_children = has_children;
+}
+
+int Data_entry::Get_has_children() const {
+    return m_has_children;
+}
+
+void Data_entry::Set_entry_visible(int visible) {
+    m_entry_visible = visible;
+}
+
+int Data_entry::Get_entry_visible() const {
+    return m_entry_visible;
+}
