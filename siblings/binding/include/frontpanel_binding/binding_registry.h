@@ -1,0 +1,77 @@
+// What the binding engines of one menu share: compiled rules, dependants and the device.
+//
+// A source text is compiled here into a binding list; the list is given to the `Expression_binding` of an
+// entry. The registry knows which entries depend on which parameter, so that a commit refreshes them. Menu
+// thread only.
+#ifndef FRONTPANEL_BINDING_BINDING_REGISTRY_H
+#define FRONTPANEL_BINDING_BINDING_REGISTRY_H
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <frontpanel_data/binding.h>
+
+struct Binding_rule;  // a compiled rule, private to the engine
+
+// Why a source text was refused, and where. Lines and columns count from 1, columns in bytes.
+struct Compile_error {
+    std::size_t line;
+    std::size_t column;
+    std::string message;  // "expected a comparison (== != < <= > >=), found \"3\""
+
+    std::string text() const;  // "line 1, column 12: MESSAGE"
+};
+
+// The list of a source text, or the error and an empty list.
+struct Compile_result {
+    BindingListT list;
+    std::optional<Compile_error> error;
+
+    bool ok() const { return !error; }
+};
+
+class Binding_registry {
+public:
+    using Warning_listener = std::function<void(const std::string&)>;
+
+    // Parameters are read from `iface`, which outlives the registry; with null, from
+    // `VarIdDataInfStore::m_pDataAccessInf` as it stands at each evaluation.
+    explicit Binding_registry(Data_interface* iface = nullptr);
+    ~Binding_registry();
+    Binding_registry(const Binding_registry&) = delete;
+    Binding_registry& operator=(const Binding_registry&) = delete;
+
+    // Compiles rules such as "visible if 100.0 > 3; range 0..40 if 102 == 1": the grammar stands in the
+    // README beside this library. The first error ends the work, and nothing is kept of a refused text.
+    // The list is valid for engines of this registry.
+    Compile_result compile(std::string_view source);
+
+    // Null only when neither the registry nor the process has an interface.
+    Data_interface* interface() const;
+
+    // Called with each warning that an engine shows. Without one, warnings are dropped.
+    void set_warning_listener(Warning_listener listener);
+    void show_warning(const std::string& text) const;
+
+    // Every referenced parameter with the entries that depend on it; lives as long as the registry.
+    var_index_map_t* var_index_map() { return &m_var_index_map; }
+
+    // For engines. `rule` yields null for an id that no text of this registry compiled to. `add_dependant`
+    // yields false when the entry is listed already.
+    const Binding_rule* rule(int id) const;
+    bool add_dependant(const var_index_s& key, Data_entry* entry);
+    void remove_dependant(const var_index_s& key, Data_entry* entry);
+
+private:
+    Data_interface* m_interface;
+    Warning_listener m_warning_listener;
+    std::vector<std::unique_ptr<const Binding_rule>> m_rules;  // by id
+    var_index_map_t m_var_index_map;
+};
+
+#endif
