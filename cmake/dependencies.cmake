@@ -5,7 +5,7 @@ find_package(Boost 1.74 REQUIRED)
 include(${CMAKE_CURRENT_LIST_DIR}/rapidjson_target.cmake)
 frontpanel_data_find_rapidjson()
 
-if(FRONTPANEL_BUILD_PANEL OR FRONTPANEL_BUILD_TESTS)
+if(FRONTPANEL_BUILD_PANEL OR FRONTPANEL_BUILD_TESTS OR FRONTPANEL_BUILD_FUZZERS)
     find_package(PkgConfig REQUIRED)
     find_package(ZLIB REQUIRED)
     pkg_check_modules(httplib REQUIRED IMPORTED_TARGET cpp-httplib)
