@@ -2,7 +2,7 @@
 # Shared by the scripts beside it; sourced, not run.
 # Everything that is said here goes to standard error: standard output belongs to the caller.
 
-SOURCE_DIR=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+SOURCE_DIR=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." >/dev/null && pwd)
 
 # The Debian packages that each script needs, one list per script.
 PANEL_PACKAGES=(
@@ -48,7 +48,7 @@ run_logged() {
 
 # Installs the named packages unless all of them are there.
 ensure_packages() {
-    local missing=() log as_root=()
+    local missing=() as_root=() apt_get=() log
     mapfile -t missing < <(missing_packages "$@")
     [ "${#missing[@]}" -gt 0 ] || return 0
 
@@ -69,9 +69,10 @@ ensure_packages() {
     say "installing ${missing[*]}"
     mkdir -p "$SOURCE_DIR/build"
     log="$SOURCE_DIR/build/packages.log"
-    as_root+=(env DEBIAN_FRONTEND=noninteractive)
-    run_logged "$log" "${as_root[@]}" apt-get update &&
-        run_logged "$log" "${as_root[@]}" apt-get install --yes --no-install-recommends "${missing[@]}"
+    apt_get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive
+        apt-get --yes -o Acquire::Retries=3 -o DPkg::Lock::Timeout=300)
+    run_logged "$log" "${apt_get[@]}" update &&
+        run_logged "$log" "${apt_get[@]}" install --no-install-recommends "${missing[@]}"
 }
 
 # configure_preset PRESET FOLDER: configures if the folder is new or the presets have changed since.
