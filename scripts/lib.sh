@@ -15,10 +15,10 @@ TEST_PACKAGES=(
     "${PANEL_PACKAGES[@]}"
     binutils libbenchmark-dev libgmock-dev libgtest-dev
 )
-# shellcheck disable=SC2034  # used by .ci/run
+# shellcheck disable=SC2034  # used by the scripts that source this
 CI_PACKAGES=(
     "${TEST_PACKAGES[@]}"
-    clang clang-format libclang-rt-dev llvm
+    clang clang-format clang-tidy libclang-rt-dev llvm
 )
 
 say() {
