@@ -86,7 +86,9 @@ private:
     void unregister_entry();
     int rule_kinds() const;
     void evaluate(Evaluation& evaluation, bool update);
-    std::optional<Ranges> ranges_of(Evaluation& evaluation);
+    std::optional<int> visibility_of(Evaluation& evaluation) const;
+    std::optional<Ranges> ranges_of(Evaluation& evaluation) const;
+    std::optional<Ranges> fallback(Evaluation& evaluation) const;
 
     std::shared_ptr<Binding_registry> m_registry;
     Data_entry* m_entry;  // not owned

@@ -41,14 +41,7 @@ public:
         NO_BUFFER = 9
     };
 
-    enum class Operation_kind {
-        READ,
-        WRITE,
-        PRODUCT_LIST,
-        PRODUCT_ID,
-        ALIAS,
-        SELECT_SOCKET
-    };
+    enum class Operation_kind { READ, WRITE, PRODUCT_LIST, PRODUCT_ID, ALIAS, SELECT_SOCKET };
 
     // A call of the data interface, as a fault callback sees it.
     struct Operation {
@@ -104,7 +97,8 @@ public:
     // Puts a product into a slot of a socket's list. UNKNOWN_SLOT or UNKNOWN_SOCKET beyond the counts. Both
     // texts of the record are cut to fit with their terminator.
     Result set_product(int slot, const PROD_LIST_S& product, int socket = 0);
-    // OUT_OF_BOUNDS for more than MAX_ALIAS_LENGTH characters; an empty alias is valid.
+    // OUT_OF_BOUNDS for more than MAX_ALIAS_LENGTH characters, WRONG_TYPE for one with a zero byte; an empty
+    // alias is valid.
     Result set_alias(prod_id_t product, const std::string& alias);
     prod_id_t product_id() const;  // the last one given to `Set_product_id`; 0 at start
     int current_socket() const;
@@ -155,18 +149,19 @@ private:
     using Key = std::pair<uint32_t, uint32_t>;  // pid, variable index
     using Product_list = std::array<PROD_LIST_S, SLOT_COUNT>;
 
-    static Result check_number(const Parameter& parameter, int64_t value);
+    static Result check_number(const Parameter& parameter, int32_t value);
     static Result check_text(const Parameter& parameter, const std::string& value);
+    static Result read(const Parameter* parameter, void* buffer, std::size_t length);
+    static Result store(Parameter* parameter, const void* buffer, std::size_t length);
+    static Result store_number(Parameter& parameter, const void* buffer, std::size_t length);
+    static Result store_text(Parameter& parameter, const void* buffer, std::size_t length);
     static std::string value_text(const Parameter* parameter, const void* buffer,
                                   std::size_t length);
-    static Result read(const Parameter& parameter, void* buffer, std::size_t length);
-    static Result store(Parameter& parameter, const void* buffer, std::size_t length);
 
     Parameter* find(uint32_t pid, uint32_t varidx);
     const Parameter* find(uint32_t pid, uint32_t varidx) const;
-    Result add(const Key& key, Parameter parameter, Result check);
+    Result add(uint32_t pid, uint32_t varidx, const Parameter& parameter, Result fits);
     int fault_of(Operation operation) const;
-    int finish_read(uint32_t pid, uint32_t varidx, int result);
 
     mutable std::mutex m_mutex;
     std::map<Key, Parameter> m_parameters;
