@@ -6,5 +6,6 @@
 #include <frontpanel_data/data_model.h>
 #include <frontpanel_data/entry.h>
 #include <frontpanel_data/range_entry.h>
+#include <frontpanel_data/string_entry.h>
 
 #endif

@@ -260,6 +260,11 @@ public:
     // int that `optional_arg` points to, one more a level; bit 0x2 takes mounted menus off their links.
     static void TraverseMenuTree(Data_entry* data_entry, int flags, void* optional_arg);
 
+    // Whether an IPv4 address answers a ping within a second; blocks that long. Addresses that end in ".0"
+    // name no host and are not probed. False as well when the probe cannot run. Forks: no other thread may
+    // hold a lock that standard output or error needs.
+    static bool isRemoteConnected(char* ip);
+
 protected:
     const Index_t* m_index;  // not owned
     std::map<std::string, unsigned int> real_option_map;
