@@ -32,5 +32,3 @@ BENCHMARK_CAPTURE(
 BENCHMARK_CAPTURE(evaluate, powers, "v = 2 ** 3 ** 2 + 1.5 ** -2");
 
 }  // namespace
-
-BENCHMARK_MAIN();
