@@ -13,7 +13,6 @@
 
 #include <cstdio>
 #include <iostream>
-#include <regex>
 #include <stdexcept>
 #include <string>
 
@@ -76,12 +75,45 @@ private:
     int m_saved = -1;
 };
 
+// Whether the text before `end` closes with "[...]" on one line; its content goes to `content`, its start
+// to `begin`.
+inline bool bracket_before(const std::string& text, std::size_t end, std::size_t& begin,
+                           std::string& content) {
+    if (end == 0 || text[end - 1] != ']') {
+        return false;
+    }
+    begin = text.rfind('[', end - 1);
+    if (begin == std::string::npos) {
+        return false;
+    }
+    content = text.substr(begin + 1, end - begin - 2);
+    return content.find('\n') == std::string::npos;
+}
+
+inline bool names_a_source(const std::string& content) {
+    return content.size() > 4 && content.compare(content.size() - 4, 4, ".cpp") == 0;
+}
+
 // "[function][file.cpp][123]" and "[file.cpp][function][123]" with [#] as line number.
 inline std::string mask_line_numbers(const std::string& text) {
-    static const std::regex FUNCTION_FIRST(R"((\[[A-Za-z_~][\w:~]*\]\[\w+\.cpp\])\[\d+\])");
-    static const std::regex FILE_FIRST(R"((\[\w+\.cpp\]\[[A-Za-z_~][\w:~]*\])\[\d+\])");
-    return std::regex_replace(std::regex_replace(text, FUNCTION_FIRST, "$1[#]"), FILE_FIRST,
-                              "$1[#]");
+    std::string masked;
+    std::size_t done = 0;
+    for (std::size_t at = text.find("]["); at != std::string::npos; at = text.find("][", at + 1)) {
+        const std::size_t number = at + 2;
+        const std::size_t close = text.find_first_not_of("0123456789", number);
+        std::size_t begin = 0;
+        std::string nearer;
+        std::string farther;
+        if (close == std::string::npos || close == number || text[close] != ']' ||
+            !bracket_before(text, at + 1, begin, nearer) ||
+            !bracket_before(text, begin, begin, farther) ||
+            names_a_source(nearer) == names_a_source(farther)) {
+            continue;
+        }
+        masked.append(text, done, number - done).append("#");
+        done = close;
+    }
+    return masked.append(text, done, std::string::npos);
 }
 
 struct Captured {
