@@ -198,7 +198,8 @@ public:
     virtual void Set_invisible();
     virtual void Set_visible();
 
-    // Gives the entry its binding engine, which it owns from then on. Null is accepted and reported.
+    // Gives the entry its binding engine, which it owns from then on. Null is accepted and reported. A
+    // binding that it had before is the caller's again.
     virtual void Set_binding_object(Binding* binding_object);
     // Refused with -1 once the entry has a binding: lists are added to the binding before it is handed
     // over.
@@ -257,7 +258,7 @@ public:
 
     // Walks the tree below an entry, parents before children. Bit 0x1 of `flags` hands the shortcut table
     // `optional_arg` to every entry; bits 0x4 and 0x8 print a line for each, indented by as many tabs as the
-    // int that `optional_arg` points to, one more a level; bit 0x2 takes mounted menus off their links.
+    // int that `optional_arg` points to, one more a level.
     static void TraverseMenuTree(Data_entry* data_entry, int flags, void* optional_arg);
 
     // Whether an IPv4 address answers a ping within a second; blocks that long. Addresses that end in ".0"
