@@ -1,0 +1,15 @@
+// Counts the allocations of a process. A test that asks for the count adds allocation_counter.cpp to its
+// sources; that file replaces the global operator new, also for the shared library.
+#ifndef FRONTPANEL_DATA_TESTS_SUPPORT_ALLOCATION_COUNTER_H
+#define FRONTPANEL_DATA_TESTS_SUPPORT_ALLOCATION_COUNTER_H
+
+#include <cstddef>
+
+namespace support {
+
+// How often the global operator new has been called.
+std::size_t allocations();
+
+}  // namespace support
+
+#endif
