@@ -6,6 +6,8 @@ if(FRONTPANEL_SANITIZE)
     add_compile_options(
         -fsanitize=${FRONTPANEL_SANITIZE}
         -fno-sanitize-recover=all
-        -fno-omit-frame-pointer)
+        -fno-omit-frame-pointer
+        # GCC loses track of initialisation in instrumented code, in the standard headers too.
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=${FRONTPANEL_SANITIZE})
 endif()
