@@ -1,0 +1,112 @@
+// Reads one live-data document, fetched from a slot card into a file, into a flat list of texts for a menu
+// entry to show: the options of a combo box, or the lines of a tree. Not thread-safe.
+#ifndef FRONTPANEL_DATA_LIVE_DATA_PARSER_H
+#define FRONTPANEL_DATA_LIVE_DATA_PARSER_H
+
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include <frontpanel_data/export.h>
+
+// The last error text of the live-data classes, cut to fit and zero-terminated; empty until an error occurs.
+extern FRONTPANEL_DATA_EXPORT char message[150];
+
+class FRONTPANEL_DATA_EXPORT LiveJSDataParser {
+public:
+    enum JS_TYPE { MIN_JS_TYPE = 0, COMBOBOX = 0, TREE = 1, MAX_JS_TYPE = 2 };
+
+    struct actionbody {
+        char rule[256];
+        char message[256];
+    };
+
+    struct actionnode {
+        char id[256];
+        char type[256];
+        actionbody action_body;
+    };
+
+    // One object of a tree document. Every text starts with as many asterisks as the node is deep and is
+    // zero-terminated, cut to its field.
+    struct treenode {
+        char label[256];
+        char type[256];
+        char value[256];
+        char render[256];
+        int size;  // number of children
+        treenode**
+            children;  // owned, `size` nodes; an item is null only in a tree that failed to parse
+        actionnode action;
+    };
+    typedef treenode jsontree;
+
+    struct displaylistStruct {
+        int state;  // index of the selected text; -1 when the document names none
+        int size;   // number of texts
+        char**
+            dlist;  // `size` owned texts; both levels are made by new[]; a skipped option is null
+    };
+
+    // `filename` is borrowed and must outlive the object; `jsonType` is a `JS_TYPE`; `panelType` must be 0.
+    // A null file name, a type of 2 or more or another `panelType` is reported and leaves the object empty:
+    // it parses nothing.
+    LiveJSDataParser(char* filename, int jsonType, int panelType);
+    ~LiveJSDataParser();
+    LiveJSDataParser(const LiveJSDataParser&) = delete;
+    LiveJSDataParser& operator=(const LiveJSDataParser&) = delete;
+
+    // Reads a whole document of at most 64 MiB. The caller owns the result and hands it to `FreeDocument`.
+    // Null when the file cannot be opened or is not one JSON text; `message` then says which.
+    rapidjson::Document* ParseJSON(const char* filename);
+
+    // Reads the options of a combo-box document. The list belongs to the parser and is valid until the next
+    // parse; to keep its texts, take `dlist` and leave null and a `size` of 0. `state` is not checked
+    // against `size`. Null on failure. An option that is no object, or a state value that is no text, is an
+    // error in the card's program and aborts.
+    displaylistStruct* parseComboBox();
+
+    // Reads a tree document into a list, in document order; `state` is 0. Ownership as for `parseComboBox`.
+    // Null on failure, also for a tree deeper than 255 levels or of more than 65536 nodes.
+    displaylistStruct* parseTreeAsList();
+
+    // Reads a tree document into nodes alone. 0, or -1 on failure.
+    int parseTree();
+
+    // Reads one object and what is below it into `node`, which is initialised first, and appends a pointer
+    // to each text of a node to `list`; the pointers live as long as the nodes. `depth` is 0 at the root.
+    // Returns at once without a value or a node. Throws an int (a line number) when an object has the wrong
+    // shape; what was read until then can be released.
+    void parseEachSubTree(const rapidjson::Value* value, jsontree* node, unsigned int depth,
+                          std::vector<char*>& list);
+
+    // Clears a node's texts, `size` and `children`; releases nothing.
+    void initialiseJT(treenode* node);
+    // Releases a node made by `new` and everything below it. Null is allowed, here and in the next two.
+    void deleteJT(treenode* node);
+    // Releases the result list with its texts.
+    void delete_dList();
+    // Releases a document and nulls the pointer to it.
+    void FreeDocument(rapidjson::Document** document);
+
+    // Print the result list, or a tree from `node` on, as diagnostic output.
+    void printdList();
+    void printJT(treenode* node, int depth);
+
+    char* getFileName() { return filename; }
+    int getJsonType() { return jsonType; }
+    int getPanelType() { return panelType; }
+
+protected:
+    rapidjson::Document* jsondocument;
+    char* filename;
+    int jsonType;
+    int panelType;
+    jsontree* pjstree;
+    displaylistStruct* dlistStruct;
+
+private:
+    class Reader;
+};
+
+#endif

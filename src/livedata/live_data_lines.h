@@ -1,0 +1,32 @@
+// How the live-data classes report: the file stands first in every line.
+#ifndef FRONTPANEL_DATA_SRC_LIVEDATA_LIVE_DATA_LINES_H
+#define FRONTPANEL_DATA_SRC_LIVEDATA_LIVE_DATA_LINES_H
+
+#include "diagnostics.h"
+
+// LIVE_LINE(operation, format, ...): a diagnostic line.
+#define LIVE_LINE(operation, ...) LEAF_LINE(LIVE_DATA, FILE_FIRST, operation, __VA_ARGS__)
+
+// LIVE_TEXT(format, ...): a diagnostic line without a prefix.
+#define LIVE_TEXT(...) LEAF_LINE(LIVE_DATA, NONE, "", __VA_ARGS__)
+
+// LIVE_LOG(operation, format, ...): a system-log line; it needs an argument behind the format.
+#define LIVE_LOG(operation, ...) SYSTEM_LOG(__FILE_NAME__, operation, __VA_ARGS__)
+
+// LIVE_ERROR(operation, format, ...): the same text as a diagnostic line and in the system log.
+#define LIVE_ERROR(operation, ...)         \
+    do {                                   \
+        LIVE_LINE(operation, __VA_ARGS__); \
+        LIVE_LOG(operation, __VA_ARGS__);  \
+    } while (false)
+
+// LIVE_FAILURE(lead, operation, format, ...): a line on standard output whatever `debug` holds. Scripts on
+// the device look for the lead: "Error:" or "Error: ".
+#define LIVE_FAILURE(lead, operation, ...)                                           \
+    do {                                                                             \
+        const ::diagnostics::Place place{(operation), __FILE_NAME__, __LINE__};      \
+        ::diagnostics::write(::diagnostics::Prefix::NONE, place, "%s", (lead));      \
+        ::diagnostics::write(::diagnostics::Prefix::FILE_FIRST, place, __VA_ARGS__); \
+    } while (false)
+
+#endif
