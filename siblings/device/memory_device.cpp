@@ -57,7 +57,11 @@ bool is_within(int number, int count) {
 
 }  // namespace
 
-Memory_device::Memory_device() : m_product_id(0), m_socket(0), m_use_selection_local(false) {}
+Memory_device::Memory_device() : m_product_id(0), m_socket(0), m_use_selection_local(false) {
+    go_home = 0;
+    lock_and_dim = 0;
+    time_for_timeout = 0;
+}
 
 Memory_device::~Memory_device() = default;
 

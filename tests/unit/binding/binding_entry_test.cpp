@@ -1,5 +1,6 @@
 // Entries that are driven by the engine, refreshed as the panel refreshes them.
 #include <frontpanel_binding/expression_binding.h>
+#include <frontpanel_data/data_entry.h>
 #include <frontpanel_device/memory_device.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -118,6 +119,137 @@ TEST_F(Bound_entry_test, ATriedValueRaisesNoWarningWithoutWarningRules) {
 
     EXPECT_EQ(leaf.Data_entry::Set_value(&value, sizeof value), 0);
     EXPECT_FALSE(engine->suggestionUpdated(SUGGESTION_VISIBILITY));
+}
+
+// ---- range entries: a commit reaches the device, and what depends on it follows
+
+class Number_entry : public Range_entry {
+public:
+    Number_entry(const char* name, unsigned int pid, const Index_t& index, int min, int max)
+        : Number_entry(name, pid, index, min, max, std::string()) {}
+
+    int value() {
+        int stored = 0;
+        m_model.Get(&stored, sizeof stored);
+        return stored;
+    }
+
+private:
+    Number_entry(const char* name, unsigned int pid, const Index_t& index, int min, int max,
+                 std::string no_format)
+        : Range_entry(name, "A number", pid, &index, min, max, min, no_format.data(),
+                      no_format.data(), nullptr, READ_WRITE, VISIBLE_ALL, true, SHORTCUT_NONE,
+                      nullptr, nullptr, nullptr) {
+        setValidRangeAndValues({{min, max + 1, {}}});
+    }
+};
+
+class Bound_range_test : public Bound_entry_test {
+protected:
+    Bound_range_test() {
+        bind(mode, "visible if 100.2 >= 0");
+        bind(gain, "range 10..40 if 100.2 == 1; visible if 100.2 != 9")->set_fallback_range(0, 100);
+        refresh(mode);
+        refresh(gain);
+    }
+
+    void commit(Range_entry& entry, int value) {
+        entry.Set_value(&value, sizeof value);
+        capture(0, [&] { EXPECT_EQ(entry.Commit(&device), Data_entry::OK); });
+    }
+
+    const Index_t mode_index = index_of({2});
+    const Index_t gain_index = index_of({3});
+    Number_entry mode{"Mode", MODE, mode_index, 0, 10};
+    Number_entry gain{"Gain", 120, gain_index, 0, 100};
+};
+
+TEST_F(Bound_range_test, TheFirstRefreshNarrowsTheRangeAndCorrectsTheDevice) {
+    EXPECT_EQ(gain.Get_min(), 10);
+    EXPECT_EQ(gain.Get_max(), 40);
+    EXPECT_EQ(gain.value(), 40);
+    EXPECT_EQ(device.integer(120, 3), 40);
+}
+
+TEST_F(Bound_range_test, ACommitWidensAndNarrowsTheDependantsRange) {
+    commit(mode, 2);
+    EXPECT_EQ(gain.Get_min(), 0);
+    EXPECT_EQ(gain.Get_max(), 100);
+    commit(gain, 77);
+    EXPECT_EQ(device.integer(120, 3), 77);
+
+    commit(mode, 1);
+    EXPECT_EQ(gain.Get_min(), 10);
+    EXPECT_EQ(gain.Get_max(), 40);
+    EXPECT_EQ(device.integer(120, 3), 40);
+}
+
+TEST_F(Bound_range_test, ACommitHidesAndShowsItsDependant) {
+    commit(mode, 9);
+    EXPECT_EQ(gain.isVisible(true, &device), -1);
+    commit(mode, 8);
+    EXPECT_EQ(gain.isVisible(true, &device), 1);
+}
+
+TEST_F(Bound_range_test, AnUnreadableParameterKeepsTheNarrowedRange) {
+    device.set_integer(MODE, 2, 2);
+    device.set_fault([](const Memory_device::Operation& asked) {
+        return asked.kind == Memory_device::Operation_kind::READ && asked.pid == MODE ? 42 : 0;
+    });
+    refresh(gain);
+    EXPECT_EQ(gain.Get_max(), 40);
+
+    device.set_fault(nullptr);
+    refresh(gain);
+    EXPECT_EQ(gain.Get_max(), 100);
+}
+
+TEST_F(Bound_range_test, AnEntryThatIsGoneIsNotRefreshedByACommit) {
+    {
+        Number_entry passing("Passing", 120, gain_index, 0, 100);
+        bind(passing, "visible if 100.2 == 3");
+    }
+    commit(mode, 3);
+
+    EXPECT_EQ(device.integer(MODE, 2), 3);
+}
+
+TEST_F(Bound_range_test, EntriesThatDependOnEachOtherComeToRest) {
+    Number_entry left("Left", 121, gain_index, 0, 10);
+    Number_entry right("Right", 122, gain_index, 0, 10);
+    device.add_integer(121, 3, 0, 10, 8);
+    device.add_integer(122, 3, 0, 10, 8);
+    bind(left, "range 0..5 if 122.3 < 6")->set_fallback_range(0, 10);
+    bind(right, "range 0..5 if 121.3 < 6")->set_fallback_range(0, 10);
+    refresh(left);
+    refresh(right);
+    ASSERT_EQ(right.value(), 8);
+
+    commit(left, 3);
+
+    EXPECT_EQ(device.integer(121, 3), 3);
+    EXPECT_EQ(device.integer(122, 3), 5);
+    commit(left, 9);
+    EXPECT_EQ(device.integer(121, 3), 9);
+    EXPECT_EQ(right.Get_max(), 10);
+}
+
+TEST_F(Bound_range_test, ATextCommitReachesTheEntriesThatCompareTheText) {
+    device.add_text(200, 0, 16, "Studio");
+    const Index_t no_level = index_of({});
+    String_entry title("Title", "A text", 200, &no_level, 16, nullptr, Data_entry::READ_WRITE,
+                       Data_entry::VISIBLE_ALL, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
+                       nullptr);
+    bind(title, "visible if 100.2 >= 0");
+    Number_entry level("Level", 120, gain_index, 0, 100);
+    bind(level, "visible if 200 == \"Hall\"");
+    EXPECT_EQ(level.isVisible(true, &device), -1);
+
+    title.Set_value("Hall", 4);
+    capture(0, [&] { EXPECT_EQ(title.Commit(&device), Data_entry::OK); });
+
+    EXPECT_EQ(device.text(200, 0), "Hall");
+    EXPECT_EQ(level.Get_bind_vis(), VIS_TRUE);
 }
 
 }  // namespace

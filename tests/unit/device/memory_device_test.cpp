@@ -471,6 +471,12 @@ TEST_F(Memory_device_test, ItIsADataInterfaceForWhoeverAsks) {
     EXPECT_NE(dynamic_cast<Pdt_data_access*>(iface), nullptr);
 }
 
+TEST_F(Memory_device_test, TheApplicationsOwnFieldsStartAtZero) {
+    EXPECT_EQ(device.go_home, 0);
+    EXPECT_EQ(device.lock_and_dim, 0);
+    EXPECT_EQ(device.time_for_timeout, 0);
+}
+
 TEST(Memory_device_results, EachResultHasItsWords) {
     EXPECT_STREQ(Memory_device::result_text(0), "done");
     EXPECT_STREQ(Memory_device::result_text(1), "unknown parameter");

@@ -74,6 +74,7 @@ public:
     using Fault = std::function<int(const Operation&)>;
     using Write_listener = std::function<void(const Write&)>;
 
+    // Without parameters and products, at the local unit; the application's own fields of the interface are 0.
     Memory_device();
     ~Memory_device() override;
     Memory_device(const Memory_device&) = delete;
