@@ -230,7 +230,9 @@ TEST(Range_display, AnUnboundedLineTakesAnyText) {
 // Formats come from menu files: whatever they hold, a display stays within its line.
 TEST(Range_display, NoFormatWritesBeyondItsLine) {
     std::mt19937 random(20240607);
-    const auto pick = [&](unsigned int count) { return random() % count; };
+    const auto pick = [&](std::size_t count) {
+        return static_cast<unsigned int>(random() % count);
+    };
     constexpr char PARTS[] = "%%%%dxXf.1220:,, -+*slng$'";
     for (int round = 0; round < 20000; ++round) {
         std::string format;
