@@ -1,0 +1,224 @@
+#include <frontpanel_binding/expression_binding.h>
+#include <frontpanel_device/memory_device.h>
+#include <frontpanel_editors/number_editor.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <memory>
+
+#include "support/indexes.h"
+
+namespace {
+
+using support::any_index;
+
+struct Range {
+    Range(int min, int max, int start, std::string format = "", std::string value_format = "v")
+        : entry("Gain", "Gain", 100, any_index(), min, max, start, format.data(),
+                value_format.data(), nullptr, Data_entry::READ_WRITE, Data_entry::VISIBLE_ALL, true,
+                Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr) {}
+
+    int value() {
+        int value = 0;
+        entry.Get_value(&value, sizeof value);
+        return value;
+    }
+
+    Range_entry entry;
+};
+
+TEST(NumberEditor, StartsClosed) {
+    Number_editor editor;
+    EXPECT_EQ(editor.entry(), nullptr);
+    EXPECT_EQ(editor.press(Editor_key::UP), Editor_result::DISCARDED);
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::DISCARDED);
+    EXPECT_EQ(editor.view(20).text, "");
+    EXPECT_FALSE(editor.view(20).edit_led);
+    editor.Coarser_step();
+    editor.Finer_step();
+    EXPECT_EQ(editor.step_size(), 1);
+}
+
+TEST(NumberEditor, OpensOnTheEntrysValue) {
+    Range range(-10, 10, 4);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(editor.entry(), &range.entry);
+    EXPECT_EQ(editor.proposed_value(), 4);
+    EXPECT_EQ(editor.view(20).text, "4");
+    EXPECT_EQ(editor.view(20).cursor, 0);
+    EXPECT_EQ(editor.view(20).step, "");
+    EXPECT_TRUE(editor.view(20).edit_led);
+}
+
+TEST(NumberEditor, StaysClosedForAnotherKindOfEntry) {
+    Node_entry node("Node", "Node", any_index(), nullptr, 1, -1, nullptr, nullptr, nullptr);
+    Range range(0, 9, 4);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    editor.Prepare(&node);
+    EXPECT_EQ(editor.entry(), nullptr);
+    editor.Prepare(nullptr);
+    EXPECT_EQ(editor.entry(), nullptr);
+}
+
+TEST(NumberEditor, StepsStayWithinTheRange) {
+    Range range(0, 9, 8);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    for (const int expected : {9, 9, 9}) {
+        EXPECT_EQ(editor.press(Editor_key::UP), Editor_result::OPEN);
+        EXPECT_EQ(editor.proposed_value(), expected);
+    }
+    for (int i = 0; i < 12; ++i) {
+        editor.press(Editor_key::DOWN);
+    }
+    EXPECT_EQ(editor.proposed_value(), 0);
+}
+
+TEST(NumberEditor, StepsPassThroughAGapBetweenRanges) {
+    Range range(0, 100, 9);
+    range.entry.setValidRangeAndValues({{0, 10, {}}, {20, 30, {}}});
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    editor.press(Editor_key::UP);
+    EXPECT_EQ(editor.proposed_value(), 10);
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::ACCEPTED);
+    EXPECT_EQ(range.value(), 10);
+}
+
+TEST(NumberEditor, StepSizesArePowersOfTenUpToTheRange) {
+    Range range(0, 500, 5);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    for (const int expected : {10, 100, 100}) {
+        editor.press(Editor_key::COARSER);
+        EXPECT_EQ(editor.step_size(), expected);
+    }
+    editor.press(Editor_key::UP);
+    EXPECT_EQ(editor.proposed_value(), 105);
+    EXPECT_EQ(editor.view(20).step, "step 100");
+    for (const int expected : {10, 1, 1}) {
+        editor.press(Editor_key::FINER);
+        EXPECT_EQ(editor.step_size(), expected);
+    }
+}
+
+TEST(NumberEditor, EveryOpeningStartsWithTheFinestStep) {
+    Range range(0, 500, 5);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    editor.press(Editor_key::COARSER);
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(editor.step_size(), 1);
+}
+
+TEST(NumberEditor, StepsSaturateAtTheLimitsOfInt) {
+    Range range(INT_MIN, INT_MAX, INT_MAX - 3);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    for (int i = 0; i < 12; ++i) {
+        editor.press(Editor_key::COARSER);
+    }
+    EXPECT_EQ(editor.step_size(), 1000000000);
+    editor.press(Editor_key::UP);
+    EXPECT_EQ(editor.proposed_value(), INT_MAX);
+    for (int i = 0; i < 6; ++i) {
+        editor.press(Editor_key::DOWN);
+    }
+    EXPECT_EQ(editor.proposed_value(), INT_MIN);
+}
+
+TEST(NumberEditor, EscapeLeavesTheEntryAsItWas) {
+    Range range(0, 9, 4);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    editor.press(Editor_key::UP);
+    EXPECT_EQ(range.value(), 4);
+    EXPECT_EQ(editor.press(Editor_key::ESCAPE), Editor_result::DISCARDED);
+    EXPECT_EQ(range.value(), 4);
+}
+
+TEST(NumberEditor, ShowsTheProposedValueInTheEntrysFormat) {
+    Range range(-600, 120, -35, "%.1f dB", "v/10");
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(editor.view(20).text, "-3.5 dB");
+    EXPECT_EQ(editor.view(20).cursor, 3);
+    editor.press(Editor_key::COARSER);
+    EXPECT_EQ(editor.view(20).cursor, 1);
+    editor.press(Editor_key::DOWN);
+    EXPECT_EQ(editor.view(20).text, "-4.5 dB");
+    editor.press(Editor_key::COARSER);
+    EXPECT_EQ(editor.view(20).cursor, 1);
+}
+
+TEST(NumberEditor, ShowsNoCursorInATextWithoutNumber) {
+    Range range(0, 1, 0, "0:Off,1:On,%d");
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(editor.view(20).text, "Off");
+    EXPECT_EQ(editor.view(20).cursor, Editor_view::NO_CURSOR);
+    editor.press(Editor_key::UP);
+    EXPECT_EQ(editor.view(20).text, "On");
+}
+
+TEST(NumberEditor, RefusesToAcceptWhileNoValueIsAllowed) {
+    Range range(0, 9, 4);
+    range.entry.setValidRangeAndValues({});
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    editor.press(Editor_key::UP);
+    EXPECT_EQ(editor.proposed_value(), 4);
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::REFUSED);
+    EXPECT_EQ(range.value(), 4);
+}
+
+TEST(NumberEditor, IsDrivenThroughTheDispatcher) {
+    Range range(0, 500, 4);
+    Number_editor editor;
+    Selection* const selection = &editor;
+    void* specific = &range.entry;
+    Data_entry::EntryTypeSpecificOperation(&range.entry, nullptr, selection, false,
+                                           Data_entry::OPERATION_SET_ESCAPE_ENTRY |
+                                               Data_entry::OPERATION_SET_SELECT_ENTRY |
+                                               Data_entry::OPERATION_PREPARE,
+                                           &specific);
+    EXPECT_EQ(editor.entry(), &range.entry);
+    EXPECT_EQ(editor.escape_entry(), &range.entry);
+    EXPECT_EQ(editor.select_entry(), &range.entry);
+    Data_entry::EntryTypeSpecificOperation(&range.entry, nullptr, selection, false,
+                                           Data_entry::OPERATION_COARSER_STEP, nullptr);
+    EXPECT_EQ(editor.step_size(), 10);
+    Data_entry::EntryTypeSpecificOperation(&range.entry, nullptr, selection, false,
+                                           Data_entry::OPERATION_FINER_STEP, nullptr);
+    EXPECT_EQ(editor.step_size(), 1);
+    specific = nullptr;
+    Data_entry::EntryTypeSpecificOperation(&range.entry, nullptr, selection, false,
+                                           Data_entry::OPERATION_ESCAPE, &specific);
+    EXPECT_EQ(specific, &range.entry);
+    Data_entry::EntryTypeSpecificOperation(&range.entry, nullptr, selection, false,
+                                           Data_entry::OPERATION_EXIT_LEDS, nullptr);
+    EXPECT_EQ(editor.entry(), nullptr);
+}
+
+TEST(NumberEditor, StepsAreLimitedByWhatABindingSuggests) {
+    Memory_device device;
+    device.add_integer(100, 3, 0, 100, 7);
+    device.add_integer(101, 0, 0, 1, 1);
+    const auto registry = std::make_shared<Binding_registry>(&device);
+    auto binding = std::make_unique<Expression_binding>(registry);
+    binding->addBindingList(registry->compile("range 5..8 if 101 == 1").list);
+    binding->set_fallback_range(0, 100);
+    Range range(0, 100, 7);
+    range.entry.setValidRangeAndValues({{0, 101, {}}});
+    range.entry.Set_binding_object(binding.release());
+    range.entry.Refresh(&device, true);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    editor.press(Editor_key::UP);
+    editor.press(Editor_key::UP);
+    EXPECT_EQ(editor.proposed_value(), 8);
+}
+
+}  // namespace
