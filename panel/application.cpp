@@ -1,0 +1,87 @@
+#include "application.h"
+
+#include <frontpanel_data/data_entry.h>
+#include <unistd.h>
+
+#include <iostream>
+#include <variant>
+
+#include "controller.h"
+#include "input_error.h"
+#include "menu_loader.h"
+#include "options.h"
+#include "output_log.h"
+#include "script_player.h"
+#include "text_display.h"
+
+namespace panel {
+namespace {
+
+int check(const Options& options, std::ostream& out) {
+    const Loaded_menu loaded = load_menu(options.menu);
+    for (const std::string& warning : loaded.warnings) {
+        std::cerr << "warning: " << warning << '\n';
+    }
+    out << options.menu << ": a menu of " << loaded.menu->entry_count() << " entries\n";
+    return EXIT_PLAYED;
+}
+
+int play(const Script& script, Controller& controller, Memory_device& device, std::ostream& out) {
+    Text_display display(out);
+    Script_player player(controller, device, display, out, std::cerr);
+    const int differences = player.play(script);
+    if (differences != 0) {
+        std::cerr << script.file << ": " << differences << " expectation"
+                  << (differences == 1 ? "" : "s") << " not met\n";
+        return EXIT_DIFFERENCE;
+    }
+    if (!out) {
+        throw Input_error("standard output cannot be written");
+    }
+    return EXIT_PLAYED;
+}
+
+// Without a terminal the shipped menu shows its tour; another menu or display needs a script of its own.
+std::string script_of(const Options& options) {
+    if (!options.script.empty()) {
+        return options.script;
+    }
+    const Lcd_size usual;
+    if (options.menu != shipped_menu() || options.size.columns != usual.columns ||
+        options.size.rows != usual.rows) {
+        throw Input_error("standard output is no terminal: name a script with --script");
+    }
+    return shipped_tour();
+}
+
+int show(const Options& options, Output_log& log) {
+    const std::string file = script_of(options);
+    const Script script = parse_script(file, read_input_file(file));
+    const Loaded_menu loaded = load_menu(options.menu);
+    Menu& menu = *loaded.menu;
+    VarIdDataInfStore::m_pDataAccessInf = &menu.device();
+    Controller controller(menu.root(), link_to(menu.device()), options.size);
+    menu.bindings()->set_warning_listener(
+        [&controller](const std::string& text) { controller.warn(text); });
+    return play(script, controller, menu.device(), log.out());
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+    const auto parsed = parse_options(argc, argv, std::cout, std::cerr);
+    if (const int* const status = std::get_if<int>(&parsed)) {
+        return *status;
+    }
+    const Options& options = std::get<Options>(parsed);
+    try {
+        Output_log log(options.log);
+        debug = options.debug;
+        return options.check ? check(options, log.out()) : show(options, log);
+    } catch (const Input_error& error) {
+        std::cerr << "frontpanel: " << error.what() << '\n';
+        return EXIT_BAD_INPUT;
+    }
+}
+
+}  // namespace panel

@@ -1,0 +1,210 @@
+#include "controller.h"
+
+#include "entry_access.h"
+
+namespace panel {
+namespace {
+
+constexpr int TITLE_ROW = 0;
+constexpr int TEXT_ROW = 1;
+
+}  // namespace
+
+Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size size)
+    : m_root(root), m_device(device), m_size(size), m_list(root, device) {}
+
+void Controller::press(const Key& key) {
+    if (!m_notices.empty()) {
+        m_notices.erase(m_notices.begin());
+    } else if (m_editor != nullptr) {
+        press_in_editor(key);
+    } else {
+        press_in_list(key);
+    }
+}
+
+void Controller::tick() {
+    if (m_editor == nullptr) {
+        m_list.refresh();
+    }
+}
+
+void Controller::press_in_list(const Key& key) {
+    switch (key.kind) {
+        case Key::UP:
+            m_list.move(-1);
+            break;
+        case Key::DOWN:
+            m_list.move(1);
+            break;
+        case Key::SELECT:
+            select();
+            break;
+        case Key::BACK:
+            leave();
+            break;
+        case Key::SHORTCUT:
+            jump(key.button);
+            break;
+        case Key::COARSER:
+        case Key::FINER:
+            break;
+    }
+}
+
+void Controller::press_in_editor(const Key& key) {
+    Editor_result result = Editor_result::OPEN;
+    switch (key.kind) {
+        case Key::UP:
+            result = m_editor->press(Editor_key::UP);
+            break;
+        case Key::DOWN:
+            result = m_editor->press(Editor_key::DOWN);
+            break;
+        case Key::SELECT:
+            result = m_editor->press(Editor_key::SELECT);
+            break;
+        case Key::BACK:
+            result = m_editor->press(Editor_key::ESCAPE);
+            break;
+        case Key::COARSER:
+            result = m_editor->press(Editor_key::COARSER);
+            break;
+        case Key::FINER:
+            result = m_editor->press(Editor_key::FINER);
+            break;
+        case Key::SHORTCUT:
+            break;  // a jump would drop the edited value unasked
+    }
+    switch (result) {
+        case Editor_result::OPEN:
+            break;
+        case Editor_result::ACCEPTED:
+            commit_edited();
+            break;
+        case Editor_result::DISCARDED:
+            close_editor();
+            break;
+        case Editor_result::REFUSED: {
+            const std::string name = m_editor->entry()->Get_name();
+            if (m_warnings.empty()) {
+                notify(name, "value refused", false);
+            }
+            for (const std::string& warning : m_warnings) {
+                notify(name, warning, false);
+            }
+            break;
+        }
+    }
+    m_warnings.clear();
+}
+
+void Controller::select() {
+    Data_entry* const entry = m_list.selected();
+    if (entry == nullptr) {
+        return;
+    }
+    if (is_menu(*entry)) {
+        m_list.open(*entry, nullptr);
+    } else {
+        edit(*entry);
+    }
+}
+
+void Controller::leave() {
+    Data_entry& left = m_list.menu();
+    Data_entry* const parent =
+        &left == &m_root ? nullptr : neighbour(left, Data_entry::OPERATION_PARENT);
+    if (parent != nullptr) {
+        m_list.open(*parent, &left);
+    }
+}
+
+void Controller::jump(int button) {
+    Data_entry* const entry = m_root.getShortcut(button);
+    if (entry == nullptr) {
+        return;
+    }
+    if (entry->isVisible(true, &m_device.access) < 0) {
+        notify(entry->Get_name(), "not available", false);
+    } else if (is_menu(*entry)) {
+        m_list.open(*entry, nullptr);
+    } else {
+        m_list.open(*neighbour(*entry, Data_entry::OPERATION_PARENT), entry);
+    }
+}
+
+void Controller::edit(Data_entry& entry) {
+    if (entry.Get_access_type() == Data_entry::READ_ONLY) {
+        notify(entry.Get_name(), "read only", false);
+        return;
+    }
+    if (refresh(entry, m_device.access); m_device.read_failed(entry)) {
+        notify(entry.Get_name(), "read error", true);
+        return;
+    }
+    m_editor = m_editors.open(entry);
+}
+
+void Controller::commit_edited() {
+    Data_entry& entry = *m_editor->entry();
+    const int result = commit(entry, m_device.access);
+    close_editor();
+    if (result != 0) {
+        notify(entry.Get_name(), "write failed", true);
+    }
+}
+
+// What the commit changed elsewhere shows at once: every entry of the list is asked whether it is visible.
+void Controller::close_editor() {
+    Data_entry* const target = m_editors.close(*m_editor->entry());
+    m_editor = nullptr;
+    if (target == &m_list.menu()) {
+        leave();
+    } else {
+        m_list.refresh();
+    }
+}
+
+void Controller::warn(const std::string& text) {
+    m_warnings.push_back(text);
+}
+
+void Controller::notify(const std::string& title, const std::string& text, bool alarm) {
+    m_notices.push_back({title, text, alarm});
+}
+
+Frame Controller::draw() {
+    Frame frame{Lcd(m_size), Leds()};
+    if (!m_notices.empty()) {
+        draw_notice(frame);
+    } else if (m_editor != nullptr) {
+        draw_editor(frame);
+    } else {
+        m_list.draw(frame.lcd);
+        frame.leds.alarm = m_list.alarm();
+    }
+    return frame;
+}
+
+void Controller::draw_editor(Frame& frame) {
+    const Editor_view shown = m_editor->view(m_size.columns);
+    frame.lcd.put(TITLE_ROW, 0, m_editor->entry()->Get_name());
+    if (!shown.step.empty()) {
+        frame.lcd.put_right(TITLE_ROW, " " + shown.step);
+    }
+    frame.lcd.put(TEXT_ROW, 0, shown.text);
+    if (shown.cursor != Editor_view::NO_CURSOR) {
+        frame.lcd.set_cursor(TEXT_ROW, shown.cursor);
+    }
+    frame.leds.edit = shown.edit_led;
+}
+
+void Controller::draw_notice(Frame& frame) const {
+    frame.lcd.put(TITLE_ROW, 0, m_notices.front().title);
+    frame.lcd.put(TEXT_ROW, 0, m_notices.front().text);
+    frame.leds.edit = m_editor != nullptr;
+    frame.leds.alarm = m_notices.front().alarm;
+}
+
+}  // namespace panel

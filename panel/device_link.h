@@ -1,0 +1,24 @@
+// How the panel reaches the device.
+#ifndef FRONTPANEL_PANEL_DEVICE_LINK_H
+#define FRONTPANEL_PANEL_DEVICE_LINK_H
+
+#include <frontpanel_data/data_entry.h>
+#include <frontpanel_device/memory_device.h>
+
+#include <functional>
+
+namespace panel {
+
+struct Device_link {
+    Data_interface& access;
+    // Whether the last read of the entry's parameter failed. The entry's own refresh cannot tell: it reports
+    // a failed read and a corrected value alike.
+    std::function<bool(const Data_entry&)> read_failed;
+};
+
+// A link to the in-memory device, which outlives it.
+Device_link link_to(Memory_device& device);
+
+}  // namespace panel
+
+#endif

@@ -1,0 +1,29 @@
+// The panel's editors, one of a kind, and the dispatcher steps that open and close them.
+#ifndef FRONTPANEL_PANEL_EDITOR_SET_H
+#define FRONTPANEL_PANEL_EDITOR_SET_H
+
+#include <frontpanel_data/data_entry.h>
+#include <frontpanel_editors/number_editor.h>
+
+namespace panel {
+
+class Editor_set {
+public:
+    // Opens the editor of the entry's type. Null when the type has none, or when the editor does not open.
+    Value_editor* open(Data_entry& entry);
+    // Closes the open editor. Returns the entry that the panel goes to.
+    Data_entry* close(Data_entry& entry);
+
+private:
+    struct Editor {
+        Selection* selection = nullptr;
+        Value_editor* value = nullptr;
+    };
+    Editor editor_of(const Data_entry& entry);
+
+    Number_editor m_number;
+};
+
+}  // namespace panel
+
+#endif

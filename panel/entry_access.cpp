@@ -1,0 +1,56 @@
+#include "entry_access.h"
+
+#include <vector>
+
+namespace panel {
+namespace {
+
+int display_string(Data_entry& entry, char* buffer, unsigned int length) {
+    switch (entry.Get_entry_type()) {
+        case Data_entry::RANGE_LEAF:
+            return static_cast<Range_entry&>(entry).Get_display_string(buffer, length, false, 0);
+        default:
+            return entry.Get_display_string(buffer, length);
+    }
+}
+
+}  // namespace
+
+Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step) {
+    void* found = nullptr;
+    Data_entry::EntryTypeSpecificOperation(&entry, nullptr, nullptr, false, step, &found);
+    return static_cast<Data_entry*>(found);
+}
+
+int refresh(Data_entry& entry, Data_interface& device) {
+    return Data_entry::EntryTypeSpecificOperation(&entry, &device, nullptr, true,
+                                                  Data_entry::OPERATION_REFRESH, nullptr);
+}
+
+bool is_menu(const Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::NODE;
+}
+
+std::optional<std::string> display_value(Data_entry& entry, int columns) {
+    if (is_menu(entry)) {
+        return std::string();
+    }
+    // An entry terminates at position `columns` and may leave the column before it as it finds it.
+    std::vector<char> buffer(static_cast<size_t>(columns) + 1, ' ');
+    buffer.back() = '\0';
+    if (display_string(entry, buffer.data(), static_cast<unsigned int>(columns)) != 0) {
+        return std::nullopt;
+    }
+    return std::string(buffer.data());
+}
+
+int commit(Data_entry& entry, Data_interface& device) {
+    switch (entry.Get_entry_type()) {
+        case Data_entry::RANGE_LEAF:
+            return static_cast<Range_entry&>(entry).Commit(&device);
+        default:
+            return entry.Commit();
+    }
+}
+
+}  // namespace panel

@@ -1,0 +1,31 @@
+// How the panel reaches into an entry whatever its type: neighbours and refresh through the library's
+// dispatcher, display and commit by the type, since each leaf class brings its own.
+#ifndef FRONTPANEL_PANEL_ENTRY_ACCESS_H
+#define FRONTPANEL_PANEL_ENTRY_ACCESS_H
+
+#include <frontpanel_data/data_entry.h>
+
+#include <optional>
+#include <string>
+
+namespace panel {
+
+// The neighbour that one of the dispatcher's link steps delivers; null for none.
+Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step);
+
+// Refreshes the entry with its binding. 0, or what the entry's refresh returns.
+int refresh(Data_entry& entry, Data_interface& device);
+
+// Whether selecting the entry opens a menu.
+bool is_menu(const Data_entry& entry);
+
+// The value as the display shows it, at most `columns` characters; a text that does not fit scrolls by one
+// character a call. Empty for an entry without a value, nothing when the entry cannot show its value.
+std::optional<std::string> display_value(Data_entry& entry, int columns);
+
+// Writes the entry's value to the device and refreshes what depends on it. 0 on success.
+int commit(Data_entry& entry, Data_interface& device);
+
+}  // namespace panel
+
+#endif

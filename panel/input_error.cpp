@@ -1,0 +1,34 @@
+#include "input_error.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <vector>
+
+namespace panel {
+namespace {
+
+constexpr std::streamsize LARGEST_FILE = 4 * 1024 * 1024;
+
+}  // namespace
+
+std::string read_input_file(const std::string& path) {
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        throw Input_error(path + ": cannot be opened: " + std::strerror(errno));
+    }
+    // One byte more than is allowed tells a file that is too large, endless ones included.
+    std::string text(static_cast<size_t>(LARGEST_FILE) + 1, '\0');
+    file.read(text.data(), LARGEST_FILE + 1);
+    if (file.bad() || (file.gcount() == 0 && errno == EISDIR)) {
+        throw Input_error(path + ": cannot be read: " + std::strerror(errno));
+    }
+    if (file.gcount() > LARGEST_FILE) {
+        throw Input_error(path + ": is larger than 4 MiB");
+    }
+    text.resize(static_cast<size_t>(file.gcount()));
+    return text;
+}
+
+}  // namespace panel

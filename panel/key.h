@@ -1,0 +1,23 @@
+// What a hand does at the panel's front.
+#ifndef FRONTPANEL_PANEL_KEY_H
+#define FRONTPANEL_PANEL_KEY_H
+
+namespace panel {
+
+struct Key {
+    enum Kind {
+        UP,    // shaft encoder, one step clockwise
+        DOWN,  // shaft encoder, one step counter-clockwise
+        SELECT,
+        BACK,
+        COARSER,  // a larger encoder step
+        FINER,    // a smaller encoder step
+        SHORTCUT  // a shortcut button
+    };
+    Kind kind;
+    int button = 0;  // of SHORTCUT: the button's number
+};
+
+}  // namespace panel
+
+#endif

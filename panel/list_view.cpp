@@ -1,0 +1,148 @@
+#include "list_view.h"
+
+#include <algorithm>
+#include <string>
+
+#include "entry_access.h"
+
+namespace panel {
+namespace {
+
+constexpr int MARK_COLUMNS = 1;  // the cursor's column
+constexpr int LEAST_VALUE_COLUMNS = 8;
+constexpr int LEAST_ROWS_WITH_TITLE = 3;
+constexpr const char* READ_ERROR = "read error";
+constexpr const char* NO_VALUE = "---";
+constexpr const char* MENU_MARK = "...";
+
+std::vector<Data_entry*> children_of(Data_entry& menu) {
+    std::vector<Data_entry*> children;
+    Data_entry* child = neighbour(menu, Data_entry::OPERATION_CHILD);
+    while (child != nullptr) {
+        children.push_back(child);
+        child = neighbour(*child, Data_entry::OPERATION_NEXT);
+    }
+    return children;
+}
+
+bool contains(const std::vector<Data_entry*>& entries, const Data_entry* entry) {
+    return std::find(entries.begin(), entries.end(), entry) != entries.end();
+}
+
+// Where the cursor goes from an entry that is no longer visible: the next visible one behind it.
+Data_entry* next_visible(const std::vector<Data_entry*>& all,
+                         const std::vector<Data_entry*>& visible, const Data_entry* from) {
+    auto candidate = std::find(all.begin(), all.end(), from);
+    while (candidate != all.end() && !contains(visible, *candidate)) {
+        ++candidate;
+    }
+    return candidate == all.end() ? nullptr : *candidate;
+}
+
+}  // namespace
+
+List_view::List_view(Data_entry& menu, const Device_link& device)
+    : m_menu(&menu), m_device(device) {
+    refresh();
+}
+
+void List_view::open(Data_entry& menu, Data_entry* cursor) {
+    m_menu = &menu;
+    m_visible.clear();
+    m_cursor = 0;
+    m_top = 0;
+    refresh();
+    if (contains(m_visible, cursor)) {
+        place_cursor(cursor);
+    }
+}
+
+void List_view::refresh() {
+    Data_entry* const held = selected();
+    const std::vector<Data_entry*> all = children_of(*m_menu);
+    std::vector<Data_entry*> visible;
+    for (Data_entry* entry : all) {
+        // Asking a leaf reads it; a node's own binding is evaluated only by a refresh of the node.
+        if (is_menu(*entry)) {
+            panel::refresh(*entry, m_device.access);
+        }
+        if (entry->isVisible(true, &m_device.access) >= 0) {
+            visible.push_back(entry);
+        }
+    }
+    m_visible = std::move(visible);
+    if (held != nullptr) {
+        place_cursor(next_visible(all, m_visible, held));
+    }
+}
+
+void List_view::move(int steps) {
+    const int last = std::max(0, static_cast<int>(m_visible.size()) - 1);
+    m_cursor = std::clamp(m_cursor + steps, 0, last);
+}
+
+Data_entry* List_view::selected() const {
+    return m_visible.empty() ? nullptr : m_visible[static_cast<size_t>(m_cursor)];
+}
+
+// Without a wanted entry the cursor goes to the last one.
+void List_view::place_cursor(Data_entry* wanted) {
+    const auto found = std::find(m_visible.begin(), m_visible.end(), wanted);
+    m_cursor = static_cast<int>(found - m_visible.begin());
+    move(0);
+}
+
+void List_view::scroll_to_cursor(int lines) {
+    const int last_top = std::max(0, static_cast<int>(m_visible.size()) - lines);
+    m_top = std::clamp(m_top, m_cursor - lines + 1, m_cursor);
+    m_top = std::clamp(m_top, 0, last_top);
+}
+
+void List_view::draw(Lcd& lcd) {
+    const int first_row = lcd.size().rows >= LEAST_ROWS_WITH_TITLE ? 1 : 0;
+    const int lines = lcd.size().rows - first_row;
+    scroll_to_cursor(lines);
+    m_alarm = false;
+    if (first_row == 1) {
+        draw_title(lcd);
+    }
+    if (m_visible.empty()) {
+        lcd.put(first_row, MARK_COLUMNS, "(empty)");
+    }
+    const int end = std::min(static_cast<int>(m_visible.size()), m_top + lines);
+    for (int i = m_top; i < end; ++i) {
+        draw_entry(lcd, first_row + i - m_top, *m_visible[static_cast<size_t>(i)], i == m_cursor);
+    }
+}
+
+void List_view::draw_title(Lcd& lcd) const {
+    lcd.put(0, 0, m_menu->Get_name());
+    if (!m_visible.empty()) {
+        lcd.put_right(0,
+                      " " + std::to_string(m_cursor + 1) + "/" + std::to_string(m_visible.size()));
+    }
+}
+
+void List_view::draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected) {
+    const std::string name = entry.Get_name();
+    const int columns = lcd.size().columns;
+    const int most_name = columns - MARK_COLUMNS - 1 - LEAST_VALUE_COLUMNS;
+    const int name_columns = std::min(static_cast<int>(name.size()), most_name);
+
+    lcd.put(row, 0, selected ? ">" : " ");
+    if (is_menu(entry)) {
+        lcd.put(row, MARK_COLUMNS, name);
+        lcd.put_right(row, std::string(" ") + MENU_MARK);
+        return;
+    }
+    lcd.put(row, MARK_COLUMNS, name.substr(0, static_cast<size_t>(name_columns)));
+    if (m_device.read_failed(entry)) {
+        m_alarm = true;
+        lcd.put_right(row, std::string(" ") + READ_ERROR);
+        return;
+    }
+    const int value_columns = columns - MARK_COLUMNS - name_columns - 1;
+    lcd.put_right(row, display_value(entry, value_columns).value_or(NO_VALUE));
+}
+
+}  // namespace panel

@@ -1,0 +1,51 @@
+// The list of a menu's visible entries with a cursor, as many at a time as the display has lines for.
+#ifndef FRONTPANEL_PANEL_LIST_VIEW_H
+#define FRONTPANEL_PANEL_LIST_VIEW_H
+
+#include <vector>
+
+#include "device_link.h"
+#include "lcd.h"
+
+namespace panel {
+
+class List_view {
+public:
+    // Shows the menu below `menu`. Menu and device outlive the view.
+    List_view(Data_entry& menu, const Device_link& device);
+
+    // Shows another menu, with the cursor on `cursor` when that is one of its visible entries and on the
+    // first visible entry otherwise.
+    void open(Data_entry& menu, Data_entry* cursor);
+    // Reads every entry of the menu from the device and asks whether it is visible. A cursor whose entry is
+    // gone moves to the next visible one, or to the last.
+    void refresh();
+    // Moves the cursor; it stays at the ends.
+    void move(int steps);
+
+    Data_entry& menu() const { return *m_menu; }
+    // The entry under the cursor; null when nothing is visible.
+    Data_entry* selected() const;
+
+    // Draws the list: a display of three lines and more has the menu's name on the first.
+    void draw(Lcd& lcd);
+    // Whether an entry drawn last could not be read.
+    bool alarm() const { return m_alarm; }
+
+private:
+    void draw_title(Lcd& lcd) const;
+    void draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected);
+    void place_cursor(Data_entry* wanted);
+    void scroll_to_cursor(int lines);
+
+    Data_entry* m_menu;
+    Device_link m_device;
+    std::vector<Data_entry*> m_visible;
+    int m_cursor = 0;  // in m_visible
+    int m_top = 0;     // first of m_visible on the display
+    bool m_alarm = false;
+};
+
+}  // namespace panel
+
+#endif

@@ -1,0 +1,39 @@
+// The command line of the panel application.
+#ifndef FRONTPANEL_PANEL_OPTIONS_H
+#define FRONTPANEL_PANEL_OPTIONS_H
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <variant>
+
+#include "lcd.h"
+
+namespace panel {
+
+// Exit statuses of the application.
+inline constexpr int EXIT_PLAYED = 0;      // all went well
+inline constexpr int EXIT_DIFFERENCE = 1;  // the script's expectations were not met
+inline constexpr int EXIT_BAD_INPUT = 2;   // an option, the menu or the script is wrong
+
+struct Options {
+    std::string menu;    // file; the shipped menu unless another is named
+    std::string script;  // file; empty: none was named
+    std::string log;     // file; empty: the default place
+    Lcd_size size;
+    uint32_t debug = 0;  // mask of the library's diagnostics
+    bool check = false;  // only check the menu
+};
+
+// The shipped menu and the tour that goes with it.
+std::string shipped_menu();
+std::string shipped_tour();
+
+// The options, or the status to exit with: after the help was printed to `out`, or one line that tells what
+// is wrong to `errors`.
+std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
+                                         std::ostream& errors);
+
+}  // namespace panel
+
+#endif

@@ -1,0 +1,100 @@
+#include "output_log.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include "input_error.h"
+
+namespace panel {
+namespace {
+
+constexpr const char* NAME = "frontpanel.log";
+
+int open_log(const std::string& named) {
+    const std::string file = named.empty() ? default_log_file() : named;
+    // The folder for temporary files is everybody's: a link that lies there already is not followed.
+    const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | (named.empty() ? O_NOFOLLOW : 0);
+    const int descriptor = open(file.c_str(), flags, 0600);
+    if (descriptor < 0) {
+        throw Input_error(file + ": cannot be written: " + std::strerror(errno));
+    }
+    return descriptor;
+}
+
+int duplicate(int descriptor) {
+    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (copy < 0) {
+        throw Input_error(std::string("standard output cannot be used: ") + std::strerror(errno));
+    }
+    return copy;
+}
+
+}  // namespace
+
+std::string default_log_file() {
+    const char* const state = std::getenv("XDG_STATE_HOME");
+    std::error_code error;
+    if (state != nullptr && std::filesystem::is_directory(state, error)) {
+        return std::string(state) + "/" + NAME;
+    }
+    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    const std::string name = "frontpanel-" + std::to_string(getuid()) + ".log";
+    return ((error ? std::filesystem::path("/tmp") : folder) / name).string();
+}
+
+Output_log::Output_log(const std::string& file)
+    : m_buffer(duplicate(STDOUT_FILENO)), m_out(&m_buffer) {
+    int log = -1;
+    try {
+        log = open_log(file);
+    } catch (...) {
+        close(m_buffer.descriptor());
+        throw;
+    }
+    std::fflush(stdout);
+    dup2(log, STDOUT_FILENO);
+    close(log);
+    // A log that is read after a crash must be complete.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+}
+
+Output_log::~Output_log() {
+    std::fflush(stdout);
+    dup2(m_buffer.descriptor(), STDOUT_FILENO);
+    close(m_buffer.descriptor());
+    if (m_errors >= 0) {
+        dup2(m_errors, STDERR_FILENO);
+        close(m_errors);
+    }
+}
+
+void Output_log::take_errors() {
+    m_errors = duplicate(STDERR_FILENO);
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+}
+
+int Output_log::Descriptor_buffer::overflow(int character) {
+    const char byte = static_cast<char>(character);
+    return xsputn(&byte, 1) == 1 ? character : traits_type::eof();
+}
+
+std::streamsize Output_log::Descriptor_buffer::xsputn(const char* text, std::streamsize length) {
+    std::streamsize written = 0;
+    while (written < length) {
+        const ssize_t result =
+            ::write(m_descriptor, text + written, static_cast<size_t>(length - written));
+        if (result < 0 && errno != EINTR) {
+            break;
+        }
+        written += result < 0 ? 0 : result;
+    }
+    return written;
+}
+
+}  // namespace panel

@@ -1,0 +1,61 @@
+// Plays a script on the panel without hands or eyes: presses its keys, shows every frame, checks what is
+// expected of the display and of the device.
+#ifndef FRONTPANEL_PANEL_SCRIPT_PLAYER_H
+#define FRONTPANEL_PANEL_SCRIPT_PLAYER_H
+
+#include <deque>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <tuple>
+
+#include "controller.h"
+#include "display.h"
+#include "script.h"
+
+namespace panel {
+
+class Script_player {
+public:
+    // Frames go to `display`, what the script says and does to `out`, differences to `differences`. All
+    // arguments outlive the player. The player takes the device's fault and write callbacks.
+    Script_player(Controller& controller, Memory_device& device, Display& display,
+                  std::ostream& out, std::ostream& differences);
+    ~Script_player();
+    Script_player(const Script_player&) = delete;
+    Script_player& operator=(const Script_player&) = delete;
+
+    // Plays to the end. The number of expectations that were not met. Input_error when a step sets a
+    // parameter that the device does not have, or to a value that it cannot hold.
+    int play(const Script& script);
+
+private:
+    using Fault = std::tuple<bool, uint32_t, uint32_t>;  // write, pid, variable index
+
+    void perform(const Script& script, const Step& step);
+    void show();
+    void set_fault(const Step& step);
+    void set_value(const Script& script, const Step& step);
+    // What differs from the expectation; nothing when it is met.
+    std::optional<std::string> difference(const Step& step);
+    std::optional<std::string> line_difference(const Step& step) const;
+    std::optional<std::string> led_difference(const Step& step) const;
+    std::optional<std::string> write_difference(const Step& step);
+
+    Controller& m_controller;
+    Memory_device& m_device;
+    Display& m_display;
+    std::ostream& m_out;
+    std::ostream& m_differences;
+    std::optional<Frame> m_frame;               // the last one shown
+    std::deque<Memory_device::Write> m_writes;  // not checked yet, oldest first
+    std::set<Fault> m_faults;
+};
+
+// Whether a display line is what a pattern says, in which '*' stands for any characters.
+bool matches(const std::string& line, const std::string& pattern);
+
+}  // namespace panel
+
+#endif

@@ -1,0 +1,247 @@
+#include "menu_loader.h"
+
+#include "input_error.h"
+#include "panel_fixture.h"
+
+namespace panel {
+namespace {
+
+constexpr const char* LEVEL = R"({"pid": 5, "type": "integer", "min": 0, "max": 100, "value": 7})";
+constexpr const char* NOTE = R"({"pid": 6, "type": "text", "length": 8, "value": "abc"})";
+
+std::string with_item(const std::string& item) {
+    return menu_text(std::string(LEVEL) + "," + NOTE, item);
+}
+
+std::string with_range(const std::string& members) {
+    return with_item(R"({"type": "range", "name": "Level", "pid": 5, )" + members + "}");
+}
+
+std::string with_parameter(const std::string& parameter) {
+    return menu_text(parameter, R"({"type": "range", "name": "Level", "pid": 5})");
+}
+
+std::string nested(int depth) {
+    std::string item = R"({"type": "range", "name": "Level", "pid": 5})";
+    for (int i = 0; i < depth; ++i) {
+        item = R"({"type": "node", "name": "N", "items": [)" + item + "]}";
+    }
+    return item;
+}
+
+std::string error_of(const std::string& text) {
+    try {
+        load_menu_text("menu.json", text);
+    } catch (const Input_error& error) {
+        return error.what();
+    }
+    return "";
+}
+
+struct Error_case {
+    std::string text;
+    std::string error;
+};
+
+TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
+    const std::string repeated_pid = std::string(LEVEL) + "," + LEVEL;
+    const Error_case CASES[] = {
+        {"", "menu.json:1:1: The document is empty."},
+        {"{\"menu\": {},\n  \"device\" 3}",
+         "menu.json:2:12: Missing a colon after a name of object member."},
+        {"{} {}", "menu.json:1:4: The document root must not be followed by other values."},
+        {"{\"menu\": \"\xff", "menu.json:1:12: Missing a closing quotation mark in string."},
+        {std::string(100000, '['), "menu.json:1:100001: Invalid value."},
+        {"[]", "menu.json: /: expected an object, found a list"},
+        {"{}", "menu.json: /: expected a member \"device\""},
+        {R"({"device": {"parameters": []}})", "menu.json: /: expected a member \"menu\""},
+        {R"({"menus": {}})", "menu.json: /: unknown member \"menus\""},
+        {R"({"menu": {}, "menu": {}})", "menu.json: /: member \"menu\" comes twice"},
+        {menu_text(LEVEL, nested(0), "[]"),
+         "menu.json: /options: expected an object, found a list"},
+        {menu_text(LEVEL, nested(0), R"({"dolby": -1})"),
+         "menu.json: /options/dolby: expected a whole number from 0 to 2147483647, found -1"},
+        {menu_text(LEVEL, nested(0), R"({"": 1})"),
+         "menu.json: /options: expected option names of at least one character"},
+        {R"({"device": {"parameters": {}}})",
+         "menu.json: /device/parameters: expected a list, found an object"},
+        {R"({"device": {"parameter": []}})", "menu.json: /device: unknown member \"parameter\""},
+        {with_parameter(R"({"type": "integer"})"),
+         "menu.json: /device/parameters/0: expected a member \"pid\""},
+        {with_parameter(R"({"pid": 4294967295})"),
+         "menu.json: /device/parameters/0/pid: expected a whole number from 0 to 4294967294, "
+         "found 4294967295"},
+        {with_parameter(R"({"pid": 5, "type": "real"})"),
+         "menu.json: /device/parameters/0/type: expected \"integer\" or \"text\", found \"real\""},
+        {with_parameter(R"({"pid": 5, "type": "integer", "min": 3, "max": 2, "value": 2})"),
+         "menu.json: /device/parameters/0/max: expected a whole number from 3 to 2147483647, found 2"},
+        {with_parameter(R"({"pid": 5, "type": "integer", "min": 0, "max": 2, "value": 2.5})"),
+         "menu.json: /device/parameters/0/value: expected a whole number from 0 to 2, found a number"},
+        {with_parameter(R"({"pid": 5, "type": "text", "length": 257, "value": ""})"),
+         "menu.json: /device/parameters/0/length: expected a whole number from 1 to 256, found 257"},
+        {with_parameter(R"({"pid": 5, "type": "text", "length": 2, "value": "abc"})"),
+         "menu.json: /device/parameters/0/value: expected a text of 0 to 2 characters, found 3"},
+        {with_parameter(R"({"pid": 5, "type": "text", "min": 2, "length": 2, "value": ""})"),
+         "menu.json: /device/parameters/0: unknown member \"min\""},
+        {with_parameter(R"({"pid": 5, "index": [1, 2, 3], "type": "integer"})"),
+         "menu.json: /device/parameters/0/index: expected at most 2 levels, found 3"},
+        {with_parameter(R"({"pid": 5, "index": [1, 256], "type": "integer"})"),
+         "menu.json: /device/parameters/0/index/1: expected a whole number from 0 to 255, found 256"},
+        {with_parameter(repeated_pid),
+         "menu.json: /device/parameters/1: parameter 5 with this index is declared twice"},
+        {menu_text(LEVEL, ""), "menu.json: /menu/items: expected at least one item"},
+        {menu_text(LEVEL, "7"),
+         "menu.json: /menu/items/0: expected an object, found a whole number"},
+        {with_item("{}"), "menu.json: /menu/items/0: expected a member \"type\""},
+        {with_item(R"({"type": "knob"})"),
+         "menu.json: /menu/items/0/type: expected one of \"node\", \"range\", found \"knob\""},
+        {with_item(R"({"type": 3})"),
+         "menu.json: /menu/items/0/type: expected a text, found a whole number"},
+        {with_item(R"({"type": "range", "pid": 5})"),
+         "menu.json: /menu/items/0: expected a member \"name\""},
+        {with_item(R"({"type": "range", "name": "", "pid": 5})"),
+         "menu.json: /menu/items/0/name: expected a name of 1 to 24 characters before any ':', found 0"},
+        {with_item(R"({"type": "range", "name": "1234567890123456789012345", "pid": 5})"),
+         "menu.json: /menu/items/0/name: expected a name of 1 to 24 characters before any ':', found 25"},
+        {with_item(R"({"type": "range", "name": "L\u00e4nge", "pid": 5})"),
+         "menu.json: /menu/items/0/name: expected printable ASCII characters"},
+        {with_item(R"({"type": "range", "name": "a\u0000b", "pid": 5})"),
+         "menu.json: /menu/items/0/name: expected printable ASCII characters"},
+        {with_item(R"({"type": "range", "name": "Level"})"),
+         "menu.json: /menu/items/0: expected a member \"pid\""},
+        {with_item(R"({"type": "range", "name": "Level", "pid": 9})"),
+         "menu.json: /menu/items/0/pid: the device has no parameter 9 with this index"},
+        {with_item(R"({"type": "range", "name": "Level", "pid": 5, "index": [1]})"),
+         "menu.json: /menu/items/0/pid: the device has no parameter 5 with this index"},
+        {with_item(R"({"type": "range", "name": "Level", "pid": 6})"),
+         "menu.json: /menu/items/0/pid: parameter 6 is of another type"},
+        {with_item(R"({"type": "node", "name": "N", "pid": 5})"),
+         "menu.json: /menu/items/0: unknown member \"pid\""},
+        {with_item(nested(17)),
+         "menu.json: /menu/items/0/items/0/items/0/items/0/items/0/items/0/items/0/items/0/items/0"
+         "/items/0/items/0/items/0/items/0/items/0/items/0/items/0/items: "
+         "menus are nested more than 16 deep"},
+        {with_range(R"("max": "x")"),
+         "menu.json: /menu/items/0/max: expected a whole number from 0 to 2147483646, found a text"},
+        {with_range(R"("min": 10, "max": 9)"),
+         "menu.json: /menu/items/0/max: expected a whole number from 10 to 2147483646, found 9"},
+        {with_range(R"("min": 101)"),
+         "menu.json: /menu/items/0: no number lies between \"min\" and \"max\""},
+        {with_range(R"("default": 101)"),
+         "menu.json: /menu/items/0/default: expected a whole number from 0 to 100, found 101"},
+        {with_range(R"("format": "0:Off,dB")"), ""},
+        {with_range(R"("format": "at 1:2,dB")"),
+         "menu.json: /menu/items/0/format: table row \"at 1:2\" does not begin with a whole number"},
+        {with_range(R"("format": "0:Off,1,%d")"),
+         "menu.json: /menu/items/0/format: table row \"1\" has no ':'"},
+        {with_range(R"("format": "%d of %d")"),
+         "menu.json: /menu/items/0/format: more than one conversion in \"%d of %d\""},
+        {with_range(R"("format": "%s")"),
+         "menu.json: /menu/items/0/format: conversion \"%s\" is not one of %d, %02x, %02X, %f, %e, %g"},
+        {with_range(R"("value_format": "v/")"),
+         "menu.json: /menu/items/0/value_format: not an expression in v"},
+        {with_range(R"-("value_format": "(v")-"),
+         "menu.json: /menu/items/0/value_format: not an expression in v"},
+        {with_range(R"-("value_format": "1/(v-100)")-"), ""},
+        {with_range(R"("access": "write")"),
+         "menu.json: /menu/items/0/access: expected \"read-only\" or \"read-write\", found \"write\""},
+        {with_range(R"("visible": 1)"),
+         "menu.json: /menu/items/0/visible: expected true or false, found a whole number"},
+        {with_range(R"("shortcut": 0)"),
+         "menu.json: /menu/items/0/shortcut: expected a whole number from 1 to 99, found 0"},
+        {with_item(R"({"type": "range", "name": "A", "pid": 5, "shortcut": 1},
+                      {"type": "range", "name": "B", "pid": 5, "shortcut": 1})"),
+         "menu.json: /menu/items/1/shortcut: shortcut button 1 is taken"},
+        {with_range(R"("ranges": [])"),
+         "menu.json: /menu/items/0/ranges: expected at least one range"},
+        {with_range(R"("ranges": [{"min": 0, "max": 3}, {"min": 9, "max": 101}])"),
+         "menu.json: /menu/items/0/ranges/1/max: expected a whole number from 9 to 100, found 101"},
+        {with_range(R"("ranges": [{"min": 0, "max": 3, "options": ["absent"]}])"),
+         "menu.json: /menu/items/0/ranges: expected at least one range that is allowed with these "
+         "product options"},
+        {with_range(R"("options": [""])"),
+         "menu.json: /menu/items/0/options/0: expected a text of 1 to 256 characters, found 0"},
+        {with_range(R"("binding": "visible if 99 == 1")"),
+         "menu.json: /menu/items/0/binding: the device has no parameter 99 with this index"},
+    };
+    for (const Error_case& expected : CASES) {
+        EXPECT_EQ(error_of(expected.text), expected.error) << expected.text.substr(0, 300);
+    }
+}
+
+TEST(MenuLoader, ABindingsErrorComesWithItsPlace) {
+    const std::string error = error_of(with_range(R"("binding": "visible if 5 == ")"));
+    EXPECT_EQ(error.rfind("menu.json: /menu/items/0/binding: line 1, column 17: ", 0), 0U) << error;
+}
+
+TEST(MenuLoader, AMissingFileIsNamed) {
+    try {
+        load_menu("no-such-menu.json");
+        FAIL();
+    } catch (const Input_error& error) {
+        EXPECT_STREQ(error.what(),
+                     "no-such-menu.json: cannot be opened: No such file or directory");
+    }
+}
+
+TEST(MenuLoader, AnEndlessFileIsRefused) {
+    try {
+        load_menu("/dev/zero");
+        FAIL();
+    } catch (const Input_error& error) {
+        EXPECT_STREQ(error.what(), "/dev/zero: is larger than 4 MiB");
+    }
+}
+
+TEST(MenuLoader, AFolderIsRefused) {
+    try {
+        load_menu(FRONTPANEL_SOURCE_DIR "/menus");
+        FAIL();
+    } catch (const Input_error& error) {
+        EXPECT_STREQ(error.what(), FRONTPANEL_SOURCE_DIR "/menus: cannot be read: Is a directory");
+    }
+}
+
+TEST(MenuLoader, ARangeTakesItsBoundsFromTheParameter) {
+    const Loaded_menu loaded = load_menu_text("menu.json", with_range(R"("description": "d")"));
+    auto* const range = dynamic_cast<Range_entry*>(loaded.menu->root().Get_child());
+    ASSERT_NE(range, nullptr);
+    EXPECT_EQ(range->Get_min(), 0);
+    EXPECT_EQ(range->Get_max(), 100);
+    EXPECT_STREQ(range->Get_description(), "d");
+    EXPECT_EQ(range->Get_access_type(), Data_entry::READ_WRITE);
+    EXPECT_EQ(loaded.menu->entry_count(), 2U);
+}
+
+TEST(MenuLoader, ABoundRangeHasAllowedValuesBeforeItsFirstRefresh) {
+    const Loaded_menu loaded = load_menu_text(
+        "menu.json", with_range(R"("min": 5, "max": 60, "binding": "range 10..20 if 5 == 7")"));
+    auto* const range = dynamic_cast<Range_entry*>(loaded.menu->root().Get_child());
+    ASSERT_NE(range, nullptr);
+    EXPECT_EQ(range->Get_min(), 5);
+    EXPECT_EQ(range->Get_max(), 60);
+    range->Refresh(&loaded.menu->device(), true);
+    EXPECT_EQ(range->Get_min(), 10);
+    EXPECT_EQ(range->Get_max(), 20);
+    range->Refresh(&loaded.menu->device(), true);
+    EXPECT_EQ(range->Get_max(), 60);
+}
+
+TEST(MenuLoader, WarnsOfAnOptionThatIsAPatternByAccident) {
+    const std::string text = menu_text(
+        LEVEL, R"({"type": "range", "name": "Level", "pid": 5, "options": ["slot2", "tone"]})",
+        R"({"slotn": 4, "tone": 1, "dolby": 1})");
+    EXPECT_EQ(
+        load_menu_text("menu.json", text).warnings,
+        (Lines{"menu.json: /options/tone: the letter 'n' makes this option a pattern in which "
+               "'n' stands for a number"}));
+}
+
+TEST(MenuLoader, TheShippedMenuLoadsWithoutWarning) {
+    const Loaded_menu loaded = load_menu(FRONTPANEL_SOURCE_DIR "/menus/demo.json");
+    EXPECT_TRUE(loaded.warnings.empty());
+    EXPECT_GE(loaded.menu->entry_count(), 20U);
+}
+
+}  // namespace
+}  // namespace panel

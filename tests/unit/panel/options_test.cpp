@@ -1,0 +1,93 @@
+#include "options.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+namespace panel {
+namespace {
+
+struct Outcome {
+    std::variant<Options, int> result;
+    std::string out;
+    std::string errors;
+};
+
+Outcome parse(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "frontpanel");
+    std::ostringstream out;
+    std::ostringstream errors;
+    auto result = parse_options(static_cast<int>(arguments.size()), arguments.data(), out, errors);
+    return {std::move(result), out.str(), errors.str()};
+}
+
+Options options_of(const std::vector<const char*>& arguments) {
+    return std::get<Options>(parse(arguments).result);
+}
+
+TEST(Options, ShowTheShippedMenuOnTwentyByTwoUnlessTold) {
+    const Options options = options_of({});
+    EXPECT_EQ(options.menu, shipped_menu());
+    EXPECT_EQ(options.script, "");
+    EXPECT_EQ(options.log, "");
+    EXPECT_EQ(options.size.columns, 20);
+    EXPECT_EQ(options.size.rows, 2);
+    EXPECT_EQ(options.debug, 0U);
+    EXPECT_FALSE(options.check);
+}
+
+TEST(Options, AreTakenAsGiven) {
+    const Options options = options_of({"--menu", "m", "--script", "s", "--log", "l", "--size",
+                                        "40x4", "--debug", "0x80000001", "--check"});
+    EXPECT_EQ(options.menu, "m");
+    EXPECT_EQ(options.script, "s");
+    EXPECT_EQ(options.log, "l");
+    EXPECT_EQ(options.size.columns, 40);
+    EXPECT_EQ(options.size.rows, 4);
+    EXPECT_EQ(options.debug, 0x80000001U);
+    EXPECT_TRUE(options.check);
+}
+
+TEST(Options, TheSmallestAndLargestDisplayAreAccepted) {
+    EXPECT_EQ(options_of({"--size", "16x2"}).size.columns, 16);
+    EXPECT_EQ(options_of({"--size", "80x16"}).size.rows, 16);
+}
+
+TEST(Options, ASizeThatNoDisplayHasIsOneLineAndStatusTwo) {
+    for (const char* size : {"15x2", "20x1", "81x2", "20x17", "20", "x", "20x", "x2", "20x2x",
+                             "-20x2", "20X2", "99999999999x2", "20 x 2", ""}) {
+        const Outcome outcome = parse({"--size", size});
+        ASSERT_NE(std::get_if<int>(&outcome.result), nullptr) << size;
+        EXPECT_EQ(std::get<int>(outcome.result), 2) << size;
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.errors,
+                  std::string("frontpanel: --size: expected COLUMNSxROWS from 16x2 to 80x16, "
+                              "found \"") +
+                      size + "\"\n");
+    }
+}
+
+TEST(Options, AnUnknownOptionIsOneLineAndStatusTwo) {
+    for (const std::vector<const char*>& arguments : {std::vector<const char*>{"--colour"},
+                                                      {"file"},
+                                                      {"--menu"},
+                                                      {"--debug", "much"},
+                                                      {"--debug", "0x100000000"}}) {
+        const Outcome outcome = parse(arguments);
+        ASSERT_NE(std::get_if<int>(&outcome.result), nullptr) << arguments[0];
+        EXPECT_EQ(std::get<int>(outcome.result), 2) << arguments[0];
+        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << outcome.errors;
+        EXPECT_EQ(outcome.errors.rfind("frontpanel: ", 0), 0U) << outcome.errors;
+    }
+}
+
+TEST(Options, HelpGoesToStandardOutput) {
+    const Outcome outcome = parse({"--help"});
+    EXPECT_EQ(std::get<int>(outcome.result), 0);
+    EXPECT_NE(outcome.out.find("--script"), std::string::npos);
+    EXPECT_EQ(outcome.errors, "");
+}
+
+}  // namespace
+}  // namespace panel

@@ -1,0 +1,71 @@
+// A panel over a menu that is written in the test.
+#ifndef FRONTPANEL_DATA_TESTS_UNIT_PANEL_PANEL_FIXTURE_H
+#define FRONTPANEL_DATA_TESTS_UNIT_PANEL_PANEL_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "controller.h"
+#include "menu_loader.h"
+
+namespace panel {
+
+using Lines = std::vector<std::string>;
+
+inline Lines lines_of(const Frame& frame) {
+    Lines lines;
+    for (int row = 0; row < frame.lcd.size().rows; ++row) {
+        lines.push_back(frame.lcd.line(row));
+    }
+    return lines;
+}
+
+// A menu file with these device parameters and these items of the top menu.
+inline std::string menu_text(const std::string& parameters, const std::string& items,
+                             const std::string& options = "{}") {
+    return R"({"options": )" + options + R"(, "device": {"parameters": [)" + parameters +
+           R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";
+}
+
+class Panel {
+public:
+    explicit Panel(const std::string& text, Lcd_size size = {})
+        : m_loaded(load_menu_text("menu.json", text)),
+          m_controller(m_loaded.menu->root(), link_to(device()), size) {
+        m_loaded.menu->bindings()->set_warning_listener(
+            [this](const std::string& warning) { m_controller.warn(warning); });
+    }
+
+    Memory_device& device() { return m_loaded.menu->device(); }
+    Controller& controller() { return m_controller; }
+    Panel& press(Key::Kind kind, int times = 1) {
+        for (int i = 0; i < times; ++i) {
+            m_controller.press({kind, 0});
+        }
+        return *this;
+    }
+    Panel& shortcut(int button) {
+        m_controller.press({Key::SHORTCUT, button});
+        return *this;
+    }
+    Lines lines() { return lines_of(m_controller.draw()); }
+    Leds leds() { return m_controller.draw().leds; }
+
+    // From now on every read, or write, of a parameter without index fails.
+    void fail(Memory_device::Operation_kind kind, uint32_t pid) {
+        device().set_fault([kind, pid](const Memory_device::Operation& operation) {
+            return operation.kind == kind && operation.pid == pid ? 100 : 0;
+        });
+    }
+    void repair() { device().set_fault(nullptr); }
+
+private:
+    Loaded_menu m_loaded;
+    Controller m_controller;
+};
+
+}  // namespace panel
+
+#endif
