@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -224,6 +225,30 @@ TEST(Range_display, AnUnboundedLineTakesAnyText) {
     char line[16] = {};
     EXPECT_EQ(entry.Get_display_string(line, UINT_MAX, 100), 0);
     EXPECT_STREQ(line, "100 dB");
+}
+
+// Formats come from menu files: whatever they hold, a display stays within its line.
+TEST(Range_display, NoFormatWritesBeyondItsLine) {
+    std::mt19937 random(20240607);
+    const auto pick = [&](std::size_t count) {
+        return static_cast<unsigned int>(random() % count);
+    };
+    constexpr char PARTS[] = "%%%%dxXf.1220:,, -+*slng$'";
+    for (int round = 0; round < 20000; ++round) {
+        std::string format;
+        for (unsigned int left = pick(14); left > 0; --left) {
+            format += PARTS[pick(sizeof PARTS - 1)];
+        }
+        Open_range entry({0, 100, 10, format, "v*1.5"});
+        const unsigned int length = 2 + pick(12);
+        std::string line(length + 9, '#');
+        const int value = static_cast<int>(pick(5)) - 1;
+        for (int call = 0; call < 4; ++call) {
+            ASSERT_EQ(entry.Get_display_string(line.data(), length, value), 0) << format;
+            ASSERT_NE(line.find('\0'), std::string::npos) << format;
+            ASSERT_EQ(line.substr(length + 1), "########") << format;
+        }
+    }
 }
 
 TEST(Range_display, ALineBelowTwoCharactersIsRefused) {

@@ -8,12 +8,18 @@
 #include "support/capture.h"
 #include "support/fake_binding.h"
 #include "support/fake_device.h"
+#include "support/line_gates.h"
 
 using support::capture;
 using support::Fake_binding;
 using support::Fake_device;
 
 namespace {
+
+template <class Action>
+void expect_general_leaf_line(const char* line, Action&& action) {
+    support::expect_line_gate(line, 0x1, support::Gate::LEAF, action);
+}
 
 TEST(Range_construction, TakesItsArguments) {
     Open_range entry({-5, 5, 3, "%d", "v", true, Data_entry::READ_ONLY, "Gain", 77});
@@ -131,8 +137,8 @@ TEST(Range_value, ALongBufferDoesNotRunOverTheModel) {
 }
 
 TEST(Range_value, IsNotStoredWhenTheBindingWarns) {
-    Open_range entry({0, 10, 5});
     std::vector<std::string> log;
+    Open_range entry({0, 10, 5});
     auto* binding = new Fake_binding(&log);
     entry.Set_binding_object(binding);
     log.clear();
@@ -211,17 +217,54 @@ TEST(Range_value, StoringIsReportedByTheModel) {
 // Every line of this class is a leaf line of the general category.
 TEST(Range_lines, FollowTheGeneralMaskAndTheLeafGate) {
     Open_range entry;
-    int value = 0;
-    const auto lines_of_the_entry = [&](uint32_t mask) {
-        const std::string out = capture(mask, [&] { entry.Get_value(&value, 4); }).out;
-        return out.find("Returning range value") != std::string::npos;
+    auto* binding = new Fake_binding;
+    entry.Set_binding_object(binding);
+    entry.setValidRangeAndValues({{0, 6, {}}, {20, 30, {}}});
+    const auto read = [&] {
+        int value = 0;
+        entry.Get_value(&value, 4);
     };
-    EXPECT_FALSE(lines_of_the_entry(0));
-    EXPECT_FALSE(lines_of_the_entry(0xFFFF3FFE)) << "another category";
-    EXPECT_TRUE(lines_of_the_entry(0x1));
-    EXPECT_FALSE(lines_of_the_entry(0x4001)) << "quiet";
-    EXPECT_TRUE(lines_of_the_entry(0xC001)) << "quiet and verbose";
-    EXPECT_TRUE(lines_of_the_entry(0x8001));
+    const auto suggest = [&] {
+        binding->suggest_range({{0}, {0, 25}});
+        entry.updateRange();
+    };
+    const auto step_into_a_gap = [&] { entry.increment(5, 8); };
+    const auto step_into_a_range = [&] { entry.increment(5, 21); };
+    const auto evaluate = [&] { entry.evaluateOptions(); };
+    expect_general_leaf_line("Returning range value", read);
+    expect_general_leaf_line("ranges before", evaluate);
+    expect_general_leaf_line("Saving range.min", evaluate);
+    expect_general_leaf_line("ranges after", evaluate);
+    expect_general_leaf_line("must be of size two", suggest);
+    expect_general_leaf_line("Adding a chopped/extended range", suggest);
+    expect_general_leaf_line("final min[0]", suggest);
+    expect_general_leaf_line("No bindings, so the total range", step_into_a_gap);
+    expect_general_leaf_line("Range or Value", step_into_a_gap);
+    expect_general_leaf_line("] < [0] ?", step_into_a_gap);
+    expect_general_leaf_line("return closest_allowed_value", step_into_a_gap);
+    expect_general_leaf_line("return range new_value", step_into_a_range);
+}
+
+TEST(Range_lines, OfOptionsFollowTheGeneralMaskAndTheLeafGate) {
+    Open_range entry;
+    entry.setProductOptions({{"gps", 0}, {"ptp", 1}, {"slotn", 2}});
+    const auto evaluate = [&] { entry.setValidRangeAndValues({{0, 1, {"gps", "slot3", "ptp"}}}); };
+    expect_general_leaf_line("its true value is zero", evaluate);
+    expect_general_leaf_line("need another option", evaluate);
+    expect_general_leaf_line("pushing back range", evaluate);
+}
+
+TEST(Range_lines, OfACorrectionFollowTheGeneralMaskAndTheLeafGate) {
+    Fake_device device;
+    Open_range entry;
+    const auto correct = [&] {
+        device.expect_get_integer(120, 3, 101);
+        device.expect_set_integer(120, 3, 100);
+        entry.Refresh(&device, false);
+    };
+    expect_general_leaf_line("is not in range [0,100]", correct);
+    expect_general_leaf_line("Calling m_model commit", correct);
+    expect_general_leaf_line("Binding is null", correct);
 }
 
 // The base's slots of these names stay the base's: a caller that holds a Data_entry gets its answers.
