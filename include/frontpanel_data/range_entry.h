@@ -26,11 +26,7 @@ struct range_s {
 };
 
 // The kind of a range suggestion.
-enum RANGE_TYPE {
-    RANGE_TYPE_INVALID = -1,
-    RANGE_TYPE_RANGE = 0,
-    RANGE_TYPE_ENUM = 1
-};
+enum RANGE_TYPE { RANGE_TYPE_INVALID = -1, RANGE_TYPE_RANGE = 0, RANGE_TYPE_ENUM = 1 };
 
 // The display, commit and bounds operations hide the base's on purpose: a caller that holds the base gets the
 // base's answer (the name as display text, a commit that does nothing, bounds of 0).
