@@ -248,10 +248,10 @@ public:
     // order of their own, with opening the editor last. A step that needs `flag_specific` or an editor that
     // is not given, or is an editor for another type, is skipped.
     //
-    // `specific_selection_obj` is null or points to a `Selection`; `flag_specific` points to a
-    // `Data_entry*`, or to the int32_t or the one-byte flag that an editor step reads. Returns the result of
-    // the refresh (0 when none was asked); -1 for a null entry, and for a refresh without interface, after
-    // which no other step is made.
+    // `specific_selection_obj` is null or points to a `Selection`. `*flag_specific` is a `Data_entry*`, or
+    // points to the int32_t or the one-byte flag that an editor step reads. Returns the result of the refresh
+    // (0 when none was asked); -1 for a null entry, and for a refresh without interface, after which no other
+    // step is made.
     static int EntryTypeSpecificOperation(Data_entry* data_entry, Data_interface* m_pDataAccessInf,
                                           void* specific_selection_obj, bool eval_binding,
                                           int flags, void** flag_specific);

@@ -88,8 +88,33 @@ bool relink(Call& call) {
     return true;
 }
 
+template <class... Editors>
+bool is_any_of(const Selection* editor) {
+    return (... || (dynamic_cast<const Editors*>(editor) != nullptr));
+}
+
+// Whether an editor was handed in that is made for the entry's type. A text's is the warning editor as well,
+// since warning texts are texts.
+bool has_editor(const Call& call) {
+    switch (call.entry->Get_entry_type()) {
+        case Entry::RANGE_LEAF:
+            return is_any_of<NumericRangeSelection>(call.selection);
+        case Entry::ENUM_LEAF:
+        case Entry::SLOT_ENUM:
+            return is_any_of<EnumSelection>(call.selection);
+        case Entry::STRING_LEAF:
+            return is_any_of<StringSelection, WarnSelection>(call.selection);
+        case Entry::IP_LEAF:
+            return is_any_of<IPv4Selection>(call.selection);
+        case Entry::TIME_LEAF:
+            return is_any_of<TimeSelection>(call.selection);
+        default:
+            return false;
+    }
+}
+
 bool escape(Call& call) {
-    if (call.link != nullptr && call.selection != nullptr) {
+    if (call.link != nullptr && has_editor(call)) {
         *call.link = call.selection->Escape() ? call.entry->Get_parent() : call.entry;
     }
     return true;
@@ -97,7 +122,7 @@ bool escape(Call& call) {
 
 template <void (Selection::*pass)(Entry*)>
 bool pass_entry(Call& call) {
-    if (call.link != nullptr && call.selection != nullptr) {
+    if (call.link != nullptr && has_editor(call)) {
         (call.selection->*pass)(static_cast<Entry*>(*call.link));
     }
     return true;
