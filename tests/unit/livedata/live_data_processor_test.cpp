@@ -16,7 +16,9 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
-constexpr int NOBODY_ELSES_VARIABLE = 99099;
+// Tests run side by side, and the temporary files carry the variable's id.
+const int OWN_VARIABLE = 100000 + static_cast<int>(getpid());
+const std::string OWN_DOCUMENT = "/tmp/" + std::to_string(OWN_VARIABLE) + "-json";
 
 // Stands in for `system`: records commands, answers with prepared statuses (0 when there is none).
 struct Shell {
@@ -52,8 +54,8 @@ protected:
     }
 
     // What the fetch leaves for the parser.
-    void card_answers(const std::string& document) { std::ofstream(m_document) << document; }
-    ~Live_data_processor() override { unlink(m_document.c_str()); }
+    void card_answers(const std::string& document) { std::ofstream(OWN_DOCUMENT) << document; }
+    ~Live_data_processor() override { unlink(OWN_DOCUMENT.c_str()); }
 
     struct Result {
         int ret;
@@ -63,7 +65,7 @@ protected:
     };
     Result get_data(int web_type) {
         Result result = {12345, reinterpret_cast<char**>(this), 77, 88};
-        result.ret = m_processor.getData(NOBODY_ELSES_VARIABLE, 's', web_type, 0, &result.texts,
+        result.ret = m_processor.getData(OWN_VARIABLE, 's', web_type, 0, &result.texts,
                                          &result.selection, &result.size);
         return result;
     }
@@ -77,7 +79,6 @@ protected:
         return texts;
     }
 
-    std::string m_document = "/tmp/" + std::to_string(NOBODY_ELSES_VARIABLE) + "-json";
     char m_ip[16] = "192.0.2.7";
     Live_Data_Processor m_processor{0, m_ip, 3};
 };
@@ -252,9 +253,8 @@ TEST_F(Live_data_processor, HandsOverTheOptionsOfAComboBox) {
 TEST_F(Live_data_processor, ReportsTheFileNameBeforeItParses) {
     card_answers(R"({"state":{"value":"0"},"options":[{"value":"a","label":"First"}]})");
     const std::string out = output_of(LIVE_DATA_MASK, [&] { take(get_data(0)); });
-    EXPECT_NE(out.find(std::string(LEAD) +
-                       "[getData][#] Filename received[/tmp/99099-json] firstChar[/] \n"
-                       "Parsing JSON file (\"/tmp/99099-json\")...\n"),
+    EXPECT_NE(out.find(std::string(LEAD) + "[getData][#] Filename received[" + OWN_DOCUMENT +
+                       "] firstChar[/] \nParsing JSON file (\"" + OWN_DOCUMENT + "\")...\n"),
               std::string::npos)
         << out;
 }
@@ -330,7 +330,7 @@ TEST_F(Live_data_processor, AnUnsupportedPanelTypeIsAFailure) {
     char** texts = nullptr;
     uint32_t selection = 0;
     uint32_t size = 1;
-    EXPECT_EQ(m_processor.getData(NOBODY_ELSES_VARIABLE, 's', 0, 1, &texts, &selection, &size), -1);
+    EXPECT_EQ(m_processor.getData(OWN_VARIABLE, 's', 0, 1, &texts, &selection, &size), -1);
     EXPECT_EQ(size, 0u);
 }
 
@@ -339,7 +339,7 @@ TEST_F(Live_data_processor, AFailedFetchLeavesNothing) {
     Result result{};
     EXPECT_EQ(
         output_of(0, [&] { result = get_data(0); }),
-        "Error: [live_data_processor.cpp][getData][#] filename[/tmp/99099-json] ret[1792] \n");
+        "Error: [live_data_processor.cpp][getData][#] filename[" + OWN_DOCUMENT + "] ret[1792] \n");
     EXPECT_EQ(result.ret, 1792);
     EXPECT_EQ(result.texts, nullptr);
     EXPECT_EQ(result.size, 0u);
