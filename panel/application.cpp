@@ -8,6 +8,7 @@
 
 #include "controller.h"
 #include "input_error.h"
+#include "interactive.h"
 #include "menu_loader.h"
 #include "options.h"
 #include "output_log.h"
@@ -54,15 +55,28 @@ std::string script_of(const Options& options) {
     return shipped_tour();
 }
 
+bool is_interactive(const Options& options, const Output_log& log) {
+    return options.script.empty() && isatty(log.out_descriptor()) != 0;
+}
+
 int show(const Options& options, Output_log& log) {
-    const std::string file = script_of(options);
-    const Script script = parse_script(file, read_input_file(file));
+    Script script;
+    if (!is_interactive(options, log)) {
+        const std::string file = script_of(options);
+        script = parse_script(file, read_input_file(file));
+    } else if (isatty(STDIN_FILENO) == 0) {
+        throw Input_error("standard input is no terminal: name a script with --script");
+    }
     const Loaded_menu loaded = load_menu(options.menu);
     Menu& menu = *loaded.menu;
     VarIdDataInfStore::m_pDataAccessInf = &menu.device();
     Controller controller(menu.root(), link_to(menu.device()), options.size);
     menu.bindings()->set_warning_listener(
         [&controller](const std::string& text) { controller.warn(text); });
+    if (is_interactive(options, log)) {
+        log.take_errors();
+        return use_terminal(controller, log.out_descriptor());
+    }
     return play(script, controller, menu.device(), log.out());
 }
 

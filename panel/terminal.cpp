@@ -1,0 +1,177 @@
+#include "terminal.h"
+
+#include <curses.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <iterator>
+
+#include "input_error.h"
+
+namespace panel {
+namespace {
+
+constexpr int BORDER = 1;
+constexpr int LED_ROWS = 1;
+constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the rest of an arrow key
+constexpr int ESCAPE = 27;
+constexpr int LAST_FUNCTION_KEY = 12;
+constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+
+constexpr const char* LEGEND[] = {
+    "Up / Down      turn the encoder",
+    "Enter / Right  select      Esc / Left  back",
+    "+ / -          larger / smaller step",
+    "1-9, F1-F12    shortcuts   q           quit",
+};
+
+// A crash must not leave the terminal without echo; then it goes its way.
+extern "C" void restore_terminal(int signal_number) {
+    endwin();
+    std::signal(signal_number, SIG_DFL);
+    std::raise(signal_number);
+}
+
+void handle_crashes(void (*handler)(int)) {
+    for (const int signal_number : CRASH_SIGNALS) {
+        std::signal(signal_number, handler);
+    }
+}
+
+std::string size_text(Lcd_size size) {
+    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
+}
+
+}  // namespace
+
+Lcd_size terminal_size_for(Lcd_size lcd) {
+    size_t legend = 0;
+    for (const char* line : LEGEND) {
+        legend = std::max(legend, std::string(line).size());
+    }
+    return {std::max(lcd.columns + 2 * BORDER, static_cast<int>(legend)),
+            lcd.rows + 2 * BORDER + LED_ROWS + static_cast<int>(std::size(LEGEND))};
+}
+
+std::optional<Terminal_event> event_of(int code) {
+    if (code >= '1' && code <= '9') {
+        return Terminal_event{Terminal_event::KEY, {Key::SHORTCUT, code - '0'}};
+    }
+    if (code > KEY_F0 && code <= KEY_F0 + LAST_FUNCTION_KEY) {
+        return Terminal_event{Terminal_event::KEY, {Key::SHORTCUT, code - KEY_F0}};
+    }
+    const auto key = [](Key::Kind kind) { return Terminal_event{Terminal_event::KEY, {kind}}; };
+    switch (code) {
+        case KEY_UP:
+            return key(Key::UP);
+        case KEY_DOWN:
+            return key(Key::DOWN);
+        case KEY_RIGHT:
+        case KEY_ENTER:
+        case '\r':
+        case '\n':
+            return key(Key::SELECT);
+        case KEY_LEFT:
+        case ESCAPE:
+            return key(Key::BACK);
+        case '+':
+            return key(Key::COARSER);
+        case '-':
+            return key(Key::FINER);
+        case 'q':
+        case 'Q':
+            return Terminal_event{Terminal_event::QUIT};
+        case KEY_RESIZE:
+            return Terminal_event{Terminal_event::REDRAW};
+        default:
+            return std::nullopt;
+    }
+}
+
+Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nullptr) {
+    // Characters only: numbers keep their decimal point.
+    std::setlocale(LC_CTYPE, "");
+    m_screen = m_output ? newterm(nullptr, m_output.get(), stdin) : nullptr;
+    if (m_screen == nullptr) {
+        const char* const type = std::getenv("TERM");
+        throw Input_error(std::string("terminal type \"") + (type == nullptr ? "" : type) +
+                          "\" is not known: set TERM, or name a script with --script");
+    }
+    handle_crashes(restore_terminal);
+    cbreak();
+    noecho();
+    nonl();
+    keypad(stdscr, TRUE);
+    set_escdelay(ESCAPE_DELAY_MS);
+}
+
+Terminal::~Terminal() {
+    endwin();
+    delscreen(m_screen);
+    handle_crashes(SIG_DFL);
+}
+
+void Terminal::show(const Frame& frame) {
+    erase();
+    const Lcd_size needed = terminal_size_for(frame.lcd.size());
+    if (COLS < needed.columns || LINES < needed.rows) {
+        curs_set(0);
+        mvaddnstr(0, 0, "Terminal too small", COLS);
+        const std::string sizes =
+            "needs " + size_text(needed) + ", has " + size_text({COLS, LINES});
+        mvaddnstr(1, 0, sizes.c_str(), COLS);
+    } else {
+        draw_lcd(frame.lcd);
+        const int below = frame.lcd.size().rows + 2 * BORDER;
+        draw_leds(below, frame.leds);
+        draw_legend(below + LED_ROWS);
+        place_cursor(frame.lcd);
+    }
+    refresh();
+}
+
+void Terminal::draw_lcd(const Lcd& lcd) const {
+    const int right = lcd.size().columns + BORDER;
+    const int bottom = lcd.size().rows + BORDER;
+    mvhline(0, BORDER, ACS_HLINE, lcd.size().columns);
+    mvhline(bottom, BORDER, ACS_HLINE, lcd.size().columns);
+    mvvline(BORDER, 0, ACS_VLINE, lcd.size().rows);
+    mvvline(BORDER, right, ACS_VLINE, lcd.size().rows);
+    mvaddch(0, 0, ACS_ULCORNER);
+    mvaddch(0, right, ACS_URCORNER);
+    mvaddch(bottom, 0, ACS_LLCORNER);
+    mvaddch(bottom, right, ACS_LRCORNER);
+    for (int row = 0; row < lcd.size().rows; ++row) {
+        mvaddstr(BORDER + row, BORDER, lcd.line(row).c_str());
+    }
+}
+
+void Terminal::draw_leds(int row, const Leds& leds) const {
+    const std::string text = std::string(leds.edit ? "(*)" : "( )") + " Edit  " +
+                             (leds.alarm ? "(*)" : "( )") + " Alarm";
+    mvaddstr(row, 0, text.c_str());
+}
+
+void Terminal::draw_legend(int row) const {
+    for (const char* line : LEGEND) {
+        mvaddstr(row++, 0, line);
+    }
+}
+
+void Terminal::place_cursor(const Lcd& lcd) const {
+    const bool shown = lcd.cursor_row() >= 0;
+    curs_set(shown ? 1 : 0);
+    if (shown) {
+        move(BORDER + lcd.cursor_row(), BORDER + lcd.cursor_column());
+    }
+}
+
+Terminal_event Terminal::wait(std::chrono::milliseconds time) {
+    timeout(static_cast<int>(time.count()));
+    return event_of(getch()).value_or(Terminal_event{Terminal_event::NOTHING});
+}
+
+}  // namespace panel

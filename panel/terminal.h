@@ -1,0 +1,64 @@
+// The panel's front on a terminal: a bordered display, LEDs and a legend of the keys.
+//
+// One terminal at a time, from the menu thread. The terminal is as it was before once the object is gone,
+// and also when the process ends by a crash.
+#ifndef FRONTPANEL_PANEL_TERMINAL_H
+#define FRONTPANEL_PANEL_TERMINAL_H
+
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "display.h"
+#include "key.h"
+
+struct screen;  // of the curses library
+
+namespace panel {
+
+struct Terminal_event {
+    enum Kind {
+        KEY,
+        QUIT,
+        REDRAW,  // the terminal changed its size
+        NOTHING  // the time is over, or the key means nothing
+    };
+    Kind kind;
+    Key key{Key::UP};  // of KEY
+};
+
+class Terminal : public Display {
+public:
+    // `output` is a descriptor of a terminal, which standard input is too. Input_error when the terminal's
+    // type is not known.
+    explicit Terminal(int output);
+    ~Terminal() override;
+
+    // On a terminal that is too small a message stands in the frame's place.
+    void show(const Frame& frame) override;
+    Terminal_event wait(std::chrono::milliseconds time);
+
+private:
+    void draw_lcd(const Lcd& lcd) const;
+    void draw_leds(int row, const Leds& leds) const;
+    void draw_legend(int row) const;
+    void place_cursor(const Lcd& lcd) const;
+
+    struct Close_file {
+        void operator()(std::FILE* file) const { std::fclose(file); }
+    };
+    std::unique_ptr<std::FILE, Close_file> m_output;
+    screen* m_screen;
+};
+
+// What a key of the terminal means; nothing for one without a meaning. `code` is as the curses library has it.
+std::optional<Terminal_event> event_of(int code);
+
+// Terminal rows and columns that a display of this size takes, with its legend.
+Lcd_size terminal_size_for(Lcd_size lcd);
+
+}  // namespace panel
+
+#endif
