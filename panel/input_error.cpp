@@ -1,9 +1,9 @@
 #include "input_error.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <vector>
 
 namespace panel {
 namespace {
@@ -11,6 +11,12 @@ namespace {
 constexpr std::streamsize LARGEST_FILE = 4 * 1024 * 1024;
 
 }  // namespace
+
+std::string one_line(std::string text) {
+    const auto is_control = [](char byte) { return (byte >= 0 && byte < ' ') || byte == 0x7F; };
+    std::replace_if(text.begin(), text.end(), is_control, '?');
+    return text;
+}
 
 std::string read_input_file(const std::string& path) {
     errno = 0;

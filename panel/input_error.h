@@ -7,10 +7,13 @@
 
 namespace panel {
 
+// A text on one line: control characters, which a quoted input may hold, become '?'.
+std::string one_line(std::string text);
+
 // `what()` is one line: file, place in it, and what was expected.
 class Input_error : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit Input_error(const std::string& text) : std::runtime_error(one_line(text)) {}
 };
 
 // The text of a file. Input_error when it cannot be read or is larger than any file of ours.

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -31,6 +32,11 @@ constexpr unsigned int DEEPEST_MENU = 16;
 // A device parameter as the file declares it.
 struct Parameter {
     RETURN_TYPE type;
+    int min;
+    int max;
+};
+// The lowest and the highest value of an entry.
+struct Bounds {
     int min;
     int max;
 };
@@ -62,7 +68,7 @@ private:
     void finish(const Json_value& item, Data_entry& entry, unsigned int level);
     void set_ranges(const Json_value& item, Range_entry& entry, int min, int max);
     std::vector<range_s> ranges_of(const Json_value& list, int min, int max);
-    void bind(const Json_value& item, Data_entry& entry, const range_s* fallback);
+    void bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds);
     const Parameter& parameter_of(const Json_value& item, const Index_t& index,
                                   RETURN_TYPE type) const;
     std::vector<std::string> option_names(const Json_value& list);
@@ -293,7 +299,7 @@ void Loader::build_node(const Json_value& item, Data_entry* parent, unsigned int
     Node_entry& node = m_menu.add(std::make_unique<Node_entry>(
         name.c_str(), description.c_str(), m_menu.keep_index(index_of(item)), parent,
         visible_of(item), Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
-    bind(item, node, nullptr);
+    bind(item, node, std::nullopt);
     finish(item, node, level);
     load_items(item, node, level + 1);
 }
@@ -319,8 +325,7 @@ void Loader::build_range(const Json_value& item, Data_entry* parent, unsigned in
         Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
     finish(item, range, level);
     set_ranges(item, range, min, max);
-    const range_s whole{min, max, {}};
-    bind(item, range, &whole);
+    bind(item, range, Bounds{min, max});
 }
 
 // What every kind of entry gets once it stands in the tree.
@@ -370,7 +375,7 @@ std::vector<range_s> Loader::ranges_of(const Json_value& list, int min, int max)
 }
 
 // The engine gets all it needs before the entry takes it over.
-void Loader::bind(const Json_value& item, Data_entry& entry, const range_s* fallback) {
+void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds) {
     const std::optional<Json_value> source = item.find("binding");
     if (!source) {
         return;
@@ -381,8 +386,8 @@ void Loader::bind(const Json_value& item, Data_entry& entry, const range_s* fall
     }
     auto binding = std::make_unique<Expression_binding>(m_menu.bindings());
     binding->addBindingList(compiled.list);
-    if (fallback != nullptr) {
-        binding->set_fallback_range(fallback->min_inclusive, fallback->max_exclusive);
+    if (bounds) {
+        binding->set_fallback_range(bounds->min, bounds->max);
     }
     entry.Set_binding_object(binding.release());
     for (const var_index_s& key : entry.Get_var_index_map_keys(0)) {

@@ -5,6 +5,8 @@
 #include <charconv>
 #include <optional>
 
+#include "input_error.h"
+
 namespace panel {
 namespace {
 
@@ -83,7 +85,7 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
         app.exit(help, out, errors);
         return EXIT_PLAYED;
     } catch (const CLI::Error& error) {
-        errors << "frontpanel: " << error.what() << '\n';
+        errors << "frontpanel: " << one_line(error.what()) << '\n';
         return EXIT_BAD_INPUT;
     }
     return options;

@@ -56,6 +56,7 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {"{}", "menu.json: /: expected a member \"device\""},
         {R"({"device": {"parameters": []}})", "menu.json: /: expected a member \"menu\""},
         {R"({"menus": {}})", "menu.json: /: unknown member \"menus\""},
+        {R"({"a\n\u001b[0mb": {}})", "menu.json: /: unknown member \"a??[0mb\""},
         {R"({"menu": {}, "menu": {}})", "menu.json: /: member \"menu\" comes twice"},
         {menu_text(LEVEL, nested(0), "[]"),
          "menu.json: /options: expected an object, found a list"},

@@ -73,7 +73,8 @@ TEST(Options, AnUnknownOptionIsOneLineAndStatusTwo) {
                                                       {"file"},
                                                       {"--menu"},
                                                       {"--debug", "much"},
-                                                      {"--debug", "0x100000000"}}) {
+                                                      {"--debug", "0x100000000"},
+                                                      {"two\nlines"}}) {
         const Outcome outcome = parse(arguments);
         ASSERT_NE(std::get_if<int>(&outcome.result), nullptr) << arguments[0];
         EXPECT_EQ(std::get<int>(outcome.result), 2) << arguments[0];

@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Exit statuses and messages of the panel application, run without a terminal.
+# usage: panel_command_test.sh FRONTPANEL TOUR
+set -uo pipefail
+
+PANEL=$1
+TOUR=$2
+FOLDER=$(mktemp -d)
+trap 'rm -rf "$FOLDER"' EXIT
+cd "$FOLDER" || exit 1
+export XDG_STATE_HOME=$FOLDER
+FAILURES=0
+
+fail() {
+    echo "FAILED: $*"
+    FAILURES=$((FAILURES + 1))
+}
+
+# expect STATUS ERRORS ARGUMENT...: runs the panel and compares status and standard error as a whole.
+expect() {
+    local status=0 wanted=$1 errors=$2
+    shift 2
+    "$PANEL" "$@" >out 2>errors </dev/null || status=$?
+    [ "$status" -eq "$wanted" ] || fail "frontpanel $*: status $status, expected $wanted"
+    [ "$(cat errors)" = "$errors" ] || fail "frontpanel $*: said '$(cat errors)', expected '$errors'"
+}
+
+printf 'select\nexpect 1 |>Gain 1       0.0 dB|\n' >good.script
+printf 'select\nexpect 1 |>Gain 1       9.9 dB|\n' >different.script
+printf 'select\n\njump\n' >unknown.script
+printf 'set 100.1 5000\n' >impossible.script
+printf '{"device": {"parameters": []},\n "menu": [}\n' >syntax.json
+printf '{"device": {"parameters": []}, "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 7}]}}' >pid.json
+printf '{"device": {"parameters": [{"pid": 7, "type": "integer", "min": 0, "max": 9, "value": 1}]}, "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 7}]}}' >small.json
+
+expect 0 ""
+expect 0 "" --script good.script
+expect 0 "" --script "$TOUR"
+expect 0 "" --help
+expect 0 "" --check --menu small.json
+expect 1 "different.script:2: line 1 shows |>Gain 1       0.0 dB|, expected |>Gain 1       9.9 dB|
+different.script: 1 expectation not met" --script different.script
+expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --script unknown.script
+[ ! -s out ] || fail "a script with an unknown word was played"
+expect 2 'frontpanel: impossible.script:1: parameter 100.1 cannot be set to "5000": out of bounds' --script impossible.script
+expect 2 'frontpanel: absent.script: cannot be opened: No such file or directory' --script absent.script
+expect 2 'frontpanel: absent.json: cannot be opened: No such file or directory' --menu absent.json --script good.script
+expect 2 'frontpanel: syntax.json:2:11: Invalid value.' --check --menu syntax.json
+expect 2 'frontpanel: pid.json: /menu/items/0/pid: the device has no parameter 7 with this index' --check --menu pid.json
+expect 2 'frontpanel: --size: expected COLUMNSxROWS from 16x2 to 80x16, found "5x1"' --size 5x1
+expect 2 'frontpanel: standard output is no terminal: name a script with --script' --menu small.json
+expect 2 'frontpanel: standard output is no terminal: name a script with --script' --size 40x4
+expect 2 'frontpanel: absent/log: cannot be written: No such file or directory' --log absent/log
+
+# The library's lines go to the log, and only there.
+"$PANEL" --debug 0x8401 --log log --script good.script >out 2>errors || fail "status with --debug"
+[ -s log ] || fail "the log is empty"
+grep -q '^\[' out && fail "diagnostics on standard output"
+[ "$(head -1 out)" = "+--------------------+" ] || fail "the first line is $(head -1 out)"
+"$PANEL" --script good.script >/dev/null || fail "status with the default log"
+[ -f "$FOLDER/frontpanel.log" ] || fail "no log in the state folder"
+
+if [ -w /dev/full ]; then
+    "$PANEL" --script good.script >/dev/full 2>errors && fail "a full device went unnoticed"
+    [ "$(cat errors)" = "frontpanel: standard output cannot be written" ] || fail "said '$(cat errors)'"
+fi
+
+[ "$FAILURES" -eq 0 ]

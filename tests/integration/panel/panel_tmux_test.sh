@@ -1,0 +1,150 @@
+#!/usr/bin/env bash
+# The tour in a real terminal, and what becomes of the terminal afterwards.
+# usage: panel_tmux_test.sh FRONTPANEL TOUR
+#
+# The keys of the tour are typed into a terminal of tmux, and its display lines are looked for on the screen.
+# The tour's last sections need a device that fails and time that stands still, so they are left out.
+set -euo pipefail
+
+PANEL=$1
+TOUR=$2
+if ! command -v tmux >/dev/null; then
+    echo "skipped: tmux is not installed"
+    exit 77
+fi
+
+FOLDER=$(mktemp -d)
+export TMUX_TMPDIR=$FOLDER XDG_STATE_HOME=$FOLDER LC_ALL=C.UTF-8
+unset TMUX
+terminal() {
+    tmux -f /dev/null -L panel "$@"
+}
+trap 'terminal kill-server 2>/dev/null || true; rm -rf "$FOLDER"' EXIT
+
+fail() {
+    echo "FAILED: $*"
+    echo "the screen:"
+    terminal capture-pane -p
+    exit 1
+}
+
+# wait_for WHAT COMMAND...: until the command succeeds.
+wait_for() {
+    local what=$1 deadline=$((SECONDS + 20))
+    shift
+    until "$@"; do
+        [ "$SECONDS" -lt "$deadline" ] || fail "$what"
+        sleep 0.02
+    done
+}
+
+screen_line() {
+    terminal capture-pane -p | sed -n "$1p"
+}
+
+# A display line stands one line below its number, between the borders.
+shows_line() {
+    local line
+    line=$(screen_line $(($1 + 1)))
+    # shellcheck disable=SC2053  # the expectation is a pattern
+    [[ ${line:1:20} == $2 ]]
+}
+
+shows_leds() {
+    local edit=' ' alarm=' '
+    [[ $1 != *edit* ]] || edit='*'
+    [[ $1 != *alarm* ]] || alarm='*'
+    [[ $(screen_line 5) == "($edit) Edit  ($alarm) Alarm"* ]]
+}
+
+screen_has() {
+    terminal capture-pane -p | grep -qF -- "$1"
+}
+
+# press WORD COUNT: a key of a script.
+press() {
+    local key count=${2:-1}
+    case $1 in
+        up) key=Up ;;
+        down) key=Down ;;
+        select) key=Enter ;;
+        back) key=Left ;;
+        coarser) key=+ ;;
+        finer) key=- ;;
+        shortcut) key=$2 count=1 ;;
+    esac
+    terminal send-keys -N "$count" "$key"
+}
+
+play_tour() {
+    local word rest row text number=0
+    while read -r word rest; do
+        number=$((number + 1))
+        case $word in
+            "#") [[ $rest != "What follows needs a device that fails"* ]] || return 0 ;;
+            up | down | select | back | coarser | finer | shortcut) press "$word" "$rest" ;;
+            expect)
+                row=${rest%% *}
+                text=${rest#*|}
+                wait_for "$TOUR:$number: line $row is not |${text%|}|" shows_line "$row" "${text%|}"
+                ;;
+            expect-leds) wait_for "$TOUR:$number: LEDs are not $rest" shows_leds "$rest" ;;
+            "" | say | expect-write | expect-no-write) ;;
+            *) fail "$TOUR:$number: \"$word\" means nothing in a terminal" ;;
+        esac
+    done <"$TOUR"
+    fail "$TOUR: the end of what a terminal can show is not marked"
+}
+
+# start NAME: runs the panel in the shell of the terminal; its status and the terminal's state follow it.
+start() {
+    terminal send-keys "clear; stty -g >before; '$PANEL'; echo status \$? of $1; stty -g >after; touch done.$1" Enter
+    wait_for "the panel does not show" shows_line 1 ">Audio           ..."
+}
+
+# ended NAME STATUS: the panel has ended, and the terminal is as before.
+ended() {
+    wait_for "the panel of $1 does not end" test -e "$FOLDER/done.$1"
+    wait_for "status of $1 is not $2" screen_has "status $2 of $1"
+    cmp "$FOLDER/before" "$FOLDER/after" || fail "$1 leaves other terminal settings"
+    [ "$(terminal display-message -p '#{alternate_on} #{cursor_flag}')" = "0 1" ] ||
+        fail "$1 leaves the other screen, or no cursor"
+}
+
+panel_process() {
+    ps -o pid= --ppid "$(terminal display-message -p '#{pane_pid}')" | tr -d ' '
+}
+
+terminal new-session -d -x 80 -y 24 -c "$FOLDER" "bash --norc --noprofile"
+
+start tour
+play_tour
+terminal send-keys Left Left
+terminal send-keys q
+ended tour 0
+
+# Escape leaves as the left arrow does, and the right arrow selects as Enter does.
+start keys
+terminal send-keys Right
+wait_for "the right arrow does not select" shows_line 1 ">Gain 1       0.0 dB"
+terminal send-keys Escape
+wait_for "escape does not leave" shows_line 1 ">Audio           ..."
+terminal send-keys F1
+wait_for "F1 is no shortcut" shows_line 1 ">Gain 1       0.0 dB"
+
+# A terminal that becomes too small says so, and the panel is back when there is room again.
+terminal resize-window -x 30 -y 8
+wait_for "no message on a small terminal" screen_has "Terminal too small"
+screen_has "needs 43x9, has 30x8" || fail "the sizes are not told"
+terminal resize-window -x 80 -y 24
+wait_for "the panel does not come back" shows_line 1 ">Gain 1       0.0 dB"
+wait_for "the legend does not come back" screen_has "quit"
+
+terminal send-keys q
+ended keys 0
+
+for signal in INT:130 TERM:143 HUP:129 SEGV:139 ABRT:134; do
+    start "${signal%:*}"
+    kill -"${signal%:*}" "$(panel_process)"
+    ended "${signal%:*}" "${signal#*:}"
+done
