@@ -252,6 +252,10 @@ TEST(SlotOrder, EnumEntry) {
     EXPECT_EQ(slot_of(&Enum_entry::Get_max), slot_of(&Data_entry::Get_max));
     EXPECT_EQ(slot_of(&Enum_entry::Update_value), slot_of(&Data_entry::Update_value));
     EXPECT_EQ(slot_of(&Enum_entry::Refresh), slot_of(&Data_entry::Refresh));
+    EXPECT_EQ(slot_of(&Enum_entry::getProperties), slot_of(&Data_entry::getProperties));
+    EXPECT_EQ(slot_of(&Enum_entry::Is_active), slot_of(&Data_entry::Is_active));
+    EXPECT_EQ(slot_of(&Enum_entry::Set_value), slot_of(&Data_entry::Set_value));
+    EXPECT_EQ(slot_of(&Enum_entry::Inc_value), slot_of(&Data_entry::Inc_value));
     expect_consecutive(
         {
             SLOT_OF(Enum_entry, Get_display_string, int(char*, unsigned int, int)),
@@ -358,7 +362,21 @@ TEST(SlotOrder, WhatIsNotVirtualHasNoSlot) {
     EXPECT_EQ(slot_of(&Integer_model::Set_min), NOT_VIRTUAL);
     EXPECT_EQ(slot_of(&String_model::Get_max_length), NOT_VIRTUAL);
     EXPECT_EQ(slot_of(&Range_entry::getBindingRange), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Set_control_options), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::getWebTypeAsInt), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::getPanelTypeAsInt), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Get_size), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Set_min), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Set_max), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Set_size), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Get_min_enum), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Get_max_enum), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Get_size_enum), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Get_integer_enum), NOT_VIRTUAL);
     EXPECT_EQ(slot_of(&Enum_entry::valueToKey), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::minMaxSize), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Get_menu_level), NOT_VIRTUAL);
+    EXPECT_EQ(slot_of(&Enum_entry::Get_key_enum), NOT_VIRTUAL);
 }
 
 }  // namespace

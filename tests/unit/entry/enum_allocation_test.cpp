@@ -1,0 +1,102 @@
+// A panel redraws its entries several times a second: refreshing and drawing a large enumeration must not
+// touch the heap.
+#include <cstdlib>
+#include <new>
+
+#include "enum_fixture.h"
+#include "support/fake_binding.h"
+
+namespace {
+std::size_t g_allocations = 0;
+}
+
+void* operator new(std::size_t size) {
+    ++g_allocations;
+    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace {
+
+class Quiet_interface : public Data_interface {
+public:
+    int Get(unsigned int, unsigned int, void* buffer, unsigned int) override {
+        *static_cast<int*>(buffer) = key;
+        return 0;
+    }
+    int Set(unsigned int, unsigned int, const void*, unsigned int) override { return 0; }
+    int Get_prod_list(PROD_LIST_S*, bool, bool) override { return 1; }
+    int Set_product_id(prod_id_t) override { return 1; }
+    int Get_prod_alias_name(char*, prod_id_t) override { return 1; }
+
+    int key = 500;
+};
+
+class EnumAllocation : public ::testing::Test {
+protected:
+    EnumAllocation()
+        : texts(std::vector<std::string>(1000, "An option with a text of more than a line")),
+          entry(Enum_arguments().texts(&texts).max(999)) {
+        entry.Set_binding_object(new support::Fake_binding());
+        entry.Refresh(&device, false);
+        before = g_allocations;
+    }
+    // Compared before anything is reported, since a report allocates.
+    std::size_t allocations() const { return g_allocations - before; }
+
+    Texts texts;
+    Open_enum entry;
+    Quiet_interface device;
+    std::size_t before;
+};
+
+TEST_F(EnumAllocation, IsCountedByThisTest) {
+    delete new Index_t();
+    EXPECT_EQ(allocations(), 1U);
+}
+
+// Rebuilding the map is what allocates; a refresh leaves it alone. What an engine does to evaluate its
+// expressions is not the entry's.
+TEST_F(EnumAllocation, RefreshOfAThousandOptionsAllocatesNothing) {
+    for (int refresh = 0; refresh < 10; ++refresh) {
+        device.key = refresh * 100;
+        entry.Refresh(&device, false);
+    }
+    const std::size_t counted = allocations();
+    EXPECT_EQ(counted, 0U);
+}
+
+TEST_F(EnumAllocation, DisplayAndSteppingAllocateNothing) {
+    char line[17] = {};
+    int position = 0;
+    int wrong = 0;
+    for (int step = 0; step < 100; ++step) {
+        wrong += entry.Get_display_string(line, 16);
+        wrong += entry.Get_display_string(line, 16, step);
+        wrong += entry.Inc_value(1, 0);
+        wrong += entry.Get_value(&position, sizeof position);
+    }
+    const std::size_t counted = allocations();
+    EXPECT_EQ(counted, 0U);
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(position, 600);
+}
+
+}  // namespace
