@@ -133,11 +133,12 @@ char* Enum_entry::option_text(int key) const {
 }
 
 void Enum_entry::Update_value(char** enum_array, int size) {
-    if (enum_array != m_value) {
+    // The card's own list may be handed in again; it stays as long as it is.
+    if (!m_owns_texts || enum_array != m_value) {
         free_owned_texts();
+        m_value = enum_array;
+        m_text_count = enum_array != nullptr ? size : 0;
     }
-    m_value = enum_array;
-    m_text_count = enum_array != nullptr ? size : 0;
     m_size = size;
     m_max = size - 1;
     m_model.Set_max(size - 1);
