@@ -44,6 +44,12 @@ const char* printable(const char* text) {
     return text != nullptr ? text : "(null)";
 }
 
+template <std::size_t SIZE>
+bool is_named(const Value::Member& member, const char (&name)[SIZE]) {
+    return member.name.GetStringLength() == SIZE - 1 &&
+           std::memcmp(member.name.GetString(), name, SIZE - 1) == 0;
+}
+
 char* copy_text(const char* text, std::size_t length) {
     char* const copy = new char[length + 1];
     std::memcpy(copy, text, length);
@@ -65,11 +71,12 @@ bool has_more(rapidjson::FileReadStream& stream) {
 
 // Null when all went well, else the reason.
 const char* parse_file(std::FILE* file, Document& document) {
-    if (is_too_large(file)) {
-        return TOO_LARGE;
-    }
     char buffer[16384];
     rapidjson::FileReadStream stream(file, buffer, sizeof buffer);
+    // A document that fits the buffer, as nearly all do, needs no look at the file's size.
+    if (!std::feof(file) && is_too_large(file)) {
+        return TOO_LARGE;
+    }
     // Iteratively: the depth of the document must not decide how much stack the panel needs.
     document.ParseStream<rapidjson::kParseIterativeFlag>(stream);
     if (document.HasParseError()) {
@@ -136,11 +143,11 @@ void write_text_of(const Value& object, const char* name, unsigned int depth, Te
 }
 
 // The field that a member of a node goes to; null when it is none of the texts.
-Text* field_of(LiveJSDataParser::treenode& node, const Value& name) {
-    if (name == "label") return &node.label;
-    if (name == "type") return &node.type;
-    if (name == "value") return &node.value;
-    if (name == "render") return &node.render;
+Text* field_of(LiveJSDataParser::treenode& node, const Value::Member& member) {
+    if (is_named(member, "label")) return &node.label;
+    if (is_named(member, "type")) return &node.type;
+    if (is_named(member, "value")) return &node.value;
+    if (is_named(member, "render")) return &node.render;
     return nullptr;
 }
 
@@ -272,10 +279,10 @@ void LiveJSDataParser::Reader::read_combo_box() {
     bool has_state = false;
     bool has_options = false;
     for (auto itr = document.MemberBegin(); itr != document.MemberEnd(); ++itr) {
-        if (itr->name == "state") {
+        if (is_named(*itr, "state")) {
             has_state = true;
             read_state(itr->value);
-        } else if (itr->name == "options") {
+        } else if (is_named(*itr, "options")) {
             has_options = true;
             read_options(itr->value);
         }
@@ -315,15 +322,23 @@ void LiveJSDataParser::Reader::read_options(const Value& options) {
 
 // Null when the option is to be skipped.
 char* LiveJSDataParser::Reader::read_option(const Value& option) {
-    const auto label = option.FindMember("label");
-    if (label == option.MemberEnd() || !label->value.IsString() || !option.HasMember("value")) {
+    // One walk for both, since this is done for every option.
+    const Value* label = nullptr;
+    bool has_value = false;
+    for (const Value::Member& member : option.GetObject()) {
+        if (is_named(member, "label") && label == nullptr) {
+            label = &member.value;
+        } else if (is_named(member, "value")) {
+            has_value = true;
+        }
+    }
+    if (!has_value || label == nullptr || !label->IsString()) {
         LIVE_ERROR(m_operation,
                    "value/label not found inside option item in combobox jsonfile[%s]\n",
                    m_parser.filename);
         return nullptr;
     }
-    const char* const text = label->value.GetString();
-    return copy_text(text, std::strlen(text));
+    return copy_text(label->GetString(), label->GetStringLength());
 }
 
 int LiveJSDataParser::Reader::report_tree(const char* why) const {
@@ -365,13 +380,13 @@ void LiveJSDataParser::Reader::read_tree(const Value& value, jsontree* node, uns
 
 void LiveJSDataParser::Reader::read_member(const Value::Member& member, jsontree* node,
                                            unsigned int depth, std::vector<char*>& list) {
-    Text* const field = member.value.IsString() ? field_of(*node, member.name) : nullptr;
+    Text* const field = member.value.IsString() ? field_of(*node, member) : nullptr;
     if (field != nullptr) {
         write_text(*field, depth, member.value.GetString());
         list.push_back(*field);
-    } else if (member.name == "action") {
+    } else if (is_named(member, "action")) {
         read_action(member.value, depth, node->action);
-    } else if (member.name == "children") {
+    } else if (is_named(member, "children")) {
         read_children(member.value, node, depth, list);
     } else {
         LIVE_ERROR(m_operation, "Unknown field[%s] in tree json file\n", member.name.GetString());
@@ -459,7 +474,14 @@ void LiveJSDataParser::parseEachSubTree(const Value* value, jsontree* node, unsi
 }
 
 void LiveJSDataParser::initialiseJT(treenode* node) {
-    std::memset(node, 0, sizeof *node);
+    // Not the two kilobytes: a tree has a node for every few bytes of its document.
+    for (char* text :
+         {node->label, node->type, node->value, node->render, node->action.id, node->action.type,
+          node->action.action_body.rule, node->action.action_body.message}) {
+        *text = '\0';
+    }
+    node->size = 0;
+    node->children = nullptr;
 }
 
 void LiveJSDataParser::deleteJT(treenode* node) {
