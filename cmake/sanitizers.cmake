@@ -10,4 +10,7 @@ if(FRONTPANEL_SANITIZE)
         # GCC loses track of initialisation in instrumented code, in the standard headers too.
         $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=${FRONTPANEL_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        add_compile_options(-fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/sanitizer_ignorelist.txt)
+    endif()
 endif()
