@@ -8,6 +8,18 @@ namespace {
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
 
+// Whether every menu on the way to the entry is shown, and the entry itself.
+bool is_reachable(Data_entry* entry, const Data_entry& root, Data_interface& device) {
+    while (entry != nullptr && entry != &root) {
+        refresh(*entry, device);
+        if (entry->isVisible(true, &device) < 0) {
+            return false;
+        }
+        entry = neighbour(*entry, Data_entry::OPERATION_PARENT);
+    }
+    return entry != nullptr;
+}
+
 }  // namespace
 
 Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size size)
@@ -125,7 +137,7 @@ void Controller::jump(int button) {
     if (entry == nullptr) {
         return;
     }
-    if (entry->isVisible(true, &m_device.access) < 0) {
+    if (!is_reachable(entry, m_root, m_device.access)) {
         notify(entry->Get_name(), "not available", false);
     } else if (is_menu(*entry)) {
         m_list.open(*entry, nullptr);

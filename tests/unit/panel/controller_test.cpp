@@ -1,6 +1,7 @@
 #include "controller.h"
 
 #include "panel_fixture.h"
+#include "support/fake_binding.h"
 
 namespace panel {
 namespace {
@@ -240,6 +241,55 @@ TEST(Controller, AShortcutToAHiddenEntryIsRefused) {
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "not available       "}));
     panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Audio           ...", " Level           ..."}));
+}
+
+TEST(Controller, AShortcutIntoAHiddenMenuIsRefused) {
+    Panel panel(menu_text(PARAMETERS, R"(
+        {"type": "range", "name": "Mode", "pid": 101},
+        {"type": "node", "name": "More", "binding": "visible if 101 > 1", "items": [
+            {"type": "range", "name": "Width", "pid": 102, "shortcut": 1}]})"));
+    panel.shortcut(1);
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "not available       "}));
+    panel.press(Key::BACK);
+    panel.device().set_integer(101, 0, 2);
+    panel.shortcut(1);
+    EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
+}
+
+TEST(Controller, WarningsOfAValueAreShownOneByOneAndTheEditGoesOn) {
+    Panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102})"));
+    auto* const binding = new support::Fake_binding;  // the entry's
+    binding->offer(SUGGESTION_WARNING);
+    binding->on_evaluate = [](support::Fake_binding& engine, int flags) {
+        if (flags == 5) {
+            engine.suggest_warnings({"too wide", "really"});
+        }
+    };
+    binding->on_warning = [&panel](const std::string& text) { panel.controller().warn(text); };
+    panel.root().Get_child()->Set_binding_object(binding);
+    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "too wide            "}));
+    EXPECT_TRUE(panel.leds().edit);
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "really              "}));
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
+    panel.press(Key::BACK);
+    EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
+    EXPECT_TRUE(panel.device().writes().empty());
+}
+
+TEST(Controller, AnEntryWithoutAllowedValueShowsNoneAndTakesNone) {
+    Panel panel(menu_text(PARAMETERS, R"(
+        {"type": "range", "name": "Width", "pid": 102, "binding": "range 200..300 if 103 == 0"})"));
+    EXPECT_EQ(panel.lines(), (Lines{">Width           ---", "                    "}));
+    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "value refused       "}));
+    EXPECT_EQ(panel.device().integer(102, 0), 50);
+    panel.press(Key::SELECT).press(Key::BACK);
+    panel.device().set_integer(103, 0, 1);
+    panel.controller().tick();
+    EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
 }
 
 TEST(Controller, AnEntryWhoseOptionsDoNotHoldIsSkipped) {

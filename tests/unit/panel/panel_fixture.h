@@ -39,6 +39,7 @@ public:
     }
 
     Memory_device& device() { return m_loaded.menu->device(); }
+    Data_entry& root() { return m_loaded.menu->root(); }
     Controller& controller() { return m_controller; }
     Panel& press(Key::Kind kind, int times = 1) {
         for (int i = 0; i < times; ++i) {
