@@ -8,7 +8,7 @@
 namespace panel {
 namespace {
 
-constexpr std::streamsize LARGEST_FILE = 4 * 1024 * 1024;
+constexpr std::streamsize LARGEST_FILE = std::streamsize{4} * 1024 * 1024;
 
 }  // namespace
 

@@ -175,7 +175,7 @@ std::string value_format_of(const Json_value& item, int min, int max) {
     if (!expression) {
         return item.find("format") ? "v" : "";
     }
-    const std::string text = expression->text();
+    std::string text = expression->text();
     if (!text.empty() && !converts(text, min) && !converts(text, max)) {
         expression->fail("not an expression in v");
     }

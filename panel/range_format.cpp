@@ -94,7 +94,7 @@ std::optional<std::string> range_format_error(const std::string& format) {
     if (contains(format, ":") && contains(format, ",")) {
         size_t comma = format.find(',');
         while (comma != std::string::npos) {
-            if (const auto error = row_error(format.substr(position, comma - position))) {
+            if (auto error = row_error(format.substr(position, comma - position))) {
                 return error;
             }
             position = comma + 1;
