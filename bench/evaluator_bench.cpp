@@ -29,6 +29,7 @@ BENCHMARK_CAPTURE(
     " mute = 0; ratio = level / limit;\n"
     "v = (ratio * gain + offset) * (mute == 0) + (level > high ? high : level < low ? low"
     " : level) - step;\n");
-BENCHMARK_CAPTURE(evaluate, powers, "v = 2 ** 3 ** 2 + 1.5 ** -2");
+BENCHMARK_CAPTURE(evaluate, powers, "v = 2 ** 3 ** 2");
+BENCHMARK_CAPTURE(evaluate, signed_powers, "v = 2 ** 3 ** 2 + 1.5 ** -2");
 
 }  // namespace
