@@ -120,7 +120,7 @@ public:
     virtual void Set_dynamic_next(Data_entry* next);
     virtual void Set_dynamic_previous(Data_entry* previous);
 
-    // Makes `child` the last child of this entry. Returns 0.
+    // Makes `child` the last child of this entry; a child that it is already moves to the end. Returns 0.
     virtual int Add_child(Data_entry& child);
     // Makes this entry the last child of `parent`, which must be another entry (asserted). Returns what the
     // parent's `Add_child` returns.
@@ -304,6 +304,8 @@ protected:
 private:
     void attach_at_construction(const char* name, int visible, Data_entry* parent);
     void unlink(Data_entry& child);
+    bool holds(const Data_entry& child) const;
+    void join_neighbours_of(const Data_entry& child);
     void apply_access_suggestion();
     void apply_set_suggestion(Data_interface* iface);
     void refresh_for_visibility(Data_interface* iface);

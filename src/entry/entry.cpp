@@ -240,19 +240,18 @@ void Data_entry::Set_dynamic_previous(Data_entry* previous) {
 int Data_entry::Add_child(Data_entry& child) {
     FRONTPANEL_ASSERT(&child != this, "&child!=this");
     const Lock_guard lock(m_entry_mutex);
-    child.m_parent = this;
-    child.m_next = nullptr;
-    child.m_previous = nullptr;
-    if (m_child == nullptr) {
-        m_child = &child;
-        return 0;
+    if (holds(child)) {
+        join_neighbours_of(
+            child);  // added again it moves: linked twice it would end or close the list
     }
     Data_entry* last = m_child;
-    while (last->m_next != nullptr) {
+    while (last != nullptr && last->m_next != nullptr) {
         last = last->m_next;
     }
-    last->m_next = &child;
+    child.m_parent = this;
+    child.m_next = nullptr;
     child.m_previous = last;
+    (last != nullptr ? last->m_next : m_child) = &child;
     return 0;
 }
 
@@ -272,11 +271,7 @@ int Data_entry::Remove(Data_entry* child) {
               "Child named [%s][%p] sent for removal from parent [%s][%p] \n", child->Get_name(),
               static_cast<void*>(child), Get_name(), static_cast<void*>(this));
     const Lock_guard lock(m_entry_mutex);
-    const Data_entry* found = m_child;
-    while (found != nullptr && found != child) {
-        found = found->m_next;
-    }
-    if (found == nullptr) {
+    if (!holds(*child)) {
         std::printf("Could not find child named [%s][%p] from parent [%s][%p]\n", child->Get_name(),
                     static_cast<void*>(child), Get_name(), static_cast<void*>(this));
         return 0;
@@ -287,17 +282,15 @@ int Data_entry::Remove(Data_entry* child) {
 
 // The removed child keeps its own sibling links: a walk that stands on it still finds its former siblings.
 void Data_entry::unlink(Data_entry& child) {
-    Data_entry* const next = child.m_next;
-    Data_entry* const previous = child.m_previous;
-    if (next == nullptr) {
+    if (child.m_next == nullptr) {
         LEAF_LINE(GENERAL, NONE, "Remove", "[%s] may be the last or only child of parent... ",
                   child.Get_name());
-        if (previous == nullptr) {
+        if (child.m_previous == nullptr) {
             LEAF_LINE(GENERAL, NONE, "Remove", "Only child\n");
         } else {
             LEAF_LINE(GENERAL, NONE, "Remove", "Last child\n");
         }
-    } else if (previous == nullptr) {
+    } else if (child.m_previous == nullptr) {
         LEAF_LINE(GENERAL, NONE, "Remove",
                   "Getting rid of first child named [%s] from parent [%s]\n", child.Get_name(),
                   Get_name());
@@ -306,11 +299,23 @@ void Data_entry::unlink(Data_entry& child) {
                   "Must sow two children together to remove child [%s] from parent [%s]\n",
                   child.Get_name(), Get_name());
     }
-    (previous != nullptr ? previous->m_next : m_child) = next;
-    if (next != nullptr) {
-        next->m_previous = previous;
-    }
+    join_neighbours_of(child);
     child.m_parent = nullptr;
+}
+
+bool Data_entry::holds(const Data_entry& child) const {
+    const Data_entry* at = m_child;
+    while (at != nullptr && at != &child) {
+        at = at->m_next;
+    }
+    return at != nullptr;
+}
+
+void Data_entry::join_neighbours_of(const Data_entry& child) {
+    (child.m_previous != nullptr ? child.m_previous->m_next : m_child) = child.m_next;
+    if (child.m_next != nullptr) {
+        child.m_next->m_previous = child.m_previous;
+    }
 }
 
 bool Data_entry::Is_active() const {

@@ -433,6 +433,38 @@ TEST(EntryTree, AddingClearsTheSiblingLinksThatAChildBrings) {
     EXPECT_EQ(b.Get_previous(), &a);
 }
 
+TEST(EntryTree, AddingAChildAgainMovesItToTheEnd) {
+    for (std::size_t again = 0; again < 3; ++again) {
+        Menu menu;
+        Leaf a("A", &menu);
+        Leaf b("B", &menu);
+        Leaf c("C", &menu);
+        Entries expected = {&a, &b, &c};
+        Data_entry* const child = expected[again];
+        EXPECT_EQ(menu.Add_child(*child), 0);
+        expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(again));
+        expected.push_back(child);
+        EXPECT_EQ(menu.Get_child(), expected[0]);
+        EXPECT_EQ(expected[0]->Get_previous(), nullptr);
+        EXPECT_EQ(expected[0]->Get_next(), expected[1]);
+        EXPECT_EQ(expected[1]->Get_previous(), expected[0]);
+        EXPECT_EQ(expected[1]->Get_next(), expected[2]);
+        EXPECT_EQ(expected[2]->Get_previous(), expected[1]);
+        EXPECT_EQ(expected[2]->Get_next(), nullptr) << "a walk ends";
+        EXPECT_EQ(child->Get_parent(), &menu);
+    }
+}
+
+TEST(EntryTree, AddingTheOnlyChildAgainChangesNothing) {
+    Menu menu;
+    Leaf a("A", &menu);
+    EXPECT_EQ(a.Attach(menu), 0);
+    EXPECT_EQ(menu.Get_child(), &a);
+    EXPECT_EQ(a.Get_next(), nullptr);
+    EXPECT_EQ(a.Get_previous(), nullptr);
+    EXPECT_EQ(a.Get_parent(), &menu);
+}
+
 TEST(EntryTree, AttachReturnsWhatTheParentReturns) {
     class Refusing : public Menu {
     public:
@@ -563,6 +595,11 @@ TEST(EntryTree, TheLinesOfARemovalAreGeneralOnes) {
     expect_line_gate("Must sow two children together", 0x1, Gate::LEAF, remove(b));
     expect_line_gate("may be the last or only child", 0x1, Gate::LEAF, remove(c));
     expect_line_gate("Last child\n", 0x1, Gate::LEAF, remove(c));
+    expect_line_gate("Only child\n", 0x1, Gate::LEAF, [&] {
+        menu.Set_child(nullptr);
+        a.Attach(menu);
+        menu.Remove(&a);
+    });
 }
 
 // --- locks
