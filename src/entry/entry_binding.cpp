@@ -94,7 +94,8 @@ void Data_entry::apply_set_suggestion(Data_interface* iface) {
         return;  // the errors stay: nothing was written that could have settled them
     }
     for (const GetSetS& request : requests) {
-        iface->Set(request.varid, request.varidx, request.buffer, request.length);
+        const uint32_t length = std::min<uint32_t>(request.length, sizeof request.buffer);
+        iface->Set(request.varid, request.varidx, request.buffer, length);
     }
     binding->clearBindErrors();
 }

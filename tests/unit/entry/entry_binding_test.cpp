@@ -300,6 +300,15 @@ TEST_F(EntryBinding, WritesOfTheWholeBufferStayWithinIt) {
     EXPECT_EQ(refresh(&device), Data_entry::OK);
 }
 
+TEST_F(EntryBinding, AWriteThatClaimsMoreThanItsBufferIsCutToIt) {
+    Fake_device device;
+    GetSetS request = set_request(500, 2, std::string(128, 'a'));
+    request.length = 0xFFFFFFFF;
+    device.expect_set(500, 2, std::string(128, 'a'));
+    binding->suggest_sets({request});
+    EXPECT_EQ(refresh(&device), Data_entry::OK);
+}
+
 TEST_F(EntryBinding, RefreshTellsWhatItApplies) {
     Fake_device device;
     device.expect_set_integer(500, 2, 42);
