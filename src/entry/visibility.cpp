@@ -45,7 +45,7 @@ int Data_entry::isVisible(bool if_control_refresh, Data_interface* pDataAccessIn
     int result = VIS_FALSE;
     if (cached_option_vis >= 0 && shows_something && Get_bind_vis() >= 0 && Get_visible() >= 0) {
         result = Get_visible();
-        if (!if_control_refresh) {
+        if (!if_control_refresh || asked_again) {
             return result;  // on purpose not remembered: only a refresh vouches for being visible
         }
     }

@@ -358,6 +358,17 @@ TEST_F(Visibility, ThePlaceholderDoesNotAskItsChildren) {
     EXPECT_TRUE(log.empty());
 }
 
+// The end of a circle is an assumption, and one that nobody vouches for later.
+TEST_F(Visibility, AnAnswerThatClosesACircleIsNotRemembered) {
+    add_hidden("A");
+    Node inner("Inner", &node);
+    inner.Set_child(&node);
+    EXPECT_EQ(node.isVisible(false, &device), 1);
+    EXPECT_EQ(node.Get_entry_visible(), -1);
+    inner.Set_invisible();
+    EXPECT_EQ(node.isVisible(false, &device), -1);
+}
+
 TEST_F(Visibility, ACircleOfNodesEnds) {
     Node inner("Inner", &node);
     inner.Set_child(&node);
