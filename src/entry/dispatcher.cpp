@@ -147,9 +147,11 @@ bool prepare_text(Call& call) {
                                                      : prepare<StringSelection>(call);
 }
 
-template <class Editor>
 bool exit_leds(Call& call) {
-    return tell<Editor>(call, &Editor::ExitLEDs);
+    if (has_editor(call)) {
+        call.selection->ExitLEDs();
+    }
+    return true;
 }
 
 template <void (NumericRangeSelection::*operation)()>
@@ -187,9 +189,7 @@ constexpr Step STEPS[] = {
     {Entry::OPERATION_NEXT, WITHOUT_DYNAMIC_SIBLINGS, deliver<&Entry::Get_next>},
     {Entry::OPERATION_SET_PARENT, ALL, relink<&Entry::Set_parent>},
     {Entry::OPERATION_SET_CHILD, ALL, relink<&Entry::Set_child>},
-    {Entry::OPERATION_EXIT_LEDS, RANGE, exit_leds<NumericRangeSelection>},
-    {Entry::OPERATION_EXIT_LEDS, STRING_TEXT, exit_leds<StringSelection>},
-    {Entry::OPERATION_EXIT_LEDS, IP, exit_leds<IPv4Selection>},
+    {Entry::OPERATION_EXIT_LEDS, RANGE | STRING_TEXT | IP, exit_leds},
     {Entry::OPERATION_ESCAPE, LEAVES, escape},
     {Entry::OPERATION_SET_ESCAPE_ENTRY, LEAVES, pass_entry<&Selection::Set_escape_entry>},
     {Entry::OPERATION_SET_SELECT_ENTRY, LEAVES, pass_entry<&Selection::Set_select_entry>},

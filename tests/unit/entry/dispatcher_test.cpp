@@ -353,6 +353,9 @@ TEST_F(Dispatcher, AWarningTextIsLeftThroughTheWarningEditor) {
     warning_editor.escapes = true;
     run(0x2000, warning_editor.pointer());
     EXPECT_EQ(fetched, &parent);
+    log.clear();
+    run_bare(0x1000, warning_editor.pointer());
+    EXPECT_EQ(log, Log{"ExitLEDs"});
 }
 
 TEST_F(Dispatcher, AnEditorForAnotherTypeIsNotUsed) {
