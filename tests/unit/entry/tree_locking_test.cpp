@@ -1,0 +1,125 @@
+#include <frontpanel_data/entry.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <string>
+#include <vector>
+
+#include "support/capture.h"
+#include "support/indexes.h"
+
+namespace {
+
+// Takes and releases of the mutexes that a test names, in order.
+struct Watched {
+    pthread_mutex_t* mutex;
+    std::string name;
+};
+std::vector<Watched> watched;
+std::vector<std::string> order;
+
+void note(const pthread_mutex_t* mutex, const char* what) {
+    for (const Watched& one : watched) {
+        if (one.mutex == mutex) {
+            order.push_back(what + one.name);
+        }
+    }
+}
+
+}  // namespace
+
+extern "C" {
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
+
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+    note(mutex, "+");
+    return __real_pthread_mutex_lock(mutex);
+}
+
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
+    note(mutex, "-");
+    return __real_pthread_mutex_unlock(mutex);
+}
+}
+
+namespace {
+
+using Order = std::vector<std::string>;
+
+class Watched_node : public Node_entry {
+public:
+    explicit Watched_node(const char* name)
+        : Node_entry(name, "A node", support::any_index(), nullptr, VISIBLE_ALL, SHORTCUT_NONE,
+                     nullptr, nullptr, nullptr) {
+        watched.push_back({&m_entry_mutex, name});
+        watched.push_back({&m_data_mutex, std::string(name) + ".data"});
+    }
+};
+
+class Tree_locking : public testing::Test {
+protected:
+    Tree_locking() {
+        parent.Add_child(first);
+        parent.Add_child(second);
+        order.clear();
+    }
+    ~Tree_locking() override { watched.clear(); }
+
+    Watched_node parent{"Parent"};
+    Watched_node first{"First"};
+    Watched_node second{"Second"};
+    Watched_node added{"Added"};
+};
+
+TEST_F(Tree_locking, AddingLocksTheParent) {
+    parent.Add_child(added);
+    EXPECT_EQ(order, (Order{"+Parent", "-Parent"}));
+}
+
+TEST_F(Tree_locking, AttachingLocksTheChildBeforeTheParent) {
+    added.Attach(parent);
+    EXPECT_EQ(order, (Order{"+Added", "+Parent", "-Parent", "-Added"}));
+}
+
+TEST_F(Tree_locking, RemovingLocksTheParent) {
+    parent.Remove(&first);
+    EXPECT_EQ(order, (Order{"+Parent", "-Parent"}));
+}
+
+TEST_F(Tree_locking, RemovingAStrangerUnlocksTheParent) {
+    support::capture(0, [&] { parent.Remove(&added); });
+    EXPECT_EQ(order, (Order{"+Parent", "-Parent"}));
+}
+
+TEST_F(Tree_locking, RemovingNullLocksNothing) {
+    support::capture(0, [&] { parent.Remove(nullptr); });
+    EXPECT_EQ(order, Order{});
+}
+
+TEST_F(Tree_locking, PrintingHoldsTheParentWhileChildrenLockThemselves) {
+    support::capture(0, [&] { parent.Print(); });
+    EXPECT_EQ(order, (Order{"+Parent", "+First", "-First", "+Second", "-Second", "-Parent"}));
+}
+
+TEST_F(Tree_locking, ReadingAndSettingLinksLocksNothing) {
+    parent.Get_child();
+    first.Get_next();
+    second.Get_previous();
+    first.Get_parent();
+    added.Set_parent(&parent);
+    added.Set_child(nullptr);
+    added.Set_next(&first);
+    added.Set_previous(&second);
+    added.Set_dynamic_next(&first);
+    EXPECT_EQ(order, Order{});
+}
+
+TEST_F(Tree_locking, RefreshingAndAskingForVisibilityLocksNothing) {
+    parent.Refresh(nullptr, true);
+    parent.isVisible(true, nullptr);
+    Data_entry::TraverseMenuTree(&parent, 0x1, nullptr);
+    EXPECT_EQ(order, Order{});
+}
+
+}  // namespace
