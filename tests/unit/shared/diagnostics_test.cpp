@@ -21,7 +21,7 @@ std::vector<Log_line> g_log;
 }  // namespace
 
 extern "C" {
-void __wrap_syslog(int priority, const char* format, ...);
+__attribute__((format(printf, 2, 3))) void __wrap_syslog(int priority, const char* format, ...);
 }
 
 void __wrap_syslog(int priority, const char* format, ...) {
