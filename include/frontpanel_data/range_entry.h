@@ -43,9 +43,9 @@ public:
     // the printf format of that number, with at most one conversion (flags, width and precision of up to
     // three digits each; no '*', no length):
     //   - with "%d" anywhere in it, or "%02x", or with "%02X" in the number format, an integer conversion;
-    //     the number is cut towards zero and stays within `int`, not-a-number counts as 0;
+    //     the number is cut towards zero and stays within `int`;
     //   - otherwise a floating-point conversion; with "%.1f" the number is rounded to tenths first.
-    // A format that does not fit shows the raw value. If `fmt` has both ':' and ',' a table of texts stands
+    // Not-a-number counts as 0. A format that does not fit, such as "%5d", shows the raw value. If `fmt` has both ':' and ',' a table of texts stands
     // before the number format, as in "0:Off,1:On,%d dB": value, ':', text and ',' for each row. Without a
     // table at most 14 characters of the formatted number are shown. When either text is empty the raw value
     // is shown. The decimal sign is a point whatever the locale of the process.
@@ -70,7 +70,7 @@ public:
     // Reads the value from the device and lets the binding narrow the bounds; `eval_binding` has it evaluate
     // its expressions first. A value outside the bounds is replaced by the nearer bound (the lower one counts
     // as nearer unless the value is above the upper one) and committed: the result is then 1, and the device
-    // holds another value than before. Otherwise 0, or the error of the read.
+    // holds another value than before. Otherwise 0, or the error of the read. The interface must not be null.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
     // Steps the value within the constructor's bounds; `position` is not used.
     int Inc_value(int value, int position) override;
@@ -93,13 +93,15 @@ public:
     // As above, for `override_value`.
     virtual int Get_display_string(char* buffer, unsigned int length, int override_value);
     // Writes the value to the device, then refreshes every entry whose binding depends on it. Returns the
-    // result of the write, ERROR when it failed; the dependants are refreshed all the same.
+    // result of the write, ERROR when it failed; the dependants are refreshed all the same. The interface
+    // must not be null.
     virtual int Commit(Data_interface* pDataAccessInf);
     // The lowest and the highest allowed value. When nothing is allowed, the largest and the smallest `int`.
     virtual int Get_min();
     virtual int Get_max();
     // Installs the allowed ranges, drops those whose options do not hold (call it after
-    // `setProductOptions`) and sets the bounds. Returns 0.
+    // `setProductOptions`) and sets the bounds. A suggestion that is new narrows them at once; one that was
+    // consumed before does not, until the binding suggests again. Returns 0.
     virtual int setValidRangeAndValues(std::vector<range_s> ranges);
     // Drops the installed ranges none of whose options holds and sets the bounds from the others, without
     // taking the mutex. Returns 0.
@@ -108,7 +110,8 @@ public:
     // suggestion everything stays as it is. When they have nothing in common no value is allowed. Returns 0.
     virtual int updateRange();
     // The value that an editor moves to from `old_value` when the user asks for `new_value`: `new_value`,
-    // limited to the bounds. A value in a gap between two ranges is allowed.
+    // limited to the bounds after a new suggestion of the binding has been applied. A value in a gap between
+    // two ranges is allowed.
     virtual int increment(int old_value, int new_value);
 
     // The ranges that the binding newly suggests, which marks the suggestion as consumed; empty when there is

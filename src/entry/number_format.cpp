@@ -93,6 +93,10 @@ bool fits(const char* format, Argument argument) {
 }
 
 std::string print(const char* format, Argument argument, double value, std::size_t limit) {
+    // Processors differ in the sign of not-a-number, and "-nan dB" tells a user nothing.
+    if (std::isnan(value)) {
+        value = 0;
+    }
     const Point_as_decimal_sign point;
     const int length = print_to(nullptr, 0, format, argument, value);
     if (length <= 0) {

@@ -21,7 +21,7 @@ enum class Argument {
 // at most three digits each, so that no format makes a display wait.
 bool fits(const char* format, Argument argument);
 
-// The first `limit` characters of `value` printed with a format that fits.
+// The first `limit` characters of `value` printed with a format that fits; not-a-number prints as 0.
 std::string print(const char* format, Argument argument, double value, std::size_t limit);
 
 // Cut towards zero, limited to the range of `int`; 0 for not-a-number.

@@ -63,7 +63,6 @@ TEST(Range_display, WholeNumbersStayWithinInt) {
         {"%d", "v*1e300", -7, "-2147483648"},
         {"%d", "v/=0", 1, "2147483647"},
         {"%02X", "v*1e300", 7, "7FFFFFFF"},
-        {"%d", "sqrt(0-v)", 7, "0"},
     });
 }
 
@@ -73,6 +72,15 @@ TEST(Range_display, TenthsAreRoundedBeforeTheyArePrinted) {
         {"%.1f", "v/100", 25, "0.3"},
         {"%.1f", "v/100", -25, "-0.3"},
         {"%.1f kHz", "v/1000", 1250, "1.3 kHz"},
+    });
+}
+
+TEST(Range_display, NotANumberCountsAsZero) {
+    expect_displays({
+        {"%d dB", "sqrt(0-v)", 7, "0 dB"},
+        {"%.1f dB", "sqrt(0-v)", 7, "0.0 dB"},
+        {"%.2f dB", "sqrt(0-v)", 7, "0.00 dB"},
+        {"%g", "0-sqrt(0-v)", 7, "0"},
     });
 }
 

@@ -68,6 +68,11 @@ TEST(Number_format, WholeNumbersStayWithinTheRangeOfInt) {
 TEST(Number_format, NotANumberCountsAsZero) {
     EXPECT_EQ(number_format::to_int(std::nan("")), 0);
     EXPECT_EQ(number_format::to_int(-std::nan("")), 0);
+    for (const double value : {std::nan(""), -std::nan("")}) {
+        EXPECT_EQ(number_format::print("%d", Argument::WHOLE, value, 40), "0");
+        EXPECT_EQ(number_format::print("%.1f", Argument::TENTHS, value, 40), "0.0");
+        EXPECT_EQ(number_format::print("%g", Argument::REAL, value, 40), "0");
+    }
 }
 
 TEST(Number_format, TenthsAreRoundedHalfAwayFromZero) {
