@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <frontpanel_data/data_model.h>
+#include <frontpanel_data/range_entry.h>
 
 #include "binding_rule.h"
 
@@ -60,6 +61,15 @@ bool compare(Comparison_operator operation, const Value& left, const Value& righ
             return left >= right;
     }
     return false;
+}
+
+// What a range entry allows now; nothing for other entries.
+std::optional<std::vector<int>> range_of(Data_entry* entry) {
+    auto* const range_entry = dynamic_cast<Range_entry*>(entry);
+    if (range_entry == nullptr) {
+        return std::nullopt;
+    }
+    return std::vector<int>{range_entry->Get_min(), range_entry->Get_max()};
 }
 
 // Overlapping ranges would make a step pass the same values twice.
@@ -191,6 +201,7 @@ void Expression_binding::setControlInfo(unsigned int pid, const Index_t* index,
 void Expression_binding::setDataEntry(Data_entry* entry) {
     unregister_entry();
     m_entry = entry;
+    m_entry_range = range_of(entry);
     register_entry();
 }
 
@@ -310,11 +321,12 @@ std::optional<Expression_binding::Ranges> Expression_binding::ranges_of(
 
 std::optional<Expression_binding::Ranges> Expression_binding::fallback(
     Evaluation& evaluation) const {
-    if (!m_fallback_range) {
+    const auto& range = m_fallback_range ? m_fallback_range : m_entry_range;
+    if (!range) {
         evaluation.report("no range rule holds, and there is no fallback range");
         return std::nullopt;
     }
-    return Ranges{*m_fallback_range};
+    return Ranges{*range};
 }
 
 int Expression_binding::printBindErrors() {

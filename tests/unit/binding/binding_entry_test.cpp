@@ -184,6 +184,38 @@ TEST_F(Bound_range_test, ACommitWidensAndNarrowsTheDependantsRange) {
     EXPECT_EQ(device.integer(120, 3), 40);
 }
 
+TEST_F(Bound_range_test, WithoutAFallbackRangeTheEntrysOwnRangeComesBack) {
+    Number_entry level("Level", 120, gain_index, -5, 90);
+    bind(level, "range 10..40 if 100.2 == 1");
+    refresh(level);
+    EXPECT_EQ(level.Get_max(), 40);
+
+    device.set_integer(MODE, 2, 2);
+    refresh(level);
+    EXPECT_EQ(level.Get_min(), -5);
+    EXPECT_EQ(level.Get_max(), 90);
+}
+
+TEST_F(Bound_range_test, AFallbackRangeStandsForTheEntrysOwnWheneverItIsTold) {
+    device.set_integer(MODE, 2, 2);
+    Number_entry level("Level", 120, gain_index, 0, 100);
+    Expression_binding* const engine = bind(level, "range 10..40 if 100.2 == 1");
+    engine->set_fallback_range(0, 50);
+    refresh(level);
+    EXPECT_EQ(level.Get_max(), 50);
+}
+
+TEST_F(Bound_range_test, AnEngineForgetsTheRangeOfAFormerEntry) {
+    device.set_integer(MODE, 2, 2);
+    Expression_binding engine(registry);
+    engine.addBindingList(registry->compile("range 10..40 if 100.2 == 1").list);
+    engine.setDataEntry(&gain);
+    engine.setDataEntry(nullptr);
+    int flags = Binding::EXECUTE_FLAG;
+    EXPECT_EQ(engine.evaluateAllBindingExpressions(&flags), -1);
+    EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_RANGE));
+}
+
 TEST_F(Bound_range_test, ACommitHidesAndShowsItsDependant) {
     commit(mode, 9);
     EXPECT_EQ(gain.isVisible(true, &device), -1);

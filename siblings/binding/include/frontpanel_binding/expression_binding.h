@@ -23,9 +23,11 @@ public:
     // The entry is no dependant of any parameter afterwards.
     ~Expression_binding() override;
 
-    // The range that is suggested while no condition of a range rule holds: the entry's full range, both
-    // ends inclusive and in either order. An empty suggestion would leave the entry with its last, narrower
-    // range. Without a fallback range the last suggestion stays, and the evaluation reports an error.
+    // The range that is suggested while no condition of a range rule holds, both ends inclusive and in either
+    // order. Unless told, it is what a range entry allows when the engine is attached to it: its constructor's
+    // range, or what `setValidRangeAndValues` left of it. An empty suggestion would leave the entry with its
+    // last, narrower range. For other entries without a fallback range the last suggestion stays, and the
+    // evaluation reports an error.
     void set_fallback_range(int min, int max);
 
     // The errors of the last evaluation, one line each, without line end.
@@ -96,6 +98,7 @@ private:
     std::vector<const Binding_rule*> m_rules;  // the registry's
     std::vector<var_index_s> m_registered;     // where this engine listed the entry
     std::optional<std::vector<int>> m_fallback_range;
+    std::optional<std::vector<int>> m_entry_range;  // of a range entry, as it was attached
     std::optional<var_index_s> m_override_key;
     return_s m_override_value;
     Suggestion<int> m_visibility;
