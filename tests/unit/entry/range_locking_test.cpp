@@ -3,13 +3,13 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <new>
+#include <cstddef>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "range_fixture.h"
+#include "support/allocation_counter.h"
 #include "support/fake_binding.h"
 #include "support/fake_device.h"
 
@@ -19,10 +19,6 @@ namespace {
 pthread_mutex_t* watched = nullptr;
 std::atomic<int> taken{0};
 std::atomic<int> held{0};
-
-// Allocations of this thread while they are counted.
-thread_local bool counting = false;
-thread_local int allocations = 0;
 
 }  // namespace
 
@@ -44,25 +40,6 @@ int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
     }
     return __real_pthread_mutex_unlock(mutex);
 }
-}
-
-// Not inlined, so that no compiler pairs the platform's functions with new and delete.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    if (counting) {
-        ++allocations;
-    }
-    if (void* const memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-__attribute__((noinline)) void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
 }
 
 namespace {
@@ -160,27 +137,25 @@ TEST_F(Range_locking, AnotherThreadReadsWholeBounds) {
 }
 
 template <class Action>
-int allocations_of(Action action) {
-    allocations = 0;
-    counting = true;
+std::size_t allocations_of(Action action) {
+    const std::size_t before = support::allocations();
     action();
-    counting = false;
-    return allocations;
+    return support::allocations() - before;
 }
 
 TEST(Range_allocation, PlainNumbersAndTableTextsAreShownWithoutAny) {
     Open_range plain;
     Open_range table({0, 100, 10, "0:Switched off for now,1:On,%d dB", "v"});
     char line[33];
-    EXPECT_EQ(allocations_of([&] { plain.Get_display_string(line, 32, -2147483647); }), 0);
+    EXPECT_EQ(allocations_of([&] { plain.Get_display_string(line, 32, -2147483647); }), 0U);
     EXPECT_STREQ(line, "-2147483647");
-    EXPECT_EQ(allocations_of([&] { table.Get_display_string(line, 32, 0); }), 0);
+    EXPECT_EQ(allocations_of([&] { table.Get_display_string(line, 32, 0); }), 0U);
     EXPECT_STREQ(line, "Switched off for now");
-    EXPECT_EQ(allocations_of([&] { table.Get_display_string(line, 8, 0); }), 0);
+    EXPECT_EQ(allocations_of([&] { table.Get_display_string(line, 8, 0); }), 0U);
 }
 
 TEST(Range_allocation, IsCounted) {
-    EXPECT_EQ(allocations_of([] { ::operator delete(::operator new(1)); }), 1);
+    EXPECT_EQ(allocations_of([] { ::operator delete(::operator new(1)); }), 1U);
 }
 
 TEST(Range_allocation, ValuesAreReadAndSteppedWithoutAny) {
@@ -193,7 +168,7 @@ TEST(Range_allocation, ValuesAreReadAndSteppedWithoutAny) {
                   entry.Inc_value(1, 0);
                   entry.increment(5, 8);
               }),
-              0);
+              0U);
 }
 
 }  // namespace

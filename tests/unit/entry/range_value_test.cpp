@@ -8,6 +8,7 @@
 #include "support/capture.h"
 #include "support/fake_binding.h"
 #include "support/fake_device.h"
+#include "support/leaf.h"
 #include "support/line_gates.h"
 
 using support::capture;
@@ -252,6 +253,37 @@ TEST(Range_lines, OfOptionsFollowTheGeneralMaskAndTheLeafGate) {
     expect_general_leaf_line("its true value is zero", evaluate);
     expect_general_leaf_line("need another option", evaluate);
     expect_general_leaf_line("pushing back range", evaluate);
+}
+
+// The base judges no option so; a class derived from it may.
+class Undecided_range : public Open_range {
+public:
+    is_static_value_s isOptionStatic(std::string, bool) override { return {-1, 3, 3}; }
+};
+
+TEST(Range_lines, OfAnUndecidedOptionFollowTheGeneralMaskAndTheLeafGate) {
+    Undecided_range entry;
+    expect_general_leaf_line("[gps], for range [0,0] will not be considered", [&] {
+        entry.setValidRangeAndValues({{0, 1, {"gps"}}});
+    });
+}
+
+TEST(Range_lines, OfACommitFollowTheGeneralMaskAndTheLeafGate) {
+    Fake_device device;
+    Open_range entry;
+    auto* binding = new Fake_binding;
+    entry.Set_binding_object(binding);
+    support::Leaf dependant("Follower");
+    binding->own_map[binding->self_control_info].binding_dependant_entries = {&dependant};
+    const auto commit = [&] {
+        device.expect_set_integer(120, 3, 10);
+        entry.Commit(&device);
+    };
+    expect_general_leaf_line("About to see if I have any dependants", commit);
+    expect_general_leaf_line("Bind expression of entry [Follower]", commit);
+    support::expect_line_gate("here 14\n", 0, support::Gate::ALWAYS, commit);
+    binding->map = nullptr;
+    expect_general_leaf_line("Var index map is null", commit);
 }
 
 TEST(Range_lines, OfACorrectionFollowTheGeneralMaskAndTheLeafGate) {
