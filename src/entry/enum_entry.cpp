@@ -171,7 +171,7 @@ int Enum_entry::Get_key_enum(void* value, unsigned int length) {
     }
     // A key that has no position yet gets position 0, here and in every lookup of this class. Intended: the
     // current option of an entry whose options are all hidden can thus be shown and left again.
-    map_enum_to_options.emplace(key, 0);
+    map_enum_to_options.try_emplace(key, 0);
     deliver(value, length, key);
     return 0;
 }

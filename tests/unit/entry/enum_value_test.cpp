@@ -220,6 +220,15 @@ TEST(EnumGetValue, DeliversTheSmallestKeyForAPositionBelowIt) {
     EXPECT_EQ(entry.position(), 2);
 }
 
+TEST(EnumGetValue, NeverDeliversTheMarkOfAHiddenOption) {
+    class Shifted : public Open_enum {
+    public:
+        int Get_min() const override { return -2; }
+    } entry;
+    entry.map_enum_to_options[0] = -1;
+    EXPECT_EQ(entry.position(), -2);
+}
+
 TEST(EnumGetValue, Reports) {
     Open_enum entry(Enum_arguments().default_value(1));
     int value = 0;

@@ -512,11 +512,19 @@ TEST_F(Slots_with_address, ScrollTheAddressAsItDoesItself) {
     }
 }
 
-TEST_F(Slots_with_address, ClearTheLineBeforeTheAddress) {
-    set_address("1.2.3.4");
+TEST_F(Slots_with_address, HandTheAddressAClearedLine) {
+    class Silent_address : public Ip_entry {
+    public:
+        explicit Silent_address(const Index_t* index)
+            : Ip_entry("Address", "An address", 700, index, nullptr, READ_WRITE, VISIBLE_ALL, true,
+                       SHORTCUT_NONE, nullptr, nullptr, nullptr) {}
+        int Get_display_string(char*, unsigned int) override { return 5; }
+    } silent(&address_index);
+    silent.Set_value("1.2.3.4", 7);
+    build(3, 2, PID, &silent);
     std::string buffer(21, '#');
-    EXPECT_EQ(entry->Get_display_string(buffer.data(), 20), 0);
-    EXPECT_EQ(buffer, "1.2.3.4" + std::string(13, '\0') + "#");
+    EXPECT_EQ(entry->Get_display_string(buffer.data(), 20), 5);
+    EXPECT_EQ(buffer, std::string(20, '\0') + "#");
 }
 
 TEST_F(Slots_with_address, CommitTheAddressThatWasShown) {
