@@ -20,8 +20,8 @@
         LIVE_LOG(operation, __VA_ARGS__);  \
     } while (false)
 
-// LIVE_FAILURE(lead, operation, format, ...): a line on standard output whatever `debug` holds. Scripts on
-// the device look for the lead: "Error:" or "Error: ".
+// LIVE_FAILURE(lead, operation, format, ...): a line on standard output whatever `debug` holds. The lead is
+// "Error:" or "Error: ": both are in use, and whoever reads the output knows each line by its own.
 #define LIVE_FAILURE(lead, operation, ...)                                           \
     do {                                                                             \
         const ::diagnostics::Place place{(operation), __FILE_NAME__, __LINE__};      \
