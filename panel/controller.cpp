@@ -1,5 +1,7 @@
 #include "controller.h"
 
+#include <optional>
+
 #include "entry_access.h"
 
 namespace panel {
@@ -7,6 +9,27 @@ namespace {
 
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
+
+// Nothing for a shortcut: a jump would drop the edited value unasked.
+std::optional<Editor_key> editor_key_of(Key::Kind kind) {
+    switch (kind) {
+        case Key::UP:
+            return Editor_key::UP;
+        case Key::DOWN:
+            return Editor_key::DOWN;
+        case Key::SELECT:
+            return Editor_key::SELECT;
+        case Key::BACK:
+            return Editor_key::ESCAPE;
+        case Key::COARSER:
+            return Editor_key::COARSER;
+        case Key::FINER:
+            return Editor_key::FINER;
+        case Key::SHORTCUT:
+            break;
+    }
+    return std::nullopt;
+}
 
 // Whether every menu on the way to the entry is shown, and the entry itself.
 bool is_reachable(Data_entry* entry, const Data_entry& root, Data_interface& device) {
@@ -65,50 +88,34 @@ void Controller::press_in_list(const Key& key) {
 }
 
 void Controller::press_in_editor(const Key& key) {
-    Editor_result result = Editor_result::OPEN;
-    switch (key.kind) {
-        case Key::UP:
-            result = m_editor->press(Editor_key::UP);
-            break;
-        case Key::DOWN:
-            result = m_editor->press(Editor_key::DOWN);
-            break;
-        case Key::SELECT:
-            result = m_editor->press(Editor_key::SELECT);
-            break;
-        case Key::BACK:
-            result = m_editor->press(Editor_key::ESCAPE);
-            break;
-        case Key::COARSER:
-            result = m_editor->press(Editor_key::COARSER);
-            break;
-        case Key::FINER:
-            result = m_editor->press(Editor_key::FINER);
-            break;
-        case Key::SHORTCUT:
-            break;  // a jump would drop the edited value unasked
+    const std::optional<Editor_key> editor_key = editor_key_of(key.kind);
+    if (!editor_key) {
+        return;
     }
-    switch (result) {
+    switch (m_editor->press(*editor_key)) {
         case Editor_result::OPEN:
             break;
         case Editor_result::ACCEPTED:
             commit_edited();
             break;
+        case Editor_result::REFUSED:
+            tell_refusal();
+            break;
         case Editor_result::DISCARDED:
             close_editor();
             break;
-        case Editor_result::REFUSED: {
-            const std::string name = m_editor->entry()->Get_name();
-            if (m_warnings.empty()) {
-                notify(name, "value refused", false);
-            }
-            for (const std::string& warning : m_warnings) {
-                notify(name, warning, false);
-            }
-            break;
-        }
     }
     m_warnings.clear();
+}
+
+void Controller::tell_refusal() {
+    const std::string name = m_editor->entry()->Get_name();
+    if (m_warnings.empty()) {
+        notify(name, "value refused", false);
+    }
+    for (const std::string& warning : m_warnings) {
+        notify(name, warning, false);
+    }
 }
 
 void Controller::select() {

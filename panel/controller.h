@@ -38,6 +38,7 @@ private:
     void jump(int button);
     void edit(Data_entry& entry);
     void commit_edited();
+    void tell_refusal();
     void close_editor();
     void notify(const std::string& title, const std::string& text, bool alarm);
     void draw_editor(Frame& frame);

@@ -115,7 +115,7 @@ panel_process() {
     ps -o pid= --ppid "$(terminal display-message -p '#{pane_pid}')" | tr -d ' '
 }
 
-terminal new-session -d -x 80 -y 24 -c "$FOLDER" "bash --norc --noprofile"
+terminal new -d -x 80 -y 24 -c "$FOLDER" "bash --norc --noprofile"
 
 start tour
 play_tour
