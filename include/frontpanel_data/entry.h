@@ -167,8 +167,10 @@ public:
 
     virtual int isVisible();  // isVisible(false, null)
     // Non-negative when the entry is to be shown, -1 when not. Without a refresh a non-negative answer is
-    // taken from the cache; with one, the entry (for a node, its children) is refreshed first. Only
-    // refreshing calls and hidden results are remembered.
+    // taken from the cache; with one, the entry (for a node, its children) is refreshed first. A node whose
+    // first child is hidden refreshes the following ones in either case, so `pDataAccessInf` should not be
+    // null. Links among these count as visible without being asked. Only refreshing calls and hidden results
+    // are remembered.
     virtual int isVisible(bool if_control_refresh, Data_interface* pDataAccessInf);
 
     // Copies the value to `buffer`; the result of a leaf is told with its class.
@@ -176,14 +178,18 @@ public:
     // Tries a value against the binding's warnings and shows them. 0, or 1 when there were any. Never stores
     // the value: leaves do. At most 4 bytes of an integer and `length` bytes of a text are read.
     virtual int Set_value(const void* buffer, unsigned int length);
+    // The type under which bindings know the value: INTEGER for ranges and enumerations, else STRING.
     virtual RETURN_TYPE bindingReturnType();
+    // Does nothing and returns OK: leaves write their value by an operation that takes the interface.
     virtual int Commit();
     // Applies the binding's access and write suggestions, after evaluating its expressions when
     // `eval_binding` is set. With a null interface the writes are dropped. Returns OK.
     virtual int Refresh(Data_interface* pDataAccessInf, bool eval_binding);
+    // Steps the value by `value`, a text at `position` from its right end; the result is told with the leaf.
     virtual int Inc_value(int value, int position) = 0;
     // Prints name and description of the entry and all below it.
     virtual void Print();
+    // The following are for leaves; the base does nothing and returns 0 or null.
     virtual void Update_value(char** texts, int size);
     virtual int* Get_value_visible_mask() const;
     virtual int Get_min() const;
@@ -193,16 +199,17 @@ public:
     // Classifies an option name by the product options. A name with the letter "n" is a pattern in which "n"
     // stands for a number. The second argument is not used.
     virtual is_static_value_s isOptionStatic(std::string option, bool n_intact);
+    // For leaves; the base keeps no final value and returns 0.
     virtual int Get_final_value();
     virtual void Set_final_value(int value);
+    // Set and clear the highest bit of the visibility. Clearing it shows an entry built as VISIBLE_NONE too.
     virtual void Set_invisible();
     virtual void Set_visible();
 
     // Gives the entry its binding engine, which it owns from then on. Null is accepted and reported. A
     // binding that it had before is the caller's again.
     virtual void Set_binding_object(Binding* binding_object);
-    // Refused with -1 once the entry has a binding: lists are added to the binding before it is handed
-    // over.
+    // Always refused with -1: lists are added to the binding before it is handed over.
     virtual int Add_binding_list(BindingListT list);
     // The parameters that the binding refers to; empty without a binding.
     virtual std::vector<var_index_s> Get_var_index_map_keys(int flags);
@@ -211,8 +218,11 @@ public:
     // While locked, the entry is passed over when the dependants of a commit are refreshed.
     virtual void SetBindRefreshIsLocked(bool locked);
     virtual bool GetBindRefreshIsLocked();
+    // Have the binding print what it holds; 0 and nothing without a binding.
     virtual int Print_binding_errors();
     virtual void Print_suggestions();
+    // What `isVisible` found and remembered; -1 while it is not known. After -1 is set as the visibility, the
+    // next `isVisible` decides anew.
     virtual void Set_has_children(int has_children);
     virtual int Get_has_children() const;
     virtual void Set_entry_visible(int visible);
