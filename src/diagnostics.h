@@ -70,22 +70,21 @@ __attribute__((format(printf, 3, 4))) void write(Prefix prefix, const Place& pla
 
 }  // namespace diagnostics
 
-#define FRONTPANEL_LINE(gate, mask, prefix, function, ...)                         \
-    do {                                                                           \
-        if ((debug & (mask)) != 0 && (gate)) {                                     \
-            ::diagnostics::write((prefix), {(function), __FILE_NAME__, __LINE__},  \
-                                 __VA_ARGS__);                                     \
-        }                                                                          \
+#define FRONTPANEL_LINE(gate, mask, prefix, function, ...)                                      \
+    do {                                                                                        \
+        if ((debug & (mask)) != 0 && (gate)) {                                                  \
+            ::diagnostics::write((prefix), {(function), __FILE_NAME__, __LINE__}, __VA_ARGS__); \
+        }                                                                                       \
     } while (false)
 
 // LEAF_LINE(mask, prefix, function, format, ...): a line of a value model or a leaf.
-#define LEAF_LINE(mask, prefix, function, ...)                                       \
-    FRONTPANEL_LINE(::diagnostics::leaf_gate(), ::diagnostics::mask,                 \
+#define LEAF_LINE(mask, prefix, function, ...)                       \
+    FRONTPANEL_LINE(::diagnostics::leaf_gate(), ::diagnostics::mask, \
                     ::diagnostics::Prefix::prefix, function, __VA_ARGS__)
 
 // ENTRY_LINE(mask, prefix, function, format, ...): a line of the base entry's refresh, set or visibility.
-#define ENTRY_LINE(mask, prefix, function, ...)                                      \
-    FRONTPANEL_LINE(::diagnostics::entry_gate(), ::diagnostics::mask,                \
+#define ENTRY_LINE(mask, prefix, function, ...)                       \
+    FRONTPANEL_LINE(::diagnostics::entry_gate(), ::diagnostics::mask, \
                     ::diagnostics::Prefix::prefix, function, __VA_ARGS__)
 
 // SYSTEM_LOG(first, second, format, ...): a system-log line at error level behind "[first][second][line] ",

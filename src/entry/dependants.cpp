@@ -3,13 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "../diagnostics.h"
-
 namespace dependants {
 namespace {
-
-// The operation that callers asked for when a commit refreshes dependants.
-constexpr char OPERATION[] = "Commit";
 
 // A stray trace around each refresh that log readers have come to expect, whatever `debug` holds.
 constexpr char TRACE[] = "@@@@@@@@@@@@@@@@@@@@@ here 14";
@@ -27,12 +22,12 @@ private:
     Data_entry& m_entry;
 };
 
-#define COMMIT_LINE(lines, ...)                                                     \
-    do {                                                                            \
-        if ((debug & (lines).mask) != 0 && ::diagnostics::leaf_gate()) {            \
-            ::diagnostics::write(::diagnostics::Prefix::FUNCTION_FIRST,             \
-                                 {OPERATION, (lines).file, __LINE__}, __VA_ARGS__); \
-        }                                                                           \
+#define COMMIT_LINE(lines, ...)                                                        \
+    do {                                                                               \
+        if ((debug & (lines).mask) != 0 && ::diagnostics::leaf_gate()) {               \
+            ::diagnostics::write(::diagnostics::Prefix::FUNCTION_FIRST, (lines).place, \
+                                 __VA_ARGS__);                                         \
+        }                                                                              \
     } while (false)
 
 bool is_listed(const var_index_map_t& map, const var_index_s& key, const Data_entry* entry) {

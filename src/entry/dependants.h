@@ -6,14 +6,16 @@
 
 #include <frontpanel_data/binding.h>
 
+#include "../diagnostics.h"
+
 namespace dependants {
 
 // Where the classes differ on purpose.
 struct Commit_lines {
-    const char* file;             // the committing class's source file, as its lines name it
-    uint32_t mask;                // category of the lines, leaf gate
-    bool reports_missing_binding; // says when there is no binding (ranges do)
-    bool announces_walk;          // says that it looks for dependants (ranges and texts do)
+    diagnostics::Place place;      // the commit, as its lines name it
+    uint32_t mask;                 // category of the lines, leaf gate
+    bool reports_missing_binding;  // says when there is no binding (ranges do)
+    bool announces_walk;           // says that it looks for dependants (ranges and texts do)
 };
 
 // Refreshes, through the dispatcher, every dependant of the parameter that `binding` controls whose bind

@@ -385,6 +385,6 @@ int Enum_entry::Commit(Data_interface* pDataAccessInf) {
     const bool posts = is_live_data() && m_LiveDataProcessor != nullptr;
     const int result = posts ? commit_live_data() : m_model.Commit(pDataAccessInf);
     dependants::refresh(*this, binding, pDataAccessInf,
-                        {"enum_entry.cpp", diagnostics::GENERAL, false, false});
+                        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::GENERAL, false, false});
     return result;
 }

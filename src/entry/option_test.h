@@ -7,12 +7,12 @@
 namespace option_test {
 
 enum class Verdict {
-    VALUE_ZERO,      // the product has none of it: does not count
-    UNDECIDED,       // not among the product options: does not count
-    STATIC_HOLDS,    // a static option of the product
-    DYNAMIC_HOLDS,   // an instance that the product has
-    DYNAMIC_FAILS,   // an instance beyond what the product has
-    UNKNOWN          // anything else: does not count
+    VALUE_ZERO,     // the product has none of it: does not count
+    UNDECIDED,      // not among the product options: does not count
+    STATIC_HOLDS,   // a static option of the product
+    DYNAMIC_HOLDS,  // an instance that the product has
+    DYNAMIC_FAILS,  // an instance beyond what the product has
+    UNKNOWN         // anything else: does not count
 };
 
 inline Verdict judge(const is_static_value_s& option) {

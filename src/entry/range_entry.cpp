@@ -230,7 +230,7 @@ int Range_entry::Commit(Data_interface* pDataAccessInf) {
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "Commit", "Calling m_model commit...\n");
     const int result = m_model.Commit(pDataAccessInf);
     dependants::refresh(*this, binding, pDataAccessInf,
-                        {"range_entry.cpp", diagnostics::GENERAL, true, true});
+                        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::GENERAL, true, true});
     return result;
 }
 

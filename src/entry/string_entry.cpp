@@ -90,6 +90,6 @@ int String_entry::Commit(Data_interface* pDataAccessInf) {
     LEAF_LINE(COMMIT, FUNCTION_FIRST, "Commit", "Calling m_model commit...\n");
     const int result = m_model.Commit(pDataAccessInf);
     dependants::refresh(*this, binding, pDataAccessInf,
-                        {__FILE_NAME__, diagnostics::BINDING, false, true});
+                        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::BINDING, false, true});
     return result;
 }

@@ -180,19 +180,26 @@ private:
 
     void copy_suggestion(int mask, void* out) const {
         switch (mask) {
-            case SUGGESTION_VISIBILITY: *static_cast<int*>(out) = m_visibility; return;
+            case SUGGESTION_VISIBILITY:
+                *static_cast<int*>(out) = m_visibility;
+                return;
             case SUGGESTION_RANGE:
                 *static_cast<std::vector<std::vector<int>>*>(out) = m_ranges;
                 return;
             case SUGGESTION_KEYS:
                 *static_cast<std::vector<std::vector<int>>*>(out) = m_keys;
                 return;
-            case SUGGESTION_SET: *static_cast<std::vector<GetSetS>*>(out) = m_sets; return;
+            case SUGGESTION_SET:
+                *static_cast<std::vector<GetSetS>*>(out) = m_sets;
+                return;
             case SUGGESTION_WARNING:
                 *static_cast<std::vector<std::string>*>(out) = m_warnings;
                 return;
-            case SUGGESTION_ACCESS: *static_cast<Data_entry::Data_access*>(out) = m_access; return;
-            default: ADD_FAILURE() << "no suggestion of kind " << mask;
+            case SUGGESTION_ACCESS:
+                *static_cast<Data_entry::Data_access*>(out) = m_access;
+                return;
+            default:
+                ADD_FAILURE() << "no suggestion of kind " << mask;
         }
     }
 

@@ -18,14 +18,7 @@
 
 namespace support {
 
-enum class Operation {
-    GET,
-    SET,
-    GET_PROD_LIST,
-    SET_PRODUCT_ID,
-    GET_PROD_ALIAS_NAME,
-    SET_SOCKET
-};
+enum class Operation { GET, SET, GET_PROD_LIST, SET_PRODUCT_ID, GET_PROD_ALIAS_NAME, SET_SOCKET };
 
 struct Fault {
     int result = -1;      // 0 for a call that claims success
