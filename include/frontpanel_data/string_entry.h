@@ -54,6 +54,9 @@ public:
     // or not. Returns the write's result: 0, or 1.
     virtual int Commit(Data_interface* pDataAccessInf);
 
+    // The most characters that the text can have.
+    unsigned int Get_max_length() const { return m_model.Get_max_length(); }
+
 protected:
     // The marquee of all texts that do not fit: a step in `length` characters, terminated at buffer[length].
     int show_marquee(char* buffer, unsigned int length);

@@ -7,7 +7,8 @@
 #include <frontpanel_editors/value_editor.h>
 
 // `Kind` is one of the library's abstract editors, `Entry` the class of entry that it edits. A concrete
-// editor supplies `start` and what a key does; an entry of another class leaves the editor closed.
+// editor supplies `start` and what a key does; an entry of another class leaves the editor closed. An entry
+// that is read-only opens for viewing: no key changes it, and SELECT leaves as ESCAPE does.
 template <typename Kind, typename Entry>
 class Editor_base : public Kind, public Value_editor {
 public:
@@ -32,6 +33,9 @@ public:
         if (m_entry == nullptr || key == Editor_key::ESCAPE) {
             return Editor_result::DISCARDED;
         }
+        if (!is_editable()) {
+            return view_ends_with(key) ? Editor_result::DISCARDED : Editor_result::OPEN;
+        }
         if (key == Editor_key::SELECT) {
             return accept() ? Editor_result::ACCEPTED : Editor_result::REFUSED;
         }
@@ -41,8 +45,12 @@ public:
     Editor_view view(int columns) final {
         Editor_view shown;
         if (m_entry != nullptr) {
-            shown.edit_led = true;
             draw(columns, shown);
+            shown.edit_led = is_editable();
+        }
+        if (!shown.edit_led) {
+            shown.cursor = Editor_view::NO_CURSOR;
+            shown.step.clear();
         }
         return shown;
     }
@@ -55,6 +63,10 @@ protected:
     // Stores the proposed value in the entry; false when the entry refuses it.
     virtual bool accept() = 0;
     virtual void draw(int columns, Editor_view& shown) = 0;
+    // Whether keys change the value, or the open entry is only viewed.
+    virtual bool is_editable() const { return m_entry->Get_access_type() != Data_entry::READ_ONLY; }
+    // Which keys beside ESCAPE leave an entry that is only viewed.
+    virtual bool view_ends_with(Editor_key key) const { return key == Editor_key::SELECT; }
 
     Entry& edited() const { return *m_entry; }
 
