@@ -1,0 +1,30 @@
+#include <frontpanel_editors/warning_editor.h>
+
+#include <array>
+
+Warning_editor::Warning_editor() = default;
+Warning_editor::~Warning_editor() = default;
+
+void Warning_editor::start() {
+    std::array<char, MAX_STRING_LENGTH + 1> text = {};
+    edited().Get_value(text.data(), text.size());
+    m_text.set(text.data());
+}
+
+void Warning_editor::step(Editor_key /*key*/) {}
+
+bool Warning_editor::accept() {
+    return false;
+}
+
+bool Warning_editor::is_editable() const {
+    return false;
+}
+
+bool Warning_editor::view_ends_with(Editor_key /*key*/) const {
+    return true;
+}
+
+void Warning_editor::draw(int columns, Editor_view& shown) {
+    shown.text = m_text.show(columns);
+}

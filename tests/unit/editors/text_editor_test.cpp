@@ -1,0 +1,181 @@
+#include <frontpanel_editors/text_editor.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "editor_fixture.h"
+#include "support/fake_binding.h"
+
+namespace {
+
+using namespace editor_fixture;
+
+struct Text : Text_leaf<String_entry> {
+    explicit Text(const std::string& text, unsigned int max_length = 8,
+                  Data_access access = READ_WRITE)
+        : Text_leaf(200, access, max_length) {
+        put(text);
+    }
+};
+
+struct Case {
+    const char* start;
+    unsigned int max_length;
+    const char* keys;
+    const char* proposed;
+    int position;
+};
+
+void PrintTo(const Case& of, std::ostream* out) {
+    *out << '"' << of.start << "\" (" << of.max_length << ") " << of.keys;
+}
+
+class TextEditing : public testing::TestWithParam<Case> {};
+
+TEST_P(TextEditing, GivesTheText) {
+    Text entry(GetParam().start, GetParam().max_length);
+    Text_editor editor;
+    editor.Prepare(&entry);
+    press_keys(editor, GetParam().keys);
+    EXPECT_EQ(editor.proposed_text(), GetParam().proposed);
+    EXPECT_EQ(editor.position(), GetParam().position);
+    EXPECT_EQ(entry.text(), GetParam().start);
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::ACCEPTED);
+    EXPECT_EQ(entry.text(), GetParam().proposed);
+}
+
+INSTANTIATE_TEST_SUITE_P(Steps, TextEditing,
+                         testing::Values(Case{"AB", 8, "", "AB", 0}, Case{"AB", 8, "U", "AC", 0},
+                                         Case{"AB", 8, "D", "AA", 0}, Case{"AB", 8, "<U", "BB", 1},
+                                         Case{"AB", 8, "<U>U", "BC", 0},
+                                         // the printable range ends at both ends, without wrapping
+                                         Case{"~", 8, "U", "\x7f", 0},
+                                         Case{"~", 8, "5U", "\x7f", 0}, Case{"!", 8, "D", " ", 0},
+                                         Case{"!", 8, "5D", " ", 0},
+                                         Case{"\xe4", 8, "U", "\xe4", 0}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Widening, TextEditing,
+    testing::Values(
+        // the first step beyond the text widens it, the next one changes the new character
+        Case{"AB", 8, ">U33U", "ABA", 0}, Case{"AB", 8, "2<U33U", "AAB", 2},
+        Case{"", 8, "U33U", "A", 0}, Case{"", 1, "U33U", "A", 0},
+        Case{"AB", 8, ">U>U34U", "AB B", 0},
+        // the cursor stays within one place beyond the text and within the longest text
+        Case{"AB", 8, "9>", "AB", -1}, Case{"AB", 8, "9<", "AB", 2}, Case{"", 8, "9<", "", -1},
+        Case{"AB", 2, "9>", "AB", 0}, Case{"AB", 2, "9<", "AB", 1},
+        // the longest text is reached on the right side only
+        Case{"ABC", 4, "9<", "ABC", 2}, Case{"ABC", 4, ">U33U", "ABCA", 0},
+        Case{"AB", 4, "2<U33U", "AAB", 2}, Case{"", 0, "9>9<UD", "", -1}));
+
+INSTANTIATE_TEST_SUITE_P(Blanks, TextEditing,
+                         testing::Values(
+                             // only widening put them there: dropped
+                             Case{"AB", 8, ">U>U", "AB", 0}, Case{"AB", 8, "2<U", "AB", 2},
+                             Case{"AB", 8, ">U4<U", "AB", 3}, Case{"", 8, "U>U", "", 0},
+                             // the user made them, or they were there: kept
+                             Case{"AB", 8, ">UUD", "AB ", 0}, Case{"AB", 8, "D33D", "A ", 0},
+                             Case{" AB ", 8, "", " AB ", 0}, Case{" AB ", 8, ">U", " AB ", 0}));
+
+TEST(TextEditor, StartsClosed) {
+    Text_editor editor;
+    EXPECT_EQ(editor.press(Editor_key::UP), Editor_result::DISCARDED);
+    EXPECT_EQ(editor.view(20).text, "");
+    EXPECT_EQ(editor.proposed_text(), "");
+}
+
+TEST(TextEditor, EscapeLeavesTheTextAsItWas) {
+    Text entry("AB");
+    Text_editor editor;
+    editor.Prepare(&entry);
+    press_keys(editor, "3U>U");
+    EXPECT_EQ(editor.press(Editor_key::ESCAPE), Editor_result::DISCARDED);
+    EXPECT_EQ(entry.text(), "AB");
+}
+
+TEST(TextEditor, EveryOpeningStartsAtTheLastCharacterOfTheStoredText) {
+    Text entry("AB");
+    Text_editor editor;
+    editor.Prepare(&entry);
+    press_keys(editor, "<3U");
+    editor.Prepare(&entry);
+    EXPECT_EQ(editor.position(), 0);
+    EXPECT_EQ(editor.proposed_text(), "AB");
+}
+
+TEST(TextEditor, TheCursorStandsUnderTheCharacterThatChanges) {
+    Text entry("AB");
+    Text_editor editor;
+    editor.Prepare(&entry);
+    EXPECT_EQ(editor.view(20).cursor, 1);
+    press_keys(editor, ">");
+    EXPECT_EQ(editor.view(20).text, "AB ");
+    EXPECT_EQ(editor.view(20).cursor, 2);
+    press_keys(editor, "3<");
+    EXPECT_EQ(editor.view(20).text, " AB");
+    EXPECT_EQ(editor.view(20).cursor, 0);
+    EXPECT_TRUE(editor.view(20).edit_led);
+}
+
+TEST(TextEditor, ALongTextShowsThePartAroundTheCursor) {
+    Text entry("ABCDEFGHIJ", 16);
+    Text_editor editor;
+    editor.Prepare(&entry);
+    EXPECT_EQ(frames(editor, 4, 2), (std::vector<std::string>{"GHIJ", "GHIJ"}));
+    EXPECT_EQ(editor.view(4).cursor, 3);
+    press_keys(editor, "5<");
+    EXPECT_EQ(editor.view(4).text, "BCDE");
+    press_keys(editor, "4<");
+    EXPECT_EQ(editor.view(4).text, "ABCD");
+    EXPECT_EQ(editor.view(4).cursor, 0);
+}
+
+TEST(TextEditor, ATextOfTheLargestLengthIsEditedWhole) {
+    Text entry(std::string(256, 'A'), 256);
+    Text_editor editor;
+    editor.Prepare(&entry);
+    press_keys(editor, "255<U");
+    EXPECT_EQ(editor.proposed_text(), "B" + std::string(255, 'A'));
+}
+
+TEST(TextEditor, AReadOnlyTextIsViewedAndScrolls) {
+    Text entry("ABCDEF", 8, Data_entry::READ_ONLY);
+    Text_editor editor;
+    editor.Prepare(&entry);
+    press_keys(editor, "UD<>");
+    EXPECT_EQ(editor.proposed_text(), "ABCDEF");
+    EXPECT_EQ(frames(editor, 4, 5),
+              (std::vector<std::string>{"ABCD", "ABCD", "ABCD", "BCDE", "CDEF"}));
+    EXPECT_EQ(editor.view(4).cursor, Editor_view::NO_CURSOR);
+    EXPECT_FALSE(editor.view(4).edit_led);
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::DISCARDED);
+}
+
+TEST(TextEditor, ATextThatABindingWarnsOfIsRefusedAndStaysOpen) {
+    Text entry("AB");
+    auto binding = std::make_unique<support::Fake_binding>();
+    binding->offer(SUGGESTION_WARNING);
+    binding->on_evaluate = [](support::Fake_binding& engine, int) {
+        engine.suggest_warnings({"busy"});
+    };
+    entry.Set_binding_object(binding.release());
+    Text_editor editor;
+    editor.Prepare(&entry);
+    press_keys(editor, "U");
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::REFUSED);
+    EXPECT_EQ(entry.text(), "AB");
+    EXPECT_EQ(editor.proposed_text(), "AC");
+}
+
+TEST(TextEditor, IsDrivenThroughTheDispatcher) {
+    Text entry("AB");
+    Text_editor editor;
+    operate(entry, editor, Data_entry::OPERATION_SET_ESCAPE_ENTRY, &entry);
+    operate(entry, editor, Data_entry::OPERATION_PREPARE);
+    EXPECT_EQ(editor.entry(), &entry);
+    EXPECT_EQ(editor.escape_entry(), &entry);
+    operate(entry, editor, Data_entry::OPERATION_EXIT_LEDS);
+    EXPECT_EQ(editor.entry(), nullptr);
+}
+
+}  // namespace
