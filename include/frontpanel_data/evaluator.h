@@ -104,15 +104,15 @@ union evalKernel_vs_type {
     int count;
 };
 
-// The parser's control block. What describes the place of an error is up to date when `evalKernel` returns
-// and whenever the parser raises an error. `pointer` and `la_ptr` point into the caller's text, which need not
+// The parser's control block, up to date when `evalKernel` returns; `line`, `column` and `la_ptr` are so
+// whenever the parser raises an error, too. `pointer` and `la_ptr` point into the caller's text, which need not
 // outlive the evaluation. The fields marked "not used" stay 0 and hold the layout.
 struct evalKernel_pcb_type {
     evalKernel_token_type token_number;     // the token at which the parser stopped
     evalKernel_token_type reduction_token;  // the symbol whose value was being computed last
     evalKernel_token_type
         error_frame_token;        // after a syntax error: the construct that was left open
-    int input_code;               // the character at which the parser stopped
+    int input_code;               // the character at which the parser stopped, 0 to 255
     int input_value;              // the same
     int line;                     // of the first character not consumed, from 1
     int column;                   // likewise
@@ -160,9 +160,10 @@ extern FRONTPANEL_DATA_EXPORT evalKernel_pcb_type evalKernel_pcb;
 // The text of each symbol in error messages, by its code; empty for a code without one.
 extern FRONTPANEL_DATA_EXPORT const char* const evalKernel_token_names[101];
 
-// Evaluates a zero-terminated text, which is not changed; null is a programming error (asserted). Returns 0 on success. Returns 1 on an error, which `errorRecord` describes; assignments that
-// were complete before it keep their effect. The exception is a text that nests too deeply (more than 128
-// parser states): it is reported on standard error, `exit_flag` tells it, and `errorRecord` is untouched.
+// Evaluates a zero-terminated text, which is not changed; null is a programming error (asserted). Returns 0
+// on success. Returns 1 on an error, which `errorRecord` describes; assignments that were complete before it
+// keep their effect. The exception is a text that nests too deeply (more than 128 parser states): it is
+// reported on standard error, `exit_flag` tells it, and `errorRecord` is untouched.
 FRONTPANEL_DATA_EXPORT int evaluateExpression(char* expressionString);
 
 // Makes the control block ready to parse the text that its `pointer` names.

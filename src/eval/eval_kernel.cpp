@@ -266,46 +266,46 @@ bool Kernel::reduce_to(Level level) {
     return true;
 }
 
+// One flat switch, long as it is: a second dispatch would show in the time of every evaluation.
 bool Kernel::reduce(State state) {
     const evalKernel_vs_type cell = m_pcb.vs[m_top--];
-    const double left = cell.real;
     const double right = m_value;
     switch (state) {
         case OR:
-            m_value = truth(left != 0.0 || right != 0.0);
+            m_value = truth(cell.real != 0.0 || right != 0.0);
             return true;
         case AND:
-            m_value = truth(left != 0.0 && right != 0.0);
+            m_value = truth(cell.real != 0.0 && right != 0.0);
             return true;
         case EQUAL:
-            m_value = truth(left == right);
+            m_value = truth(cell.real == right);
             return true;
         case NOT_EQUAL:
-            m_value = truth(left != right);
+            m_value = truth(cell.real != right);
             return true;
         case LESS:
-            m_value = truth(left < right);
+            m_value = truth(cell.real < right);
             return true;
         case LESS_OR_EQUAL:
-            m_value = truth(left <= right);
+            m_value = truth(cell.real <= right);
             return true;
         case GREATER:
-            m_value = truth(left > right);
+            m_value = truth(cell.real > right);
             return true;
         case GREATER_OR_EQUAL:
-            m_value = truth(left >= right);
+            m_value = truth(cell.real >= right);
             return true;
         case ADD:
-            m_value = left + right;
+            m_value = cell.real + right;
             return true;
         case SUBTRACT:
-            m_value = left - right;
+            m_value = cell.real - right;
             return true;
         case MULTIPLY:
-            m_value = left * right;
+            m_value = cell.real * right;
             return true;
         case DIVIDE:
-            m_value = divide(left, right);
+            m_value = divide(cell.real, right);
             return running();
         case NEGATE:
             m_value = -right;
@@ -313,7 +313,7 @@ bool Kernel::reduce(State state) {
         case KEEP:
             return true;
         case POWER:
-            m_value = std::pow(left, right);
+            m_value = std::pow(cell.real, right);
             return true;
         case ALTERNATIVE:
             choose();
@@ -408,9 +408,6 @@ Next Kernel::unexpected(Kernel kernel) {
 Next Kernel::fail(const Kernel& kernel, const char* kind, const char* what) {
     evalKernel_pcb_type& pcb = kernel.m_pcb;
     kernel.publish(pcb.reduction_token);
-    pcb.token_number = kernel.m_token;
-    pcb.input_code = kernel.current();
-    pcb.input_value = kernel.current();
     pcb.error_frame_token = STATE_RULES[kernel.top()].symbol;
     pcb.error_frame_ssx = kernel.m_top;
     pcb.exit_flag = evalKernel_syntax_error;
@@ -419,9 +416,20 @@ Next Kernel::fail(const Kernel& kernel, const char* kind, const char* what) {
     return Next::STOP;
 }
 
+// Every way to stop has published its place before.
+void record_stop(evalKernel_pcb_type& pcb) {
+    pcb.token_number = token_at(pcb.la_ptr);
+    pcb.input_code = *pcb.la_ptr;
+    pcb.input_value = *pcb.la_ptr;
+}
+
 }  // namespace
 
 void init_evalKernel() {
+    evalKernel_pcb.token_number = NO_TOKEN;
+    evalKernel_pcb.reduction_token = NO_TOKEN;
+    evalKernel_pcb.error_frame_token = NO_TOKEN;
+    evalKernel_pcb.error_frame_ssx = 0;
     evalKernel_pcb.exit_flag = evalKernel_running;
     evalKernel_pcb.line = 1;
     evalKernel_pcb.column = 1;
@@ -434,4 +442,5 @@ void evalKernel() {
     FRONTPANEL_ASSERT(evalKernel_pcb.pointer != nullptr, "pointer");
     init_evalKernel();
     Kernel(evalKernel_pcb).run();
+    record_stop(evalKernel_pcb);
 }

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "support/capture.h"
 #include "unit/eval/evaluation.h"
 
 namespace {
@@ -352,6 +354,34 @@ TEST(Evaluator_errors, TheControlBlockTellsWhereASyntaxErrorIs) {
     EXPECT_EQ(evalKernel_pcb.ssx, 2);
     EXPECT_EQ(evalKernel_pcb.error_frame_token, evalKernel_primary_token);
     EXPECT_EQ(evalKernel_pcb.error_frame_ssx, 2);
+}
+
+TEST(Evaluator_errors, TheControlBlockTellsWhereAnyEvaluationStopped) {
+    const auto stop_of = [](const std::string& source) {
+        support::capture(0, [&] { evaluation::evaluate(source); });
+        EXPECT_EQ(evalKernel_pcb.input_value, evalKernel_pcb.input_code) << source;
+        return std::make_pair(evalKernel_pcb.token_number, evalKernel_pcb.input_code);
+    };
+    EXPECT_EQ(stop_of("x = \xE4"), std::make_pair(evalKernel_token_type(), 0xE4));
+    EXPECT_EQ(stop_of("x = 1"), std::make_pair(evalKernel_eof_token, 0));
+    EXPECT_EQ(stop_of("x = 1/0 <= 2"), std::make_pair(evalKernel_less_or_equal_token, int{'<'}));
+    EXPECT_EQ(stop_of("x = .)"), std::make_pair(evalKernel_right_parenthesis_token, int{')'}));
+    EXPECT_EQ(stop_of(std::string(1000, 'n') + "n7"),
+              std::make_pair(evalKernel_digit_token, int{'7'}));
+    EXPECT_EQ(stop_of(std::string(126, '(') + "x(1"),
+              std::make_pair(evalKernel_left_parenthesis_token, int{'('}));
+}
+
+TEST(Evaluator_errors, NothingIsLeftOfAnEarlierSyntaxError) {
+    ASSERT_EQ(outcome_of("x = ((1 $"), "1:9 Unexpected '$'");
+    ASSERT_EQ(evalKernel_pcb.error_frame_ssx, 3);
+    EXPECT_EQ(outcome_of("x = 1/0"), "1:8 Divide by Zero");
+    EXPECT_EQ(evalKernel_pcb.error_frame_token, evalKernel_token_type());
+    EXPECT_EQ(evalKernel_pcb.error_frame_ssx, 0);
+    EXPECT_EQ(outcome_of("(1)"), "ok");
+    EXPECT_EQ(evalKernel_pcb.reduction_token, evalKernel_input_string_token);
+    EXPECT_EQ(outcome_of("#"), "1:1 Unexpected '#'");
+    EXPECT_EQ(evalKernel_pcb.reduction_token, evalKernel_token_type());
 }
 
 TEST(Evaluator_errors, ASemanticErrorLeavesNoSyntaxMessage) {
