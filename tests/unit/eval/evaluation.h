@@ -5,6 +5,7 @@
 #include <frontpanel_data/evaluator.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -13,6 +14,13 @@ namespace evaluation {
 
 inline int evaluate(std::string source) {
     return evaluateExpression(source.data());
+}
+
+// Empties the table, which otherwise only grows: what follows does not depend on what came before.
+inline void forget_variables() {
+    for (int i = 0; i < nVariables; ++i)
+        std::free(variable[i].name);
+    nVariables = 0;
 }
 
 // The value of a variable; nothing if it was never created.

@@ -174,7 +174,10 @@ TEST(Evaluator_language, ExponentsSaturate) {
         {"r=1e99999999999999999999999999", INF},
         {"r=1e-99999999999999999999999999", 0},
         {"r=1e00000000000000000000000000002", 100},
+        {"r=0e308", 0},
     });
+    EXPECT_EQ(outcome_of("r = 0e309"), "ok");
+    EXPECT_TRUE(std::isnan(value_of("r").value()));
 }
 
 TEST(Evaluator_language, NamesHoldLettersDigitsAndUnderscores) {
@@ -228,9 +231,10 @@ TEST(Evaluator_language, ACompoundAssignmentReadsItsVariableBehindItsRightSide) 
 }
 
 TEST(Evaluator_language, AnUnknownVariableIsZeroAndIsCreated) {
-    EXPECT_FALSE(value_of("never_seen").has_value());
+    evaluation::forget_variables();
     expect_values({{"r = never_seen", 0}, {"r = never_seen_2 += 3", 3}});
     EXPECT_EQ(value_of("never_seen"), 0.0);
+    EXPECT_EQ(value_of("never_seen_2"), 3.0);
     expect_values({{"never_seen_3 /= 2; r = never_seen_3", 0}});
 }
 

@@ -15,6 +15,7 @@
 namespace {
 
 using evaluation::bits_of;
+using evaluation::forget_variables;
 using evaluation::outcome_of;
 using evaluation::value_of;
 
@@ -461,12 +462,14 @@ TEST(Evaluator_random, AnyBytesEndInAnErrorOrASuccess) {
         for (int k = 0, count = random.below(40); k < count; ++k) {
             text += BYTES[static_cast<std::size_t>(random.below(static_cast<int>(BYTES.size())))];
         }
+        forget_variables();
         const int result = evaluateExpression(text.data());
         ASSERT_EQ(result, evalKernel_pcb.exit_flag == evalKernel_success ? 0 : 1) << text;
         ASSERT_NE(evalKernel_pcb.exit_flag, evalKernel_running) << text;
         ASSERT_LE(evalKernel_pcb.la_ptr - evalKernel_pcb.pointer,
                   static_cast<std::ptrdiff_t>(std::strlen(text.c_str())));
     }
+    forget_variables();
 }
 
 }  // namespace
