@@ -1,8 +1,10 @@
 // The evaluator's operations and tables as a caller sees them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <type_traits>
 
@@ -190,6 +192,24 @@ TEST_F(Evaluator_operations, SymbolsHaveTheirCodesAndNames) {
     EXPECT_STREQ(evalKernel_token_names[evalKernel_newline_token], "'\\n'");
     for (const char* name : evalKernel_token_names)
         EXPECT_NE(name, nullptr);
+}
+
+TEST_F(Evaluator_operations, OperatorsAreNamedInQuotesAsTheyAreWritten) {
+    const char* const operators[] = {"'='",    "\"+=\"", "\"-=\"", "\"*=\"", "\"/=\"", "'?'",
+                                     "':'",    "\"||\"", "\"&&\"", "\"==\"", "\"!=\"", "'<'",
+                                     "\"<=\"", "'>'",    "\">=\"", "'+'",    "'-'",    "'*'",
+                                     "'/'",    "\"**\"", "'!'",    "'('",    "')'",    "','",
+                                     "';'",    "'.'",    "\"/*\"", "\"*/\"", "\"//\"", "'\\n'"};
+    for (const std::string name : operators) {
+        EXPECT_EQ(
+            std::count(std::begin(evalKernel_token_names), std::end(evalKernel_token_names), name),
+            1)
+            << name;
+    }
+    // The other texts are those of the 25 symbols and the empty ones.
+    EXPECT_EQ(std::count(std::begin(evalKernel_token_names), std::end(evalKernel_token_names),
+                         std::string()),
+              101 - 25 - 30);
 }
 
 TEST_F(Evaluator_operations, TheStacksAndTablesHaveTheirSizes) {
