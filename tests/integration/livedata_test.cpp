@@ -21,6 +21,7 @@
 #include <rapidjson/document.h>
 
 #include "support/capture.h"
+#include "support/live_data.h"
 
 namespace {
 
@@ -39,8 +40,6 @@ constexpr int CURL_PARTIAL_FILE = 18 * 256;
 constexpr int CURL_TIMED_OUT = 28 * 256;
 constexpr int GUNZIP_FAILED = 1 * 256;
 
-const char* const ANSWER_FILE = "/dev/NULL";
-
 bool exists(const std::string& path) {
     return access(path.c_str(), F_OK) == 0;
 }
@@ -51,48 +50,6 @@ std::string content_of(const std::string& path) {
     text << file.rdbuf();
     return text.str();
 }
-
-std::set<std::string> names_in(const std::string& folder) {
-    std::set<std::string> names;
-    DIR* const stream = opendir(folder.c_str());
-    while (const dirent* const entry = readdir(stream)) {
-        names.insert(entry->d_name);
-    }
-    closedir(stream);
-    return names;
-}
-
-// A working folder of the test's own, the tools' time limit in it.
-class Work_folder {
-public:
-    Work_folder() {
-        std::string name = ::testing::TempDir() + "livedata-XXXXXX";
-        m_path = mkdtemp(name.data());
-        std::ofstream(m_path + "/.curlrc") << "max-time = 1\nnoproxy = *\n";
-        setenv("CURL_HOME", m_path.c_str(), 1);
-        m_before = getcwd(nullptr, 0);
-        if (chdir(m_path.c_str()) != 0) {
-            ADD_FAILURE() << "cannot enter " << m_path;
-        }
-    }
-    ~Work_folder() {
-        EXPECT_EQ(chdir(m_before), 0);
-        std::free(m_before);
-        for (const std::string& name : names_in(m_path)) {
-            unlink((m_path + "/" + name).c_str());
-        }
-        rmdir(m_path.c_str());
-        unsetenv("CURL_HOME");
-    }
-    Work_folder(const Work_folder&) = delete;
-    Work_folder& operator=(const Work_folder&) = delete;
-
-    const std::string& path() const { return m_path; }
-
-private:
-    std::string m_path;
-    char* m_before;
-};
 
 // Tests run side by side, and the temporary files carry the variable's id.
 int variable_of_this_process() {
@@ -158,34 +115,21 @@ protected:
     const int m_varid = variable_of_this_process();
     const std::string m_document = "/tmp/" + std::to_string(m_varid) + "-json";
     const std::string m_post = "/tmp/" + std::to_string(m_varid) + "-post";
-    Work_folder m_folder;
+    support::Work_folder m_folder;
     Card_service m_service;
     Live_Data_Processor m_processor{1, nullptr, SLOT};
 };
 
-// Posts leave the card's answer in a file of /dev, which a build machine should not keep.
 class Live_data_post : public Live_data {
 protected:
     void SetUp() override {
-        // One test at a time, also among those of other processes.
-        m_dev = open("/dev", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        ASSERT_EQ(flock(m_dev, LOCK_EX), 0);
-        struct stat status;
-        m_had_answer_file = stat(ANSWER_FILE, &status) == 0;
-        if (access("/dev", W_OK) != 0) {
+        if (!m_permit.granted()) {
             GTEST_SKIP() << "/dev is not writable, so the device's post command cannot run here";
         }
     }
-    void TearDown() override {
-        if (!m_had_answer_file) {
-            unlink(ANSWER_FILE);
-        }
-        close(m_dev);
-    }
 
 private:
-    int m_dev = -1;
-    bool m_had_answer_file = true;
+    support::Post_permit m_permit;
 };
 
 // Fetching
@@ -347,7 +291,7 @@ TEST_F(Live_data_post, LeavesTheCardsAnswerInAFile) {
     add_three_options(0);
     write_commit("1");
     EXPECT_EQ(post(), 0);
-    EXPECT_TRUE(exists(ANSWER_FILE));
+    EXPECT_TRUE(exists(support::ANSWER_FILE));
 }
 
 TEST_F(Live_data_post, WhatTheCardRefusesIsNoFailureOfThePost) {
@@ -430,7 +374,8 @@ TEST_F(Live_data, AnyTextBecomesTheValueAndNoneIsExecuted) {
     for (const char* text : HOSTILE_TEXTS) {
         EXPECT_EQ(write_commit(text), 0) << text;
         EXPECT_EQ(value_in(content_of(m_post)), text);
-        EXPECT_EQ(names_in(m_folder.path()), (std::set<std::string>{".", "..", ".curlrc"})) << text;
+        EXPECT_EQ(support::names_in(m_folder.path()), (std::set<std::string>{".", "..", ".curlrc"}))
+            << text;
     }
 }
 
@@ -470,7 +415,7 @@ TEST_F(Live_data, AHostileAddressRunsNothing) {
                                 "1.2.3.4>hacked", "127.0.0.1\n>h", "x|tee hacked"}) {
         use_address(address);
         EXPECT_EQ(fetch(COMBO_BOX).ret, -1) << address;
-        EXPECT_EQ(names_in(m_folder.path()), (std::set<std::string>{".", "..", ".curlrc"}))
+        EXPECT_EQ(support::names_in(m_folder.path()), (std::set<std::string>{".", "..", ".curlrc"}))
             << address;
     }
     EXPECT_THAT(m_service.requests(), IsEmpty());
@@ -478,7 +423,7 @@ TEST_F(Live_data, AHostileAddressRunsNothing) {
 
 TEST_F(Live_data, AHostileFileNameRunsNothing) {
     std::ofstream("precious") << "kept";
-    const auto before = names_in(m_folder.path());
+    const auto before = support::names_in(m_folder.path());
     for (const char* name : {"x;rm precious", "$(rm precious)", "precious *", "p*", "-f precious",
                              "x\nrm precious", "x>hacked", "`rm precious`", "prec?ous"}) {
         std::string path = name;
@@ -487,7 +432,7 @@ TEST_F(Live_data, AHostileFileNameRunsNothing) {
             EXPECT_EQ(m_processor.createLDCommitFile(1, path.data(), value.data()), -1) << name;
             EXPECT_EQ(m_processor.Commit(1, 's', path.data()), -1) << name;
         });
-        EXPECT_EQ(names_in(m_folder.path()), before) << name;
+        EXPECT_EQ(support::names_in(m_folder.path()), before) << name;
     }
 }
 
@@ -512,7 +457,7 @@ TEST(Card_service, TakesThePortThatItIsGivenUnlessItIsTaken) {
 }
 
 TEST(Card_service, AnswersOnlyTheExactRequests) {
-    const Work_folder folder;
+    const support::Work_folder folder;
     Card_service service;
     service.add_combo_box(1, 9000, {{"0", "Off"}}, 0);
     const std::string base = "curl -s -f -o answer \"http://" + service.address();
@@ -532,7 +477,7 @@ TEST(Card_service, AnswersOnlyTheExactRequests) {
 }
 
 TEST(Card_service, RefusesPostsThatSelectNothing) {
-    const Work_folder folder;
+    const support::Work_folder folder;
     Card_service service;
     service.add_combo_box(1, 9000, {{"0", "Off"}, {"1", "On"}}, 0);
     const std::string url = "\"http://" + service.address() +
@@ -555,7 +500,7 @@ TEST(Card_service, RefusesPostsThatSelectNothing) {
 }
 
 TEST(Card_service, KeepsTheNewestRequests) {
-    const Work_folder folder;
+    const support::Work_folder folder;
     const Card_service service;
     std::ofstream script("script");
     for (std::size_t i = 0; i < Card_service::REMEMBERED + 2; ++i) {
@@ -571,7 +516,7 @@ TEST(Card_service, KeepsTheNewestRequests) {
 }
 
 TEST(Card_service, EndsWhileARequestWaits) {
-    const Work_folder folder;
+    const support::Work_folder folder;
     auto service = std::make_unique<Card_service>();
     service->set_fault(Card_service::Fault::LATE, std::chrono::hours(1));
     const std::string command = "curl -s -o answer http://" + service->address() +
