@@ -31,6 +31,15 @@ bool is_menu(const Data_entry& entry) {
     return entry.Get_entry_type() == Data_entry::NODE;
 }
 
+bool is_warning(const Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::STRING_LEAF && entry.Get_pid() == WARNING_PID;
+}
+
+bool is_live(const Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::ENUM_LEAF && entry.Get_pid() >= FIRST_LIVE_PID &&
+           entry.Get_pid() <= LAST_LIVE_PID;
+}
+
 std::optional<std::string> display_value(Data_entry& entry, int columns) {
     if (is_menu(entry)) {
         return std::string();
@@ -48,6 +57,13 @@ int commit(Data_entry& entry, Data_interface& device) {
     switch (entry.Get_entry_type()) {
         case Data_entry::RANGE_LEAF:
             return static_cast<Range_entry&>(entry).Commit(&device);
+        case Data_entry::ENUM_LEAF:
+        case Data_entry::SLOT_ENUM:
+            return static_cast<Enum_entry&>(entry).Commit(&device);
+        case Data_entry::STRING_LEAF:
+        case Data_entry::IP_LEAF:
+        case Data_entry::TIME_LEAF:
+            return static_cast<String_entry&>(entry).Commit(&device);
         default:
             return entry.Commit();
     }

@@ -10,6 +10,11 @@
 
 namespace panel {
 
+// The parameter of warning texts, and those of options that come from a card.
+constexpr unsigned int WARNING_PID = 65549;
+constexpr unsigned int FIRST_LIVE_PID = 9000;
+constexpr unsigned int LAST_LIVE_PID = 9100;
+
 // The neighbour that one of the dispatcher's link steps delivers; null for none.
 Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step);
 
@@ -18,6 +23,10 @@ int refresh(Data_entry& entry, Data_interface& device);
 
 // Whether selecting the entry opens a menu.
 bool is_menu(const Data_entry& entry);
+// Whether the entry is a warning text, which is shown until it is acknowledged.
+bool is_warning(const Data_entry& entry);
+// Whether the entry's options come from a card and not its value from the device.
+bool is_live(const Data_entry& entry);
 
 // The value as the display shows it, at most `columns` characters; a text that does not fit scrolls by one
 // character a call. Empty for an entry without a value, nothing when the entry cannot show its value.

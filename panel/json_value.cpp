@@ -1,6 +1,8 @@
 #include "json_value.h"
 
 #include <rapidjson/error/en.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
 
 #include <algorithm>
 #include <set>
@@ -125,6 +127,10 @@ std::vector<Json_value> Json_value::items() const {
     return items;
 }
 
+bool Json_value::is_text() const {
+    return m_value->IsString();
+}
+
 int64_t Json_value::integer(int64_t min, int64_t max) const {
     if (!m_value->IsInt64() || m_value->GetInt64() < min || m_value->GetInt64() > max) {
         const std::string found =
@@ -151,6 +157,13 @@ std::string Json_value::text() const {
         fail("expected printable ASCII characters");
     }
     return text;
+}
+
+std::string Json_value::json() const {
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    m_value->Accept(writer);
+    return {buffer.GetString(), buffer.GetSize()};
 }
 
 std::string Json_value::text_of_length(size_t min, size_t max) const {

@@ -32,11 +32,15 @@ public:
     // The elements of a list.
     std::vector<Json_value> items() const;
 
+    bool is_text() const;
     int64_t integer(int64_t min, int64_t max) const;
     bool boolean() const;
     // Printable ASCII, since that is what the display shows.
     std::string text() const;
     std::string text_of_length(size_t min, size_t max) const;
+
+    // The value as a JSON text.
+    std::string json() const;
 
     // A line that says something about this value, with its place.
     std::string message(const std::string& text) const;

@@ -6,6 +6,8 @@
 
 #include <frontpanel_binding/expression_binding.h>
 #include <frontpanel_data/data_entry.h>
+#include <frontpanel_data/live_data_processor.h>
+#include <frontpanel_device/card_service.h>
 #include <frontpanel_device/memory_device.h>
 
 #include <deque>
@@ -29,6 +31,16 @@ public:
     Data_entry& root() { return *m_entries.front(); }
     size_t entry_count() const { return m_entries.size(); }
 
+    // Starts the web service of the device's cards on a free port of loopback. Input_error when there is none.
+    void start_cards();
+    // Null until started.
+    Card_service* cards() { return m_cards.get(); }
+    // What fetches the live data of the card in a slot, one for each call; null without cards.
+    Live_Data_Processor* add_processor(int slot);
+
+    // Keeps the option texts of an enumerated entry for as long as the entries live, each with room for `room`
+    // characters and a terminator.
+    char** keep_texts(const std::vector<std::string>& texts, size_t room = 0);
     // Keeps an index for as long as the entries live.
     const Index_t* keep_index(const Index_t& index);
     // Takes over an entry; its neighbours are or will be the menu's too.
@@ -44,8 +56,16 @@ public:
     void share_shortcuts();
 
 private:
+    struct Texts {
+        std::vector<std::string> texts;
+        std::vector<char*> array;
+    };
+
     Memory_device m_device;
     std::shared_ptr<Binding_registry> m_bindings;
+    std::unique_ptr<Card_service> m_cards;
+    std::vector<std::unique_ptr<Live_Data_Processor>> m_processors;
+    std::deque<Texts> m_texts;
     std::deque<Index_t> m_indices;
     std::map<int, ShortcutS> m_shortcuts;
     std::vector<std::unique_ptr<Data_entry>> m_entries;

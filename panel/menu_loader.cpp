@@ -10,7 +10,10 @@
 #include <set>
 #include <utility>
 
+#include "device_description.h"
+#include "entry_access.h"
 #include "input_error.h"
+#include "item_members.h"
 #include "json_value.h"
 #include "range_format.h"
 
@@ -21,30 +24,39 @@ constexpr int64_t LOWEST = std::numeric_limits<int32_t>::min();
 constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
 // A range ends one before its exclusive end, so the largest number is in no range.
 constexpr int64_t HIGHEST_IN_RANGE = HIGHEST - 1;
-constexpr int64_t LAST_PID = int64_t{Data_entry::PID_NONE} - 1;
-constexpr int64_t LAST_INDEX = 255;  // a larger one would overlap the next level
 constexpr int64_t LAST_BUTTON = 99;
-constexpr size_t MOST_LEVELS = Data_model::S_CURRENT_SUPPORT_DIMENTIONS;
-constexpr size_t LONGEST_NAME = 24;
-constexpr size_t LONGEST_TEXT = 256;
 constexpr unsigned int DEEPEST_MENU = 16;
+constexpr size_t LONGEST_ADDRESS = 15;
+constexpr int MOST_SLOTS = Memory_device::SLOT_COUNT - 1;
+constexpr size_t SLOT_LINE_ROOM =
+    31;  // what a slot list writes to each of its texts, terminator included
+constexpr const char* NO_OPTION_YET = "-";
+constexpr const char* ALWAYS = "*";  // a product option that holds on every product
 
-// A device parameter as the file declares it.
-struct Parameter {
-    RETURN_TYPE type;
-    int min;
-    int max;
-};
 // The lowest and the highest value of an entry.
 struct Bounds {
     int min;
     int max;
 };
-using Parameter_key = std::pair<uint32_t, uint32_t>;  // pid, variable index
+// What every entry of a parameter is built from.
+struct Leaf {
+    std::string name;
+    std::string description;
+    uint32_t pid;
+    const Index_t* index;
+    Data_entry::Data_access access;
+    int visible;
+};
+// An option of an enumeration.
+struct Choice {
+    std::string text;
+    std::vector<std::string> options;  // the product options that it needs one of; none for no need
+};
 
 class Loader {
 public:
-    explicit Loader(Loaded_menu& loaded) : m_menu(*loaded.menu), m_warnings(loaded.warnings) {}
+    Loader(Loaded_menu& loaded, Cards cards)
+        : m_menu(*loaded.menu), m_warnings(loaded.warnings), m_cards(cards), m_device(m_menu) {}
 
     void load(const Json_value& file);
 
@@ -57,99 +69,43 @@ private:
     static const std::vector<Item_type>& item_types();
 
     void load_options(const Json_value& options);
-    void load_parameter(const Json_value& parameter);
-    void load_integer(const Json_value& parameter, uint32_t pid, uint32_t varidx);
-    void load_text(const Json_value& parameter, uint32_t pid, uint32_t varidx);
     void load_root(const Json_value& menu);
     void load_items(const Json_value& menu, Data_entry& parent, unsigned int level);
     void load_item(const Json_value& item, Data_entry& parent, unsigned int level);
     void build_node(const Json_value& item, Data_entry* parent, unsigned int level);
     void build_range(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_text(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_address(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_time(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_warning(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_enum(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_live_enum(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_slot(const Json_value& item, Data_entry* parent, unsigned int level);
+    Leaf leaf_of(const Json_value& item, uint32_t pid);
+    template <typename Entry, typename... Length>
+    void add_text_entry(const Json_value& item, const Leaf& leaf, Data_entry* parent,
+                        unsigned int level, Length... length);
+    std::vector<Choice> choices_of(const Json_value& list);
+    void set_choices(const Json_value& list, Enum_entry& entry, const std::vector<Choice>& choices);
     void finish(const Json_value& item, Data_entry& entry, unsigned int level);
     void set_ranges(const Json_value& item, Range_entry& entry, int min, int max);
     std::vector<range_s> ranges_of(const Json_value& list, int min, int max);
     void bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds);
     const Parameter& parameter_of(const Json_value& item, const Index_t& index,
                                   RETURN_TYPE type) const;
+    const Parameter& parameter_of(const Json_value& place, uint32_t pid, const Index_t& index,
+                                  RETURN_TYPE type) const;
     std::vector<std::string> option_names(const Json_value& list);
-    void warn_of_options(const Json_value& options);
+    void warn_of_options();
 
     Menu& m_menu;
     std::vector<std::string>& m_warnings;
+    Cards m_cards;
+    Device_description m_device;
     std::map<std::string, unsigned int> m_options;
+    std::map<std::string, Json_value> m_option_places;
     std::set<std::string> m_used_options;
-    std::map<Parameter_key, Parameter> m_parameters;
 };
-
-Index_t index_of(const Json_value& owner) {
-    Index_t index{};
-    const std::optional<Json_value> levels = owner.find("index");
-    if (!levels) {
-        return index;
-    }
-    const std::vector<Json_value> items = levels->items();
-    if (items.size() > MOST_LEVELS) {
-        levels->fail("expected at most 2 levels, found " + std::to_string(items.size()));
-    }
-    for (const Json_value& level : items) {
-        index.m_index[index.m_index_num++] = static_cast<uint16_t>(level.integer(0, LAST_INDEX));
-    }
-    return index;
-}
-
-uint32_t varidx_of(const Index_t& index) {
-    unsigned int varidx = 0;
-    Data_model::Index_convert(&index, varidx);
-    return varidx;
-}
-
-uint32_t pid_of(const Json_value& owner) {
-    return static_cast<uint32_t>(owner.member("pid").integer(0, LAST_PID));
-}
-
-int integer_or(const Json_value& owner, const char* name, int64_t min, int64_t max, int otherwise) {
-    const std::optional<Json_value> found = owner.find(name);
-    return found ? static_cast<int>(found->integer(min, max)) : otherwise;
-}
-
-bool boolean_or(const Json_value& owner, const char* name, bool otherwise) {
-    const std::optional<Json_value> found = owner.find(name);
-    return found ? found->boolean() : otherwise;
-}
-
-std::string text_or(const Json_value& owner, const char* name, const std::string& otherwise) {
-    const std::optional<Json_value> found = owner.find(name);
-    return found ? found->text() : otherwise;
-}
-
-// A name ends at its first ':'.
-std::string name_of(const Json_value& item) {
-    const Json_value name = item.member("name");
-    const std::string shown = name.text().substr(0, name.text().find(':'));
-    if (shown.empty() || shown.size() > LONGEST_NAME) {
-        name.fail("expected a name of 1 to 24 characters before any ':', found " +
-                  std::to_string(shown.size()));
-    }
-    return name.text();
-}
-
-int visible_of(const Json_value& item) {
-    return boolean_or(item, "visible", true) ? Data_entry::VISIBLE_ALL : Data_entry::VISIBLE_NONE;
-}
-
-Data_entry::Data_access access_of(const Json_value& item) {
-    static const std::map<std::string, Data_entry::Data_access> ACCESSES{
-        {"read-only", Data_entry::READ_ONLY}, {"read-write", Data_entry::READ_WRITE}};
-    const std::optional<Json_value> access = item.find("access");
-    if (!access) {
-        return Data_entry::READ_WRITE;
-    }
-    const auto found = ACCESSES.find(access->text());
-    if (found == ACCESSES.end()) {
-        access->fail("expected \"read-only\" or \"read-write\", found \"" + access->text() + "\"");
-    }
-    return found->second;
-}
 
 // The entry's own display text for a number, checked, with what makes sense where half of it is missing.
 std::string format_of(const Json_value& item) {
@@ -188,69 +144,44 @@ const std::vector<Loader::Item_type>& Loader::item_types() {
         {"range",
          {"pid", "min", "max", "default", "format", "value_format", "access", "ranges"},
          &Loader::build_range},
+        {"text", {"pid", "access"}, &Loader::build_text},
+        {"address", {"pid", "access"}, &Loader::build_address},
+        {"time", {"pid", "access"}, &Loader::build_time},
+        {"enum", {"pid", "access", "choices", "live"}, &Loader::build_enum},
+        {"slot", {"pid", "access"}, &Loader::build_slot},
+        {"warning", {}, &Loader::build_warning},
     };
     return TYPES;
 }
 
 void Loader::load(const Json_value& file) {
     file.expect_members({"options", "device", "menu"});
-    const std::optional<Json_value> options = file.find("options");
-    if (options) {
+    if (const auto options = file.find("options")) {
         load_options(*options);
     }
     const Json_value device = file.member("device");
-    device.expect_members({"parameters"});
-    for (const Json_value& parameter : device.member("parameters").items()) {
-        load_parameter(parameter);
+    if (m_cards == Cards::ON && device.find("cards")) {
+        m_menu.start_cards();
+    }
+    m_device.load(device);
+    for (const Json_value& options : m_device.product_options()) {
+        load_options(options);
     }
     load_root(file.member("menu"));
-    if (options) {
-        warn_of_options(*options);
-    }
+    warn_of_options();
 }
 
+// Of an option that several products bring, the highest value counts.
 void Loader::load_options(const Json_value& options) {
     for (const std::string& name : options.names()) {
-        const int64_t value = options.member(name.c_str()).integer(0, HIGHEST);
+        const Json_value place = options.member(name.c_str());
+        const auto value = static_cast<unsigned int>(place.integer(0, HIGHEST));
         if (name.empty()) {
             options.fail("expected option names of at least one character");
         }
-        m_options[name] = static_cast<unsigned int>(value);
+        m_options[name] = std::max(m_options[name], value);
+        m_option_places.emplace(name, place);
     }
-}
-
-void Loader::load_parameter(const Json_value& parameter) {
-    const uint32_t pid = pid_of(parameter);
-    const uint32_t varidx = varidx_of(index_of(parameter));
-    if (m_parameters.count({pid, varidx}) != 0) {
-        parameter.fail("parameter " + std::to_string(pid) + " with this index is declared twice");
-    }
-    const Json_value type = parameter.member("type");
-    if (type.text() == "integer") {
-        load_integer(parameter, pid, varidx);
-    } else if (type.text() == "text") {
-        load_text(parameter, pid, varidx);
-    } else {
-        type.fail("expected \"integer\" or \"text\", found \"" + type.text() + "\"");
-    }
-}
-
-void Loader::load_integer(const Json_value& parameter, uint32_t pid, uint32_t varidx) {
-    parameter.expect_members({"pid", "index", "type", "description", "min", "max", "value"});
-    const int64_t min = parameter.member("min").integer(LOWEST, HIGHEST);
-    const int64_t max = parameter.member("max").integer(min, HIGHEST);
-    const int64_t value = parameter.member("value").integer(min, max);
-    m_parameters[{pid, varidx}] = {INTEGER, static_cast<int>(min), static_cast<int>(max)};
-    m_menu.device().add_integer(pid, varidx, static_cast<int>(min), static_cast<int>(max),
-                                static_cast<int>(value));
-}
-
-void Loader::load_text(const Json_value& parameter, uint32_t pid, uint32_t varidx) {
-    parameter.expect_members({"pid", "index", "type", "description", "length", "value"});
-    const auto length = static_cast<size_t>(parameter.member("length").integer(1, LONGEST_TEXT));
-    const std::string value = parameter.member("value").text_of_length(0, length);
-    m_parameters[{pid, varidx}] = {STRING, 0, 0};
-    m_menu.device().add_text(pid, varidx, length, value);
 }
 
 void Loader::load_root(const Json_value& menu) {
@@ -328,6 +259,181 @@ void Loader::build_range(const Json_value& item, Data_entry* parent, unsigned in
     bind(item, range, Bounds{min, max});
 }
 
+Leaf Loader::leaf_of(const Json_value& item, uint32_t pid) {
+    const std::string name = name_of(item);
+    return {name,
+            text_or(item, "description", name),
+            pid,
+            m_menu.keep_index(index_of(item)),
+            access_of(item),
+            visible_of(item)};
+}
+
+template <typename Entry, typename... Length>
+void Loader::add_text_entry(const Json_value& item, const Leaf& leaf, Data_entry* parent,
+                            unsigned int level, Length... length) {
+    Entry& entry = m_menu.add(std::make_unique<Entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, length..., parent,
+        leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
+    finish(item, entry, level);
+    bind(item, entry, std::nullopt);
+}
+
+void Loader::build_text(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    if (leaf.pid == WARNING_PID) {
+        item.member("pid").fail("parameter " + std::to_string(WARNING_PID) +
+                                " is shown by items of type \"warning\"");
+    }
+    const Parameter& parameter = parameter_of(item, *leaf.index, STRING);
+    add_text_entry<String_entry>(item, leaf, parent, level,
+                                 static_cast<unsigned int>(parameter.length));
+}
+
+void Loader::build_address(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    if (parameter_of(item, *leaf.index, STRING).length < LONGEST_ADDRESS) {
+        item.member("pid").fail("expected a parameter of at least " +
+                                std::to_string(LONGEST_ADDRESS) + " characters for an address");
+    }
+    add_text_entry<Ip_entry>(item, leaf, parent, level);
+}
+
+void Loader::build_time(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    const Parameter& parameter = parameter_of(item, *leaf.index, STRING);
+    add_text_entry<Time_entry>(item, leaf, parent, level,
+                               static_cast<unsigned int>(parameter.length));
+}
+
+void Loader::build_warning(const Json_value& item, Data_entry* parent, unsigned int level) {
+    Leaf leaf = leaf_of(item, WARNING_PID);
+    leaf.access = Data_entry::READ_ONLY;
+    const Parameter& parameter = parameter_of(item, WARNING_PID, *leaf.index, STRING);
+    add_text_entry<String_entry>(item, leaf, parent, level,
+                                 static_cast<unsigned int>(parameter.length));
+}
+
+void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
+    if (item.find("live")) {
+        build_live_enum(item, parent, level);
+        return;
+    }
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    if (leaf.pid >= FIRST_LIVE_PID && leaf.pid <= LAST_LIVE_PID) {
+        item.member("pid").fail("parameters 9000 to 9100 are of items with \"live\"");
+    }
+    const Parameter& parameter = parameter_of(item, *leaf.index, INTEGER);
+    const Json_value list = item.member("choices");
+    const std::vector<Choice> choices = choices_of(list);
+    const int last = static_cast<int>(choices.size()) - 1;
+    if (choices.empty() || parameter.min != 0 || parameter.max != last) {
+        list.fail("expected a choice for each value of the parameter, " +
+                  std::to_string(parameter.min) + " to " + std::to_string(parameter.max) +
+                  ", counted from 0, found " + std::to_string(choices.size()));
+    }
+    std::vector<std::string> texts;
+    for (const Choice& choice : choices) {
+        texts.push_back(choice.text);
+    }
+    Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, last, 0,
+        m_menu.keep_texts(texts), static_cast<unsigned int>(texts.size()), parent, leaf.access,
+        leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr, nullptr, nullptr,
+        nullptr));
+    finish(item, entry, level);
+    set_choices(list, entry, choices);
+    bind(item, entry, std::nullopt);
+}
+
+std::vector<Choice> Loader::choices_of(const Json_value& list) {
+    std::vector<Choice> choices;
+    for (const Json_value& item : list.items()) {
+        if (item.is_text()) {
+            choices.push_back({item.text_of_length(1, LONGEST_TEXT), {}});
+            continue;
+        }
+        item.expect_members({"text", "options"});
+        choices.push_back({item.member("text").text_of_length(1, LONGEST_TEXT),
+                           option_names(item.member("options"))});
+    }
+    return choices;
+}
+
+// As soon as one choice needs product options, the entry shows only choices whose options hold.
+void Loader::set_choices(const Json_value& list, Enum_entry& entry,
+                         const std::vector<Choice>& choices) {
+    const auto has_options = [](const Choice& choice) { return !choice.options.empty(); };
+    if (std::none_of(choices.begin(), choices.end(), has_options)) {
+        return;
+    }
+    std::map<int, std::vector<std::string>> options;
+    for (const Choice& choice : choices) {
+        const auto key = static_cast<int>(options.size());
+        options[key] = has_options(choice) ? choice.options : std::vector<std::string>{ALWAYS};
+    }
+    std::map<std::string, unsigned int> product_options = m_options;
+    product_options[ALWAYS] = 1;
+    entry.setProductOptions(product_options);
+    entry.Set_control_options(options);
+    if (entry.optionControls().empty()) {
+        list.fail("expected at least one choice that is allowed with these product options");
+    }
+    entry.updateControlOptionMap();
+}
+
+void Loader::build_live_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
+    static const std::map<std::string, std::string> WEB_TYPES{{"combobox", "json-dynamic-combobox"},
+                                                              {"tree", "jsontree"}};
+    const Leaf leaf = leaf_of(
+        item, static_cast<uint32_t>(item.member("pid").integer(FIRST_LIVE_PID, LAST_LIVE_PID)));
+    const Json_value live = item.member("live");
+    live.expect_members({"slot", "web-type"});
+    if (const auto choices = item.find("choices")) {
+        choices->fail("the choices of an item with \"live\" come from its card");
+    }
+    const int slot = static_cast<int>(live.member("slot").integer(1, MOST_SLOTS));
+    const Json_value web_type = live.member("web-type");
+    const auto type = WEB_TYPES.find(web_type.text());
+    if (type == WEB_TYPES.end()) {
+        web_type.fail("expected \"combobox\" or \"tree\", found \"" + web_type.text() + "\"");
+    }
+    if (!m_device.has_document(slot, leaf.pid, type->first == "tree")) {
+        live.fail("no card in slot " + std::to_string(slot) + " has a " + type->first + " " +
+                  std::to_string(leaf.pid));
+    }
+    char** const texts = m_menu.keep_texts({NO_OPTION_YET, type->second, "list"});
+    Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, 0, 0, texts, 1U,
+        parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
+        nullptr, texts[1], texts[2], m_menu.add_processor(slot)));
+    finish(item, entry, level);
+    bind(item, entry, std::nullopt);
+}
+
+void Loader::build_slot(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    const Parameter& parameter = parameter_of(item, *leaf.index, INTEGER);
+    if (parameter.min != 0 || parameter.max >= MOST_SLOTS) {
+        item.member("pid").fail("expected a parameter from 0 to at most " +
+                                std::to_string(MOST_SLOTS - 1) + " for a slot list");
+    }
+    // Such an entry refreshes its lines and never its rules.
+    if (const auto rules = item.find("binding")) {
+        rules->fail("a slot list follows no rules: its node can");
+    }
+    std::vector<std::string> lines;
+    for (int slot = 1; slot <= parameter.max + 1; ++slot) {
+        lines.push_back(std::to_string(slot));
+    }
+    Slot_enum_entry& entry = m_menu.add(std::make_unique<Slot_enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, parameter.max, 0,
+        nullptr, m_menu.keep_texts(lines, SLOT_LINE_ROOM), static_cast<unsigned int>(lines.size()),
+        nullptr, parent, leaf.access, nullptr, leaf.visible, true, Data_entry::SHORTCUT_NONE,
+        nullptr, nullptr, nullptr));
+    finish(item, entry, level);
+}
+
 // What every kind of entry gets once it stands in the tree.
 void Loader::finish(const Json_value& item, Data_entry& entry, unsigned int level) {
     entry.setNodeLevel(level);
@@ -391,7 +497,7 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
     }
     entry.Set_binding_object(binding.release());
     for (const var_index_s& key : entry.Get_var_index_map_keys(0)) {
-        if (m_parameters.count({key.var, varidx_of(key.index)}) == 0) {
+        if (m_device.parameter(key.var, varidx_of(key.index)) == nullptr) {
             source->fail("the device has no parameter " + std::to_string(key.var) +
                          " with this index");
         }
@@ -400,16 +506,20 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
 
 const Parameter& Loader::parameter_of(const Json_value& item, const Index_t& index,
                                       RETURN_TYPE type) const {
-    const uint32_t pid = pid_of(item);
-    const auto found = m_parameters.find({pid, varidx_of(index)});
-    if (found == m_parameters.end()) {
-        item.member("pid").fail("the device has no parameter " + std::to_string(pid) +
-                                " with this index");
+    return parameter_of(item.member("pid"), pid_of(item), index, type);
+}
+
+// `place` is told when the device has no such parameter.
+const Parameter& Loader::parameter_of(const Json_value& place, uint32_t pid, const Index_t& index,
+                                      RETURN_TYPE type) const {
+    const Parameter* const found = m_device.parameter(pid, varidx_of(index));
+    if (found == nullptr) {
+        place.fail("the device has no parameter " + std::to_string(pid) + " with this index");
     }
-    if (found->second.type != type) {
-        item.member("pid").fail("parameter " + std::to_string(pid) + " is of another type");
+    if (found->type != type) {
+        place.fail("parameter " + std::to_string(pid) + " is of another type");
     }
-    return found->second;
+    return *found;
 }
 
 std::vector<std::string> Loader::option_names(const Json_value& list) {
@@ -428,30 +538,30 @@ bool is_instance_of(const std::string& name, const std::string& pattern) {
            std::isdigit(static_cast<unsigned char>(name[prefix.size()])) != 0;
 }
 
-void Loader::warn_of_options(const Json_value& options) {
+void Loader::warn_of_options() {
     for (const auto& [name, value] : m_options) {
         const bool is_pattern = name.find('n') != std::string::npos;
         const bool has_instance = std::any_of(
             m_used_options.begin(), m_used_options.end(),
             [&pattern = name](const std::string& used) { return is_instance_of(used, pattern); });
         if (is_pattern && !has_instance) {
-            m_warnings.push_back(options.member(name.c_str())
-                                     .message("the letter 'n' makes this option a pattern in which "
-                                              "'n' stands for a number"));
+            m_warnings.push_back(m_option_places.at(name).message(
+                "the letter 'n' makes this option a pattern in which "
+                "'n' stands for a number"));
         }
     }
 }
 
 }  // namespace
 
-Loaded_menu load_menu(const std::string& file) {
-    return load_menu_text(file, read_input_file(file));
+Loaded_menu load_menu(const std::string& file, Cards cards) {
+    return load_menu_text(file, read_input_file(file), cards);
 }
 
-Loaded_menu load_menu_text(const std::string& file, const std::string& text) {
+Loaded_menu load_menu_text(const std::string& file, const std::string& text, Cards cards) {
     Loaded_menu loaded{std::make_unique<Menu>(), {}};
     const rapidjson::Document document = parse_json(file, text);
-    Loader(loaded).load(Json_value(file, document));
+    Loader(loaded, cards).load(Json_value(file, document));
     return loaded;
 }
 

@@ -16,10 +16,14 @@ struct Loaded_menu {
     std::vector<std::string> warnings;
 };
 
+// Whether the cards that the file describes run. Without them live options are never fetched.
+enum class Cards { OFF, ON };
+
 // Input_error, naming the file and the place in it, when the file cannot be read or does not describe a menu.
-Loaded_menu load_menu(const std::string& file);
+Loaded_menu load_menu(const std::string& file, Cards cards = Cards::OFF);
 // The same from the text of a file; `file` only names it.
-Loaded_menu load_menu_text(const std::string& file, const std::string& text);
+Loaded_menu load_menu_text(const std::string& file, const std::string& text,
+                           Cards cards = Cards::OFF);
 
 }  // namespace panel
 

@@ -1,6 +1,5 @@
 #include "menu_loader.h"
 
-#include "input_error.h"
 #include "panel_fixture.h"
 
 namespace panel {
@@ -28,20 +27,6 @@ std::string nested(int depth) {
     }
     return item;
 }
-
-std::string error_of(const std::string& text) {
-    try {
-        load_menu_text("menu.json", text);
-    } catch (const Input_error& error) {
-        return error.what();
-    }
-    return "";
-}
-
-struct Error_case {
-    std::string text;
-    std::string error;
-};
 
 TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
     const std::string repeated_pid = std::string(LEVEL) + "," + LEVEL;
@@ -95,7 +80,8 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /menu/items/0: expected an object, found a whole number"},
         {with_item("{}"), "menu.json: /menu/items/0: expected a member \"type\""},
         {with_item(R"({"type": "knob"})"),
-         "menu.json: /menu/items/0/type: expected one of \"node\", \"range\", found \"knob\""},
+         "menu.json: /menu/items/0/type: expected one of \"node\", \"range\", \"text\", "
+         "\"address\", \"time\", \"enum\", \"slot\", \"warning\", found \"knob\""},
         {with_item(R"({"type": 3})"),
          "menu.json: /menu/items/0/type: expected a text, found a whole number"},
         {with_item(R"({"type": "range", "pid": 5})"),

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "controller.h"
+#include "input_error.h"
 #include "menu_loader.h"
 
 namespace panel {
@@ -29,16 +30,32 @@ inline std::string menu_text(const std::string& parameters, const std::string& i
            R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";
 }
 
+// What is wrong with a menu file; empty when it loads.
+inline std::string error_of(const std::string& text) {
+    try {
+        load_menu_text("menu.json", text);
+    } catch (const Input_error& error) {
+        return error.what();
+    }
+    return "";
+}
+
+struct Error_case {
+    std::string text;
+    std::string error;
+};
+
 class Panel {
 public:
-    explicit Panel(const std::string& text, Lcd_size size = {})
-        : m_loaded(load_menu_text("menu.json", text)),
+    explicit Panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
+        : m_loaded(load_menu_text("menu.json", text, cards)),
           m_controller(m_loaded.menu->root(), link_to(device()), size) {
         m_loaded.menu->bindings()->set_warning_listener(
             [this](const std::string& warning) { m_controller.warn(warning); });
     }
 
     Memory_device& device() { return m_loaded.menu->device(); }
+    Menu& menu() { return *m_loaded.menu; }
     Data_entry& root() { return m_loaded.menu->root(); }
     Controller& controller() { return m_controller; }
     Panel& press(Key::Kind kind, int times = 1) {

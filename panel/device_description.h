@@ -1,0 +1,63 @@
+// What a menu file tells of the device: its parameters, the products in its slots, and the live data of its
+// cards. docs/menu-file.md describes the file.
+#ifndef FRONTPANEL_PANEL_DEVICE_DESCRIPTION_H
+#define FRONTPANEL_PANEL_DEVICE_DESCRIPTION_H
+
+#include <frontpanel_data/data_interface.h>
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "json_value.h"
+#include "menu.h"
+
+namespace panel {
+
+// A device parameter as the file declares it.
+struct Parameter {
+    RETURN_TYPE type;
+    int min;        // of a number
+    int max;        // of a number
+    size_t length;  // of a text: the most characters
+};
+
+class Device_description {
+public:
+    // The device is built in `menu`, which outlives the description.
+    explicit Device_description(Menu& menu) : m_menu(menu) {}
+
+    // Input_error when the description is wrong.
+    void load(const Json_value& device);
+
+    // Null when the device has no such parameter.
+    const Parameter* parameter(uint32_t pid, uint32_t varidx) const;
+    // Whether the card in a slot has a tree, or a combo box, of that parameter id.
+    bool has_document(int slot, uint32_t pid, bool is_tree) const;
+    // The product options that the products in the slots bring, one object for each product that has some.
+    const std::vector<Json_value>& product_options() const { return m_product_options; }
+
+private:
+    void load_parameter(const Json_value& parameter);
+    void load_integer(const Json_value& parameter, uint32_t pid, uint32_t varidx);
+    void load_text(const Json_value& parameter, uint32_t pid, uint32_t varidx);
+    void load_product(const Json_value& product);
+    void load_card(const Json_value& card);
+    void load_combo_box(const Json_value& box, int slot);
+    void load_tree(const Json_value& tree, int slot);
+    uint32_t new_document(const Json_value& document, int slot, bool is_tree);
+
+    Menu& m_menu;
+    std::map<std::pair<uint32_t, uint32_t>, Parameter> m_parameters;  // by pid and variable index
+    std::set<int> m_fitted_slots;
+    std::map<int, std::string> m_aliases;                  // by product
+    std::map<std::pair<int, uint32_t>, bool> m_documents;  // by slot and pid: whether it is a tree
+    std::vector<Json_value> m_product_options;
+};
+
+}  // namespace panel
+
+#endif

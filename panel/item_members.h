@@ -1,0 +1,33 @@
+// The members that several parts of a menu file have in common. All throw Input_error as `Json_value` does.
+#ifndef FRONTPANEL_PANEL_ITEM_MEMBERS_H
+#define FRONTPANEL_PANEL_ITEM_MEMBERS_H
+
+#include <frontpanel_data/data_entry.h>
+
+#include <cstdint>
+#include <string>
+
+#include "json_value.h"
+
+namespace panel {
+
+constexpr size_t LONGEST_TEXT = 256;
+
+// "index"; no levels when there is none.
+Index_t index_of(const Json_value& owner);
+// The variable index of an index.
+uint32_t varidx_of(const Index_t& index);
+// "pid".
+uint32_t pid_of(const Json_value& owner);
+// "name", which ends at its first ':'.
+std::string name_of(const Json_value& item);
+// "visible" and "access" with what they stand for when they are missing.
+int visible_of(const Json_value& item);
+Data_entry::Data_access access_of(const Json_value& item);
+
+int integer_or(const Json_value& owner, const char* name, int64_t min, int64_t max, int otherwise);
+std::string text_or(const Json_value& owner, const char* name, const std::string& otherwise);
+
+}  // namespace panel
+
+#endif
