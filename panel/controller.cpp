@@ -1,5 +1,6 @@
 #include "controller.h"
 
+#include <array>
 #include <optional>
 
 #include "entry_access.h"
@@ -154,7 +155,7 @@ void Controller::jump(int button) {
 }
 
 void Controller::edit(Data_entry& entry) {
-    if (entry.Get_access_type() == Data_entry::READ_ONLY) {
+    if (entry.Get_access_type() == Data_entry::READ_ONLY && !is_warning(entry)) {
         notify(entry.Get_name(), "read only", false);
         return;
     }
@@ -162,7 +163,19 @@ void Controller::edit(Data_entry& entry) {
         notify(entry.Get_name(), "read error", true);
         return;
     }
+    m_title = title_of(entry);
     m_editor = m_editors.open(entry);
+}
+
+// An address is asked for an answer once, when it is opened: that takes up to a second.
+std::string Controller::title_of(Data_entry& entry) const {
+    if (entry.Get_entry_type() != Data_entry::IP_LEAF) {
+        return entry.Get_name();
+    }
+    auto& address = static_cast<Ip_entry&>(entry);
+    std::array<char, Ip_entry::IP_STRING_MAX_LENGTH + 1> text{};
+    address.Get_value(text.data(), Ip_entry::IP_STRING_MAX_LENGTH);
+    return m_device.may_probe(text.data()) ? address.Get_name() : entry.Get_name();
 }
 
 void Controller::commit_edited() {
@@ -208,7 +221,7 @@ Frame Controller::draw() {
 
 void Controller::draw_editor(Frame& frame) {
     const Editor_view shown = m_editor->view(m_size.columns);
-    frame.lcd.put(TITLE_ROW, 0, m_editor->entry()->Get_name());
+    frame.lcd.put(TITLE_ROW, 0, m_title);
     if (!shown.step.empty()) {
         frame.lcd.put_right(TITLE_ROW, " " + shown.step);
     }

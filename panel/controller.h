@@ -41,6 +41,7 @@ private:
     void tell_refusal();
     void close_editor();
     void notify(const std::string& title, const std::string& text, bool alarm);
+    std::string title_of(Data_entry& entry) const;
     void draw_editor(Frame& frame);
     void draw_notice(Frame& frame) const;
 
@@ -56,6 +57,7 @@ private:
     List_view m_list;
     Editor_set m_editors;
     Value_editor* m_editor = nullptr;     // open, or null
+    std::string m_title;                  // of the open editor
     std::vector<Notice> m_notices;        // the first is shown
     std::vector<std::string> m_warnings;  // raised by the value being stored
 };

@@ -1,14 +1,22 @@
 #include "device_link.h"
 
+#include "entry_access.h"
+
 namespace panel {
 
 Device_link link_to(Memory_device& device) {
     const auto read_failed = [&device](const Data_entry& entry) {
+        if (is_live(entry)) {
+            return false;
+        }
         unsigned int varidx = 0;
         Data_model::Index_convert(entry.Get_index(), varidx);
         return device.last_read_failed(entry.Get_pid(), varidx);
     };
-    return {device, read_failed};
+    const auto is_loopback = [](const std::string& address) {
+        return address.rfind("127.", 0) == 0;
+    };
+    return {device, read_failed, is_loopback};
 }
 
 }  // namespace panel

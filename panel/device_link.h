@@ -6,6 +6,7 @@
 #include <frontpanel_device/memory_device.h>
 
 #include <functional>
+#include <string>
 
 namespace panel {
 
@@ -14,9 +15,11 @@ struct Device_link {
     // Whether the last read of the entry's parameter failed. The entry's own refresh cannot tell: it reports
     // a failed read and a corrected value alike.
     std::function<bool(const Data_entry&)> read_failed;
+    // Whether an address belongs to the device's network, so that it may be asked for an answer.
+    std::function<bool(const std::string&)> may_probe;
 };
 
-// A link to the in-memory device, which outlives it.
+// A link to the in-memory device, which outlives it and has no network beyond loopback.
 Device_link link_to(Memory_device& device);
 
 }  // namespace panel

@@ -1,5 +1,7 @@
 #include "editor_set.h"
 
+#include "entry_access.h"
+
 namespace panel {
 namespace {
 
@@ -10,12 +12,36 @@ Data_entry* operate(Data_entry& entry, Selection* selection, int steps, Data_ent
     return static_cast<Data_entry*>(specific);
 }
 
+template <typename Value>
+void tell(Data_entry& entry, Selection* selection, int step, Value value) {
+    void* specific = &value;
+    Data_entry::EntryTypeSpecificOperation(&entry, nullptr, selection, false, step, &specific);
+}
+
+// An editor has one line, so the option that it opens on stands on its first.
+void tell_line(Data_entry& entry, Selection* selection) {
+    int32_t option = 0;
+    entry.Get_value(&option, sizeof option);
+    tell<unsigned char>(entry, selection, Data_entry::OPERATION_SET_USE_LINE_INFO, 1);
+    tell<int32_t>(entry, selection, Data_entry::OPERATION_SET_SELECTED, option);
+    tell<int32_t>(entry, selection, Data_entry::OPERATION_SET_SELECTED_LINE, 0);
+}
+
 }  // namespace
 
 Editor_set::Editor Editor_set::editor_of(const Data_entry& entry) {
     switch (entry.Get_entry_type()) {
         case Data_entry::RANGE_LEAF:
             return {&m_number, &m_number};
+        case Data_entry::ENUM_LEAF:
+        case Data_entry::SLOT_ENUM:
+            return {&m_option, &m_option};
+        case Data_entry::STRING_LEAF:
+            return is_warning(entry) ? Editor{&m_warning, &m_warning} : Editor{&m_text, &m_text};
+        case Data_entry::IP_LEAF:
+            return {&m_address, &m_address};
+        case Data_entry::TIME_LEAF:
+            return {&m_time, &m_time};
         default:
             return {};
     }
@@ -29,6 +55,9 @@ Value_editor* Editor_set::open(Data_entry& entry) {
     operate(entry, editor.selection,
             Data_entry::OPERATION_SET_ESCAPE_ENTRY | Data_entry::OPERATION_SET_SELECT_ENTRY,
             &entry);
+    if (entry.Get_entry_type() == Data_entry::SLOT_ENUM) {
+        tell_line(entry, editor.selection);
+    }
     operate(entry, editor.selection, Data_entry::OPERATION_PREPARE, nullptr);
     return editor.value->entry() == &entry ? editor.value : nullptr;
 }
@@ -38,6 +67,8 @@ Data_entry* Editor_set::close(Data_entry& entry) {
     Data_entry* const target =
         operate(entry, editor.selection, Data_entry::OPERATION_ESCAPE, &entry);
     operate(entry, editor.selection, Data_entry::OPERATION_EXIT_LEDS, nullptr);
+    // The dispatcher closes no editor of options or times.
+    editor.selection->ExitLEDs();
     return target;
 }
 

@@ -3,7 +3,12 @@
 #define FRONTPANEL_PANEL_EDITOR_SET_H
 
 #include <frontpanel_data/data_entry.h>
+#include <frontpanel_editors/address_editor.h>
+#include <frontpanel_editors/enum_editor.h>
 #include <frontpanel_editors/number_editor.h>
+#include <frontpanel_editors/text_editor.h>
+#include <frontpanel_editors/time_editor.h>
+#include <frontpanel_editors/warning_editor.h>
 
 namespace panel {
 
@@ -22,6 +27,11 @@ private:
     Editor editor_of(const Data_entry& entry);
 
     Number_editor m_number;
+    Enum_editor m_option;
+    Text_editor m_text;
+    Address_editor m_address;
+    Time_editor m_time;
+    Warning_editor m_warning;
 };
 
 }  // namespace panel
