@@ -1,7 +1,7 @@
 // The web service of slot cards, in process and on loopback: it answers the requests for live-data documents
 // that the panel's tools make, and keeps the selections that they post.
 //
-// Thread-safe. Its threads end with the object. While one lives the process ignores SIGPIPE.
+// Thread-safe. Its threads end with the object. From the first one on the process ignores SIGPIPE.
 #ifndef FRONTPANEL_DEVICE_CARD_SERVICE_H
 #define FRONTPANEL_DEVICE_CARD_SERVICE_H
 
