@@ -35,8 +35,8 @@ public:
         char value[256];
         char render[256];
         int size;  // number of children
-        treenode**
-            children;  // owned, `size` nodes; an item is null only in a tree that failed to parse
+        // Owned, `size` nodes; an item is null only in a tree that failed to parse.
+        treenode** children;
         actionnode action;
     };
     typedef treenode jsontree;
@@ -44,8 +44,8 @@ public:
     struct displaylistStruct {
         int state;  // index of the selected text; -1 when the document names none
         int size;   // number of texts
-        char**
-            dlist;  // `size` owned texts; both levels are made by new[]; a skipped option is null
+        // `size` owned texts; both levels are made by new[]; a skipped option is null.
+        char** dlist;
     };
 
     // `filename` is borrowed and must outlive the object; `jsonType` is a `JS_TYPE`; `panelType` must be 0.
@@ -75,8 +75,8 @@ public:
 
     // Reads one object and what is below it into `node`, which is initialised first, and appends a pointer
     // to each text of a node to `list`; the pointers live as long as the nodes. `depth` is 0 at the root.
-    // Returns at once without a value or a node. Throws an int (a line number) when an object has the wrong
-    // shape; what was read until then can be released.
+    // Does nothing without a node, and only initialises it without a value. Throws an int (a line number)
+    // when an object has the wrong shape; what was read until then can be released.
     void parseEachSubTree(const rapidjson::Value* value, jsontree* node, unsigned int depth,
                           std::vector<char*>& list);
 

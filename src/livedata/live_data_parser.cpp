@@ -468,8 +468,10 @@ int LiveJSDataParser::parseTree() {
 
 void LiveJSDataParser::parseEachSubTree(const Value* value, jsontree* node, unsigned int depth,
                                         std::vector<char*>& list) {
-    if (value != nullptr && node != nullptr) {
+    if (node != nullptr && value != nullptr) {
         Reader(*this, "parseEachSubTree").read_tree(*value, node, depth, list);
+    } else if (node != nullptr) {
+        initialiseJT(node);
     }
 }
 

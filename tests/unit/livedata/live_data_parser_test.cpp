@@ -678,18 +678,20 @@ TEST(Live_data_nodes, AreReadFromAnyDepthOn) {
     parser.deleteJT(nullptr);
 }
 
-TEST(Live_data_nodes, AreLeftAloneWithoutAValueOrANode) {
+TEST(Live_data_nodes, AreOnlyClearedWithoutAValue) {
     char name[] = "unused";
     LiveJSDataParser parser(name, LiveJSDataParser::TREE, 0);
     std::vector<char*> list;
     const rapidjson::Value value(rapidjson::kObjectType);
     LiveJSDataParser::treenode node;
-    std::strcpy(node.label, "kept");
+    std::memset(&node, 'x', sizeof node);
     parser.parseEachSubTree(nullptr, nullptr, 0, list);
     parser.parseEachSubTree(&value, nullptr, 0, list);
     parser.parseEachSubTree(nullptr, &node, 0, list);
     EXPECT_THAT(list, IsEmpty());
-    EXPECT_STREQ(node.label, "kept");
+    EXPECT_STREQ(node.label, "");
+    EXPECT_EQ(node.size, 0);
+    EXPECT_EQ(node.children, nullptr);
 }
 
 TEST(Live_data_nodes, ABadShapeIsThrownAsALineNumber) {
