@@ -11,7 +11,6 @@
 #include <new>
 
 #include <rapidjson/error/en.h>
-#include <rapidjson/filereadstream.h>
 
 #include "assertion.h"
 #include "livedata/live_data_lines.h"
@@ -57,32 +56,31 @@ char* copy_text(const char* text, std::size_t length) {
     return copy;
 }
 
-bool is_too_large(std::FILE* file) {
-    struct stat status;
-    return fstat(fileno(file), &status) == 0 && status.st_size > MAX_DOCUMENT_BYTES;
-}
-
-// The parser takes a zero byte for the end of the document; whatever stands behind it was not read.
-bool has_more(rapidjson::FileReadStream& stream) {
-    const std::size_t position = stream.Tell();
-    stream.Take();
-    return stream.Tell() != position;
+// Reads a file of `size` bytes into the document's own memory. Null without memory.
+char* read_text(std::FILE* file, std::size_t size, Document& document) {
+    char* const text = static_cast<char*>(document.GetAllocator().Malloc(size + 1));
+    if (text != nullptr) {
+        text[std::fread(text, 1, size, file)] = '\0';
+    }
+    return text;
 }
 
 // Null when all went well, else the reason.
 const char* parse_file(std::FILE* file, Document& document) {
-    char buffer[16384];
-    rapidjson::FileReadStream stream(file, buffer, sizeof buffer);
-    // A document that fits the buffer, as nearly all do, needs no look at the file's size.
-    if (!std::feof(file) && is_too_large(file)) {
-        return TOO_LARGE;
-    }
-    // Iteratively: the depth of the document must not decide how much stack the panel needs.
-    document.ParseStream<rapidjson::kParseIterativeFlag>(stream);
+    struct stat status;
+    if (fstat(fileno(file), &status) != 0 || status.st_size > MAX_DOCUMENT_BYTES) return TOO_LARGE;
+    const auto size = static_cast<std::size_t>(status.st_size);
+    char* const text = read_text(file, size, document);
+    if (text == nullptr) return NO_MEMORY;
+    // In place, since copying every text out of a stream takes longer than all that follows. Iteratively:
+    // the depth of the document must not decide how much stack the panel needs.
+    rapidjson::InsituStringStream stream(text);
+    document.ParseStream<rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag>(stream);
     if (document.HasParseError()) {
         return rapidjson::GetParseError_En(document.GetParseError());
     }
-    return has_more(stream) ? NOT_PARSED : nullptr;
+    // The parser takes a zero byte for the end of the document; what stands behind it was not read.
+    return stream.Tell() < size ? NOT_PARSED : nullptr;
 }
 
 void report_unopened(const char* name) {

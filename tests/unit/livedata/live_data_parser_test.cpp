@@ -177,6 +177,30 @@ TEST(Live_data_parser, AGoodFileIsHandedToTheCallerToFree) {
     box.parser.FreeDocument(nullptr);
 }
 
+TEST(Live_data_parser, ADocumentNeedsItsFileNoLonger) {
+    const std::string text(100000, 'x');
+    auto box = std::make_unique<Combo_box>("{\"first\":\"" + text + "\",\"second\":\"a\\tb\"}");
+    rapidjson::Document* document = box->parser.ParseJSON(box->name().c_str());
+    box.reset();
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ((*document)["first"].GetString(), text);
+    EXPECT_STREQ((*document)["second"].GetString(), "a\tb");
+    char name[] = "unused";
+    LiveJSDataParser(name, LiveJSDataParser::COMBOBOX, 0).FreeDocument(&document);
+}
+
+// Nothing would bound what comes out of it.
+TEST(Live_data_parser, APipeIsNoDocument) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(write(ends[1], "{}", 2), 2);
+    close(ends[1]);
+    std::string name = "/proc/self/fd/" + std::to_string(ends[0]);
+    LiveJSDataParser parser(name.data(), LiveJSDataParser::COMBOBOX, 0);
+    EXPECT_EQ(parser.parseComboBox(), nullptr);
+    close(ends[0]);
+}
+
 TEST(Live_data_parser, TheMessageIsCutToItsBuffer) {
     std::string name(300, 'n');
     LiveJSDataParser parser(name.data(), 0, 0);
