@@ -43,7 +43,7 @@ public:
     ~Enum_entry() override;
 
     // The base's line followed by every key with its text and its control options. Keys without control
-    // options get an empty list of them.
+    // options get an empty list of them, which does not change what is visible.
     std::string getProperties(int flags) override;
     Entry_type Get_entry_type() const override;
     RETURN_TYPE Get_return_type_int_or_string() const override;
@@ -111,7 +111,8 @@ public:
     // `Get_min()`, if there is one, is then selected.
     virtual int Get_value(void* value, unsigned int length, int index);
 
-    // Installs the control options: for a key, product options one of which must hold.
+    // Installs the control options: for a key, product options one of which must hold. A key without options
+    // is hidden as long as another key is shown or the binding offers keys.
     void Set_control_options(std::map<int, std::vector<std::string>> options);
     // 0 for "json-dynamic-combobox", 1 for "jsontree", -1 for anything else.
     int getWebTypeAsInt() const;
@@ -184,8 +185,9 @@ private:
     void show_all_options();
     void number_options(const ControlsT& common, bool all_visible);
 
-    int m_text_count;   // texts in `m_value`
-    bool m_owns_texts;  // `m_value` came from a card
+    int m_text_count;            // texts in `m_value`
+    bool m_owns_texts;           // `m_value` came from a card
+    bool m_reported_lists_only;  // `control_options` was empty until a report filled it
 };
 
 #pragma GCC diagnostic pop

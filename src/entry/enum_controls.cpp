@@ -11,12 +11,16 @@
 
 void Enum_entry::Set_control_options(std::map<int, std::vector<std::string>> options) {
     control_options = std::move(options);
+    m_reported_lists_only = false;
 }
 
-// Empty lists do not count: a report adds them, and it must not hide what the binding allows.
+// Empty lists that were installed count: they allow no key. Those that only a report has added do not: a
+// report must not hide what the binding allows.
 bool Enum_entry::has_control_options() const {
-    return std::any_of(control_options.begin(), control_options.end(),
-                       [](const auto& row) { return !row.second.empty(); });
+    return !control_options.empty() &&
+           !(m_reported_lists_only &&
+             std::all_of(control_options.begin(), control_options.end(),
+                         [](const auto& row) { return row.second.empty(); }));
 }
 
 ControlsT Enum_entry::optionControls() {

@@ -71,7 +71,8 @@ Enum_entry::Enum_entry(const char* name, const char* description, unsigned int p
       m_panelType(pType),
       m_LiveDataProcessor(liveDataProcessor),
       m_text_count(static_cast<int>(enum_size)),
-      m_owns_texts(false) {
+      m_owns_texts(false),
+      m_reported_lists_only(false) {
     FRONTPANEL_ASSERT(min >= 0, "min>=0");
     FRONTPANEL_ASSERT(static_cast<unsigned int>(max) <= enum_size, "(unsigned)max<=enum_size");
     FRONTPANEL_ASSERT(enum_array, "enum_array");
@@ -84,6 +85,9 @@ Enum_entry::Enum_entry(const char* name, const char* description, unsigned int p
 Enum_entry::~Enum_entry() = default;
 
 std::string Enum_entry::getProperties(int flags) {
+    if (control_options.empty()) {
+        m_reported_lists_only = true;
+    }
     std::string report = Data_entry::getProperties(flags) + "enum={ ";
     for (const auto& [key, position] : map_enum_to_options) {
         const char* const text = option_text(key);

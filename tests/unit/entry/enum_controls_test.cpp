@@ -213,6 +213,44 @@ TEST(EnumControls, AReportHidesNothing) {
     EXPECT_EQ(entry.map_enum_to_options, before);
 }
 
+// Unlike those that a report adds, installed lists are a source, and empty ones allow no key.
+TEST(EnumControls, InstalledEmptyListsAllowNoKey) {
+    for (const bool reported : {false, true}) {
+        SCOPED_TRACE(reported);
+        Open_enum entry(Enum_arguments().default_value(2));
+        bind(entry)->allow({{1, 2}});
+        if (reported) {
+            entry.getProperties(0);
+        }
+        entry.Set_control_options({{0, {}}, {1, {}}});
+        entry.getProperties(0);
+        entry.updateControlOptionMap();
+        EXPECT_EQ(entry.map_enum_to_options, (Positions{{2, 0}}));
+    }
+}
+
+TEST(EnumControls, AReportLeavesInstalledOptionsASource) {
+    Open_enum entry(Enum_arguments().default_value(2));
+    entry.setProductOptions({{"gps", 1}});
+    bind(entry)->allow({{1, 2}});
+    entry.getProperties(0);
+    entry.Set_control_options({{2, {"gps"}}, {3, {"gps"}}});
+    entry.getProperties(0);
+    entry.updateControlOptionMap();
+    EXPECT_EQ(entry.map_enum_to_options, (Positions{{0, -1}, {1, -1}, {2, 0}, {3, -1}}));
+}
+
+TEST(EnumControls, AReportHidesNothingOnceTheBindingOffersNoKeysAnyMore) {
+    Open_enum entry;
+    Key_binding* const binding = bind(entry);
+    binding->allow({{1}});
+    entry.getProperties(0);
+    binding->withdraw(SUGGESTION_RANGE);
+    entry.updateControlOptionMap();
+    entry.updateControlOptionMap();
+    EXPECT_EQ(entry.map_enum_to_options, (Positions{{0, 0}, {1, 1}, {2, 2}, {3, 3}}));
+}
+
 TEST(EnumBindingControls, AreReadAsKeysButAnnouncedAndConsumedAsRange) {
     std::vector<std::string> log;
     Open_enum entry;
