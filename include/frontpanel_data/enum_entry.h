@@ -170,7 +170,7 @@ protected:
     static uint32_t dynamic_counter;
 
 private:
-    int current_position();
+    int current_selection();
     int refresh_entry(Data_interface* pDataAccessInf, bool eval_binding);
     void leave_hidden_option(Data_interface* pDataAccessInf);
     bool is_live_data() const;

@@ -233,15 +233,20 @@ int Enum_entry::Get_value(void* value, unsigned int length, int index) {
     return 1;
 }
 
-int Enum_entry::current_position() {
-    int position = 0;
-    Get_value(&position, sizeof position);
-    return position;
+// Without a map positions are keys, and looking one up would begin a map.
+int Enum_entry::current_selection() {
+    int selection = 0;
+    if (map_enum_to_options.empty()) {
+        m_model.Get(&selection, sizeof selection);
+    } else {
+        Get_value(&selection, sizeof selection);
+    }
+    return selection;
 }
 
 int Enum_entry::Set_value(const void* value, unsigned int length) {
     const int position = leading_int(value, length);
-    const int selection = current_position();
+    const int selection = current_selection();
     LEAF_LINE(GENERAL, NONE, "Set_value", "enum set Set_value [%i] current_selection=[%d]\n",
               position, selection);
     if (is_locked_live_data()) {

@@ -338,25 +338,22 @@ TEST(EnumSetValue, RefusesAKeyThatIsNotAllowed) {
 }
 
 TEST(EnumSetValue, StoresThePositionAsKeyWithoutAMap) {
-    // Reading the selection for the report puts the current key back into an emptied map, so a map is empty
-    // there only in an entry that empties it in its own `Get_value`.
-    class Emptying : public Open_enum {
-    public:
-        int Get_value(void* value, unsigned int length) override {
-            const int result = Enum_entry::Get_value(value, length);
-            map_enum_to_options.clear();
-            return result;
-        }
-        using Open_enum::Get_value;
-    } emptying;
-    EXPECT_EQ(emptying.set(2), 0);
-    EXPECT_EQ(emptying.stored(), 2);
-    EXPECT_EQ(capture(GENERAL, [&] { emptying.set(1); }).out,
-              "Integer_model::Get: value[2], length[4] m_value[2]\n"
-              "[Get_integer_enum][enum_entry.cpp][#] int=[2]\n"
-              "[Get_value][enum_entry.cpp][#] key=[2] value=[0]\n"
-              "enum set Set_value [1] current_selection=[0]\n"
-              "Integer_model::Set: value[1], length[4]\n"
+    Open_enum entry(Enum_arguments().default_value(1));
+    entry.map_enum_to_options.clear();
+    for (const int key : {2, 3, 0}) {
+        EXPECT_EQ(entry.set(key), 0);
+        EXPECT_EQ(entry.stored(), key);
+        EXPECT_TRUE(entry.map_enum_to_options.empty()) << "setting looks up no key";
+    }
+}
+
+TEST(EnumSetValue, ReportsWithoutAMap) {
+    Open_enum entry(Enum_arguments().default_value(1));
+    entry.map_enum_to_options.clear();
+    EXPECT_EQ(capture(GENERAL, [&] { entry.set(2); }).out,
+              "Integer_model::Get: value[1], length[4] m_value[1]\n"
+              "enum set Set_value [2] current_selection=[1]\n"
+              "Integer_model::Set: value[2], length[4]\n"
               "enum set rval 0\n");
 }
 
