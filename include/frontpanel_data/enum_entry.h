@@ -60,8 +60,9 @@ public:
     int Set_value(const void* value, unsigned int length) override;
     // Reads the key from the device, or every eleventh time the options of live data from the card, then
     // applies the binding; `eval_binding` has it evaluate its expressions first. A hidden current option is
-    // replaced by the one at position `Get_min()`, which is committed. 0, or the error of the read. A failed
-    // fetch is no error and leaves the options as they are.
+    // replaced by the one at position `Get_min()`, if there is one, which is committed. A key that the map of
+    // positions lacks is added to it with position 0, allowed or not, unless it is negative. 0, or the error
+    // of the read. A failed fetch is no error and leaves the options as they are.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
     // Moves the selection by `value` visible positions; `position` is not used. Returns 0. -1, and the
     // selection is as before, when no option is visible there: stepping does not wrap.
@@ -170,7 +171,9 @@ protected:
     static uint32_t dynamic_counter;
 
 private:
+    bool is_option(int key) const;
     int current_selection();
+    int position_of_stored(int key);
     int refresh_entry(Data_interface* pDataAccessInf, bool eval_binding);
     void leave_hidden_option(Data_interface* pDataAccessInf);
     bool is_live_data() const;

@@ -227,10 +227,16 @@ int Enum_entry::Get_value(void* value, unsigned int length, int index) {
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "Get_value",
               "Error. No match for value [%d] in map. Returning min=[%d]->[%d]\n", index, Get_min(),
               safe_key);
-    if (safe_key >= 0) {
+    if (is_option(safe_key)) {
         m_model.Set(&safe_key, sizeof safe_key);
     }
     return 1;
+}
+
+// Whether a key may be selected in place of one that cannot stay. What names no option would reach the device
+// with the next commit.
+bool Enum_entry::is_option(int key) const {
+    return 0 <= key && key < m_size_enum;
 }
 
 // Without a map positions are keys, and looking one up would begin a map.
@@ -373,20 +379,27 @@ int Enum_entry::refresh_entry(Data_interface* pDataAccessInf, bool eval_binding)
 
 void Enum_entry::leave_hidden_option(Data_interface* pDataAccessInf) {
     int key = 0;
-    Get_key_enum(&key, sizeof key);
+    m_model.Get(&key, sizeof key);
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "Refresh", "Value of the key =[%d] name=[%s]\n", key,
               Get_name());
-    if (map_enum_to_options[key] != -1) {
+    if (position_of_stored(key) != -1) {
         return;
     }
     const int safe_key = valueToKey(map_enum_to_options, Get_min());
-    if (safe_key < 0) {
-        return;  // every option is hidden: there is no key that the device could be given
+    if (!is_option(safe_key)) {
+        return;  // no option is visible there: there is no key that the device could be given
     }
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "Refresh",
               "Will commit a new and safe value for enum. new enum key[%d] \n", safe_key);
     m_model.Set(&safe_key, sizeof safe_key);
     Commit(pDataAccessInf);
+}
+
+// The key is taken as the device stores it, allowed or not, and gets position 0 if it has none. Intended: a
+// device that stores a key of its own keeps it until the user selects another. A negative number is no key
+// and gets no place in the map: it would stand before the first option and make that impossible to select.
+int Enum_entry::position_of_stored(int key) {
+    return key < 0 ? 0 : map_enum_to_options.try_emplace(key, 0).first->second;
 }
 
 int Enum_entry::Commit(Data_interface* pDataAccessInf) {

@@ -1,4 +1,6 @@
 // Refresh, commit and report of enumerated entries whose options are fixed.
+#include <climits>
+
 #include "enum_fixture.h"
 #include "support/capture.h"
 #include "support/fake_binding.h"
@@ -142,16 +144,82 @@ TEST(EnumRefresh, WritesNothingWhenEveryOptionIsHidden) {
     EXPECT_EQ(entry.stored(), 1);
 }
 
-TEST(EnumRefresh, KeepsAKeyThatIsNotAllowedOutOfTheMap) {
+// What replaces a hidden option must be one that the device knows.
+TEST(EnumRefresh, NeverCommitsAKeyThatNamesNoOption) {
+    for (const int stray : {77, 4, -5}) {
+        SCOPED_TRACE(stray);
+        Fake_device device;
+        device.expect_get_integer(PID, VARIDX, 1);
+        Open_enum entry;
+        entry.map_enum_to_options = {{0, -1}, {1, -1}, {2, -1}, {3, -1}, {stray, 0}};
+        EXPECT_EQ(entry.Refresh(&device, false), 0);
+        EXPECT_EQ(entry.stored(), 1);
+    }
+}
+
+TEST(EnumRefresh, CommitsAVisibleOptionEvenIfItIsNotAllowed) {
+    Fake_device device;
+    device.expect_get_integer(PID, VARIDX, 1);
+    device.expect_set_integer(PID, VARIDX, 3);
+    Open_enum entry(Enum_arguments().min(1).max(2).default_value(1));
+    entry.map_enum_to_options = {{0, 0}, {1, -1}, {2, -1}, {3, 1}};
+    EXPECT_EQ(entry.Refresh(&device, false), 0);
+}
+
+TEST(EnumRefresh, WritesNothingWhenNoVisibleOptionHasTheSmallestPosition) {
+    Fake_device device;
+    device.expect_get_integer(PID, VARIDX, 2);
+    Open_enum entry(Enum_arguments().min(1).default_value(1));
+    entry.map_enum_to_options = {{1, 0}, {2, -1}, {3, -1}};
+    EXPECT_EQ(entry.Refresh(&device, false), 0);
+    EXPECT_EQ(entry.stored(), 2);
+}
+
+// The lookup takes the key as the device stores it.
+TEST(EnumRefresh, GivesAKeyThatIsNotAllowedPositionZero) {
     Fake_device device;
     Open_enum entry;
-    for (const int key : {-5, 77, 78, 79}) {
+    device.expect_get_integer(PID, VARIDX, 77);
+    EXPECT_EQ(capture(GENERAL, [&] { EXPECT_EQ(entry.Refresh(&device, false), 0); }).out,
+              "[Refresh][enum_entry.cpp][#] Enum Entry Refresh name=[Mode]\n"
+              "Integer_model::Refresh before:m_pid=120, m_varidx=3, m_value=0 m_max=[4] "
+              "m_min=[0]\n"
+              "Integer_model::Refresh after:m_pid=120, m_varidx=3, m_value=77 m_max=[4] m_min=[0]\n"
+              "Integer_model::Get: value[77], length[4] m_value[77]\n"
+              "[Refresh][enum_entry.cpp][#] Value of the key =[77] name=[Mode]\n");
+    EXPECT_EQ(entry.map_enum_to_options,
+              (Open_enum::Positions{{0, 0}, {1, 1}, {2, 2}, {3, 3}, {77, 0}}));
+    EXPECT_EQ(entry.stored(), 77);
+    EXPECT_EQ(entry.shown(), "Off");
+    EXPECT_EQ(entry.set(0), 0);
+    EXPECT_EQ(entry.stored(), 0);
+}
+
+// Such a key is not hidden, so the device keeps it even where the smallest key is hidden.
+TEST(EnumRefresh, LeavesAKeyThatIsNotAllowedToTheDevice) {
+    for (const int key : {77, -5}) {
+        SCOPED_TRACE(key);
+        Fake_device device;
+        device.expect_get_integer(PID, VARIDX, key);
+        Open_enum entry;
+        entry.show_only({2, 3});
+        EXPECT_EQ(entry.Refresh(&device, false), 0);
+        EXPECT_EQ(entry.stored(), key);
+    }
+}
+
+TEST(EnumRefresh, GivesANegativeNumberNoPosition) {
+    Fake_device device;
+    Open_enum entry;
+    for (const int key : {-1, -5, INT_MIN}) {
+        SCOPED_TRACE(key);
         device.expect_get_integer(PID, VARIDX, key);
         EXPECT_EQ(entry.Refresh(&device, false), 0);
         EXPECT_EQ(entry.shown(), "Off");
+        EXPECT_EQ(entry.shown(20, 0), "Off");
+        EXPECT_EQ(entry.set(0), 0) << "the first option can still be selected";
     }
     EXPECT_EQ(entry.map_enum_to_options.size(), 4U);
-    EXPECT_EQ(entry.set(0), 0);
 }
 
 TEST(EnumRefresh, GivesAnUnknownKeyPositionZero) {

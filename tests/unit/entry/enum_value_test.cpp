@@ -283,6 +283,18 @@ TEST(EnumGetValueOfPosition, SelectsNothingWhenEveryOptionIsHidden) {
     EXPECT_EQ(entry.stored(), 3);
 }
 
+// The next commit would write it to the device.
+TEST(EnumGetValueOfPosition, NeverSelectsAKeyThatNamesNoOption) {
+    for (const int stray : {77, 4, -5}) {
+        SCOPED_TRACE(stray);
+        Open_enum entry(Enum_arguments().default_value(3));
+        entry.map_enum_to_options = {{1, 1}, {stray, 0}};
+        int key = -99;
+        EXPECT_EQ(entry.Get_value(&key, sizeof key, 2), 1);
+        EXPECT_EQ(entry.stored(), 3);
+    }
+}
+
 TEST(EnumGetValueOfPosition, RefusesAKeyThatIsNotAllowed) {
     Open_enum entry(Enum_arguments().min(1).max(2).default_value(1));
     entry.map_enum_to_options = {{0, 1}, {1, 0}, {2, 2}};
