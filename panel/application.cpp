@@ -13,6 +13,7 @@
 #include "options.h"
 #include "output_log.h"
 #include "script_player.h"
+#include "shipped.h"
 #include "text_display.h"
 
 namespace panel {

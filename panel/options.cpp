@@ -6,6 +6,8 @@
 #include <optional>
 
 #include "input_error.h"
+#include "output_log.h"
+#include "shipped.h"
 
 namespace panel {
 namespace {
@@ -39,14 +41,18 @@ std::string parse_size(const std::string& text, Lcd_size& size) {
     return "";
 }
 
-std::string shipped(const char* name) {
-    return std::string(FRONTPANEL_MENU_DIR) + "/" + name;
+// An empty name is refused: it mostly comes from a variable that was never set.
+void add_file(CLI::App& app, const std::string& name, std::string& file,
+              const std::string& description) {
+    app.add_option(name, file, description)->type_name("FILE")->check([](const std::string& given) {
+        return given.empty() ? "expected the name of a file" : std::string();
+    });
 }
 
 void describe(CLI::App& app, Options& options) {
-    app.add_option("--menu", options.menu, "The menu to show (docs/menu-file.md)");
-    app.add_option("--script", options.script,
-                   "Play this script without a terminal (docs/scripts.md)");
+    add_file(app, "--menu", options.menu, "The menu to show (docs/menu-file.md)");
+    add_file(app, "--script", options.script,
+             "Play this script without a terminal (docs/scripts.md)");
     app.add_option_function<std::string>(
            "--size",
            [&options](const std::string& text) {
@@ -57,20 +63,14 @@ void describe(CLI::App& app, Options& options) {
            },
            "Columns and rows of the display, 20x2 unless told")
         ->type_name("COLUMNSxROWS");
-    app.add_option("--log", options.log, "Where the library's diagnostics go");
-    app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401");
-    app.add_flag("--check", options.check, "Only check the menu file");
+    add_file(app, "--log", options.log,
+             "Where the library's diagnostics go, " + default_log_file() + " unless told");
+    app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401")
+        ->type_name("MASK");
+    app.add_flag("--check", options.check, "Only check the menu, and the script if one is named");
 }
 
 }  // namespace
-
-std::string shipped_menu() {
-    return shipped("demo.json");
-}
-
-std::string shipped_tour() {
-    return shipped("tour.script");
-}
 
 std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
                                          std::ostream& errors) {

@@ -22,12 +22,8 @@ struct Options {
     std::string log;     // file; empty: the default place
     Lcd_size size;
     uint32_t debug = 0;  // mask of the library's diagnostics
-    bool check = false;  // only check the menu
+    bool check = false;  // only check the menu, and the script if one is named
 };
-
-// The shipped menu and the tour that goes with it.
-std::string shipped_menu();
-std::string shipped_tour();
 
 // The options, or the status to exit with: after the help was printed to `out`, or one line that tells what
 // is wrong to `errors`.

@@ -5,6 +5,8 @@
 #include <sstream>
 #include <vector>
 
+#include "shipped.h"
+
 namespace panel {
 namespace {
 
@@ -80,6 +82,16 @@ TEST(Options, AnUnknownOptionIsOneLineAndStatusTwo) {
         EXPECT_EQ(std::get<int>(outcome.result), 2) << arguments[0];
         EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << outcome.errors;
         EXPECT_EQ(outcome.errors.rfind("frontpanel: ", 0), 0U) << outcome.errors;
+    }
+}
+
+TEST(Options, AFileWithoutANameIsRefused) {
+    for (const char* option : {"--menu", "--script", "--log"}) {
+        const Outcome outcome = parse({option, ""});
+        ASSERT_NE(std::get_if<int>(&outcome.result), nullptr) << option;
+        EXPECT_EQ(std::get<int>(outcome.result), 2) << option;
+        EXPECT_EQ(outcome.errors,
+                  std::string("frontpanel: ") + option + ": expected the name of a file\n");
     }
 }
 
