@@ -68,15 +68,23 @@ Output_log::~Output_log() {
     std::fflush(stdout);
     dup2(m_buffer.descriptor(), STDOUT_FILENO);
     close(m_buffer.descriptor());
+    return_errors();
+}
+
+// Standard error may be closed: then there is nothing to take, and nothing to return.
+void Output_log::take_errors() {
+    m_errors = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     if (m_errors >= 0) {
-        dup2(m_errors, STDERR_FILENO);
-        close(m_errors);
+        dup2(STDOUT_FILENO, STDERR_FILENO);
     }
 }
 
-void Output_log::take_errors() {
-    m_errors = duplicate(STDERR_FILENO);
-    dup2(STDOUT_FILENO, STDERR_FILENO);
+void Output_log::return_errors() {
+    if (m_errors >= 0) {
+        dup2(m_errors, STDERR_FILENO);
+        close(m_errors);
+        m_errors = -1;
+    }
 }
 
 int Output_log::Descriptor_buffer::overflow(int character) {

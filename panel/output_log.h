@@ -24,9 +24,10 @@ public:
     // What was standard output. Bad once something could not be written there.
     std::ostream& out() { return m_out; }
     int out_descriptor() const { return m_buffer.descriptor(); }
-    // Takes standard error into the log too, for as long as the object lives: the terminal has no place for
-    // it while the panel is on the screen.
+    // Takes standard error into the log too, until it is returned or the object is gone: the terminal has no
+    // place for it while the panel is on the screen.
     void take_errors();
+    void return_errors();
 
 private:
     class Descriptor_buffer : public std::streambuf {

@@ -19,7 +19,8 @@ constexpr int LED_ROWS = 1;
 constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the rest of an arrow key
 constexpr int ESCAPE = 27;
 constexpr int LAST_FUNCTION_KEY = 12;
-constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT, SIGSYS,
+                                 SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2};
 
 constexpr const char* LEGEND[] = {
     "Up / Down      turn the encoder",
@@ -28,17 +29,31 @@ constexpr const char* LEGEND[] = {
     "1-9, F1-F12    shortcuts   q           quit",
 };
 
-// A crash must not leave the terminal without echo; then it goes its way.
+// What ends the process must not leave the terminal without echo; then it goes its way.
 extern "C" void restore_terminal(int signal_number) {
     endwin();
     std::signal(signal_number, SIG_DFL);
     std::raise(signal_number);
 }
 
+// A signal that is ignored stays so.
 void handle_crashes(void (*handler)(int)) {
     for (const int signal_number : CRASH_SIGNALS) {
-        std::signal(signal_number, handler);
+        if (std::signal(signal_number, handler) == SIG_IGN) {
+            std::signal(signal_number, SIG_IGN);
+        }
     }
+}
+
+// Whether the terminal can put its cursor anywhere: without that there is no picture, only its pieces.
+bool moves_cursor() {
+    const char* const sequence = tigetstr("cup");
+    return sequence != nullptr && sequence != reinterpret_cast<char*>(-1);
+}
+
+std::string terminal_type() {
+    const char* const type = std::getenv("TERM");
+    return "terminal type \"" + std::string(type == nullptr ? "" : type) + "\"";
 }
 
 std::string size_text(Lcd_size size) {
@@ -96,9 +111,14 @@ Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nu
     std::setlocale(LC_CTYPE, "");
     m_screen = m_output ? newterm(nullptr, m_output.get(), stdin) : nullptr;
     if (m_screen == nullptr) {
-        const char* const type = std::getenv("TERM");
-        throw Input_error(std::string("terminal type \"") + (type == nullptr ? "" : type) +
-                          "\" is not known: set TERM, or name a script with --script");
+        throw Input_error(terminal_type() +
+                          " is not known: set TERM, or name a script with --script");
+    }
+    if (!moves_cursor()) {
+        endwin();
+        delscreen(m_screen);
+        throw Input_error(terminal_type() +
+                          " cannot move its cursor: set TERM, or name a script with --script");
     }
     handle_crashes(restore_terminal);
     cbreak();

@@ -1,7 +1,7 @@
 // The panel's front on a terminal: a bordered display, LEDs and a legend of the keys.
 //
 // One terminal at a time, from the menu thread. The terminal is as it was before once the object is gone,
-// and also when the process ends by a crash.
+// and also when the process ends by a crash or a signal.
 #ifndef FRONTPANEL_PANEL_TERMINAL_H
 #define FRONTPANEL_PANEL_TERMINAL_H
 
@@ -32,7 +32,7 @@ struct Terminal_event {
 class Terminal : public Display {
 public:
     // `output` is a descriptor of a terminal, which standard input is too. Input_error when the terminal's
-    // type is not known.
+    // type is not known or cannot move its cursor.
     explicit Terminal(int output);
     ~Terminal() override;
 

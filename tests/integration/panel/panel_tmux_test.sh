@@ -143,7 +143,21 @@ wait_for "the legend does not come back" screen_has "quit"
 terminal send-keys q
 ended keys 0
 
-for signal in INT:130 TERM:143 HUP:129 SEGV:139 ABRT:134; do
+# A terminal on which nothing can be placed is refused, and so is none at all.
+terminal send-keys "clear; TERM=dumb '$PANEL'; echo status \$? of dumb" Enter
+wait_for "a terminal without a cursor is not refused" screen_has "status 2 of dumb"
+screen_has 'frontpanel: terminal type "dumb" cannot move its cursor' || fail "no reason for dumb"
+terminal send-keys "clear; TERM= '$PANEL'; echo status \$? of none" Enter
+wait_for "no terminal type is not refused" screen_has "status 2 of none"
+screen_has 'frontpanel: terminal type "" is not known' || fail "no reason for no terminal type"
+
+# With standard error closed the panel runs as ever.
+terminal send-keys "clear; '$PANEL' 2>&-; echo status \$? of closed" Enter
+wait_for "the panel needs standard error" shows_line 1 ">Audio           ..."
+terminal send-keys q
+wait_for "status with standard error closed" screen_has "status 0 of closed"
+
+for signal in INT:130 TERM:143 HUP:129 QUIT:131 SEGV:139 ABRT:134 USR1:138; do
     start "${signal%:*}"
     kill -"${signal%:*}" "$(panel_process)"
     ended "${signal%:*}" "${signal#*:}"

@@ -67,6 +67,21 @@ TEST_F(OutputLog, TakesStandardErrorWhenAskedAndGivesItBack) {
     EXPECT_EQ(content(file("log")), "hidden\n");
 }
 
+TEST_F(OutputLog, ReturnsStandardErrorWhenAsked) {
+    const std::string errors = support::capture(0, [this] {
+                                   Output_log log(file("log"));
+                                   log.take_errors();
+                                   std::fprintf(stderr, "hidden\n");
+                                   log.return_errors();
+                                   std::fprintf(stderr, "seen\n");
+                                   log.return_errors();
+                                   log.take_errors();
+                                   std::fprintf(stderr, "hidden too\n");
+                               }).err;
+    EXPECT_EQ(errors, "seen\n");
+    EXPECT_EQ(content(file("log")), "hidden\nhidden too\n");
+}
+
 TEST_F(OutputLog, AFileThatCannotBeWrittenIsNamed) {
     const std::string missing = file("absent/log");
     try {
