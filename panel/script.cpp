@@ -154,8 +154,10 @@ void read_expect(Line& line, Step& step) {
 
 void read_expect_leds(Line& line, Step& step) {
     step.kind = Step::EXPECT_LEDS;
+    bool none = false;
     do {
         const std::string led = line.word("\"none\", \"edit\" or \"alarm\"");
+        none = none || led == "none";
         if (led == "edit") {
             step.edit = true;
         } else if (led == "alarm") {
@@ -164,6 +166,9 @@ void read_expect_leds(Line& line, Step& step) {
             line.fail("expected \"none\", \"edit\" or \"alarm\", found \"" + led + "\"");
         }
     } while (!line.at_end());
+    if (none && (step.edit || step.alarm)) {
+        line.fail("\"none\" is there beside a LED");
+    }
 }
 
 void read_expect_write(Line& line, Step& step) {

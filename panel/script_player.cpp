@@ -86,6 +86,9 @@ Script_player::~Script_player() {
 
 int Script_player::play(const Script& script) {
     int failures = 0;
+    for (const Step& step : script.steps) {
+        check_parameter(script, step);
+    }
     show();
     for (const Step& step : script.steps) {
         perform(script, step);
@@ -96,6 +99,16 @@ int Script_player::play(const Script& script) {
         }
     }
     return failures;
+}
+
+void Script_player::check_parameter(const Script& script, const Step& step) const {
+    const bool names_one =
+        step.kind == Step::EXPECT_WRITE || step.kind == Step::FAIL || step.kind == Step::SET;
+    const auto [pid, varidx] = step.parameter;
+    if (names_one && m_device.type(pid, varidx) == INVALID_TYPE) {
+        throw Input_error(script.file + ":" + std::to_string(step.line) +
+                          ": the device has no parameter " + name_of(pid, varidx));
+    }
 }
 
 void Script_player::show() {

@@ -26,13 +26,15 @@ public:
     Script_player(const Script_player&) = delete;
     Script_player& operator=(const Script_player&) = delete;
 
-    // Plays to the end. The number of expectations that were not met. Input_error when a step sets a
-    // parameter that the device does not have, or to a value that it cannot hold.
+    // Plays to the end. The number of expectations that were not met. Input_error when a step names a
+    // parameter that the device does not have, before anything is played, or sets one to a value that it
+    // cannot hold.
     int play(const Script& script);
 
 private:
     using Fault = std::tuple<bool, uint32_t, uint32_t>;  // write, pid, variable index
 
+    void check_parameter(const Script& script, const Step& step) const;
     void perform(const Script& script, const Step& step);
     void show();
     void set_fault(const Step& step);

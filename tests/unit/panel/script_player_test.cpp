@@ -82,7 +82,7 @@ select
 up
 select
 expect-no-write
-expect-write 5.1 4
+expect-write 6.1.2 xy
 expect-write 5 4)");
     EXPECT_EQ(outcome.differences,
               "a.script:1: line 1 shows |>Level         3|, expected |>Level         4|\n"
@@ -91,7 +91,7 @@ expect-write 5 4)");
               "a.script:4: LEDs lit: none, expected: edit alarm\n"
               "a.script:5: expected the write 5 = 4, the device got none\n"
               "a.script:9: expected no write, the device got 5 = 4\n"
-              "a.script:10: expected the write 5.1 = 4, the device got 5 = 4\n"
+              "a.script:10: expected the write 6.1.2 = xy, the device got 5 = 4\n"
               "a.script:11: expected the write 5 = 4, the device got none\n");
     EXPECT_EQ(outcome.failures, 8);
 }
@@ -125,7 +125,6 @@ TEST(ScriptPlayer, AValueThatTheDeviceCannotHoldIsAnError) {
     const std::pair<const char*, const char*> ERRORS[] = {
         {"\nset 5 10", "a.script:2: parameter 5 cannot be set to \"10\": "},
         {"set 5 x", "a.script:1: parameter 5 cannot be set to \"x\": "},
-        {"set 7.1 3", "a.script:1: parameter 7.1 cannot be set to \"3\": "},
         {"set 6.1.2 abcde", "a.script:1: parameter 6.1.2 cannot be set to \"abcde\": "}};
     for (const auto& [script, beginning] : ERRORS) {
         try {
@@ -134,6 +133,23 @@ TEST(ScriptPlayer, AValueThatTheDeviceCannotHoldIsAnError) {
         } catch (const Input_error& error) {
             EXPECT_EQ(std::string(error.what()).rfind(beginning, 0), 0U) << error.what();
         }
+    }
+}
+
+TEST(ScriptPlayer, AParameterThatTheDeviceLacksIsAnErrorBeforeAnythingIsPlayed) {
+    for (const char* step :
+         {"set 7.1 3", "fail read 7.1 on", "fail write 7.1 off", "expect-write 7.1 3"}) {
+        std::ostringstream out;
+        Panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
+        Text_display display(out);
+        Script_player player(panel.controller(), panel.device(), display, out, out);
+        try {
+            player.play(parse_script("a.script", std::string("select\n") + step));
+            ADD_FAILURE() << step;
+        } catch (const Input_error& error) {
+            EXPECT_STREQ(error.what(), "a.script:2: the device has no parameter 7.1");
+        }
+        EXPECT_EQ(out.str(), "") << step;
     }
 }
 

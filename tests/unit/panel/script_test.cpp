@@ -109,6 +109,8 @@ TEST(Script, AnErrorNamesFileAndLine) {
         {"expect 1 x|",
          "a.script:1: expected the line between two bars, such as |>Gain       3 dB |"},
         {"expect-leds", "a.script:1: expected \"none\", \"edit\" or \"alarm\""},
+        {"expect-leds edit none", "a.script:1: \"none\" is there beside a LED"},
+        {"expect-leds none alarm", "a.script:1: \"none\" is there beside a LED"},
         {"expect-leds red", "a.script:1: expected \"none\", \"edit\" or \"alarm\", found \"red\""},
         {"expect-write", "a.script:1: expected a parameter"},
         {"expect-write x 3",
