@@ -19,12 +19,23 @@
 namespace panel {
 namespace {
 
-int check(const Options& options, std::ostream& out) {
-    const Loaded_menu loaded = load_menu(options.menu);
+// The library tells what is wrong with an expression on standard error, where the panel has one line to say.
+Loaded_menu load(const Options& options, Output_log& log) {
+    log.take_errors();
+    Loaded_menu loaded = load_menu(options.menu);
+    log.return_errors();
+    return loaded;
+}
+
+int check(const Options& options, Output_log& log) {
+    const Loaded_menu loaded = load(options, log);
+    if (!options.script.empty()) {
+        parse_script(options.script, read_input_file(options.script));
+    }
     for (const std::string& warning : loaded.warnings) {
         std::cerr << "warning: " << warning << '\n';
     }
-    out << options.menu << ": a menu of " << loaded.menu->entry_count() << " entries\n";
+    log.out() << options.menu << ": a menu of " << loaded.menu->entry_count() << " entries\n";
     return EXIT_PLAYED;
 }
 
@@ -61,6 +72,7 @@ bool is_interactive(const Options& options, const Output_log& log) {
 }
 
 int show(const Options& options, Output_log& log) {
+    const Loaded_menu loaded = load(options, log);
     Script script;
     if (!is_interactive(options, log)) {
         const std::string file = script_of(options);
@@ -68,7 +80,6 @@ int show(const Options& options, Output_log& log) {
     } else if (isatty(STDIN_FILENO) == 0) {
         throw Input_error("standard input is no terminal: name a script with --script");
     }
-    const Loaded_menu loaded = load_menu(options.menu);
     Menu& menu = *loaded.menu;
     VarIdDataInfStore::m_pDataAccessInf = &menu.device();
     Controller controller(menu.root(), link_to(menu.device()), options.size);
@@ -92,7 +103,7 @@ int run(int argc, const char* const* argv) {
     try {
         Output_log log(options.log);
         debug = options.debug;
-        return options.check ? check(options, log.out()) : show(options, log);
+        return options.check ? check(options, log) : show(options, log);
     } catch (const Input_error& error) {
         std::cerr << "frontpanel: " << error.what() << '\n';
         return EXIT_BAD_INPUT;

@@ -8,6 +8,7 @@
 namespace panel {
 namespace {
 
+constexpr size_t LONGEST_LINE = 1000;  // a message may quote what somebody wrote, however long
 constexpr std::streamsize LARGEST_FILE = std::streamsize{4} * 1024 * 1024;
 
 }  // namespace
@@ -15,10 +16,16 @@ constexpr std::streamsize LARGEST_FILE = std::streamsize{4} * 1024 * 1024;
 std::string one_line(std::string text) {
     const auto is_control = [](char byte) { return (byte >= 0 && byte < ' ') || byte == 0x7F; };
     std::replace_if(text.begin(), text.end(), is_control, '?');
+    if (text.size() > LONGEST_LINE) {
+        text.replace(LONGEST_LINE / 2, text.size() - LONGEST_LINE, " ... ");
+    }
     return text;
 }
 
 std::string read_input_file(const std::string& path) {
+    if (path.empty()) {
+        throw Input_error("a file without a name cannot be opened");
+    }
     errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file) {

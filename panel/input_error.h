@@ -7,7 +7,8 @@
 
 namespace panel {
 
-// A text on one line: control characters, which a quoted input may hold, become '?'.
+// A text on one line: control characters, which a quoted input may hold, become '?', and the middle of a
+// text beyond 1000 bytes is left out.
 std::string one_line(std::string text);
 
 // `what()` is one line: file, place in it, and what was expected.

@@ -32,6 +32,7 @@ constexpr size_t SLOT_LINE_ROOM =
     31;  // what a slot list writes to each of its texts, terminator included
 constexpr const char* NO_OPTION_YET = "-";
 constexpr const char* ALWAYS = "*";  // a product option that holds on every product
+constexpr size_t MOST_ITEMS = 1000;  // of one menu: the library walks its list for each of them
 
 // The lowest and the highest value of an entry.
 struct Bounds {
@@ -173,7 +174,11 @@ void Loader::load(const Json_value& file) {
 
 // Of an option that several products bring, the highest value counts.
 void Loader::load_options(const Json_value& options) {
+    const auto is_printable = [](char byte) { return byte >= ' ' && byte <= '~'; };
     for (const std::string& name : options.names()) {
+        if (!std::all_of(name.begin(), name.end(), is_printable)) {
+            options.fail("expected option names of printable ASCII characters");
+        }
         const Json_value place = options.member(name.c_str());
         const auto value = static_cast<unsigned int>(place.integer(0, HIGHEST));
         if (name.empty()) {
@@ -195,6 +200,10 @@ void Loader::load_items(const Json_value& menu, Data_entry& parent, unsigned int
     const std::vector<Json_value> items = list.items();
     if (items.empty()) {
         list.fail("expected at least one item");
+    }
+    if (items.size() > MOST_ITEMS) {
+        list.fail("expected at most " + std::to_string(MOST_ITEMS) + " items, found " +
+                  std::to_string(items.size()));
     }
     if (level > DEEPEST_MENU) {
         list.fail("menus are nested more than " + std::to_string(DEEPEST_MENU) + " deep");
@@ -497,9 +506,13 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
     }
     entry.Set_binding_object(binding.release());
     for (const var_index_s& key : entry.Get_var_index_map_keys(0)) {
-        if (m_device.parameter(key.var, varidx_of(key.index)) == nullptr) {
+        const Parameter* const parameter = m_device.parameter(key.var, varidx_of(key.index));
+        if (parameter == nullptr) {
             source->fail("the device has no parameter " + std::to_string(key.var) +
                          " with this index");
+        }
+        if (parameter->type != key.rt) {
+            source->fail("parameter " + std::to_string(key.var) + " is of another type");
         }
     }
 }

@@ -29,9 +29,12 @@ printf 'select\nexpect 1 |>Gain 1       0.0 dB|\n' >good.script
 printf 'select\nexpect 1 |>Gain 1       9.9 dB|\n' >different.script
 printf 'select\n\njump\n' >unknown.script
 printf 'set 100.1 5000\n' >impossible.script
+printf 'select\nfail read 999 on\n' >fault.script
 printf '{"device": {"parameters": []},\n "menu": [}\n' >syntax.json
 printf '{"device": {"parameters": []}, "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 7}]}}' >pid.json
 printf '{"device": {"parameters": [{"pid": 7, "type": "integer", "min": 0, "max": 9, "value": 1}]}, "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 7}]}}' >small.json
+parentheses=$(printf '(%.0s' {1..200})
+sed "s/\"pid\": 7}]}}/\"pid\": 7, \"value_format\": \"${parentheses}v${parentheses//(/)}\"}]}}/" small.json >deep.json
 
 expect 0 ""
 expect 0 "" --script good.script
@@ -49,6 +52,15 @@ expect 2 'frontpanel: syntax.json:2:11: Invalid value.' --check --menu syntax.js
 expect 2 'frontpanel: pid.json: /menu/items/0/pid: the device has no parameter 7 with this index' --check --menu pid.json
 expect 2 'frontpanel: --size: expected COLUMNSxROWS from 16x2 to 80x16, found "5x1"' --size 5x1
 expect 2 'frontpanel: standard output is no terminal: name a script with --script' --menu small.json
+expect 2 'frontpanel: syntax.json:2:11: Invalid value.' --menu syntax.json
+expect 2 'frontpanel: absent.json: cannot be opened: No such file or directory' --menu absent.json
+expect 2 'frontpanel: deep.json: /menu/items/0/value_format: not an expression in v' --check --menu deep.json
+expect 2 'frontpanel: deep.json: /menu/items/0/value_format: not an expression in v' --menu deep.json
+expect 2 'frontpanel: --script: expected the name of a file' --script ''
+expect 0 "" --check --script good.script
+expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --check --script unknown.script
+expect 2 'frontpanel: fault.script:2: the device has no parameter 999' --script fault.script
+[ ! -s out ] || fail "a script with an unknown parameter was played"
 expect 2 'frontpanel: standard output is no terminal: name a script with --script' --size 40x4
 expect 2 'frontpanel: absent/log: cannot be written: No such file or directory' --log absent/log
 

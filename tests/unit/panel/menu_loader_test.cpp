@@ -28,6 +28,14 @@ std::string nested(int depth) {
     return item;
 }
 
+std::string items_in_one_menu(int count) {
+    std::string items;
+    for (int i = 0; i < count; ++i) {
+        items += std::string(i == 0 ? "" : ",") + R"({"type": "range", "name": "L", "pid": 5})";
+    }
+    return items;
+}
+
 TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
     const std::string repeated_pid = std::string(LEVEL) + "," + LEVEL;
     const Error_case CASES[] = {
@@ -49,6 +57,8 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /options/dolby: expected a whole number from 0 to 2147483647, found -1"},
         {menu_text(LEVEL, nested(0), R"({"": 1})"),
          "menu.json: /options: expected option names of at least one character"},
+        {menu_text(LEVEL, nested(0), R"({"a\u0000b": 1, "a": 2})"),
+         "menu.json: /options: expected option names of printable ASCII characters"},
         {R"({"device": {"parameters": {}}})",
          "menu.json: /device/parameters: expected a list, found an object"},
         {R"({"device": {"parameter": []}})", "menu.json: /device: unknown member \"parameter\""},
@@ -150,6 +160,13 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /menu/items/0/options/0: expected a text of 1 to 256 characters, found 0"},
         {with_range(R"("binding": "visible if 99 == 1")"),
          "menu.json: /menu/items/0/binding: the device has no parameter 99 with this index"},
+        {with_range(R"("binding": "visible if 5 == \"on\"")"),
+         "menu.json: /menu/items/0/binding: parameter 5 is of another type"},
+        {with_range(R"("binding": "visible if 6 == 1")"),
+         "menu.json: /menu/items/0/binding: parameter 6 is of another type"},
+        {menu_text(LEVEL, items_in_one_menu(1001)),
+         "menu.json: /menu/items: expected at most 1000 items, found 1001"},
+        {menu_text(LEVEL, items_in_one_menu(1000)), ""},
     };
     for (const Error_case& expected : CASES) {
         EXPECT_EQ(error_of(expected.text), expected.error) << expected.text.substr(0, 300);
@@ -159,6 +176,14 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
 TEST(MenuLoader, ABindingsErrorComesWithItsPlace) {
     const std::string error = error_of(with_range(R"("binding": "visible if 5 == ")"));
     EXPECT_EQ(error.rfind("menu.json: /menu/items/0/binding: line 1, column 17: ", 0), 0U) << error;
+}
+
+TEST(MenuLoader, AMessageStaysOneLineOfReadableLengthWhateverItQuotes) {
+    const std::string error =
+        error_of(with_item(R"({"type": ")" + std::string(100000, 'x') + "\"}"));
+    EXPECT_LT(error.size(), 1100U);
+    EXPECT_EQ(error.rfind("menu.json: /menu/items/0/type: expected one of \"node\"", 0), 0U);
+    EXPECT_EQ(error.substr(error.size() - 3), "xx\"");
 }
 
 TEST(MenuLoader, AMissingFileIsNamed) {
