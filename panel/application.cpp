@@ -4,9 +4,11 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <optional>
 #include <variant>
 
 #include "controller.h"
+#include "curl_home.h"
 #include "input_error.h"
 #include "interactive.h"
 #include "menu_loader.h"
@@ -20,15 +22,15 @@ namespace panel {
 namespace {
 
 // The library tells what is wrong with an expression on standard error, where the panel has one line to say.
-Loaded_menu load(const Options& options, Output_log& log) {
+Loaded_menu load(const Options& options, Output_log& log, Cards cards) {
     log.take_errors();
-    Loaded_menu loaded = load_menu(options.menu);
+    Loaded_menu loaded = load_menu(options.menu, cards);
     log.return_errors();
     return loaded;
 }
 
 int check(const Options& options, Output_log& log) {
-    const Loaded_menu loaded = load(options, log);
+    const Loaded_menu loaded = load(options, log, Cards::OFF);
     if (!options.script.empty()) {
         parse_script(options.script, read_input_file(options.script));
     }
@@ -39,9 +41,9 @@ int check(const Options& options, Output_log& log) {
     return EXIT_PLAYED;
 }
 
-int play(const Script& script, Controller& controller, Memory_device& device, std::ostream& out) {
+int play(const Script& script, Controller& controller, Menu& menu, std::ostream& out) {
     Text_display display(out);
-    Script_player player(controller, device, display, out, std::cerr);
+    Script_player player(controller, menu.device(), menu.cards(), display, out, std::cerr);
     const int differences = player.play(script);
     if (differences != 0) {
         std::cerr << script.file << ": " << differences << " expectation"
@@ -71,8 +73,24 @@ bool is_interactive(const Options& options, const Output_log& log) {
     return options.script.empty() && isatty(log.out_descriptor()) != 0;
 }
 
+// The answer to a post is kept in a plain file of /dev, whose name is all capitals.
+bool can_post() {
+    return access("/dev/NULL", W_OK) == 0 || access("/dev", W_OK) == 0;
+}
+
+// What the transfers of live data need while the cards run.
+std::optional<Curl_home> prepare_transfers(Menu& menu) {
+    if (menu.cards() == nullptr) {
+        return std::nullopt;
+    }
+    if (!can_post()) {
+        std::cerr << "warning: live values cannot be posted: /dev is not writable\n";
+    }
+    return std::optional<Curl_home>(std::in_place);
+}
+
 int show(const Options& options, Output_log& log) {
-    const Loaded_menu loaded = load(options, log);
+    const Loaded_menu loaded = load(options, log, Cards::ON);
     Script script;
     if (!is_interactive(options, log)) {
         const std::string file = script_of(options);
@@ -81,6 +99,7 @@ int show(const Options& options, Output_log& log) {
         throw Input_error("standard input is no terminal: name a script with --script");
     }
     Menu& menu = *loaded.menu;
+    const std::optional<Curl_home> curl_home = prepare_transfers(menu);
     VarIdDataInfStore::m_pDataAccessInf = &menu.device();
     Controller controller(menu.root(), link_to(menu.device()), options.size);
     menu.bindings()->set_warning_listener(
@@ -89,7 +108,7 @@ int show(const Options& options, Output_log& log) {
         log.take_errors();
         return use_terminal(controller, log.out_descriptor());
     }
-    return play(script, controller, menu.device(), log.out());
+    return play(script, controller, menu, log.out());
 }
 
 }  // namespace

@@ -14,6 +14,14 @@ int display_string(Data_entry& entry, char* buffer, unsigned int length) {
     }
 }
 
+// A fetch counts the options that were there before it, so that a list that has just grown would lack its
+// end on the display.
+void count_live_options(Data_entry& entry) {
+    if (is_live(entry)) {
+        static_cast<Enum_entry&>(entry).updateControlOptionMap();
+    }
+}
+
 }  // namespace
 
 Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step) {
@@ -23,8 +31,10 @@ Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step) {
 }
 
 int refresh(Data_entry& entry, Data_interface& device) {
-    return Data_entry::EntryTypeSpecificOperation(&entry, &device, nullptr, true,
-                                                  Data_entry::OPERATION_REFRESH, nullptr);
+    const int result = Data_entry::EntryTypeSpecificOperation(
+        &entry, &device, nullptr, true, Data_entry::OPERATION_REFRESH, nullptr);
+    count_live_options(entry);
+    return result;
 }
 
 bool is_menu(const Data_entry& entry) {
@@ -35,15 +45,20 @@ bool is_warning(const Data_entry& entry) {
     return entry.Get_entry_type() == Data_entry::STRING_LEAF && entry.Get_pid() == WARNING_PID;
 }
 
+bool is_live_pid(uint32_t pid) {
+    return pid >= static_cast<uint32_t>(FIRST_LIVE_PID) &&
+           pid <= static_cast<uint32_t>(LAST_LIVE_PID);
+}
+
 bool is_live(const Data_entry& entry) {
-    return entry.Get_entry_type() == Data_entry::ENUM_LEAF && entry.Get_pid() >= FIRST_LIVE_PID &&
-           entry.Get_pid() <= LAST_LIVE_PID;
+    return entry.Get_entry_type() == Data_entry::ENUM_LEAF && is_live_pid(entry.Get_pid());
 }
 
 std::optional<std::string> display_value(Data_entry& entry, int columns) {
     if (is_menu(entry)) {
         return std::string();
     }
+    count_live_options(entry);
     // An entry terminates at position `columns` and may leave the column before it as it finds it.
     std::vector<char> buffer(static_cast<size_t>(columns) + 1, ' ');
     buffer.back() = '\0';

@@ -5,6 +5,7 @@
 
 #include <frontpanel_data/data_entry.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -12,8 +13,8 @@ namespace panel {
 
 // The parameter of warning texts, and those of options that come from a card.
 constexpr unsigned int WARNING_PID = 65549;
-constexpr unsigned int FIRST_LIVE_PID = 9000;
-constexpr unsigned int LAST_LIVE_PID = 9100;
+constexpr int FIRST_LIVE_PID = 9000;
+constexpr int LAST_LIVE_PID = 9100;
 
 // The neighbour that one of the dispatcher's link steps delivers; null for none.
 Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step);
@@ -26,6 +27,7 @@ bool is_menu(const Data_entry& entry);
 // Whether the entry is a warning text, which is shown until it is acknowledged.
 bool is_warning(const Data_entry& entry);
 // Whether the entry's options come from a card and not its value from the device.
+bool is_live_pid(uint32_t pid);
 bool is_live(const Data_entry& entry);
 
 // The value as the display shows it, at most `columns` characters; a text that does not fit scrolls by one

@@ -3,13 +3,21 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "entry_access.h"
 #include "input_error.h"
 
 namespace panel {
 
 Menu::Menu() : m_bindings(std::make_shared<Binding_registry>(&m_device)) {}
 
-Menu::~Menu() = default;
+// An entry's destructor leaves the list that its card sent last to whoever may still show it.
+Menu::~Menu() {
+    for (const std::unique_ptr<Data_entry>& entry : m_entries) {
+        if (is_live(*entry)) {
+            entry->Update_value(nullptr, 0);
+        }
+    }
+}
 
 void Menu::start_cards() {
     try {

@@ -329,7 +329,7 @@ void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int
         return;
     }
     const Leaf leaf = leaf_of(item, pid_of(item));
-    if (leaf.pid >= FIRST_LIVE_PID && leaf.pid <= LAST_LIVE_PID) {
+    if (is_live_pid(leaf.pid)) {
         item.member("pid").fail("parameters 9000 to 9100 are of items with \"live\"");
     }
     const Parameter& parameter = parameter_of(item, *leaf.index, INTEGER);

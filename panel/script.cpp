@@ -5,6 +5,7 @@
 #include <optional>
 #include <sstream>
 
+#include "entry_access.h"
 #include "input_error.h"
 #include "lcd.h"
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr int MOST_REPEATS = 1000;
 constexpr int LAST_BUTTON = 99;
+constexpr int LAST_SLOT = 15;
 constexpr uint32_t LAST_LEVEL = 255;
 
 // The words of one line, from left to right.
@@ -181,6 +183,14 @@ void read_expect_no_write(Line& /*line*/, Step& step) {
     step.kind = Step::EXPECT_NO_WRITE;
 }
 
+void read_expect_selected(Line& line, Step& step) {
+    step.kind = Step::EXPECT_SELECTED;
+    step.slot = line.number(1, LAST_SLOT, "a slot");
+    step.parameter.pid =
+        static_cast<uint32_t>(line.number(FIRST_LIVE_PID, LAST_LIVE_PID, "a list of a card"));
+    step.option = line.number(0, MOST_REPEATS, "an option");
+}
+
 void read_fail(Line& line, Step& step) {
     step.kind = Step::FAIL;
     step.write = line.either("write", "read");
@@ -212,6 +222,7 @@ constexpr Word WORDS[] = {{"up", read_up},
                           {"expect-leds", read_expect_leds},
                           {"expect-write", read_expect_write},
                           {"expect-no-write", read_expect_no_write},
+                          {"expect-selected", read_expect_selected},
                           {"fail", read_fail},
                           {"set", read_set}};
 

@@ -24,6 +24,7 @@ struct Step {
         EXPECT_LEDS,
         EXPECT_WRITE,
         EXPECT_NO_WRITE,
+        EXPECT_SELECTED,
         FAIL,
         SET
     };
@@ -38,6 +39,8 @@ struct Step {
     bool edit = false;         // EXPECT_LEDS
     bool alarm = false;        // EXPECT_LEDS
     Parameter_name parameter;  // EXPECT_WRITE, FAIL, SET
+    int slot = 0;              // EXPECT_SELECTED: the card's
+    int option = 0;            // EXPECT_SELECTED: the option's index; `parameter` names the list
     bool write = false;        // FAIL: writing fails, not reading
     bool on = false;           // FAIL: begins, not ends
 };

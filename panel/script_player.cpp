@@ -61,10 +61,12 @@ bool matches(const std::string& line, const std::string& pattern) {
     return pattern.find_first_not_of('*', in_pattern) == std::string::npos;
 }
 
-Script_player::Script_player(Controller& controller, Memory_device& device, Display& display,
-                             std::ostream& out, std::ostream& differences)
+Script_player::Script_player(Controller& controller, Memory_device& device,
+                             const Card_service* cards, Display& display, std::ostream& out,
+                             std::ostream& differences)
     : m_controller(controller),
       m_device(device),
+      m_cards(cards),
       m_display(display),
       m_out(out),
       m_differences(differences) {
@@ -139,6 +141,7 @@ void Script_player::perform(const Script& script, const Step& step) {
         case Step::EXPECT_LEDS:
         case Step::EXPECT_WRITE:
         case Step::EXPECT_NO_WRITE:
+        case Step::EXPECT_SELECTED:
             break;
     }
 }
@@ -177,6 +180,8 @@ std::optional<std::string> Script_player::difference(const Step& step) {
             return led_difference(step);
         case Step::EXPECT_WRITE:
             return write_difference(step);
+        case Step::EXPECT_SELECTED:
+            return selection_difference(step);
         case Step::EXPECT_NO_WRITE:
             if (m_writes.empty()) {
                 return std::nullopt;
@@ -205,6 +210,17 @@ std::optional<std::string> Script_player::led_difference(const Step& step) const
         return std::nullopt;
     }
     return "LEDs lit:" + lit(leds.edit, leds.alarm) + ", expected:" + lit(step.edit, step.alarm);
+}
+
+std::optional<std::string> Script_player::selection_difference(const Step& step) const {
+    const auto pid = static_cast<int>(step.parameter.pid);
+    const int selected = m_cards == nullptr ? -1 : m_cards->selected(step.slot, pid);
+    if (selected == step.option) {
+        return std::nullopt;
+    }
+    return "the card in slot " + std::to_string(step.slot) + " has " +
+           (selected < 0 ? "no option" : "option " + std::to_string(selected)) + " of " +
+           std::to_string(pid) + " selected, expected " + std::to_string(step.option);
 }
 
 std::optional<std::string> Script_player::write_difference(const Step& step) {

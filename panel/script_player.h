@@ -10,6 +10,8 @@
 #include <string>
 #include <tuple>
 
+#include <frontpanel_device/card_service.h>
+
 #include "controller.h"
 #include "display.h"
 #include "script.h"
@@ -18,10 +20,11 @@ namespace panel {
 
 class Script_player {
 public:
-    // Frames go to `display`, what the script says and does to `out`, differences to `differences`. All
-    // arguments outlive the player. The player takes the device's fault and write callbacks.
-    Script_player(Controller& controller, Memory_device& device, Display& display,
-                  std::ostream& out, std::ostream& differences);
+    // Frames go to `display`, what the script says and does to `out`, differences to `differences`; `cards`
+    // is null when none run. All arguments outlive the player. The player takes the device's fault and write
+    // callbacks.
+    Script_player(Controller& controller, Memory_device& device, const Card_service* cards,
+                  Display& display, std::ostream& out, std::ostream& differences);
     ~Script_player();
     Script_player(const Script_player&) = delete;
     Script_player& operator=(const Script_player&) = delete;
@@ -44,9 +47,11 @@ private:
     std::optional<std::string> line_difference(const Step& step) const;
     std::optional<std::string> led_difference(const Step& step) const;
     std::optional<std::string> write_difference(const Step& step);
+    std::optional<std::string> selection_difference(const Step& step) const;
 
     Controller& m_controller;
     Memory_device& m_device;
+    const Card_service* m_cards;
     Display& m_display;
     std::ostream& m_out;
     std::ostream& m_differences;

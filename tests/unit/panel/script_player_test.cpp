@@ -25,7 +25,8 @@ Outcome play(const std::string& script) {
     std::ostringstream out;
     std::ostringstream differences;
     Text_display display(out);
-    Script_player player(panel.controller(), panel.device(), display, out, differences);
+    Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
+                         differences);
     const int failures = player.play(parse_script("a.script", script));
     return {failures, out.str(), differences.str()};
 }
@@ -121,6 +122,11 @@ TEST(ScriptPlayer, TheDeviceChangesByItselfAndFails) {
     EXPECT_EQ(outcome.failures, 0);
 }
 
+TEST(ScriptPlayer, TheSelectionOfACardThatDoesNotRunDiffers) {
+    EXPECT_EQ(play("expect-selected 3 9001 1").differences,
+              "a.script:1: the card in slot 3 has no option of 9001 selected, expected 1\n");
+}
+
 TEST(ScriptPlayer, AValueThatTheDeviceCannotHoldIsAnError) {
     const std::pair<const char*, const char*> ERRORS[] = {
         {"\nset 5 10", "a.script:2: parameter 5 cannot be set to \"10\": "},
@@ -142,7 +148,8 @@ TEST(ScriptPlayer, AParameterThatTheDeviceLacksIsAnErrorBeforeAnythingIsPlayed) 
         std::ostringstream out;
         Panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
         Text_display display(out);
-        Script_player player(panel.controller(), panel.device(), display, out, out);
+        Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
+                             out);
         try {
             player.play(parse_script("a.script", std::string("select\n") + step));
             ADD_FAILURE() << step;

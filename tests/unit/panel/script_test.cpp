@@ -77,6 +77,14 @@ TEST(Script, NamesParametersWithUpToTwoLevels) {
     EXPECT_EQ(only_step("set 100 two words").text, "two words");
 }
 
+TEST(Script, ACardsSelectionIsExpectedBySlotListAndOption) {
+    const Step step = only_step("expect-selected 3 9001 2");
+    EXPECT_EQ(step.kind, Step::EXPECT_SELECTED);
+    EXPECT_EQ(step.slot, 3);
+    EXPECT_EQ(step.parameter.pid, 9001U);
+    EXPECT_EQ(step.option, 2);
+}
+
 TEST(Script, FailuresBeginAndEnd) {
     const Step begins = only_step("fail read 100.1 on");
     EXPECT_EQ(begins.kind, Step::FAIL);
@@ -123,6 +131,10 @@ TEST(Script, AnErrorNamesFileAndLine) {
          "a.script:1: expected a parameter such as 100 or 100.1.2, found \"1.256\""},
         {"expect-no-write 3",
          "a.script:1: nothing is expected behind \"expect-no-write\" but \"3\" is there"},
+        {"expect-selected 3 9001", "a.script:1: expected an option"},
+        {"expect-selected 0 9001 1", "a.script:1: expected a slot from 1 to 15, found \"0\""},
+        {"expect-selected 3 5 1",
+         "a.script:1: expected a list of a card from 9000 to 9100, found \"5\""},
         {"fail", "a.script:1: expected \"write\" or \"read\""},
         {"fail all 3 on", "a.script:1: expected \"write\" or \"read\", found \"all\""},
         {"fail read 3", "a.script:1: expected \"on\" or \"off\""},

@@ -1,0 +1,30 @@
+// Settings of the panel's own for the `curl` commands that fetch and post live data: they end soon, take no
+// endless answer and ask no proxy, so that a card that hangs does not stop the panel.
+#ifndef FRONTPANEL_PANEL_CURL_HOME_H
+#define FRONTPANEL_PANEL_CURL_HOME_H
+
+#include <optional>
+#include <string>
+
+namespace panel {
+
+class Curl_home {
+public:
+    // Writes the settings to a new folder among the temporary files and points CURL_HOME to it. Input_error
+    // when that fails.
+    Curl_home();
+    // Removes the folder; CURL_HOME is what it was.
+    ~Curl_home();
+    Curl_home(const Curl_home&) = delete;
+    Curl_home& operator=(const Curl_home&) = delete;
+
+    const std::string& folder() const { return m_folder; }
+
+private:
+    std::string m_folder;
+    std::optional<std::string> m_before;
+};
+
+}  // namespace panel
+
+#endif
