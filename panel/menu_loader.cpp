@@ -499,6 +499,13 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
     if (!compiled.ok()) {
         source->fail(compiled.error->text());
     }
+    for (const Binding_interval& interval : compiled.intervals) {
+        if (bounds && (interval.max < bounds->min || interval.min > bounds->max)) {
+            source->fail("range " + std::to_string(interval.min) + ".." +
+                         std::to_string(interval.max) + " holds no value from " +
+                         std::to_string(bounds->min) + " to " + std::to_string(bounds->max));
+        }
+    }
     auto binding = std::make_unique<Expression_binding>(m_menu.bindings());
     binding->addBindingList(compiled.list);
     if (bounds) {

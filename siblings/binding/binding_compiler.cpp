@@ -65,7 +65,7 @@ private:
         return range;
     }
 
-    Interval interval() {
+    Binding_interval interval() {
         const int32_t first = integer();
         expect("..");
         const int32_t last = integer();

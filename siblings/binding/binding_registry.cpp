@@ -19,6 +19,8 @@ Compile_result Binding_registry::compile(std::string_view source) {
     try {
         for (Binding_rule& rule : compile_binding_rules(source)) {
             result.list.push_back(static_cast<int>(m_rules.size()));
+            result.intervals.insert(result.intervals.end(), rule.intervals.begin(),
+                                    rule.intervals.end());
             m_rules.push_back(std::make_unique<const Binding_rule>(std::move(rule)));
         }
     } catch (const Compile_error& error) {

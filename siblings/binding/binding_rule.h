@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include <frontpanel_binding/binding_registry.h>
 #include <frontpanel_data/binding.h>
 
 enum class Comparison_operator { EQUAL, NOT_EQUAL, LESS, LESS_EQUAL, GREATER, GREATER_EQUAL };
@@ -19,15 +20,9 @@ struct Comparison {
 using Conjunction = std::vector<Comparison>;  // all of them
 using Condition = std::vector<Conjunction>;   // any of them; empty holds always
 
-// A closed range, min <= max.
-struct Interval {
-    int32_t min;
-    int32_t max;
-};
-
 struct Binding_rule {
     Suggestion_kind kind;
-    std::vector<Interval> intervals;  // of a range rule
+    std::vector<Binding_interval> intervals;  // of a range rule
     Condition condition;
 };
 

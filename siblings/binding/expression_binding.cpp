@@ -73,11 +73,13 @@ std::optional<std::vector<int>> range_of(Data_entry* entry) {
 }
 
 // Overlapping ranges would make a step pass the same values twice.
-std::vector<std::vector<int>> merged(std::vector<Interval> intervals) {
+std::vector<std::vector<int>> merged(std::vector<Binding_interval> intervals) {
     std::sort(intervals.begin(), intervals.end(),
-              [](const Interval& left, const Interval& right) { return left.min < right.min; });
+              [](const Binding_interval& left, const Binding_interval& right) {
+                  return left.min < right.min;
+              });
     std::vector<std::vector<int>> ranges;
-    for (const Interval& interval : intervals) {
+    for (const Binding_interval& interval : intervals) {
         if (!ranges.empty() && int64_t{interval.min} <= int64_t{ranges.back()[1]} + 1) {
             ranges.back()[1] = std::max(ranges.back()[1], interval.max);
         } else {
@@ -303,7 +305,7 @@ std::optional<Expression_binding::Ranges> Expression_binding::ranges_of(
     if ((rule_kinds() & SUGGESTION_RANGE) == 0) {
         return std::nullopt;
     }
-    std::vector<Interval> intervals;
+    std::vector<Binding_interval> intervals;
     for (const Binding_rule* const rule : m_rules) {
         if (rule->kind != SUGGESTION_RANGE) {
             continue;

@@ -193,6 +193,19 @@ TEST(Binding_rules, AVeryLongConditionCompiles) {
     EXPECT_EQ(compiled(source), "i0 1");
 }
 
+TEST(Binding_rules, TheRangesOfATextAreTold) {
+    Binding_registry registry;
+    const Compile_result result =
+        registry.compile("range 5..2, 7..7; visible if 100 == 1; range -4..-1 if 100 == 2");
+    ASSERT_EQ(result.intervals.size(), 3U);
+    const std::pair<int, int> RANGES[] = {{2, 5}, {7, 7}, {-4, -1}};
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(result.intervals[i].min, RANGES[i].first) << i;
+        EXPECT_EQ(result.intervals[i].max, RANGES[i].second) << i;
+    }
+    EXPECT_TRUE(registry.compile("range 1..2; range").intervals.empty());
+}
+
 TEST(Binding_rules, NothingIsKeptOfARefusedText) {
     Binding_registry registry;
     const Compile_result refused = registry.compile("visible if 100 == 1; range 3");

@@ -281,7 +281,8 @@ TEST(Controller, WarningsOfAValueAreShownOneByOneAndTheEditGoesOn) {
 
 TEST(Controller, AnEntryWithoutAllowedValueShowsNoneAndTakesNone) {
     Panel panel(menu_text(PARAMETERS, R"(
-        {"type": "range", "name": "Width", "pid": 102, "binding": "range 200..300 if 103 == 0"})"));
+        {"type": "range", "name": "Width", "pid": 102, "binding": "range 70..80 if 103 == 0",
+         "ranges": [{"min": 0, "max": 60}, {"min": 90, "max": 100}]})"));
     EXPECT_EQ(panel.lines(), (Lines{">Width           ---", "                    "}));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "value refused       "}));

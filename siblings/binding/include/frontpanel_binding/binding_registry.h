@@ -7,6 +7,7 @@
 #define FRONTPANEL_BINDING_BINDING_REGISTRY_H
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -27,9 +28,17 @@ struct Compile_error {
     std::string text() const;  // "line 1, column 12: MESSAGE"
 };
 
+// A closed range, min <= max.
+struct Binding_interval {
+    std::int32_t min;
+    std::int32_t max;
+};
+
 // The list of a source text, or the error and an empty list.
 struct Compile_result {
     BindingListT list;
+    std::vector<Binding_interval>
+        intervals;  // of the text's range rules, for whoever knows the entry's bounds
     std::optional<Compile_error> error;
 
     bool ok() const { return !error; }
