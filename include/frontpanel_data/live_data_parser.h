@@ -56,9 +56,9 @@ public:
     LiveJSDataParser(const LiveJSDataParser&) = delete;
     LiveJSDataParser& operator=(const LiveJSDataParser&) = delete;
 
-    // Reads a regular file of at most 64 MiB. The caller owns the result, which needs the file no longer, and
-    // hands it to `FreeDocument`. Null when the file cannot be opened or is not one JSON text; `message`
-    // then says which.
+    // Reads a regular file of at most 64 MiB and six million values. The caller owns the result, which needs
+    // the file no longer, and hands it to `FreeDocument`. Null when the file cannot be opened or is not one
+    // JSON text; `message` then says which.
     rapidjson::Document* ParseJSON(const char* filename);
 
     // Reads the options of a combo-box document. The list belongs to the parser and is valid until the next

@@ -23,6 +23,9 @@ using rapidjson::Document;
 using rapidjson::Value;
 
 constexpr off_t MAX_DOCUMENT_BYTES = 64 * 1024 * 1024;
+// A value takes up to 34 bytes for as little as one byte of the document, and the parser does not survive that
+// there is no memory.
+constexpr std::size_t MAX_VALUES = 6 * 1024 * 1024;
 // A field holds this many asterisks and its terminator.
 constexpr unsigned int MAX_DEPTH = 255;
 // A node takes two kilobytes for as little as three bytes of the document.
@@ -56,22 +59,35 @@ char* copy_text(const char* text, std::size_t length) {
     return copy;
 }
 
-// Reads a file of `size` bytes into the document's own memory. Null without memory.
-char* read_text(std::FILE* file, std::size_t size, Document& document) {
+// Reads `size` bytes into the document's own memory, where they are zero-terminated; sets `size` to what there
+// was. Null without memory.
+char* read_text(std::FILE* file, std::size_t& size, Document& document) {
     char* const text = static_cast<char*>(document.GetAllocator().Malloc(size + 1));
     if (text != nullptr) {
-        text[std::fread(text, 1, size, file)] = '\0';
+        size = std::fread(text, 1, size, file);
+        text[size] = '\0';
     }
     return text;
+}
+
+// Counts what may begin a value, also where it is part of a text.
+bool has_too_many_values(const char* text, std::size_t size) {
+    if (size <= MAX_VALUES) {
+        return false;
+    }
+    const auto count = std::count_if(
+        text, text + size, [](char c) { return c == ',' || c == ':' || c == '[' || c == '{'; });
+    return static_cast<std::size_t>(count) > MAX_VALUES;
 }
 
 // Null when all went well, else the reason.
 const char* parse_file(std::FILE* file, Document& document) {
     struct stat status;
     if (fstat(fileno(file), &status) != 0 || status.st_size > MAX_DOCUMENT_BYTES) return TOO_LARGE;
-    const auto size = static_cast<std::size_t>(status.st_size);
+    auto size = static_cast<std::size_t>(status.st_size);
     char* const text = read_text(file, size, document);
     if (text == nullptr) return NO_MEMORY;
+    if (has_too_many_values(text, size)) return TOO_LARGE;
     // In place, since copying every text out of a stream takes longer than all that follows. Iteratively:
     // the depth of the document must not decide how much stack the panel needs.
     rapidjson::InsituStringStream stream(text);

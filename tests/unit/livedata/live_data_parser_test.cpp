@@ -433,6 +433,26 @@ TEST(Live_data_combo_box, ADocumentOverTheLimitIsRefusedUnread) {
                        box.failure("The document is too large."));
 }
 
+// Each value takes many times the memory that it takes in the file.
+TEST(Live_data_combo_box, ADocumentOfTooManyValuesIsRefusedUnparsed) {
+    const std::size_t most = 6 * 1024 * 1024;
+    for (const char* piece : {",0", ":0", "[", "{"}) {
+        std::string document;
+        for (std::size_t i = 0; i <= most; ++i) {
+            document += piece;
+        }
+        Combo_box box(document);
+        const std::string out =
+            output_of(LIVE_DATA_MASK, [&] { EXPECT_EQ(box.parser.parseComboBox(), nullptr); });
+        EXPECT_EQ(out, box.parsing() + "Could not parse JSON file \"" + box.name() + "\"\n" +
+                           box.failure("The document is too large."))
+            << piece;
+    }
+    Combo_box long_label(R"({"options":[{"value":"","label":")" + std::string(most + 100, 'x') +
+                         "\"}]}");
+    EXPECT_NE(long_label.parser.parseComboBox(), nullptr);
+}
+
 TEST(Live_data_combo_box, ASecondParseStartsAfresh) {
     Combo_box box(TWO_OPTIONS);
     const List* const first = box.parser.parseComboBox();
