@@ -68,7 +68,9 @@ Data_entry* Editor_set::close(Data_entry& entry) {
         operate(entry, editor.selection, Data_entry::OPERATION_ESCAPE, &entry);
     operate(entry, editor.selection, Data_entry::OPERATION_EXIT_LEDS, nullptr);
     // The dispatcher closes no editor of options or times.
-    editor.selection->ExitLEDs();
+    if (editor.selection != nullptr) {
+        editor.selection->ExitLEDs();
+    }
     return target;
 }
 
