@@ -1,5 +1,6 @@
 #include "application.h"
 
+#include <fcntl.h>
 #include <frontpanel_data/data_entry.h>
 #include <unistd.h>
 
@@ -111,9 +112,23 @@ int show(const Options& options, Output_log& log) {
     return play(script, controller, menu, log.out());
 }
 
+// A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to
+// standard error would then disturb.
+void hold_standard_error() {
+    if (fcntl(STDERR_FILENO, F_GETFD) >= 0) {
+        return;
+    }
+    const int nothing = open("/dev/null", O_WRONLY);
+    if (nothing >= 0 && nothing != STDERR_FILENO) {
+        dup2(nothing, STDERR_FILENO);
+        close(nothing);
+    }
+}
+
 }  // namespace
 
 int run(int argc, const char* const* argv) {
+    hold_standard_error();
     const auto parsed = parse_options(argc, argv, std::cout, std::cerr);
     if (const int* const status = std::get_if<int>(&parsed)) {
         return *status;
