@@ -1,5 +1,6 @@
 #include "entry_access.h"
 
+#include <array>
 #include <vector>
 
 namespace panel {
@@ -12,6 +13,18 @@ int display_string(Data_entry& entry, char* buffer, unsigned int length) {
         default:
             return entry.Get_display_string(buffer, length);
     }
+}
+
+// A slot's line is filled with blanks up to its alias. One that has none fits the display without them.
+std::optional<std::string> short_slot_line(Data_entry& entry, int columns) {
+    std::array<char, MAX_STRING_LENGTH + 1> line{};
+    if (entry.Get_display_string(line.data(), line.size() - 1) != 0) {
+        return std::nullopt;
+    }
+    std::string text = line.data();
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text.size() <= static_cast<size_t>(columns) ? std::optional<std::string>(text)
+                                                       : std::nullopt;
 }
 
 // A fetch counts the options that were there before it, so that a list that has just grown would lack its
@@ -59,6 +72,11 @@ std::optional<std::string> display_value(Data_entry& entry, int columns) {
         return std::string();
     }
     count_live_options(entry);
+    if (entry.Get_entry_type() == Data_entry::SLOT_ENUM) {
+        if (const auto line = short_slot_line(entry, columns)) {
+            return line;
+        }
+    }
     // An entry terminates at position `columns` and may leave the column before it as it finds it.
     std::vector<char> buffer(static_cast<size_t>(columns) + 1, ' ');
     buffer.back() = '\0';

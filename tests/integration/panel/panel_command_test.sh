@@ -16,13 +16,18 @@ fail() {
     FAILURES=$((FAILURES + 1))
 }
 
-# expect STATUS ERRORS ARGUMENT...: runs the panel and compares status and standard error as a whole.
+# Posting to a card needs a writable /dev. Where there is none, every panel with cards says so first.
+NO_POSTS="warning: live values cannot be posted: /dev is not writable"
+if [ -w /dev ] || [ -w /dev/NULL ]; then NOTE=; else NOTE=$NO_POSTS; fi
+
+# expect STATUS ERRORS ARGUMENT...: runs the panel and compares status and standard error as a whole, but for
+# that note.
 expect() {
     local status=0 wanted=$1 errors=$2
     shift 2
     "$PANEL" "$@" >out 2>errors </dev/null || status=$?
     [ "$status" -eq "$wanted" ] || fail "frontpanel $*: status $status, expected $wanted"
-    [ "$(cat errors)" = "$errors" ] || fail "frontpanel $*: said '$(cat errors)', expected '$errors'"
+    [ "$(grep -vxF "$NO_POSTS" errors)" = "$errors" ] || fail "frontpanel $*: said '$(cat errors)', expected '$errors'"
 }
 
 printf 'select\nexpect 1 |>Gain 1       0.0 dB|\n' >good.script
@@ -72,9 +77,15 @@ grep -q '^\[' out && fail "diagnostics on standard output"
 "$PANEL" --script good.script >/dev/null || fail "status with the default log"
 [ -f "$FOLDER/frontpanel.log" ] || fail "no log in the state folder"
 
+# Cards run while a menu with some is shown, and leave nothing behind.
+mkdir temporary
+TMPDIR=$FOLDER/temporary "$PANEL" --script good.script >/dev/null 2>errors || fail "status with TMPDIR"
+[ "$(cat errors)" = "$NOTE" ] || fail "said '$(cat errors)', expected '$NOTE'"
+rmdir temporary || fail "the folder for temporary files is not empty"
+
 if [ -w /dev/full ]; then
     "$PANEL" --script good.script >/dev/full 2>errors && fail "a full device went unnoticed"
-    [ "$(cat errors)" = "frontpanel: standard output cannot be written" ] || fail "said '$(cat errors)'"
+    [ "$(grep -vxF "$NO_POSTS" errors)" = "frontpanel: standard output cannot be written" ] || fail "said '$(cat errors)'"
 fi
 
 [ "$FAILURES" -eq 0 ]
