@@ -23,8 +23,8 @@ using rapidjson::Document;
 using rapidjson::Value;
 
 constexpr off_t MAX_DOCUMENT_BYTES = 64 * 1024 * 1024;
-// A value takes up to 34 bytes for as little as one byte of the document, and the parser does not survive that
-// there is no memory.
+// A value takes up to 34 bytes for as little as one byte of the document, and the JSON library crashes when
+// memory runs out.
 constexpr std::size_t MAX_VALUES = 6 * 1024 * 1024;
 // A field holds this many asterisks and its terminator.
 constexpr unsigned int MAX_DEPTH = 255;
