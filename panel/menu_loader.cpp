@@ -385,8 +385,13 @@ void Loader::set_choices(const Json_value& list, Enum_entry& entry,
     product_options[ALWAYS] = 1;
     entry.setProductOptions(product_options);
     entry.Set_control_options(options);
-    if (entry.optionControls().empty()) {
+    const ControlsT offered = entry.optionControls();
+    if (offered.empty()) {
         list.fail("expected at least one choice that is allowed with these product options");
+    }
+    // An entry shows only as many keys as it has visible options.
+    if (offered.back() >= static_cast<int>(offered.size())) {
+        m_warnings.push_back(list.message("a choice behind a hidden one may show as ---"));
     }
     entry.updateControlOptionMap();
 }

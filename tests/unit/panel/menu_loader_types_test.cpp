@@ -168,6 +168,16 @@ TEST(MenuLoaderTypes, AChoiceWithoutProductOptionsStaysBesideThoseThatHaveSome) 
     auto* const entry = dynamic_cast<Enum_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(entry, nullptr);
     EXPECT_EQ(entry->optionControls(), (ControlsT{0, 2}));
+    EXPECT_EQ(loaded.warnings, (std::vector<std::string>{
+                                   "menu.json: /menu/items/0/choices: a choice behind a hidden "
+                                   "one may show as ---"}));
+}
+
+TEST(MenuLoaderTypes, HiddenChoicesAtTheEndOfTheListAreNotWarnedOf) {
+    const Loaded_menu loaded = load_menu_text("menu.json", with_item("enum", R"("pid": 5,
+        "choices": ["Off", {"text": "GPS", "options": ["gps"]},
+                    {"text": "Modem", "options": ["modem"]}])"));
+    EXPECT_TRUE(loaded.warnings.empty());
 }
 
 TEST(MenuLoaderTypes, BindingsShowAndHideEveryType) {
