@@ -25,7 +25,7 @@ constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT, SI
 constexpr const char* LEGEND[] = {
     "Up / Down      turn the encoder",
     "Enter / Right  select      Esc / Left  back",
-    "+ / -          larger / smaller step",
+    "+ / -          coarser, left / finer, right",
     "1-9, F1-F12    shortcuts   q           quit",
 };
 
