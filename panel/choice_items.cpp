@@ -1,0 +1,142 @@
+#include <algorithm>
+
+#include "entry_access.h"
+#include "loader.h"
+
+namespace panel {
+namespace {
+
+constexpr int MOST_SLOTS = Memory_device::SLOT_COUNT - 1;
+// What a slot list writes to each of its texts, terminator included.
+constexpr size_t SLOT_LINE_ROOM = 31;
+constexpr const char* NO_OPTION_YET = "-";
+constexpr const char* ALWAYS = "*";  // a product option that holds on every product
+
+}  // namespace
+
+void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
+    if (item.find("live")) {
+        build_live_enum(item, parent, level);
+        return;
+    }
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    if (is_live_pid(leaf.pid)) {
+        item.member("pid").fail("parameters 9000 to 9100 are of items with \"live\"");
+    }
+    const Parameter& parameter = parameter_of(item, *leaf.index, INTEGER);
+    const Json_value list = item.member("choices");
+    const std::vector<Choice> choices = choices_of(list);
+    const int last = static_cast<int>(choices.size()) - 1;
+    if (choices.empty() || parameter.min != 0 || parameter.max != last) {
+        list.fail("expected a choice for each value of the parameter, " +
+                  std::to_string(parameter.min) + " to " + std::to_string(parameter.max) +
+                  ", counted from 0, found " + std::to_string(choices.size()));
+    }
+    std::vector<std::string> texts;
+    for (const Choice& choice : choices) {
+        texts.push_back(choice.text);
+    }
+    Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, last, 0,
+        m_menu.keep_texts(texts), static_cast<unsigned int>(texts.size()), parent, leaf.access,
+        leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr, nullptr, nullptr,
+        nullptr));
+    finish(item, entry, level);
+    set_choices(list, entry, choices);
+    bind(item, entry, std::nullopt);
+}
+
+std::vector<Choice> Loader::choices_of(const Json_value& list) {
+    std::vector<Choice> choices;
+    for (const Json_value& item : list.items()) {
+        if (item.is_text()) {
+            choices.push_back({item.text_of_length(1, LONGEST_TEXT), {}});
+            continue;
+        }
+        item.expect_members({"text", "options"});
+        choices.push_back({item.member("text").text_of_length(1, LONGEST_TEXT),
+                           option_names(item.member("options"))});
+    }
+    return choices;
+}
+
+// As soon as one choice needs product options, the entry shows only choices whose options hold.
+void Loader::set_choices(const Json_value& list, Enum_entry& entry,
+                         const std::vector<Choice>& choices) {
+    const auto has_options = [](const Choice& choice) { return !choice.options.empty(); };
+    if (std::none_of(choices.begin(), choices.end(), has_options)) {
+        return;
+    }
+    std::map<int, std::vector<std::string>> options;
+    for (const Choice& choice : choices) {
+        const auto key = static_cast<int>(options.size());
+        options[key] = has_options(choice) ? choice.options : std::vector<std::string>{ALWAYS};
+    }
+    std::map<std::string, unsigned int> product_options = m_options;
+    product_options[ALWAYS] = 1;
+    entry.setProductOptions(product_options);
+    entry.Set_control_options(options);
+    const ControlsT offered = entry.optionControls();
+    if (offered.empty()) {
+        list.fail("expected at least one choice that is allowed with these product options");
+    }
+    // An entry shows only as many keys as it has visible options.
+    if (offered.back() >= static_cast<int>(offered.size())) {
+        m_warnings.push_back(list.message("a choice behind a hidden one may show as ---"));
+    }
+    entry.updateControlOptionMap();
+}
+
+void Loader::build_live_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
+    static const std::map<std::string, std::string> WEB_TYPES{{"combobox", "json-dynamic-combobox"},
+                                                              {"tree", "jsontree"}};
+    const Leaf leaf = leaf_of(
+        item, static_cast<uint32_t>(item.member("pid").integer(FIRST_LIVE_PID, LAST_LIVE_PID)));
+    const Json_value live = item.member("live");
+    live.expect_members({"slot", "web-type"});
+    if (const auto choices = item.find("choices")) {
+        choices->fail("the choices of an item with \"live\" come from its card");
+    }
+    const int slot = static_cast<int>(live.member("slot").integer(1, MOST_SLOTS));
+    const Json_value web_type = live.member("web-type");
+    const auto type = WEB_TYPES.find(web_type.text());
+    if (type == WEB_TYPES.end()) {
+        web_type.fail("expected \"combobox\" or \"tree\", found \"" + web_type.text() + "\"");
+    }
+    if (!m_device.has_document(slot, leaf.pid, type->first == "tree")) {
+        live.fail("no card in slot " + std::to_string(slot) + " has a " + type->first + " " +
+                  std::to_string(leaf.pid));
+    }
+    char** const texts = m_menu.keep_texts({NO_OPTION_YET, type->second, "list"});
+    Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, 0, 0, texts, 1U,
+        parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
+        nullptr, texts[1], texts[2], m_menu.add_processor(slot)));
+    finish(item, entry, level);
+    bind(item, entry, std::nullopt);
+}
+
+void Loader::build_slot(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    const Parameter& parameter = parameter_of(item, *leaf.index, INTEGER);
+    if (parameter.min != 0 || parameter.max >= MOST_SLOTS) {
+        item.member("pid").fail("expected a parameter from 0 to at most " +
+                                std::to_string(MOST_SLOTS - 1) + " for a slot list");
+    }
+    // Such an entry refreshes its lines and never its rules.
+    if (const auto rules = item.find("binding")) {
+        rules->fail("a slot list follows no rules: its node can");
+    }
+    std::vector<std::string> lines;
+    for (int slot = 1; slot <= parameter.max + 1; ++slot) {
+        lines.push_back(std::to_string(slot));
+    }
+    Slot_enum_entry& entry = m_menu.add(std::make_unique<Slot_enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, parameter.max, 0,
+        nullptr, m_menu.keep_texts(lines, SLOT_LINE_ROOM), static_cast<unsigned int>(lines.size()),
+        nullptr, parent, leaf.access, nullptr, leaf.visible, true, Data_entry::SHORTCUT_NONE,
+        nullptr, nullptr, nullptr));
+    finish(item, entry, level);
+}
+
+}  // namespace panel

@@ -1,0 +1,56 @@
+#include "entry_access.h"
+#include "loader.h"
+
+namespace panel {
+namespace {
+
+constexpr size_t LONGEST_ADDRESS = 15;
+
+}  // namespace
+
+template <typename Entry, typename... Length>
+void Loader::add_text_entry(const Json_value& item, const Leaf& leaf, Data_entry* parent,
+                            unsigned int level, Length... length) {
+    Entry& entry = m_menu.add(std::make_unique<Entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, length..., parent,
+        leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
+    finish(item, entry, level);
+    bind(item, entry, std::nullopt);
+}
+
+void Loader::build_text(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    if (leaf.pid == WARNING_PID) {
+        item.member("pid").fail("parameter " + std::to_string(WARNING_PID) +
+                                " is shown by items of type \"warning\"");
+    }
+    const Parameter& parameter = parameter_of(item, *leaf.index, STRING);
+    add_text_entry<String_entry>(item, leaf, parent, level,
+                                 static_cast<unsigned int>(parameter.length));
+}
+
+void Loader::build_address(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    if (parameter_of(item, *leaf.index, STRING).length < LONGEST_ADDRESS) {
+        item.member("pid").fail("expected a parameter of at least " +
+                                std::to_string(LONGEST_ADDRESS) + " characters for an address");
+    }
+    add_text_entry<Ip_entry>(item, leaf, parent, level);
+}
+
+void Loader::build_time(const Json_value& item, Data_entry* parent, unsigned int level) {
+    const Leaf leaf = leaf_of(item, pid_of(item));
+    const Parameter& parameter = parameter_of(item, *leaf.index, STRING);
+    add_text_entry<Time_entry>(item, leaf, parent, level,
+                               static_cast<unsigned int>(parameter.length));
+}
+
+void Loader::build_warning(const Json_value& item, Data_entry* parent, unsigned int level) {
+    Leaf leaf = leaf_of(item, WARNING_PID);
+    leaf.access = Data_entry::READ_ONLY;
+    const Parameter& parameter = parameter_of(item, WARNING_PID, *leaf.index, STRING);
+    add_text_entry<String_entry>(item, leaf, parent, level,
+                                 static_cast<unsigned int>(parameter.length));
+}
+
+}  // namespace panel
