@@ -32,10 +32,9 @@ void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int
                   std::to_string(parameter.min) + " to " + std::to_string(parameter.max) +
                   ", counted from 0, found " + std::to_string(choices.size()));
     }
-    std::vector<std::string> texts;
-    for (const Choice& choice : choices) {
-        texts.push_back(choice.text);
-    }
+    std::vector<std::string> texts(choices.size());
+    std::transform(choices.begin(), choices.end(), texts.begin(),
+                   [](const Choice& choice) { return choice.text; });
     Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, last, 0,
         m_menu.keep_texts(texts), static_cast<unsigned int>(texts.size()), parent, leaf.access,

@@ -73,7 +73,7 @@ std::optional<std::string> display_value(Data_entry& entry, int columns) {
     }
     count_live_options(entry);
     if (entry.Get_entry_type() == Data_entry::SLOT_ENUM) {
-        if (const auto line = short_slot_line(entry, columns)) {
+        if (auto line = short_slot_line(entry, columns)) {
             return line;
         }
     }

@@ -25,7 +25,7 @@ std::string Scrolling_text::show(int columns) {
         --m_held;
         return m_text.substr(0, width);
     }
-    const std::string shown = (m_text + ' ' + m_text).substr(m_offset, width);
+    std::string shown = (m_text + ' ' + m_text).substr(m_offset, width);
     m_offset = (m_offset + 1) % m_text.size();
     m_held = m_offset == 0 ? HOLD_CALLS : 0;
     return shown;

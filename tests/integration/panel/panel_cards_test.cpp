@@ -13,7 +13,7 @@ namespace {
 class Cards_panel {
 public:
     Cards_panel(int pid, const std::string& members, const std::string& web_type,
-                const std::string& more = "")
+                const std::string& more = "", bool fetched = true)
         : m_pid(pid),
           m_panel(R"({"device": {"parameters": [], "cards": [{"slot": 3, )" + members +
                       R"(}]}, "menu": {"name": "Main", "items": [
@@ -21,7 +21,15 @@ public:
                       std::to_string(pid) + R"(, "live": {"slot": 3, "web-type": ")" + web_type +
                       "\"}" + more + "}]}}",
                   {20, 2}, Cards::ON) {
-        fetch();
+        if (fetched) {
+            fetch();
+        }
+    }
+    // Lets time pass until the card has been asked for the first time.
+    void wait_for_fetch() {
+        for (int i = 0; i < 11 && card().requests().empty(); ++i) {
+            m_panel.controller().tick();
+        }
     }
     ~Cards_panel() {
         for (const char* const kind : {"-json", "-json.gz", "-post"}) {
@@ -54,6 +62,17 @@ TEST(PanelCards, TheOptionsOfACardAreShown) {
     Cards_panel panel(9061, combo_box(9061), "combobox");
     EXPECT_EQ(panel->lines()[0], ">Live          30 Hz");
     EXPECT_FALSE(panel->leds().alarm);
+}
+
+// The entry itself counts the options from before a fetch, so without the panel's help the end of the first
+// list would be missing.
+TEST(PanelCards, TheFirstFetchShowsTheWholeList) {
+    Cards_panel panel(9069, combo_box(9069, 2), "combobox", "", false);
+    panel.wait_for_fetch();
+    EXPECT_EQ(panel.card().requests().size(), 1U);
+    EXPECT_EQ(panel->lines()[0], ">Live          50 Hz");
+    panel->press(Key::SELECT);
+    EXPECT_EQ(panel->lines()[0], "Live             3/3");
 }
 
 TEST(PanelCards, AChosenOptionIsPosted) {

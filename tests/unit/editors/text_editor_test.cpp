@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 
 #include "editor_fixture.h"
 #include "support/fake_binding.h"
@@ -136,6 +137,31 @@ TEST(TextEditor, ATextOfTheLargestLengthIsEditedWhole) {
     editor.Prepare(&entry);
     press_keys(editor, "255<U");
     EXPECT_EQ(editor.proposed_text(), "B" + std::string(255, 'A'));
+}
+
+TEST(TextEditor, NoKeysMakeATextThatIsTooLongOrCannotBeShown) {
+    std::minstd_rand random(7);
+    constexpr const char* KEYS = "UD<>";
+    for (int run = 0; run < 200; ++run) {
+        const auto max_length = static_cast<unsigned int>(random() % 6);
+        Text entry(std::string("AbC~ ").substr(0, random() % (max_length + 1)), max_length);
+        const std::string before = entry.text();
+        Text_editor editor;
+        editor.Prepare(&entry);
+        for (int i = 0; i < 80; ++i) {
+            press_keys(editor, std::string(1, KEYS[random() % 4]));
+            const Editor_view view = editor.view(4);
+            ASSERT_GE(view.cursor, 0);
+            ASSERT_LT(view.cursor, 4);
+            ASSERT_LE(view.text.size(), 4U);
+            const std::string text = editor.proposed_text();
+            ASSERT_LE(text.size(), max_length);
+            for (const char character : text) {
+                ASSERT_GE(character, ' ');
+            }
+            ASSERT_EQ(entry.text(), before);
+        }
+    }
 }
 
 TEST(TextEditor, AReadOnlyTextIsViewedAndScrolls) {
