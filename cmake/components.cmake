@@ -1,18 +1,5 @@
 # What every component's CMakeLists.txt starts from.
 
-# Adds a component's folder if it is there yet; when it appears, the build configures itself anew.
-function(frontpanel_add_component folder)
-    set(path ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
-    if(EXISTS ${path}/CMakeLists.txt)
-        add_subdirectory(${folder})
-        return()
-    endif()
-    while(NOT EXISTS ${path})
-        cmake_path(GET path PARENT_PATH path)
-    endwhile()
-    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${path})
-endfunction()
-
 # An installed program finds the library beside it, wherever the tree was moved to.
 file(RELATIVE_PATH FRONTPANEL_BIN_TO_LIB /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set(CMAKE_INSTALL_RPATH $ORIGIN/${FRONTPANEL_BIN_TO_LIB})

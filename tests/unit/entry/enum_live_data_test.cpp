@@ -61,7 +61,7 @@ int __wrap__ZN19Live_Data_Processor18createLDCommitFileEiPcS0_i(Live_Data_Proces
                                                                 char* file_name, char* text, int);
 int __wrap__ZN19Live_Data_Processor6CommitEicPc(Live_Data_Processor*, int pid, char format,
                                                 char* file_name);
-void __wrap_syslog(int priority, const char* format, ...);
+__attribute__((format(printf, 2, 3))) void __wrap_syslog(int priority, const char* format, ...);
 
 int __wrap__ZN19Live_Data_Processor7getDataEiciiPPPcPjS3_(Live_Data_Processor*, int pid,
                                                           char format, int web_type, int panel_type,
