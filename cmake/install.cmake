@@ -13,6 +13,10 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/frontpanel_data
     COMPONENT Development
     FILES_MATCHING PATTERN "*.h")
 
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT Runtime)
+
 install(EXPORT frontpanel_dataTargets
     NAMESPACE frontpanel_data::
     DESTINATION ${FRONTPANEL_PACKAGE_DIR}
