@@ -59,26 +59,10 @@ class Live_enumeration : public ::testing::Test {
 protected:
     explicit Live_enumeration(Data_entry::Data_access access = Data_entry::READ_WRITE,
                               const char* web_type = "json-dynamic-combobox")
-        : m_web_type(web_type), m_entry("Fan",
-                                        "The fan's speed",
-                                        PID,
-                                        &m_index,
-                                        0,
-                                        1,
-                                        0,
-                                        m_first_texts,
-                                        1,
-                                        nullptr,
-                                        access,
-                                        Data_entry::VISIBLE_ALL,
-                                        true,
-                                        Data_entry::SHORTCUT_NONE,
-                                        nullptr,
-                                        nullptr,
-                                        nullptr,
-                                        m_web_type.data(),
-                                        m_panel_type,
-                                        &m_processor) {
+        : m_web_type(web_type),
+          m_entry("Fan", "The fan's speed", PID, &m_index, 0, 1, 0, m_first_texts, 1, nullptr,
+                  access, Data_entry::VISIBLE_ALL, true, Data_entry::SHORTCUT_NONE, nullptr,
+                  nullptr, nullptr, m_web_type.data(), m_panel_type, &m_processor) {
         Throttle::reset();
         std::string address = m_service.address();
         m_processor.updateLDP(0, address.data(), SLOT);
