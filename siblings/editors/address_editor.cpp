@@ -1,6 +1,6 @@
 #include <frontpanel_editors/address_editor.h>
+#include <frontpanel_editors/line_text.h>
 
-#include <array>
 #include <sstream>
 #include <vector>
 
@@ -28,10 +28,8 @@ Address_editor::Address_editor() = default;
 Address_editor::~Address_editor() = default;
 
 void Address_editor::start() {
-    std::array<char, MAX_STRING_LENGTH + 1> address = {};
-    edited().Get_value(address.data(), address.size());
-    m_blocks.set(
-        blocks_of(Ip_entry::Valid_ip(address.data()) ? address.data() : Ip_entry::DEFAULT_IP));
+    const std::string address = text_of(edited());
+    m_blocks.set(blocks_of(Ip_entry::Valid_ip(address.c_str()) ? address : Ip_entry::DEFAULT_IP));
     m_blocks.keep_limits(block_limits);
 }
 
@@ -41,8 +39,7 @@ void Address_editor::step(Editor_key key) {
 
 bool Address_editor::accept() {
     const std::string address = m_blocks.text();
-    return Ip_entry::Valid_ip(address.c_str()) &&
-           edited().Set_value(address.c_str(), static_cast<unsigned int>(address.size())) == 0;
+    return Ip_entry::Valid_ip(address.c_str()) && store_text(edited(), address);
 }
 
 void Address_editor::draw(int columns, Editor_view& shown) {

@@ -15,13 +15,12 @@ Text_editor::Text_editor() = default;
 Text_editor::~Text_editor() = default;
 
 void Text_editor::start() {
-    std::array<char, MAX_STRING_LENGTH + 1> text = {};
-    edited().Get_value(text.data(), text.size());
+    const std::string text = text_of(edited());
     m_text.emplace(edited().Get_pid(), edited().Get_index(), edited().Get_max_length());
-    m_text->Set(text.data(), static_cast<unsigned int>(std::string(text.data()).size()));
+    m_text->Set(text.c_str(), static_cast<unsigned int>(text.size()));
     m_marks.assign(m_text->Get_current_length(), TYPED);
     m_position = m_marks.empty() ? BEHIND : 0;
-    m_viewed.set(text.data());
+    m_viewed.set(text);
 }
 
 std::string Text_editor::working_text() {
@@ -96,8 +95,7 @@ void Text_editor::turn(int change) {
 }
 
 bool Text_editor::accept() {
-    const std::string text = proposed_text();
-    return edited().Set_value(text.c_str(), static_cast<unsigned int>(text.size())) == 0;
+    return store_text(edited(), proposed_text());
 }
 
 void Text_editor::draw(int columns, Editor_view& shown) {

@@ -1,7 +1,6 @@
 #include <frontpanel_editors/time_editor.h>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <string_view>
 #include <vector>
@@ -84,10 +83,9 @@ Time_editor::Time_editor() = default;
 Time_editor::~Time_editor() = default;
 
 void Time_editor::start() {
-    std::array<char, MAX_STRING_LENGTH + 1> text = {};
-    edited().Get_value(text.data(), text.size());
-    m_viewed.set(text.data());
-    Parsed_time time = parse(text.data());
+    const std::string text = text_of(edited());
+    m_viewed.set(text);
+    Parsed_time time = parse(text);
     m_kinds = time.kinds;
     m_fields.set(std::move(time.fields), std::move(time.trailing));
     keep_limits();
@@ -122,8 +120,7 @@ void Time_editor::step(Editor_key key) {
 }
 
 bool Time_editor::accept() {
-    const std::string time = m_fields.text();
-    return edited().Set_value(time.c_str(), static_cast<unsigned int>(time.size())) == 0;
+    return store_text(edited(), m_fields.text());
 }
 
 void Time_editor::draw(int columns, Editor_view& shown) {

@@ -1,14 +1,10 @@
 #include <frontpanel_editors/warning_editor.h>
 
-#include <array>
-
 Warning_editor::Warning_editor() = default;
 Warning_editor::~Warning_editor() = default;
 
 void Warning_editor::start() {
-    std::array<char, MAX_STRING_LENGTH + 1> text = {};
-    edited().Get_value(text.data(), text.size());
-    m_text.set(text.data());
+    m_text.set(text_of(edited()));
 }
 
 void Warning_editor::step(Editor_key /*key*/) {}

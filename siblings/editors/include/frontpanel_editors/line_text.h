@@ -1,11 +1,18 @@
-// How editors bring a text onto a display line that may be too short for it.
+// The texts of entries as editors take and store them, and how they bring them onto a display line that may
+// be too short.
 #ifndef FRONTPANEL_EDITORS_LINE_TEXT_H
 #define FRONTPANEL_EDITORS_LINE_TEXT_H
 
 #include <cstddef>
 #include <string>
 
+class String_entry;
 struct Editor_view;
+
+// The whole text of an entry.
+std::string text_of(String_entry& entry);
+// Stores a text; false when the entry refuses it.
+bool store_text(String_entry& entry, const std::string& text);
 
 // A text without cursor: one that is too long is held at its start for two calls, then moves left by one
 // character a call, with one blank between its end and its start, as the entries' own texts do.
