@@ -13,7 +13,7 @@ PANEL_PACKAGES=(
 )
 TEST_PACKAGES=(
     "${PANEL_PACKAGES[@]}"
-    binutils libbenchmark-dev libgmock-dev libgtest-dev locales procps tmux
+    abigail-tools binutils libbenchmark-dev libgmock-dev libgtest-dev locales procps tmux
 )
 # shellcheck disable=SC2034  # used by the scripts that source this
 CI_PACKAGES=(
