@@ -48,7 +48,9 @@ void handle_crashes(void (*handler)(int)) {
 // Whether the terminal can put its cursor anywhere: without that there is no picture, only its pieces.
 bool moves_cursor() {
     const char* const sequence = tigetstr("cup");
-    return sequence != nullptr && sequence != reinterpret_cast<char*>(-1);
+    // terminfo's own mark of a capability that is no text
+    const char* const no_text = reinterpret_cast<char*>(-1);  // NOLINT(performance-no-int-to-ptr)
+    return sequence != nullptr && sequence != no_text;
 }
 
 std::string terminal_type() {

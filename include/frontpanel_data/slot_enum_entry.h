@@ -70,7 +70,7 @@ protected:
 
 private:
     void refresh_address(Data_interface* pDataAccessInf, bool eval_binding);
-    int refresh_lines(Data_interface* pDataAccessInf, bool remote, int selected, int selected_line);
+    int refresh_lines(Data_interface& iface, bool remote, int selected, int selected_line);
     int slot_count() const;
 };
 

@@ -92,7 +92,7 @@ void Binding_scanner::skip_blanks_and_comments() {
 }
 
 Binding_token Binding_scanner::take(Binding_token::Kind kind, std::size_t length) {
-    const Binding_token token{kind, m_rest.substr(0, length), std::string(), m_line, m_column};
+    Binding_token token{kind, m_rest.substr(0, length), std::string(), m_line, m_column};
     m_rest.remove_prefix(length);
     m_column += length;
     if (token.source == "\n") {

@@ -141,7 +141,7 @@ int Slot_enum_entry::Refresh(Data_interface* pDataAccessInf, bool eval_binding, 
     if (local == 0 && sockets != nullptr && sockets->Is_use_selection_local()) {
         return 0;  // the local socket stays selected: the user chose it
     }
-    const int result = refresh_lines(pDataAccessInf, local != 0, selected, selected_line);
+    const int result = refresh_lines(*pDataAccessInf, local != 0, selected, selected_line);
     ENTRY_LINE(REFRESH, FILE_FIRST, "Refresh", "Exiting function. local=[%d]\n", local);
     if (sockets != nullptr) {
         // The answer to "is it local" is the socket that is selected again. Intended: the panel reads from
@@ -160,10 +160,10 @@ void Slot_enum_entry::refresh_address(Data_interface* pDataAccessInf, bool eval_
     string_entry_refresh = true;
 }
 
-int Slot_enum_entry::refresh_lines(Data_interface* pDataAccessInf, bool remote, int selected,
+int Slot_enum_entry::refresh_lines(Data_interface& iface, bool remote, int selected,
                                    int selected_line) {
     PROD_LIST_S products[PRODUCT_RECORDS] = {};
-    const int result = pDataAccessInf->Get_prod_list(products, remote, true);
+    const int result = iface.Get_prod_list(products, remote, true);
     ENTRY_LINE(REFRESH, FUNCTION_ONLY, "Refresh", "Returned slot enum after getting prod list\n");
     if (result != 0) {
         return result;
@@ -171,7 +171,7 @@ int Slot_enum_entry::refresh_lines(Data_interface* pDataAccessInf, bool remote, 
     const Window window(selected, selected_line);
     Line lines[PRODUCT_RECORDS] = {};
     for (int slot = 1; slot <= slot_count(); ++slot) {
-        write_slot(lines[slot], slot, products[slot], window.holds(slot), *pDataAccessInf);
+        write_slot(lines[slot], slot, products[slot], window.holds(slot), iface);
     }
     for (int slot = 1; slot <= slot_count(); ++slot) {
         if (char* const text = option_text(slot - 1)) {

@@ -22,10 +22,10 @@ namespace {
 using rapidjson::Document;
 using rapidjson::Value;
 
-constexpr off_t MAX_DOCUMENT_BYTES = 64 * 1024 * 1024;
+constexpr off_t MAX_DOCUMENT_BYTES = off_t{64} * 1024 * 1024;
 // A value takes up to 34 bytes for as little as one byte of the document, and the JSON library crashes when
 // memory runs out.
-constexpr std::size_t MAX_VALUES = 6 * 1024 * 1024;
+constexpr std::size_t MAX_VALUES = std::size_t{6} * 1024 * 1024;
 // A field holds this many asterisks and its terminator.
 constexpr unsigned int MAX_DEPTH = 255;
 // A node takes two kilobytes for as little as three bytes of the document.
