@@ -23,9 +23,10 @@ constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT, SI
                                  SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2};
 
 constexpr const char* LEGEND[] = {
-    "Up / Down      turn the encoder",
-    "Enter / Right  select      Esc / Left  back",
-    "+ / -          coarser, left / finer, right",
+    "Up / Down      move, change a value",
+    "Enter / Right  open, edit, accept",
+    "Esc / Left     back, discard",
+    "+ / -          step size; cursor in texts",
     "1-9, F1-F12    shortcuts   q           quit",
 };
 

@@ -135,7 +135,7 @@ wait_for "F1 is no shortcut" shows_line 1 ">Gain 1       0.0 dB"
 # A terminal that becomes too small says so, and the panel is back when there is room again.
 terminal resize-window -x 30 -y 8
 wait_for "no message on a small terminal" screen_has "Terminal too small"
-screen_has "needs 43x9, has 30x8" || fail "the sizes are not told"
+screen_has "needs 43x10, has 30x8" || fail "the sizes are not told"
 terminal resize-window -x 80 -y 24
 wait_for "the panel does not come back" shows_line 1 ">Gain 1       0.0 dB"
 wait_for "the legend does not come back" screen_has "quit"

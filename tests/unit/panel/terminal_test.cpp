@@ -48,7 +48,7 @@ TEST(Terminal, TheUsualDisplayFitsASmallTerminal) {
     }
     EXPECT_EQ(terminal_size_for({40, 4}).columns, 43);
     EXPECT_EQ(terminal_size_for({80, 4}).columns, 82);
-    EXPECT_EQ(terminal_size_for({20, 2}).rows, 9);
+    EXPECT_EQ(terminal_size_for({20, 2}).rows, 10);
 }
 
 }  // namespace
