@@ -8,7 +8,6 @@ namespace panel {
 namespace {
 
 constexpr int64_t LAST_PID = int64_t{Data_entry::PID_NONE} - 1;
-constexpr int64_t LAST_INDEX = 255;  // a larger one would overlap the next level
 constexpr size_t MOST_LEVELS = Data_model::S_CURRENT_SUPPORT_DIMENTIONS;
 constexpr size_t LONGEST_NAME = 24;
 

@@ -11,6 +11,7 @@
 
 namespace panel {
 
+constexpr uint16_t LAST_INDEX = 255;  // of a level: a larger one would overlap the next level
 constexpr size_t LONGEST_TEXT = 256;
 
 // "index"; no levels when there is none.

@@ -22,6 +22,13 @@ bool is_instance_of(const std::string& name, const std::string& pattern) {
            std::isdigit(static_cast<unsigned char>(name[prefix.size()])) != 0;
 }
 
+// Whether every level is one that a parameter of a menu can have. `100.256` would be read as `100.0.1` is, and
+// never be evaluated again when that one is written.
+bool is_index_of_menu(const Index_t& index) {
+    return std::all_of(index.m_index, index.m_index + index.m_index_num,
+                       [](uint16_t level) { return level <= LAST_INDEX; });
+}
+
 }  // namespace
 
 const std::vector<Loader::Item_type>& Loader::item_types() {
@@ -180,7 +187,7 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
     entry.Set_binding_object(binding.release());
     for (const var_index_s& key : entry.Get_var_index_map_keys(0)) {
         const Parameter* const parameter = m_device.parameter(key.var, varidx_of(key.index));
-        if (parameter == nullptr) {
+        if (parameter == nullptr || !is_index_of_menu(key.index)) {
             source->fail("the device has no parameter " + std::to_string(key.var) +
                          " with this index");
         }

@@ -160,6 +160,16 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /menu/items/0/options/0: expected a text of 1 to 256 characters, found 0"},
         {with_range(R"("binding": "visible if 99 == 1")"),
          "menu.json: /menu/items/0/binding: the device has no parameter 99 with this index"},
+        {menu_text(
+             R"({"pid": 5, "index": [0, 1], "type": "integer", "min": 0, "max": 9, "value": 1})",
+             R"({"type": "range", "name": "Level", "pid": 5, "index": [0, 1],
+                       "binding": "visible if 5.256 == 1"})"),
+         "menu.json: /menu/items/0/binding: the device has no parameter 5 with this index"},
+        {menu_text(
+             R"({"pid": 5, "index": [0, 1], "type": "integer", "min": 0, "max": 9, "value": 1})",
+             R"({"type": "range", "name": "Level", "pid": 5, "index": [0, 1],
+                       "binding": "visible if 5.0.1 == 1"})"),
+         ""},
         {with_range(R"("binding": "visible if 5 == \"on\"")"),
          "menu.json: /menu/items/0/binding: parameter 5 is of another type"},
         {with_range(R"("binding": "range 40..50, 101..110 if 5 == 1")"),
