@@ -44,6 +44,21 @@ bool is_reachable(Data_entry* entry, const Data_entry& root, Data_interface& dev
     return entry != nullptr;
 }
 
+// A rule may leave a number without any allowed value.
+bool may_take_a_value(Data_entry& entry) {
+    constexpr int SOME_COLUMNS = 16;
+    return entry.Get_entry_type() != Data_entry::RANGE_LEAF ||
+           display_value(entry, SOME_COLUMNS).has_value();
+}
+
+// The entry's own rules and options, taking of its children what was found when they were last asked: they
+// are not read once more.
+bool is_hidden(Data_entry& menu, Data_interface& device) {
+    refresh(menu, device);
+    menu.Set_entry_visible(-1);
+    return menu.isVisible(false, &device) < 0;
+}
+
 }  // namespace
 
 Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size size)
@@ -61,7 +76,7 @@ void Controller::press(const Key& key) {
 
 void Controller::tick() {
     if (m_editor == nullptr) {
-        m_list.refresh();
+        refresh_list();
     }
 }
 
@@ -163,6 +178,10 @@ void Controller::edit(Data_entry& entry) {
         notify(entry.Get_name(), "read error", true);
         return;
     }
+    if (!may_take_a_value(entry)) {
+        notify(entry.Get_name(), "no value allowed", false);
+        return;
+    }
     m_title = title_of(entry);
     m_editor = m_editors.open(entry);
 }
@@ -194,7 +213,22 @@ void Controller::close_editor() {
     if (target == &m_list.menu()) {
         leave();
     } else {
-        m_list.refresh();
+        refresh_list();
+    }
+}
+
+// A menu that is hidden while it is shown, or within one that is, is left.
+void Controller::refresh_list() {
+    m_list.refresh();
+    Data_entry* hidden = nullptr;
+    for (Data_entry* menu = &m_list.menu(); menu != nullptr && menu != &m_root;
+         menu = neighbour(*menu, Data_entry::OPERATION_PARENT)) {
+        if (is_hidden(*menu, m_device.access)) {
+            hidden = menu;
+        }
+    }
+    if (hidden != nullptr) {
+        m_list.open(*neighbour(*hidden, Data_entry::OPERATION_PARENT), hidden);
     }
 }
 

@@ -40,6 +40,7 @@ private:
     void commit_edited();
     void tell_refusal();
     void close_editor();
+    void refresh_list();
     void notify(const std::string& title, const std::string& text, bool alarm);
     std::string title_of(Data_entry& entry) const;
     void draw_editor(Frame& frame);

@@ -144,6 +144,44 @@ TEST(Controller, TheCursorFallsBackToTheLastVisibleEntry) {
     EXPECT_EQ(panel.lines(), (Lines{">Mode              0", "                    "}));
 }
 
+TEST(Controller, AMenuThatIsHiddenWhileItIsShownIsLeft) {
+    Panel panel(menu_text(PARAMETERS, R"(
+        {"type": "range", "name": "Mode", "pid": 101},
+        {"type": "node", "name": "Stereo", "binding": "visible if 101 == 1", "items": [
+            {"type": "node", "name": "Sides", "items": [
+                {"type": "range", "name": "Width", "pid": 102},
+                {"type": "range", "name": "Swap", "pid": 103}]}]},
+        {"type": "range", "name": "Gain", "pid": 100})"));
+    panel.press(Key::DOWN).press(Key::SELECT).press(Key::SELECT);
+    panel.controller().tick();
+    EXPECT_EQ(panel.lines(), (Lines{">Width            50", " Swap              0"}));
+    panel.device().set_integer(101, 0, 0);
+    panel.controller().tick();
+    EXPECT_EQ(panel.lines(), (Lines{">Mode              0", " Gain              3"}));
+}
+
+TEST(Controller, AMenuWhoseLastEntryIsHiddenWhileItIsShownIsLeft) {
+    Panel panel(menu_text(PARAMETERS, R"(
+        {"type": "range", "name": "Mode", "pid": 101},
+        {"type": "node", "name": "Stereo", "items": [
+            {"type": "range", "name": "Width", "pid": 102, "binding": "visible if 101 == 1"}]})"));
+    panel.press(Key::DOWN).press(Key::SELECT);
+    panel.device().set_integer(101, 0, 0);
+    panel.controller().tick();
+    EXPECT_EQ(panel.lines(), (Lines{">Mode              0", "                    "}));
+}
+
+TEST(Controller, AValueThatHidesItsOwnMenuLeavesIt) {
+    Panel panel(menu_text(PARAMETERS, R"(
+        {"type": "range", "name": "Gain", "pid": 100},
+        {"type": "node", "name": "Stereo", "binding": "visible if 101 == 1", "items": [
+            {"type": "range", "name": "Mode", "pid": 101}]})"));
+    panel.press(Key::DOWN).press(Key::SELECT);
+    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{">Gain              3", "                    "}));
+    EXPECT_EQ(panel.device().integer(101, 0), 2);
+}
+
 TEST(Controller, AMenuWithNothingToShowSaysSo) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Width", "pid": 102, "binding": "visible if 101 == 1"})"));
@@ -284,10 +322,13 @@ TEST(Controller, AnEntryWithoutAllowedValueShowsNoneAndTakesNone) {
         {"type": "range", "name": "Width", "pid": 102, "binding": "range 70..80 if 103 == 0",
          "ranges": [{"min": 0, "max": 60}, {"min": 90, "max": 100}]})"));
     EXPECT_EQ(panel.lines(), (Lines{">Width           ---", "                    "}));
-    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "value refused       "}));
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "no value allowed    "}));
+    EXPECT_FALSE(panel.leds().edit);
+    EXPECT_FALSE(panel.leds().alarm);
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{">Width           ---", "                    "}));
     EXPECT_EQ(panel.device().integer(102, 0), 50);
-    panel.press(Key::SELECT).press(Key::BACK);
     panel.device().set_integer(103, 0, 1);
     panel.controller().tick();
     EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
