@@ -63,6 +63,11 @@ void write_slot(Line& line, int slot, const PROD_LIST_S& record, bool shows_alia
     ENTRY_LINE(REFRESH, FUNCTION_ONLY, "Refresh", "slot name2: %s\n", line);
 }
 
+// Null for an interface that reaches one unit only.
+Pdt_data_access* sockets_of(Data_interface& iface) {
+    return dynamic_cast<Pdt_data_access*>(&iface);
+}
+
 }  // namespace
 
 Slot_enum_entry::Slot_enum_entry(const char* name, const char* description, unsigned int pid,
@@ -131,7 +136,7 @@ int Slot_enum_entry::Refresh(Data_interface* pDataAccessInf, bool eval_binding, 
     ENTRY_LINE(REFRESH, FILE_FIRST, "Refresh", "selected=[%d] selected_line=[%d]local=[%d]\n",
                local, selected, selected_line);
     refresh_address(pDataAccessInf, eval_binding);
-    auto* const sockets = dynamic_cast<Pdt_data_access*>(pDataAccessInf);
+    Pdt_data_access* const sockets = sockets_of(*pDataAccessInf);
     int status_before = 0;
     if (sockets != nullptr) {
         status_before = sockets->Is_current_selection_local();
