@@ -130,50 +130,90 @@ struct Ip_case {
     bool valid;
 };
 
-class Syntax : public ::testing::TestWithParam<Ip_case> {};
+constexpr Ip_case IP_CASES[] = {{"1.2.3.4", true},
+                                {"0.0.0.0", true},
+                                {"255.255.255.255", true},
+                                {"127.0.0.1", true},
+                                {"10.1.1.0", true},
+                                {"192.168.100.200", true},
+                                {"99.99.99.99", true},
+                                {"1.22.333.4", false},
+                                {"100.1.1.1", true},
+                                // block counts
+                                {"1.2.3", false},
+                                {"111.222", false},
+                                {"1111111", false},
+                                {"111.222.33", false},
+                                {"1.2.3.4.5", false},
+                                {"1.2.3.4.5.6", false},
+                                {".......", false},
+                                {"1......", false},
+                                // runs of dots vanish
+                                {"1..2.3.4", true},
+                                {"10..0.1.2", true},
+                                {".1.2.3.4", true},
+                                {"1.2.3.4.", true},
+                                {"..1..2..3..4..", true},
+                                {"1...2.3", false},
+                                {"1.2.3.4......................", true},
+                                {"1.2.3.4.....................5", false},
+                                // leading zeros
+                                {"01.2.3.4", false},
+                                {"1.02.3.4", false},
+                                {"1.2.003.4", false},
+                                {"1.2.3.00", false},
+                                {"1.2.3.04", false},
+                                {"000.0.0.0", false},
+                                // values
+                                {"256.1.1.1", false},
+                                {"1.256.1.1", false},
+                                {"1.1.1.256", false},
+                                {"999.1.1.1", false},
+                                {"255.1.1.1", true},
+                                {"1.1.1.255", true},
+                                {"1000.1.1.1", false},
+                                {"1.1.1.1000", false},
+                                {"1.1.1.99999999999", false},
+                                {"4294967297.1.1", false},
+                                // signs
+                                {"-1.2.3.4", true},
+                                {"1.-2.3.4", true},
+                                {"-99.1.1.1", true},
+                                {"-100.1.1.1", false},
+                                {"+1.2.3.4", false},
+                                {"-0.2.3.4", false},
+                                {"--1.2.3.4", false},
+                                {"-.1.2.3.4", false},
+                                {"-01.2.3.4", false},
+                                // other characters
+                                {"1.2.3.4a", false},
+                                {"a.b.c.d", false},
+                                {"1.2.3.4 ", false},
+                                {" 1.2.3.4", false},
+                                {"1. 2.3.4", false},
+                                {"1.2.3.4\n", false},
+                                {"0x1.2.3.4", false},
+                                {"1,2,3,4", false},
+                                {"1.2.3.4/8", false},
+                                {"1e1.2.3.4", false},
+                                {"localhost", false},
+                                {"::1.2.3.4", false},
+                                {"1.2.3.4;ls", false},
+                                {"1.2.3.$4", false},
+                                // lengths
+                                {"", false},
+                                {"1", false},
+                                {"1.2.3.", false},
+                                {"1.2..3", false},
+                                {"1.1.1.1........................", true},
+                                {"1.1.1.1.........................", false},
+                                {"1.1.1.1.............................................x", false}};
 
-TEST_P(Syntax, IsJudged) {
-    EXPECT_EQ(Ip_entry::Valid_ip(GetParam().text), GetParam().valid) << GetParam().text;
+TEST(Ip_syntax, IsJudged) {
+    for (const Ip_case& ip : IP_CASES) {
+        EXPECT_EQ(Ip_entry::Valid_ip(ip.text), ip.valid) << ip.text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Addresses, Syntax,
-    ::testing::Values(
-        Ip_case{"1.2.3.4", true}, Ip_case{"0.0.0.0", true}, Ip_case{"255.255.255.255", true},
-        Ip_case{"127.0.0.1", true}, Ip_case{"10.1.1.0", true}, Ip_case{"192.168.100.200", true},
-        Ip_case{"99.99.99.99", true}, Ip_case{"1.22.333.4", false}, Ip_case{"100.1.1.1", true},
-        // block counts
-        Ip_case{"1.2.3", false}, Ip_case{"111.222", false}, Ip_case{"1111111", false},
-        Ip_case{"111.222.33", false}, Ip_case{"1.2.3.4.5", false}, Ip_case{"1.2.3.4.5.6", false},
-        Ip_case{".......", false}, Ip_case{"1......", false},
-        // runs of dots vanish
-        Ip_case{"1..2.3.4", true}, Ip_case{"10..0.1.2", true}, Ip_case{".1.2.3.4", true},
-        Ip_case{"1.2.3.4.", true}, Ip_case{"..1..2..3..4..", true}, Ip_case{"1...2.3", false},
-        Ip_case{"1.2.3.4......................", true},
-        Ip_case{"1.2.3.4.....................5", false},
-        // leading zeros
-        Ip_case{"01.2.3.4", false}, Ip_case{"1.02.3.4", false}, Ip_case{"1.2.003.4", false},
-        Ip_case{"1.2.3.00", false}, Ip_case{"1.2.3.04", false}, Ip_case{"000.0.0.0", false},
-        // values
-        Ip_case{"256.1.1.1", false}, Ip_case{"1.256.1.1", false}, Ip_case{"1.1.1.256", false},
-        Ip_case{"999.1.1.1", false}, Ip_case{"255.1.1.1", true}, Ip_case{"1.1.1.255", true},
-        Ip_case{"1000.1.1.1", false}, Ip_case{"1.1.1.1000", false},
-        Ip_case{"1.1.1.99999999999", false}, Ip_case{"4294967297.1.1", false},
-        // signs
-        Ip_case{"-1.2.3.4", true}, Ip_case{"1.-2.3.4", true}, Ip_case{"-99.1.1.1", true},
-        Ip_case{"-100.1.1.1", false}, Ip_case{"+1.2.3.4", false}, Ip_case{"-0.2.3.4", false},
-        Ip_case{"--1.2.3.4", false}, Ip_case{"-.1.2.3.4", false}, Ip_case{"-01.2.3.4", false},
-        // other characters
-        Ip_case{"1.2.3.4a", false}, Ip_case{"a.b.c.d", false}, Ip_case{"1.2.3.4 ", false},
-        Ip_case{" 1.2.3.4", false}, Ip_case{"1. 2.3.4", false}, Ip_case{"1.2.3.4\n", false},
-        Ip_case{"0x1.2.3.4", false}, Ip_case{"1,2,3,4", false}, Ip_case{"1.2.3.4/8", false},
-        Ip_case{"1e1.2.3.4", false}, Ip_case{"localhost", false}, Ip_case{"::1.2.3.4", false},
-        Ip_case{"1.2.3.4;ls", false}, Ip_case{"1.2.3.$4", false},
-        // lengths
-        Ip_case{"", false}, Ip_case{"1", false}, Ip_case{"1.2.3.", false}, Ip_case{"1.2..3", false},
-        Ip_case{"1.1.1.1........................", true},
-        Ip_case{"1.1.1.1.........................", false},
-        Ip_case{"1.1.1.1.............................................x", false}));
 
 TEST(Ip_syntax, NullDies) {
     EXPECT_DEATH(Ip_entry::Valid_ip(nullptr), "`ip'");
