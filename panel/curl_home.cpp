@@ -1,5 +1,7 @@
 #include "curl_home.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -20,6 +22,15 @@ constexpr const char* SETTINGS =
     "proto = \"=http\"\n"
     "noproxy = \"*\"\n";
 
+// What a signal handler finds, and removes with calls that it may make.
+const char* made_folder = nullptr;
+const char* made_file = nullptr;
+
+void remove_made() {
+    unlink(made_file);
+    rmdir(made_folder);
+}
+
 std::string make_folder() {
     std::error_code error;
     std::string name = (std::filesystem::temp_directory_path(error) / "frontpanel-XXXXXX").string();
@@ -32,15 +43,16 @@ std::string make_folder() {
 
 }  // namespace
 
-Curl_home::Curl_home() : m_folder(make_folder()) {
+Curl_home::Curl_home() : m_folder(make_folder()), m_file(m_folder + "/.curlrc") {
+    made_folder = m_folder.c_str();
+    made_file = m_file.c_str();
+    m_last_act.emplace(Ending::REQUESTED, remove_made);
     if (const char* const before = std::getenv(VARIABLE)) {
         m_before = before;
     }
-    const std::string file = m_folder + "/.curlrc";
-    if (!(std::ofstream(file) << SETTINGS << std::flush)) {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-        throw Input_error(file + ": cannot be written");
+    if (!(std::ofstream(m_file) << SETTINGS << std::flush)) {
+        remove_made();
+        throw Input_error(m_file + ": cannot be written");
     }
     setenv(VARIABLE, m_folder.c_str(), 1);
 }
@@ -51,8 +63,7 @@ Curl_home::~Curl_home() {
     } else {
         unsetenv(VARIABLE);
     }
-    std::error_code ignored;
-    std::filesystem::remove_all(m_folder, ignored);
+    remove_made();
 }
 
 }  // namespace panel

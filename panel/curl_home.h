@@ -6,14 +6,17 @@
 #include <optional>
 #include <string>
 
+#include "last_act.h"
+
 namespace panel {
 
+// One at a time.
 class Curl_home {
 public:
     // Writes the settings to a new folder among the temporary files and points CURL_HOME to it. Input_error
     // when that fails.
     Curl_home();
-    // Removes the folder; CURL_HOME is what it was.
+    // Removes the folder, as a signal does that asks the process to end; CURL_HOME is what it was.
     ~Curl_home();
     Curl_home(const Curl_home&) = delete;
     Curl_home& operator=(const Curl_home&) = delete;
@@ -22,7 +25,9 @@ public:
 
 private:
     std::string m_folder;
+    std::string m_file;
     std::optional<std::string> m_before;
+    std::optional<Last_act> m_last_act;
 };
 
 }  // namespace panel

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <clocale>
-#include <csignal>
 #include <cstdlib>
 #include <iterator>
 
@@ -19,8 +18,6 @@ constexpr int LED_ROWS = 1;
 constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the rest of an arrow key
 constexpr int ESCAPE = 27;
 constexpr int LAST_FUNCTION_KEY = 12;
-constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS,  SIGFPE,  SIGILL,  SIGABRT, SIGSYS,
-                                 SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2};
 
 constexpr const char* LEGEND[] = {
     "Up / Down      move, change a value",
@@ -30,20 +27,9 @@ constexpr const char* LEGEND[] = {
     "1-9, F1-F12    shortcuts   q           quit",
 };
 
-// What ends the process must not leave the terminal without echo; then it goes its way.
-extern "C" void restore_terminal(int signal_number) {
+// What ends the process must not leave the terminal without echo.
+void restore_terminal() {
     endwin();
-    std::signal(signal_number, SIG_DFL);
-    std::raise(signal_number);
-}
-
-// A signal that is ignored stays so.
-void handle_crashes(void (*handler)(int)) {
-    for (const int signal_number : CRASH_SIGNALS) {
-        if (std::signal(signal_number, handler) == SIG_IGN) {
-            std::signal(signal_number, SIG_IGN);
-        }
-    }
 }
 
 // Whether the terminal can put its cursor anywhere: without that there is no picture, only its pieces.
@@ -123,7 +109,7 @@ Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nu
         throw Input_error(terminal_type() +
                           " cannot move its cursor: set TERM, or name a script with --script");
     }
-    handle_crashes(restore_terminal);
+    m_last_act.emplace(Ending::ANY, restore_terminal);
     cbreak();
     noecho();
     nonl();
@@ -133,8 +119,8 @@ Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nu
 
 Terminal::~Terminal() {
     endwin();
+    m_last_act.reset();
     delscreen(m_screen);
-    handle_crashes(SIG_DFL);
 }
 
 void Terminal::show(const Frame& frame) {

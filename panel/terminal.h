@@ -13,6 +13,7 @@
 
 #include "display.h"
 #include "key.h"
+#include "last_act.h"
 
 struct screen;  // of the curses library
 
@@ -51,6 +52,7 @@ private:
     };
     std::unique_ptr<std::FILE, Close_file> m_output;
     screen* m_screen;
+    std::optional<Last_act> m_last_act;
 };
 
 // What a key of the terminal means; nothing for one without a meaning. `code` is as the curses library has it.

@@ -81,6 +81,20 @@ grep -q '^\[' out && fail "diagnostics on standard output"
 mkdir temporary
 TMPDIR=$FOLDER/temporary "$PANEL" --script good.script >/dev/null 2>errors || fail "status with TMPDIR"
 [ "$(cat errors)" = "$NOTE" ] || fail "said '$(cat errors)', expected '$NOTE'"
+
+# Nor does one that a signal ends, here while nobody takes its output.
+for _ in {1..40}; do echo "tick 1000"; done >long.script
+mkfifo output
+for signal in INT:130 TERM:143 HUP:129 QUIT:131; do
+    TMPDIR=$FOLDER/temporary env --default-signal "$PANEL" --script long.script >output 2>/dev/null &
+    exec 3<output
+    read -r -u 3 _ || fail "no output before SIG${signal%:*}"
+    kill -s "${signal%:*}" $!
+    status=0
+    wait $! || status=$?
+    exec 3<&-
+    [ "$status" -eq "${signal#*:}" ] || fail "status $status after SIG${signal%:*}"
+done
 rmdir temporary || fail "the folder for temporary files is not empty"
 
 if [ -w /dev/full ]; then

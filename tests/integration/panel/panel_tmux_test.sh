@@ -14,7 +14,8 @@ if ! command -v tmux >/dev/null; then
 fi
 
 FOLDER=$(mktemp -d)
-export TMUX_TMPDIR=$FOLDER XDG_STATE_HOME=$FOLDER LC_ALL=C.UTF-8
+mkdir "$FOLDER/temporary"
+export TMUX_TMPDIR=$FOLDER XDG_STATE_HOME=$FOLDER TMPDIR=$FOLDER/temporary LC_ALL=C.UTF-8
 unset TMUX
 terminal() {
     tmux -f /dev/null -L panel "$@"
@@ -162,3 +163,5 @@ for signal in INT:130 TERM:143 HUP:129 QUIT:131 SEGV:139 ABRT:134 USR1:138; do
     kill -"${signal%:*}" "$(panel_process)"
     ended "${signal%:*}" "${signal#*:}"
 done
+
+rmdir "$FOLDER/temporary" || fail "the folder for temporary files is not empty"

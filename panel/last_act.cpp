@@ -1,0 +1,59 @@
+#include "last_act.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstddef>
+
+namespace panel {
+namespace {
+
+constexpr int MOST_ACTS = 4;
+
+// Read by the handler, on whichever thread the signal comes.
+std::atomic<void (*)()> acts[MOST_ACTS];
+std::atomic<int> act_count{0};
+int crash_act_count = 0;  // of them, those for any ending
+
+constexpr int REQUESTS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2};
+constexpr int CRASHES[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS};
+
+extern "C" void act_and_end(int signal_number) {
+    for (int i = act_count - 1; i >= 0; --i) {
+        acts[i].load()();
+    }
+    std::signal(signal_number, SIG_DFL);
+    std::raise(signal_number);
+}
+
+template <std::size_t COUNT>
+void handle(const int (&signals)[COUNT], void (*handler)(int)) {
+    for (const int signal_number : signals) {
+        if (std::signal(signal_number, handler) == SIG_IGN) {
+            std::signal(signal_number, SIG_IGN);
+        }
+    }
+}
+
+}  // namespace
+
+Last_act::Last_act(Ending ending, void (*act)()) : m_ending(ending) {
+    acts[act_count] = act;
+    if (++act_count == 1) {
+        handle(REQUESTS, act_and_end);
+    }
+    if (m_ending == Ending::ANY && ++crash_act_count == 1) {
+        handle(CRASHES, act_and_end);
+    }
+}
+
+Last_act::~Last_act() {
+    if (m_ending == Ending::ANY && --crash_act_count == 0) {
+        handle(CRASHES, SIG_DFL);
+    }
+    if (act_count == 1) {
+        handle(REQUESTS, SIG_DFL);
+    }
+    --act_count;
+}
+
+}  // namespace panel

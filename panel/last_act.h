@@ -1,0 +1,30 @@
+// What has to be put right before a signal ends the process.
+#ifndef FRONTPANEL_PANEL_LAST_ACT_H
+#define FRONTPANEL_PANEL_LAST_ACT_H
+
+namespace panel {
+
+enum class Ending {
+    REQUESTED,  // by a signal that asks the process to end, such as SIGTERM
+    ANY         // also by a signal of a fault in the program, such as SIGSEGV
+};
+
+// While the object lives, such a signal calls `act` before it ends the process as it always does, with the
+// signal's own status. A signal that is ignored stays so. Of several acts the youngest is called first; a signal
+// that one of them waits for calls all. Created and destroyed on the menu thread, youngest first; at most four
+// at a time.
+class Last_act {
+public:
+    // `act` may call only what a signal handler may.
+    Last_act(Ending ending, void (*act)());
+    ~Last_act();
+    Last_act(const Last_act&) = delete;
+    Last_act& operator=(const Last_act&) = delete;
+
+private:
+    Ending m_ending;
+};
+
+}  // namespace panel
+
+#endif
