@@ -9,7 +9,6 @@ namespace {
 constexpr int MOST_SLOTS = Memory_device::SLOT_COUNT - 1;
 // What a slot list writes to each of its texts, terminator included.
 constexpr size_t SLOT_LINE_ROOM = 31;
-constexpr const char* NO_OPTION_YET = "-";
 constexpr const char* ALWAYS = "*";  // a product option that holds on every product
 
 }  // namespace

@@ -10,6 +10,7 @@ namespace {
 
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
+constexpr int SOME_COLUMNS = 16;
 
 // Nothing for a shortcut: a jump would drop the edited value unasked.
 std::optional<Editor_key> editor_key_of(Key::Kind kind) {
@@ -44,11 +45,21 @@ bool is_reachable(Data_entry* entry, const Data_entry& root, Data_interface& dev
     return entry != nullptr;
 }
 
+// A list that its card has not sent yet holds nothing that could be posted.
+bool waits_for_its_card(Data_entry& entry) {
+    if (!is_live(entry)) {
+        return false;
+    }
+    int smallest = 0;
+    int largest = 0;
+    int size = 0;
+    static_cast<Enum_entry&>(entry).minMaxSize(&smallest, &largest, &size);
+    return size <= 1 && display_value(entry, SOME_COLUMNS) == NO_OPTION_YET;
+}
+
 // A rule may leave a number without any allowed value.
-bool may_take_a_value(Data_entry& entry) {
-    constexpr int SOME_COLUMNS = 16;
-    return entry.Get_entry_type() != Data_entry::RANGE_LEAF ||
-           display_value(entry, SOME_COLUMNS).has_value();
+bool has_no_value(Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::RANGE_LEAF && !display_value(entry, SOME_COLUMNS);
 }
 
 // The entry's own rules and options, taking of its children what was found when they were last asked: they
@@ -178,8 +189,8 @@ void Controller::edit(Data_entry& entry) {
         notify(entry.Get_name(), "read error", true);
         return;
     }
-    if (!may_take_a_value(entry)) {
-        notify(entry.Get_name(), "no value allowed", false);
+    if (has_no_value(entry) || waits_for_its_card(entry)) {
+        notify(entry.Get_name(), is_live(entry) ? "no options yet" : "no value allowed", false);
         return;
     }
     m_title = title_of(entry);

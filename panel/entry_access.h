@@ -15,6 +15,7 @@ namespace panel {
 constexpr unsigned int WARNING_PID = 65549;
 constexpr int FIRST_LIVE_PID = 9000;
 constexpr int LAST_LIVE_PID = 9100;
+constexpr const char* NO_OPTION_YET = "-";  // the only option of a live list before its first fetch
 
 // The neighbour that one of the dispatcher's link steps delivers; null for none.
 Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step);

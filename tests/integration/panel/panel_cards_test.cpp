@@ -135,10 +135,15 @@ TEST(PanelCards, ACardThatHangsIsGivenUpSoon) {
     EXPECT_EQ(panel->lines()[0], ">Live          30 Hz");
 }
 
-TEST(PanelCards, BeforeTheFirstFetchNoOptionIsShown) {
+TEST(PanelCards, BeforeTheFirstFetchNoOptionIsShownNorOffered) {
     Panel panel(R"({"device": {"parameters": [], "cards": [{"slot": 3, )" + combo_box(9068) +
                 R"(}]}, "menu": {"name": "Main", "items": [{"type": "enum", "name": "Live",
                 "pid": 9068, "live": {"slot": 3, "web-type": "combobox"}}]}})");
+    EXPECT_EQ(panel.lines()[0], ">Live              -");
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{"Live                ", "no options yet      "}));
+    EXPECT_FALSE(panel.leds().edit);
+    panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines()[0], ">Live              -");
 }
 

@@ -97,9 +97,9 @@ play_tour() {
     fail "$TOUR: the end of what a terminal can show is not marked"
 }
 
-# start NAME: runs the panel in the shell of the terminal; its status and the terminal's state follow it.
+# start NAME [ARGUMENTS]: runs the panel in the shell of the terminal; its status and the terminal's state follow it.
 start() {
-    terminal send-keys "clear; stty -g >before; '$PANEL'; echo status \$? of $1; stty -g >after; touch done.$1" Enter
+    terminal send-keys "clear; stty -g >before; '$PANEL' ${2:-}; echo status \$? of $1; stty -g >after; touch done.$1" Enter
     wait_for "the panel does not show" shows_line 1 ">Audio           ..."
 }
 
@@ -123,6 +123,37 @@ play_tour
 terminal send-keys Left Left
 terminal send-keys q
 ended tour 0
+
+# Live lists come from their cards by and by. A choice is posted where /dev is writable, and comes back with the
+# next fetch in either case as the card has it.
+start cards
+terminal send-keys 8
+wait_for "the combo box of a card is not fetched" shows_line 2 " Preset         News"
+terminal send-keys Down Down
+wait_for "the tree of a card is not fetched" shows_line 2 ">Route       Outputs"
+terminal send-keys Up Enter Up
+wait_for "the options of a card are not offered" shows_line 2 "Film                "
+wait_for "the place of an option is not told" shows_line 1 "Preset           3/4"
+terminal send-keys Left Down Enter Up Up
+wait_for "the lines of a tree are not offered" shows_line 2 "**Camera 1          "
+if [ -w /dev ] || [ -w /dev/NULL ]; then
+    terminal send-keys Enter
+    wait_for "a line of a tree is not taken" shows_line 2 ">Route    [*][*]Camera 1"
+fi
+terminal send-keys Left q
+ended cards 0
+
+# A warning is in its list while its cause lasts, and any key acknowledges it.
+sed '/"Temperature, /s/"value": [0-9]*/"value": 75/' "$(dirname "$TOUR")/demo.json" >"$FOLDER/hot.json"
+start warning "--menu hot.json"
+terminal send-keys 5 Up
+wait_for "there is no warning" shows_line 1 ">Warning Frame too h*"
+terminal send-keys Enter
+wait_for "a warning does not open" shows_line 2 "Frame too hot: clean"
+terminal send-keys +
+wait_for "a warning is not acknowledged" shows_line 1 ">Warning*"
+terminal send-keys q
+ended warning 0
 
 # Escape leaves as the left arrow does, and the right arrow selects as Enter does.
 start keys
