@@ -10,6 +10,7 @@
 
 #include "controller.h"
 #include "curl_home.h"
+#include "device_link.h"
 #include "input_error.h"
 #include "interactive.h"
 #include "menu_loader.h"
@@ -72,11 +73,6 @@ std::string script_of(const Options& options) {
 
 bool is_interactive(const Options& options, const Output_log& log) {
     return options.script.empty() && isatty(log.out_descriptor()) != 0;
-}
-
-// The answer to a post is kept in a plain file of /dev, whose name is all capitals.
-bool can_post() {
-    return access("/dev/NULL", W_OK) == 0 || access("/dev", W_OK) == 0;
 }
 
 // What the transfers of live data need while the cards run.

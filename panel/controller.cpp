@@ -211,8 +211,9 @@ std::string Controller::title_of(Data_entry& entry) const {
 void Controller::commit_edited() {
     Data_entry& entry = *m_editor->entry();
     const int result = commit(entry, m_device.access);
+    const bool is_lost = is_live(entry) && !m_device.may_post();
     close_editor();
-    if (result != 0) {
+    if (result != 0 || is_lost) {
         notify(entry.Get_name(), "write failed", true);
     }
 }

@@ -1,8 +1,14 @@
 #include "device_link.h"
 
+#include <unistd.h>
+
 #include "entry_access.h"
 
 namespace panel {
+
+bool can_post() {
+    return ::access("/dev/NULL", W_OK) == 0 || ::access("/dev", W_OK) == 0;
+}
 
 Device_link link_to(Memory_device& device) {
     const auto read_failed = [&device](const Data_entry& entry) {
@@ -16,7 +22,7 @@ Device_link link_to(Memory_device& device) {
     const auto is_loopback = [](const std::string& address) {
         return address.rfind("127.", 0) == 0;
     };
-    return {device, read_failed, is_loopback};
+    return {device, read_failed, is_loopback, can_post};
 }
 
 }  // namespace panel

@@ -17,7 +17,12 @@ struct Device_link {
     std::function<bool(const Data_entry&)> read_failed;
     // Whether an address belongs to the device's network, so that it may be asked for an answer.
     std::function<bool(const std::string&)> may_probe;
+    // Whether a choice can be posted to a card. The entry's own commit cannot tell.
+    std::function<bool()> may_post;
 };
+
+// The answer to a post is kept in a plain file of /dev, whose name is all capitals: whether it can be written.
+bool can_post();
 
 // A link to the in-memory device, which outlives it and has no network beyond loopback.
 Device_link link_to(Memory_device& device);

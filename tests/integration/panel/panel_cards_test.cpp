@@ -89,6 +89,14 @@ TEST(PanelCards, AChosenOptionIsPosted) {
     EXPECT_EQ(panel->lines()[0], ">Live          50 Hz");
 }
 
+TEST(PanelCards, AChoiceThatCannotBePostedIsTold) {
+    Cards_panel panel(9058, combo_box(9058), "combobox");
+    panel->set_may_post(false);
+    panel->press(Key::SELECT).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel->lines(), (Lines{"Live                ", "write failed        "}));
+    EXPECT_TRUE(panel->leds().alarm);
+}
+
 TEST(PanelCards, BackPostsNothing) {
     Cards_panel panel(9063, combo_box(9063), "combobox");
     panel->press(Key::SELECT).press(Key::UP).press(Key::BACK);

@@ -49,7 +49,7 @@ class Panel {
 public:
     explicit Panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
         : m_loaded(load_menu_text("menu.json", text, cards)),
-          m_controller(m_loaded.menu->root(), link_to(device()), size) {
+          m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(
             [this](const std::string& warning) { m_controller.warn(warning); });
     }
@@ -79,7 +79,17 @@ public:
     }
     void repair() { device().set_fault(nullptr); }
 
+    // From now on no choice can be posted to a card, or again.
+    void set_may_post(bool may_post) { m_may_post = may_post; }
+
 private:
+    Device_link link() {
+        Device_link link = link_to(device());
+        link.may_post = [this] { return m_may_post; };
+        return link;
+    }
+
+    bool m_may_post = true;
     Loaded_menu m_loaded;
     Controller m_controller;
 };
