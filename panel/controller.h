@@ -6,13 +6,13 @@
 #define FRONTPANEL_PANEL_CONTROLLER_H
 
 #include <string>
-#include <vector>
 
 #include "device_link.h"
-#include "editor_set.h"
+#include "editing.h"
 #include "key.h"
 #include "lcd.h"
 #include "list_view.h"
+#include "notices.h"
 
 namespace panel {
 
@@ -28,39 +28,22 @@ public:
     Frame draw();
 
     // Shows a text of the binding engines, such as a warning about a value, when the panel next stands still.
-    void warn(const std::string& text);
+    void warn(const std::string& text) { m_editing.warn(text); }
 
 private:
     void press_in_list(const Key& key);
-    void press_in_editor(const Key& key);
     void select();
     void leave();
     void jump(int button);
-    void edit(Data_entry& entry);
-    void commit_edited();
-    void tell_refusal();
-    void close_editor();
+    void editor_closed(const Data_entry* target);
     void refresh_list();
-    void notify(const std::string& title, const std::string& text, bool alarm);
-    std::string title_of(Data_entry& entry) const;
-    void draw_editor(Frame& frame);
-    void draw_notice(Frame& frame) const;
-
-    struct Notice {
-        std::string title;
-        std::string text;
-        bool alarm;
-    };
 
     Data_entry& m_root;
     Device_link m_device;
     Lcd_size m_size;
     List_view m_list;
-    Editor_set m_editors;
-    Value_editor* m_editor = nullptr;     // open, or null
-    std::string m_title;                  // of the open editor
-    std::vector<Notice> m_notices;        // the first is shown
-    std::vector<std::string> m_warnings;  // raised by the value being stored
+    Notices m_notices;
+    Editing m_editing;
 };
 
 }  // namespace panel

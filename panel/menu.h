@@ -9,12 +9,15 @@
 #include <frontpanel_data/live_data_processor.h>
 #include <frontpanel_device/card_service.h>
 #include <frontpanel_device/memory_device.h>
+#include <frontpanel_editors/editor_settings.h>
 
 #include <deque>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "encoder_settings.h"
 
 namespace panel {
 
@@ -37,6 +40,10 @@ public:
     Card_service* cards() { return m_cards.get(); }
     // What fetches the live data of the card in a slot, one for each call; null without cards.
     Live_Data_Processor* add_processor(int slot);
+
+    // How the values of entries are edited, and how the encoder works.
+    Editor_settings_table& editor_settings() { return m_editor_settings; }
+    Encoder_settings& encoder_settings() { return m_encoder_settings; }
 
     // Keeps the option texts of an enumerated entry for as long as the entries live, each with room for `room`
     // characters and a terminator.
@@ -68,6 +75,8 @@ private:
     std::deque<Texts> m_texts;
     std::deque<Index_t> m_indices;
     std::map<int, ShortcutS> m_shortcuts;
+    Editor_settings_table m_editor_settings;
+    Encoder_settings m_encoder_settings;
     std::vector<std::unique_ptr<Data_entry>> m_entries;
 };
 
