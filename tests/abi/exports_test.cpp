@@ -122,7 +122,7 @@ TEST(Exports, HoldEachClassOnce) {
           "Enum_entry",     "Slot_enum_entry", "String_entry",  "Ip_entry",
           "Time_entry",     "Binding",         "Selection",     "NumericRangeSelection",
           "EnumSelection",  "StringSelection", "WarnSelection", "IPv4Selection",
-          "TimeSelection"}) {
+          "TimeSelection",  "Timer",           "LinuxTimer"}) {
         int tables = 0;
         int types = 0;
         for (const Symbol& symbol : symbols) {
@@ -134,13 +134,35 @@ TEST(Exports, HoldEachClassOnce) {
     }
 }
 
+TEST(Exports, HoldEachMessageClassOnce) {
+    std::map<std::string, int> tables;
+    for (const Symbol& symbol : exported_symbols()) {
+        const std::string start = "vtable for FrontPanel::";
+        if (symbol.name.rfind(start, 0) == 0) {
+            ++tables[symbol.name.substr(start.size())];
+        }
+    }
+    std::map<std::string, int> expected;
+    for (const char* const name :
+         {"Message", "PayloadMessage", "HeartBeatMessage", "AckMessage", "NackMessage",
+          "StartupMessage", "ResetMessage", "UpgradeStartMessage", "UpgradeEndMessage",
+          "RequestDeviceTypeMessage", "RequestSerialNumberMessage", "RequestFirmwareVersionMessage",
+          "UserInputTimeoutShortcutMessage", "DisplayUpdateMessage", "DisplayClearMessage",
+          "UserInputTimeoutMessage", "SelectPressMessageClass", "EscapePressMessageClass",
+          "GenericInvalidMessage"}) {
+        expected[name] = 1;
+    }
+    EXPECT_EQ(tables, expected);
+}
+
 // A longer table is a new operation, which a class that others derive from must not get.
 TEST(Exports, HoldTablesOfTheAgreedLength) {
     const std::map<std::string, std::size_t> operations = {
         {"Data_interface", 6}, {"Pdt_data_access", 9},  {"Data_model", 7},    {"Integer_model", 9},
         {"String_model", 10},  {"Data_entry", 79},      {"Node_entry", 79},   {"Range_entry", 88},
         {"Enum_entry", 88},    {"Slot_enum_entry", 91}, {"String_entry", 81}, {"Ip_entry", 82},
-        {"Time_entry", 81},    {"Binding", 17},         {"Selection", 5},
+        {"Time_entry", 81},    {"Binding", 17},         {"Selection", 5},     {"Timer", 3},
+        {"LinuxTimer", 3},
     };
     std::size_t found = 0;
     for (const Symbol& symbol : exported_symbols()) {

@@ -2,6 +2,8 @@
 // offsets, so a row of a table here is never moved or removed.
 #include <frontpanel_data/binding.h>
 #include <frontpanel_data/data_entry.h>
+#include <frontpanel_data/front_panel_messages.h>
+#include <frontpanel_data/timer.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -75,6 +77,25 @@ TEST(MemberOrder, EntryModelCache) {
          MEMBER(EntryModelCache, model_type), MEMBER(EntryModelCache, monitored_entry),
          MEMBER(EntryModelCache, value_string), MEMBER(EntryModelCache, value_int)},
         0);
+}
+
+TEST(MemberOrder, Message) {
+    expect_ascending({MEMBER(FrontPanel::Message, type), MEMBER(FrontPanel::Message, length),
+                      MEMBER(FrontPanel::Message, payload)},
+                     AFTER_TABLE);
+    EXPECT_EQ(sizeof(FrontPanel::PayloadMessage), sizeof(FrontPanel::Message));
+}
+
+class Timer_probe : public LinuxTimer {
+public:
+    using Probe = Timer_probe;
+    static Rows rows() { return {MEMBER(Probe, expiry_time)}; }
+    static_assert(sizeof(expiry_time) == 8, "milliseconds in 64 bits");
+};
+
+TEST(MemberOrder, Timer) {
+    expect_ascending(Timer_probe::rows(), 8);
+    EXPECT_EQ(sizeof(Timer), AFTER_TABLE);
 }
 
 class Integer_model_probe : public Integer_model {

@@ -3,8 +3,10 @@
 // from.
 #include <frontpanel_data/binding.h>
 #include <frontpanel_data/data_entry.h>
+#include <frontpanel_data/front_panel_messages.h>
 #include <frontpanel_data/pdt_data_access.h>
 #include <frontpanel_data/selection.h>
+#include <frontpanel_data/timer.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -355,6 +357,25 @@ TEST(SlotOrder, Editors) {
             SLOT(EnumSelection, Set_selected_line),
         },
         FIRST_SLOT + 5);
+}
+
+TEST(SlotOrder, Timer) {
+    expect_consecutive({SLOT(Timer, set), SLOT(Timer, expired), SLOT(Timer, remaining)},
+                       FIRST_SLOT);
+    EXPECT_EQ(slot_of(&LinuxTimer::set), slot_of(&Timer::set));
+    EXPECT_EQ(slot_of(&LinuxTimer::expired), slot_of(&Timer::expired));
+    EXPECT_EQ(slot_of(&LinuxTimer::remaining), slot_of(&Timer::remaining));
+}
+
+// Behind the destructor comes what a class of the application adds.
+class Message_probe : public FrontPanel::PayloadMessage {
+public:
+    using PayloadMessage::PayloadMessage;
+    virtual void added() {}
+};
+
+TEST(SlotOrder, MessagesHaveNothingBesideTheDestructor) {
+    EXPECT_EQ(slot_of(&Message_probe::added), FIRST_SLOT);
 }
 
 TEST(SlotOrder, WhatIsNotVirtualHasNoSlot) {
