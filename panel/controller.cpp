@@ -34,6 +34,21 @@ Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size siz
       m_list(root, device),
       m_editing(device, m_notices, [this](const Data_entry* target) { editor_closed(target); }) {}
 
+void Controller::receive(const FrontPanel::Message& message) {
+    if (tells_idle(message)) {
+        go_home();
+    }
+    for (const Key& key : keys_of(message)) {
+        press(key);
+    }
+}
+
+void Controller::receive(Message_queue& messages) {
+    while (const Message_pointer message = messages.pop()) {
+        receive(*message);
+    }
+}
+
 void Controller::press(const Key& key) {
     if (!m_notices.empty()) {
         m_notices.press();
@@ -92,6 +107,19 @@ void Controller::leave() {
     if (parent != nullptr) {
         m_list.open(*parent, &left);
     }
+}
+
+// Level by level, as a hand would leave each menu.
+void Controller::go_home() {
+    if (m_editing.is_open()) {
+        m_editing.press({Key::BACK});
+    }
+    const Data_entry* left = nullptr;
+    while (left != &m_list.menu()) {
+        left = &m_list.menu();
+        leave();
+    }
+    m_list.open(m_root, nullptr);
 }
 
 void Controller::jump(int button) {

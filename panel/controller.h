@@ -1,4 +1,4 @@
-// The panel's front without its hardware: keys in, frames out.
+// The panel's front without its hardware: messages of keys in, frames out.
 //
 // Shows the list of one menu, an open editor, or a notice that stays until a key acknowledges it. Knows no
 // terminal and no clock: whoever drives it presses keys, lets time pass with `tick`, and draws.
@@ -12,6 +12,7 @@
 #include "key.h"
 #include "lcd.h"
 #include "list_view.h"
+#include "message_queue.h"
 #include "notices.h"
 
 namespace panel {
@@ -21,6 +22,11 @@ public:
     // Shows the menu below `root`. Menu and device outlive the controller.
     Controller(Data_entry& root, const Device_link& device, Lcd_size size);
 
+    // Does what the message of a key stands for. When nobody has touched the panel for a while, it goes back to
+    // the top menu, and an edited value is dropped. Any other message, and a damaged one, is ignored.
+    void receive(const FrontPanel::Message& message);
+    // Takes all that waits.
+    void receive(Message_queue& messages);
     void press(const Key& key);
     // Reads what is shown from the device again.
     void tick();
@@ -34,6 +40,7 @@ private:
     void press_in_list(const Key& key);
     void select();
     void leave();
+    void go_home();
     void jump(int button);
     void editor_closed(const Data_entry* target);
     void refresh_list();

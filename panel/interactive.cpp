@@ -65,6 +65,7 @@ milliseconds time_until(steady_clock::time_point moment) {
 int use_terminal(Controller& controller, int output) {
     Terminal terminal(output);
     const End_signals end_signals;
+    Message_queue messages;
     steady_clock::time_point next_tick = steady_clock::now() + TICK;
     while (end_signal == 0 && !input_is_gone()) {
         terminal.show(controller.draw());
@@ -73,7 +74,8 @@ int use_terminal(Controller& controller, int output) {
             return 0;
         }
         if (event.kind == Terminal_event::KEY) {
-            controller.press(event.key);
+            messages.push(message_of(event.key));
+            controller.receive(messages);
         }
         if (steady_clock::now() >= next_tick) {
             controller.tick();

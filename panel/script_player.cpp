@@ -124,7 +124,7 @@ void Script_player::perform(const Script& script, const Step& step) {
         case Step::TICK:
             m_out << "\n> " << step.source << '\n';
             for (int i = 0; i < step.count; ++i) {
-                step.kind == Step::TICK ? m_controller.tick() : m_controller.press(step.key);
+                step.kind == Step::TICK ? m_controller.tick() : press(step.key);
                 show();
             }
             break;
@@ -144,6 +144,11 @@ void Script_player::perform(const Script& script, const Step& step) {
         case Step::EXPECT_SELECTED:
             break;
     }
+}
+
+void Script_player::press(const Key& key) {
+    m_messages.push(message_of(key));
+    m_controller.receive(m_messages);
 }
 
 void Script_player::set_fault(const Step& step) {

@@ -40,6 +40,7 @@ private:
     void check_parameter(const Script& script, const Step& step) const;
     void perform(const Script& script, const Step& step);
     void show();
+    void press(const Key& key);
     void set_fault(const Step& step);
     void set_value(const Script& script, const Step& step);
     // What differs from the expectation; nothing when it is met.
@@ -58,6 +59,7 @@ private:
     std::optional<Frame> m_frame;               // the last one shown
     std::deque<Memory_device::Write> m_writes;  // not checked yet, oldest first
     std::set<Fault> m_faults;
+    Message_queue m_messages;
 };
 
 // Whether a display line is what a pattern says, in which '*' stands for any characters.
