@@ -4,8 +4,10 @@
 #include <frontpanel_data/data_entry.h>
 #include <unistd.h>
 
+#include <functional>
 #include <iostream>
 #include <optional>
+#include <sstream>
 #include <variant>
 
 #include "controller.h"
@@ -16,9 +18,13 @@
 #include "menu_loader.h"
 #include "options.h"
 #include "output_log.h"
+#include "picture.h"
 #include "script_player.h"
 #include "shipped.h"
+#include "state_file.h"
+#include "state_keeper.h"
 #include "text_display.h"
+#include "whole_file.h"
 
 namespace panel {
 namespace {
@@ -43,8 +49,8 @@ int check(const Options& options, Output_log& log) {
     return EXIT_PLAYED;
 }
 
-int play(const Script& script, Controller& controller, Menu& menu, std::ostream& out) {
-    Text_display display(out);
+int play(const Script& script, Controller& controller, Menu& menu, Display& display,
+         std::ostream& out) {
     Script_player player(controller, menu.device(), menu.cards(), display, out, std::cerr);
     const int differences = player.play(script);
     if (differences != 0) {
@@ -56,6 +62,16 @@ int play(const Script& script, Controller& controller, Menu& menu, std::ostream&
         throw Input_error("standard output cannot be written");
     }
     return EXIT_PLAYED;
+}
+
+// The picture is taken when the script is over, also of what should have been otherwise.
+int take_picture(const Options& options, const Script& script, Controller& controller, Menu& menu) {
+    check_writable(options.screenshot);
+    Picture_display display(options.screenshot);
+    std::ostringstream unseen;
+    const int status = play(script, controller, menu, display, unseen);
+    display.finish();
+    return status;
 }
 
 // Without a terminal the shipped menu shows its tour; another menu or display needs a script of its own.
@@ -72,7 +88,8 @@ std::string script_of(const Options& options) {
 }
 
 bool is_interactive(const Options& options, const Output_log& log) {
-    return options.script.empty() && isatty(log.out_descriptor()) != 0;
+    return options.script.empty() && options.screenshot.empty() &&
+           isatty(log.out_descriptor()) != 0;
 }
 
 // What the transfers of live data need while the cards run.
@@ -86,26 +103,70 @@ std::optional<Curl_home> prepare_transfers(Menu& menu) {
     return std::optional<Curl_home>(std::in_place);
 }
 
+// What is played while nobody is at the keys. A picture needs no script: then it is of the start.
+Script script_to_play(const Options& options) {
+    if (options.script.empty() && !options.screenshot.empty()) {
+        return {};
+    }
+    const std::string file = script_of(options);
+    return parse_script(file, read_input_file(file));
+}
+
+int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log) {
+    Controller controller(menu.root(), link_to(menu.device()), options.size);
+    menu.bindings()->set_warning_listener(
+        [&controller](const std::string& text) { controller.warn(text); });
+    if (!script) {
+        log.take_errors();
+        const int status = use_terminal(controller, log.out_descriptor());
+        log.return_errors();
+        return status;
+    }
+    if (!options.screenshot.empty()) {
+        return take_picture(options, *script, controller, menu);
+    }
+    Text_display display(log.out());
+    return play(*script, controller, menu, display, log.out());
+}
+
+void warn(const std::string& line) {
+    std::cerr << "warning: " << line << '\n';
+}
+
+// Where the values cannot be written the panel can be used all the same; the end tells what was not kept.
+int use_keeping_values(const Options& options, Memory_device& device,
+                       const std::function<int()>& use) {
+    if (options.state.empty()) {
+        return use();
+    }
+    State_file file(options.state, device);
+    for (const std::string& line : file.restore()) {
+        warn(line);
+    }
+    try {
+        check_writable(options.state);
+    } catch (const Input_error& error) {
+        warn(error.what());
+    }
+    State_keeper keeper(file, device);
+    const int status = use();
+    keeper.finish();
+    return status;
+}
+
 int show(const Options& options, Output_log& log) {
     const Loaded_menu loaded = load(options, log, Cards::ON);
-    Script script;
+    std::optional<Script> script;
     if (!is_interactive(options, log)) {
-        const std::string file = script_of(options);
-        script = parse_script(file, read_input_file(file));
+        script = script_to_play(options);
     } else if (isatty(STDIN_FILENO) == 0) {
         throw Input_error("standard input is no terminal: name a script with --script");
     }
     Menu& menu = *loaded.menu;
     const std::optional<Curl_home> curl_home = prepare_transfers(menu);
     VarIdDataInfStore::m_pDataAccessInf = &menu.device();
-    Controller controller(menu.root(), link_to(menu.device()), options.size);
-    menu.bindings()->set_warning_listener(
-        [&controller](const std::string& text) { controller.warn(text); });
-    if (is_interactive(options, log)) {
-        log.take_errors();
-        return use_terminal(controller, log.out_descriptor());
-    }
-    return play(script, controller, menu, log.out());
+    return use_keeping_values(options, menu.device(),
+                              [&] { return use(options, script, menu, log); });
 }
 
 // A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to

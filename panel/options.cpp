@@ -49,10 +49,36 @@ void add_file(CLI::App& app, const std::string& name, std::string& file,
     });
 }
 
+// The columns of a line of help: an option, then what it does.
+constexpr size_t OPTION_WIDTH = 27;
+
+// The whole help, which fits a terminal of 24 lines: a line an option, and what people do with them.
+class Help : public CLI::Formatter {
+public:
+    std::string make_help(const CLI::App* app, std::string /*name*/,
+                          CLI::AppFormatMode /*mode*/) const override {
+        std::string text = app->get_description() + "\n\n";
+        for (const CLI::Option* const option : app->get_options()) {
+            const std::string& letter = option->get_snames().empty() ? "" : option->get_snames()[0];
+            std::string left = letter.empty() ? "      " : "  -" + letter + ", ";
+            left += "--" + option->get_lnames()[0];
+            if (option->get_expected_min() != 0) {
+                left += " " + option->get_type_name();
+            }
+            left.resize(std::max(left.size() + 1, OPTION_WIDTH), ' ');
+            text += left + option->get_description() + "\n";
+        }
+        return text + "\n" + app->get_footer() + "\n";
+    }
+};
+
+// Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1 and one in
+// packaging/completion.
 void describe(CLI::App& app, Options& options) {
+    app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("--version", "frontpanel " FRONTPANEL_VERSION, "Print the version");
     add_file(app, "--menu", options.menu, "The menu to show (docs/menu-file.md)");
-    add_file(app, "--script", options.script,
-             "Play this script without a terminal (docs/scripts.md)");
+    add_file(app, "--script", options.script, "Play a script, not the keyboard (docs/scripts.md)");
     app.add_option_function<std::string>(
            "--size",
            [&options](const std::string& text) {
@@ -61,13 +87,20 @@ void describe(CLI::App& app, Options& options) {
                    throw CLI::ValidationError("--size", error);
                }
            },
-           "Columns and rows of the display, 20x2 unless told")
+           "The display's characters, 20x2 unless told")
         ->type_name("COLUMNSxROWS");
-    add_file(app, "--log", options.log,
-             "Where the library's diagnostics go, " + default_log_file() + " unless told");
+    add_file(app, "--state", options.state, "Keep the device's values in this file");
+    add_file(app, "--screenshot", options.screenshot, "Make an SVG picture of the panel, and end");
+    add_file(app, "--log", options.log, "Where the library's diagnostics go");
     app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401")
         ->type_name("MASK");
-    app.add_flag("--check", options.check, "Only check the menu, and the script if one is named");
+    app.add_flag("--check", options.check, "Only check the menu, and the script if any");
+    app.footer(
+        "frontpanel --menu my.json --state my.values     values survive a restart\n"
+        "frontpanel --menu my.json --check               what is wrong with a menu\n"
+        "frontpanel --script my.script                   keys, and what they should do\n"
+        "frontpanel --script my.script --screenshot my.svg");
+    app.formatter(std::make_shared<Help>());
 }
 
 }  // namespace
@@ -76,7 +109,7 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
                                          std::ostream& errors) {
     Options options;
     options.menu = shipped_menu();
-    CLI::App app("Shows a device's front-panel menu on the terminal, or plays a script on it.",
+    CLI::App app("Shows a device's front-panel menu in the terminal, or plays a script on it.",
                  "frontpanel");
     describe(app, options);
     try {

@@ -17,16 +17,18 @@ inline constexpr int EXIT_DIFFERENCE = 1;  // the script's expectations were not
 inline constexpr int EXIT_BAD_INPUT = 2;   // an option, the menu or the script is wrong
 
 struct Options {
-    std::string menu;    // file; the shipped menu unless another is named
-    std::string script;  // file; empty: none was named
-    std::string log;     // file; empty: the default place
+    std::string menu;        // file; the shipped menu unless another is named
+    std::string script;      // file; empty: none was named
+    std::string log;         // file; empty: the default place
+    std::string state;       // file with the device's values; empty: they are not kept
+    std::string screenshot;  // file for a picture; empty: the panel is shown instead
     Lcd_size size;
     uint32_t debug = 0;  // mask of the library's diagnostics
     bool check = false;  // only check the menu, and the script if one is named
 };
 
-// The options, or the status to exit with: after the help was printed to `out`, or one line that tells what
-// is wrong to `errors`.
+// The options, or the status to exit with: after the help or the version was printed to `out`, or one line that
+// tells what is wrong to `errors`.
 std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
                                          std::ostream& errors);
 

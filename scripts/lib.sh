@@ -13,7 +13,8 @@ PANEL_PACKAGES=(
 )
 TEST_PACKAGES=(
     "${PANEL_PACKAGES[@]}"
-    abigail-tools binutils libbenchmark-dev libgmock-dev libgtest-dev locales procps tmux
+    abigail-tools binutils libbenchmark-dev libgmock-dev libgtest-dev librsvg2-bin
+    libxml2-utils locales mandoc procps tmux
 )
 # shellcheck disable=SC2034  # used by the scripts that source this
 CI_PACKAGES=(

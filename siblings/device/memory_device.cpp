@@ -57,7 +57,8 @@ bool is_within(int number, int count) {
 
 }  // namespace
 
-Memory_device::Memory_device() : m_product_id(0), m_socket(0), m_use_selection_local(false) {
+Memory_device::Memory_device()
+    : m_has_changed(false), m_product_id(0), m_socket(0), m_use_selection_local(false) {
     go_home = 0;
     lock_and_dim = 0;
     time_for_timeout = 0;
@@ -118,31 +119,46 @@ std::optional<std::string> Memory_device::text(uint32_t pid, uint32_t varidx) co
     return parameter->text;
 }
 
-Memory_device::Result Memory_device::set_integer(uint32_t pid, uint32_t varidx, int32_t value) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    Parameter* const parameter = find(pid, varidx);
-    if (parameter == nullptr) {
-        return UNKNOWN_PARAMETER;
+template <typename Step>
+Memory_device::Result Memory_device::change(const Step& step) {
+    Result result = DONE;
+    Change_listener listener;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_has_changed = false;
+        result = step();
+        if (m_has_changed) {
+            listener = m_change_listener;
+        }
     }
-    const Result result = check_number(*parameter, value);
-    if (result == DONE) {
-        parameter->number = value;
+    if (listener) {
+        listener();
     }
     return result;
 }
 
+Memory_device::Result Memory_device::set_integer(uint32_t pid, uint32_t varidx, int32_t value) {
+    return change([&] {
+        Parameter* const parameter = find(pid, varidx);
+        return parameter != nullptr ? keep_number(*parameter, value) : UNKNOWN_PARAMETER;
+    });
+}
+
 Memory_device::Result Memory_device::set_text(uint32_t pid, uint32_t varidx,
                                               const std::string& value) {
+    return change([&] {
+        Parameter* const parameter = find(pid, varidx);
+        return parameter != nullptr ? keep_text(*parameter, value) : UNKNOWN_PARAMETER;
+    });
+}
+
+std::vector<Memory_device::Value> Memory_device::values() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    Parameter* const parameter = find(pid, varidx);
-    if (parameter == nullptr) {
-        return UNKNOWN_PARAMETER;
+    std::vector<Value> values;
+    for (const auto& [key, parameter] : m_parameters) {
+        values.push_back({key.first, key.second, parameter.type, parameter.number, parameter.text});
     }
-    const Result result = check_text(*parameter, value);
-    if (result == DONE) {
-        parameter->text = value;
-    }
-    return result;
+    return values;
 }
 
 Memory_device::Result Memory_device::set_product(int slot, const PROD_LIST_S& product, int socket) {
@@ -197,6 +213,11 @@ void Memory_device::set_fault(Fault fault) {
 void Memory_device::set_write_listener(Write_listener listener) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_write_listener = std::move(listener);
+}
+
+void Memory_device::set_change_listener(Change_listener listener) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_change_listener = std::move(listener);
 }
 
 std::vector<Memory_device::Write> Memory_device::writes() const {
@@ -265,8 +286,7 @@ int Memory_device::Set(unsigned int pid, unsigned int varidx, const void* buffer
     Write write{pid, varidx, INVALID_TYPE, std::string(), DONE};
     write.result = fault_of({Operation_kind::WRITE, pid, varidx, length, 0, 0});
     Write_listener listener;
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+    change([&] {
         Parameter* const parameter = find(pid, varidx);
         write.type = parameter != nullptr ? parameter->type : INVALID_TYPE;
         write.value = value_text(parameter, buffer, length);
@@ -275,7 +295,8 @@ int Memory_device::Set(unsigned int pid, unsigned int varidx, const void* buffer
         }
         remember(m_writes, write);
         listener = m_write_listener;
-    }
+        return DONE;
+    });
     if (listener) {
         listener(write);
     }
@@ -414,11 +435,7 @@ Memory_device::Result Memory_device::store_number(Parameter& parameter, const vo
         return WRONG_SIZE;
     }
     std::memcpy(&number, buffer, sizeof number);
-    const Result result = check_number(parameter, number);
-    if (result == DONE) {
-        parameter.number = number;
-    }
-    return result;
+    return keep_number(parameter, number);
 }
 
 Memory_device::Result Memory_device::store_text(Parameter& parameter, const void* buffer,
@@ -428,9 +445,23 @@ Memory_device::Result Memory_device::store_text(Parameter& parameter, const void
     }
     const std::string text =
         length != 0 ? std::string(static_cast<const char*>(buffer), length) : std::string();
-    const Result result = check_text(parameter, text);
+    return keep_text(parameter, text);
+}
+
+Memory_device::Result Memory_device::keep_number(Parameter& parameter, int32_t value) {
+    const Result result = check_number(parameter, value);
     if (result == DONE) {
-        parameter.text = text;
+        m_has_changed = m_has_changed || parameter.number != value;
+        parameter.number = value;
+    }
+    return result;
+}
+
+Memory_device::Result Memory_device::keep_text(Parameter& parameter, const std::string& value) {
+    const Result result = check_text(parameter, value);
+    if (result == DONE) {
+        m_has_changed = m_has_changed || parameter.text != value;
+        parameter.text = value;
     }
     return result;
 }

@@ -512,4 +512,49 @@ TEST_F(Memory_device_test, ThreadsMayReadAndWriteAtOnce) {
     EXPECT_THAT(device.writes(), SizeIs(Memory_device::REMEMBERED));
 }
 
+TEST_F(Memory_device_test, TellsWhenAParameterTakesAnotherValueAndOnlyThen) {
+    int changes = 0;
+    device.set_change_listener([&changes] { ++changes; });
+    write(GAIN, 0, 8);
+    EXPECT_EQ(changes, 1);
+    write(GAIN, 0, 8);
+    write(GAIN, 0, 41);
+    device.set_integer(GAIN, 0, 41);
+    device.set_text(TITLE, 1, "Studio");
+    device.add_integer(GAIN + 1, 0, 0, 1, 1);
+    EXPECT_EQ(changes, 1);
+    device.set_integer(GAIN, 0, 9);
+    device.set_text(TITLE, 1, "Van");
+    write(TITLE, 1, "Truck");
+    EXPECT_EQ(changes, 4);
+    device.set_change_listener(nullptr);
+    write(GAIN, 0, 1);
+    EXPECT_EQ(changes, 4);
+}
+
+TEST_F(Memory_device_test, AFailedWriteIsNoChange) {
+    int changes = 0;
+    device.set_change_listener([&changes] { ++changes; });
+    device.set_fault([](const Memory_device::Operation&) { return 100; });
+    write(GAIN, 0, 8);
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(Memory_device_test, AChangeListenerMayUseTheDevice) {
+    std::vector<int> seen;
+    device.set_change_listener([&] { seen.push_back(device.integer(GAIN, 0).value()); });
+    write(GAIN, 0, 8);
+    EXPECT_THAT(seen, ElementsAre(8));
+}
+
+TEST_F(Memory_device_test, ListsEveryParameterInOrder) {
+    device.add_integer(GAIN, 2, -5, 5, -3);
+    std::vector<std::string> lines;
+    for (const Memory_device::Value& value : device.values()) {
+        lines.push_back(std::to_string(value.pid) + "." + std::to_string(value.varidx) + " " +
+                        (value.type == STRING ? value.text : std::to_string(value.number)));
+    }
+    EXPECT_THAT(lines, ElementsAre("100.0 7", "100.2 -3", "200.1 Studio"));
+}
+
 }  // namespace

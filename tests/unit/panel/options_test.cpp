@@ -33,6 +33,8 @@ TEST(Options, ShowTheShippedMenuOnTwentyByTwoUnlessTold) {
     EXPECT_EQ(options.menu, shipped_menu());
     EXPECT_EQ(options.script, "");
     EXPECT_EQ(options.log, "");
+    EXPECT_EQ(options.state, "");
+    EXPECT_EQ(options.screenshot, "");
     EXPECT_EQ(options.size.columns, 20);
     EXPECT_EQ(options.size.rows, 2);
     EXPECT_EQ(options.debug, 0U);
@@ -40,11 +42,14 @@ TEST(Options, ShowTheShippedMenuOnTwentyByTwoUnlessTold) {
 }
 
 TEST(Options, AreTakenAsGiven) {
-    const Options options = options_of({"--menu", "m", "--script", "s", "--log", "l", "--size",
-                                        "40x4", "--debug", "0x80000001", "--check"});
+    const Options options =
+        options_of({"--menu", "m", "--script", "s", "--log", "l", "--size", "40x4", "--debug",
+                    "0x80000001", "--check", "--state", "v", "--screenshot", "p"});
     EXPECT_EQ(options.menu, "m");
     EXPECT_EQ(options.script, "s");
     EXPECT_EQ(options.log, "l");
+    EXPECT_EQ(options.state, "v");
+    EXPECT_EQ(options.screenshot, "p");
     EXPECT_EQ(options.size.columns, 40);
     EXPECT_EQ(options.size.rows, 4);
     EXPECT_EQ(options.debug, 0x80000001U);
@@ -86,7 +91,7 @@ TEST(Options, AnUnknownOptionIsOneLineAndStatusTwo) {
 }
 
 TEST(Options, AFileWithoutANameIsRefused) {
-    for (const char* option : {"--menu", "--script", "--log"}) {
+    for (const char* option : {"--menu", "--script", "--log", "--state", "--screenshot"}) {
         const Outcome outcome = parse({option, ""});
         ASSERT_NE(std::get_if<int>(&outcome.result), nullptr) << option;
         EXPECT_EQ(std::get<int>(outcome.result), 2) << option;
@@ -95,10 +100,34 @@ TEST(Options, AFileWithoutANameIsRefused) {
     }
 }
 
-TEST(Options, HelpGoesToStandardOutput) {
+TEST(Options, HelpFitsATerminal) {
     const Outcome outcome = parse({"--help"});
     EXPECT_EQ(std::get<int>(outcome.result), 0);
-    EXPECT_NE(outcome.out.find("--script"), std::string::npos);
+    EXPECT_EQ(outcome.errors, "");
+    std::istringstream lines(outcome.out);
+    std::string line;
+    int count = 0;
+    while (std::getline(lines, line)) {
+        ++count;
+        EXPECT_LE(line.size(), 80U) << line;
+    }
+    EXPECT_LE(count, 24) << outcome.out;
+    EXPECT_GE(count, 15) << outcome.out;
+}
+
+TEST(Options, HelpHasALineForEachOption) {
+    const std::string help = parse({"-h"}).out;
+    EXPECT_NE(help.find("\n      --screenshot FILE    Make an SVG picture of the panel, and end\n"),
+              std::string::npos)
+        << help;
+    EXPECT_NE(help.find("\n      --check              Only check"), std::string::npos) << help;
+    EXPECT_NE(help.find("\n  -h, --help               Print"), std::string::npos) << help;
+}
+
+TEST(Options, TheVersionIsOneLine) {
+    const Outcome outcome = parse({"--version"});
+    EXPECT_EQ(std::get<int>(outcome.result), 0);
+    EXPECT_EQ(outcome.out, "frontpanel " FRONTPANEL_VERSION "\n");
     EXPECT_EQ(outcome.errors, "");
 }
 

@@ -2,7 +2,7 @@
 //
 // It stands in for the device in tests and in the panel application. A parameter has a type and bounds; an
 // access that does not fit fails with a result of its own and changes nothing. Thread-safe: one mutex guards
-// everything, and the two callbacks run without it, on the calling thread.
+// everything, and the callbacks run without it, on the calling thread.
 #ifndef FRONTPANEL_DEVICE_MEMORY_DEVICE_H
 #define FRONTPANEL_DEVICE_MEMORY_DEVICE_H
 
@@ -71,8 +71,18 @@ public:
         int result;
     };
 
+    // A parameter and what it holds: `number`, or `text`, as its type says.
+    struct Value {
+        uint32_t pid;
+        uint32_t varidx;
+        RETURN_TYPE type;
+        int32_t number;
+        std::string text;
+    };
+
     using Fault = std::function<int(const Operation&)>;
     using Write_listener = std::function<void(const Write&)>;
+    using Change_listener = std::function<void()>;
 
     // Without parameters and products, at the local unit; the application's own fields of the interface are 0.
     Memory_device();
@@ -94,6 +104,8 @@ public:
     std::optional<std::string> text(uint32_t pid, uint32_t varidx) const;
     Result set_integer(uint32_t pid, uint32_t varidx, int32_t value);
     Result set_text(uint32_t pid, uint32_t varidx, const std::string& value);
+    // Every parameter, by pid and variable index; all as they stand at one moment.
+    std::vector<Value> values() const;
 
     // Puts a product into a slot of a socket's list. UNKNOWN_SLOT or UNKNOWN_SOCKET beyond the counts. Both
     // texts of the record are cut to fit with their terminator.
@@ -110,6 +122,8 @@ public:
     void set_fault(Fault fault);
     // Called after each call of `Set`, with its result.
     void set_write_listener(Write_listener listener);
+    // Called after a parameter took another value than it had, whoever set it.
+    void set_change_listener(Change_listener listener);
 
     std::vector<Write> writes() const;              // oldest first
     std::vector<Failed_read> failed_reads() const;  // oldest first
@@ -153,9 +167,9 @@ private:
     static Result check_number(const Parameter& parameter, int32_t value);
     static Result check_text(const Parameter& parameter, const std::string& value);
     static Result read(const Parameter* parameter, void* buffer, std::size_t length);
-    static Result store(Parameter* parameter, const void* buffer, std::size_t length);
-    static Result store_number(Parameter& parameter, const void* buffer, std::size_t length);
-    static Result store_text(Parameter& parameter, const void* buffer, std::size_t length);
+    Result store(Parameter* parameter, const void* buffer, std::size_t length);
+    Result store_number(Parameter& parameter, const void* buffer, std::size_t length);
+    Result store_text(Parameter& parameter, const void* buffer, std::size_t length);
     static std::string value_text(const Parameter* parameter, const void* buffer,
                                   std::size_t length);
 
@@ -163,8 +177,15 @@ private:
     const Parameter* find(uint32_t pid, uint32_t varidx) const;
     Result add(uint32_t pid, uint32_t varidx, const Parameter& parameter, Result fits);
     int fault_of(Operation operation) const;
+    Result keep_number(Parameter& parameter, int32_t value);
+    Result keep_text(Parameter& parameter, const std::string& value);
+
+    // Carries out a step that may change a parameter, and tells the listener if it did.
+    template <typename Step>
+    Result change(const Step& step);
 
     mutable std::mutex m_mutex;
+    bool m_has_changed;  // a parameter's value, since this was last reset
     std::map<Key, Parameter> m_parameters;
     std::map<int, Product_list> m_products;  // by socket
     std::map<prod_id_t, std::string> m_aliases;
@@ -173,6 +194,7 @@ private:
     bool m_use_selection_local;
     Fault m_fault;
     Write_listener m_write_listener;
+    Change_listener m_change_listener;
     std::deque<Write> m_writes;
     std::deque<Failed_read> m_failed_reads;
 };

@@ -1,0 +1,197 @@
+#include "state_file.h"
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "input_error.h"
+#include "json_value.h"
+#include "whole_file.h"
+
+namespace panel {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int VERSION = 1;
+constexpr int MOST_ASIDE = 9;  // damaged files that are kept
+constexpr int64_t LOWEST = std::numeric_limits<int32_t>::min();
+constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
+constexpr int64_t HIGHEST_ID = std::numeric_limits<uint32_t>::max();
+constexpr size_t LONGEST_HEX = 2 * size_t{MAX_STRING_LENGTH};
+
+bool is_printable(const std::string& text) {
+    for (const char byte : text) {
+        if (byte < ' ' || byte > '~') {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string to_hex(const std::string& bytes) {
+    constexpr const char* DIGITS = "0123456789abcdef";
+    std::string text;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        text += DIGITS[value >> 4U];
+        text += DIGITS[value & 0xFU];
+    }
+    return text;
+}
+
+std::string from_hex(const Json_value& value) {
+    const std::string text = value.text_of_length(0, LONGEST_HEX);
+    if (text.size() % 2 != 0 || text.find_first_not_of("0123456789abcdef") != std::string::npos) {
+        value.fail("expected pairs of the digits 0 to 9 and a to f");
+    }
+    std::string bytes;
+    for (size_t i = 0; i < text.size(); i += 2) {
+        bytes += static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16));
+    }
+    return bytes;
+}
+
+Memory_device::Value value_of(const Json_value& entry) {
+    Memory_device::Value value{};
+    value.pid = static_cast<uint32_t>(entry.member("pid").integer(0, HIGHEST_ID));
+    value.varidx = static_cast<uint32_t>(entry.member("index").integer(0, HIGHEST_ID));
+    value.type = STRING;
+    if (const auto number = entry.find("integer")) {
+        entry.expect_members({"pid", "index", "integer"});
+        value.type = INTEGER;
+        value.number = static_cast<int32_t>(number->integer(LOWEST, HIGHEST));
+    } else if (const auto bytes = entry.find("hex")) {
+        entry.expect_members({"pid", "index", "hex"});
+        value.text = from_hex(*bytes);
+    } else {
+        entry.expect_members({"pid", "index", "text"});
+        value.text = entry.member("text").text_of_length(0, MAX_STRING_LENGTH);
+    }
+    return value;
+}
+
+void write_value(rapidjson::Writer<rapidjson::StringBuffer>& writer,
+                 const Memory_device::Value& value) {
+    writer.StartObject();
+    writer.Key("pid");
+    writer.Uint(value.pid);
+    writer.Key("index");
+    writer.Uint(value.varidx);
+    if (value.type == INTEGER) {
+        writer.Key("integer");
+        writer.Int(value.number);
+    } else {
+        const bool is_text = is_printable(value.text);
+        writer.Key(is_text ? "text" : "hex");
+        writer.String((is_text ? value.text : to_hex(value.text)).c_str());
+    }
+    writer.EndObject();
+}
+
+std::string shown(const Memory_device::Value& value) {
+    if (value.type == INTEGER) {
+        return std::to_string(value.number);
+    }
+    return is_printable(value.text) ? "\"" + value.text + "\"" : "0x" + to_hex(value.text);
+}
+
+int give(Memory_device& device, const Memory_device::Value& value) {
+    return value.type == INTEGER ? device.set_integer(value.pid, value.varidx, value.number)
+                                 : device.set_text(value.pid, value.varidx, value.text);
+}
+
+}  // namespace
+
+State_file::State_file(std::string file, Memory_device& device)
+    : m_file(std::move(file)), m_device(device) {}
+
+std::vector<std::string> State_file::restore() {
+    std::vector<std::string> lines;
+    std::error_code error;
+    if (const auto status = fs::status(m_file, error); status.type() == fs::file_type::not_found) {
+        return lines;
+    } else if (status.type() != fs::file_type::regular) {
+        throw Input_error(m_file + ": cannot be read: it is no file");
+    }
+    const std::string text = read_input_file(m_file);
+    try {
+        apply(read(text), lines);
+    } catch (const Input_error& damage) {
+        lines.push_back(damage.what() + std::string("; ") + put_aside());
+    }
+    return lines;
+}
+
+// As a whole, before any of it is used: of a damaged file no part can be trusted.
+State_file::Values State_file::read(const std::string& text) const {
+    const rapidjson::Document document = parse_json(m_file, text);
+    const Json_value root(m_file, document);
+    root.expect_members({"version", "values"});
+    root.member("version").integer(VERSION, VERSION);
+    Values values;
+    for (const Json_value& entry : root.member("values").items()) {
+        const Memory_device::Value value = value_of(entry);
+        if (!values.emplace(Key(value.pid, value.varidx, value.type), value).second) {
+            entry.fail("this parameter is there twice");
+        }
+    }
+    return values;
+}
+
+// The oldest damaged file tells most of what went wrong, so none is replaced but the last.
+std::string State_file::put_aside() const {
+    std::string aside;
+    for (int i = 1; i <= MOST_ASIDE; ++i) {
+        aside = m_file + ".damaged" + (i == 1 ? "" : "-" + std::to_string(i));
+        if (!fs::exists(fs::symlink_status(aside))) {
+            break;
+        }
+    }
+    if (std::rename(m_file.c_str(), aside.c_str()) != 0) {
+        throw Input_error(m_file + ": is damaged and cannot be put aside: " + std::strerror(errno));
+    }
+    return "the file is now " + aside + ", the device has its start values";
+}
+
+void State_file::apply(const Values& values, std::vector<std::string>& lines) {
+    for (const auto& [key, value] : values) {
+        if (m_device.type(value.pid, value.varidx) != value.type) {
+            m_for_others.emplace(key, value);
+        } else if (const int result = give(m_device, value); result != Memory_device::DONE) {
+            lines.push_back(m_file + ": parameter " + std::to_string(value.pid) + " with index " +
+                            std::to_string(value.varidx) + " has its start value: " + shown(value) +
+                            " is " + Memory_device::result_text(result));
+        }
+    }
+}
+
+void State_file::save() const {
+    write_whole_file(m_file, text());
+}
+
+std::string State_file::text() const {
+    Values values = m_for_others;
+    for (const Memory_device::Value& value : m_device.values()) {
+        values.insert_or_assign(Key(value.pid, value.varidx, value.type), value);
+    }
+    std::string text = "{\"version\": " + std::to_string(VERSION) + ", \"values\": [";
+    const char* separator = "\n";
+    for (const auto& [key, value] : values) {
+        rapidjson::StringBuffer buffer;
+        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+        write_value(writer, value);
+        text += separator + std::string(buffer.GetString(), buffer.GetSize());
+        separator = ",\n";
+    }
+    return text + "\n]}\n";
+}
+
+}  // namespace panel

@@ -1,0 +1,52 @@
+// Writes the state file whenever the device's values changed, on a thread of its own: a slow disk does not hold up
+// the panel.
+#ifndef FRONTPANEL_PANEL_STATE_KEEPER_H
+#define FRONTPANEL_PANEL_STATE_KEEPER_H
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "state_file.h"
+
+namespace panel {
+
+class State_keeper {
+public:
+    static constexpr std::chrono::milliseconds USUAL_DELAY{1000};
+
+    // A change is written, with all that follow it, when `delay` is over. Takes the device's change callback.
+    // File and device outlive the object.
+    State_keeper(State_file& file, Memory_device& device,
+                 std::chrono::milliseconds delay = USUAL_DELAY);
+    // As `finish`, but a failure is not told.
+    ~State_keeper();
+    State_keeper(const State_keeper&) = delete;
+    State_keeper& operator=(const State_keeper&) = delete;
+
+    // Writes what was not written yet and ends. Input_error when that cannot be done.
+    void finish();
+
+    // How often the file was written.
+    int save_count() const;
+
+private:
+    void run();
+    void end_thread();
+
+    State_file& m_file;
+    Memory_device& m_device;
+    std::chrono::milliseconds m_delay;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_is_dirty = false;
+    bool m_ends = false;
+    int m_save_count = 0;
+    std::thread m_thread;
+};
+
+}  // namespace panel
+
+#endif

@@ -1,0 +1,113 @@
+#!/usr/bin/env bash
+# The files that the panel writes: the device's values, and pictures.
+# usage: panel_files_test.sh FRONTPANEL TOUR
+set -uo pipefail
+
+PANEL=$1
+FOLDER=$(mktemp -d)
+trap 'rm -rf "$FOLDER"' EXIT
+cd "$FOLDER" || exit 1
+export XDG_STATE_HOME=$FOLDER
+FAILURES=0
+NO_POSTS="warning: live values cannot be posted: /dev is not writable"
+
+fail() {
+    echo "FAILED: $*"
+    FAILURES=$((FAILURES + 1))
+}
+
+# expect STATUS ERRORS ARGUMENT...: runs the panel on a small menu.
+expect() {
+    local status=0 wanted=$1 errors=$2
+    shift 2
+    "$PANEL" --menu menu.json "$@" >out 2>errors </dev/null || status=$?
+    [ "$status" -eq "$wanted" ] || fail "frontpanel $*: status $status, expected $wanted"
+    [ "$(grep -vxF "$NO_POSTS" errors)" = "$errors" ] || fail "frontpanel $*: said '$(cat errors)', expected '$errors'"
+}
+
+menu() {
+    printf '{"device": {"parameters": [{"pid": 7, "type": "integer", "min": 0, "max": %s, "value": 1}]}, "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 7}]}}' "$1" >menu.json
+}
+
+menu 9
+printf 'expect 1 |>Gain              1|\nselect\nup 5\nselect\nexpect-write 7 6\n' >edit.script
+printf 'expect 1 |>Gain              6|\n' >kept.script
+printf 'expect 1 |>Gain              1|\n' >start.script
+
+# ---- values
+
+expect 0 "" --script edit.script
+expect 0 "" --script start.script
+expect 0 "" --script edit.script --state values
+[ "$(cat values)" = '{"version": 1, "values": [
+{"pid":7,"index":0,"integer":6}
+]}' ] || fail "the values are $(cat values)"
+expect 0 "" --script kept.script --state values
+[ ! -e values.new ] || fail "a temporary file was left"
+
+# A change that no key made is kept too, and that of a script which ends early.
+printf 'set 7 8\nset 7 10\n' >early.script
+expect 2 'frontpanel: early.script:2: parameter 7 cannot be set to "10": out of bounds' --script early.script --state values
+grep -q '"integer":8' values || fail "a script that ended early left $(cat values)"
+printf 'set 7 6\n' >back.script
+expect 0 "" --script back.script --state values
+
+# A menu that no longer allows the value says so; one that does not know the parameter keeps it.
+menu 5
+expect 0 "warning: values: parameter 7 with index 0 has its start value: 6 is out of bounds" --script start.script --state values
+grep -q '"integer":6' values || fail "the value was lost although nothing changed: $(cat values)"
+menu 9
+expect 0 "" --script kept.script --state values
+
+# A damaged file is put aside, and the panel goes on.
+printf '{"version": 1, "val' >values
+expect 0 "warning: values:1:20: Missing a closing quotation mark in string.; the file is now values.damaged, the device has its start values" --script edit.script --state values
+[ "$(cat values.damaged)" = '{"version": 1, "val' ] || fail "the damaged file is $(cat values.damaged)"
+grep -q '"integer":6' values || fail "no new file after a damaged one"
+
+# What cannot be written is told, and told again when something is lost.
+absent="absent/values: cannot be written: No such file or directory"
+expect 0 "warning: $absent" --script start.script --state absent/values
+expect 2 "warning: $absent
+frontpanel: $absent" --script edit.script --state absent/values
+mkdir folder
+expect 2 "frontpanel: folder: cannot be read: it is no file" --script edit.script --state folder
+expect 2 "frontpanel: /dev/zero: cannot be read: it is no file" --script edit.script --state /dev/zero
+
+# A panel that is killed leaves a file that the next one reads, whenever that is.
+for i in {1..400}; do printf 'set 7 %d\ntick 5\n' $((i % 2 + 4)); done >busy.script
+mkfifo output
+for lines in 1 2000 8000; do
+    "$PANEL" --menu menu.json --script busy.script --state values >output 2>/dev/null &
+    exec 3<output
+    head -n "$lines" <&3 >/dev/null
+    kill -s KILL $! && wait $! 2>/dev/null
+    exec 3<&-
+    printf 'tick\n' >any.script
+    expect 0 "" --script any.script --state values
+done
+
+# ---- pictures
+
+printf 'select\nup\n' >picture.script
+expect 0 "" --script picture.script --screenshot panel.svg
+[ ! -s out ] || fail "a picture was made, and something was printed"
+grep -q '^<desc>|Gain                |$' panel.svg || fail "the picture does not show the editor"
+expect 0 "" --screenshot start.svg
+grep -q '<desc>|&gt;Gain              1|$' start.svg || fail "the picture does not show the start"
+expect 1 'kept.script:1: line 1 shows |>Gain              1|, expected |>Gain              6|
+kept.script: 1 expectation not met' --script kept.script --screenshot different.svg
+[ -s different.svg ] || fail "no picture of what was not expected"
+expect 2 'frontpanel: absent/a.svg: cannot be written: No such file or directory' --screenshot absent/a.svg
+sed 's/"Gain"/"<\&>\\"]]>"/' menu.json >markup.json
+"$PANEL" --menu markup.json --screenshot markup.svg || fail "no picture of a menu with markup"
+if command -v xmllint >/dev/null; then
+    for picture in panel start different markup; do
+        xmllint --noout --nonet "$picture.svg" || fail "$picture.svg is no XML"
+    done
+fi
+if command -v rsvg-convert >/dev/null; then
+    rsvg-convert markup.svg -o markup.png && [ -s markup.png ] || fail "markup.svg cannot be drawn"
+fi
+
+[ "$FAILURES" -eq 0 ]
