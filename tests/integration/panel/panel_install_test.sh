@@ -3,7 +3,7 @@
 # usage: panel_install_test.sh CMAKE BUILD BIN_FOLDER MENU_FOLDER     (the folders are under a prefix)
 set -euo pipefail
 
-CMAKE=$1 BUILD=$2 BIN=$3 MENUS=$4
+CMAKE=$1 BUILD=$2 BIN=$3 MENUS=$4 DATA=${4%%/frontpanel_data/*}
 FOLDER=$(mktemp -d)
 trap 'rm -rf "$FOLDER"' EXIT
 cd "$FOLDER"
@@ -27,6 +27,11 @@ case $said in
 esac
 "$panel" >tour </dev/null || fail "the tour ends with $?"
 grep -qF '|>Audio           ...|' tour || fail "the tour does not show the menu"
+
+# Its manual page and completions come with it.
+for file in man/man1/frontpanel.1 bash-completion/completions/frontpanel zsh/site-functions/_frontpanel; do
+    [ -s "moved/$DATA/$file" ] || fail "$file is not installed"
+done
 
 # A link elsewhere, as in a folder of the search path, leads to the same files.
 ln -s "$panel" linked

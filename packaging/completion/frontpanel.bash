@@ -1,0 +1,27 @@
+# bash completion for frontpanel                                                   -*- shell-script -*-
+
+_frontpanel() {
+    local options='--help --version --menu --script --size --state --screenshot --log --debug --check'
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
+    COMPREPLY=()
+    case $previous in
+        --menu) pattern='!*.json' ;;
+        --script) pattern='!*.script' ;;
+        --screenshot) pattern='!*.svg' ;;
+        --log | --state) pattern='' ;;
+        --size)
+            mapfile -t COMPREPLY < <(compgen -W '16x2 20x2 20x4 24x2 40x2 40x4' -- "$current")
+            return
+            ;;
+        --debug) return ;;
+        *)
+            mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+            return
+            ;;
+    esac
+    # Folders stay, whatever the files are called.
+    mapfile -t COMPREPLY < <({ compgen -d -- "$current"; compgen -f -X "$pattern" -- "$current"; } | sort -u)
+    compopt -o filenames 2>/dev/null
+}
+
+complete -F _frontpanel frontpanel
