@@ -17,7 +17,7 @@ options_in() {
 }
 
 OPTIONS=$("$PANEL" --help | grep -E '^  (-|   )' | cut -c1-27 | options_in)
-[ "$(wc -l <<<"$OPTIONS")" -ge 10 ] || fail "--help names only" $OPTIONS
+[ "$(wc -l <<<"$OPTIONS")" -ge 10 ] || fail "--help names only $OPTIONS"
 LONGEST=$("$PANEL" --help | awk '{ if (length > most) most = length } END { print most }')
 LINES_USED=$("$PANEL" --help | wc -l)
 [ "$LONGEST" -le 80 ] || fail "--help has a line of $LONGEST characters"
