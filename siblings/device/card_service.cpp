@@ -20,6 +20,8 @@
 #include <thread>
 #include <utility>
 
+#include "chance.h"
+
 namespace {
 
 constexpr const char* HOST = "127.0.0.1";
@@ -161,6 +163,8 @@ public:
     void declare(const Document_key& key, Live_document document);
     int selected(const Document_key& key) const;
     void set_fault(Fault fault, std::chrono::milliseconds delay);
+    void set_random_faults(uint32_t seed, double probability,
+                           std::chrono::milliseconds longest_delay);
     std::vector<Request> requests() const;
 
 private:
@@ -168,6 +172,16 @@ private:
 
     void listen(int port);
     void answer(const httplib::Request& request, httplib::Response& response);
+    struct Trouble {
+        Fault fault;
+        std::chrono::milliseconds delay;
+    };
+    struct Dice {
+        Chance chance;
+        double probability;
+        std::chrono::milliseconds longest_delay;
+    };
+    Trouble next_trouble();
     Fault wait_if_late(Lock& lock);
     Answer make_answer(const httplib::Request& request, Fault fault);
     Answer send_document(const httplib::Request& request, Fault fault) const;
@@ -178,8 +192,9 @@ private:
     std::condition_variable m_fault_changed;
     std::map<Document_key, Live_document> m_documents;
     std::deque<Request> m_requests;
-    Fault m_fault = Fault::NONE;
-    std::chrono::milliseconds m_delay{0};
+    Trouble m_trouble{Fault::NONE, std::chrono::milliseconds(0)};
+    std::optional<Dice> m_dice;  // while the faults are drawn
+    int m_orders = 0;            // how often other faults were asked for
 
     int m_port = 0;
     httplib::Server m_http;
@@ -239,8 +254,18 @@ int Card_service::Server::selected(const Document_key& key) const {
 
 void Card_service::Server::set_fault(Fault fault, std::chrono::milliseconds delay) {
     const Lock lock(m_mutex);
-    m_fault = fault;
-    m_delay = delay;
+    m_orders += m_dice || m_trouble.fault != fault ? 1 : 0;
+    m_dice.reset();
+    m_trouble = {fault, delay};
+    m_fault_changed.notify_all();
+}
+
+void Card_service::Server::set_random_faults(uint32_t seed, double probability,
+                                             std::chrono::milliseconds longest_delay) {
+    const Lock lock(m_mutex);
+    ++m_orders;
+    m_dice.emplace(Dice{Chance(seed), probability, longest_delay});
+    m_trouble = {Fault::NONE, std::chrono::milliseconds(0)};
     m_fault_changed.notify_all();
 }
 
@@ -256,12 +281,27 @@ void Card_service::Server::remember(const httplib::Request& request, int status)
     m_requests.push_back({request.method, request.target, request.body, status});
 }
 
+Card_service::Server::Trouble Card_service::Server::next_trouble() {
+    constexpr Fault FAULTS[] = {Fault::LATE, Fault::CUT_OFF, Fault::ERROR_STATUS,
+                                Fault::UNCOMPRESSED, Fault::GARBAGE};
+    if (!m_dice || !m_dice->chance.happens(m_dice->probability)) {
+        return m_trouble;
+    }
+    const Fault fault = FAULTS[m_dice->chance.below(std::size(FAULTS))];
+    return {fault,
+            std::chrono::milliseconds(m_dice->chance.below(m_dice->longest_delay.count() + 1))};
+}
+
 // Returns the fault that holds for the answer.
 Card_service::Fault Card_service::Server::wait_if_late(Lock& lock) {
-    if (m_fault == Fault::LATE) {
-        m_fault_changed.wait_for(lock, m_delay, [this] { return m_fault != Fault::LATE; });
+    const Trouble trouble = next_trouble();
+    if (trouble.fault != Fault::LATE) {
+        return trouble.fault;
     }
-    return m_fault;
+    const int orders = m_orders;
+    const bool is_changed = m_fault_changed.wait_for(lock, trouble.delay,
+                                                     [this, orders] { return m_orders != orders; });
+    return is_changed ? m_trouble.fault : Fault::LATE;
 }
 
 void Card_service::Server::answer(const httplib::Request& request, httplib::Response& response) {
@@ -344,6 +384,11 @@ int Card_service::selected(int slot, int varid) const {
 
 void Card_service::set_fault(Fault fault, std::chrono::milliseconds delay) {
     m_server->set_fault(fault, delay);
+}
+
+void Card_service::set_random_faults(uint32_t seed, double probability,
+                                     std::chrono::milliseconds longest_delay) {
+    m_server->set_random_faults(seed, probability, longest_delay);
 }
 
 std::vector<Card_service::Request> Card_service::requests() const {

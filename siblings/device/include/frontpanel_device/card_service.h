@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,7 +21,7 @@ public:
         std::string label;
     };
 
-    // How the service misbehaves, with every request alike.
+    // How the service misbehaves.
     enum class Fault {
         NONE,
         LATE,          // answers after a delay
@@ -56,9 +57,15 @@ public:
     // The index selected last; -1 for a document that is not declared and for a new tree.
     int selected(int slot, int varid) const;
 
-    // `delay` counts from each request's arrival, for `LATE` alone. Requests that wait go on at once when
+    // With every request alike. `delay` counts from each request's arrival, for `LATE` alone. Requests that wait go on at once when
     // another fault is set and when the service ends.
     void set_fault(Fault fault, std::chrono::milliseconds delay = std::chrono::milliseconds(0));
+
+    // From now on each request meets a fault with this probability, 0 to 1: any of them alike, `LATE` by at most
+    // `longest_delay`. The same seed and the same requests, one after the other, meet the same faults.
+    // `set_fault` ends it.
+    void set_random_faults(uint32_t seed, double probability,
+                           std::chrono::milliseconds longest_delay = std::chrono::milliseconds(0));
 
     // The newest requests for a document, oldest first. One is listed before its answer is sent.
     std::vector<Request> requests() const;

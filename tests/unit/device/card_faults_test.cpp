@@ -1,0 +1,74 @@
+#include <frontpanel_device/card_service.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <set>
+#include <string>
+
+namespace {
+
+constexpr const char* DOCUMENT =
+    "/slot/3/htdocs/cgi-bin/cfgjson?Get&slotid=3&9071@d;time&1480088766084";
+
+// What each of so many requests meets.
+std::vector<std::string> answers(const Card_service& service, int requests) {
+    std::vector<std::string> met;
+    for (int i = 0; i < requests; ++i) {
+        httplib::Client client("127.0.0.1", service.port());
+        client.set_decompress(false);
+        client.set_url_encode(false);
+        const httplib::Result result = client.Get(DOCUMENT);
+        if (!result) {
+            met.emplace_back("cut off");
+        } else if (result->status != 200) {
+            met.push_back(std::to_string(result->status));
+        } else {
+            met.push_back(result->body.substr(0, 2) == "\x1f\x8b" ? "whole"
+                          : result->body.substr(0, 1) == "{"      ? "plain"
+                                                                  : "garbage");
+        }
+    }
+    return met;
+}
+
+class Card_faults : public testing::Test {
+protected:
+    Card_faults() { m_service.add_combo_box(3, 9071, {{"0", "25 Hz"}, {"1", "30 Hz"}}, 1); }
+
+    Card_service m_service;
+};
+
+TEST_F(Card_faults, OfAllKindsAreDrawn) {
+    m_service.set_random_faults(1, 0.8);
+    const std::vector<std::string> met = answers(m_service, 60);
+    EXPECT_EQ(std::set<std::string>(met.begin(), met.end()),
+              (std::set<std::string>{"whole", "cut off", "503", "plain", "garbage"}));
+}
+
+TEST_F(Card_faults, AreTheSameForTheSameSeed) {
+    m_service.set_random_faults(7, 0.5);
+    const std::vector<std::string> first = answers(m_service, 30);
+    m_service.set_random_faults(7, 0.5);
+    EXPECT_EQ(answers(m_service, 30), first);
+    m_service.set_random_faults(8, 0.5);
+    EXPECT_NE(answers(m_service, 30), first);
+}
+
+TEST_F(Card_faults, NeverAndAlwaysAreExact) {
+    m_service.set_random_faults(1, 0);
+    EXPECT_THAT(answers(m_service, 20), testing::Each("whole"));
+    m_service.set_random_faults(1, 1);
+    // A late answer is whole.
+    EXPECT_THAT(answers(m_service, 20),
+                testing::Contains(testing::Ne("whole")).Times(testing::Ge(10)));
+}
+
+TEST_F(Card_faults, EndWithAnotherOrder) {
+    m_service.set_random_faults(1, 1, std::chrono::hours(1));
+    m_service.set_fault(Card_service::Fault::NONE);
+    EXPECT_THAT(answers(m_service, 10), testing::Each("whole"));
+}
+
+}  // namespace
