@@ -6,6 +6,7 @@
 #include <frontpanel_data/data_model.h>
 #include <frontpanel_data/entry.h>
 #include <frontpanel_data/enum_entry.h>
+#include <frontpanel_data/link_entry.h>
 #include <frontpanel_data/range_entry.h>
 #include <frontpanel_data/slot_enum_entry.h>
 #include <frontpanel_data/string_entry.h>

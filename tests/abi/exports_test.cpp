@@ -161,8 +161,8 @@ TEST(Exports, HoldTablesOfTheAgreedLength) {
         {"Data_interface", 6}, {"Pdt_data_access", 9},  {"Data_model", 7},    {"Integer_model", 9},
         {"String_model", 10},  {"Data_entry", 79},      {"Node_entry", 79},   {"Range_entry", 88},
         {"Enum_entry", 88},    {"Slot_enum_entry", 91}, {"String_entry", 81}, {"Ip_entry", 82},
-        {"Time_entry", 81},    {"Binding", 17},         {"Selection", 5},     {"Timer", 3},
-        {"LinuxTimer", 3},
+        {"Time_entry", 81},    {"Link_entry", 113},     {"Binding", 17},      {"Selection", 5},
+        {"Timer", 3},          {"LinuxTimer", 3},
     };
     std::size_t found = 0;
     for (const Symbol& symbol : exported_symbols()) {

@@ -263,4 +263,42 @@ TEST(MemberOrder, TextEntries) {
     EXPECT_EQ(sizeof(Time_entry), sizeof(String_entry));
 }
 
+class Link_probe : public Link_entry {
+public:
+    using Probe = Link_probe;
+    static Rows rows() {
+        return {
+            MEMBER(Probe, link_name),
+            MEMBER(Probe, link_entry),
+            MEMBER(Probe, entry_type),
+            MEMBER(Probe, redraw_teleport_destination),
+            MEMBER(Probe, escape_teleport_destination),
+            MEMBER(Probe, select_teleport_destination),
+            MEMBER(Probe, link_behaviour),
+            MEMBER(Probe, is_bridge_link),
+            MEMBER(Probe, link_visible),
+            MEMBER(Probe, is_mounting_link),
+            MEMBER(Probe, create_mount_menu),
+            MEMBER(Probe, destroy_mount_menu),
+            MEMBER(Probe, is_homescreen_entry),
+            MEMBER(Probe, vim),
+            MEMBER(Probe, toggle_expression),
+            MEMBER(Probe, homescreen_keys),
+            MEMBER(Probe, next_link),
+            MEMBER(Probe, previous_link),
+            MEMBER(Probe, parent_link),
+            MEMBER(Probe, child_link),
+            MEMBER(Probe, valid_next_link),
+            MEMBER(Probe, valid_previous_link),
+            MEMBER(Probe, valid_parent_link),
+            MEMBER(Probe, valid_child_link),
+        };
+    }
+    static_assert(sizeof(link_name) == 25, "24 characters and the terminator");
+};
+
+TEST(MemberOrder, LinkEntry) {
+    expect_derived(Link_probe::rows(), Entry_probe::rows());
+}
+
 }  // namespace

@@ -310,6 +310,92 @@ TEST(SlotOrder, TimeEntryReplacesOperationsOfTheBase) {
     EXPECT_EQ(slot_of(&Time_entry::Get_display_string), slot_of(&Data_entry::Get_display_string));
 }
 
+TEST(SlotOrder, LinkEntry) {
+    const std::vector<Row> rows = {
+        SLOT(Link_entry, Get_escape_node),
+        SLOT(Link_entry, Set_escape_node),
+        SLOT(Link_entry, Get_housed_entry),
+        SLOT_OF(Link_entry, Set_visible, bool(bool)),
+        SLOT(Link_entry, Get_next),
+        SLOT(Link_entry, Get_previous),
+        SLOT(Link_entry, Get_parent_link),
+        SLOT(Link_entry, Get_child_link),
+        SLOT(Link_entry, Get_parent),
+        SLOT(Link_entry, Get_child),
+        SLOT(Link_entry, Get_access_type),
+        SLOT(Link_entry, Is_node_entry),
+        SLOT(Link_entry, Is_active),
+        SLOT(Link_entry, Get_shortcut),
+        SLOT(Link_entry, Get_description),
+        SLOT(Link_entry, Get_index),
+        SLOT(Link_entry, Get_pid),
+        SLOT(Link_entry, Get_visible),
+        SLOT(Link_entry, CheckToggleState),
+        SLOT(Link_entry, GetGetRequest),
+        SLOT(Link_entry, Get_value_visible_mask),
+        SLOT(Link_entry, Get_min),
+        SLOT(Link_entry, Get_max),
+        SLOT(Link_entry, GetToggleExpression),
+        SLOT(Link_entry, isMountLink),
+        SLOT(Link_entry, setAsMountLink),
+        SLOT(Link_entry, setAsHomescreenEntry),
+        SLOT(Link_entry, isHomescreenEntry),
+        SLOT(Link_entry, createGetRequests),
+        SLOT(Link_entry, setAsBridgeLink),
+        SLOT(Link_entry, isBridgeLink),
+        SLOT(Link_entry, getBehaviour),
+        SLOT(Link_entry, setBehaviour),
+        SLOT(Link_entry, isValidParentLink),
+    };
+    EXPECT_EQ(rows.size(), 34u);
+    expect_consecutive(rows, AFTER_ENTRY);
+}
+
+TEST(SlotOrder, LinkEntryReplacesOperationsOfTheBase) {
+    EXPECT_EQ(slot_of(&Link_entry::Get_entry_type), slot_of(&Data_entry::Get_entry_type));
+    EXPECT_EQ(slot_of(&Link_entry::Get_return_type_int_or_string),
+              slot_of(&Data_entry::Get_return_type_int_or_string));
+    EXPECT_EQ(slot_of(&Link_entry::Set_parent), slot_of(&Data_entry::Set_parent));
+    EXPECT_EQ(slot_of(&Link_entry::Set_child), slot_of(&Data_entry::Set_child));
+    EXPECT_EQ(slot_of(&Link_entry::Set_next), slot_of(&Data_entry::Set_next));
+    EXPECT_EQ(slot_of(&Link_entry::Set_previous), slot_of(&Data_entry::Set_previous));
+    EXPECT_EQ(slot_of(&Link_entry::Add_child), slot_of(&Data_entry::Add_child));
+    EXPECT_EQ(slot_of(&Link_entry::Attach), slot_of(&Data_entry::Attach));
+    EXPECT_EQ(slot_of(&Link_entry::Remove), slot_of(&Data_entry::Remove));
+    EXPECT_EQ(slot_of(&Link_entry::Get_name), slot_of(&Data_entry::Get_name));
+    EXPECT_EQ(slot_of(&Link_entry::Set_shortcut), slot_of(&Data_entry::Set_shortcut));
+    EXPECT_EQ(slot_of(&Link_entry::Get_display_string), slot_of(&Data_entry::Get_display_string));
+    EXPECT_EQ(slot_of(&Link_entry::Get_bind_vis), slot_of(&Data_entry::Get_bind_vis));
+    EXPECT_EQ(slot_of(&Link_entry::setOrOptions), slot_of(&Data_entry::setOrOptions));
+    EXPECT_EQ(slot_of(&Link_entry::setProductOptions), slot_of(&Data_entry::setProductOptions));
+    EXPECT_EQ(slot_of(&Link_entry::Get_value), slot_of(&Data_entry::Get_value));
+    EXPECT_EQ(slot_of(&Link_entry::Set_value), slot_of(&Data_entry::Set_value));
+    EXPECT_EQ(slot_of(&Link_entry::bindingReturnType), slot_of(&Data_entry::bindingReturnType));
+    EXPECT_EQ(slot_of(&Link_entry::Commit), slot_of(&Data_entry::Commit));
+    EXPECT_EQ(slot_of(&Link_entry::Refresh), slot_of(&Data_entry::Refresh));
+    EXPECT_EQ(slot_of(&Link_entry::Inc_value), slot_of(&Data_entry::Inc_value));
+    EXPECT_EQ(slot_of(&Link_entry::Print), slot_of(&Data_entry::Print));
+    EXPECT_EQ(slot_of(&Link_entry::Update_value), slot_of(&Data_entry::Update_value));
+    EXPECT_EQ(slot_of(&Link_entry::Get_options), slot_of(&Data_entry::Get_options));
+    EXPECT_EQ(slot_of(&Link_entry::isOptionStatic), slot_of(&Data_entry::isOptionStatic));
+    EXPECT_EQ(slot_of(&Link_entry::Get_final_value), slot_of(&Data_entry::Get_final_value));
+    EXPECT_EQ(slot_of(&Link_entry::Set_final_value), slot_of(&Data_entry::Set_final_value));
+    EXPECT_EQ(slot_of(&Link_entry::Set_invisible), slot_of(&Data_entry::Set_invisible));
+    EXPECT_EQ(slot_of(&Link_entry::Set_binding_object), slot_of(&Data_entry::Set_binding_object));
+    EXPECT_EQ(slot_of(&Link_entry::Add_binding_list), slot_of(&Data_entry::Add_binding_list));
+    EXPECT_EQ(slot_of(&Link_entry::Get_var_index_map_keys),
+              slot_of(&Data_entry::Get_var_index_map_keys));
+    EXPECT_EQ(slot_of(&Link_entry::Get_var_index_map), slot_of(&Data_entry::Get_var_index_map));
+    EXPECT_EQ(slot_of(&Link_entry::Print_binding_errors),
+              slot_of(&Data_entry::Print_binding_errors));
+    EXPECT_EQ(slot_of(&Link_entry::Print_suggestions), slot_of(&Data_entry::Print_suggestions));
+    EXPECT_EQ(SLOT_OF(Link_entry, Set_visible, void()).slot, slot_of(&Data_entry::Set_visible));
+    EXPECT_EQ(SLOT_OF(Link_entry, isVisible, int()).slot,
+              SLOT_OF(Data_entry, isVisible, int()).slot);
+    EXPECT_EQ(SLOT_OF(Link_entry, isVisible, int(bool, Data_interface*)).slot,
+              SLOT_OF(Data_entry, isVisible, int(bool, Data_interface*)).slot);
+}
+
 TEST(SlotOrder, Binding) {
     expect_consecutive(
         {
