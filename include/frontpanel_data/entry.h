@@ -262,13 +262,21 @@ public:
     // points to the int32_t or the one-byte flag that an editor step reads. Returns the result of the refresh
     // (0 when none was asked); -1 for a null entry, and for a refresh without interface, after which no other
     // step is made.
+    //
+    // A refresh of a link runs the whole operation on the entry it houses and returns its result; the link's
+    // own steps follow, so that a neighbour delivered is the link's. Without a housed entry the refresh is
+    // -1 and the steps follow all the same. Of a link, OPERATION_PARENT and OPERATION_CHILD leave and enter
+    // a mounted menu, while the forms with _LINK deliver only what was set. A link has no dynamic siblings.
     static int EntryTypeSpecificOperation(Data_entry* data_entry, Data_interface* m_pDataAccessInf,
                                           void* specific_selection_obj, bool eval_binding,
                                           int flags, void** flag_specific);
 
     // Walks the tree below an entry, parents before children. Bit 0x1 of `flags` hands the shortcut table
-    // `optional_arg` to every entry; bits 0x4 and 0x8 print a line for each, indented by as many tabs as the
-    // int that `optional_arg` points to, one more a level.
+    // `optional_arg` to every entry; bit 0x2 clears the child link of every mount link; bits 0x4 and 0x8 print
+    // a line for each, indented by as many tabs as the int that `optional_arg` points to, one more a level.
+    //
+    // Links are walked by their own place and set child, so no mounted menu is built or taken down. Where one
+    // leads back to an entry that is being walked, or to an earlier sibling, the walk goes no further there.
     static void TraverseMenuTree(Data_entry* data_entry, int flags, void* optional_arg);
 
     // Whether an IPv4 address answers a ping within a second; blocks that long. Addresses that end in ".0"

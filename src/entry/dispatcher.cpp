@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include <frontpanel_data/entry.h>
+#include <frontpanel_data/link_entry.h>
 #include <frontpanel_data/selection.h>
 
 #include "../diagnostics.h"
@@ -26,8 +27,9 @@ constexpr unsigned int IP = type_bit(Entry::IP_LEAF);
 constexpr unsigned int TIME = type_bit(Entry::TIME_LEAF);
 constexpr unsigned int LINK = type_bit(Entry::LINK_ENTRY);
 constexpr unsigned int LEAVES = RANGE | ENUM | STRING_TEXT | IP | TIME;
-constexpr unsigned int ALL = NODE | LEAVES | LINK;
-constexpr unsigned int WITHOUT_DYNAMIC_SIBLINGS = TIME | LINK;
+constexpr unsigned int ALL_BUT_LINKS = NODE | LEAVES;
+constexpr unsigned int ALL = ALL_BUT_LINKS | LINK;
+constexpr unsigned int WITH_DYNAMIC_SIBLINGS = ALL_BUT_LINKS & ~TIME;
 
 struct Call {
     Entry* entry;
@@ -63,6 +65,23 @@ bool refresh(Call& call) {
     return true;
 }
 
+// Null for an entry of another class that gives itself out as a link: it is treated by its base alone.
+Link_entry* link_of(const Call& call) {
+    return dynamic_cast<Link_entry*>(call.entry);
+}
+
+// The link's own steps follow, so that a neighbour that is delivered is the link's.
+bool operate_on_housed(Call& call) {
+    Link_entry* const link = link_of(call);
+    if (link == nullptr) {
+        return refresh(call);
+    }
+    call.result =
+        Entry::EntryTypeSpecificOperation(link->Get_housed_entry(), call.iface, call.selection,
+                                          call.eval_binding, call.flags, call.link);
+    return call.iface != nullptr;
+}
+
 template <Entry* (Entry::*neighbour)() const>
 bool deliver(Call& call) {
     if (call.link != nullptr) {
@@ -76,6 +95,15 @@ bool deliver_sibling(Call& call) {
     if (call.link != nullptr) {
         const bool dynamic = (call.flags & Entry::OPERATION_DYNAMIC) != 0;
         *call.link = dynamic ? (call.entry->*dynamic_neighbour)() : (call.entry->*neighbour)();
+    }
+    return true;
+}
+
+template <Entry* (Link_entry::*own)(), Entry* (Entry::*otherwise)() const>
+bool deliver_own(Call& call) {
+    if (call.link != nullptr) {
+        Link_entry* const link = link_of(call);
+        *call.link = link != nullptr ? (link->*own)() : (call.entry->*otherwise)();
     }
     return true;
 }
@@ -178,15 +206,27 @@ bool pass_line_info(Call& call) {
 // Rows run from top to bottom, whatever the value of their bits. The editor opens last, so that one call can
 // refresh an entry, tell its editor what it needs to know and open it.
 constexpr Step STEPS[] = {
-    {Entry::OPERATION_REFRESH, ALL, refresh},
-    {Entry::OPERATION_PARENT | Entry::OPERATION_PARENT_LINK, ALL, deliver<&Entry::Get_parent>},
-    {Entry::OPERATION_CHILD | Entry::OPERATION_CHILD_LINK, ALL, deliver<&Entry::Get_child>},
-    {Entry::OPERATION_PREVIOUS, ALL & ~WITHOUT_DYNAMIC_SIBLINGS,
+    {Entry::OPERATION_REFRESH, ALL_BUT_LINKS, refresh},
+    {Entry::OPERATION_REFRESH, LINK, operate_on_housed},
+    {Entry::OPERATION_PARENT | Entry::OPERATION_PARENT_LINK, ALL_BUT_LINKS,
+     deliver<&Entry::Get_parent>},
+    // For links the plain and the link form differ: the plain one leaves and enters mounted menus.
+    {Entry::OPERATION_PARENT, LINK, deliver_own<&Link_entry::Get_parent, &Entry::Get_parent>},
+    {Entry::OPERATION_PARENT_LINK, LINK,
+     deliver_own<&Link_entry::Get_parent_link, &Entry::Get_parent>},
+    {Entry::OPERATION_CHILD | Entry::OPERATION_CHILD_LINK, ALL_BUT_LINKS,
+     deliver<&Entry::Get_child>},
+    {Entry::OPERATION_CHILD, LINK, deliver_own<&Link_entry::Get_child, &Entry::Get_child>},
+    {Entry::OPERATION_CHILD_LINK, LINK,
+     deliver_own<&Link_entry::Get_child_link, &Entry::Get_child>},
+    {Entry::OPERATION_PREVIOUS, WITH_DYNAMIC_SIBLINGS,
      deliver_sibling<&Entry::Get_previous, &Entry::Get_dynamic_previous>},
-    {Entry::OPERATION_PREVIOUS, WITHOUT_DYNAMIC_SIBLINGS, deliver<&Entry::Get_previous>},
-    {Entry::OPERATION_NEXT, ALL & ~WITHOUT_DYNAMIC_SIBLINGS,
+    {Entry::OPERATION_PREVIOUS, TIME, deliver<&Entry::Get_previous>},
+    {Entry::OPERATION_PREVIOUS, LINK, deliver_own<&Link_entry::Get_previous, &Entry::Get_previous>},
+    {Entry::OPERATION_NEXT, WITH_DYNAMIC_SIBLINGS,
      deliver_sibling<&Entry::Get_next, &Entry::Get_dynamic_next>},
-    {Entry::OPERATION_NEXT, WITHOUT_DYNAMIC_SIBLINGS, deliver<&Entry::Get_next>},
+    {Entry::OPERATION_NEXT, TIME, deliver<&Entry::Get_next>},
+    {Entry::OPERATION_NEXT, LINK, deliver_own<&Link_entry::Get_next, &Entry::Get_next>},
     {Entry::OPERATION_SET_PARENT, ALL, relink<&Entry::Set_parent>},
     {Entry::OPERATION_SET_CHILD, ALL, relink<&Entry::Set_child>},
     {Entry::OPERATION_EXIT_LEDS, RANGE | STRING_TEXT | IP, exit_leds},

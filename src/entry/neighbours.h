@@ -2,6 +2,8 @@
 #ifndef FRONTPANEL_DATA_SRC_ENTRY_NEIGHBOURS_H
 #define FRONTPANEL_DATA_SRC_ENTRY_NEIGHBOURS_H
 
+#include <unordered_set>
+
 #include <frontpanel_data/entry.h>
 
 namespace neighbours {
@@ -19,6 +21,16 @@ inline Data_entry* first_child(Data_entry* entry) {
 inline Data_entry* next(Data_entry* entry) {
     return fetch(entry, Data_entry::OPERATION_NEXT);
 }
+
+// The siblings of a walk so far. A link without a next entry of its own goes on behind the entry it houses,
+// which may lead back into the list: a sibling that was met before ends the walk.
+class Met {
+public:
+    bool is_new(const Data_entry* sibling) { return m_siblings.insert(sibling).second; }
+
+private:
+    std::unordered_set<const Data_entry*> m_siblings;
+};
 
 }  // namespace neighbours
 

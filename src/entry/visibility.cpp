@@ -78,7 +78,9 @@ bool Data_entry::has_visible_children(bool if_control_refresh, Data_interface* p
         return true;
     }
     bool links = first->Get_entry_type() == LINK_ENTRY;
-    for (Data_entry* sibling = neighbours::next(first); sibling != nullptr;
+    neighbours::Met met;
+    met.is_new(first);
+    for (Data_entry* sibling = neighbours::next(first); sibling != nullptr && met.is_new(sibling);
          sibling = neighbours::next(sibling)) {
         if (sibling->Get_entry_type() == LINK_ENTRY) {
             links = true;  // counts without being asked: asking may build a mounted menu

@@ -1,0 +1,432 @@
+// Links among other entries: the dispatcher, the traversal and the visibility of menus that hold them.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "support/capture.h"
+#include "support/fake_device.h"
+#include "support/fake_editors.h"
+#include "support/line_gates.h"
+#include "unit/entry/link_fixture.h"
+
+namespace {
+
+using support::capture;
+
+// --- the dispatcher
+
+class Dispatched_link : public testing::Test {
+protected:
+    Dispatched_link() {
+        housed.Set_next(&housed_next);
+        housed.Set_previous(&housed_previous);
+        housed.Set_child(&housed_child);
+    }
+
+    int run(int flags, Data_interface* interface = nullptr) {
+        return Data_entry::EntryTypeSpecificOperation(&link, interface, nullptr, true, flags,
+                                                      &fetched);
+    }
+    void place() {
+        base.Set_next(&next);
+        base.Set_previous(&previous);
+        base.Set_parent(&parent);
+        base.Set_child(&child);
+    }
+
+    Log log;
+    support::Fake_device device;
+    Menu menu{"Menu"};
+    Housed housed_next{"Housed_next"}, housed_previous{"Housed_previous"};
+    Housed housed_child{"Housed_child"}, untouched{"Untouched"};
+    Housed next{"Next"}, previous{"Previous"}, parent{"Parent"}, child{"Child"};
+    Housed housed{"Gain", support::any_index(), &menu};
+    Open_link link{&housed};
+    Data_entry& base = link;
+    void* fetched = &untouched;
+};
+
+TEST_F(Dispatched_link, RefreshesTheHousedEntry) {
+    housed.log = &log;
+    EXPECT_EQ(run(0x1, &device), Housed::RESULT);
+    ASSERT_EQ(log.size(), 1u);
+    EXPECT_EQ(log[0].rfind("Refresh 0x", 0), 0u) << log[0];
+    EXPECT_EQ(fetched, &untouched);
+}
+
+TEST_F(Dispatched_link, WithoutAnInterfaceFailsAndEndsTheOperation) {
+    place();
+    housed.log = &log;
+    EXPECT_EQ(run(0x1 | 0x8 | 0x100 | 0x400), -1);
+    EXPECT_EQ(fetched, &untouched);
+    EXPECT_EQ(link.Get_child_link(), &child);
+    EXPECT_EQ(log, Log{});
+}
+
+// The editor is that of the housed entry, which is what it edits.
+TEST_F(Dispatched_link, RunsTheWholeOperationOnTheHousedEntry) {
+    support::Fake_range_editor editor(&log);
+    housed.log = &log;
+    EXPECT_EQ(Data_entry::EntryTypeSpecificOperation(&link, &device, editor.pointer(), true,
+                                                     0x1 | 0x2 | 0x1000 | 0x100000, &fetched),
+              Housed::RESULT);
+    ASSERT_EQ(log.size(), 4u);
+    EXPECT_EQ(log[1], "ExitLEDs");
+    EXPECT_EQ(log[2], "Coarser_step");
+    EXPECT_EQ(log[3], "Prepare Gain");
+}
+
+TEST_F(Dispatched_link, AfterARefreshTheNeighbourIsTheLinks) {
+    place();
+    EXPECT_EQ(run(0x1 | 0x100, &device), Housed::RESULT);
+    EXPECT_EQ(fetched, &next);
+    run(0x1 | 0x8, &device);
+    EXPECT_EQ(fetched, &parent);
+}
+
+TEST_F(Dispatched_link, WithoutARefreshTheHousedEntryIsNotOperated) {
+    support::Fake_range_editor editor(&log);
+    housed.log = &log;
+    EXPECT_EQ(Data_entry::EntryTypeSpecificOperation(&link, &device, editor.pointer(), true,
+                                                     0x2 | 0x1000 | 0x2000 | 0x8000, &fetched),
+              0);
+    EXPECT_EQ(log, Log{});
+    EXPECT_EQ(fetched, &untouched);
+}
+
+TEST_F(Dispatched_link, ToNothingFailsToRefreshAndMakesItsOtherSteps) {
+    Open_link nowhere(nullptr);
+    static_cast<Data_entry&>(nowhere).Set_parent(&parent);
+    EXPECT_EQ(Data_entry::EntryTypeSpecificOperation(&nowhere, &device, nullptr, true, 0x1 | 0x10,
+                                                     &fetched),
+              -1);
+    EXPECT_EQ(fetched, &parent);
+}
+
+TEST_F(Dispatched_link, EachBitDeliversANeighbourOfItsOwnLookup) {
+    const struct {
+        int flags;
+        Data_entry* before;
+        Data_entry* placed;
+    } cases[] = {{0x8, &menu, &parent},
+                 {0x10, nullptr, &parent},
+                 {0x20, &housed_child, &child},
+                 {0x40, nullptr, &child},
+                 {0x80, &housed_previous, &previous},
+                 {0x100, &housed_next, &next},
+                 {0x80 | 0x400000, &housed_previous, &previous},
+                 {0x100 | 0x400000, &housed_next, &next}};
+    base.Set_dynamic_next(&untouched);
+    base.Set_dynamic_previous(&untouched);
+    for (const auto& test : cases) {
+        fetched = &untouched;
+        EXPECT_EQ(run(test.flags), 0);
+        EXPECT_EQ(fetched, test.before) << std::hex << test.flags;
+    }
+    place();
+    for (const auto& test : cases) {
+        fetched = &untouched;
+        EXPECT_EQ(run(test.flags), 0);
+        EXPECT_EQ(fetched, test.placed) << std::hex << test.flags;
+    }
+}
+
+TEST_F(Dispatched_link, WithoutAPlaceForAnEntryNothingIsDelivered) {
+    place();
+    EXPECT_EQ(Data_entry::EntryTypeSpecificOperation(
+                  &link, nullptr, nullptr, true,
+                  0x8 | 0x10 | 0x20 | 0x40 | 0x80 | 0x100 | 0x200 | 0x400, nullptr),
+              0);
+    EXPECT_EQ(link.Get_parent_link(), &parent);
+    EXPECT_EQ(link.Get_child_link(), &child);
+}
+
+TEST_F(Dispatched_link, ParentAndChildAreSetOnTheLink) {
+    run(0x200);
+    EXPECT_EQ(link.Get_parent_link(), &untouched);
+    run(0x400);
+    EXPECT_EQ(link.Get_child_link(), &untouched);
+    EXPECT_EQ(housed.Get_parent(), &menu);
+    EXPECT_EQ(housed.Get_child(), &housed_child);
+}
+
+TEST_F(Dispatched_link, ThePlainLookupsEnterAndLeaveAMountedMenu) {
+    int built = 0, destroyed = 0;
+    link.setAsMountLink(
+        [&](MenuControl*) {
+            ++built;
+            return &untouched;
+        },
+        [&](MenuControl*) {
+            ++destroyed;
+            return nullptr;
+        });
+    place();
+    run(0x10);
+    EXPECT_EQ(fetched, &parent);
+    run(0x40);
+    EXPECT_EQ(fetched, &child);
+    run(0x1 | 0x80, &device);
+    EXPECT_EQ(built + destroyed, 0);
+    run(0x20);
+    EXPECT_EQ(fetched, &untouched);
+    EXPECT_EQ(built, 1);
+    run(0x8);
+    EXPECT_EQ(fetched, &parent);
+    EXPECT_EQ(destroyed, 1);
+}
+
+TEST_F(Dispatched_link, IsToldUnderTheLinksNameAndType) {
+    const std::string out = capture(0x10, [&] { run(0x100); }).out;
+    EXPECT_EQ(
+        out.rfind("[dispatcher.cpp][EntryTypeSpecificOperation][#] Entry[Menu.Gain] type[7] ", 0),
+        0u)
+        << out;
+}
+
+// --- the traversal
+
+class Menus_with_links : public testing::Test {
+protected:
+    static Log lines_of(const std::string& text) {
+        Log lines;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);) {
+            lines.push_back(line.substr(0, line.find(" varid")));
+        }
+        return lines;
+    }
+    static Log dump(Data_entry& top) {
+        int depth = 0;
+        return lines_of(capture(0, [&] { Data_entry::TraverseMenuTree(&top, 0x4, &depth); }).out);
+    }
+    // Places a link as the only or last of a list that ends with `previous`.
+    static void place(Link_entry& link, Data_entry* parent, Data_entry* previous,
+                      Data_entry* next = nullptr) {
+        Data_entry& base = link;
+        base.Set_parent(parent);
+        base.Set_previous(previous);
+        base.Set_next(next);
+        if (previous != nullptr) {
+            previous->Set_next(&link);
+        }
+    }
+
+    support::Fake_device device;
+    Menu top{"Top"};
+    Menu audio{"Audio", &top};
+    Housed gain{"Gain", support::any_index(), &audio};
+    Menu setup{"Setup", &top};
+};
+
+TEST_F(Menus_with_links, LinksAreWalkedByTheirOwnPlace) {
+    Housed last("Last");
+    Link_entry to_gain(&gain), to_audio(&audio);
+    place(to_gain, &top, &setup, &to_audio);
+    place(to_audio, &top, &to_gain, &last);
+    EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "Audio.Gain", "Top.Audio", "Last"}))
+        << "what is housed is not walked through the link";
+}
+
+TEST_F(Menus_with_links, AChildThatWasSetIsWalked) {
+    Link_entry to_setup(&setup);
+    Housed below("Below");
+    place(to_setup, &top, &setup);
+    static_cast<Data_entry&>(to_setup).Set_child(&below);
+    EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "Top.Setup", "\tBelow"}));
+}
+
+TEST_F(Menus_with_links, AMenuThatIsReachedTwiceIsWalkedTwice) {
+    Link_entry first(&setup), second(&setup);
+    place(first, &top, &setup, &second);
+    place(second, &top, &first);
+    static_cast<Data_entry&>(first).Set_child(&gain);
+    static_cast<Data_entry&>(second).Set_child(&gain);
+    EXPECT_EQ(dump(top),
+              (Log{"Audio", "\tGain", "Setup", "Top.Setup", "\tGain", "Top.Setup", "\tGain"}));
+}
+
+TEST_F(Menus_with_links, AWalkIsNotEndlessBelowALinkToAnAncestor) {
+    Link_entry to_top(&top);
+    place(to_top, &audio, &gain);
+    static_cast<Data_entry&>(to_top).Set_child(&audio);
+    EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "\tTop", "\t\tAudio", "\t\tSetup", "Setup"}))
+        << "what is being walked is named again and not entered";
+    std::map<int, ShortcutS> table;
+    Data_entry::TraverseMenuTree(&top, 0x1, &table);
+    EXPECT_EQ(static_cast<Data_entry&>(to_top).Get_shortcuts_map(), &table);
+    EXPECT_EQ(setup.Get_shortcuts_map(), &table);
+}
+
+TEST_F(Menus_with_links, AWalkIsNotEndlessBelowALinkToItself) {
+    Link_entry link(&setup);
+    place(link, &top, &setup);
+    static_cast<Data_entry&>(link).Set_child(&link);
+    EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "Top.Setup", "\tTop.Setup"}));
+}
+
+// Without a next entry of its own a link goes on behind the entry that it houses.
+TEST_F(Menus_with_links, AWalkIsNotEndlessAlongALinkThatLeadsBackIntoItsList) {
+    Link_entry to_audio(&audio);
+    setup.Set_next(&to_audio);
+    EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "Top.Audio"}));
+    std::map<int, ShortcutS> table;
+    Data_entry::TraverseMenuTree(&top, 0x1, &table);
+    EXPECT_EQ(gain.Get_shortcuts_map(), &table);
+}
+
+TEST_F(Menus_with_links, AWalkNeitherBuildsNorDestroysAMountedMenu) {
+    int calls = 0;
+    const auto count = [&](MenuControl*) -> Data_entry* {
+        ++calls;
+        return &gain;
+    };
+    Link_entry mount(&setup);
+    mount.setAsMountLink(count, count);
+    place(mount, &top, &setup);
+    std::map<int, ShortcutS> table;
+    for (const int flags : {0x0, 0x1, 0x2}) {
+        Data_entry::TraverseMenuTree(&top, flags, flags == 0x1 ? &table : nullptr);
+    }
+    EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "Top.Setup"}));
+    EXPECT_EQ(calls, 0);
+    EXPECT_TRUE(mount.isValidParentLink());
+    EXPECT_EQ(static_cast<Data_entry&>(mount).Get_shortcuts_map(), &table);
+}
+
+TEST_F(Menus_with_links, TheChildLinksOfMountLinksAreCleared) {
+    Open_link mount(&setup), plain(&setup), below_plain(&setup);
+    mount.setAsMountLink(FunctionT1(), FunctionT1());
+    below_plain.setAsMountLink(FunctionT1(), FunctionT1());
+    place(mount, &top, &setup, &plain);
+    place(plain, &top, &mount);
+    static_cast<Data_entry&>(mount).Set_child(&gain);
+    static_cast<Data_entry&>(plain).Set_child(&below_plain);
+    static_cast<Data_entry&>(below_plain).Set_child(&gain);
+    static_cast<Data_entry&>(below_plain).Set_next(nullptr);
+    for (const int flags : {0x0, 0x1, 0x4, 0x8}) {
+        capture(0, [&] { Data_entry::TraverseMenuTree(&top, flags, nullptr); });
+        EXPECT_EQ(mount.Get_child_link(), &gain) << "left alone by flag " << flags;
+    }
+    Data_entry::TraverseMenuTree(&top, 0x2, nullptr);
+    EXPECT_EQ(mount.Get_child_link(), nullptr);
+    EXPECT_TRUE(mount.valid_child_link);
+    EXPECT_EQ(plain.Get_child_link(), &below_plain) << "a link that mounts nothing";
+    EXPECT_EQ(below_plain.Get_child_link(), nullptr) << "at any depth";
+    EXPECT_EQ(setup.Get_child(), nullptr);
+    EXPECT_EQ(audio.Get_child(), &gain);
+}
+
+TEST_F(Menus_with_links, TheStartIsNotCleared) {
+    Open_link mount(&setup);
+    mount.setAsMountLink(FunctionT1(), FunctionT1());
+    static_cast<Data_entry&>(mount).Set_child(&gain);
+    Data_entry::TraverseMenuTree(&mount, 0x2, nullptr);
+    EXPECT_EQ(mount.Get_child_link(), &gain);
+}
+
+TEST_F(Menus_with_links, ALinkToNothingIsPrintedAndEndsItsList) {
+    Link_entry nowhere(nullptr);
+    place(nowhere, &top, &setup, &gain);
+    EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "none"}));
+}
+
+// --- visibility
+
+TEST_F(Menus_with_links, AMenuIsVisibleByTheVisibleEntryOfItsFirstLink) {
+    Link_entry link(&gain);
+    setup.Set_child(&link);
+    EXPECT_EQ(setup.isVisible(), 1);
+    EXPECT_EQ(setup.Get_has_children(), -1) << "left unchanged";
+}
+
+TEST_F(Menus_with_links, AMenuOfAHiddenLinkCountsAsHavingChildren) {
+    Link_entry link(&gain);
+    static_cast<Data_entry&>(link).Set_next(nullptr);
+    setup.Set_child(&link);
+    gain.visibility = -1;
+    EXPECT_EQ(setup.isVisible(), 1);
+    EXPECT_EQ(setup.Get_has_children(), 1);
+}
+
+TEST_F(Menus_with_links, LinksBehindTheFirstChildAreNotAsked) {
+    Log log;
+    Housed target("Target", support::any_index(), nullptr);
+    Link_entry link(&target);
+    place(link, &audio, &gain);
+    gain.visibility = -1;
+    target.visibility = -1;
+    target.log = &log;
+    EXPECT_EQ(audio.isVisible(false, &device), 1);
+    EXPECT_EQ(audio.Get_has_children(), 1);
+    EXPECT_EQ(log, Log{});
+}
+
+TEST_F(Menus_with_links, AVisibleEntryBehindALinkEndsTheSearch) {
+    Housed target("Target", support::any_index(), nullptr), last("Last");
+    Link_entry link(&target);
+    place(link, &audio, &gain, &last);
+    gain.visibility = -1;
+    audio.Set_has_children(7);
+    EXPECT_EQ(audio.isVisible(false, &device), 1);
+    EXPECT_EQ(audio.Get_has_children(), 7);
+}
+
+TEST_F(Menus_with_links, AMenuThatHoldsALinkToItselfIsVisible) {
+    Link_entry to_setup(&setup);
+    static_cast<Data_entry&>(to_setup).Set_next(nullptr);
+    setup.Set_child(&to_setup);
+    EXPECT_EQ(setup.isVisible(), 1);
+    EXPECT_EQ(setup.isVisible(true, &device), 1);
+    EXPECT_EQ(to_setup.isVisible(), 1);
+    setup.Set_entry_visible(-1);
+    setup.Set_invisible();
+    EXPECT_EQ(setup.isVisible(), -1);
+    EXPECT_EQ(to_setup.isVisible(), -1);
+}
+
+TEST_F(Menus_with_links, TwoMenusThatHoldLinksToEachOtherAreVisible) {
+    Menu other("Other");
+    Link_entry to_setup(&setup), to_other(&other);
+    static_cast<Data_entry&>(to_setup).Set_next(nullptr);
+    static_cast<Data_entry&>(to_other).Set_next(nullptr);
+    setup.Set_child(&to_other);
+    other.Set_child(&to_setup);
+    EXPECT_EQ(setup.isVisible(true, &device), 1);
+    EXPECT_EQ(other.isVisible(true, &device), 1);
+}
+
+TEST_F(Menus_with_links, ASearchIsNotEndlessAlongALinkThatLeadsBack) {
+    Menu list("List");
+    Housed first("First", support::any_index(), &list);
+    first.visibility = -1;
+    Link_entry to_first(&first);
+    first.Set_next(&to_first);
+    EXPECT_EQ(list.isVisible(true, &device), 1) << "the link counts";
+    EXPECT_EQ(list.Get_has_children(), 1);
+}
+
+TEST_F(Menus_with_links, AskingDoesNotBuildAMountedMenu) {
+    int calls = 0;
+    const auto count = [&](MenuControl*) -> Data_entry* {
+        ++calls;
+        return nullptr;
+    };
+    Link_entry mount(&gain);
+    mount.setAsMountLink(count, count);
+    setup.Set_child(&mount);
+    EXPECT_EQ(setup.isVisible(true, &device), 1);
+    EXPECT_EQ(mount.isVisible(true, &device), 1);
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(Menus_with_links, ThePlaceholderNeedsNoChildren) {
+    Link_entry to_setup(&setup);
+    EXPECT_EQ(to_setup.isVisible(), -1) << "an empty menu";
+    setup.Set_entry_visible(-1);
+    link_dummy = &setup;
+    EXPECT_EQ(to_setup.isVisible(), 1);
+    link_dummy = nullptr;
+}
+
+}  // namespace
