@@ -19,6 +19,7 @@
 #include "options.h"
 #include "output_log.h"
 #include "picture.h"
+#include "problems.h"
 #include "script_player.h"
 #include "shipped.h"
 #include "state_file.h"
@@ -32,7 +33,7 @@ namespace {
 // The library tells what is wrong with an expression on standard error, where the panel has one line to say.
 Loaded_menu load(const Options& options, Output_log& log, Cards cards) {
     log.take_errors();
-    Loaded_menu loaded = load_menu(options.menu, cards);
+    Loaded_menu loaded = load_menu(options.menu, {cards, options.size.columns});
     log.return_errors();
     return loaded;
 }
@@ -43,7 +44,7 @@ int check(const Options& options, Output_log& log) {
         parse_script(options.script, read_input_file(options.script));
     }
     for (const std::string& warning : loaded.warnings) {
-        std::cerr << "warning: " << warning << '\n';
+        std::cerr << warning << '\n';
     }
     log.out() << options.menu << ": a menu of " << loaded.menu->entry_count() << " entries\n";
     return EXIT_PLAYED;
@@ -195,6 +196,11 @@ int run(int argc, const char* const* argv) {
         Output_log log(options.log);
         debug = options.debug;
         return options.check ? check(options, log) : show(options, log);
+    } catch (const Input_errors& errors) {
+        for (const std::string& line : errors.lines()) {
+            std::cerr << line << '\n';
+        }
+        return EXIT_BAD_INPUT;
     } catch (const Input_error& error) {
         std::cerr << "frontpanel: " << error.what() << '\n';
         return EXIT_BAD_INPUT;

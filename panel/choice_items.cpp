@@ -18,18 +18,21 @@ void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int
         build_live_enum(item, parent, level);
         return;
     }
-    const Leaf leaf = leaf_of(item, pid_of(item));
+    const Leaf leaf = leaf_of(item, INTEGER);
     if (is_live_pid(leaf.pid)) {
         item.member("pid").fail("parameters 9000 to 9100 are of items with \"live\"");
     }
-    const Parameter& parameter = parameter_of(item, *leaf.index, INTEGER);
     const Json_value list = item.member("choices");
     const std::vector<Choice> choices = choices_of(list);
     const int last = static_cast<int>(choices.size()) - 1;
-    if (choices.empty() || parameter.min != 0 || parameter.max != last) {
-        list.fail("expected a choice for each value of the parameter, " +
-                  std::to_string(parameter.min) + " to " + std::to_string(parameter.max) +
-                  ", counted from 0, found " + std::to_string(choices.size()));
+    if (leaf.parameter && (last < 0 || leaf.parameter->min != 0 || leaf.parameter->max != last)) {
+        list.report("expected a choice for each value of the parameter, " +
+                    std::to_string(leaf.parameter->min) + " to " +
+                    std::to_string(leaf.parameter->max) + ", counted from 0, found " +
+                    std::to_string(choices.size()));
+    }
+    if (choices.empty()) {
+        throw Told_already();
     }
     std::vector<std::string> texts(choices.size());
     std::transform(choices.begin(), choices.end(), texts.begin(),
@@ -47,13 +50,16 @@ void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int
 std::vector<Choice> Loader::choices_of(const Json_value& list) {
     std::vector<Choice> choices;
     for (const Json_value& item : list.items()) {
-        if (item.is_text()) {
-            choices.push_back({item.text_of_length(1, LONGEST_TEXT), {}});
-            continue;
-        }
-        item.expect_members({"text", "options"});
-        choices.push_back({item.member("text").text_of_length(1, LONGEST_TEXT),
-                           option_names(item.member("options"))});
+        Choice& choice = choices.emplace_back();
+        m_problems.attempt([&] {
+            if (item.is_text()) {
+                choice.text = item.text_of_length(1, LONGEST_TEXT);
+                return;
+            }
+            item.expect_members({"text", "options"});
+            choice.text = item.member("text").text_of_length(1, LONGEST_TEXT);
+            choice.options = option_names(item.member("options"));
+        });
     }
     return choices;
 }
@@ -80,32 +86,29 @@ void Loader::set_choices(const Json_value& list, Enum_entry& entry,
     }
     // An entry shows only as many keys as it has visible options.
     if (offered.back() >= static_cast<int>(offered.size())) {
-        m_warnings.push_back(list.message("a choice behind a hidden one may show as ---"));
+        list.warn("a choice behind a hidden one may show as ---");
     }
     entry.updateControlOptionMap();
 }
 
 void Loader::build_live_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
-    static const std::map<std::string, std::string> WEB_TYPES{{"combobox", "json-dynamic-combobox"},
-                                                              {"tree", "jsontree"}};
-    const Leaf leaf = leaf_of(
-        item, static_cast<uint32_t>(item.member("pid").integer(FIRST_LIVE_PID, LAST_LIVE_PID)));
+    static const std::vector<const char*> WEB_TYPES{"combobox", "tree"};
+    static const std::vector<std::string> LIBRARY_TYPES{"json-dynamic-combobox", "jsontree"};
+    Leaf leaf = entry_of(item);
+    leaf.pid = static_cast<uint32_t>(item.member("pid").integer(FIRST_LIVE_PID, LAST_LIVE_PID));
     const Json_value live = item.member("live");
     live.expect_members({"slot", "web-type"});
     if (const auto choices = item.find("choices")) {
-        choices->fail("the choices of an item with \"live\" come from its card");
+        choices->report("the choices of an item with \"live\" come from its card");
     }
     const int slot = static_cast<int>(live.member("slot").integer(1, MOST_SLOTS));
-    const Json_value web_type = live.member("web-type");
-    const auto type = WEB_TYPES.find(web_type.text());
-    if (type == WEB_TYPES.end()) {
-        web_type.fail("expected \"combobox\" or \"tree\", found \"" + web_type.text() + "\"");
-    }
-    if (!m_device.has_document(slot, leaf.pid, type->first == "tree")) {
-        live.fail("no card in slot " + std::to_string(slot) + " has a " + type->first + " " +
+    const size_t type = live.member("web-type").choice(WEB_TYPES);
+    const std::string type_name = WEB_TYPES[type];
+    if (!m_device.has_document(slot, leaf.pid, type_name == "tree")) {
+        live.fail("no card in slot " + std::to_string(slot) + " has a " + type_name + " " +
                   std::to_string(leaf.pid));
     }
-    char** const texts = m_menu.keep_texts({NO_OPTION_YET, type->second, "list"});
+    char** const texts = m_menu.keep_texts({NO_OPTION_YET, LIBRARY_TYPES[type], "list"});
     Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, 0, 0, texts, 1U,
         parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
@@ -115,15 +118,15 @@ void Loader::build_live_enum(const Json_value& item, Data_entry* parent, unsigne
 }
 
 void Loader::build_slot(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const Leaf leaf = leaf_of(item, pid_of(item));
-    const Parameter& parameter = parameter_of(item, *leaf.index, INTEGER);
+    const Leaf leaf = leaf_of(item, INTEGER);
+    // Such an entry refreshes its lines and never its rules.
+    if (const auto rules = item.find("binding")) {
+        rules->report("a slot list follows no rules: its node can");
+    }
+    const Parameter parameter = leaf.parameter.value_or(Parameter{INTEGER, 0, 0, 0});
     if (parameter.min != 0 || parameter.max >= MOST_SLOTS) {
         item.member("pid").fail("expected a parameter from 0 to at most " +
                                 std::to_string(MOST_SLOTS - 1) + " for a slot list");
-    }
-    // Such an entry refreshes its lines and never its rules.
-    if (const auto rules = item.find("binding")) {
-        rules->fail("a slot list follows no rules: its node can");
     }
     std::vector<std::string> lines;
     for (int slot = 1; slot <= parameter.max + 1; ++slot) {

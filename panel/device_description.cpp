@@ -28,11 +28,6 @@ void copy_text(const Json_value& text, char (&out)[SIZE]) {
     std::copy(value.begin(), value.end(), out);
 }
 
-std::vector<Json_value> list_or_none(const Json_value& owner, const char* name) {
-    const std::optional<Json_value> list = owner.find(name);
-    return list ? list->items() : std::vector<Json_value>();
-}
-
 void check_tree(const Json_value& node, int level) {
     node.expect_members({"label", "children"});
     node.member("label").text_of_length(1, LONGEST_TEXT);
@@ -46,22 +41,32 @@ void check_tree(const Json_value& node, int level) {
 
 }  // namespace
 
+void Device_description::load_each(const Json_value& device, const char* list,
+                                   void (Device_description::*load_one)(const Json_value& item)) {
+    m_problems.attempt([&] {
+        for (const Json_value& item : list_or_none(device, list)) {
+            m_problems.attempt([&] { (this->*load_one)(item); });
+        }
+    });
+}
+
 void Device_description::load(const Json_value& device) {
     device.expect_members({"parameters", "products", "cards"});
-    for (const Json_value& parameter : device.member("parameters").items()) {
-        load_parameter(parameter);
-    }
-    for (const Json_value& product : list_or_none(device, "products")) {
-        load_product(product);
-    }
-    for (const Json_value& card : list_or_none(device, "cards")) {
-        load_card(card);
-    }
+    m_problems.attempt([&] { device.member("parameters"); });
+    load_each(device, "parameters", &Device_description::load_parameter);
+    load_each(device, "products", &Device_description::load_product);
+    load_each(device, "cards", &Device_description::load_card);
 }
 
 const Parameter* Device_description::parameter(uint32_t pid, uint32_t varidx) const {
     const auto found = m_parameters.find({pid, varidx});
-    return found == m_parameters.end() ? nullptr : &found->second;
+    if (found != m_parameters.end()) {
+        return &found->second;
+    }
+    if (m_has_unknown_parameters || m_wrong_parameters.count({pid, varidx}) > 0) {
+        throw Told_already();
+    }
+    return nullptr;
 }
 
 bool Device_description::has_document(int slot, uint32_t pid, bool is_tree) const {
@@ -70,37 +75,53 @@ bool Device_description::has_document(int slot, uint32_t pid, bool is_tree) cons
 }
 
 void Device_description::load_parameter(const Json_value& parameter) {
-    const uint32_t pid = pid_of(parameter);
-    const uint32_t varidx = varidx_of(index_of(parameter));
-    if (this->parameter(pid, varidx) != nullptr) {
+    static const std::vector<const char*> TYPES{"integer", "text"};
+    uint32_t pid = 0;
+    uint32_t varidx = 0;
+    const bool is_known = m_problems.attempt([&] { pid = pid_of(parameter); }) &&
+                          m_problems.attempt([&] { varidx = varidx_of(index_of(parameter)); });
+    if (!is_known) {
+        m_has_unknown_parameters = true;
+        throw Told_already();
+    }
+    if (m_parameters.count({pid, varidx}) > 0 || !m_wrong_parameters.insert({pid, varidx}).second) {
         parameter.fail("parameter " + std::to_string(pid) + " with this index is declared twice");
     }
-    const Json_value type = parameter.member("type");
-    if (type.text() == "integer") {
-        load_integer(parameter, pid, varidx);
-    } else if (type.text() == "text") {
-        load_text(parameter, pid, varidx);
-    } else {
-        type.fail("expected \"integer\" or \"text\", found \"" + type.text() + "\"");
+    const size_t errors = m_problems.error_count();
+    const Parameter declared = parameter.member("type").choice(TYPES) == 0
+                                   ? load_integer(parameter, pid, varidx)
+                                   : load_text(parameter, pid, varidx);
+    if (m_problems.error_count() == errors) {
+        m_wrong_parameters.erase({pid, varidx});
+        m_parameters[{pid, varidx}] = declared;
     }
 }
 
-void Device_description::load_integer(const Json_value& parameter, uint32_t pid, uint32_t varidx) {
+Parameter Device_description::load_integer(const Json_value& parameter, uint32_t pid,
+                                           uint32_t varidx) {
     parameter.expect_members({"pid", "index", "type", "description", "min", "max", "value"});
-    const int64_t min = parameter.member("min").integer(LOWEST, HIGHEST);
-    const int64_t max = parameter.member("max").integer(min, HIGHEST);
-    const int64_t value = parameter.member("value").integer(min, max);
-    m_parameters[{pid, varidx}] = {INTEGER, static_cast<int>(min), static_cast<int>(max), 0};
+    const auto bound = [&](const char* name, int64_t min, int64_t max, int64_t otherwise) {
+        return m_problems.value_or([&] { return parameter.member(name).integer(min, max); },
+                                   otherwise);
+    };
+    const int64_t min = bound("min", LOWEST, HIGHEST, LOWEST);
+    const int64_t max = bound("max", min, HIGHEST, HIGHEST);
+    const int64_t value = bound("value", min, max, min);
     m_menu.device().add_integer(pid, varidx, static_cast<int>(min), static_cast<int>(max),
                                 static_cast<int>(value));
+    return {INTEGER, static_cast<int>(min), static_cast<int>(max), 0};
 }
 
-void Device_description::load_text(const Json_value& parameter, uint32_t pid, uint32_t varidx) {
+Parameter Device_description::load_text(const Json_value& parameter, uint32_t pid,
+                                        uint32_t varidx) {
     parameter.expect_members({"pid", "index", "type", "description", "length", "value"});
-    const auto length = static_cast<size_t>(parameter.member("length").integer(1, LONGEST_TEXT));
-    const std::string value = parameter.member("value").text_of_length(0, length);
-    m_parameters[{pid, varidx}] = {STRING, 0, 0, length};
+    const size_t length = m_problems.value_or(
+        [&] { return static_cast<size_t>(parameter.member("length").integer(1, LONGEST_TEXT)); },
+        LONGEST_TEXT);
+    const std::string value = m_problems.value_or(
+        [&] { return parameter.member("value").text_of_length(0, length); }, std::string());
     m_menu.device().add_text(pid, varidx, length, value);
+    return {STRING, 0, 0, length};
 }
 
 void Device_description::load_product(const Json_value& product) {

@@ -27,13 +27,12 @@ struct Parameter {
 
 class Device_description {
 public:
-    // The device is built in `menu`, which outlives the description.
-    explicit Device_description(Menu& menu) : m_menu(menu) {}
+    // The device is built in `menu`. What is wrong becomes one of `problems`. Both outlive the description.
+    Device_description(Menu& menu, Problems& problems) : m_menu(menu), m_problems(problems) {}
 
-    // Input_error when the description is wrong.
     void load(const Json_value& device);
 
-    // Null when the device has no such parameter.
+    // Null when the device has no such parameter. Told_already when its declaration is wrong.
     const Parameter* parameter(uint32_t pid, uint32_t varidx) const;
     // Whether the card in a slot has a tree, or a combo box, of that parameter id.
     bool has_document(int slot, uint32_t pid, bool is_tree) const;
@@ -42,8 +41,10 @@ public:
 
 private:
     void load_parameter(const Json_value& parameter);
-    void load_integer(const Json_value& parameter, uint32_t pid, uint32_t varidx);
-    void load_text(const Json_value& parameter, uint32_t pid, uint32_t varidx);
+    Parameter load_integer(const Json_value& parameter, uint32_t pid, uint32_t varidx);
+    Parameter load_text(const Json_value& parameter, uint32_t pid, uint32_t varidx);
+    void load_each(const Json_value& device, const char* list,
+                   void (Device_description::*load_one)(const Json_value& item));
     void load_product(const Json_value& product);
     void load_card(const Json_value& card);
     void load_combo_box(const Json_value& box, int slot);
@@ -51,7 +52,10 @@ private:
     uint32_t new_document(const Json_value& document, int slot, bool is_tree);
 
     Menu& m_menu;
+    Problems& m_problems;
     std::map<std::pair<uint32_t, uint32_t>, Parameter> m_parameters;  // by pid and variable index
+    std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;
+    bool m_has_unknown_parameters = false;  // wrong ones that cannot even be told apart
     std::set<int> m_fitted_slots;
     std::map<int, std::string> m_aliases;                  // by product
     std::map<std::pair<int, uint32_t>, bool> m_documents;  // by slot and pid: whether it is a tree

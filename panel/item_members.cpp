@@ -1,6 +1,5 @@
 #include "item_members.h"
 
-#include <map>
 #include <optional>
 #include <vector>
 
@@ -10,11 +9,6 @@ namespace {
 constexpr int64_t LAST_PID = int64_t{Data_entry::PID_NONE} - 1;
 constexpr size_t MOST_LEVELS = Data_model::S_CURRENT_SUPPORT_DIMENTIONS;
 constexpr size_t LONGEST_NAME = 24;
-
-bool boolean_or(const Json_value& owner, const char* name, bool otherwise) {
-    const std::optional<Json_value> found = owner.find(name);
-    return found ? found->boolean() : otherwise;
-}
 
 }  // namespace
 
@@ -54,9 +48,23 @@ std::string text_or(const Json_value& owner, const char* name, const std::string
     return found ? found->text() : otherwise;
 }
 
+bool boolean_or(const Json_value& owner, const char* name, bool otherwise) {
+    const std::optional<Json_value> found = owner.find(name);
+    return found ? found->boolean() : otherwise;
+}
+
+std::vector<Json_value> list_or_none(const Json_value& owner, const char* name) {
+    const std::optional<Json_value> list = owner.find(name);
+    return list ? list->items() : std::vector<Json_value>();
+}
+
+std::string shown_name(const std::string& name) {
+    return name.substr(0, name.find(':'));
+}
+
 std::string name_of(const Json_value& item) {
     const Json_value name = item.member("name");
-    const std::string shown = name.text().substr(0, name.text().find(':'));
+    const std::string shown = shown_name(name.text());
     if (shown.empty() || shown.size() > LONGEST_NAME) {
         name.fail("expected a name of 1 to 24 characters before any ':', found " +
                   std::to_string(shown.size()));
@@ -69,17 +77,11 @@ int visible_of(const Json_value& item) {
 }
 
 Data_entry::Data_access access_of(const Json_value& item) {
-    static const std::map<std::string, Data_entry::Data_access> ACCESSES{
-        {"read-only", Data_entry::READ_ONLY}, {"read-write", Data_entry::READ_WRITE}};
+    static const std::vector<const char*> NAMES{"read-only", "read-write", "write-only"};
+    constexpr Data_entry::Data_access ACCESSES[] = {Data_entry::READ_ONLY, Data_entry::READ_WRITE,
+                                                    Data_entry::WRITE_ONLY};
     const std::optional<Json_value> access = item.find("access");
-    if (!access) {
-        return Data_entry::READ_WRITE;
-    }
-    const auto found = ACCESSES.find(access->text());
-    if (found == ACCESSES.end()) {
-        access->fail("expected \"read-only\" or \"read-write\", found \"" + access->text() + "\"");
-    }
-    return found->second;
+    return access ? ACCESSES[access->choice(NAMES)] : Data_entry::READ_WRITE;
 }
 
 }  // namespace panel

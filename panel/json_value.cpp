@@ -1,40 +1,33 @@
 #include "json_value.h"
 
-#include <rapidjson/error/en.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
 #include <algorithm>
 #include <set>
-#include <utility>
-
-#include "input_error.h"
 
 namespace panel {
 namespace {
 
-std::string line_and_column(const std::string& text, size_t offset) {
-    const std::string before = text.substr(0, offset);
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const size_t line_start = before.rfind('\n') + 1;  // 0 on the first line
-    return std::to_string(line) + ":" + std::to_string(before.size() - line_start + 1);
-}
+using Kind = Json_node::Kind;
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
 
-const char* kind_of(const rapidjson::Value& value) {
-    switch (value.GetType()) {
-        case rapidjson::kNullType:
+const char* name_of(Kind kind) {
+    switch (kind) {
+        case Kind::NOTHING:
             return "null";
-        case rapidjson::kFalseType:
-        case rapidjson::kTrueType:
+        case Kind::BOOLEAN:
             return "true or false";
-        case rapidjson::kObjectType:
-            return "an object";
-        case rapidjson::kArrayType:
-            return "a list";
-        case rapidjson::kStringType:
+        case Kind::INTEGER:
+            return "a whole number";
+        case Kind::REAL:
+            return "a number";
+        case Kind::TEXT:
             return "a text";
-        case rapidjson::kNumberType:
-            return value.IsInt64() ? "a whole number" : "a number";
+        case Kind::LIST:
+            return "a list";
+        case Kind::OBJECT:
+            return "an object";
     }
     return "nothing";
 }
@@ -43,46 +36,83 @@ bool is_printable(const std::string& text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-}  // namespace
-
-rapidjson::Document parse_json(const std::string& file, const std::string& text) {
-    rapidjson::Document document;
-    // Iterative, so that no depth of nesting can exhaust the stack.
-    document.Parse<rapidjson::kParseIterativeFlag>(text.c_str(), text.size());
-    if (document.HasParseError()) {
-        throw Input_error(file + ":" + line_and_column(text, document.GetErrorOffset()) + ": " +
-                          rapidjson::GetParseError_En(document.GetParseError()));
-    }
-    return document;
+bool is_integer(const Json_node& node) {
+    return node.kind == Kind::INTEGER || (node.kind == Kind::TEXT && node.is_number);
 }
 
-Json_value::Json_value(std::string file, const rapidjson::Value& root)
-    : Json_value(std::move(file), "", root) {}
+void write_text(Writer& writer, const std::string& text) {
+    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
 
-Json_value::Json_value(std::string file, std::string path, const rapidjson::Value& value)
-    : m_file(std::move(file)), m_path(std::move(path)), m_value(&value) {}
+void write(Writer& writer, const Json_node& node) {
+    switch (node.kind) {
+        case Kind::NOTHING:
+        case Kind::REAL:
+            writer.Null();
+            break;
+        case Kind::BOOLEAN:
+            writer.Bool(node.boolean);
+            break;
+        case Kind::INTEGER:
+            writer.Int64(node.number);
+            break;
+        case Kind::TEXT:
+            write_text(writer, node.text);
+            break;
+        case Kind::LIST:
+            writer.StartArray();
+            for (const Json_node& element : node.elements) {
+                write(writer, element);
+            }
+            writer.EndArray();
+            break;
+        case Kind::OBJECT:
+            writer.StartObject();
+            for (const Json_member& member : node.members) {
+                write_text(writer, member.name);
+                write(writer, member.value);
+            }
+            writer.EndObject();
+            break;
+    }
+}
 
-std::string Json_value::message(const std::string& text) const {
-    return m_file + ": " + (m_path.empty() ? "/" : m_path) + ": " + text;
+}  // namespace
+
+Place Json_value::place_in_text(size_t offset) const {
+    constexpr size_t QUOTE = 1;
+    Place place = m_node->place;
+    place.column += QUOTE + offset;
+    return place;
 }
 
 void Json_value::fail(const std::string& text) const {
-    throw Input_error(message(text));
+    throw Placed_error(m_node->place, text);
+}
+
+void Json_value::report(const std::string& text) const {
+    m_problems->report(m_node->place, text);
+}
+
+void Json_value::warn(const std::string& text) const {
+    m_problems->warn(m_node->place, text);
 }
 
 void Json_value::fail_type(const char* expected) const {
-    fail(std::string("expected ") + expected + ", found " + kind_of(*m_value));
+    fail(std::string("expected ") + expected + ", found " + name_of(m_node->kind));
+}
+
+void Json_value::expect_object() const {
+    if (!is_object()) {
+        fail_type("an object");
+    }
 }
 
 std::optional<Json_value> Json_value::find(const char* name) const {
-    if (!m_value->IsObject()) {
-        fail_type("an object");
-    }
-    const auto found = m_value->FindMember(name);
-    if (found == m_value->MemberEnd()) {
-        return std::nullopt;
-    }
-    return Json_value(m_file, m_path + "/" + name, found->value);
+    expect_object();
+    const Json_node* const found = m_node->member(name);
+    return found == nullptr ? std::nullopt
+                            : std::optional<Json_value>(Json_value(*found, *m_problems));
 }
 
 Json_value Json_value::member(const char* name) const {
@@ -93,77 +123,73 @@ Json_value Json_value::member(const char* name) const {
     return *found;
 }
 
-std::vector<std::string> Json_value::names() const {
-    if (!m_value->IsObject()) {
-        fail_type("an object");
-    }
-    std::vector<std::string> names;
+std::vector<Json_value::Member> Json_value::members() const {
+    expect_object();
+    std::vector<Member> members;
     std::set<std::string> seen;
-    for (const auto& member : m_value->GetObject()) {
-        names.emplace_back(member.name.GetString(), member.name.GetStringLength());
-        if (!seen.insert(names.back()).second) {
-            fail("member \"" + names.back() + "\" comes twice");
+    for (const Json_member& member : m_node->members) {
+        if (seen.insert(member.name).second) {
+            members.push_back({member.name, member.place, Json_value(member.value, *m_problems)});
+        } else {
+            m_problems->report(member.place, "member \"" + member.name + "\" comes twice");
         }
     }
-    return names;
+    return members;
 }
 
 void Json_value::expect_members(const std::vector<const char*>& known) const {
-    for (const std::string& name : names()) {
-        if (std::find(known.begin(), known.end(), name) == known.end()) {
-            fail("unknown member \"" + name + "\"");
+    for (const Member& member : members()) {
+        if (std::find(known.begin(), known.end(), member.name) == known.end()) {
+            m_problems->report(member.place, "unknown member \"" + member.name + "\"");
         }
     }
 }
 
 std::vector<Json_value> Json_value::items() const {
-    if (!m_value->IsArray()) {
+    if (m_node->kind != Kind::LIST) {
         fail_type("a list");
     }
     std::vector<Json_value> items;
-    for (const auto& item : m_value->GetArray()) {
-        items.push_back(Json_value(m_file, m_path + "/" + std::to_string(items.size()), item));
+    items.reserve(m_node->elements.size());
+    for (const Json_node& element : m_node->elements) {
+        items.emplace_back(element, *m_problems);
     }
     return items;
 }
 
 bool Json_value::is_text() const {
-    return m_value->IsString();
+    return m_node->kind == Kind::TEXT;
+}
+
+bool Json_value::is_object() const {
+    return m_node->kind == Kind::OBJECT;
 }
 
 int64_t Json_value::integer(int64_t min, int64_t max) const {
-    if (!m_value->IsInt64() || m_value->GetInt64() < min || m_value->GetInt64() > max) {
+    if (!is_integer(*m_node) || m_node->number < min || m_node->number > max) {
         const std::string found =
-            m_value->IsInt64() ? std::to_string(m_value->GetInt64()) : kind_of(*m_value);
+            is_integer(*m_node) ? std::to_string(m_node->number) : name_of(m_node->kind);
         fail("expected a whole number from " + std::to_string(min) + " to " + std::to_string(max) +
              ", found " + found);
     }
-    return m_value->GetInt64();
+    return m_node->number;
 }
 
 bool Json_value::boolean() const {
-    if (!m_value->IsBool()) {
+    if (m_node->kind != Kind::BOOLEAN) {
         fail_type("true or false");
     }
-    return m_value->GetBool();
+    return m_node->boolean;
 }
 
 std::string Json_value::text() const {
-    if (!m_value->IsString()) {
+    if (!is_text()) {
         fail_type("a text");
     }
-    std::string text(m_value->GetString(), m_value->GetStringLength());
-    if (!is_printable(text)) {
+    if (!is_printable(m_node->text)) {
         fail("expected printable ASCII characters");
     }
-    return text;
-}
-
-std::string Json_value::json() const {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-    m_value->Accept(writer);
-    return {buffer.GetString(), buffer.GetSize()};
+    return m_node->text;
 }
 
 std::string Json_value::text_of_length(size_t min, size_t max) const {
@@ -173,6 +199,30 @@ std::string Json_value::text_of_length(size_t min, size_t max) const {
              " characters, found " + std::to_string(text.size()));
     }
     return text;
+}
+
+size_t Json_value::choice(const std::vector<const char*>& known) const {
+    const std::string found = text();
+    const auto match = std::find(known.begin(), known.end(), found);
+    if (match == known.end()) {
+        std::string names;
+        for (size_t i = 0; i < known.size(); ++i) {
+            names += (i == 0              ? "\""
+                      : known.size() == 2 ? " or \""
+                                          : ", \"") +
+                     std::string(known[i]) + "\"";
+        }
+        fail("expected " + std::string(known.size() > 2 ? "one of " : "") + names + ", found \"" +
+             found + "\"");
+    }
+    return static_cast<size_t>(match - known.begin());
+}
+
+std::string Json_value::json() const {
+    rapidjson::StringBuffer buffer;
+    Writer writer(buffer);
+    write(writer, *m_node);
+    return {buffer.GetString(), buffer.GetSize()};
 }
 
 }  // namespace panel

@@ -1,59 +1,67 @@
-// A value of a JSON document that knows its place, so that whatever is wrong with it is told with its path.
+// A value of a menu file with its place, so that whatever is wrong with it is told where it stands.
 #ifndef FRONTPANEL_PANEL_JSON_VALUE_H
 #define FRONTPANEL_PANEL_JSON_VALUE_H
 
-#include <rapidjson/document.h>
-
 #include <cstdint>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "json_document.h"
+#include "problems.h"
+
 namespace panel {
 
-// Parses the text of a file. Input_error with line and column ("menu.json:3:17: ...") when it is no JSON.
-rapidjson::Document parse_json(const std::string& file, const std::string& text);
-
-// Every operation throws Input_error ("menu.json: /menu/items/3/max: expected ...") when the value is not of
-// the kind that is asked for. The document outlives the values.
+// Every operation throws Placed_error ("menu.json:3:17: expected ...") when the value is not of the kind that
+// is asked for. The document and the problems outlive the values.
 class Json_value {
 public:
-    // The root of a document that was read from `file`.
-    Json_value(std::string file, const rapidjson::Value& root);
+    Json_value(const Json_node& node, Problems& problems) : m_node(&node), m_problems(&problems) {}
 
     // An object's member that must be there; one that may be there.
     Json_value member(const char* name) const;
     std::optional<Json_value> find(const char* name) const;
-    // The names of an object's members, in the document's order; a name that comes twice is refused.
-    std::vector<std::string> names() const;
-    // Refuses any member that is not among `known`.
+    // An object's members in the document's order; one that comes twice is reported and left out.
+    struct Member;
+    std::vector<Member> members() const;
+    // Reports any member that is not among `known`, or comes twice.
     void expect_members(const std::vector<const char*>& known) const;
     // The elements of a list.
     std::vector<Json_value> items() const;
 
     bool is_text() const;
+    bool is_object() const;
     int64_t integer(int64_t min, int64_t max) const;
     bool boolean() const;
     // Printable ASCII, since that is what the display shows.
     std::string text() const;
     std::string text_of_length(size_t min, size_t max) const;
+    // The text, which must be one of `known`: its place among them.
+    size_t choice(const std::vector<const char*>& known) const;
 
     // The value as a JSON text.
     std::string json() const;
 
-    // A line that says something about this value, with its place.
-    std::string message(const std::string& text) const;
-    // Throws that line as an Input_error.
+    const Place& place() const { return m_node->place; }
+    // The place of a character of a text, from 0. A text with escapes has it a little further on.
+    Place place_in_text(size_t offset) const;
+    // Throws an error at this place, or only reports it, or tells what is allowed but probably not meant.
     [[noreturn]] void fail(const std::string& text) const;
+    void report(const std::string& text) const;
+    void warn(const std::string& text) const;
 
 private:
-    Json_value(std::string file, std::string path, const rapidjson::Value& value);
+    void expect_object() const;
     [[noreturn]] void fail_type(const char* expected) const;
 
-    std::string m_file;
-    std::string m_path;
-    const rapidjson::Value* m_value;
+    const Json_node* m_node;
+    Problems* m_problems;
+};
+
+struct Json_value::Member {
+    std::string name;
+    Place place;  // of the name
+    Json_value value;
 };
 
 }  // namespace panel

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 #include "entry_access.h"
 
@@ -40,6 +41,11 @@ Data_entry* next_visible(const std::vector<Data_entry*>& all,
 }
 
 }  // namespace
+
+int name_columns(const Data_entry& entry, int columns) {
+    const int mark = static_cast<int>(std::string_view(MENU_MARK).size());
+    return columns - MARK_COLUMNS - 1 - (is_menu(entry) ? mark : LEAST_VALUE_COLUMNS);
+}
 
 List_view::List_view(Data_entry& menu, const Device_link& device)
     : m_menu(&menu), m_device(device) {
@@ -126,8 +132,7 @@ void List_view::draw_title(Lcd& lcd) const {
 void List_view::draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected) {
     const std::string name = entry.Get_name();
     const int columns = lcd.size().columns;
-    const int most_name = columns - MARK_COLUMNS - 1 - LEAST_VALUE_COLUMNS;
-    const int name_columns = std::min(static_cast<int>(name.size()), most_name);
+    const int shown = std::min(static_cast<int>(name.size()), name_columns(entry, columns));
 
     lcd.put(row, 0, selected ? ">" : " ");
     if (is_menu(entry)) {
@@ -135,13 +140,13 @@ void List_view::draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected) 
         lcd.put_right(row, std::string(" ") + MENU_MARK);
         return;
     }
-    lcd.put(row, MARK_COLUMNS, name.substr(0, static_cast<size_t>(name_columns)));
+    lcd.put(row, MARK_COLUMNS, name.substr(0, static_cast<size_t>(shown)));
     if (m_device.read_failed(entry)) {
         m_alarm = true;
         lcd.put_right(row, std::string(" ") + READ_ERROR);
         return;
     }
-    const int value_columns = columns - MARK_COLUMNS - name_columns - 1;
+    const int value_columns = columns - MARK_COLUMNS - shown - 1;
     lcd.put_right(row, display_value(entry, value_columns).value_or(NO_VALUE));
 }
 

@@ -9,6 +9,9 @@
 
 namespace panel {
 
+// How much of an entry's name a display of that many columns has room for.
+int name_columns(const Data_entry& entry, int columns);
+
 class List_view {
 public:
     // Shows the menu below `menu`. Menu and device outlive the view.

@@ -5,7 +5,9 @@
 #include <limits>
 
 #include "input_error.h"
+#include "list_view.h"
 #include "loader.h"
+#include "menu_document.h"
 
 namespace panel {
 namespace {
@@ -20,13 +22,6 @@ bool is_instance_of(const std::string& name, const std::string& pattern) {
     const std::string prefix = pattern.substr(0, pattern.size() - 1);
     return name.size() > prefix.size() && name.compare(0, prefix.size(), prefix) == 0 &&
            std::isdigit(static_cast<unsigned char>(name[prefix.size()])) != 0;
-}
-
-// Whether every level is one that a parameter of a menu can have. `100.256` would be read as `100.0.1` is, and
-// never be evaluated again when that one is written.
-bool is_index_of_menu(const Index_t& index) {
-    return std::all_of(index.m_index, index.m_index + index.m_index_num,
-                       [](uint16_t level) { return level <= LAST_INDEX; });
 }
 
 }  // namespace
@@ -52,33 +47,38 @@ void Loader::load(const Json_value& file) {
     if (const auto options = file.find("options")) {
         load_options(*options);
     }
-    const Json_value device = file.member("device");
-    if (m_cards == Cards::ON && device.find("cards")) {
-        m_menu.start_cards();
-    }
-    m_device.load(device);
+    m_problems.attempt([&] {
+        const Json_value device = file.member("device");
+        if (m_loading.cards == Cards::ON && device.find("cards")) {
+            m_menu.start_cards();
+        }
+        m_device.load(device);
+    });
     for (const Json_value& options : m_device.product_options()) {
         load_options(options);
     }
-    load_root(file.member("menu"));
+    m_problems.attempt([&] { load_root(file.member("menu")); });
     warn_of_options();
 }
 
-// Of an option that several products bring, the highest value counts.
 void Loader::load_options(const Json_value& options) {
+    m_problems.attempt([&] {
+        for (const Json_value::Member& option : options.members()) {
+            m_problems.attempt([&] { load_option(option); });
+        }
+    });
+}
+
+// Of an option that several products bring, the highest value counts.
+void Loader::load_option(const Json_value::Member& option) {
+    const std::string& name = option.name;
     const auto is_printable = [](char byte) { return byte >= ' ' && byte <= '~'; };
-    for (const std::string& name : options.names()) {
-        if (!std::all_of(name.begin(), name.end(), is_printable)) {
-            options.fail("expected option names of printable ASCII characters");
-        }
-        const Json_value place = options.member(name.c_str());
-        const auto value = static_cast<unsigned int>(place.integer(0, HIGHEST));
-        if (name.empty()) {
-            options.fail("expected option names of at least one character");
-        }
-        m_options[name] = std::max(m_options[name], value);
-        m_option_places.emplace(name, place);
+    if (name.empty() || !std::all_of(name.begin(), name.end(), is_printable)) {
+        throw Placed_error(option.place, "expected an option name of printable ASCII characters");
     }
+    const auto value = static_cast<unsigned int>(option.value.integer(0, HIGHEST));
+    m_options[name] = std::max(m_options[name], value);
+    m_option_places.emplace(name, option.place);
 }
 
 void Loader::load_root(const Json_value& menu) {
@@ -101,49 +101,59 @@ void Loader::load_items(const Json_value& menu, Data_entry& parent, unsigned int
         list.fail("menus are nested more than " + std::to_string(DEEPEST_MENU) + " deep");
     }
     for (const Json_value& item : items) {
-        load_item(item, parent, level);
+        m_problems.attempt([&] { load_item(item, parent, level); });
     }
 }
 
 void Loader::load_item(const Json_value& item, Data_entry& parent, unsigned int level) {
-    const Json_value name = item.member("type");
     const auto& types = item_types();
-    const auto type = std::find_if(types.begin(), types.end(), [&name](const Item_type& candidate) {
-        return name.text() == candidate.name;
-    });
-    if (type == types.end()) {
-        std::string known;
-        for (const Item_type& candidate : types) {
-            known += (known.empty() ? "\"" : ", \"") + std::string(candidate.name) + "\"";
-        }
-        name.fail("expected one of " + known + ", found \"" + name.text() + "\"");
-    }
+    std::vector<const char*> names(types.size());
+    std::transform(types.begin(), types.end(), names.begin(),
+                   [](const Item_type& type) { return type.name; });
+    const Item_type& type = types[item.member("type").choice(names)];
     std::vector<const char*> members{"type",    "name",     "description", "index",
                                      "visible", "shortcut", "options",     "binding"};
-    members.insert(members.end(), type->members.begin(), type->members.end());
+    members.insert(members.end(), type.members.begin(), type.members.end());
     item.expect_members(members);
-    (this->*type->build)(item, &parent, level);
+    (this->*type.build)(item, &parent, level);
+}
+
+// A menu with a wrong name is told so, and goes on as another.
+std::string Loader::checked_name(const Json_value& item) {
+    return m_problems.value_or([&item] { return name_of(item); }, std::string("?"));
 }
 
 void Loader::build_node(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const std::string name = name_of(item);
-    const std::string description = text_or(item, "description", name);
+    const Leaf leaf = entry_of(item);
     Node_entry& node = m_menu.add(std::make_unique<Node_entry>(
-        name.c_str(), description.c_str(), m_menu.keep_index(index_of(item)), parent,
-        visible_of(item), Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
+        leaf.name.c_str(), leaf.description.c_str(), leaf.index, parent, leaf.visible,
+        Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
     bind(item, node, std::nullopt);
     finish(item, node, level);
-    load_items(item, node, level + 1);
+    m_problems.attempt([&] { load_items(item, node, level + 1); });
 }
 
-Leaf Loader::leaf_of(const Json_value& item, uint32_t pid) {
-    const std::string name = name_of(item);
+Leaf Loader::entry_of(const Json_value& item) {
+    const std::string name = checked_name(item);
+    const Index_t index = m_problems.value_or([&item] { return index_of(item); }, Index_t{});
     return {name,
-            text_or(item, "description", name),
-            pid,
-            m_menu.keep_index(index_of(item)),
-            access_of(item),
-            visible_of(item)};
+            m_problems.value_or([&] { return text_or(item, "description", name); }, name),
+            Data_entry::PID_NONE,
+            m_menu.keep_index(index),
+            m_problems.value_or([&item] { return access_of(item); }, Data_entry::READ_WRITE),
+            m_problems.value_or([&item] { return visible_of(item); }, Data_entry::VISIBLE_ALL),
+            std::nullopt};
+}
+
+// Of an entry that shows a parameter of that type.
+Leaf Loader::leaf_of(const Json_value& item, RETURN_TYPE type) {
+    Leaf leaf = entry_of(item);
+    leaf.pid = 0;
+    m_problems.attempt([&] {
+        leaf.pid = pid_of(item);
+        leaf.parameter = parameter_of(item.member("pid"), leaf.pid, *leaf.index, type);
+    });
+    return leaf;
 }
 
 // What every kind of entry gets once it stands in the tree.
@@ -151,55 +161,30 @@ void Loader::finish(const Json_value& item, Data_entry& entry, unsigned int leve
     entry.setNodeLevel(level);
     entry.setProductOptions(m_options);
     if (const auto options = item.find("options")) {
-        entry.setOrOptions(option_names(*options));
+        m_problems.attempt([&] { entry.setOrOptions(option_names(*options)); });
     }
     if (const auto shortcut = item.find("shortcut")) {
-        const int button = static_cast<int>(shortcut->integer(1, LAST_BUTTON));
-        entry.Set_shortcut(button);
-        if (!m_menu.add_shortcut(button, entry)) {
-            shortcut->fail("shortcut button " + std::to_string(button) + " is taken");
-        }
+        m_problems.attempt([&] { set_shortcut(*shortcut, entry); });
+    }
+    warn_of_cut_name(item, entry);
+}
+
+void Loader::set_shortcut(const Json_value& button, Data_entry& entry) {
+    const int number = static_cast<int>(button.integer(1, LAST_BUTTON));
+    entry.Set_shortcut(number);
+    if (!m_menu.add_shortcut(number, entry)) {
+        button.fail("shortcut button " + std::to_string(number) + " is taken");
     }
 }
 
-// The engine gets all it needs before the entry takes it over.
-void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds) {
-    const std::optional<Json_value> source = item.find("binding");
-    if (!source) {
-        return;
+void Loader::warn_of_cut_name(const Json_value& item, const Data_entry& entry) const {
+    const int columns = name_columns(entry, m_loading.columns);
+    const std::string name = entry.Get_name();
+    if (static_cast<int>(name.size()) > columns) {
+        item.member("name").warn("a display of " + std::to_string(m_loading.columns) +
+                                 " columns shows this name as \"" +
+                                 name.substr(0, static_cast<size_t>(columns)) + "\"");
     }
-    const Compile_result compiled = m_menu.bindings()->compile(source->text());
-    if (!compiled.ok()) {
-        source->fail(compiled.error->text());
-    }
-    for (const Binding_interval& interval : compiled.intervals) {
-        if (bounds && (interval.max < bounds->min || interval.min > bounds->max)) {
-            source->fail("range " + std::to_string(interval.min) + ".." +
-                         std::to_string(interval.max) + " holds no value from " +
-                         std::to_string(bounds->min) + " to " + std::to_string(bounds->max));
-        }
-    }
-    auto binding = std::make_unique<Expression_binding>(m_menu.bindings());
-    binding->addBindingList(compiled.list);
-    if (bounds) {
-        binding->set_fallback_range(bounds->min, bounds->max);
-    }
-    entry.Set_binding_object(binding.release());
-    for (const var_index_s& key : entry.Get_var_index_map_keys(0)) {
-        const Parameter* const parameter = m_device.parameter(key.var, varidx_of(key.index));
-        if (parameter == nullptr || !is_index_of_menu(key.index)) {
-            source->fail("the device has no parameter " + std::to_string(key.var) +
-                         " with this index");
-        }
-        if (parameter->type != key.rt) {
-            source->fail("parameter " + std::to_string(key.var) + " is of another type");
-        }
-    }
-}
-
-const Parameter& Loader::parameter_of(const Json_value& item, const Index_t& index,
-                                      RETURN_TYPE type) const {
-    return parameter_of(item.member("pid"), pid_of(item), index, type);
 }
 
 // `place` is told when the device has no such parameter.
@@ -218,9 +203,9 @@ const Parameter& Loader::parameter_of(const Json_value& place, uint32_t pid, con
 std::vector<std::string> Loader::option_names(const Json_value& list) {
     std::vector<std::string> names;
     for (const Json_value& item : list.items()) {
-        names.push_back(item.text_of_length(1, LONGEST_TEXT));
-        m_used_options.insert(names.back());
+        m_problems.attempt([&] { names.push_back(item.text_of_length(1, LONGEST_TEXT)); });
     }
+    m_used_options.insert(names.begin(), names.end());
     return names;
 }
 
@@ -231,21 +216,29 @@ void Loader::warn_of_options() {
             m_used_options.begin(), m_used_options.end(),
             [&pattern = name](const std::string& used) { return is_instance_of(used, pattern); });
         if (is_pattern && !has_instance) {
-            m_warnings.push_back(m_option_places.at(name).message(
-                "the letter 'n' makes this option a pattern in which "
-                "'n' stands for a number"));
+            m_problems.warn(
+                m_option_places.at(name),
+                "the letter 'n' makes this option a pattern in which 'n' stands for a number");
         }
     }
 }
 
-Loaded_menu load_menu(const std::string& file, Cards cards) {
-    return load_menu_text(file, read_input_file(file), cards);
+Loaded_menu load_menu(const std::string& file, Loading loading) {
+    return load_menu_text(file, read_input_file(file), loading);
 }
 
-Loaded_menu load_menu_text(const std::string& file, const std::string& text, Cards cards) {
+Loaded_menu load_menu_text(const std::string& file, const std::string& text, Loading loading) {
     Loaded_menu loaded{std::make_unique<Menu>(), {}};
-    const rapidjson::Document document = parse_json(file, text);
-    Loader(loaded, cards).load(Json_value(file, document));
+    Problems problems;
+    std::optional<Menu_document> document;
+    problems.attempt([&] {
+        document.emplace(file, text);
+        Loader(*loaded.menu, problems, loading).load(Json_value(document->root(), problems));
+    });
+    if (problems.error_count() > 0) {
+        throw Input_errors(problems.errors());
+    }
+    loaded.warnings = problems.warnings();
     return loaded;
 }
 

@@ -12,18 +12,24 @@ namespace panel {
 
 struct Loaded_menu {
     std::unique_ptr<Menu> menu;
-    // What is allowed but probably not meant, one line each.
+    // What is allowed but probably not meant, one line each, with its place.
     std::vector<std::string> warnings;
 };
 
 // Whether the cards that the file describes run. Without them live options are never fetched.
 enum class Cards { OFF, ON };
 
-// Input_error, naming the file and the place in it, when the file cannot be read or does not describe a menu.
-Loaded_menu load_menu(const std::string& file, Cards cards = Cards::OFF);
+// How a menu is loaded.
+struct Loading {
+    Cards cards = Cards::OFF;
+    // Of the display that the menu is for: a name that does not fit is warned of.
+    int columns = 20;
+};
+
+// Input_errors with all that is wrong with the file, or Input_error when it cannot be read.
+Loaded_menu load_menu(const std::string& file, Loading loading = {});
 // The same from the text of a file; `file` only names it.
-Loaded_menu load_menu_text(const std::string& file, const std::string& text,
-                           Cards cards = Cards::OFF);
+Loaded_menu load_menu_text(const std::string& file, const std::string& text, Loading loading = {});
 
 }  // namespace panel
 

@@ -47,26 +47,29 @@ std::string value_format_of(const Json_value& item, int min, int max) {
 }  // namespace
 
 void Loader::build_range(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const std::string name = name_of(item);
-    const std::string description = text_or(item, "description", name);
-    const Index_t index = index_of(item);
-    const Parameter& parameter = parameter_of(item, index, INTEGER);
-    const int min = integer_or(item, "min", LOWEST, HIGHEST_IN_RANGE, parameter.min);
-    const int max =
-        integer_or(item, "max", min, HIGHEST_IN_RANGE,
-                   static_cast<int>(std::min<int64_t>(parameter.max, HIGHEST_IN_RANGE)));
+    const Leaf leaf = leaf_of(item, INTEGER);
+    const Parameter parameter = leaf.parameter.value_or(
+        Parameter{INTEGER, static_cast<int>(LOWEST), static_cast<int>(HIGHEST_IN_RANGE), 0});
+    const auto bound = [&](const char* name, int64_t min, int64_t max, int otherwise) {
+        return m_problems.value_or([&] { return integer_or(item, name, min, max, otherwise); },
+                                   otherwise);
+    };
+    const int min = bound("min", LOWEST, HIGHEST_IN_RANGE, parameter.min);
+    const int max = bound("max", min, HIGHEST_IN_RANGE,
+                          static_cast<int>(std::min<int64_t>(parameter.max, HIGHEST_IN_RANGE)));
     if (min > max) {
         item.fail("no number lies between \"min\" and \"max\"");
     }
-    const int start = integer_or(item, "default", min, max, std::clamp(0, min, max));
-    std::string format = format_of(item);
-    std::string value_format = value_format_of(item, min, max);
+    const int start = bound("default", min, max, std::clamp(0, min, max));
+    std::string format = m_problems.value_or([&] { return format_of(item); }, std::string());
+    std::string value_format =
+        m_problems.value_or([&] { return value_format_of(item, min, max); }, std::string());
     Range_entry& range = m_menu.add(std::make_unique<Range_entry>(
-        name.c_str(), description.c_str(), pid_of(item), m_menu.keep_index(index), min, max, start,
-        format.data(), value_format.data(), parent, access_of(item), visible_of(item), true,
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, min, max, start,
+        format.data(), value_format.data(), parent, leaf.access, leaf.visible, true,
         Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
     finish(item, range, level);
-    set_ranges(item, range, min, max);
+    m_problems.attempt([&] { set_ranges(item, range, min, max); });
     bind(item, range, Bounds{min, max});
 }
 

@@ -132,8 +132,10 @@ std::vector<std::string> State_file::restore() {
 
 // As a whole, before any of it is used: of a damaged file no part can be trusted.
 State_file::Values State_file::read(const std::string& text) const {
-    const rapidjson::Document document = parse_json(m_file, text);
-    const Json_value root(m_file, document);
+    const Source source{m_file, 0};
+    Problems problems;
+    const Json_node document = parse_json(source, text);
+    const Json_value root(document, problems);
     root.expect_members({"version", "values"});
     root.member("version").integer(VERSION, VERSION);
     Values values;
@@ -142,6 +144,9 @@ State_file::Values State_file::read(const std::string& text) const {
         if (!values.emplace(Key(value.pid, value.varidx, value.type), value).second) {
             entry.fail("this parameter is there twice");
         }
+    }
+    if (problems.error_count() > 0) {
+        throw Input_errors(problems.errors());
     }
     return values;
 }

@@ -4,7 +4,11 @@
 namespace panel {
 namespace {
 
-constexpr size_t LONGEST_ADDRESS = 15;
+constexpr unsigned int LONGEST_ADDRESS = 15;
+
+unsigned int length_of(const Leaf& leaf) {
+    return static_cast<unsigned int>(leaf.parameter ? leaf.parameter->length : LONGEST_TEXT);
+}
 
 }  // namespace
 
@@ -19,38 +23,35 @@ void Loader::add_text_entry(const Json_value& item, const Leaf& leaf, Data_entry
 }
 
 void Loader::build_text(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const Leaf leaf = leaf_of(item, pid_of(item));
+    const Leaf leaf = leaf_of(item, STRING);
     if (leaf.pid == WARNING_PID) {
-        item.member("pid").fail("parameter " + std::to_string(WARNING_PID) +
-                                " is shown by items of type \"warning\"");
+        item.member("pid").report("parameter " + std::to_string(WARNING_PID) +
+                                  " is shown by items of type \"warning\"");
     }
-    const Parameter& parameter = parameter_of(item, *leaf.index, STRING);
-    add_text_entry<String_entry>(item, leaf, parent, level,
-                                 static_cast<unsigned int>(parameter.length));
+    add_text_entry<String_entry>(item, leaf, parent, level, length_of(leaf));
 }
 
 void Loader::build_address(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const Leaf leaf = leaf_of(item, pid_of(item));
-    if (parameter_of(item, *leaf.index, STRING).length < LONGEST_ADDRESS) {
-        item.member("pid").fail("expected a parameter of at least " +
-                                std::to_string(LONGEST_ADDRESS) + " characters for an address");
+    const Leaf leaf = leaf_of(item, STRING);
+    if (length_of(leaf) < LONGEST_ADDRESS) {
+        item.member("pid").report("expected a parameter of at least " +
+                                  std::to_string(LONGEST_ADDRESS) + " characters for an address");
     }
     add_text_entry<Ip_entry>(item, leaf, parent, level);
 }
 
 void Loader::build_time(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const Leaf leaf = leaf_of(item, pid_of(item));
-    const Parameter& parameter = parameter_of(item, *leaf.index, STRING);
-    add_text_entry<Time_entry>(item, leaf, parent, level,
-                               static_cast<unsigned int>(parameter.length));
+    const Leaf leaf = leaf_of(item, STRING);
+    add_text_entry<Time_entry>(item, leaf, parent, level, length_of(leaf));
 }
 
 void Loader::build_warning(const Json_value& item, Data_entry* parent, unsigned int level) {
-    Leaf leaf = leaf_of(item, WARNING_PID);
+    Leaf leaf = entry_of(item);
+    leaf.pid = WARNING_PID;
     leaf.access = Data_entry::READ_ONLY;
-    const Parameter& parameter = parameter_of(item, WARNING_PID, *leaf.index, STRING);
-    add_text_entry<String_entry>(item, leaf, parent, level,
-                                 static_cast<unsigned int>(parameter.length));
+    m_problems.attempt(
+        [&] { leaf.parameter = parameter_of(item, WARNING_PID, *leaf.index, STRING); });
+    add_text_entry<String_entry>(item, leaf, parent, level, length_of(leaf));
 }
 
 }  // namespace panel

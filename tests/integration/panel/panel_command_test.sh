@@ -53,14 +53,14 @@ expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --script unknown.sc
 expect 2 'frontpanel: impossible.script:1: parameter 100.1 cannot be set to "5000": out of bounds' --script impossible.script
 expect 2 'frontpanel: absent.script: cannot be opened: No such file or directory' --script absent.script
 expect 2 'frontpanel: absent.json: cannot be opened: No such file or directory' --menu absent.json --script good.script
-expect 2 'frontpanel: syntax.json:2:11: Invalid value.' --check --menu syntax.json
-expect 2 'frontpanel: pid.json: /menu/items/0/pid: the device has no parameter 7 with this index' --check --menu pid.json
+expect 2 'syntax.json:2:11: Invalid value.' --check --menu syntax.json
+expect 2 'pid.json:1:108: the device has no parameter 7 with this index' --check --menu pid.json
 expect 2 'frontpanel: --size: expected COLUMNSxROWS from 16x2 to 80x16, found "5x1"' --size 5x1
 expect 2 'frontpanel: standard output is no terminal: name a script with --script' --menu small.json
-expect 2 'frontpanel: syntax.json:2:11: Invalid value.' --menu syntax.json
+expect 2 'syntax.json:2:11: Invalid value.' --menu syntax.json
 expect 2 'frontpanel: absent.json: cannot be opened: No such file or directory' --menu absent.json
-expect 2 'frontpanel: deep.json: /menu/items/0/value_format: not an expression in v' --check --menu deep.json
-expect 2 'frontpanel: deep.json: /menu/items/0/value_format: not an expression in v' --menu deep.json
+expect 2 'deep.json:1:188: not an expression in v' --check --menu deep.json
+expect 2 'deep.json:1:188: not an expression in v' --menu deep.json
 expect 2 'frontpanel: --script: expected the name of a file' --script ''
 expect 0 "" --check --script good.script
 expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --check --script unknown.script

@@ -35,7 +35,7 @@ std::string deep_tree(int depth) {
 TEST(DeviceDescription, AnErrorNamesPlaceAndExpectation) {
     const std::string product = R"("id": 7, "name": "DEC", "family": "Decoder")";
     const Error_case CASES[] = {
-        {with_device(R"("slots": [])"), "menu.json: /device: unknown member \"slots\""},
+        {with_device(R"("slots": [])"), "menu.json: /device/slots@: unknown member \"slots\""},
         {with_device(R"("products": {})"),
          "menu.json: /device/products: expected a list, found an object"},
         {with_device(R"("products": [{"slot": 16}])"),
@@ -52,7 +52,7 @@ TEST(DeviceDescription, AnErrorNamesPlaceAndExpectation) {
         {with_product(product + R"(, "alias": 3)"),
          "menu.json: /device/products/0/alias: expected a text, found a whole number"},
         {with_product(product + R"(, "colour": 3)"),
-         "menu.json: /device/products/0: unknown member \"colour\""},
+         "menu.json: /device/products/0/colour@: unknown member \"colour\""},
         {with_product(product + R"(, "options": {"audio": -1})"),
          "menu.json: /device/products/0/options/audio: expected a whole number from 0 to "
          "2147483647, found -1"},
@@ -66,7 +66,8 @@ TEST(DeviceDescription, AnErrorNamesPlaceAndExpectation) {
                      R"(}, {"slot": 3, "alias": "A", )" + product + "}]"),
          ""},
         {with_device(R"("cards": [{}])"), "menu.json: /device/cards/0: expected a member \"slot\""},
-        {with_card(R"("boxes": [])"), "menu.json: /device/cards/0: unknown member \"boxes\""},
+        {with_card(R"("boxes": [])"),
+         "menu.json: /device/cards/0/boxes@: unknown member \"boxes\""},
         {with_card(R"("combo-boxes": [{"pid": 8999}])"),
          "menu.json: /device/cards/0/combo-boxes/0/pid: expected a whole number from 9000 to 9100, "
          "found 8999"},
@@ -88,18 +89,23 @@ TEST(DeviceDescription, AnErrorNamesPlaceAndExpectation) {
         {with_card(R"("trees": [{"pid": 9002, "tree": {"label": "T", "children": [{}]}}])"),
          "menu.json: /device/cards/0/trees/0/tree/children/0: expected a member \"label\""},
         {with_card(R"("trees": [{"pid": 9002, "tree": {"label": "T", "type": "x"}}])"),
-         "menu.json: /device/cards/0/trees/0/tree: unknown member \"type\""},
+         "menu.json: /device/cards/0/trees/0/tree/type@: unknown member \"type\""},
         {deep_tree(16), ""},
     };
     for (const Error_case& expected : CASES) {
-        EXPECT_EQ(error_of(expected.text), expected.error) << expected.text.substr(0, 300);
+        EXPECT_EQ(error_of(expected.text), placed(expected.text, expected.error))
+            << expected.text.substr(0, 300);
     }
 }
 
 TEST(DeviceDescription, ATreeThatIsTooDeepIsRefused) {
-    const std::string error = error_of(deep_tree(17));
-    EXPECT_NE(error.find("/children/0: trees are nested more than 16 deep"), std::string::npos)
-        << error;
+    const std::string text = deep_tree(17);
+    std::string path = "/device/cards/0/trees/0/tree";
+    for (int i = 1; i < 17; ++i) {
+        path += "/children/0";
+    }
+    EXPECT_EQ(error_of(text),
+              placed(text, "menu.json: " + path + ": trees are nested more than 16 deep"));
 }
 
 TEST(DeviceDescription, ProductsStandInTheirSlotsWithTheirAliases) {
@@ -129,21 +135,24 @@ TEST(DeviceDescription, AProductsOptionsDecideWhichItemsAreShown) {
 TEST(DeviceDescription, AProductsOptionThatIsAPatternByAccidentIsWarnedOf) {
     const std::string text =
         with_product(R"("id": 7, "name": "DEC", "family": "Decoder", "options": {"unit": 1})");
-    EXPECT_EQ(load_menu_text("menu.json", text).warnings,
-              (std::vector<std::string>{
-                  "menu.json: /device/products/0/options/unit: the letter 'n' makes this option a "
-                  "pattern in which 'n' stands for a number"}));
+    EXPECT_EQ(
+        load_menu_text("menu.json", text).warnings,
+        (std::vector<std::string>{placed(
+            text,
+            "menu.json: /device/products/0/options/unit@: warning: the letter 'n' makes this option a "
+            "pattern in which 'n' stands for a number")}));
 }
 
 TEST(DeviceDescription, CardsRunOnlyWhenAskedFor) {
     const std::string text = with_card(R"("combo-boxes": [
         {"pid": 9001, "options": ["A", "B"], "selected": 1}])");
     EXPECT_EQ(load_menu_text("menu.json", text).menu->cards(), nullptr);
-    const Loaded_menu loaded = load_menu_text("menu.json", text, Cards::ON);
+    const Loaded_menu loaded = load_menu_text("menu.json", text, {Cards::ON});
     ASSERT_NE(loaded.menu->cards(), nullptr);
     EXPECT_EQ(loaded.menu->cards()->selected(3, 9001), 1);
-    EXPECT_EQ(load_menu_text("menu.json", with_device("\"products\": []"), Cards::ON).menu->cards(),
-              nullptr);
+    EXPECT_EQ(
+        load_menu_text("menu.json", with_device("\"products\": []"), {Cards::ON}).menu->cards(),
+        nullptr);
 }
 
 }  // namespace

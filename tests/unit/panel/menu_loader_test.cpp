@@ -44,24 +44,34 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json:2:12: Missing a colon after a name of object member."},
         {"{} {}", "menu.json:1:4: The document root must not be followed by other values."},
         {"{\"menu\": \"\xff", "menu.json:1:12: Missing a closing quotation mark in string."},
-        {std::string(100000, '['), "menu.json:1:100001: Invalid value."},
+        {std::string(100000, '['), "menu.json:1:101: values are nested more than 100 deep"},
         {"[]", "menu.json: /: expected an object, found a list"},
-        {"{}", "menu.json: /: expected a member \"device\""},
+        {"{}",
+         "menu.json: /: expected a member \"device\"\nmenu.json: /: expected a member \"menu\""},
         {R"({"device": {"parameters": []}})", "menu.json: /: expected a member \"menu\""},
-        {R"({"menus": {}})", "menu.json: /: unknown member \"menus\""},
-        {R"({"a\n\u001b[0mb": {}})", "menu.json: /: unknown member \"a??[0mb\""},
-        {R"({"menu": {}, "menu": {}})", "menu.json: /: member \"menu\" comes twice"},
+        {R"({"menus": {}, "device": {"parameters": []}})",
+         "menu.json: /: expected a member \"menu\"\nmenu.json: /menus@: unknown member \"menus\""},
+        {R"({"a\n\u001b[0mb": {}, "device": {"parameters": []}, "menu": 1})",
+         "menu.json:1:2: unknown member \"a??[0mb\"\n"
+         "menu.json: /menu: expected an object, found a whole number"},
+        {R"({"menu": 1, "menu": {}, "device": {"parameters": []}})",
+         "menu.json: /menu: expected an object, found a whole number\n"
+         "menu.json:1:13: member \"menu\" comes twice"},
         {menu_text(LEVEL, nested(0), "[]"),
          "menu.json: /options: expected an object, found a list"},
         {menu_text(LEVEL, nested(0), R"({"dolby": -1})"),
          "menu.json: /options/dolby: expected a whole number from 0 to 2147483647, found -1"},
         {menu_text(LEVEL, nested(0), R"({"": 1})"),
-         "menu.json: /options: expected option names of at least one character"},
+         "menu.json:1:14: expected an option name of printable ASCII characters"},
         {menu_text(LEVEL, nested(0), R"({"a\u0000b": 1, "a": 2})"),
-         "menu.json: /options: expected option names of printable ASCII characters"},
+         "menu.json:1:14: expected an option name of printable ASCII characters"},
         {R"({"device": {"parameters": {}}})",
+         "menu.json: /: expected a member \"menu\"\n"
          "menu.json: /device/parameters: expected a list, found an object"},
-        {R"({"device": {"parameter": []}})", "menu.json: /device: unknown member \"parameter\""},
+        {R"({"device": {"parameter": []}})",
+         "menu.json: /: expected a member \"menu\"\n"
+         "menu.json: /device: expected a member \"parameters\"\n"
+         "menu.json: /device/parameter@: unknown member \"parameter\""},
         {with_parameter(R"({"type": "integer"})"),
          "menu.json: /device/parameters/0: expected a member \"pid\""},
         {with_parameter(R"({"pid": 4294967295})"),
@@ -70,7 +80,8 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {with_parameter(R"({"pid": 5, "type": "real"})"),
          "menu.json: /device/parameters/0/type: expected \"integer\" or \"text\", found \"real\""},
         {with_parameter(R"({"pid": 5, "type": "integer", "min": 3, "max": 2, "value": 2})"),
-         "menu.json: /device/parameters/0/max: expected a whole number from 3 to 2147483647, found 2"},
+         "menu.json: /device/parameters/0/max: expected a whole number from 3 to 2147483647, found 2\n"
+         "menu.json: /device/parameters/0/value: expected a whole number from 3 to 2147483647, found 2"},
         {with_parameter(R"({"pid": 5, "type": "integer", "min": 0, "max": 2, "value": 2.5})"),
          "menu.json: /device/parameters/0/value: expected a whole number from 0 to 2, found a number"},
         {with_parameter(R"({"pid": 5, "type": "text", "length": 257, "value": ""})"),
@@ -78,7 +89,7 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {with_parameter(R"({"pid": 5, "type": "text", "length": 2, "value": "abc"})"),
          "menu.json: /device/parameters/0/value: expected a text of 0 to 2 characters, found 3"},
         {with_parameter(R"({"pid": 5, "type": "text", "min": 2, "length": 2, "value": ""})"),
-         "menu.json: /device/parameters/0: unknown member \"min\""},
+         "menu.json: /device/parameters/0/min@: unknown member \"min\""},
         {with_parameter(R"({"pid": 5, "index": [1, 2, 3], "type": "integer"})"),
          "menu.json: /device/parameters/0/index: expected at most 2 levels, found 3"},
         {with_parameter(R"({"pid": 5, "index": [1, 256], "type": "integer"})"),
@@ -112,8 +123,9 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /menu/items/0/pid: the device has no parameter 5 with this index"},
         {with_item(R"({"type": "range", "name": "Level", "pid": 6})"),
          "menu.json: /menu/items/0/pid: parameter 6 is of another type"},
-        {with_item(R"({"type": "node", "name": "N", "pid": 5})"),
-         "menu.json: /menu/items/0: unknown member \"pid\""},
+        {with_item(R"({"type": "node", "name": "N", "pid": 5, "items": 1})"),
+         "menu.json: /menu/items/0/pid@: unknown member \"pid\"\n"
+         "menu.json: /menu/items/0/items: expected a list, found a whole number"},
         {with_item(nested(17)),
          "menu.json: /menu/items/0/items/0/items/0/items/0/items/0/items/0/items/0/items/0/items/0"
          "/items/0/items/0/items/0/items/0/items/0/items/0/items/0/items: "
@@ -141,7 +153,7 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /menu/items/0/value_format: not an expression in v"},
         {with_range(R"-("value_format": "1/(v-100)")-"), ""},
         {with_range(R"("access": "write")"),
-         "menu.json: /menu/items/0/access: expected \"read-only\" or \"read-write\", found \"write\""},
+         "menu.json: /menu/items/0/access: expected one of \"read-only\", \"read-write\", \"write-only\", found \"write\""},
         {with_range(R"("visible": 1)"),
          "menu.json: /menu/items/0/visible: expected true or false, found a whole number"},
         {with_range(R"("shortcut": 0)"),
@@ -184,21 +196,98 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {menu_text(LEVEL, items_in_one_menu(1000)), ""},
     };
     for (const Error_case& expected : CASES) {
-        EXPECT_EQ(error_of(expected.text), expected.error) << expected.text.substr(0, 300);
+        EXPECT_EQ(error_of(expected.text), placed(expected.text, expected.error))
+            << expected.text.substr(0, 300);
     }
 }
 
 TEST(MenuLoader, ABindingsErrorComesWithItsPlace) {
-    const std::string error = error_of(with_range(R"("binding": "visible if 5 == ")"));
-    EXPECT_EQ(error.rfind("menu.json: /menu/items/0/binding: line 1, column 17: ", 0), 0U) << error;
+    const std::string text = with_range(R"("binding": "visible if 5 == ")");
+    const std::string error = error_of(text);
+    const std::string place =
+        placed(text, "menu.json: /menu/items/0/binding: line 1, column 17: expected");
+    EXPECT_EQ(error.substr(0, place.size()), place);
 }
 
 TEST(MenuLoader, AMessageStaysOneLineOfReadableLengthWhateverItQuotes) {
-    const std::string error =
-        error_of(with_item(R"({"type": ")" + std::string(100000, 'x') + "\"}"));
+    const std::string text = with_item(R"({"type": ")" + std::string(100000, 'x') + "\"}");
+    const std::string error = error_of(text);
+    const std::string place =
+        placed(text, "menu.json: /menu/items/0/type: expected one of \"node\"");
     EXPECT_LT(error.size(), 1100U);
-    EXPECT_EQ(error.rfind("menu.json: /menu/items/0/type: expected one of \"node\"", 0), 0U);
+    EXPECT_EQ(error.substr(0, place.size()), place);
     EXPECT_EQ(error.substr(error.size() - 3), "xx\"");
+}
+
+TEST(MenuLoader, EverythingWrongWithAMenuIsToldAtOnceInItsOrder) {
+    EXPECT_EQ(error_of(R"({
+  "options": {"dolby": -1},
+  "device": {"parameters": [
+    {"pid": 5, "type": "integer", "min": 0, "max": "9", "value": 10},
+    {"pid": 6, "type": "text", "length": 8, "value": 3, "colour": 7}
+  ]},
+  "menu": {"name": "Main", "title": "M", "items": [
+    {"type": "range", "name": "Level", "pid": 5, "access": "none", "visible": 0},
+    {"type": "range", "name": "", "pid": 9, "format": "%s", "binding": "visible if"},
+    {"type": "node", "name": "Empty", "items": []},
+    {"type": "text", "name": "Note", "pid": 7, "shortcut": 100, "options": [1, 2]}
+  ]}
+})"),
+              R"(menu.json:2:24: expected a whole number from 0 to 2147483647, found -1
+menu.json:4:52: expected a whole number from 0 to 2147483647, found a text
+menu.json:5:54: expected a text, found a whole number
+menu.json:5:57: unknown member "colour"
+menu.json:7:28: unknown member "title"
+menu.json:8:60: expected one of "read-only", "read-write", "write-only", found "none"
+menu.json:8:79: expected true or false, found a whole number
+menu.json:9:31: expected a name of 1 to 24 characters before any ':', found 0
+menu.json:9:42: the device has no parameter 9 with this index
+menu.json:9:55: conversion "%s" is not one of %d, %02x, %02X, %f, %e, %g
+menu.json:9:72: line 1, column 11: expected a parameter, found end of text
+menu.json:10:48: expected at least one item
+menu.json:11:45: the device has no parameter 7 with this index
+menu.json:11:60: expected a whole number from 1 to 99, found 100
+menu.json:11:77: expected a text, found a whole number
+menu.json:11:80: expected a text, found a whole number)");
+}
+
+TEST(MenuLoader, WhatFollowsFromAWrongParameterIsNotToldAgain) {
+    const std::string text = with_parameter(R"({"pid": 5, "type": "real"})");
+    EXPECT_EQ(error_of(text), placed(text,
+                                     "menu.json: /device/parameters/0/type: expected \"integer\" "
+                                     "or \"text\", found \"real\""));
+}
+
+TEST(MenuLoader, AnAvalancheOfErrorsIsCutShort) {
+    std::string items;
+    for (int i = 0; i < 999; ++i) {
+        items += R"({"type": "node"},)";
+    }
+    const std::string errors = error_of(menu_text(LEVEL, items + R"({"type": "node"})"));
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 200);
+    EXPECT_EQ(errors.substr(errors.rfind('\n') + 1), "menu.json: 1800 more like these");
+}
+
+TEST(MenuLoader, ANameThatTheDisplayHasNoRoomForIsWarnedOf) {
+    const std::string text = with_item(
+        R"({"type": "range", "name": "Temperature", "pid": 5},
+           {"type": "node", "name": "Sixteen letters:x", "items": [
+               {"type": "range", "name": "Ten lettrs", "pid": 5}]},
+           {"type": "node", "name": "Sixteen letters.:x", "items": [
+               {"type": "range", "name": "Level", "pid": 5}]})");
+    EXPECT_EQ(load_menu_text("menu.json", text, {Cards::OFF, 20}).warnings,
+              (Lines{placed(text,
+                            "menu.json: /menu/items/0/name: warning: a display of 20 columns "
+                            "shows this name as \"Temperatur\""),
+                     placed(text,
+                            "menu.json: /menu/items/2/name: warning: a display of 20 columns "
+                            "shows this name as \"Sixteen letters\"")}));
+    EXPECT_TRUE(load_menu_text("menu.json", text, {Cards::OFF, 40}).warnings.empty());
+}
+
+TEST(MenuLoader, PlacesCountFromTheByteOrderMarkAndBehindEscapes) {
+    EXPECT_EQ(error_of("{\n\t\"men\\u0075\" :\r\n  7, \"device\": {\"parameters\" : [ ] } }"),
+              "menu.json:3:3: expected an object, found a whole number");
 }
 
 TEST(MenuLoader, AMissingFileIsNamed) {
@@ -260,8 +349,10 @@ TEST(MenuLoader, WarnsOfAnOptionThatIsAPatternByAccident) {
         R"({"slotn": 4, "tone": 1, "dolby": 1})");
     EXPECT_EQ(
         load_menu_text("menu.json", text).warnings,
-        (Lines{"menu.json: /options/tone: the letter 'n' makes this option a pattern in which "
-               "'n' stands for a number"}));
+        (Lines{placed(
+            text,
+            "menu.json: /options/tone@: warning: the letter 'n' makes this option a pattern in which "
+            "'n' stands for a number")}));
 }
 
 TEST(MenuLoader, TheShippedMenuLoadsWithoutWarning) {

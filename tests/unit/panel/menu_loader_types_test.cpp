@@ -35,9 +35,9 @@ TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
         {with_item("text", R"("pid": 65549)"),
          "menu.json: /menu/items/0/pid: parameter 65549 is shown by items of type \"warning\""},
         {with_item("text", R"("pid": 20, "format": "%d")"),
-         "menu.json: /menu/items/0: unknown member \"format\""},
+         "menu.json: /menu/items/0/format@: unknown member \"format\""},
         {with_item("text", R"("pid": 20, "access": "none")"),
-         "menu.json: /menu/items/0/access: expected \"read-only\" or \"read-write\", found \"none\""},
+         "menu.json: /menu/items/0/access: expected one of \"read-only\", \"read-write\", \"write-only\", found \"none\""},
         {with_item("address", R"("pid": 21)"), ""},
         {with_item("address", R"("pid": 20)"),
          "menu.json: /menu/items/0/pid: expected a parameter of at least 15 characters for an address"},
@@ -48,7 +48,7 @@ TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
          "menu.json: /menu/items/0/pid: parameter 5 is of another type"},
         {with_item("warning", ""), ""},
         {with_item("warning", R"("pid": 65549)"),
-         "menu.json: /menu/items/0: unknown member \"pid\""},
+         "menu.json: /menu/items/0/pid@: unknown member \"pid\""},
         {with_item("warning", R"("index": [1])"),
          "menu.json: /menu/items/0: the device has no parameter 65549 with this index"},
         {with_item("enum", R"("pid": 5, "choices": ["A", "B", "C"])"), ""},
@@ -74,7 +74,8 @@ TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
         {with_item("enum", R"("pid": 5, "choices": ["A", {"text": "B"}, "C"])"),
          "menu.json: /menu/items/0/choices/1: expected a member \"options\""},
         {with_item("enum", R"("pid": 5, "choices": ["A", {"text": "B", "option": []}, "C"])"),
-         "menu.json: /menu/items/0/choices/1: unknown member \"option\""},
+         "menu.json: /menu/items/0/choices/1: expected a member \"options\"\n"
+         "menu.json: /menu/items/0/choices/1/option@: unknown member \"option\""},
         {with_item("enum", R"("pid": 5, "choices": ["A", {"text": "B", "options": [""]}, "C"])"),
          "menu.json: /menu/items/0/choices/1/options/0: expected a text of 1 to 256 characters, "
          "found 0"},
@@ -89,7 +90,8 @@ TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
         {with_item("enum", R"("pid": 5, "live": {"slot": 3, "web-type": "tree"})"),
          "menu.json: /menu/items/0/pid: expected a whole number from 9000 to 9100, found 5"},
         {with_item("enum", R"("pid": 9001, "choices": [], "live": {"slot": 3})"),
-         "menu.json: /menu/items/0/choices: the choices of an item with \"live\" come from its card"},
+         "menu.json: /menu/items/0/choices: the choices of an item with \"live\" come from its card\n"
+         "menu.json: /menu/items/0/live: expected a member \"web-type\""},
         {with_item("enum", R"("pid": 9001, "live": {"slot": 16})"),
          "menu.json: /menu/items/0/live/slot: expected a whole number from 1 to 15, found 16"},
         {with_item("enum", R"("pid": 9001, "live": {"slot": 3})"),
@@ -101,7 +103,8 @@ TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
         {with_item("enum", R"("pid": 9003, "live": {"slot": 3, "web-type": "combobox"})"),
          "menu.json: /menu/items/0/live: no card in slot 3 has a combobox 9003"},
         {with_item("enum", R"("pid": 9001, "live": {"slot": 3, "webtype": "tree"})"),
-         "menu.json: /menu/items/0/live: unknown member \"webtype\""},
+         "menu.json: /menu/items/0/live: expected a member \"web-type\"\n"
+         "menu.json: /menu/items/0/live/webtype@: unknown member \"webtype\""},
         {with_item("slot", R"("pid": 7)"), ""},
         {with_item("slot", R"("pid": 8)"),
          "menu.json: /menu/items/0/pid: expected a parameter from 0 to at most 14 for a slot list"},
@@ -112,10 +115,10 @@ TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
         {with_item("slot", R"("pid": 7, "binding": "visible if 5 == 1")"),
          "menu.json: /menu/items/0/binding: a slot list follows no rules: its node can"},
         {with_item("slot", R"("pid": 7, "slots": 3)"),
-         "menu.json: /menu/items/0: unknown member \"slots\""},
+         "menu.json: /menu/items/0/slots@: unknown member \"slots\""},
     };
     for (const Error_case& expected : CASES) {
-        EXPECT_EQ(error_of(expected.text), expected.error)
+        EXPECT_EQ(error_of(expected.text), placed(expected.text, expected.error))
             << expected.text.substr(expected.text.find("\"menu\""));
     }
 }
@@ -162,15 +165,17 @@ TEST(MenuLoaderTypes, ATextIsAsLongAsItsParameter) {
 }
 
 TEST(MenuLoaderTypes, AChoiceWithoutProductOptionsStaysBesideThoseThatHaveSome) {
-    const Loaded_menu loaded = load_menu_text("menu.json", with_item("enum", R"("pid": 5,
+    const std::string text = with_item("enum", R"("pid": 5,
         "choices": ["Off", {"text": "Modem", "options": ["modem"]},
-                    {"text": "GPS", "options": ["gps"]}])"));
+                    {"text": "GPS", "options": ["gps"]}])");
+    const Loaded_menu loaded = load_menu_text("menu.json", text);
     auto* const entry = dynamic_cast<Enum_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(entry, nullptr);
     EXPECT_EQ(entry->optionControls(), (ControlsT{0, 2}));
-    EXPECT_EQ(loaded.warnings, (std::vector<std::string>{
-                                   "menu.json: /menu/items/0/choices: a choice behind a hidden "
-                                   "one may show as ---"}));
+    EXPECT_EQ(loaded.warnings,
+              (Lines{placed(text,
+                            "menu.json: /menu/items/0/choices: warning: a choice behind a "
+                            "hidden one may show as ---")}));
 }
 
 TEST(MenuLoaderTypes, HiddenChoicesAtTheEndOfTheListAreNotWarnedOf) {

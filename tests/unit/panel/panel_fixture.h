@@ -9,7 +9,9 @@
 
 #include "controller.h"
 #include "input_error.h"
+#include "json_places.h"
 #include "menu_loader.h"
+#include "problems.h"
 
 namespace panel {
 
@@ -30,16 +32,20 @@ inline std::string menu_text(const std::string& parameters, const std::string& i
            R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";
 }
 
-// What is wrong with a menu file; empty when it loads.
+// All that is wrong with a menu file, line by line; empty when it loads.
 inline std::string error_of(const std::string& text) {
+    std::string all;
     try {
         load_menu_text("menu.json", text);
-    } catch (const Input_error& error) {
-        return error.what();
+    } catch (const Input_errors& errors) {
+        for (const std::string& line : errors.lines()) {
+            all += (all.empty() ? "" : "\n") + line;
+        }
     }
-    return "";
+    return all;
 }
 
+// An error's place is its path in the text: see `placed`.
 struct Error_case {
     std::string text;
     std::string error;
@@ -48,7 +54,7 @@ struct Error_case {
 class Panel {
 public:
     explicit Panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
-        : m_loaded(load_menu_text("menu.json", text, cards)),
+        : m_loaded(load_menu_text("menu.json", text, {cards, size.columns})),
           m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(
             [this](const std::string& warning) { m_controller.warn(warning); });
