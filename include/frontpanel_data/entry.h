@@ -187,7 +187,8 @@ public:
     virtual int Refresh(Data_interface* pDataAccessInf, bool eval_binding);
     // Steps the value by `value`, a text at `position` from its right end; the result is told with the leaf.
     virtual int Inc_value(int value, int position) = 0;
-    // Prints name and description of the entry and all below it.
+    // Prints name and description of the entry and all below it; of an entry that lies below itself, through
+    // a link, only these the second time.
     virtual void Print();
     // The following are for leaves; the base does nothing and returns 0 or null.
     virtual void Update_value(char** texts, int size);
@@ -323,6 +324,8 @@ private:
     void attach_at_construction(const char* name, int visible, Data_entry* parent);
     void unlink(Data_entry& child);
     bool holds(const Data_entry& child) const;
+    Data_entry* last_child() const;
+    Data_entry* end_of_circle(Data_entry* inside) const;
     void join_neighbours_of(const Data_entry& child);
     void apply_access_suggestion();
     void apply_set_suggestion(Data_interface* iface);

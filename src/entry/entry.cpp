@@ -12,6 +12,7 @@
 
 #include "../assertion.h"
 #include "../diagnostics.h"
+#include "neighbours.h"
 
 namespace {
 
@@ -27,6 +28,38 @@ public:
 private:
     pthread_mutex_t& m_mutex;
 };
+
+// The entries whose children this thread prints, innermost first.
+class Printing {
+public:
+    explicit Printing(const Data_entry* entry) : m_entry(entry), m_outer(innermost) {
+        innermost = this;
+    }
+    ~Printing() { innermost = m_outer; }
+    Printing(const Printing&) = delete;
+    Printing& operator=(const Printing&) = delete;
+
+    static bool is_under_way(const Data_entry* entry) {
+        const Printing* at = innermost;
+        while (at != nullptr && at->m_entry != entry) {
+            at = at->m_outer;
+        }
+        return at != nullptr;
+    }
+
+private:
+    static thread_local const Printing* innermost;
+
+    const Data_entry* m_entry;
+    const Printing* m_outer;
+};
+
+thread_local const Printing* Printing::innermost = nullptr;
+
+void print_heading(const char* name, const char* description) {
+    std::printf("----- data entry (%s) -----\n", name);
+    std::printf("Description:\n%s\n", description);
+}
 
 const char* or_empty(const char* text) {
     return text != nullptr ? text : "";
@@ -244,10 +277,7 @@ int Data_entry::Add_child(Data_entry& child) {
         join_neighbours_of(
             child);  // added again it moves: linked twice it would end or close the list
     }
-    Data_entry* last = m_child;
-    while (last != nullptr && last->m_next != nullptr) {
-        last = last->m_next;
-    }
+    Data_entry* const last = last_child();
     child.m_parent = this;
     child.m_next = nullptr;
     child.m_previous = last;
@@ -304,11 +334,44 @@ void Data_entry::unlink(Data_entry& child) {
 }
 
 bool Data_entry::holds(const Data_entry& child) const {
+    const Data_entry* const last = last_child();
     const Data_entry* at = m_child;
-    while (at != nullptr && at != &child) {
+    while (at != &child && at != last) {
         at = at->m_next;
     }
-    return at != nullptr;
+    return at == &child;
+}
+
+// A link that was placed by its neighbours alone still has the base links of the entry that it houses, and
+// these may lead back into the list. The last child is then the one before the first that comes twice.
+Data_entry* Data_entry::last_child() const {
+    Data_entry* last = m_child;
+    const Data_entry* ahead = m_child;
+    while (ahead != nullptr && ahead->m_next != nullptr) {
+        last = last->m_next;
+        ahead = ahead->m_next->m_next;
+        if (last == ahead) {
+            return end_of_circle(last);
+        }
+    }
+    while (last != nullptr && last->m_next != nullptr) {
+        last = last->m_next;
+    }
+    return last;
+}
+
+// `inside` is where two walks met, one twice as fast as the other: as far from the circle's start as the
+// list's start is.
+Data_entry* Data_entry::end_of_circle(Data_entry* inside) const {
+    const Data_entry* start = m_child;
+    while (start != inside) {
+        start = start->m_next;
+        inside = inside->m_next;
+    }
+    while (inside->m_next != start) {
+        inside = inside->m_next;
+    }
+    return inside;
 }
 
 void Data_entry::join_neighbours_of(const Data_entry& child) {
@@ -433,10 +496,17 @@ int Data_entry::Commit() {
 }
 
 void Data_entry::Print() {
+    if (Printing::is_under_way(this)) {
+        // Reached again through a link below itself, with its mutex locked and its children on their way.
+        print_heading(Get_name(), or_empty(Get_description()));
+        return;
+    }
     const Lock_guard lock(m_entry_mutex);
-    std::printf("----- data entry (%s) -----\n", Get_name());
-    std::printf("Description:\n%s\n", or_empty(Get_description()));
-    for (Data_entry* child = m_child; child != nullptr; child = child->m_next) {
+    const Printing printing(this);
+    print_heading(Get_name(), or_empty(Get_description()));
+    neighbours::Met met;
+    for (Data_entry* child = m_child; child != nullptr && met.is_new(child);
+         child = child->m_next) {
         child->Print();
     }
 }

@@ -83,7 +83,7 @@ bool Data_entry::has_visible_children(bool if_control_refresh, Data_interface* p
     for (Data_entry* sibling = neighbours::next(first); sibling != nullptr && met.is_new(sibling);
          sibling = neighbours::next(sibling)) {
         if (sibling->Get_entry_type() == LINK_ENTRY) {
-            links = true;  // counts without being asked: asking may build a mounted menu
+            links = true;  // counts without being asked: what it houses lies in another menu
         } else if (sibling->isVisible(true, pDataAccessInf) >= 0) {
             return true;
         }

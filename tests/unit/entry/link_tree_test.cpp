@@ -331,6 +331,83 @@ TEST_F(Menus_with_links, ALinkToNothingIsPrintedAndEndsItsList) {
     EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "none"}));
 }
 
+// --- the static list, in which links stand by their base links
+
+class Children_with_links : public Menus_with_links {
+protected:
+    static std::string heading(const char* name, const char* description) {
+        return std::string("----- data entry (") + name + ") -----\nDescription:\n" + description +
+               "\n";
+    }
+    static std::string printed(Data_entry& entry) {
+        return capture(0, [&] { entry.Print(); }).out;
+    }
+    static Log names_below(const Data_entry& menu) {
+        Log names;
+        for (const Data_entry* at = menu.Get_child(); at != nullptr; at = at->Get_next()) {
+            names.push_back(at->Get_name());
+        }
+        return names;
+    }
+
+    // Three children, and a link that only the last of them knows: behind it, by what it took over from the
+    // first, the second comes again.
+    Menu list{"List"};
+    Menu first{"First", &list}, second{"Second", &list}, third{"Third", &list};
+    Link_entry to_first{&first};
+};
+
+TEST_F(Children_with_links, ALinkAddedToAMenuStandsInItsList) {
+    EXPECT_EQ(list.Add_child(to_first), 0);
+    Menu fourth("Fourth", &list);
+    EXPECT_EQ(names_below(list), (Log{"First", "Second", "Third", "List.First", "Fourth"}));
+    EXPECT_EQ(list.Remove(&to_first), 0);
+    EXPECT_EQ(names_below(list), (Log{"First", "Second", "Third", "Fourth"}));
+    EXPECT_EQ(to_first.Get_next(), &second) << "where it leads is what it houses leads to";
+}
+
+TEST_F(Children_with_links, AChildIsAddedBehindALinkThatLeadsBack) {
+    third.Set_next(&to_first);
+    Menu fourth("Fourth", &list);
+    EXPECT_EQ(names_below(list), (Log{"First", "Second", "Third", "List.First", "Fourth"}));
+    EXPECT_EQ(fourth.Get_previous(), &to_first);
+}
+
+TEST_F(Children_with_links, AChildIsFoundOrMissedBeforeALinkThatLeadsBack) {
+    third.Set_next(&to_first);
+    Menu stranger("Stranger");
+    capture(0, [&] { EXPECT_EQ(list.Remove(&stranger), 0); });
+    EXPECT_EQ(list.Remove(&second), 0);
+    EXPECT_EQ(first.Get_next(), &third);
+}
+
+TEST_F(Children_with_links, AListThatIsACircleFromItsStartHasAnEnd) {
+    Menu circle("Circle");
+    Menu only("Only", &circle);
+    only.Set_next(&only);
+    Menu more("More", &circle);
+    EXPECT_EQ(names_below(circle), (Log{"Only", "More"}));
+}
+
+TEST_F(Children_with_links, EachChildIsPrintedOnce) {
+    third.Set_next(&to_first);
+    EXPECT_EQ(printed(list), heading("List", "A menu") + heading("First", "A menu") +
+                                 heading("Second", "A menu") + heading("Third", "A menu") +
+                                 heading("First", "A menu"))
+        << "the link prints what it houses";
+}
+
+// The menu's mutex is locked while its children are printed.
+TEST_F(Children_with_links, AMenuBelowItselfIsNamedAndNotEnteredAgain) {
+    Link_entry to_list(&list);
+    first.Add_child(to_list);
+    EXPECT_EQ(printed(list), heading("List", "A menu") + heading("First", "A menu") +
+                                 heading("List", "A menu") + heading("Second", "A menu") +
+                                 heading("Third", "A menu"));
+    EXPECT_EQ(printed(second), heading("Second", "A menu")) << "printing is over";
+    EXPECT_EQ(printed(to_list), printed(list));
+}
+
 // --- visibility
 
 TEST_F(Menus_with_links, AMenuIsVisibleByTheVisibleEntryOfItsFirstLink) {

@@ -241,7 +241,7 @@ TEST_F(Visibility, ASingleHiddenChildEndsTheWalkToo) {
     EXPECT_EQ(node.Get_has_children(), 0);
 }
 
-// Asking a link may build a mounted menu, so links count without being asked.
+// What a link houses lies in another menu, so links count without being asked.
 TEST_F(Visibility, LinksAmongTheSiblingsCountWithoutBeingAsked) {
     add_hidden("A");
     Leaf& link = add_hidden("Link", Data_entry::LINK_ENTRY);
