@@ -331,6 +331,36 @@ TEST_F(Menus_with_links, ALinkToNothingIsPrintedAndEndsItsList) {
     EXPECT_EQ(dump(top), (Log{"Audio", "\tGain", "Setup", "none"}));
 }
 
+// How an application places links, as the documentation shows it.
+void append(Data_entry& menu, Link_entry& link, Data_entry* last) {
+    menu.Add_child(link);
+    Data_entry& base = link;
+    base.Set_parent(&menu);
+    base.Set_previous(last);
+    base.Set_next(nullptr);
+    if (last != nullptr) {
+        last->Set_next(&link);
+    }
+}
+
+TEST_F(Menus_with_links, FavouritesAreWalkedBothWaysAndLeftUpwards) {
+    Menu favourites("Favourites", &top), plain("Plain", &favourites);
+    Housed level("Level", support::any_index(), &audio);
+    Link_entry first(&gain), second(&setup), third(&level);
+    append(favourites, first, &plain);
+    append(favourites, second, &first);
+    append(favourites, third, &second);
+    EXPECT_EQ(dump(favourites), (Log{"Plain", "Audio.Gain", "Top.Setup", "Audio.Level"}));
+    EXPECT_EQ(third.Get_previous(), &second);
+    EXPECT_EQ(first.Get_previous(), &plain);
+    EXPECT_EQ(third.Get_next(), nullptr);
+    for (Link_entry* const link : {&first, &second, &third}) {
+        EXPECT_EQ(link->Get_parent(), &favourites);
+        EXPECT_EQ(static_cast<Data_entry*>(link)->Get_parent(), &favourites) << "in the base too";
+    }
+    EXPECT_EQ(dump(audio), (Log{"Gain", "Level"})) << "as before";
+}
+
 // --- the static list, in which links stand by their base links
 
 class Children_with_links : public Menus_with_links {
