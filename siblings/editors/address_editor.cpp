@@ -33,8 +33,20 @@ void Address_editor::start() {
     m_blocks.keep_limits(block_limits);
 }
 
-void Address_editor::step(Editor_key key) {
-    m_blocks.step(key, block_limits);
+void Address_editor::remember() {
+    m_opened = text_of(edited());
+}
+
+bool Address_editor::put_back() {
+    return store_text(edited(), m_opened);
+}
+
+void Address_editor::step(Editor_key key, int steps) {
+    m_blocks.step(key, {steps, wraps()}, block_limits);
+}
+
+bool Address_editor::is_stored() {
+    return text_of(edited()) == m_blocks.text();
 }
 
 bool Address_editor::accept() {

@@ -10,13 +10,20 @@ void Field_line::set(std::vector<Number_field> fields, std::string trailing) {
     m_chosen = m_fields.empty() ? 0 : m_fields.size() - 1;
 }
 
-void Field_line::step(Editor_key key, const Limits_of& limits_of) {
+void Field_line::step(Editor_key key, const Turn& turn, const Limits_of& limits_of) {
     if (key == Editor_key::COARSER && m_chosen > 0) {
         --m_chosen;
     } else if (key == Editor_key::FINER && m_chosen + 1 < m_fields.size()) {
         ++m_chosen;
     } else if (key == Editor_key::UP || key == Editor_key::DOWN) {
-        m_fields[m_chosen].value += key == Editor_key::UP ? 1 : -1;
+        int& value = m_fields[m_chosen].value;
+        const Limits limits = limits_of(m_chosen);
+        const bool up = key == Editor_key::UP;
+        if (turn.wrap && value == (up ? limits.max : limits.min)) {
+            value = up ? limits.min : limits.max;
+        } else {
+            value += up ? turn.steps : -turn.steps;
+        }
         keep_limits(limits_of);
     }
 }

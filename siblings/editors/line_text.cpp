@@ -28,6 +28,14 @@ void Scrolling_text::set(std::string text) {
     m_held = HOLD_CALLS;
 }
 
+void Scrolling_text::update(std::string text) {
+    const Scrolling_text before = *this;
+    set(std::move(text));
+    if (m_text == before.m_text) {
+        *this = before;
+    }
+}
+
 std::string Scrolling_text::show(int columns) {
     const auto width = static_cast<std::size_t>(columns);
     if (m_text.size() <= width) {

@@ -42,18 +42,26 @@ Number_editor::Number_editor() = default;
 Number_editor::~Number_editor() = default;
 
 void Number_editor::start() {
-    m_step = 1;
+    m_step = std::max(1, settings().step);
     // A value outside the range is delivered all the same, and is where the first step starts.
     edited().Get_value(&m_proposed, sizeof m_proposed);
 }
 
-void Number_editor::step(Editor_key key) {
+void Number_editor::remember() {
+    m_opened = m_proposed;
+}
+
+bool Number_editor::put_back() {
+    return edited().Set_value(&m_opened, sizeof m_opened) == 0;
+}
+
+void Number_editor::step(Editor_key key, int steps) {
     switch (key) {
         case Editor_key::UP:
-            turn(m_step);
+            turn(static_cast<int64_t>(m_step) * steps);
             break;
         case Editor_key::DOWN:
-            turn(-static_cast<int64_t>(m_step));
+            turn(-static_cast<int64_t>(m_step) * steps);
             break;
         case Editor_key::COARSER:
             Coarser_step();
@@ -63,6 +71,8 @@ void Number_editor::step(Editor_key key) {
             break;
         case Editor_key::SELECT:
         case Editor_key::ESCAPE:
+        case Editor_key::INSERT:
+        case Editor_key::DELETE:
             break;
     }
 }
@@ -74,9 +84,31 @@ bool Number_editor::has_allowed_value() const {
 
 void Number_editor::turn(int64_t change) {
     edited().updateRange();
-    if (has_allowed_value()) {
+    if (!has_allowed_value()) {
+        return;
+    }
+    const int end = change > 0 ? edited().Get_max() : edited().Get_min();
+    if (wraps() && m_proposed == end) {
+        m_proposed = change > 0 ? edited().Get_min() : edited().Get_max();
+    } else {
         m_proposed = edited().increment(m_proposed, saturated(m_proposed + change));
     }
+}
+
+bool Number_editor::is_stored() {
+    int held = 0;
+    edited().Get_value(&held, sizeof held);
+    return held == m_proposed;
+}
+
+Editor_change Number_editor::adapt() {
+    if (!has_allowed_value()) {
+        return Editor_change::NO_VALUE;
+    }
+    const int allowed = std::clamp(m_proposed, edited().Get_min(), edited().Get_max());
+    const Editor_change change = allowed == m_proposed ? Editor_change::NONE : Editor_change::MOVED;
+    m_proposed = allowed;
+    return change;
 }
 
 void Number_editor::Coarser_step() {
@@ -91,7 +123,8 @@ void Number_editor::Coarser_step() {
 }
 
 void Number_editor::Finer_step() {
-    m_step = std::max(1, m_step / STEP_FACTOR);
+    const int finest = std::max(1, settings().step);
+    m_step = std::max(finest, m_step / STEP_FACTOR);
 }
 
 bool Number_editor::accept() {

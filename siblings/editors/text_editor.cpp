@@ -40,7 +40,23 @@ std::string Text_editor::proposed_text() {
     return working_text().substr(first, m_marks.find_last_of(TYPED) - first + 1);
 }
 
-void Text_editor::step(Editor_key key) {
+void Text_editor::remember() {
+    m_opened = text_of(edited());
+}
+
+bool Text_editor::put_back() {
+    return store_text(edited(), m_opened);
+}
+
+void Text_editor::show_value() {
+    m_viewed.update(text_of(edited()));
+}
+
+bool Text_editor::is_stored() {
+    return text_of(edited()) == proposed_text();
+}
+
+void Text_editor::step(Editor_key key, int /*steps*/) {
     switch (key) {
         case Editor_key::UP:
             turn(1);
@@ -53,6 +69,12 @@ void Text_editor::step(Editor_key key) {
             break;
         case Editor_key::FINER:
             move_right();
+            break;
+        case Editor_key::INSERT:
+            insert();
+            break;
+        case Editor_key::DELETE:
+            remove();
             break;
         case Editor_key::SELECT:
         case Editor_key::ESCAPE:
@@ -78,7 +100,16 @@ void Text_editor::move_right() {
     }
 }
 
-void Text_editor::turn(int change) {
+// Where the cursor is, or would be once the text is widened, counted from the left.
+std::size_t Text_editor::cursor() const {
+    const int place = static_cast<int>(m_marks.size()) - m_position - 1;
+    return static_cast<std::size_t>(std::max(0, place));
+}
+
+void Text_editor::turn(int direction) {
+    const std::string text = working_text();
+    const bool is_inside = m_position >= 0 && m_position < static_cast<int>(text.size());
+    const int change = is_inside ? change_of(text[cursor()], direction) : direction;
     if (m_text->Inc_value(change, m_position) != Data_model::OK) {
         return;
     }
@@ -92,6 +123,57 @@ void Text_editor::turn(int change) {
     } else {
         m_marks.insert(0, added, WIDENED);
     }
+}
+
+// From a character outside the set the encoder leads to the set's nearer end.
+int Text_editor::change_of(char character, int direction) const {
+    const std::string& set = settings().characters;
+    if (set.empty()) {
+        const auto first = static_cast<char>(String_model::MIN_CHARACTER);
+        const auto last = static_cast<char>(String_model::MAX_CHARACTER);
+        const bool is_end = character == (direction > 0 ? last : first);
+        return wraps() && is_end ? direction * (first - last) : direction;
+    }
+    const std::size_t found = set.find(character);
+    if (found == std::string::npos) {
+        return (direction > 0 ? set.front() : set.back()) - character;
+    }
+    const int size = static_cast<int>(set.size());
+    const int next = static_cast<int>(found) + direction;
+    const int place = wraps() ? (next + size) % size : std::clamp(next, 0, size - 1);
+    return set[static_cast<std::size_t>(place)] - character;
+}
+
+void Text_editor::put_working_text(const std::string& text) {
+    m_text->Set(text.c_str(), static_cast<unsigned int>(text.size()));
+}
+
+// A set without a blank has its first character in its place.
+void Text_editor::insert() {
+    if (m_marks.size() >= m_text->Get_max_length()) {
+        return;
+    }
+    const std::string& set = settings().characters;
+    const bool has_blank = set.empty() || set.find(' ') != std::string::npos;
+    const std::size_t at = cursor();
+    std::string text = working_text();
+    text.insert(at, 1, has_blank ? ' ' : set.front());
+    put_working_text(text);
+    m_marks.insert(at, 1, TYPED);
+    m_position = static_cast<int>(m_marks.size() - at) - 1;
+}
+
+void Text_editor::remove() {
+    const bool is_left_of_text = m_position >= static_cast<int>(m_marks.size());
+    if (m_marks.empty() || is_left_of_text) {
+        return;
+    }
+    const std::size_t at = std::min(cursor(), m_marks.size() - 1);
+    std::string text = working_text();
+    text.erase(at, 1);
+    put_working_text(text);
+    m_marks.erase(at, 1);
+    m_position = std::max(BEHIND, m_position - 1);
 }
 
 bool Text_editor::accept() {

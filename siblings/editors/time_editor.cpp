@@ -91,6 +91,23 @@ void Time_editor::start() {
     keep_limits();
 }
 
+void Time_editor::remember() {
+    m_opened = text_of(edited());
+}
+
+bool Time_editor::put_back() {
+    return store_text(edited(), m_opened);
+}
+
+// A clock goes on while it is looked at.
+void Time_editor::show_value() {
+    if (m_kinds.empty()) {
+        m_viewed.update(text_of(edited()));
+    } else {
+        start();
+    }
+}
+
 bool Time_editor::is_editable() const {
     return !m_kinds.empty() && Editor_base::is_editable();
 }
@@ -115,8 +132,12 @@ void Time_editor::keep_limits() {
     m_fields.keep_limits([this](std::size_t field) { return limits_of(field); });
 }
 
-void Time_editor::step(Editor_key key) {
-    m_fields.step(key, [this](std::size_t field) { return limits_of(field); });
+void Time_editor::step(Editor_key key, int steps) {
+    m_fields.step(key, {steps, wraps()}, [this](std::size_t field) { return limits_of(field); });
+}
+
+bool Time_editor::is_stored() {
+    return text_of(edited()) == m_fields.text();
 }
 
 bool Time_editor::accept() {

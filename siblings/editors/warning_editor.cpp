@@ -7,7 +7,21 @@ void Warning_editor::start() {
     m_text.set(text_of(edited()));
 }
 
-void Warning_editor::step(Editor_key /*key*/) {}
+void Warning_editor::show_value() {
+    m_text.update(text_of(edited()));
+}
+
+void Warning_editor::remember() {}
+
+bool Warning_editor::put_back() {
+    return false;
+}
+
+void Warning_editor::step(Editor_key /*key*/, int /*steps*/) {}
+
+bool Warning_editor::is_stored() {
+    return true;
+}
 
 bool Warning_editor::accept() {
     return false;

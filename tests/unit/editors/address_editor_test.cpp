@@ -95,7 +95,7 @@ TEST(AddressEditor, AReadOnlyAddressIsViewed) {
     Address entry("127.0.0.1", Data_entry::READ_ONLY);
     Address_editor editor;
     editor.Prepare(&entry);
-    press_keys(editor, "U");
+    press_locked_keys(editor);
     EXPECT_EQ(editor.view(20).text, "127.0.0.1");
     EXPECT_EQ(editor.view(20).cursor, Editor_view::NO_CURSOR);
     EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::DISCARDED);

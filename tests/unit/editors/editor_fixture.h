@@ -34,8 +34,8 @@ struct Text_leaf : Entry {
     }
 };
 
-// "U" and "D" turn the encoder, "<" and ">" are the coarser and the finer key; a number repeats the key that
-// follows it, as in "12U<3D". Every key leaves the editor open.
+// "U" and "D" turn the encoder, "<" and ">" are the coarser and the finer key, "I" and "X" insert and delete; a
+// number repeats the key that follows it, as in "12U<3D". Every key leaves the editor open.
 inline void press_keys(Value_editor& editor, const std::string& keys) {
     int times = 0;
     for (const char key : keys) {
@@ -46,11 +46,21 @@ inline void press_keys(Value_editor& editor, const std::string& keys) {
         const Editor_key pressed = key == 'U'   ? Editor_key::UP
                                    : key == 'D' ? Editor_key::DOWN
                                    : key == '<' ? Editor_key::COARSER
+                                   : key == 'I' ? Editor_key::INSERT
+                                   : key == 'X' ? Editor_key::DELETE
                                                 : Editor_key::FINER;
         for (int i = 0; i < (times == 0 ? 1 : times); ++i) {
             EXPECT_EQ(editor.press(pressed), Editor_result::OPEN);
         }
         times = 0;
+    }
+}
+
+// Each of the keys is told that the value is only viewed.
+inline void press_locked_keys(Value_editor& editor) {
+    for (const Editor_key key :
+         {Editor_key::UP, Editor_key::DOWN, Editor_key::INSERT, Editor_key::DELETE}) {
+        EXPECT_EQ(editor.press(key), Editor_result::LOCKED);
     }
 }
 

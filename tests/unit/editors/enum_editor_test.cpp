@@ -189,7 +189,7 @@ TEST(EnumEditor, AReadOnlyOptionIsViewed) {
     Options options({"Off", "On"}, 0, 1, 0, Data_entry::READ_ONLY);
     Enum_editor editor;
     editor.Prepare(&options.entry);
-    press_keys(editor, "U");
+    press_locked_keys(editor);
     EXPECT_EQ(editor.view(20).text, "Off");
     EXPECT_FALSE(editor.view(20).edit_led);
     EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::DISCARDED);

@@ -56,6 +56,22 @@ INSTANTIATE_TEST_SUITE_P(Steps, TextEditing,
                                          Case{"\xe4", 8, "U", "\xe4", 0}));
 
 INSTANTIATE_TEST_SUITE_P(
+    InsertingAndDeleting, TextEditing,
+    testing::Values(
+        // the inserted blank is under the cursor, what was there moves right
+        Case{"AB", 8, "I", "A B", 1}, Case{"AB", 8, "<I", " AB", 2},
+        Case{"AB", 8, "I33U", "AAB", 1}, Case{"AB", 8, ">I", "AB ", 0},
+        Case{"AB", 8, "<<I", " AB", 2}, Case{"", 8, "I33U", "A", 0},
+        // only as long as there is room
+        Case{"AB", 3, "3I", "A B", 1}, Case{"ABC", 3, "I", "ABC", 0},
+        Case{"ABC", 3, "I>I", "ABC", 0},
+        // the cursor stands on what follows the deleted character, or behind the text
+        Case{"ABC", 8, "<X", "AC", 0}, Case{"ABC", 8, "2<X", "BC", 1},
+        Case{"ABC", 8, "X", "AB", -1}, Case{"ABC", 8, "2X", "A", -1}, Case{"ABC", 8, "5X", "", -1},
+        Case{"", 8, "X", "", -1}, Case{"ABC", 8, "3<X", "ABC", 3}, Case{"ABC", 8, ">X", "AB", -1},
+        Case{"AB", 8, "2XI33U", "A", 0}));
+
+INSTANTIATE_TEST_SUITE_P(
     Widening, TextEditing,
     testing::Values(
         // the first step beyond the text widens it, the next one changes the new character
@@ -168,7 +184,8 @@ TEST(TextEditor, AReadOnlyTextIsViewedAndScrolls) {
     Text entry("ABCDEF", 8, Data_entry::READ_ONLY);
     Text_editor editor;
     editor.Prepare(&entry);
-    press_keys(editor, "UD<>");
+    press_locked_keys(editor);
+    press_keys(editor, "<>");
     EXPECT_EQ(editor.proposed_text(), "ABCDEF");
     EXPECT_EQ(frames(editor, 4, 5),
               (std::vector<std::string>{"ABCD", "ABCD", "ABCD", "BCDE", "CDEF"}));

@@ -76,7 +76,8 @@ TEST_P(TimeViewing, AnotherFormIsOnlyViewed) {
     Time_editor editor;
     editor.Prepare(&entry);
     EXPECT_EQ(editor.entry(), &entry);
-    press_keys(editor, "UD<>");
+    press_locked_keys(editor);
+    press_keys(editor, "<>");
     EXPECT_EQ(editor.view(20).text, GetParam());
     EXPECT_EQ(editor.view(20).cursor, Editor_view::NO_CURSOR);
     EXPECT_FALSE(editor.view(20).edit_led);
@@ -127,7 +128,7 @@ TEST(TimeEditor, AReadOnlyTimeIsViewedAndScrolls) {
     Time entry("12:30:45", Data_entry::READ_ONLY);
     Time_editor editor;
     editor.Prepare(&entry);
-    press_keys(editor, "U");
+    press_locked_keys(editor);
     EXPECT_EQ(frames(editor, 6, 4),
               (std::vector<std::string>{"12:30:", "12:30:", "12:30:", "2:30:4"}));
     EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::DISCARDED);

@@ -22,12 +22,16 @@ public:
 
 protected:
     void start() override;
-    void step(Editor_key key) override;
+    void remember() override;
+    bool put_back() override;
+    void step(Editor_key key, int steps) override;
+    bool is_stored() override;
     bool accept() override;
     void draw(int columns, Editor_view& shown) override;
 
 private:
     Field_line m_blocks;
+    std::string m_opened;  // the entry's text when it was opened
 };
 
 #endif

@@ -26,9 +26,14 @@ public:
 
     // Takes another row and chooses its last field. `trailing` follows the last field.
     void set(std::vector<Number_field> fields, std::string trailing = "");
-    // COARSER and FINER choose the field to the left and to the right; UP and DOWN change the chosen one by 1,
-    // up to its limits.
-    void step(Editor_key key, const Limits_of& limits_of);
+    // What a step of the encoder does: the number changes by so much, up to its limits; with `wrap` a step from
+    // a limit leads to the other one.
+    struct Turn {
+        int steps = 1;
+        bool wrap = false;
+    };
+    // COARSER and FINER choose the field to the left and to the right; UP and DOWN turn the chosen one.
+    void step(Editor_key key, const Turn& turn, const Limits_of& limits_of);
     // Puts every field within its limits, from the first to the last.
     void keep_limits(const Limits_of& limits_of);
 

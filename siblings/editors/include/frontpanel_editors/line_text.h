@@ -20,6 +20,8 @@ class Scrolling_text {
 public:
     // Takes another text and starts at its beginning. Blanks at its end are dropped.
     void set(std::string text);
+    // Takes another text, and goes on with one that is shown already.
+    void update(std::string text);
     // At most `columns` characters.
     std::string show(int columns);
 

@@ -26,9 +26,13 @@ public:
 
 protected:
     void start() override;
-    void step(Editor_key key) override;
+    void remember() override;
+    bool put_back() override;
+    void step(Editor_key key, int steps) override;
+    bool is_stored() override;
     bool accept() override;
     void draw(int columns, Editor_view& shown) override;
+    void show_value() override;
     bool is_editable() const override;
 
 private:
@@ -38,6 +42,7 @@ private:
     std::string m_kinds;  // of each field: a letter of the form; empty for a text of another form
     Field_line m_fields;
     Scrolling_text m_viewed;
+    std::string m_opened;  // the entry's text when it was opened
 };
 
 #endif

@@ -12,9 +12,13 @@ public:
 
 protected:
     void start() override;
-    void step(Editor_key key) override;
+    void remember() override;
+    bool put_back() override;
+    void step(Editor_key key, int steps) override;
+    bool is_stored() override;
     bool accept() override;
     void draw(int columns, Editor_view& shown) override;
+    void show_value() override;
     bool is_editable() const override;
     bool view_ends_with(Editor_key key) const override;
 
