@@ -115,6 +115,7 @@ Script script_to_play(const Options& options) {
 
 int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log) {
     Controller controller(menu.root(), link_to(menu.device()), options.size);
+    controller.configure(menu.encoder_settings(), &menu.editor_settings());
     menu.bindings()->set_warning_listener(
         [&controller](const std::string& text) { controller.warn(text); });
     if (!script) {

@@ -5,6 +5,8 @@
 namespace panel {
 namespace {
 
+constexpr const char* HIDDEN = "hidden: edit ended";
+
 // Whether every menu on the way to the entry is shown, and the entry itself.
 bool is_reachable(Data_entry* entry, const Data_entry& root, Data_interface& device) {
     while (entry != nullptr && entry != &root) {
@@ -25,6 +27,18 @@ bool is_hidden(Data_entry& menu, Data_interface& device) {
     return menu.isVisible(false, &device) < 0;
 }
 
+// As `is_reachable`, asking nothing but the entry and the menus around it.
+bool is_shown(Data_entry& entry, const Data_entry& root, Data_interface& device) {
+    if (entry.isVisible(true, &device) < 0) {
+        return false;
+    }
+    Data_entry* menu = neighbour(entry, Data_entry::OPERATION_PARENT);
+    while (menu != nullptr && menu != &root && !is_hidden(*menu, device)) {
+        menu = neighbour(*menu, Data_entry::OPERATION_PARENT);
+    }
+    return menu == &root;
+}
+
 }  // namespace
 
 Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size size)
@@ -32,7 +46,24 @@ Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size siz
       m_device(device),
       m_size(size),
       m_list(root, device),
-      m_editing(device, m_notices, [this](const Data_entry* target) { editor_closed(target); }) {}
+      m_editing(device, m_notices, [this](const Data_entry* target) { editor_closed(target); }) {
+    set_slow_write_listener(nullptr);
+}
+
+void Controller::set_slow_write_listener(std::function<void()> listener) {
+    m_editing.set_slow_write_listener([this, told = std::move(listener)] {
+        m_was_slow = true;
+        if (told) {
+            told();
+        }
+    });
+}
+
+void Controller::configure(const Encoder_settings& encoder, const Editor_settings_table* entries) {
+    m_is_reversed = encoder.reversed;
+    m_list.set_wrap(encoder.wrap);
+    m_editing.configure(encoder, entries);
+}
 
 void Controller::receive(const FrontPanel::Message& message) {
     if (tells_idle(message)) {
@@ -46,12 +77,19 @@ void Controller::receive(const FrontPanel::Message& message) {
 void Controller::receive(Message_queue& messages) {
     while (const Message_pointer message = messages.pop()) {
         receive(*message);
+        if (std::exchange(m_was_slow, false)) {
+            messages.drop_detents();
+        }
     }
 }
 
-void Controller::press(const Key& key) {
+void Controller::press(const Key& pressed) {
+    Key key = pressed;
+    if (m_is_reversed && (key.kind == Key::UP || key.kind == Key::DOWN)) {
+        key.kind = key.kind == Key::UP ? Key::DOWN : Key::UP;
+    }
     if (!m_notices.empty()) {
-        m_notices.press();
+        m_notices.press(key.kind);
     } else if (m_editing.is_open()) {
         m_editing.press(key);
     } else {
@@ -62,6 +100,16 @@ void Controller::press(const Key& key) {
 void Controller::tick() {
     if (!m_editing.is_open()) {
         refresh_list();
+    } else if (m_notices.empty()) {
+        follow_edited();
+    }
+}
+
+void Controller::follow_edited() {
+    if (is_shown(m_editing.entry(), m_root, m_device.access)) {
+        m_editing.follow();
+    } else {
+        m_editing.end(HIDDEN);
     }
 }
 
@@ -84,6 +132,8 @@ void Controller::press_in_list(const Key& key) {
             break;
         case Key::COARSER:
         case Key::FINER:
+        case Key::INSERT:
+        case Key::DELETE:
             break;
     }
 }
@@ -112,7 +162,7 @@ void Controller::leave() {
 // Level by level, as a hand would leave each menu.
 void Controller::go_home() {
     if (m_editing.is_open()) {
-        m_editing.press({Key::BACK});
+        m_editing.drop();
     }
     const Data_entry* left = nullptr;
     while (left != &m_list.menu()) {
@@ -164,7 +214,7 @@ Frame Controller::draw() {
     Frame frame{Lcd(m_size), Leds()};
     if (!m_notices.empty()) {
         m_notices.draw(frame);
-        frame.leds.edit = m_editing.is_open();
+        frame.leds.edit = m_editing.is_changing();
     } else if (m_editing.is_open()) {
         m_editing.draw(frame);
     } else {

@@ -5,7 +5,9 @@
 #ifndef FRONTPANEL_PANEL_CONTROLLER_H
 #define FRONTPANEL_PANEL_CONTROLLER_H
 
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "device_link.h"
 #include "editing.h"
@@ -21,6 +23,14 @@ class Controller {
 public:
     // Shows the menu below `root`. Menu and device outlive the controller.
     Controller(Data_entry& root, const Device_link& device, Lcd_size size);
+
+    // How the encoder works, and which entries are edited in their own way; null for none. The table outlives
+    // the controller.
+    void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
+    // See `Editing`. The detents among messages that wait here are dropped after a slow write without being
+    // told; the listener is for whoever holds others.
+    void set_clock(Editing::Clock clock) { m_editing.set_clock(std::move(clock)); }
+    void set_slow_write_listener(std::function<void()> listener);
 
     // Does what the message of a key stands for. When nobody has touched the panel for a while, it goes back to
     // the top menu, and an edited value is dropped. Any other message, and a damaged one, is ignored.
@@ -44,12 +54,15 @@ private:
     void jump(int button);
     void editor_closed(const Data_entry* target);
     void refresh_list();
+    void follow_edited();
 
     Data_entry& m_root;
     Device_link m_device;
     Lcd_size m_size;
     List_view m_list;
     Notices m_notices;
+    bool m_is_reversed = false;
+    bool m_was_slow = false;  // the write of the last message
     Editing m_editing;
 };
 

@@ -12,6 +12,14 @@ namespace {
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
 constexpr int SOME_COLUMNS = 16;
+constexpr std::chrono::milliseconds SLOW_WRITE(100);  // in which a hand turns the encoder on
+
+// Why an editor closes by itself, and what it does instead.
+constexpr const char* LOCKED = "locked: edit ended";
+constexpr const char* NO_VALUE = "no value: edit ended";
+constexpr const char* LIMITS_MOVED_VALUE = "limits: new value";
+constexpr const char* OPTIONS_MOVED_CHOICE = "options: new choice";
+constexpr const char* OPTIONS_KEPT_CHOICE = "options: choice kept";
 
 std::optional<Editor_key> editor_key_of(Key::Kind kind) {
     switch (kind) {
@@ -27,6 +35,10 @@ std::optional<Editor_key> editor_key_of(Key::Kind kind) {
             return Editor_key::COARSER;
         case Key::FINER:
             return Editor_key::FINER;
+        case Key::INSERT:
+            return Editor_key::INSERT;
+        case Key::DELETE:
+            return Editor_key::DELETE;
         case Key::SHORTCUT:
             break;
     }
@@ -45,6 +57,10 @@ bool waits_for_its_card(Data_entry& entry) {
     return size <= 1 && display_value(entry, SOME_COLUMNS) == NO_OPTION_YET;
 }
 
+bool is_read_only(const Data_entry& entry) {
+    return entry.Get_access_type() == Data_entry::READ_ONLY;
+}
+
 // A rule may leave a number without any allowed value.
 bool has_no_value(Data_entry& entry) {
     return entry.Get_entry_type() == Data_entry::RANGE_LEAF && !display_value(entry, SOME_COLUMNS);
@@ -55,21 +71,36 @@ bool has_no_value(Data_entry& entry) {
 Editing::Editing(const Device_link& device, Notices& notices, Closed closed)
     : m_device(device), m_notices(notices), m_closed(std::move(closed)) {}
 
-void Editing::open(Data_entry& entry) {
-    if (entry.Get_access_type() == Data_entry::READ_ONLY && !is_warning(entry)) {
-        m_notices.tell(entry.Get_name(), "read only");
-        return;
+void Editing::configure(const Encoder_settings& encoder, const Editor_settings_table* entries) {
+    m_encoder = encoder;
+    m_settings_of = entries;
+}
+
+Editor_settings Editing::settings_of(const Data_entry& entry) const {
+    Editor_settings settings;
+    if (m_settings_of != nullptr && m_settings_of->count(&entry) != 0) {
+        settings = m_settings_of->at(&entry);
     }
+    settings.wrap = settings.wrap.value_or(m_encoder.wrap);
+    return settings;
+}
+
+void Editing::open(Data_entry& entry) {
+    m_name = entry.Get_name();
     if (refresh(entry, m_device.access); m_device.read_failed(entry)) {
-        m_notices.tell(entry.Get_name(), "read error", true);
+        tell("read error", true);
         return;
     }
     if (has_no_value(entry) || waits_for_its_card(entry)) {
-        m_notices.tell(entry.Get_name(), is_live(entry) ? "no options yet" : "no value allowed");
+        tell(is_live(entry) ? "no options yet" : "no value allowed");
         return;
     }
     m_title = title_of(entry);
-    m_editor = m_editors.open(entry);
+    m_settings = settings_of(entry);
+    m_agreed = false;
+    m_speed.reset();
+    m_editor = m_editors.open(entry, m_settings);
+    m_was_changing = is_changing();
 }
 
 // An address is asked for an answer once, when it is opened: that takes up to a second.
@@ -85,43 +116,174 @@ std::string Editing::title_of(Data_entry& entry) const {
 
 void Editing::press(const Key& key) {
     const std::optional<Editor_key> editor_key = editor_key_of(key.kind);
-    if (!editor_key) {
-        return;
+    if (editor_key) {
+        const int steps = steps_of(key.kind);
+        attempt([&] { return m_editor->press(*editor_key, steps); });
     }
-    switch (m_editor->press(*editor_key)) {
+}
+
+int Editing::steps_of(Key::Kind key) {
+    const bool is_detent = key == Key::UP || key == Key::DOWN;
+    if (!is_detent || !m_encoder.acceleration || m_settings.acceleration <= 1 || !m_clock) {
+        return 1;
+    }
+    return m_speed.steps(key, m_clock(), m_settings.acceleration);
+}
+
+// An engine warns of a value once, and a warning that ends refuses the value as one that begins does.
+void Editing::attempt(const Attempt& store) {
+    m_warnings.clear();
+    const Data_entry* const entry = &this->entry();
+    Editor_result result = store();
+    if (result == Editor_result::REFUSED && m_warnings.empty()) {
+        m_standing.erase(entry);
+        result = m_editor->retry();
+    }
+    const bool is_refused = result == Editor_result::REFUSED && !m_warnings.empty();
+    if (is_refused) {
+        m_standing[entry] = m_warnings;
+    }
+    const bool is_stored = result == Editor_result::ACCEPTED || result == Editor_result::STORED;
+    if (is_refused || (is_stored && !m_agreed && m_standing.count(entry) != 0)) {
+        ask(result);
+    } else {
+        perform(result);
+    }
+}
+
+void Editing::ask(Editor_result result) {
+    m_notices.ask(m_name, m_standing[&entry()],
+                  [this, result](bool accepted) { answer(result, accepted); });
+}
+
+void Editing::answer(Editor_result result, bool accepted) {
+    m_agreed = accepted;
+    if (!accepted) {
+        cancel();
+    } else if (result == Editor_result::REFUSED) {
+        attempt([this] { return m_editor->retry(); });
+    } else {
+        perform(result);
+    }
+}
+
+// The old value takes the warning back, so that the engine says it anew.
+void Editing::cancel() {
+    if (m_settings.preview) {
+        refresh(entry(), m_device.access);
+        m_editor->propose_held();
+    } else if (m_warnings.clear(); !m_editor->restore()) {
+        restore_again();
+    }
+}
+
+// What the old value is warned of stands now; it was stored before without a question.
+void Editing::restore_again() {
+    if (m_warnings.empty()) {
+        m_standing.erase(&entry());
+    } else {
+        m_standing[&entry()] = m_warnings;
+    }
+    m_editor->restore();
+}
+
+void Editing::perform(Editor_result result) {
+    switch (result) {
         case Editor_result::OPEN:
             break;
-        case Editor_result::ACCEPTED:
-            commit_edited();
+        case Editor_result::STORED:
+            if (!write()) {
+                tell("write failed", true);
+                refresh(entry(), m_device.access);
+                m_editor->propose_held();
+            }
             break;
         case Editor_result::REFUSED:
-            tell_refusal();
+            tell("value refused");
+            break;
+        case Editor_result::LOCKED:
+            tell(is_read_only(entry()) ? "read only" : "cannot be edited");
             break;
         case Editor_result::DISCARDED:
             close();
             break;
-    }
-    m_warnings.clear();
-}
-
-void Editing::tell_refusal() {
-    const std::string name = m_editor->entry()->Get_name();
-    if (m_warnings.empty()) {
-        m_notices.tell(name, "value refused");
-    }
-    for (const std::string& warning : m_warnings) {
-        m_notices.tell(name, warning);
+        case Editor_result::NOT_RESTORED:
+            restore_again();
+            write_and_close();
+            break;
+        case Editor_result::ACCEPTED:
+        case Editor_result::RESTORED:
+            write_and_close();
+            break;
     }
 }
 
-void Editing::commit_edited() {
-    Data_entry& entry = *m_editor->entry();
-    const int result = commit(entry, m_device.access);
-    const bool is_lost = is_live(entry) && !m_device.may_post();
+bool Editing::write() {
+    const auto now = [this] { return m_clock ? m_clock() : std::chrono::milliseconds(0); };
+    const auto start = now();
+    const bool is_written = commit(entry(), m_device.access) == 0;
+    m_was_slow = now() - start >= SLOW_WRITE;
+    return is_written && (!is_live(entry()) || m_device.may_post());
+}
+
+void Editing::write_and_close() {
+    const bool is_written = write();
     close();
-    if (result != 0 || is_lost) {
-        m_notices.tell(entry.Get_name(), "write failed", true);
+    if (!is_written) {
+        tell("write failed", true);
     }
+    if (m_was_slow && m_slow_write) {
+        m_slow_write();
+    }
+}
+
+void Editing::follow() {
+    refresh(entry(), m_device.access);
+    if (m_device.read_failed(entry()) || !follow_access()) {
+        return;
+    }
+    if (waits_for_its_card(entry())) {
+        end(NO_VALUE);
+        return;
+    }
+    const bool is_number = entry().Get_entry_type() == Data_entry::RANGE_LEAF;
+    switch (m_editor->follow()) {
+        case Editor_change::NONE:
+            break;
+        case Editor_change::KEPT:
+            tell(OPTIONS_KEPT_CHOICE);
+            break;
+        case Editor_change::MOVED:
+            tell(is_number ? LIMITS_MOVED_VALUE : OPTIONS_MOVED_CHOICE);
+            break;
+        case Editor_change::NO_VALUE:
+            end(NO_VALUE);
+            break;
+    }
+}
+
+// False when the entry was edited and is read-only by now. One that may be edited by now is opened anew.
+bool Editing::follow_access() {
+    const bool was_changing = std::exchange(m_was_changing, is_changing());
+    if (was_changing && !m_was_changing) {
+        end(LOCKED);
+        return false;
+    }
+    if (!was_changing && m_was_changing) {
+        m_editors.open(entry(), m_settings);
+    }
+    return true;
+}
+
+void Editing::drop() {
+    m_notices.cancel();
+    m_warnings.clear();
+    perform(m_editor->press(Editor_key::ESCAPE));
+}
+
+void Editing::end(const std::string& reason) {
+    drop();
+    tell(reason);
 }
 
 void Editing::close() {
@@ -141,6 +303,7 @@ void Editing::draw(Frame& frame) {
         frame.lcd.set_cursor(TEXT_ROW, shown.cursor);
     }
     frame.leds.edit = shown.edit_led;
+    frame.leds.alarm = m_device.read_failed(entry());
 }
 
 }  // namespace panel

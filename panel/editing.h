@@ -1,15 +1,21 @@
 // Changes one value at a time: opens the editor of an entry, hands it the keys, writes what it accepts.
 //
-// Knows nothing of lists and menus: whoever owns it says what to edit, and is told when the editor closes.
+// Knows nothing of lists and menus: whoever owns it says what to edit, and is told when the editor closes. The
+// editor stays on its entry while the entry changes: what is not allowed any longer is not proposed any longer.
 #ifndef FRONTPANEL_PANEL_EDITING_H
 #define FRONTPANEL_PANEL_EDITING_H
 
+#include <chrono>
 #include <functional>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "device_link.h"
 #include "editor_set.h"
+#include "encoder_settings.h"
+#include "encoder_speed.h"
 #include "key.h"
 #include "lcd.h"
 #include "notices.h"
@@ -20,15 +26,36 @@ class Editing {
 public:
     // Called when an editor has closed, with the entry that the panel goes to: the edited one, or its parent.
     using Closed = std::function<void(Data_entry*)>;
+    using Clock = std::function<std::chrono::milliseconds()>;
 
     // Device and notices outlive the editing.
     Editing(const Device_link& device, Notices& notices, Closed closed);
 
-    // Opens the entry's editor, or tells why it cannot be edited.
+    // For the editors that open from now on. The table outlives the editing; null for none.
+    void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
+    // Tells how quickly keys follow one another and how long writing takes. Without a clock every key comes
+    // late, and no write is slow.
+    void set_clock(Clock clock) { m_clock = std::move(clock); }
+    // Called when an editor has closed after a write so slow that a hand has gone on turning the encoder: what
+    // came in meanwhile was meant for the value, and not for what is shown now.
+    void set_slow_write_listener(std::function<void()> listener) {
+        m_slow_write = std::move(listener);
+    }
+
+    // Opens the entry's editor, or tells why there is nothing to edit. An entry that cannot be changed is shown.
     void open(Data_entry& entry);
     bool is_open() const { return m_editor != nullptr; }
+    // Whether an editor is open that changes its value.
+    bool is_changing() const { return is_open() && m_editor->can_change(); }
+    // The entry of the open editor.
+    Data_entry& entry() const { return *m_editor->entry(); }
     // Hands a key to the open editor. A shortcut does nothing: a jump would drop the edited value unasked.
     void press(const Key& key);
+    // Reads the entry from the device again and sees what of the edited value is still allowed.
+    void follow();
+    // Closes the editor with the old value, whatever it is asking; and tells why.
+    void drop();
+    void end(const std::string& reason);
     // Draws the open editor.
     void draw(Frame& frame);
 
@@ -36,18 +63,42 @@ public:
     void warn(const std::string& text) { m_warnings.push_back(text); }
 
 private:
-    void tell_refusal();
-    void commit_edited();
+    using Attempt = std::function<Editor_result()>;
+
+    Editor_settings settings_of(const Data_entry& entry) const;
+    int steps_of(Key::Kind key);
+    void attempt(const Attempt& store);
+    void ask(Editor_result result);
+    void answer(Editor_result result, bool accepted);
+    void cancel();
+    void perform(Editor_result result);
+    void restore_again();
+    bool write();
+    void write_and_close();
     void close();
+    bool follow_access();
+    void tell(const std::string& text, bool alarm = false) { m_notices.tell(m_name, text, alarm); }
     std::string title_of(Data_entry& entry) const;
 
     Device_link m_device;
     Notices& m_notices;
     Closed m_closed;
+    Clock m_clock;
+    std::function<void()> m_slow_write;
+    Encoder_settings m_encoder;
+    const Editor_settings_table* m_settings_of = nullptr;
     Editor_set m_editors;
     Value_editor* m_editor = nullptr;  // open, or null
-    std::string m_title;               // of the open editor
-    std::vector<std::string> m_warnings;
+    Editor_settings m_settings;        // of the open editor, as is what follows
+    std::string m_name;
+    std::string m_title;
+    bool m_was_changing = false;  // when the entry was looked at last
+    bool m_agreed = false;        // to what stands in m_standing
+    bool m_was_slow = false;      // the last write
+    Encoder_speed m_speed;
+    std::vector<std::string> m_warnings;  // raised since the last attempt began
+    // What the engines have warned of last. They say it once, so that a cancelled warning is asked again here.
+    std::map<const Data_entry*, std::vector<std::string>> m_standing;
 };
 
 }  // namespace panel

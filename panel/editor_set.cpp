@@ -47,11 +47,12 @@ Editor_set::Editor Editor_set::editor_of(const Data_entry& entry) {
     }
 }
 
-Value_editor* Editor_set::open(Data_entry& entry) {
+Value_editor* Editor_set::open(Data_entry& entry, const Editor_settings& settings) {
     const Editor editor = editor_of(entry);
     if (editor.selection == nullptr) {
         return nullptr;
     }
+    editor.value->configure(settings);
     operate(entry, editor.selection,
             Data_entry::OPERATION_SET_ESCAPE_ENTRY | Data_entry::OPERATION_SET_SELECT_ENTRY,
             &entry);

@@ -14,8 +14,8 @@ namespace panel {
 
 class Editor_set {
 public:
-    // Opens the editor of the entry's type. Null when the type has none, or when the editor does not open.
-    Value_editor* open(Data_entry& entry);
+    // Opens the editor of the entry's type, set up for the entry. Null when the type has none, or when the editor does not open.
+    Value_editor* open(Data_entry& entry, const Editor_settings& settings);
     // Closes the open editor. Returns the entry that the panel goes to.
     Data_entry* close(Data_entry& entry);
 

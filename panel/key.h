@@ -10,9 +10,11 @@ struct Key {
         DOWN,  // shaft encoder, one step counter-clockwise
         SELECT,
         BACK,
-        COARSER,  // a larger encoder step
-        FINER,    // a smaller encoder step
-        SHORTCUT  // a shortcut button
+        COARSER,   // a larger encoder step
+        FINER,     // a smaller encoder step
+        SHORTCUT,  // a shortcut button
+        INSERT,    // a blank into an edited text
+        DELETE     // a character of it
     };
     Kind kind;
     int button = 0;  // of SHORTCUT: the button's number

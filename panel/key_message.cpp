@@ -16,6 +16,8 @@ constexpr int NO_BUTTON = FrontPanel::BYTE_MASK;  // the shortcut that nobody pu
 constexpr int LAST_SHORTCUT = NO_BUTTON - 1;
 constexpr unsigned char COARSER_CODE = 14;
 constexpr unsigned char FINER_CODE = 15;
+constexpr unsigned char INSERT_CODE = 16;
+constexpr unsigned char DELETE_CODE = 17;
 
 Message_pointer shaft_message(int8_t steps) {
     auto message = std::make_unique<PayloadMessage>(static_cast<unsigned short>(sizeof steps));
@@ -67,6 +69,10 @@ std::optional<Key::Kind> key_of_code(unsigned char code) {
             return Key::COARSER;
         case FINER_CODE:
             return Key::FINER;
+        case INSERT_CODE:
+            return Key::INSERT;
+        case DELETE_CODE:
+            return Key::DELETE;
         default:
             return std::nullopt;
     }
@@ -95,6 +101,10 @@ Message_pointer message_of(const Key& key) {
             return button_message(COARSER_CODE);
         case Key::FINER:
             return button_message(FINER_CODE);
+        case Key::INSERT:
+            return button_message(INSERT_CODE);
+        case Key::DELETE:
+            return button_message(DELETE_CODE);
         case Key::SHORTCUT:
             return shortcut_message(key.button);
     }

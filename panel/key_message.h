@@ -5,6 +5,7 @@
 // | turns the shaft  | ShaftEncoderUIT | the steps in one byte, as a signed number; clockwise is up  |
 // | select, back     | PushButtonUIT   | of SelectPressMessage, EscapePressMessage: 2, 0, 1, 11 or 13 |
 // | coarser, finer   | PushButtonUIT   | 2, 0, 1, 14 or 15                                           |
+// | insert, delete   | PushButtonUIT   | 2, 0, 1, 16 or 17                                           |
 // | a shortcut       | PushButtonUIT   | the button's number in one byte, 0 to 254                   |
 // | nothing          | UserInputTimeoutT, none; or PushButtonUIT, the byte 255                       |
 #ifndef FRONTPANEL_PANEL_KEY_MESSAGE_H

@@ -84,7 +84,9 @@ void List_view::refresh() {
 
 void List_view::move(int steps) {
     const int last = std::max(0, static_cast<int>(m_visible.size()) - 1);
-    m_cursor = std::clamp(m_cursor + steps, 0, last);
+    const int end = steps > 0 ? last : 0;
+    const bool goes_round = m_wrap && steps != 0 && m_cursor == end;
+    m_cursor = goes_round ? last - end : std::clamp(m_cursor + steps, 0, last);
 }
 
 Data_entry* List_view::selected() const {

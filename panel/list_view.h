@@ -23,8 +23,9 @@ public:
     // Reads every entry of the menu from the device and asks whether it is visible. A cursor whose entry is
     // gone moves to the next visible one, or to the last.
     void refresh();
-    // Moves the cursor; it stays at the ends.
+    // Moves the cursor; it stays at the ends, or with wrap goes round from them.
     void move(int steps);
+    void set_wrap(bool wrap) { m_wrap = wrap; }
 
     Data_entry& menu() const { return *m_menu; }
     // The entry under the cursor; null when nothing is visible.
@@ -47,6 +48,7 @@ private:
     int m_cursor = 0;  // in m_visible
     int m_top = 0;     // first of m_visible on the display
     bool m_alarm = false;
+    bool m_wrap = false;
 };
 
 }  // namespace panel

@@ -127,6 +127,14 @@ void read_finer(Line& line, Step& step) {
     read_press(line, step, Key::FINER);
 }
 
+void read_insert(Line& line, Step& step) {
+    read_press(line, step, Key::INSERT);
+}
+
+void read_delete(Line& line, Step& step) {
+    read_press(line, step, Key::DELETE);
+}
+
 void read_shortcut(Line& line, Step& step) {
     step.kind = Step::PRESS;
     step.key = {Key::SHORTCUT, line.number(1, LAST_BUTTON, "a button")};
@@ -215,6 +223,8 @@ constexpr Word WORDS[] = {{"up", read_up},
                           {"back", read_back},
                           {"coarser", read_coarser},
                           {"finer", read_finer},
+                          {"insert", read_insert},
+                          {"delete", read_delete},
                           {"shortcut", read_shortcut},
                           {"tick", read_tick},
                           {"say", read_say},

@@ -85,6 +85,11 @@ std::optional<Terminal_event> event_of(int code) {
             return key(Key::COARSER);
         case '-':
             return key(Key::FINER);
+        case KEY_IC:
+            return key(Key::INSERT);
+        case KEY_DC:
+        case KEY_BACKSPACE:
+            return key(Key::DELETE);
         case 'q':
         case 'Q':
             return Terminal_event{Terminal_event::QUIT};

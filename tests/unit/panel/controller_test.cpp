@@ -1,7 +1,6 @@
 #include "controller.h"
 
 #include "panel_fixture.h"
-#include "support/fake_binding.h"
 
 namespace panel {
 namespace {
@@ -216,15 +215,6 @@ TEST(Controller, ACommitNarrowsARangeElsewhere) {
     EXPECT_EQ(panel.lines(), (Lines{"Limit               ", "40                  "}));
 }
 
-TEST(Controller, AReadOnlyEntryIsNotEdited) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
-    panel.press(Key::SELECT).press(Key::DOWN, 3).press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"State               ", "read only           "}));
-    EXPECT_FALSE(panel.leds().edit);
-    panel.press(Key::DOWN);
-    EXPECT_EQ(panel.lines()[0], " Width            50");
-}
-
 TEST(Controller, AFailedReadShowsAndKeepsTheValue) {
     Panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT);
@@ -292,29 +282,6 @@ TEST(Controller, AShortcutIntoAHiddenMenuIsRefused) {
     panel.device().set_integer(101, 0, 2);
     panel.shortcut(1);
     EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
-}
-
-TEST(Controller, WarningsOfAValueAreShownOneByOneAndTheEditGoesOn) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102})"));
-    auto* const binding = new support::Fake_binding;  // the entry's
-    binding->offer(SUGGESTION_WARNING);
-    binding->on_evaluate = [](support::Fake_binding& engine, int flags) {
-        if (flags == 5) {
-            engine.suggest_warnings({"too wide", "really"});
-        }
-    };
-    binding->on_warning = [&panel](const std::string& text) { panel.controller().warn(text); };
-    panel.root().Get_child()->Set_binding_object(binding);
-    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "too wide            "}));
-    EXPECT_TRUE(panel.leds().edit);
-    panel.press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "really              "}));
-    panel.press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
-    panel.press(Key::BACK);
-    EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
-    EXPECT_TRUE(panel.device().writes().empty());
 }
 
 TEST(Controller, AnEntryWithoutAllowedValueShowsNoneAndTakesNone) {

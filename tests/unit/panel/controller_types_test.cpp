@@ -10,6 +10,7 @@ constexpr const char* PARAMETERS = R"(
     {"pid": 20, "type": "text", "length": 24, "value": "Main"},
     {"pid": 21, "type": "text", "length": 15, "value": "127.0.0.1"},
     {"pid": 22, "type": "text", "length": 20, "value": "12:30"},
+    {"pid": 23, "type": "text", "length": 15, "value": "192.0.2.1"},
     {"pid": 65549, "type": "text", "length": 40, "value": "Fan 2 stopped: call service"})";
 
 constexpr const char* TEXT = R"({"type": "text", "name": "Label", "pid": 20})";
@@ -84,10 +85,13 @@ TEST(ControllerTypes, ATimeOfAnotherFormIsShownUntilSelect) {
     Panel panel(menu_text(PARAMETERS, TIME));
     panel.device().set_text(22, 0, "3 days");
     panel.controller().tick();
-    panel.press(Key::SELECT).press(Key::UP);
+    panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Clock               ", "3 days              "}));
     EXPECT_FALSE(panel.leds().edit);
-    panel.press(Key::SELECT);
+    panel.press(Key::UP);
+    EXPECT_EQ(panel.lines(), (Lines{"Clock               ", "cannot be edited    "}));
+    EXPECT_FALSE(panel.leds().edit);
+    panel.press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines()[0], ">Clock        3 days");
     EXPECT_TRUE(panel.device().writes().empty());
 }
@@ -139,15 +143,41 @@ TEST(ControllerTypes, AReadThatFailsSaysSoForEveryType) {
     }
 }
 
-TEST(ControllerTypes, AReadOnlyEntryOfAnyTypeSaysSo) {
-    for (const char* const item :
-         {R"({"type": "text", "name": "T", "pid": 20, "access": "read-only"})",
-          R"({"type": "address", "name": "T", "pid": 21, "access": "read-only"})",
-          R"({"type": "time", "name": "T", "pid": 22, "access": "read-only"})",
-          R"({"type": "slot", "name": "T", "pid": 7, "access": "read-only"})"}) {
-        Panel panel(menu_text(PARAMETERS, item));
+TEST(ControllerTypes, AReadOnlyEntryOfAnyTypeShowsItsValueAndRefusesToChangeIt) {
+    struct Case {
+        const char* item;
+        const char* value;
+    };
+    for (const Case& row :
+         {Case{R"({"type": "range", "name": "T", "pid": 7, "access": "read-only"})",
+               "1                   "},
+          Case{R"({"type": "enum", "name": "T", "pid": 5, "access": "read-only",
+                      "choices": ["a", "b", "c"]})",
+               "b                   "},
+          Case{R"({"type": "text", "name": "T", "pid": 20, "access": "read-only"})",
+               "Main                "},
+          Case{R"({"type": "address", "name": "T", "pid": 23, "access": "read-only"})",
+               "192.0.2.1           "},
+          Case{R"({"type": "time", "name": "T", "pid": 22, "access": "read-only"})",
+               "12:30               "},
+          Case{R"({"type": "slot", "name": "T", "pid": 7, "access": "read-only"})",
+               "2                   "}}) {
+        SCOPED_TRACE(row.item);
+        Panel panel(menu_text(PARAMETERS, row.item));
         panel.press(Key::SELECT);
-        EXPECT_EQ(panel.lines(), (Lines{"T                   ", "read only           "})) << item;
+        EXPECT_EQ(panel.lines(), (Lines{"T                   ", row.value}));
+        EXPECT_FALSE(panel.leds().edit);
+        EXPECT_EQ(panel.controller().draw().lcd.cursor_row(), -1);
+        for (const Key::Kind key : {Key::UP, Key::DOWN, Key::INSERT, Key::DELETE}) {
+            panel.press(key);
+            EXPECT_EQ(panel.lines(), (Lines{"T                   ", "read only           "}));
+            EXPECT_FALSE(panel.leds().edit);
+            panel.press(Key::SELECT);
+            EXPECT_EQ(panel.lines(), (Lines{"T                   ", row.value}));
+        }
+        panel.press(Key::SELECT);
+        EXPECT_EQ(panel.lines()[0].substr(0, 2), ">T");
+        EXPECT_TRUE(panel.device().writes().empty());
     }
 }
 

@@ -58,6 +58,7 @@ public:
           m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(
             [this](const std::string& warning) { m_controller.warn(warning); });
+        set_encoder(m_loaded.menu->encoder_settings());
     }
 
     Memory_device& device() { return m_loaded.menu->device(); }
@@ -73,6 +74,22 @@ public:
     Panel& shortcut(int button) {
         m_controller.press({Key::SHORTCUT, button});
         return *this;
+    }
+    Panel& tick() {
+        m_controller.tick();
+        return *this;
+    }
+    void set_encoder(const Encoder_settings& encoder) {
+        m_controller.configure(encoder, &menu().editor_settings());
+    }
+    // How an item of the top menu is edited, counted from 0.
+    Editor_settings& settings(int item) { return menu().editor_settings()[&this->item(item)]; }
+    Data_entry& item(int number) {
+        Data_entry* entry = root().Get_child();
+        for (int i = 0; i < number; ++i) {
+            entry = entry->Get_next();
+        }
+        return *entry;
     }
     Lines lines() { return lines_of(m_controller.draw()); }
     Leds leds() { return m_controller.draw().leds; }

@@ -24,8 +24,9 @@ std::string error_of(const std::string& text) {
 
 TEST(Script, EachKeyHasItsWord) {
     const std::pair<const char*, Key::Kind> KEYS[] = {
-        {"up", Key::UP},     {"down", Key::DOWN},       {"select", Key::SELECT},
-        {"back", Key::BACK}, {"coarser", Key::COARSER}, {"finer", Key::FINER}};
+        {"up", Key::UP},         {"down", Key::DOWN},       {"select", Key::SELECT},
+        {"back", Key::BACK},     {"coarser", Key::COARSER}, {"finer", Key::FINER},
+        {"insert", Key::INSERT}, {"delete", Key::DELETE}};
     for (const auto& [word, kind] : KEYS) {
         const Step once = only_step(word);
         EXPECT_EQ(once.kind, Step::PRESS) << word;
