@@ -111,6 +111,29 @@ protected:
     Node_entry hidden{"Hidden", nullptr, nullptr, &top, -1, -1, nullptr, nullptr, nullptr};
 };
 
+// By the link's name and type, and by the parameter and the place of what it houses.
+TEST_F(Reports, OfALinkTellWhatItHouses) {
+    Link_entry link(&gain);
+    top.Add_child(link);
+    link.Set_next(nullptr);
+    EXPECT_EQ(link.getProperties(4),
+              "Audio.Gain varid[120.3.0@i] num_index_levels=[1] type[7] vis[1] shortcut[-1] ");
+    EXPECT_EQ(link.getProperties(NAME_ONLY), "Audio.Gain ");
+    link.Set_shortcut(5);
+    link.Set_invisible();
+    EXPECT_EQ(link.getProperties(4),
+              "Audio.Gain varid[120.3.0@i] num_index_levels=[1] type[7] vis[1] shortcut[5] ")
+        << "the visibility is the one that the link was built with";
+    Link_entry nowhere(nullptr);
+    EXPECT_EQ(nowhere.getProperties(4),
+              "none varid[0.0.0@s] num_index_levels=[0] type[7] vis[-1] shortcut[-1] ");
+    int depth = 0;
+    const std::string dump =
+        capture(0, [&] { Data_entry::TraverseMenuTree(&top, 0x4, &depth); }).out;
+    EXPECT_NE(dump.find("\nAudio.Gain varid["), std::string::npos) << dump;
+    top.Remove(&link);
+}
+
 TEST_F(Reports, FillADumpOfTheMenu) {
     int depth = 0;
     EXPECT_EQ(capture(0, [&] { Data_entry::TraverseMenuTree(&top, 0x4, &depth); }).out,
