@@ -66,13 +66,13 @@ bool refresh(Call& call) {
 }
 
 // Null for an entry of another class that gives itself out as a link: it is treated by its base alone.
-Link_entry* link_of(const Call& call) {
-    return dynamic_cast<Link_entry*>(call.entry);
+Link_entry* link_of(Entry& entry) {
+    return dynamic_cast<Link_entry*>(&entry);
 }
 
 // The link's own steps follow, so that a neighbour that is delivered is the link's.
 bool operate_on_housed(Call& call) {
-    Link_entry* const link = link_of(call);
+    Link_entry* const link = link_of(*call.entry);
     if (link == nullptr) {
         return refresh(call);
     }
@@ -102,7 +102,7 @@ bool deliver_sibling(Call& call) {
 template <Entry* (Link_entry::*own)(), Entry* (Entry::*otherwise)() const>
 bool deliver_own(Call& call) {
     if (call.link != nullptr) {
-        Link_entry* const link = link_of(call);
+        Link_entry* const link = link_of(*call.entry);
         *call.link = link != nullptr ? (link->*own)() : (call.entry->*otherwise)();
     }
     return true;

@@ -40,7 +40,7 @@ std::string prefix_of(const Data_entry& entry, unsigned int levels) {
 }
 
 std::string display_name_of(const Data_entry& entry) {
-    const std::string name = entry.Get_name();
+    std::string name = entry.Get_name();
     if (is_bridge(name.c_str())) {
         return name;
     }
