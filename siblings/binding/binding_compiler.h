@@ -1,15 +1,39 @@
-// From the source text of binding rules to compiled rules.
+// From the source text of binding rules to a compiled list.
 #ifndef FRONTPANEL_BINDING_BINDING_COMPILER_H
 #define FRONTPANEL_BINDING_BINDING_COMPILER_H
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
 #include <frontpanel_binding/binding_registry.h>
+#include <frontpanel_binding/parameter_table.h>
 
-#include "binding_rule.h"
+namespace binding_language {
 
-// The rules of a source text, in its order, at least one. Throws the `Compile_error` of the first mistake.
-std::vector<Binding_rule> compile_binding_rules(std::string_view source);
+struct Compile_context {
+    const Parameter_table& parameters;
+    RETURN_TYPE own_type;  // of `value`; INVALID_TYPE for an entry that has none
+};
+
+// Keeps its working memory from text to text. Menu thread only.
+class Compiler {
+public:
+    Compiler();
+    ~Compiler();
+    Compiler(const Compiler&) = delete;
+    Compiler& operator=(const Compiler&) = delete;
+
+    // The list of a text of one rule at least, or its first mistake.
+    Compile_result compile(std::string_view source, const Compile_context& context);
+
+private:
+    struct Tables;
+    class Parser;
+
+    std::unique_ptr<Tables> m_tables;
+};
+
+}  // namespace binding_language
 
 #endif

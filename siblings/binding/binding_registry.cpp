@@ -4,29 +4,18 @@
 #include <utility>
 
 #include "binding_compiler.h"
-#include "binding_rule.h"
 
 std::string Compile_error::text() const {
     return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + message;
 }
 
-Binding_registry::Binding_registry(Data_interface* iface) : m_interface(iface) {}
+Binding_registry::Binding_registry(Data_interface* iface)
+    : m_interface(iface), m_compiler(std::make_unique<binding_language::Compiler>()) {}
 
 Binding_registry::~Binding_registry() = default;
 
-Compile_result Binding_registry::compile(std::string_view source) {
-    Compile_result result;
-    try {
-        for (Binding_rule& rule : compile_binding_rules(source)) {
-            result.list.push_back(static_cast<int>(m_rules.size()));
-            result.intervals.insert(result.intervals.end(), rule.intervals.begin(),
-                                    rule.intervals.end());
-            m_rules.push_back(std::make_unique<const Binding_rule>(std::move(rule)));
-        }
-    } catch (const Compile_error& error) {
-        result.error = error;
-    }
-    return result;
+Compile_result Binding_registry::compile(std::string_view source, RETURN_TYPE own_type) {
+    return m_compiler->compile(source, {m_parameters, own_type});
 }
 
 Data_interface* Binding_registry::interface() const {
@@ -41,11 +30,6 @@ void Binding_registry::show_warning(const std::string& text) const {
     if (m_warning_listener) {
         m_warning_listener(text);
     }
-}
-
-const Binding_rule* Binding_registry::rule(int id) const {
-    const bool is_known = id >= 0 && static_cast<std::size_t>(id) < m_rules.size();
-    return is_known ? m_rules[static_cast<std::size_t>(id)].get() : nullptr;
 }
 
 bool Binding_registry::add_dependant(const var_index_s& key, Data_entry* entry) {

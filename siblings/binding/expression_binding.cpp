@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <set>
 #include <utility>
@@ -10,22 +11,22 @@
 #include <frontpanel_data/data_model.h>
 #include <frontpanel_data/range_entry.h>
 
-#include "binding_rule.h"
+#include "machine.h"
+#include "program.h"
 
 namespace {
 
 // The diagnostic lines of bindings show under this mask.
 constexpr uint32_t BINDING_MASK = 0x21;
 
-using Parameter_set = std::set<var_index_s, cmp_var_index_t>;
+using binding_language::Code;
+using binding_language::Fault;
+using binding_language::Machine;
+using binding_language::Program;
+using binding_language::Rule;
+using binding_language::Value;
 
-void insert_parameters(Parameter_set& parameters, const Binding_rule& rule) {
-    for (const Conjunction& conjunction : rule.condition) {
-        for (const Comparison& comparison : conjunction) {
-            parameters.insert(comparison.parameter);
-        }
-    }
-}
+using Parameter_set = std::set<var_index_s, cmp_var_index_t>;
 
 // Keys are ordered by both supported levels, in use or not.
 Index_t without_unused_levels(const Index_t& index) {
@@ -44,23 +45,10 @@ std::string parameter_text(const var_index_s& key) {
     return text;
 }
 
-template <typename Value>
-bool compare(Comparison_operator operation, const Value& left, const Value& right) {
-    switch (operation) {
-        case Comparison_operator::EQUAL:
-            return left == right;
-        case Comparison_operator::NOT_EQUAL:
-            return left != right;
-        case Comparison_operator::LESS:
-            return left < right;
-        case Comparison_operator::LESS_EQUAL:
-            return left <= right;
-        case Comparison_operator::GREATER:
-            return left > right;
-        case Comparison_operator::GREATER_EQUAL:
-            return left >= right;
-    }
-    return false;
+int saturated(int64_t number) {
+    constexpr int64_t LEAST = std::numeric_limits<int>::min();
+    constexpr int64_t GREATEST = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(number, LEAST, GREATEST));
 }
 
 // What a range entry allows now; nothing for other entries.
@@ -93,45 +81,48 @@ std::vector<std::vector<int>> merged(std::vector<Binding_interval> intervals) {
 
 // One evaluation of all rules. Each parameter is read once, so that all rules judge the same device state;
 // an answer that needs a parameter which cannot be read is no answer.
-class Expression_binding::Evaluation {
+class Expression_binding::Evaluation : public binding_language::Value_source {
 public:
-    Evaluation(Data_interface* iface, std::vector<std::string>& errors)
-        : m_interface(iface), m_errors(errors) {}
+    Evaluation(Data_interface* iface, std::vector<std::string>& errors, var_index_s own)
+        : m_interface(iface), m_errors(errors), m_own(std::move(own)) {}
 
     void pretend(const var_index_s& key, const return_s& value) { m_values[key] = value; }
 
     void report(const std::string& error) { m_errors.push_back(error); }
 
-    std::optional<bool> holds(const Condition& condition) {
-        bool any = condition.empty();
-        for (std::size_t i = 0; i < condition.size() && !any; ++i) {
-            const std::optional<bool> answer = holds(condition[i]);
-            if (!answer) {
-                return std::nullopt;
-            }
-            any = *answer;
+    std::optional<bool> holds(const Program& program, const Rule& rule) {
+        if (rule.condition.empty()) {
+            return true;
         }
-        return any;
+        const std::optional<int64_t> answer = number(program, rule, rule.condition);
+        return answer ? std::optional<bool>(*answer != 0) : std::nullopt;
     }
+
+    std::optional<int64_t> number(const Program& program, const Rule& rule, Code code) {
+        m_program = &program;
+        Value value;
+        const Fault fault = m_machine.run(program, code, *this, value);
+        if (fault != Fault::NONE && fault != Fault::UNREADABLE) {
+            report("line " + std::to_string(rule.line) + ": " + fault_text(fault) + " in \"" +
+                   std::string(rule.source) + "\"");
+        }
+        return fault == Fault::NONE ? std::optional<int64_t>(value.number) : std::nullopt;
+    }
+
+    bool read(std::size_t parameter, Value& value) override {
+        return give(m_program->parameter(parameter).key, value);
+    }
+    bool read_own(Value& value) override { return give(m_own, value); }
+    bool has_option(std::size_t) override { return false; }
 
 private:
-    std::optional<bool> holds(const Conjunction& conjunction) {
-        for (const Comparison& comparison : conjunction) {
-            const std::optional<return_s>& value = value_of(comparison.parameter);
-            if (!value) {
-                return std::nullopt;
-            }
-            if (!holds(comparison, *value)) {
-                return false;
-            }
+    bool give(const var_index_s& key, Value& value) {
+        const std::optional<return_s>& known = value_of(key);
+        if (known) {
+            value.number = known->i;
+            value.text = known->s;
         }
-        return true;
-    }
-
-    static bool holds(const Comparison& comparison, const return_s& value) {
-        return comparison.value.rt == STRING
-                   ? compare(comparison.operation, value.s, comparison.value.s)
-                   : compare(comparison.operation, value.i, comparison.value.i);
+        return known.has_value();
     }
 
     const std::optional<return_s>& value_of(const var_index_s& key) {
@@ -169,6 +160,9 @@ private:
 
     Data_interface* m_interface;
     std::vector<std::string>& m_errors;
+    var_index_s m_own;
+    Machine m_machine;
+    const Program* m_program = nullptr;
     std::map<var_index_s, std::optional<return_s>, cmp_var_index_t> m_values;
 };
 
@@ -181,7 +175,7 @@ void Expression_binding::Suggestion<Value>::suggest(const Value& suggested) {
 }
 
 Expression_binding::Expression_binding(std::shared_ptr<Binding_registry> registry)
-    : m_registry(std::move(registry)), m_entry(nullptr), m_list_count(0) {}
+    : m_registry(std::move(registry)), m_entry(nullptr) {}
 
 Expression_binding::~Expression_binding() {
     unregister_entry();
@@ -208,23 +202,18 @@ void Expression_binding::setDataEntry(Data_entry* entry) {
 }
 
 void Expression_binding::addBindingList(BindingListT list) {
-    std::vector<const Binding_rule*> rules;
-    for (const int id : list) {
-        const Binding_rule* const rule = m_registry->rule(id);
-        if (rule == nullptr) {
-            m_errors.push_back("binding list not added: " + std::to_string(id) +
-                               " is no compiled rule");
-            return;
-        }
-        rules.push_back(rule);
+    std::string why;
+    std::optional<Program> program = Program::decode(std::move(list), why);
+    if (!program) {
+        m_errors.push_back("binding list not added: " + why);
+        return;
     }
-    m_rules.insert(m_rules.end(), rules.begin(), rules.end());
-    ++m_list_count;
+    m_programs.push_back(*std::move(program));
     register_entry();
 }
 
 int Expression_binding::numBindingLists() {
-    return m_list_count;
+    return static_cast<int>(m_programs.size());
 }
 
 void Expression_binding::register_entry() {
@@ -251,8 +240,12 @@ var_index_map_t* Expression_binding::getVarIndexMap() {
 
 std::vector<var_index_s> Expression_binding::getVarIndexMapKeys(int /*flags*/) {
     Parameter_set parameters;
-    for (const Binding_rule* const rule : m_rules) {
-        insert_parameters(parameters, *rule);
+    for (const Program& program : m_programs) {
+        for (std::size_t i = 0; i < program.parameter_count(); ++i) {
+            if (program.parameter(i).is_read) {
+                parameters.insert(program.parameter(i).key);
+            }
+        }
     }
     return std::vector<var_index_s>(parameters.begin(), parameters.end());
 }
@@ -262,7 +255,7 @@ std::vector<var_index_s> Expression_binding::getVarIndexMapKeys(int /*flags*/) {
 int Expression_binding::evaluateAllBindingExpressions(int* flags) {
     const int bits = flags != nullptr ? *flags : 0;
     m_errors.clear();
-    Evaluation evaluation(m_registry->interface(), m_errors);
+    Evaluation evaluation(m_registry->interface(), m_errors, self_control_info);
     if ((bits & OVERRIDE_FLAG) != 0 && m_override_key) {
         evaluation.pretend(*m_override_key, m_override_value);
     }
@@ -285,19 +278,40 @@ std::optional<int> Expression_binding::visibility_of(Evaluation& evaluation) con
     if ((rule_kinds() & SUGGESTION_VISIBILITY) == 0) {
         return std::nullopt;
     }
-    for (const Binding_rule* const rule : m_rules) {
-        if (rule->kind != SUGGESTION_VISIBILITY) {
-            continue;
-        }
-        const std::optional<bool> answer = evaluation.holds(rule->condition);
-        if (!answer) {
-            return std::nullopt;
-        }
-        if (*answer) {
-            return VIS_TRUE;
+    for (const Program& program : m_programs) {
+        for (std::size_t i = 0; i < program.rule_count(); ++i) {
+            const Rule rule = program.rule(i);
+            if (rule.kind != SUGGESTION_VISIBILITY) {
+                continue;
+            }
+            const std::optional<bool> answer = evaluation.holds(program, rule);
+            if (!answer) {
+                return std::nullopt;
+            }
+            if (*answer) {
+                return VIS_TRUE;
+            }
         }
     }
     return VIS_FALSE;
+}
+
+// False when it cannot be told.
+bool Expression_binding::add_intervals(Evaluation& evaluation, const Program& program,
+                                       const Rule& rule, std::vector<Binding_interval>& intervals) {
+    if (rule.kind != SUGGESTION_RANGE) {
+        return true;
+    }
+    const std::optional<bool> answer = evaluation.holds(program, rule);
+    for (std::size_t i = 0; answer.value_or(false) && i < rule.operand_count; i += 2) {
+        const auto low = evaluation.number(program, rule, program.operand(rule, i));
+        const auto high = evaluation.number(program, rule, program.operand(rule, i + 1));
+        if (!low || !high) {
+            return false;
+        }
+        intervals.push_back({saturated(std::min(*low, *high)), saturated(std::max(*low, *high))});
+    }
+    return answer.has_value();
 }
 
 std::optional<Expression_binding::Ranges> Expression_binding::ranges_of(
@@ -306,16 +320,11 @@ std::optional<Expression_binding::Ranges> Expression_binding::ranges_of(
         return std::nullopt;
     }
     std::vector<Binding_interval> intervals;
-    for (const Binding_rule* const rule : m_rules) {
-        if (rule->kind != SUGGESTION_RANGE) {
-            continue;
-        }
-        const std::optional<bool> answer = evaluation.holds(rule->condition);
-        if (!answer) {
-            return std::nullopt;
-        }
-        if (*answer) {
-            intervals.insert(intervals.end(), rule->intervals.begin(), rule->intervals.end());
+    for (const Program& program : m_programs) {
+        for (std::size_t i = 0; i < program.rule_count(); ++i) {
+            if (!add_intervals(evaluation, program, program.rule(i), intervals)) {
+                return std::nullopt;
+            }
         }
     }
     return intervals.empty() ? fallback(evaluation) : merged(intervals);
@@ -365,8 +374,11 @@ void Expression_binding::printSuggestions() {
 
 int Expression_binding::rule_kinds() const {
     int kinds = 0;
-    for (const Binding_rule* const rule : m_rules) {
-        kinds |= rule->kind;
+    for (const Program& program : m_programs) {
+        for (std::size_t i = 0; i < program.rule_count(); ++i) {
+            const Suggestion_kind kind = program.rule(i).kind;
+            kinds |= kind == SUGGESTION_VISIBILITY || kind == SUGGESTION_RANGE ? kind : 0;
+        }
     }
     return kinds;
 }

@@ -48,7 +48,7 @@ protected:
 TEST_F(Bound_entry_test, AnEntryHidesAndAppearsWithTheDevice) {
     Leaf leaf("Gain");
     leaf.refreshes_base = true;
-    bind(leaf, "visible if 100.2 == 1");
+    bind(leaf, "visible if [100.2] == 1");
 
     EXPECT_EQ(leaf.isVisible(true, &device), 1);
     device.set_integer(MODE, 2, 0);
@@ -60,7 +60,7 @@ TEST_F(Bound_entry_test, AnEntryHidesAndAppearsWithTheDevice) {
 TEST_F(Bound_entry_test, AnUnreadableParameterLeavesTheEntryAsItWas) {
     Leaf leaf("Gain");
     leaf.refreshes_base = true;
-    bind(leaf, "visible if 100.2 == 0");
+    bind(leaf, "visible if [100.2] == 0");
     EXPECT_EQ(leaf.isVisible(true, &device), -1);
 
     device.set_integer(MODE, 2, 0);
@@ -73,7 +73,7 @@ TEST_F(Bound_entry_test, AnUnreadableParameterLeavesTheEntryAsItWas) {
 TEST_F(Bound_entry_test, AnEntryThatWasNeverReadIsVisible) {
     Leaf leaf("Gain");
     leaf.refreshes_base = true;
-    bind(leaf, "visible if 999 == 0");
+    bind(leaf, "visible if [999] == 0");
 
     EXPECT_EQ(leaf.isVisible(true, &device), 1);
 }
@@ -81,7 +81,7 @@ TEST_F(Bound_entry_test, AnEntryThatWasNeverReadIsVisible) {
 TEST_F(Bound_entry_test, ARefreshPrintsTheErrorsAndForgetsThem) {
     Leaf leaf("Gain");
     leaf.refreshes_base = true;
-    Expression_binding* const engine = bind(leaf, "visible if 999 == 0");
+    Expression_binding* const engine = bind(leaf, "visible if [999] == 0");
 
     const std::string printed = capture(0x20, [&] { refresh(leaf); }).out;
 
@@ -92,7 +92,7 @@ TEST_F(Bound_entry_test, ARefreshPrintsTheErrorsAndForgetsThem) {
 
 TEST_F(Bound_entry_test, TheEntryAnswersWithTheEnginesParameters) {
     Leaf leaf("Gain");
-    bind(leaf, "visible if 100.2 == 0");
+    bind(leaf, "visible if [100.2] == 0");
 
     ASSERT_EQ(leaf.Get_var_index_map(), registry->var_index_map());
     const std::vector<var_index_s> keys = leaf.Get_var_index_map_keys(0);
@@ -105,7 +105,7 @@ TEST_F(Bound_entry_test, TheEntryAnswersWithTheEnginesParameters) {
 
 TEST_F(Bound_entry_test, AnAttachedEngineKnowsItsEntrysParameter) {
     Leaf leaf("Gain");
-    const Expression_binding* const engine = bind(leaf, "visible if 100.2 == 0");
+    const Expression_binding* const engine = bind(leaf, "visible if [100.2] == 0");
 
     EXPECT_EQ(engine->self_control_info.var, 120u);
     EXPECT_EQ(engine->self_control_info.rt, INTEGER);
@@ -114,7 +114,7 @@ TEST_F(Bound_entry_test, AnAttachedEngineKnowsItsEntrysParameter) {
 
 TEST_F(Bound_entry_test, ATriedValueRaisesNoWarningWithoutWarningRules) {
     Leaf leaf("Gain");
-    Expression_binding* const engine = bind(leaf, "visible if 120.3 == 7");
+    Expression_binding* const engine = bind(leaf, "visible if [120.3] == 7");
     const int value = 7;
 
     EXPECT_EQ(leaf.Data_entry::Set_value(&value, sizeof value), 0);
@@ -147,8 +147,9 @@ private:
 class Bound_range_test : public Bound_entry_test {
 protected:
     Bound_range_test() {
-        bind(mode, "visible if 100.2 >= 0");
-        bind(gain, "range 10..40 if 100.2 == 1; visible if 100.2 != 9")->set_fallback_range(0, 100);
+        bind(mode, "visible if [100.2] >= 0");
+        bind(gain, "range 10..40 if [100.2] == 1; visible if [100.2] != 9")
+            ->set_fallback_range(0, 100);
         refresh(mode);
         refresh(gain);
     }
@@ -186,7 +187,7 @@ TEST_F(Bound_range_test, ACommitWidensAndNarrowsTheDependantsRange) {
 
 TEST_F(Bound_range_test, WithoutAFallbackRangeTheEntrysOwnRangeComesBack) {
     Number_entry level("Level", 120, gain_index, -5, 90);
-    bind(level, "range 10..40 if 100.2 == 1");
+    bind(level, "range 10..40 if [100.2] == 1");
     refresh(level);
     EXPECT_EQ(level.Get_max(), 40);
 
@@ -199,7 +200,7 @@ TEST_F(Bound_range_test, WithoutAFallbackRangeTheEntrysOwnRangeComesBack) {
 TEST_F(Bound_range_test, AFallbackRangeStandsForTheEntrysOwnWheneverItIsTold) {
     device.set_integer(MODE, 2, 2);
     Number_entry level("Level", 120, gain_index, 0, 100);
-    Expression_binding* const engine = bind(level, "range 10..40 if 100.2 == 1");
+    Expression_binding* const engine = bind(level, "range 10..40 if [100.2] == 1");
     engine->set_fallback_range(0, 50);
     refresh(level);
     EXPECT_EQ(level.Get_max(), 50);
@@ -208,7 +209,7 @@ TEST_F(Bound_range_test, AFallbackRangeStandsForTheEntrysOwnWheneverItIsTold) {
 TEST_F(Bound_range_test, AnEngineForgetsTheRangeOfAFormerEntry) {
     device.set_integer(MODE, 2, 2);
     Expression_binding engine(registry);
-    engine.addBindingList(registry->compile("range 10..40 if 100.2 == 1").list);
+    engine.addBindingList(registry->compile("range 10..40 if [100.2] == 1").list);
     engine.setDataEntry(&gain);
     engine.setDataEntry(nullptr);
     int flags = Binding::EXECUTE_FLAG;
@@ -239,7 +240,7 @@ TEST_F(Bound_range_test, AnUnreadableParameterKeepsTheNarrowedRange) {
 TEST_F(Bound_range_test, AnEntryThatIsGoneIsNotRefreshedByACommit) {
     {
         Number_entry passing("Passing", 120, gain_index, 0, 100);
-        bind(passing, "visible if 100.2 == 3");
+        bind(passing, "visible if [100.2] == 3");
     }
     commit(mode, 3);
 
@@ -251,8 +252,8 @@ TEST_F(Bound_range_test, EntriesThatDependOnEachOtherComeToRest) {
     Number_entry right("Right", 122, gain_index, 0, 10);
     device.add_integer(121, 3, 0, 10, 8);
     device.add_integer(122, 3, 0, 10, 8);
-    bind(left, "range 0..5 if 122.3 < 6")->set_fallback_range(0, 10);
-    bind(right, "range 0..5 if 121.3 < 6")->set_fallback_range(0, 10);
+    bind(left, "range 0..5 if [122.3] < 6")->set_fallback_range(0, 10);
+    bind(right, "range 0..5 if [121.3] < 6")->set_fallback_range(0, 10);
     refresh(left);
     refresh(right);
     ASSERT_EQ(right.value(), 8);
@@ -272,9 +273,9 @@ TEST_F(Bound_range_test, ATextCommitReachesTheEntriesThatCompareTheText) {
     String_entry title("Title", "A text", 200, &no_level, 16, nullptr, Data_entry::READ_WRITE,
                        Data_entry::VISIBLE_ALL, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
                        nullptr);
-    bind(title, "visible if 100.2 >= 0");
+    bind(title, "visible if [100.2] >= 0");
     Number_entry level("Level", 120, gain_index, 0, 100);
-    bind(level, "visible if 200 == \"Hall\"");
+    bind(level, "visible if [200@s] == \"Hall\"");
     EXPECT_EQ(level.isVisible(true, &device), -1);
 
     title.Set_value("Hall", 4);

@@ -86,32 +86,32 @@ TEST_F(Expression_binding_test, ConditionsCompareNumbersAndTexts) {
         bool holds;
     };
     for (const Case& each : {
-             Case{"100 == 5", true},
-             Case{"100 == 4", false},
-             Case{"100 != 5", false},
-             Case{"100 != 4", true},
-             Case{"100 < 5", false},
-             Case{"100 < 6", true},
-             Case{"100 <= 5", true},
-             Case{"100 <= 4", false},
-             Case{"100 > 5", false},
-             Case{"100 > 4", true},
-             Case{"100 >= 5", true},
-             Case{"100 >= 6", false},
-             Case{"101 < 0", true},
-             Case{"101 == -0x1", true},
-             Case{"200 == \"Studio\"", true},
-             Case{"200 == \"studio\"", false},
-             Case{"200 == \"Studio \"", false},
-             Case{"200 != \"\"", true},
-             Case{"100 == 5 and 101 == -1", true},
-             Case{"100 == 5 and 101 == 0", false},
-             Case{"100 == 0 or 101 == -1", true},
-             Case{"100 == 0 or 101 == 0", false},
+             Case{"[100] == 5", true},
+             Case{"[100] == 4", false},
+             Case{"[100] != 5", false},
+             Case{"[100] != 4", true},
+             Case{"[100] < 5", false},
+             Case{"[100] < 6", true},
+             Case{"[100] <= 5", true},
+             Case{"[100] <= 4", false},
+             Case{"[100] > 5", false},
+             Case{"[100] > 4", true},
+             Case{"[100] >= 5", true},
+             Case{"[100] >= 6", false},
+             Case{"[101] < 0", true},
+             Case{"[101] == -0x1", true},
+             Case{"[200@s] == \"Studio\"", true},
+             Case{"[200@s] == \"studio\"", false},
+             Case{"[200@s] == \"Studio \"", false},
+             Case{"[200@s] != \"\"", true},
+             Case{"[100] == 5 and [101] == -1", true},
+             Case{"[100] == 5 and [101] == 0", false},
+             Case{"[100] == 0 or [101] == -1", true},
+             Case{"[100] == 0 or [101] == 0", false},
              // "and" binds more tightly than "or"
-             Case{"100 == 5 or 100 == 0 and 101 == 0", true},
-             Case{"100 == 0 and 101 == 0 or 100 == 5", true},
-             Case{"100 == 0 and 101 == -1 or 100 == 6", false},
+             Case{"[100] == 5 or [100] == 0 and [101] == 0", true},
+             Case{"[100] == 0 and [101] == 0 or [100] == 5", true},
+             Case{"[100] == 0 and [101] == -1 or [100] == 6", false},
          }) {
         SCOPED_TRACE(each.condition);
         Expression_binding engine(registry);
@@ -126,7 +126,7 @@ TEST_F(Expression_binding_test, ConditionsCompareNumbersAndTexts) {
 
 TEST_F(Expression_binding_test, EscapesStandForQuoteAndBackslash) {
     device.set_text(TITLE, 0, "a\"b\\c");
-    add("visible if 200 == \"a\\\"b\\\\c\"");
+    add("visible if [200@s] == \"a\\\"b\\\\c\"");
     evaluate();
 
     EXPECT_EQ(visibility(), VIS_TRUE);
@@ -134,7 +134,7 @@ TEST_F(Expression_binding_test, EscapesStandForQuoteAndBackslash) {
 
 TEST_F(Expression_binding_test, TheLongestTextOfTheDeviceIsRead) {
     device.set_text(TITLE, 0, std::string(256, 'x'));
-    add("visible if 200 == \"" + std::string(256, 'x') + "\"");
+    add("visible if [200@s] == \"" + std::string(256, 'x') + "\"");
 
     EXPECT_EQ(evaluate(), 0);
     EXPECT_EQ(visibility(), VIS_TRUE);
@@ -143,7 +143,7 @@ TEST_F(Expression_binding_test, TheLongestTextOfTheDeviceIsRead) {
 TEST_F(Expression_binding_test, LevelsSelectTheVariableOfTheDevice) {
     device.set_integer(MODE, 2, 1);
     device.set_integer(MODE, 0x102, 2);
-    add("visible if 100 == 0 and 100.0 == 0 and 100.2 == 1 and 100.2.1 == 2");
+    add("visible if [100] == 0 and [100.0] == 0 and [100.2] == 1 and [100.2.1] == 2");
 
     EXPECT_EQ(evaluate(), 0);
     EXPECT_EQ(visibility(), VIS_TRUE);
@@ -161,11 +161,11 @@ TEST_F(Expression_binding_test, AnEngineWithoutListsOffersNothing) {
 }
 
 TEST_F(Expression_binding_test, AnEngineOffersTheKindsOfItsRules) {
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
     EXPECT_TRUE(binding.offersSuggestion(SUGGESTION_VISIBILITY));
     EXPECT_FALSE(binding.offersSuggestion(SUGGESTION_RANGE));
 
-    add("range 0..40 if 100 == 1");
+    add("range 0..40 if [100] == 1");
     EXPECT_TRUE(binding.offersSuggestion(SUGGESTION_RANGE));
     for (const int mask : {4, 8, 16, 32}) {
         EXPECT_FALSE(binding.offersSuggestion(mask)) << mask;
@@ -174,13 +174,13 @@ TEST_F(Expression_binding_test, AnEngineOffersTheKindsOfItsRules) {
 }
 
 TEST_F(Expression_binding_test, OfferingNeedsNoEvaluation) {
-    add("range 0..40 if 999 == 1");
+    add("range 0..40 if [999] == 1");
 
     EXPECT_TRUE(binding.offersSuggestion(SUGGESTION_RANGE));
 }
 
 TEST_F(Expression_binding_test, BeforeAnEvaluationTheEntryIsVisibleAndUnlimited) {
-    add("visible if 100 == 1; range 0..40");
+    add("visible if [100] == 1; range 0..40");
 
     EXPECT_FALSE(binding.suggestionUpdated(SUGGESTION_VISIBILITY | SUGGESTION_RANGE));
     EXPECT_EQ(visibility(), VIS_TRUE);
@@ -188,7 +188,7 @@ TEST_F(Expression_binding_test, BeforeAnEvaluationTheEntryIsVisibleAndUnlimited)
 }
 
 TEST_F(Expression_binding_test, AKindThatIsNotKnownLeavesTheAnswerAsItWas) {
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
     evaluate();
     Ranges keys = {{7}};
     binding.getSuggestion(SUGGESTION_KEYS, &keys);
@@ -199,7 +199,7 @@ TEST_F(Expression_binding_test, AKindThatIsNotKnownLeavesTheAnswerAsItWas) {
 // ---- visibility
 
 TEST_F(Expression_binding_test, TheFirstEvaluationCountsAsAnUpdate) {
-    add("visible if 100 == 0");
+    add("visible if [100] == 0");
     evaluate();
 
     EXPECT_TRUE(binding.suggestionUpdated(SUGGESTION_VISIBILITY));
@@ -207,7 +207,7 @@ TEST_F(Expression_binding_test, TheFirstEvaluationCountsAsAnUpdate) {
 }
 
 TEST_F(Expression_binding_test, AClearedSuggestionIsUpdatedOnlyByAChange) {
-    add("visible if 100 == 0");
+    add("visible if [100] == 0");
     evaluate();
     binding.clearSuggestion(SUGGESTION_VISIBILITY);
     EXPECT_FALSE(binding.suggestionUpdated(SUGGESTION_VISIBILITY));
@@ -222,7 +222,7 @@ TEST_F(Expression_binding_test, AClearedSuggestionIsUpdatedOnlyByAChange) {
 }
 
 TEST_F(Expression_binding_test, AnUpdateStaysUntilItIsCleared) {
-    add("visible if 100 == 0");
+    add("visible if [100] == 0");
     evaluate();
     visibility();
     evaluate();
@@ -231,7 +231,7 @@ TEST_F(Expression_binding_test, AnUpdateStaysUntilItIsCleared) {
 }
 
 TEST_F(Expression_binding_test, TheSuggestionCanStillBeReadAfterItIsCleared) {
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
     evaluate();
     binding.clearSuggestion(SUGGESTION_VISIBILITY);
 
@@ -239,7 +239,7 @@ TEST_F(Expression_binding_test, TheSuggestionCanStillBeReadAfterItIsCleared) {
 }
 
 TEST_F(Expression_binding_test, AnyOfTheVisibleRulesShowsTheEntry) {
-    add("visible if 100 == 1; visible if 101 == 1");
+    add("visible if [100] == 1; visible if [101] == 1");
     evaluate();
     EXPECT_EQ(visibility(), VIS_FALSE);
     device.set_integer(SOURCE, 0, 1);
@@ -248,8 +248,8 @@ TEST_F(Expression_binding_test, AnyOfTheVisibleRulesShowsTheEntry) {
 }
 
 TEST_F(Expression_binding_test, TheRulesOfAllListsCount) {
-    add("visible if 100 == 1");
-    add("visible if 101 == 0");
+    add("visible if [100] == 1");
+    add("visible if [101] == 0");
     evaluate();
 
     EXPECT_EQ(binding.numBindingLists(), 2);
@@ -260,7 +260,7 @@ TEST_F(Expression_binding_test, TheRulesOfAllListsCount) {
 
 TEST_F(Expression_binding_test, TheRangesOfAllRulesThatHoldAreSuggested) {
     device.set_integer(MODE, 0, 1);
-    add("range 20..30 if 100 == 1; range 0..4, 40..50 if 101 == 0; range 60..70 if 100 == 2");
+    add("range 20..30 if [100] == 1; range 0..4, 40..50 if [101] == 0; range 60..70 if [100] == 2");
     evaluate();
 
     EXPECT_TRUE(binding.suggestionUpdated(SUGGESTION_RANGE));
@@ -285,7 +285,7 @@ TEST_F(Expression_binding_test, RangesAtTheLimitsOfIntegersDoNotWrap) {
 TEST_F(Expression_binding_test, WhenNoConditionHoldsTheFallbackRangeIsSuggested) {
     binding.set_fallback_range(100, 0);
     device.set_integer(MODE, 0, 1);
-    add("range 0..40 if 100 == 1");
+    add("range 0..40 if [100] == 1");
     evaluate();
     EXPECT_EQ(ranges(), (Ranges{{0, 40}}));
     binding.clearSuggestion(SUGGESTION_RANGE);
@@ -299,7 +299,7 @@ TEST_F(Expression_binding_test, WhenNoConditionHoldsTheFallbackRangeIsSuggested)
 
 TEST_F(Expression_binding_test, WithoutAFallbackRangeTheLastRangeStaysAndAnErrorTells) {
     device.set_integer(MODE, 0, 1);
-    add("range 0..40 if 100 == 1");
+    add("range 0..40 if [100] == 1");
     evaluate();
     binding.clearSuggestion(SUGGESTION_RANGE);
 
@@ -313,7 +313,7 @@ TEST_F(Expression_binding_test, WithoutAFallbackRangeTheLastRangeStaysAndAnError
 }
 
 TEST_F(Expression_binding_test, OneKindIsClearedWithoutTheOther) {
-    add("visible if 100 == 0; range 0..40");
+    add("visible if [100] == 0; range 0..40");
     evaluate();
 
     binding.clearSuggestion(SUGGESTION_VISIBILITY);
@@ -327,7 +327,7 @@ TEST_F(Expression_binding_test, OneKindIsClearedWithoutTheOther) {
 // ---- flags and override
 
 TEST_F(Expression_binding_test, WithoutTheExecuteFlagSuggestionsStay) {
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
 
     EXPECT_EQ(evaluate(0), 0);
     EXPECT_EQ(binding.evaluateAllBindingExpressions(nullptr), 0);
@@ -339,14 +339,14 @@ TEST_F(Expression_binding_test, WithoutTheExecuteFlagSuggestionsStay) {
 }
 
 TEST_F(Expression_binding_test, WithoutTheExecuteFlagErrorsAreStillFound) {
-    add("visible if 999 == 1");
+    add("visible if [999] == 1");
 
     EXPECT_EQ(evaluate(0), -1);
     EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 999: device result 1"));
 }
 
 TEST_F(Expression_binding_test, TheOverrideIsSeenOnlyByEvaluationsThatAskForIt) {
-    add("visible if 100.2 == 7");
+    add("visible if [100.2] == 7");
     binding.setOverrideVarid(key_of(INTEGER, MODE, index_of({2})), number(7));
 
     evaluate(Binding::EXECUTE_FLAG);
@@ -363,7 +363,7 @@ TEST_F(Expression_binding_test, TheFlagsOfATriedValueAreFive) {
 }
 
 TEST_F(Expression_binding_test, TheOverrideIsOneParameterOnly) {
-    add("visible if 100 == 7 or 100.2.1 == 7 or 200 == \"Hall\"");
+    add("visible if [100] == 7 or [100.2.1] == 7 or [200@s] == \"Hall\"");
     binding.setOverrideVarid(key_of(INTEGER, MODE, index_of({2})), number(7));
     evaluate(5);
     EXPECT_EQ(visibility(), VIS_FALSE);
@@ -374,7 +374,7 @@ TEST_F(Expression_binding_test, TheOverrideIsOneParameterOnly) {
 }
 
 TEST_F(Expression_binding_test, ASecondOverrideReplacesTheFirst) {
-    add("visible if 100 == 7");
+    add("visible if [100] == 7");
     binding.setOverrideVarid(key_of(INTEGER, MODE, index_of({})), number(7));
     binding.setOverrideVarid(key_of(INTEGER, SOURCE, index_of({})), number(7));
     evaluate(5);
@@ -383,7 +383,7 @@ TEST_F(Expression_binding_test, ASecondOverrideReplacesTheFirst) {
 }
 
 TEST_F(Expression_binding_test, AnOverrideIgnoresLevelsThatAreNotInUse) {
-    add("visible if 100.2 == 7");
+    add("visible if [100.2] == 7");
     Index_t index = index_of({2});
     index.m_index[1] = 9;
     binding.setOverrideVarid(key_of(INTEGER, MODE, index), number(7));
@@ -393,7 +393,7 @@ TEST_F(Expression_binding_test, AnOverrideIgnoresLevelsThatAreNotInUse) {
 }
 
 TEST_F(Expression_binding_test, AnOverriddenParameterIsNotReadFromTheDevice) {
-    add("visible if 999 == 7");
+    add("visible if [999] == 7");
     binding.setOverrideVarid(key_of(INTEGER, 999, index_of({})), number(7));
 
     EXPECT_EQ(evaluate(5), 0);
@@ -405,7 +405,7 @@ TEST_F(Expression_binding_test, AnOverriddenParameterIsNotReadFromTheDevice) {
 TEST_F(Expression_binding_test, AFailedReadKeepsThePreviousSuggestions) {
     binding.set_fallback_range(0, 100);
     device.set_integer(MODE, 0, 1);
-    add("visible if 100 == 0; range 0..40 if 100 == 1");
+    add("visible if [100] == 0; range 0..40 if [100] == 1");
     evaluate();
     binding.clearSuggestion(SUGGESTION_VISIBILITY | SUGGESTION_RANGE);
 
@@ -425,7 +425,7 @@ TEST_F(Expression_binding_test, AFailedReadKeepsThePreviousSuggestions) {
 }
 
 TEST_F(Expression_binding_test, AFailedReadKeepsOnlyTheSuggestionThatNeedsIt) {
-    add("visible if 999.1.2 == 0; range 0..40 if 100 == 0");
+    add("visible if [999.1.2] == 0; range 0..40 if [100] == 0");
 
     EXPECT_EQ(evaluate(), -1);
 
@@ -435,7 +435,7 @@ TEST_F(Expression_binding_test, AFailedReadKeepsOnlyTheSuggestionThatNeedsIt) {
 }
 
 TEST_F(Expression_binding_test, AFailureThatNoAnswerNeedsIsNotMet) {
-    add("visible if 100 == 0 or 999 == 1; range 0..40 if 100 == 1 and 999 == 1");
+    add("visible if [100] == 0 or [999] == 1; range 0..40 if [100] == 1 and [999] == 1");
     binding.set_fallback_range(0, 100);
 
     EXPECT_EQ(evaluate(), 0);
@@ -444,7 +444,7 @@ TEST_F(Expression_binding_test, AFailureThatNoAnswerNeedsIsNotMet) {
 }
 
 TEST_F(Expression_binding_test, ATextAskedAsANumberIsAFailedRead) {
-    add("visible if 200 == 1 or 100 == \"1\"");
+    add("visible if [200] == 1 or [100@s] == \"1\"");
 
     EXPECT_EQ(evaluate(), -1);
     EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 200: device result 3"));
@@ -456,7 +456,7 @@ TEST_F(Expression_binding_test, EachParameterIsReadOnceInAnEvaluation) {
         ++reads[asked.pid];
         return asked.pid == SOURCE ? 42 : 0;
     });
-    add("visible if 100 == 1 or 100 == 2; visible if 101 == 1; range 0..40 if 100 != 1 and 101 == 1");
+    add("visible if [100] == 1 or [100] == 2; visible if [101] == 1; range 0..40 if [100] != 1 and [101] == 1");
     evaluate();
 
     EXPECT_EQ(reads, (std::map<unsigned int, int>{{MODE, 1}, {SOURCE, 1}}));
@@ -466,7 +466,7 @@ TEST_F(Expression_binding_test, EachParameterIsReadOnceInAnEvaluation) {
 TEST_F(Expression_binding_test, WithoutAnInterfaceOfItsOwnTheProcessWideOneIsRead) {
     const auto unbound = std::make_shared<Binding_registry>();
     Expression_binding engine(unbound);
-    engine.addBindingList(unbound->compile("visible if 100 == 1").list);
+    engine.addBindingList(unbound->compile("visible if [100] == 1").list);
     int flags = Binding::EXECUTE_FLAG;
     ASSERT_EQ(VarIdDataInfStore::m_pDataAccessInf, nullptr);
 
@@ -483,7 +483,7 @@ TEST_F(Expression_binding_test, WithoutAnInterfaceOfItsOwnTheProcessWideOneIsRea
 // ---- errors, prints and warnings
 
 TEST_F(Expression_binding_test, ErrorsAreThoseOfTheLastEvaluation) {
-    add("visible if 998 == 1; range 0..1 if 999 == 1");
+    add("visible if [998] == 1; range 0..1 if [999] == 1");
     evaluate();
     evaluate();
     EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 998: device result 1",
@@ -493,7 +493,7 @@ TEST_F(Expression_binding_test, ErrorsAreThoseOfTheLastEvaluation) {
 }
 
 TEST_F(Expression_binding_test, ErrorsArePrintedUnderTheBindingMaskAndKept) {
-    add("visible if 998 == 1; range 0..1 if 999 == 1");
+    add("visible if [998] == 1; range 0..1 if [999] == 1");
     evaluate();
     int count = 0;
     const char* const LINES =
@@ -514,7 +514,7 @@ TEST_F(Expression_binding_test, SuggestionsArePrintedUnderTheBindingMask) {
     const auto printed = [&](uint32_t mask) {
         return capture(mask, [&] { binding.printSuggestions(); }).out;
     };
-    add("visible if 100 == 1; range 0..4, 10..14");
+    add("visible if [100] == 1; range 0..4, 10..14");
     EXPECT_EQ(printed(0x21), "");
     evaluate();
     EXPECT_EQ(printed(0x21),
@@ -533,11 +533,12 @@ TEST_F(Expression_binding_test, AWarningIsShownByTheRegistrysListener) {
 }
 
 TEST_F(Expression_binding_test, AListThatWasNotCompiledIsNotAdded) {
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
     binding.addBindingList({0, 7});
 
     EXPECT_EQ(binding.numBindingLists(), 1);
-    EXPECT_THAT(binding.errors(), ElementsAre("binding list not added: 7 is no compiled rule"));
+    EXPECT_THAT(binding.errors(),
+                ElementsAre("binding list not added: it is too short for a binding list"));
     EXPECT_FALSE(binding.offersSuggestion(SUGGESTION_RANGE));
 }
 
@@ -578,8 +579,8 @@ TEST_F(Expression_binding_test, TheKeyOfACommitMeetsTheKeyOfAnExpression) {
     };
     Index_t stale = index_of({2});
     stale.m_index[1] = 9;  // a level that is not in use
-    for (const Case& each : {Case{"100", index_of({})}, Case{"100.2", index_of({2})},
-                             Case{"100.2", stale}, Case{"100.2.1", index_of({2, 1})}}) {
+    for (const Case& each : {Case{"[100]", index_of({})}, Case{"[100.2]", index_of({2})},
+                             Case{"[100.2]", stale}, Case{"[100.2.1]", index_of({2, 1})}}) {
         SCOPED_TRACE(each.parameter);
         const auto shared = std::make_shared<Binding_registry>(&device);
         Leaf dependant("Dependant");
@@ -609,8 +610,8 @@ using Counts = std::map<unsigned int, std::size_t>;
 
 TEST_F(Expression_binding_test, AnEntryDependsOnEachParameterOnce) {
     Leaf leaf("Gain");
-    add("visible if 100 == 1 and 101 == 2 or 100 == 3; range 0..1 if 100 == 1");
-    add("visible if 100 == 5");
+    add("visible if [100] == 1 and [101] == 2 or [100] == 3; range 0..1 if [100] == 1");
+    add("visible if [100] == 5");
     EXPECT_EQ(dependants_by_pid(*registry), Counts());
 
     binding.setDataEntry(&leaf);
@@ -621,9 +622,9 @@ TEST_F(Expression_binding_test, AnEntryDependsOnEachParameterOnce) {
 
 TEST_F(Expression_binding_test, ListsAddedLaterRegisterTheirParameters) {
     Leaf leaf("Gain");
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
     binding.setDataEntry(&leaf);
-    add("visible if 200 == \"x\"");
+    add("visible if [200@s] == \"x\"");
 
     EXPECT_EQ(dependants_by_pid(*registry), (Counts{{MODE, 1}, {TITLE, 1}}));
 }
@@ -631,7 +632,7 @@ TEST_F(Expression_binding_test, ListsAddedLaterRegisterTheirParameters) {
 TEST_F(Expression_binding_test, AnotherEntryTakesThePlaceOfTheFirst) {
     Leaf first("First");
     Leaf second("Second");
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
     binding.setDataEntry(&first);
     binding.setDataEntry(&second);
     EXPECT_THAT(registry->var_index_map()->begin()->second.binding_dependant_entries,
@@ -642,12 +643,12 @@ TEST_F(Expression_binding_test, AnotherEntryTakesThePlaceOfTheFirst) {
 
 TEST_F(Expression_binding_test, TheDestructorTakesTheEntryOut) {
     Leaf staying("Staying");
-    add("visible if 100 == 1");
+    add("visible if [100] == 1");
     binding.setDataEntry(&staying);
     {
         Leaf leaving("Leaving");
         auto* engine = new Expression_binding(registry);
-        engine->addBindingList(registry->compile("visible if 100 == 1").list);
+        engine->addBindingList(registry->compile("visible if [100] == 1").list);
         leaving.Set_binding_object(engine);
         EXPECT_EQ(dependants_by_pid(*registry), (Counts{{MODE, 2}}));
     }
@@ -657,8 +658,8 @@ TEST_F(Expression_binding_test, TheDestructorTakesTheEntryOut) {
 
 TEST_F(Expression_binding_test, TheKeysAreTheEnginesOwnInOrder) {
     Expression_binding other(registry);
-    other.addBindingList(registry->compile("visible if 50 == 1").list);
-    add("visible if 200 == \"x\" or 100.2 == 1 or 100 == 1 or 100 == \"x\"");
+    other.addBindingList(registry->compile("visible if [50] == 1").list);
+    add("visible if [200@s] == \"x\" or [100.2] == 1 or [100] == 1 or [100@s] == \"x\"");
     std::vector<std::string> keys;
     for (const var_index_s& key : binding.getVarIndexMapKeys(0)) {
         keys.push_back(std::to_string(key.var) + "/" + std::to_string(key.index.m_index_num) + "/" +
@@ -678,7 +679,7 @@ TEST_F(Expression_binding_test, TheMapIsSharedByTheEnginesOfARegistry) {
 TEST_F(Expression_binding_test, TheRegistryLivesAsLongAsItsLastEngine) {
     auto shared = std::make_shared<Binding_registry>(&device);
     Expression_binding engine(shared);
-    engine.addBindingList(shared->compile("visible if 100 == 1").list);
+    engine.addBindingList(shared->compile("visible if [100] == 1").list);
     shared.reset();
     int flags = Binding::EXECUTE_FLAG;
 

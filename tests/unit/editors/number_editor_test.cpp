@@ -208,7 +208,7 @@ TEST(NumberEditor, StepsAreLimitedByWhatABindingSuggests) {
     device.add_integer(101, 0, 0, 1, 1);
     const auto registry = std::make_shared<Binding_registry>(&device);
     auto binding = std::make_unique<Expression_binding>(registry);
-    binding->addBindingList(registry->compile("range 5..8 if 101 == 1").list);
+    binding->addBindingList(registry->compile("range 5..8 if [101] == 1").list);
     binding->set_fallback_range(0, 100);
     Range range(0, 100, 7);
     range.entry.setValidRangeAndValues({{0, 101, {}}});

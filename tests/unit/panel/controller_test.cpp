@@ -15,11 +15,11 @@ constexpr const char* ITEMS = R"(
     {"type": "node", "name": "Audio", "items": [
         {"type": "range", "name": "Gain", "pid": 100, "format": "%d dB", "shortcut": 1},
         {"type": "range", "name": "Mode", "pid": 101, "format": "0:off,1:stereo,2:mono,%d"},
-        {"type": "range", "name": "Width", "pid": 102, "binding": "visible if 101 == 1", "shortcut": 2},
+        {"type": "range", "name": "Width", "pid": 102, "binding": "visible if [101] == 1", "shortcut": 2},
         {"type": "range", "name": "State", "pid": 103, "access": "read-only",
          "format": "0:no signal now,1:ok,%d"}]},
     {"type": "node", "name": "Level", "shortcut": 3, "items": [
-        {"type": "range", "name": "Limit", "pid": 102, "binding": "range 0..40 if 103 == 1"}]})";
+        {"type": "range", "name": "Limit", "pid": 102, "binding": "range 0..40 if [103] == 1"}]})";
 
 TEST(Controller, ShowsTheTopMenuFirst) {
     Panel panel(menu_text(PARAMETERS, ITEMS));
@@ -136,7 +136,7 @@ TEST(Controller, TheCursorLeavesAnEntryThatDisappears) {
 TEST(Controller, TheCursorFallsBackToTheLastVisibleEntry) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
-        {"type": "range", "name": "Width", "pid": 102, "binding": "visible if 101 == 1"})"));
+        {"type": "range", "name": "Width", "pid": 102, "binding": "visible if [101] == 1"})"));
     panel.press(Key::DOWN);
     panel.device().set_integer(101, 0, 0);
     panel.controller().tick();
@@ -146,7 +146,7 @@ TEST(Controller, TheCursorFallsBackToTheLastVisibleEntry) {
 TEST(Controller, AMenuThatIsHiddenWhileItIsShownIsLeft) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
-        {"type": "node", "name": "Stereo", "binding": "visible if 101 == 1", "items": [
+        {"type": "node", "name": "Stereo", "binding": "visible if [101] == 1", "items": [
             {"type": "node", "name": "Sides", "items": [
                 {"type": "range", "name": "Width", "pid": 102},
                 {"type": "range", "name": "Swap", "pid": 103}]}]},
@@ -163,7 +163,7 @@ TEST(Controller, AMenuWhoseLastEntryIsHiddenWhileItIsShownIsLeft) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
         {"type": "node", "name": "Stereo", "items": [
-            {"type": "range", "name": "Width", "pid": 102, "binding": "visible if 101 == 1"}]})"));
+            {"type": "range", "name": "Width", "pid": 102, "binding": "visible if [101] == 1"}]})"));
     panel.press(Key::DOWN).press(Key::SELECT);
     panel.device().set_integer(101, 0, 0);
     panel.controller().tick();
@@ -173,7 +173,7 @@ TEST(Controller, AMenuWhoseLastEntryIsHiddenWhileItIsShownIsLeft) {
 TEST(Controller, AValueThatHidesItsOwnMenuLeavesIt) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Gain", "pid": 100},
-        {"type": "node", "name": "Stereo", "binding": "visible if 101 == 1", "items": [
+        {"type": "node", "name": "Stereo", "binding": "visible if [101] == 1", "items": [
             {"type": "range", "name": "Mode", "pid": 101}]})"));
     panel.press(Key::DOWN).press(Key::SELECT);
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
@@ -183,7 +183,7 @@ TEST(Controller, AValueThatHidesItsOwnMenuLeavesIt) {
 
 TEST(Controller, AMenuWithNothingToShowSaysSo) {
     Panel panel(menu_text(PARAMETERS, R"(
-        {"type": "range", "name": "Width", "pid": 102, "binding": "visible if 101 == 1"})"));
+        {"type": "range", "name": "Width", "pid": 102, "binding": "visible if [101] == 1"})"));
     panel.device().set_integer(101, 0, 0);
     panel.controller().tick();
     EXPECT_EQ(panel.lines(), (Lines{" (empty)            ", "                    "}));
@@ -196,7 +196,7 @@ TEST(Controller, AMenuWithNothingToShowSaysSo) {
 TEST(Controller, ABindingHidesAWholeMenu) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
-        {"type": "node", "name": "More", "binding": "visible if 101 > 1", "items": [
+        {"type": "node", "name": "More", "binding": "visible if [101] > 1", "items": [
             {"type": "range", "name": "Width", "pid": 102}]})"));
     EXPECT_EQ(panel.lines(), (Lines{">Mode              1", "                    "}));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
@@ -206,7 +206,7 @@ TEST(Controller, ABindingHidesAWholeMenu) {
 TEST(Controller, ACommitNarrowsARangeElsewhere) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Clamp", "pid": 103},
-        {"type": "range", "name": "Limit", "pid": 102, "binding": "range 0..40 if 103 == 1"})"));
+        {"type": "range", "name": "Limit", "pid": 102, "binding": "range 0..40 if [103] == 1"})"));
     EXPECT_EQ(panel.lines(), (Lines{">Clamp             0", " Limit            50"}));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Clamp             1", " Limit            40"}));
@@ -274,7 +274,7 @@ TEST(Controller, AShortcutToAHiddenEntryIsRefused) {
 TEST(Controller, AShortcutIntoAHiddenMenuIsRefused) {
     Panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
-        {"type": "node", "name": "More", "binding": "visible if 101 > 1", "items": [
+        {"type": "node", "name": "More", "binding": "visible if [101] > 1", "items": [
             {"type": "range", "name": "Width", "pid": 102, "shortcut": 1}]})"));
     panel.shortcut(1);
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "not available       "}));
@@ -286,7 +286,7 @@ TEST(Controller, AShortcutIntoAHiddenMenuIsRefused) {
 
 TEST(Controller, AnEntryWithoutAllowedValueShowsNoneAndTakesNone) {
     Panel panel(menu_text(PARAMETERS, R"(
-        {"type": "range", "name": "Width", "pid": 102, "binding": "range 70..80 if 103 == 0",
+        {"type": "range", "name": "Width", "pid": 102, "binding": "range 70..80 if [103] == 0",
          "ranges": [{"min": 0, "max": 60}, {"min": 90, "max": 100}]})"));
     EXPECT_EQ(panel.lines(), (Lines{">Width           ---", "                    "}));
     panel.press(Key::SELECT);

@@ -170,26 +170,26 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "product options"},
         {with_range(R"("options": [""])"),
          "menu.json: /menu/items/0/options/0: expected a text of 1 to 256 characters, found 0"},
-        {with_range(R"("binding": "visible if 99 == 1")"),
+        {with_range(R"("binding": "visible if [99] == 1")"),
          "menu.json: /menu/items/0/binding: the device has no parameter 99 with this index"},
         {menu_text(
              R"({"pid": 5, "index": [0, 1], "type": "integer", "min": 0, "max": 9, "value": 1})",
              R"({"type": "range", "name": "Level", "pid": 5, "index": [0, 1],
-                       "binding": "visible if 5.256 == 1"})"),
+                       "binding": "visible if [5.256] == 1"})"),
          "menu.json: /menu/items/0/binding: the device has no parameter 5 with this index"},
         {menu_text(
              R"({"pid": 5, "index": [0, 1], "type": "integer", "min": 0, "max": 9, "value": 1})",
              R"({"type": "range", "name": "Level", "pid": 5, "index": [0, 1],
-                       "binding": "visible if 5.0.1 == 1"})"),
+                       "binding": "visible if [5.0.1] == 1"})"),
          ""},
-        {with_range(R"("binding": "visible if 5 == \"on\"")"),
+        {with_range(R"("binding": "visible if [5@s] == \"on\"")"),
          "menu.json: /menu/items/0/binding: parameter 5 is of another type"},
-        {with_range(R"("binding": "range 40..50, 101..110 if 5 == 1")"),
+        {with_range(R"("binding": "range 40..50, 101..110 if [5] == 1")"),
          "menu.json: /menu/items/0/binding: range 101..110 holds no value from 0 to 100"},
         {with_range(R"("min": 3, "binding": "range -9..2")"),
          "menu.json: /menu/items/0/binding: range -9..2 holds no value from 3 to 100"},
         {with_range(R"("min": 3, "binding": "range -9..3; range 100..200")"), ""},
-        {with_range(R"("binding": "visible if 6 == 1")"),
+        {with_range(R"("binding": "visible if [6] == 1")"),
          "menu.json: /menu/items/0/binding: parameter 6 is of another type"},
         {menu_text(LEVEL, items_in_one_menu(1001)),
          "menu.json: /menu/items: expected at most 1000 items, found 1001"},
@@ -202,10 +202,10 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
 }
 
 TEST(MenuLoader, ABindingsErrorComesWithItsPlace) {
-    const std::string text = with_range(R"("binding": "visible if 5 == ")");
+    const std::string text = with_range(R"("binding": "visible if [5] == ")");
     const std::string error = error_of(text);
     const std::string place =
-        placed(text, "menu.json: /menu/items/0/binding: line 1, column 17: expected");
+        placed(text, "menu.json: /menu/items/0/binding: line 1, column 19: expected");
     EXPECT_EQ(error.substr(0, place.size()), place);
 }
 
@@ -243,7 +243,7 @@ menu.json:8:79: expected true or false, found a whole number
 menu.json:9:31: expected a name of 1 to 24 characters before any ':', found 0
 menu.json:9:42: the device has no parameter 9 with this index
 menu.json:9:55: conversion "%s" is not one of %d, %02x, %02X, %f, %e, %g
-menu.json:9:72: line 1, column 11: expected a parameter, found end of text
+menu.json:9:72: line 1, column 11: expected a number, a text, a [parameter], "value", a function or "(", found end of text
 menu.json:10:48: expected at least one item
 menu.json:11:45: the device has no parameter 7 with this index
 menu.json:11:60: expected a whole number from 1 to 99, found 100
@@ -331,7 +331,7 @@ TEST(MenuLoader, ARangeTakesItsBoundsFromTheParameter) {
 
 TEST(MenuLoader, ABoundRangeHasAllowedValuesBeforeItsFirstRefresh) {
     const Loaded_menu loaded = load_menu_text(
-        "menu.json", with_range(R"("min": 5, "max": 60, "binding": "range 10..20 if 5 == 7")"));
+        "menu.json", with_range(R"("min": 5, "max": 60, "binding": "range 10..20 if [5] == 7")"));
     auto* const range = dynamic_cast<Range_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(range, nullptr);
     EXPECT_EQ(range->Get_min(), 5);

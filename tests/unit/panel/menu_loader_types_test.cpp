@@ -112,7 +112,7 @@ TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
          "menu.json: /menu/items/0/pid: expected a parameter from 0 to at most 14 for a slot list"},
         {with_item("slot", R"("pid": 20)"),
          "menu.json: /menu/items/0/pid: parameter 20 is of another type"},
-        {with_item("slot", R"("pid": 7, "binding": "visible if 5 == 1")"),
+        {with_item("slot", R"("pid": 7, "binding": "visible if [5] == 1")"),
          "menu.json: /menu/items/0/binding: a slot list follows no rules: its node can"},
         {with_item("slot", R"("pid": 7, "slots": 3)"),
          "menu.json: /menu/items/0/slots@: unknown member \"slots\""},
@@ -187,10 +187,10 @@ TEST(MenuLoaderTypes, HiddenChoicesAtTheEndOfTheListAreNotWarnedOf) {
 
 TEST(MenuLoaderTypes, BindingsShowAndHideEveryType) {
     for (const char* const item :
-         {R"({"type": "text", "name": "T", "pid": 20, "binding": "visible if 5 == 2"})",
-          R"({"type": "warning", "name": "T", "binding": "visible if 5 == 2"})",
+         {R"({"type": "text", "name": "T", "pid": 20, "binding": "visible if [5] == 2"})",
+          R"({"type": "warning", "name": "T", "binding": "visible if [5] == 2"})",
           R"({"type": "enum", "name": "T", "pid": 5, "choices": ["a", "b", "c"],
-              "binding": "visible if 7 == 9"})"}) {
+              "binding": "visible if [7] == 9"})"}) {
         Panel panel(menu_text(PARAMETERS, item));
         EXPECT_EQ(panel.lines()[0], " (empty)            ") << item;
         panel.device().set_integer(5, 0, 2);

@@ -15,9 +15,12 @@
 #include <string_view>
 #include <vector>
 
+#include <frontpanel_binding/parameter_table.h>
 #include <frontpanel_data/binding.h>
 
-struct Binding_rule;  // a compiled rule, private to the engine
+namespace binding_language {
+class Compiler;
+}
 
 // Why a source text was refused, and where. Lines and columns count from 1, columns in bytes.
 struct Compile_error {
@@ -37,8 +40,8 @@ struct Binding_interval {
 // The list of a source text, or the error and an empty list.
 struct Compile_result {
     BindingListT list;
-    std::vector<Binding_interval>
-        intervals;  // of the text's range rules, for whoever knows the entry's bounds
+    // Of the text's range rules, those that are plain numbers: for whoever knows the entry's bounds.
+    std::vector<Binding_interval> intervals;
     std::optional<Compile_error> error;
 
     bool ok() const { return !error; }
@@ -55,10 +58,13 @@ public:
     Binding_registry(const Binding_registry&) = delete;
     Binding_registry& operator=(const Binding_registry&) = delete;
 
-    // Compiles rules such as "visible if 100.0 > 3; range 0..40 if 102 == 1": the grammar stands in the
-    // README beside this library. The first error ends the work, and nothing is kept of a refused text.
-    // The list is valid for engines of this registry.
-    Compile_result compile(std::string_view source);
+    // Compiles rules such as "visible if [gain] > 3; range 0..[limit] if [102] == 1": docs/bindings.md has the
+    // language. `own_type` is the type of the entry's own value: INTEGER, STRING, or INVALID_TYPE for an entry
+    // without one. The first error ends the work. A list is complete in itself: it depends on no registry.
+    Compile_result compile(std::string_view source, RETURN_TYPE own_type = INTEGER);
+
+    // The names and types that texts may use; declare them before compiling.
+    Parameter_table& parameters() { return m_parameters; }
 
     // Null only when neither the registry nor the process has an interface.
     Data_interface* interface() const;
@@ -70,16 +76,15 @@ public:
     // Every referenced parameter with the entries that depend on it; lives as long as the registry.
     var_index_map_t* var_index_map() { return &m_var_index_map; }
 
-    // For engines. `rule` yields null for an id that no text of this registry compiled to. `add_dependant`
-    // yields false when the entry is listed already.
-    const Binding_rule* rule(int id) const;
+    // For engines. `add_dependant` yields false when the entry is listed already.
     bool add_dependant(const var_index_s& key, Data_entry* entry);
     void remove_dependant(const var_index_s& key, Data_entry* entry);
 
 private:
     Data_interface* m_interface;
     Warning_listener m_warning_listener;
-    std::vector<std::unique_ptr<const Binding_rule>> m_rules;  // by id
+    Parameter_table m_parameters;
+    std::unique_ptr<binding_language::Compiler> m_compiler;
     var_index_map_t m_var_index_map;
 };
 

@@ -14,6 +14,11 @@
 #include <frontpanel_binding/binding_registry.h>
 #include <frontpanel_data/binding.h>
 
+namespace binding_language {
+class Program;
+struct Rule;
+}  // namespace binding_language
+
 class Expression_binding : public Binding {
 public:
     static constexpr int OVERRIDE_FLAG = 4;  // bit of the evaluation flags: see the override
@@ -40,7 +45,7 @@ public:
     // Registers the entry as a dependant of every parameter of the lists, those added later included. Null
     // or another entry takes the former one out.
     void setDataEntry(Data_entry* entry) override;
-    // A list that the registry did not compile is not added and becomes an error.
+    // A list that is damaged, or made for an entry of another type, is not added and becomes an error.
     void addBindingList(BindingListT list) override;
     int numBindingLists() override;
 
@@ -90,13 +95,15 @@ private:
     void evaluate(Evaluation& evaluation, bool update);
     std::optional<int> visibility_of(Evaluation& evaluation) const;
     std::optional<Ranges> ranges_of(Evaluation& evaluation) const;
+    static bool add_intervals(Evaluation& evaluation, const binding_language::Program& program,
+                              const binding_language::Rule& rule,
+                              std::vector<Binding_interval>& intervals);
     std::optional<Ranges> fallback(Evaluation& evaluation) const;
 
     std::shared_ptr<Binding_registry> m_registry;
     Data_entry* m_entry;  // not owned
-    int m_list_count;
-    std::vector<const Binding_rule*> m_rules;  // the registry's
-    std::vector<var_index_s> m_registered;     // where this engine listed the entry
+    std::vector<binding_language::Program> m_programs;
+    std::vector<var_index_s> m_registered;  // where this engine listed the entry
     std::optional<std::vector<int>> m_fallback_range;
     std::optional<std::vector<int>> m_entry_range;  // of a range entry, as it was attached
     std::optional<var_index_s> m_override_key;
