@@ -1,6 +1,8 @@
 // The least that an application does: a device of its own, a menu, and a value that is read, stepped
 // and written back.
 #include <frontpanel_data/data_entry.h>
+#include <frontpanel_data/front_panel_messages.h>
+#include <frontpanel_data/timer.h>
 
 #include <cstdio>
 #include <cstring>
@@ -50,6 +52,20 @@ bool builds_a_menu(const Index_t& index) {
            std::strcmp(audio.Get_name(), "Audio") == 0 && root.Remove(&audio) == 0;
 }
 
+bool keeps_time() {
+    LinuxTimer timer;
+    long left = -1;
+    return timer.set(0) == 0 && timer.expired() && timer.remaining(&left) == 0 && left == 0 &&
+           get_host_time_ns() != 0;
+}
+
+bool knows_the_keys() {
+    const FrontPanel::Message& select = FrontPanel::SelectPressMessage;
+    return select.type == FrontPanel::PushButtonUIT && select.length == 4 &&
+           select.payload[3] == 11 &&
+           dynamic_cast<const FrontPanel::PayloadMessage*>(&select) != nullptr;
+}
+
 }  // namespace
 
 int main() {
@@ -64,6 +80,10 @@ int main() {
     }
     if (!builds_a_menu(index)) {
         std::fprintf(stderr, "the menu does not hold together\n");
+        return 1;
+    }
+    if (!keeps_time() || !knows_the_keys()) {
+        std::fprintf(stderr, "time or messages are not as they are told\n");
         return 1;
     }
     return 0;
