@@ -86,7 +86,9 @@ TEST_F(Bound_entry_test, ARefreshPrintsTheErrorsAndForgetsThem) {
     const std::string printed = capture(0x20, [&] { refresh(leaf); }).out;
 
     EXPECT_THAT(printed,
-                testing::HasSubstr("Binding error: cannot read parameter 999: device result 1\n"));
+                testing::HasSubstr(
+                    "Binding error in [Gain]: line 1, visible if [999] == 0: cannot read [999]: "
+                    "device result 1\n"));
     EXPECT_TRUE(engine->errors().empty());
 }
 

@@ -18,58 +18,69 @@ using support::key_of;
 using support::Leaf;
 using testing::ElementsAre;
 
-TEST(Binding_registry_test, ATextUsesTheDeclaredParameters) {
-    Binding_registry registry;
-    registry.parameters().declare("gain", key_of(INTEGER, 100, index_of({2})));
-
-    EXPECT_TRUE(registry.compile("visible if [gain] > value").ok());
-    EXPECT_TRUE(registry.compile("visible if value == \"on\"", STRING).ok());
-    EXPECT_EQ(registry.compile("visible if [level] > 3").error->text(),
-              "line 1, column 12: unknown parameter \"[level]\"");
-}
-
-TEST(Binding_registry_test, AListDependsOnNoRegistry) {
-    BindingListT list;
-    {
-        Binding_registry registry;
-        list = registry.compile("visible if [100.2] == 1").list;
-    }
-    Expression_binding binding(std::make_shared<Binding_registry>());
-    binding.addBindingList(list);
-
-    EXPECT_EQ(binding.numBindingLists(), 1);
-    EXPECT_EQ(binding.getVarIndexMapKeys(0).size(), 1u);
-}
-
 // ---- what the engines share
 
-TEST(Binding_registry_test, ADependantIsListedOnce) {
-    Binding_registry registry;
-    Leaf leaf("Gain");
-    const var_index_s key = key_of(INTEGER, 100, index_of({2}));
-
-    EXPECT_TRUE(registry.add_dependant(key, &leaf));
-    EXPECT_FALSE(registry.add_dependant(key, &leaf));
-
-    ASSERT_EQ(registry.var_index_map()->count(key), 1u);
-    EXPECT_THAT(registry.var_index_map()->at(key).binding_dependant_entries, ElementsAre(&leaf));
-    EXPECT_EQ(registry.var_index_map()->at(key).model_type, INTEGER);
+Expression_binding& bound(Expression_binding& engine, Binding_registry& registry,
+                          const std::string& source) {
+    engine.addBindingList(registry.compile(source).list);
+    return engine;
 }
 
 TEST(Binding_registry_test, TakingOutADependantLeavesTheOthers) {
-    Binding_registry registry;
+    const auto registry = std::make_shared<Binding_registry>();
+    const var_index_s key = key_of(INTEGER, 100, index_of({2}));
     Leaf first("First");
     Leaf second("Second");
-    const var_index_s key = key_of(INTEGER, 100, index_of({2}));
-    registry.add_dependant(key, &first);
-    registry.add_dependant(key, &second);
+    Expression_binding one(registry);
+    Expression_binding other(registry);
+    bound(one, *registry, "visible if [100.2] == 1").setDataEntry(&first);
+    bound(other, *registry, "visible if [100.2] == 2").setDataEntry(&second);
+    EXPECT_THAT(registry->var_index_map()->at(key).binding_dependant_entries,
+                ElementsAre(&first, &second));
+    EXPECT_EQ(registry->var_index_map()->at(key).model_type, INTEGER);
 
-    registry.remove_dependant(key, &first);
-    registry.remove_dependant(key, &first);
-    registry.remove_dependant(key_of(STRING, 100, index_of({2})), &second);
+    one.setDataEntry(nullptr);
+    EXPECT_THAT(registry->var_index_map()->at(key).binding_dependant_entries, ElementsAre(&second));
+    EXPECT_EQ(registry->var_index_map()->size(), 1u);
+}
 
-    EXPECT_THAT(registry.var_index_map()->at(key).binding_dependant_entries, ElementsAre(&second));
-    EXPECT_EQ(registry.var_index_map()->size(), 1u);
+TEST(Binding_registry_test, AllNamesOfAVariableListTheSameDependants) {
+    const auto registry = std::make_shared<Binding_registry>();
+    Leaf leaf("Gain");
+    Expression_binding engine(registry);
+    bound(engine, *registry, "visible if [100] == 1 and [100.0] == 1").setDataEntry(&leaf);
+    registry->watch(key_of(INTEGER, 100, index_of({0, 0})));
+
+    ASSERT_EQ(registry->var_index_map()->size(), 3u);
+    for (const auto& [key, record] : *registry->var_index_map()) {
+        EXPECT_THAT(record.binding_dependant_entries, ElementsAre(&leaf));
+    }
+}
+
+TEST(Binding_registry_test, ARecordKnowsTheEntryOfItsParameter) {
+    const auto registry = std::make_shared<Binding_registry>();
+    const Index_t index = index_of({2});
+    const var_index_s key = key_of(INTEGER, 100, index);
+    {
+        Leaf leaf("Gain");
+        Expression_binding engine(registry);
+        engine.setControlInfo(100, &index, Data_entry::ENUM_LEAF);
+        engine.setDataEntry(&leaf);
+        EXPECT_EQ(registry->var_index_map()->at(key).Get_entry(), &leaf);
+        EXPECT_EQ(registry->var_index_map()->at(key).entry_type, Data_entry::ENUM_LEAF);
+        EXPECT_EQ(registry->var_index_map()->at(key).Get_entry_name(), "Gain");
+    }
+    EXPECT_EQ(registry->var_index_map()->at(key).Get_entry(), nullptr);
+}
+
+TEST(Binding_registry_test, AnEntryWithoutParameterIsInNoRecord) {
+    const auto registry = std::make_shared<Binding_registry>();
+    const Index_t none = index_of({});
+    Node_entry node("Menu", "A menu", &none, nullptr, Data_entry::VISIBLE_ALL,
+                    Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr);
+    node.Set_binding_object(new Expression_binding(registry));
+
+    EXPECT_TRUE(registry->var_index_map()->empty());
 }
 
 TEST(Binding_registry_test, WarningsGoToTheListener) {

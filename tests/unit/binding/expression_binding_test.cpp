@@ -65,6 +65,21 @@ protected:
         binding.getSuggestion(SUGGESTION_VISIBILITY, &value);
         return value;
     }
+    std::vector<std::string> warnings() {
+        std::vector<std::string> value = {"none was told"};
+        binding.getSuggestion(SUGGESTION_WARNING, &value);
+        return value;
+    }
+    std::vector<GetSetS> requests() {
+        std::vector<GetSetS> value(3);
+        binding.getSuggestion(SUGGESTION_SET, &value);
+        return value;
+    }
+    Ranges keys() {
+        Ranges value = {{12345}};
+        binding.getSuggestion(SUGGESTION_KEYS, &value);
+        return value;
+    }
     Ranges ranges() {
         Ranges value = {{12345}};
         binding.getSuggestion(SUGGESTION_RANGE, &value);
@@ -191,7 +206,8 @@ TEST_F(Expression_binding_test, AKindThatIsNotKnownLeavesTheAnswerAsItWas) {
     add("visible if [100] == 1");
     evaluate();
     Ranges keys = {{7}};
-    binding.getSuggestion(SUGGESTION_KEYS, &keys);
+    binding.getSuggestion(64, &keys);
+    binding.getSuggestion(0, &keys);
 
     EXPECT_EQ(keys, (Ranges{{7}}));
 }
@@ -342,62 +358,87 @@ TEST_F(Expression_binding_test, WithoutTheExecuteFlagErrorsAreStillFound) {
     add("visible if [999] == 1");
 
     EXPECT_EQ(evaluate(0), -1);
-    EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 999: device result 1"));
+    EXPECT_THAT(binding.errors(),
+                ElementsAre("line 1, visible if [999] == 1: cannot read [999]: device result 1"));
 }
 
-TEST_F(Expression_binding_test, TheOverrideIsSeenOnlyByEvaluationsThatAskForIt) {
-    add("visible if [100.2] == 7");
+TEST_F(Expression_binding_test, ATryEvaluatesWarningsAgainstTheOverrideAndNothingElse) {
+    add("warn \"seven\" if [100.2] == 7; visible if [100.2] == 7");
     binding.setOverrideVarid(key_of(INTEGER, MODE, index_of({2})), number(7));
 
     evaluate(Binding::EXECUTE_FLAG);
+    EXPECT_FALSE(binding.suggestionUpdated(SUGGESTION_WARNING));
     EXPECT_EQ(visibility(), VIS_FALSE);
     evaluate(Binding::EXECUTE_FLAG | Expression_binding::OVERRIDE_FLAG);
-    EXPECT_EQ(visibility(), VIS_TRUE);
+    EXPECT_TRUE(binding.suggestionUpdated(SUGGESTION_WARNING));
+    EXPECT_THAT(warnings(), ElementsAre("seven"));
+    EXPECT_EQ(visibility(), VIS_FALSE);
+    EXPECT_EQ(device.integer(MODE, 2), 0);
+
     binding.clearOverrideVarid();
     evaluate(Binding::EXECUTE_FLAG | Expression_binding::OVERRIDE_FLAG);
-    EXPECT_EQ(visibility(), VIS_FALSE);
+    EXPECT_FALSE(binding.suggestionUpdated(SUGGESTION_WARNING));
+    EXPECT_THAT(warnings(), IsEmpty());
 }
 
 TEST_F(Expression_binding_test, TheFlagsOfATriedValueAreFive) {
     EXPECT_EQ(Binding::EXECUTE_FLAG | Expression_binding::OVERRIDE_FLAG, 5);
 }
 
+TEST_F(Expression_binding_test, ATryWithoutTheExecuteFlagSuggestsNothing) {
+    add("warn \"seven\" if [100] == 7");
+    binding.setOverrideVarid(key_of(INTEGER, MODE, index_of({})), number(7));
+    evaluate(Expression_binding::OVERRIDE_FLAG);
+
+    EXPECT_FALSE(binding.suggestionUpdated(SUGGESTION_WARNING));
+}
+
 TEST_F(Expression_binding_test, TheOverrideIsOneParameterOnly) {
-    add("visible if [100] == 7 or [100.2.1] == 7 or [200@s] == \"Hall\"");
+    add("warn \"w\" if [100] == 7 or [100.2.1] == 7 or [200@s] == \"Hall\"");
     binding.setOverrideVarid(key_of(INTEGER, MODE, index_of({2})), number(7));
     evaluate(5);
-    EXPECT_EQ(visibility(), VIS_FALSE);
+    EXPECT_THAT(warnings(), IsEmpty());
 
     binding.setOverrideVarid(key_of(STRING, TITLE, index_of({})), text("Hall"));
     evaluate(5);
-    EXPECT_EQ(visibility(), VIS_TRUE);
+    EXPECT_THAT(warnings(), ElementsAre("w"));
 }
 
 TEST_F(Expression_binding_test, ASecondOverrideReplacesTheFirst) {
-    add("visible if [100] == 7");
+    add("warn \"w\" if [100] == 7");
     binding.setOverrideVarid(key_of(INTEGER, MODE, index_of({})), number(7));
     binding.setOverrideVarid(key_of(INTEGER, SOURCE, index_of({})), number(7));
     evaluate(5);
 
-    EXPECT_EQ(visibility(), VIS_FALSE);
+    EXPECT_THAT(warnings(), IsEmpty());
 }
 
-TEST_F(Expression_binding_test, AnOverrideIgnoresLevelsThatAreNotInUse) {
-    add("visible if [100.2] == 7");
-    Index_t index = index_of({2});
-    index.m_index[1] = 9;
+TEST_F(Expression_binding_test, AnOverrideStandsForAllNamesOfItsVariable) {
+    add("warn \"w\" if [100] == 7 and [100.0] == 7 and [100.0.0] == 7");
+    Index_t index = index_of({0});
+    index.m_index[1] = 9;  // a level that is not in use
     binding.setOverrideVarid(key_of(INTEGER, MODE, index), number(7));
     evaluate(5);
 
-    EXPECT_EQ(visibility(), VIS_TRUE);
+    EXPECT_THAT(warnings(), ElementsAre("w"));
+}
+
+TEST_F(Expression_binding_test, AnOverrideOfAnotherTypeIsNotSeen) {
+    add("warn \"w\" if [100] == 0");
+    return_s none;
+    none.i = -1;
+    binding.setOverrideVarid(key_of(INVALID_TYPE, MODE, index_of({})), none);
+    evaluate(5);
+
+    EXPECT_THAT(warnings(), ElementsAre("w"));
 }
 
 TEST_F(Expression_binding_test, AnOverriddenParameterIsNotReadFromTheDevice) {
-    add("visible if [999] == 7");
+    add("warn \"w\" if [999] == 7");
     binding.setOverrideVarid(key_of(INTEGER, 999, index_of({})), number(7));
 
     EXPECT_EQ(evaluate(5), 0);
-    EXPECT_EQ(visibility(), VIS_TRUE);
+    EXPECT_THAT(warnings(), ElementsAre("w"));
 }
 
 // ---- reading the device
@@ -416,7 +457,10 @@ TEST_F(Expression_binding_test, AFailedReadKeepsThePreviousSuggestions) {
     EXPECT_FALSE(binding.suggestionUpdated(SUGGESTION_VISIBILITY | SUGGESTION_RANGE));
     EXPECT_EQ(visibility(), VIS_FALSE);
     EXPECT_EQ(ranges(), (Ranges{{0, 40}}));
-    EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 100: device result 42"));
+    EXPECT_THAT(
+        binding.errors(),
+        ElementsAre("line 1, visible if [100] == 0: cannot read [100]: device result 42",
+                    "line 1, range 0..40 if [100] == 1: cannot read [100]: device result 42"));
 
     device.set_fault(nullptr);
     EXPECT_EQ(evaluate(), 0);
@@ -431,7 +475,9 @@ TEST_F(Expression_binding_test, AFailedReadKeepsOnlyTheSuggestionThatNeedsIt) {
 
     EXPECT_FALSE(binding.suggestionUpdated(SUGGESTION_VISIBILITY));
     EXPECT_TRUE(binding.suggestionUpdated(SUGGESTION_RANGE));
-    EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 999.1.2: device result 1"));
+    EXPECT_THAT(
+        binding.errors(),
+        ElementsAre("line 1, visible if [999.1.2] == 0: cannot read [999.1.2]: device result 1"));
 }
 
 TEST_F(Expression_binding_test, AFailureThatNoAnswerNeedsIsNotMet) {
@@ -447,7 +493,9 @@ TEST_F(Expression_binding_test, ATextAskedAsANumberIsAFailedRead) {
     add("visible if [200] == 1 or [100@s] == \"1\"");
 
     EXPECT_EQ(evaluate(), -1);
-    EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 200: device result 3"));
+    EXPECT_THAT(binding.errors(),
+                ElementsAre("line 1, visible if [200] == 1 or [100@s] == \"1\": cannot read [200]: "
+                            "device result 3"));
 }
 
 TEST_F(Expression_binding_test, EachParameterIsReadOnceInAnEvaluation) {
@@ -460,7 +508,7 @@ TEST_F(Expression_binding_test, EachParameterIsReadOnceInAnEvaluation) {
     evaluate();
 
     EXPECT_EQ(reads, (std::map<unsigned int, int>{{MODE, 1}, {SOURCE, 1}}));
-    EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 101: device result 42"));
+    EXPECT_EQ(binding.errors().size(), 2u);
 }
 
 TEST_F(Expression_binding_test, WithoutAnInterfaceOfItsOwnTheProcessWideOneIsRead) {
@@ -471,7 +519,8 @@ TEST_F(Expression_binding_test, WithoutAnInterfaceOfItsOwnTheProcessWideOneIsRea
     ASSERT_EQ(VarIdDataInfStore::m_pDataAccessInf, nullptr);
 
     EXPECT_EQ(engine.evaluateAllBindingExpressions(&flags), -1);
-    EXPECT_THAT(engine.errors(), ElementsAre("cannot read parameter 100: no data interface"));
+    EXPECT_THAT(engine.errors(),
+                ElementsAre("line 1, visible if [100] == 1: cannot read [100]: no data interface"));
     EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_VISIBILITY));
 
     VarIdDataInfStore::m_pDataAccessInf = &device;
@@ -486,8 +535,10 @@ TEST_F(Expression_binding_test, ErrorsAreThoseOfTheLastEvaluation) {
     add("visible if [998] == 1; range 0..1 if [999] == 1");
     evaluate();
     evaluate();
-    EXPECT_THAT(binding.errors(), ElementsAre("cannot read parameter 998: device result 1",
-                                              "cannot read parameter 999: device result 1"));
+    EXPECT_THAT(
+        binding.errors(),
+        ElementsAre("line 1, visible if [998] == 1: cannot read [998]: device result 1",
+                    "line 1, range 0..1 if [999] == 1: cannot read [999]: device result 1"));
     binding.clearBindErrors();
     EXPECT_THAT(binding.errors(), IsEmpty());
 }
@@ -497,8 +548,9 @@ TEST_F(Expression_binding_test, ErrorsArePrintedUnderTheBindingMaskAndKept) {
     evaluate();
     int count = 0;
     const char* const LINES =
-        "Binding error: cannot read parameter 998: device result 1\n"
-        "Binding error: cannot read parameter 999: device result 1\n";
+        "Binding error in [an entry]: line 1, visible if [998] == 1: cannot read [998]: device result 1\n"
+        "Binding error in [an entry]: line 1, range 0..1 if [999] == 1: cannot read [999]: device result "
+        "1\n";
 
     EXPECT_EQ(capture(0x21, [&] { count = binding.printBindErrors(); }).out, LINES);
     EXPECT_EQ(count, 2);
@@ -518,9 +570,11 @@ TEST_F(Expression_binding_test, SuggestionsArePrintedUnderTheBindingMask) {
     EXPECT_EQ(printed(0x21), "");
     evaluate();
     EXPECT_EQ(printed(0x21),
-              "Suggested visibility: -1 (new)\nSuggested range: 0..4 10..14 (new)\n");
+              "Suggested for [an entry]: hidden (new)\n"
+              "Suggested for [an entry]: range 0..4, 10..14 (new)\n");
     binding.clearSuggestion(SUGGESTION_VISIBILITY | SUGGESTION_RANGE);
-    EXPECT_EQ(printed(0x21), "Suggested visibility: -1\nSuggested range: 0..4 10..14\n");
+    EXPECT_EQ(printed(0x21),
+              "Suggested for [an entry]: hidden\nSuggested for [an entry]: range 0..4, 10..14\n");
     EXPECT_EQ(printed(0x12), "");
 }
 
@@ -532,13 +586,18 @@ TEST_F(Expression_binding_test, AWarningIsShownByTheRegistrysListener) {
     EXPECT_EQ(shown, "Output is muted");
 }
 
-TEST_F(Expression_binding_test, AListThatWasNotCompiledIsNotAdded) {
+TEST_F(Expression_binding_test, ADamagedListIsNotAdded) {
     add("visible if [100] == 1");
+    BindingListT damaged = registry->compile("range 0..1 if [101] == 1").list;
+    damaged[damaged.size() / 2] ^= 1;
+    binding.addBindingList(damaged);
     binding.addBindingList({0, 7});
+    binding.addBindingList({});
 
     EXPECT_EQ(binding.numBindingLists(), 1);
-    EXPECT_THAT(binding.errors(),
-                ElementsAre("binding list not added: it is too short for a binding list"));
+    EXPECT_THAT(binding.errors(), testing::Each(testing::StartsWith("binding list not added: ")));
+    EXPECT_EQ(binding.printBindErrors(), 3);
+    EXPECT_EQ(binding.getVarIndexMapKeys(0).size(), 1u);
     EXPECT_FALSE(binding.offersSuggestion(SUGGESTION_RANGE));
 }
 
@@ -612,7 +671,7 @@ TEST_F(Expression_binding_test, AnEntryDependsOnEachParameterOnce) {
     Leaf leaf("Gain");
     add("visible if [100] == 1 and [101] == 2 or [100] == 3; range 0..1 if [100] == 1");
     add("visible if [100] == 5");
-    EXPECT_EQ(dependants_by_pid(*registry), Counts());
+    EXPECT_EQ(dependants_by_pid(*registry), (Counts{{MODE, 0}, {SOURCE, 0}}));
 
     binding.setDataEntry(&leaf);
     EXPECT_EQ(dependants_by_pid(*registry), (Counts{{MODE, 1}, {SOURCE, 1}}));
@@ -650,7 +709,7 @@ TEST_F(Expression_binding_test, TheDestructorTakesTheEntryOut) {
         auto* engine = new Expression_binding(registry);
         engine->addBindingList(registry->compile("visible if [100] == 1").list);
         leaving.Set_binding_object(engine);
-        EXPECT_EQ(dependants_by_pid(*registry), (Counts{{MODE, 2}}));
+        EXPECT_EQ(dependants_by_pid(*registry), (Counts{{MODE, 2}, {120, 0}}));
     }
     EXPECT_THAT(registry->var_index_map()->begin()->second.binding_dependant_entries,
                 ElementsAre(&staying));

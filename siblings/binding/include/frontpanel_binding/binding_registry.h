@@ -9,15 +9,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include <frontpanel_binding/binding_report.h>
 #include <frontpanel_binding/parameter_table.h>
 #include <frontpanel_data/binding.h>
 
+namespace binding_engine {
+struct Core;
+}
 namespace binding_language {
 class Compiler;
 }
@@ -66,26 +71,57 @@ public:
     // The names and types that texts may use; declare them before compiling.
     Parameter_table& parameters() { return m_parameters; }
 
-    // Null only when neither the registry nor the process has an interface.
+    // Null only when neither the registry nor the process has an interface. While a `Caching_device` lives for
+    // this registry, that is it.
     Data_interface* interface() const;
 
     // Called with each warning that an engine shows. Without one, warnings are dropped.
     void set_warning_listener(Warning_listener listener);
     void show_warning(const std::string& text) const;
 
-    // Every referenced parameter with the entries that depend on it; lives as long as the registry.
-    var_index_map_t* var_index_map() { return &m_var_index_map; }
+    // Every parameter that a rule reads, an entry with an engine controls, or somebody watches, with the value
+    // last seen and the entries that depend on it; lives as long as the registry. A device variable that goes
+    // by several keys has a record for each, all of them kept alike.
+    var_index_map_t* var_index_map();
+    // Keeps the value of a parameter current though no rule may read it: a toggle's, for one. The key is then
+    // in the map, and `poll` asks for it until it is unwatched as often as it was watched.
+    void watch(const var_index_s& key);
+    void unwatch(const var_index_s& key);
+    // The value last seen, a text in full; the map's records hold 31 characters. Nothing when the parameter is
+    // not in the map, or was never read. `rt` of the key selects number or text.
+    std::optional<return_s> value(const var_index_s& key) const;
 
-    // For engines. `add_dependant` yields false when the entry is listed already.
-    bool add_dependant(const var_index_s& key, Data_entry* entry);
-    void remove_dependant(const var_index_s& key, Data_entry* entry);
+    // Asks the device for every parameter that a rule reads or somebody watches, once each. Returns a key for
+    // each that changed, or can be read again after a failure; valid until the next call. What depends on them
+    // waits for `settle`.
+    const std::vector<var_index_s>& poll();
+    // Whether `settle` has something to do.
+    bool has_unsettled() const;
+    // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last
+    // evaluated them, what these refreshes change included, until all are at rest. An entry that was never
+    // refreshed is left until it is, unless it has write rules. Also rebuilds the visible options of entries
+    // whose allowed keys changed. An entry is refreshed at most 32 times: then the circle is told in the result
+    // and in its engine's errors. Entries and engines may end meanwhile.
+    Binding_settlement settle(Data_interface* iface = nullptr);
+
+    // The product's options for `has_option`, judged as `Data_entry::isOptionStatic` judges them. Whatever is
+    // evaluated afterwards sees them.
+    void set_product_options(std::map<std::string, unsigned int> options);
+
+    // The circles in which rules drive each other, one for each group of parameters, those that write first.
+    // Conditions are not looked into. Call it when the menu is complete.
+    std::vector<Binding_cycle> find_cycles() const;
+    // Why `entry` is as it is; nothing for an entry without an engine of this registry.
+    std::optional<Binding_explanation> explain(const Data_entry& entry);
+
+    // For the engines and the caching device.
+    binding_engine::Core& core() { return *m_core; }
 
 private:
-    Data_interface* m_interface;
-    Warning_listener m_warning_listener;
+    std::unique_ptr<binding_engine::Core> m_core;
     Parameter_table m_parameters;
     std::unique_ptr<binding_language::Compiler> m_compiler;
-    var_index_map_t m_var_index_map;
+    Warning_listener m_warning_listener;
 };
 
 #endif

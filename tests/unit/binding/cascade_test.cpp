@@ -1,0 +1,309 @@
+// Rounds of refreshes: what they reach, in which order, and where they end.
+#include <frontpanel_binding/caching_device.h>
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "binding_fixture.h"
+#include "support/leaf.h"
+
+namespace {
+
+using binding_fixture::Binding_fixture;
+using binding_fixture::Number_entry;
+using binding_fixture::Option_entry;
+using support::capture;
+using support::Leaf;
+using support::Leaf_options;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Cascade_test : public Binding_fixture {
+protected:
+    Cascade_test() {
+        for (unsigned int pid = 100; pid < 110; ++pid) {
+            device.add_integer(pid, 0, -1000000, 1000000, 0);
+        }
+    }
+
+    Binding_settlement settle() {
+        Binding_settlement settlement;
+        capture(0, [&] { settlement = registry->settle(&cache); });
+        return settlement;
+    }
+    // What the panel does in a turn: look at the device, then let the menu follow.
+    Binding_settlement turn() {
+        registry->poll();
+        return settle();
+    }
+    void write(unsigned int pid, int32_t value) { cache.Set(pid, 0, &value, sizeof value); }
+
+    Caching_device cache{device, registry};
+};
+
+// A leaf that evaluates its binding when it is refreshed, and logs it.
+class Logged_leaf : public Leaf {
+public:
+    Logged_leaf(const char* name, std::vector<std::string>& log, unsigned int pid = 120)
+        : Leaf(name, nullptr, options(log, pid)) {
+        refreshes_base = true;
+    }
+    std::function<void()> on_refresh;
+
+    int Refresh(Data_interface* iface, bool eval_binding) override {
+        const int result = Leaf::Refresh(iface, eval_binding);
+        if (on_refresh) {
+            on_refresh();
+        }
+        return result;
+    }
+
+private:
+    static Leaf_options options(std::vector<std::string>& log, unsigned int pid) {
+        Leaf_options options;
+        options.log = &log;
+        options.pid = pid;
+        return options;
+    }
+};
+
+std::string refreshed(const std::string& name) {
+    return "Refresh " + name + " interface=1 eval=1";
+}
+
+TEST_F(Cascade_test, AChangeOfTheDeviceReachesWhoDependsOnIt) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Logged_leaf level("Level", log);
+    bind(gain, "visible if [100] == 1");
+    bind(level, "visible if [101] == 1");
+    refresh(gain, &cache);
+    refresh(level, &cache);
+    log.clear();
+
+    EXPECT_EQ(turn().refreshes, 0u);
+    device.set_integer(100, 0, 1);
+    const Binding_settlement settlement = turn();
+
+    EXPECT_TRUE(settlement.at_rest);
+    EXPECT_EQ(settlement.refreshes, 1u);
+    EXPECT_THAT(log, ElementsAre(refreshed("Gain")));
+    EXPECT_EQ(gain.Get_bind_vis(), VIS_TRUE);
+    EXPECT_EQ(turn().refreshes, 0u);
+}
+
+TEST_F(Cascade_test, AnEntryThatWasNeverRefreshedWaitsUntilItIs) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "visible if [100] == 1");
+    device.set_integer(100, 0, 1);
+
+    EXPECT_EQ(turn().refreshes, 0u);
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(Cascade_test, WritesDoNotWaitUntilTheirEntryIsShown) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [101] = [100] * 2");
+    device.set_integer(100, 0, 21);
+
+    EXPECT_EQ(turn().refreshes, 1u);
+    EXPECT_EQ(device.integer(101, 0), 42);
+}
+
+TEST_F(Cascade_test, AWriteReachesWhoDependsOnWhatItWrote) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    Logged_leaf second("Second", log);
+    Logged_leaf third("Third", log);
+    bind(third, "visible if [102] == 3");
+    bind(second, "set [102] = [101] + 1");
+    bind(first, "set [101] = [100] + 1");
+    settle();
+    refresh(third, &cache);
+    log.clear();
+
+    write(100, 1);
+    EXPECT_EQ(settle().refreshes, 3u);
+
+    EXPECT_EQ(device.integer(102, 0), 3);
+    EXPECT_EQ(third.Get_bind_vis(), VIS_TRUE);
+    EXPECT_EQ(log.size(), 3u);
+    EXPECT_EQ(log.back(), refreshed("Third"));
+}
+
+TEST_F(Cascade_test, AnEntryWithoutEngineIsFollowedToo) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "visible if [100] == 1");
+    refresh(gain, &cache);
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    commit(mode, 1, &cache);
+
+    EXPECT_EQ(settle().refreshes, 1u);
+    EXPECT_EQ(gain.Get_bind_vis(), VIS_TRUE);
+}
+
+TEST_F(Cascade_test, WhatACommitRefreshedIsAtRest) {
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    Number_entry gain("Gain", 103, no_level, 0, 100);
+    bind(mode, "");
+    bind(gain, "range 0..40 if [100] == 1");
+    refresh(mode, &cache);
+    refresh(gain, &cache);
+    commit(mode, 1, &cache);
+
+    EXPECT_EQ(gain.Get_max(), 40);
+    EXPECT_EQ(settle().refreshes, 0u);
+}
+
+TEST_F(Cascade_test, ACommitReachesDependantsThatNameTheVariableOtherwise) {
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    Number_entry gain("Gain", 103, no_level, 0, 100);
+    bind(mode, "");
+    bind(gain, "range 0..40 if [100.0] == 1");
+    refresh(gain, &cache);
+    commit(mode, 1, &cache);
+
+    EXPECT_EQ(gain.Get_max(), 40);
+}
+
+TEST_F(Cascade_test, AllowedKeysThatChangeRebuildTheOptionsAndLeaveAHiddenOne) {
+    Option_entry source("Source", 103, no_level);
+    bind(source, "keys 0, 2 if [100] == 1");
+    device.set_integer(103, 0, 3);
+    refresh(source, &cache);
+    settle();
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+
+    write(100, 1);
+    settle();
+    EXPECT_THAT(source.shown(), ElementsAre(0, 2));
+    EXPECT_EQ(device.integer(103, 0), 0);
+    write(100, 0);
+    settle();
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+}
+
+// ---- circles end
+
+TEST_F(Cascade_test, WritesThatGoInACircleEndAndNameTheirPath) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Logged_leaf level("Level", log);
+    bind(gain, "set [101] = [100] + 1");
+    Expression_binding* const engine = bind(level, "set [100] = [101] + 1");
+    const Binding_settlement settlement = settle();
+
+    EXPECT_FALSE(settlement.at_rest);
+    EXPECT_THAT(settlement.path, testing::AnyOf("Gain -> Level -> Gain", "Level -> Gain -> Level"));
+    EXPECT_LE(log.size(), 64u);
+    EXPECT_GE(log.size(), 32u);
+    EXPECT_TRUE(settle().at_rest);
+    EXPECT_THAT(engine->errors().size() + log.size(), testing::Gt(0u));
+}
+
+TEST_F(Cascade_test, AWriteThatDrivesItselfEnds) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Expression_binding* const engine = bind(gain, "set [100] = [100] + 1");
+    const Binding_settlement settlement = settle();
+
+    EXPECT_FALSE(settlement.at_rest);
+    EXPECT_EQ(settlement.path, "Gain -> Gain");
+    EXPECT_EQ(settlement.refreshes, 32u);
+    EXPECT_EQ(device.integer(100, 0), 32);
+    EXPECT_THAT(engine->errors(), ElementsAre("the writes do not come to rest: Gain -> Gain"));
+}
+
+TEST_F(Cascade_test, ACircleDoesNotKeepOthersFromTheirRefresh) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Logged_leaf last("Last", log);
+    bind(gain, "set [100] = [100] + 1; set [101] = [100] / 10");
+    bind(last, "set [102] = [101]");
+    EXPECT_FALSE(settle().at_rest);
+
+    EXPECT_EQ(device.integer(102, 0), device.integer(101, 0));
+}
+
+TEST_F(Cascade_test, AWriteThatFindsItsValueComesToRest) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [100] = min([100] + 1, 5)");
+    const Binding_settlement settlement = settle();
+
+    EXPECT_TRUE(settlement.at_rest);
+    EXPECT_EQ(settlement.path, "");
+    EXPECT_EQ(device.integer(100, 0), 5);
+}
+
+// ---- the structure changes meanwhile
+
+TEST_F(Cascade_test, AnEntryThatEndsMeanwhileIsNotRefreshed) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    auto second = std::make_unique<Logged_leaf>("Second", log);
+    Logged_leaf third("Third", log);
+    bind(first, "visible if [100] == 1");
+    bind(*second, "visible if [100] == 1");
+    bind(third, "visible if [100] == 1");
+    refresh(first, &cache);
+    refresh(*second, &cache);
+    refresh(third, &cache);
+    log.clear();
+    first.on_refresh = [&] { second.reset(); };
+    write(100, 1);
+
+    EXPECT_EQ(settle().refreshes, 2u);
+    EXPECT_THAT(log, ElementsAre(refreshed("First"), refreshed("Third")));
+}
+
+TEST_F(Cascade_test, AnEngineThatEndsDuringItsOwnRefreshIsLeftAlone) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    Expression_binding* const engine = bind(first, "visible if [100] == 1");
+    refresh(first, &cache);
+    first.on_refresh = [&] {
+        first.on_refresh = nullptr;
+        first.Set_binding_object(nullptr);
+        delete engine;
+    };
+    write(100, 1);
+
+    EXPECT_EQ(settle().refreshes, 1u);
+    EXPECT_TRUE(settle().at_rest);
+}
+
+TEST_F(Cascade_test, EntriesThatEndWaitingLeaveNothingBehind) {
+    std::vector<std::string> log;
+    for (int visit = 0; visit < 1000; ++visit) {
+        Logged_leaf passing("Passing", log);
+        bind(passing, "set [101] = [100]");
+        EXPECT_TRUE(registry->has_unsettled());
+    }
+    EXPECT_FALSE(registry->has_unsettled());
+    EXPECT_EQ(settle().refreshes, 0u);
+}
+
+TEST_F(Cascade_test, AnEntryThatMakesAnotherMeanwhileGetsItRefreshed) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    std::unique_ptr<Logged_leaf> mounted;
+    bind(first, "visible if [100] == 1");
+    refresh(first, &cache);
+    first.on_refresh = [&] {
+        if (!mounted) {
+            mounted = std::make_unique<Logged_leaf>("Mounted", log);
+            bind(*mounted, "set [101] = 7");
+        }
+    };
+    write(100, 1);
+    settle();
+
+    EXPECT_EQ(device.integer(101, 0), 7);
+}
+
+}  // namespace
