@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <variant>
@@ -14,16 +15,19 @@
 #include "curl_home.h"
 #include "device_link.h"
 #include "input_error.h"
-#include "interactive.h"
+#include "lcdproc_display.h"
+#include "main_loop.h"
 #include "menu_loader.h"
 #include "options.h"
 #include "output_log.h"
 #include "picture.h"
 #include "problems.h"
 #include "script_player.h"
+#include "session.h"
 #include "shipped.h"
 #include "state_file.h"
 #include "state_keeper.h"
+#include "terminal.h"
 #include "text_display.h"
 #include "whole_file.h"
 
@@ -88,9 +92,53 @@ std::string script_of(const Options& options) {
     return shipped_tour();
 }
 
+bool has_terminal(const Output_log& log) {
+    return isatty(log.out_descriptor()) != 0;
+}
+
+// Whether a person uses the panel; otherwise a script is played.
 bool is_interactive(const Options& options, const Output_log& log) {
-    return options.script.empty() && options.screenshot.empty() &&
-           isatty(log.out_descriptor()) != 0;
+    switch (options.display.kind) {
+        case Display_choice::TERMINAL:
+        case Display_choice::LCDPROC:
+            return true;
+        case Display_choice::TEXT:
+            return false;
+        case Display_choice::USUAL:
+            break;
+    }
+    return options.script.empty() && options.screenshot.empty() && has_terminal(log);
+}
+
+void check_terminal(const Options& options, const Output_log& log) {
+    if (!options.script.empty() || !options.screenshot.empty()) {
+        throw Input_error("scripts and pictures are for the display \"text\"");
+    }
+    if (options.display.kind == Display_choice::LCDPROC) {
+        return;
+    }
+    if (!has_terminal(log)) {
+        throw Input_error("standard output is no terminal: name a script with --script");
+    }
+    if (isatty(STDIN_FILENO) == 0) {
+        throw Input_error("standard input is no terminal: name a script with --script");
+    }
+}
+
+// What is in the file is never repeated in a message.
+std::optional<std::string> pin_of(const Options& options) {
+    if (options.pin_file.empty()) {
+        return std::nullopt;
+    }
+    std::string pin = read_input_file(options.pin_file);
+    while (!pin.empty() && (pin.back() == '\n' || pin.back() == '\r')) {
+        pin.pop_back();
+    }
+    if (!is_pin(pin)) {
+        throw Input_error(options.pin_file + ": expected a PIN of " + std::to_string(SHORTEST_PIN) +
+                          " to " + std::to_string(LONGEST_PIN) + " digits");
+    }
+    return pin;
 }
 
 // What the transfers of live data need while the cards run.
@@ -113,16 +161,40 @@ Script script_to_play(const Options& options) {
     return parse_script(file, read_input_file(file));
 }
 
-int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log) {
+std::unique_ptr<Front> open_front(const Options& options, const Output_log& log) {
+    if (options.display.kind == Display_choice::LCDPROC) {
+        const std::optional<Lcd_size> size =
+            options.has_size ? std::optional<Lcd_size>(options.size) : std::nullopt;
+        return std::make_unique<Lcdproc_display>(options.display, options.keys, size, std::cerr);
+    }
+    return std::make_unique<Terminal>(log.out_descriptor());
+}
+
+// A terminal that shows the panel has no room for what is said to standard error meanwhile.
+int use_front(const Options& options, Controller& controller, Memory_device& device,
+              Output_log& log, const End_watch& end) {
+    const bool on_terminal = options.display.kind != Display_choice::LCDPROC;
+    if (on_terminal) {
+        log.take_errors();
+    }
+    device.time_for_timeout = options.time_out;
+    const auto clock = [] { return std::chrono::steady_clock::now(); };
+    Session session(controller, device, pin_of(options), clock());
+    const int status = Main_loop(session, *open_front(options, log), clock).run(end);
+    if (on_terminal) {
+        log.return_errors();
+    }
+    return status;
+}
+
+int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log,
+        const std::optional<End_watch>& end) {
     Controller controller(menu.root(), link_to(menu.device()), options.size);
     controller.configure(menu.encoder_settings(), &menu.editor_settings());
     menu.bindings()->set_warning_listener(
         [&controller](const std::string& text) { controller.warn(text); });
-    if (!script) {
-        log.take_errors();
-        const int status = use_terminal(controller, log.out_descriptor());
-        log.return_errors();
-        return status;
+    if (end) {
+        return use_front(options, controller, menu.device(), log, *end);
     }
     if (!options.screenshot.empty()) {
         return take_picture(options, *script, controller, menu);
@@ -157,18 +229,21 @@ int use_keeping_values(const Options& options, Memory_device& device,
 }
 
 int show(const Options& options, Output_log& log) {
+    std::optional<End_watch> end;  // for a person at the panel
+    if (is_interactive(options, log)) {
+        check_terminal(options, log);
+        end.emplace();
+    }
     const Loaded_menu loaded = load(options, log, Cards::ON);
     std::optional<Script> script;
-    if (!is_interactive(options, log)) {
+    if (!end) {
         script = script_to_play(options);
-    } else if (isatty(STDIN_FILENO) == 0) {
-        throw Input_error("standard input is no terminal: name a script with --script");
     }
     Menu& menu = *loaded.menu;
     const std::optional<Curl_home> curl_home = prepare_transfers(menu);
     VarIdDataInfStore::m_pDataAccessInf = &menu.device();
     return use_keeping_values(options, menu.device(),
-                              [&] { return use(options, script, menu, log); });
+                              [&] { return use(options, script, menu, log, end); });
 }
 
 // A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to

@@ -40,6 +40,8 @@ public:
     void press(const Key& key);
     // Reads what is shown from the device again.
     void tick();
+    // From now on frames have this size.
+    void set_size(Lcd_size size) { m_size = size; }
     // Draws the front as it stands. Long texts scroll by one character a call.
     Frame draw();
 

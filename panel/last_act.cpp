@@ -1,5 +1,7 @@
 #include "last_act.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <csignal>
 #include <cstddef>
@@ -23,6 +25,13 @@ extern "C" void act_and_end(int signal_number) {
     }
     std::signal(signal_number, SIG_DFL);
     std::raise(signal_number);
+}
+
+void unblock(int signal_number) {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, signal_number);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 template <std::size_t COUNT>
@@ -54,6 +63,13 @@ Last_act::~Last_act() {
         handle(REQUESTS, SIG_DFL);
     }
     --act_count;
+}
+
+void end_by_signal(int signal_number) {
+    constexpr int SIGNAL_STATUS = 128;
+    act_and_end(signal_number);
+    unblock(signal_number);
+    _exit(SIGNAL_STATUS + signal_number);
 }
 
 }  // namespace panel

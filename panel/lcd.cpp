@@ -2,33 +2,32 @@
 
 #include <algorithm>
 
+#include "character_set.h"
+
 namespace panel {
-namespace {
-
-char printable(char byte) {
-    return byte >= ' ' && byte <= '~' ? byte : '?';
-}
-
-}  // namespace
 
 Lcd::Lcd(Lcd_size size)
     : m_size(size),
       m_lines(static_cast<size_t>(size.rows), std::string(static_cast<size_t>(size.columns), ' ')) {
 }
 
-void Lcd::put(int row, int column, std::string_view text) {
+void Lcd::put_cells(int row, int column, std::string_view cells) {
     if (row < 0 || row >= m_size.rows || column < 0 || column >= m_size.columns) {
         return;
     }
-    const size_t room = static_cast<size_t>(m_size.columns - column);
-    const std::string_view shown = text.substr(0, room);
+    const std::string_view shown = cells.substr(0, static_cast<size_t>(m_size.columns - column));
     std::string& line = m_lines[static_cast<size_t>(row)];
-    std::transform(shown.begin(), shown.end(), line.begin() + column, printable);
+    std::copy(shown.begin(), shown.end(), line.begin() + column);
+}
+
+void Lcd::put(int row, int column, std::string_view text) {
+    put_cells(row, column, cells_of(text, m_lost));
 }
 
 void Lcd::put_right(int row, std::string_view text) {
-    const int length = static_cast<int>(std::min(text.size(), static_cast<size_t>(m_size.columns)));
-    put(row, m_size.columns - length, text);
+    const std::string cells = cells_of(text, m_lost);
+    const size_t length = std::min(cells.size(), static_cast<size_t>(m_size.columns));
+    put_cells(row, m_size.columns - static_cast<int>(length), cells);
 }
 
 void Lcd::set_cursor(int row, int column) {

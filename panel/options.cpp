@@ -72,6 +72,43 @@ public:
     }
 };
 
+// An option whose text is parsed elsewhere, which throws Input_error.
+template <typename Value, typename Parse>
+CLI::Option* add_parsed(CLI::App& app, const std::string& name, Value& value, Parse parse,
+                        const std::string& description) {
+    const auto take = [name, &value, parse](const std::string& text) {
+        try {
+            value = parse(text);
+        } catch (const Input_error& error) {
+            throw CLI::ValidationError(name, error.what());
+        }
+    };
+    return app.add_option_function<std::string>(name, take, description);
+}
+
+int parse_time_out(const std::string& text) {
+    constexpr int LONGEST = 86400;
+    const std::optional<int> seconds = dimension(text, 0, LONGEST);
+    if (!seconds) {
+        throw Input_error("expected seconds from 0 to " + std::to_string(LONGEST) + ", found \"" +
+                          text + "\"");
+    }
+    return *seconds;
+}
+
+void describe_front(CLI::App& app, Options& options) {
+    add_parsed(app, "--display", options.display, parse_display,
+               "terminal, text, lcdproc[:ADDRESS[:PORT]]")
+        ->type_name("DISPLAY");
+    add_parsed(app, "--keys", options.keys, parse_key_map,
+               "Keys of lcdproc, such as Enter=select,F1=1")
+        ->type_name("KEYS");
+    add_parsed(app, "--timeout", options.time_out, parse_time_out,
+               "Rests without keys for so long, 300; 0: never")
+        ->type_name("SECONDS");
+    add_file(app, "--pin-file", options.pin_file, "A resting panel asks for the PIN in this file");
+}
+
 // Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1 and one in
 // packaging/completion.
 void describe(CLI::App& app, Options& options) {
@@ -86,6 +123,7 @@ void describe(CLI::App& app, Options& options) {
                if (!error.empty()) {
                    throw CLI::ValidationError("--size", error);
                }
+               options.has_size = true;
            },
            "The display's characters, 20x2 unless told")
         ->type_name("COLUMNSxROWS");
@@ -94,6 +132,7 @@ void describe(CLI::App& app, Options& options) {
     add_file(app, "--log", options.log, "Where the library's diagnostics go");
     app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401")
         ->type_name("MASK");
+    describe_front(app, options);
     app.add_flag("--check", options.check, "Only check the menu, and the script if any");
     app.footer(
         "frontpanel --menu my.json --state my.values     values survive a restart\n"

@@ -7,6 +7,8 @@
 #include <string>
 #include <variant>
 
+#include "display_choice.h"
+#include "key_map.h"
 #include "lcd.h"
 
 namespace panel {
@@ -23,8 +25,13 @@ struct Options {
     std::string state;       // file with the device's values; empty: they are not kept
     std::string screenshot;  // file for a picture; empty: the panel is shown instead
     Lcd_size size;
-    uint32_t debug = 0;  // mask of the library's diagnostics
-    bool check = false;  // only check the menu, and the script if one is named
+    bool has_size = false;  // `size` was named
+    Display_choice display;
+    Key_map keys = usual_keys();  // of a display server
+    int time_out = 300;           // seconds without a key until the panel rests; 0 for never
+    std::string pin_file;         // empty: the panel does not lock
+    uint32_t debug = 0;           // mask of the library's diagnostics
+    bool check = false;           // only check the menu, and the script if one is named
 };
 
 // The options, or the status to exit with: after the help or the version was printed to `out`, or one line that

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "character_set.h"
 #include "whole_file.h"
 
 namespace panel {
@@ -105,9 +106,9 @@ std::string line(const Lcd& lcd, int row) {
         const char character = lcd.line(row)[static_cast<size_t>(column)];
         if (character != ' ') {
             const Place place = cell_place(row, column);
-            text +=
-                print(place.x + CELL_WIDTH / 2, place.y + BASELINE,
-                      is_cursor(lcd, row, column) ? "inverse" : "ink", std::string(1, character));
+            text += print(place.x + CELL_WIDTH / 2, place.y + BASELINE,
+                          is_cursor(lcd, row, column) ? "inverse" : "ink",
+                          text_of(std::string(1, character)));
         }
     }
     return text;
@@ -165,7 +166,7 @@ std::string knob(Lcd_size lcd) {
 std::string description(const Lcd& lcd) {
     std::string text = "<title>Front panel</title>\n<desc>";
     for (int row = 0; row < lcd.size().rows; ++row) {
-        text += (row == 0 ? "|" : "\n|") + escaped(lcd.line(row)) + "|";
+        text += (row == 0 ? "|" : "\n|") + escaped(text_of(lcd.line(row))) + "|";
     }
     return text + "</desc>\n";
 }

@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "character_set.h"
 #include "input_error.h"
 
 namespace panel {
@@ -201,7 +202,7 @@ std::optional<std::string> Script_player::line_difference(const Step& step) cons
     if (step.row >= m_frame->lcd.size().rows) {
         return "the display has no line " + std::to_string(step.row + 1);
     }
-    const std::string& shown = m_frame->lcd.line(step.row);
+    const std::string shown = text_of(m_frame->lcd.line(step.row));
     if (matches(shown, step.text)) {
         return std::nullopt;
     }

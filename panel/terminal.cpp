@@ -1,6 +1,7 @@
 #include "terminal.h"
 
 #include <curses.h>
+#include <langinfo.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "character_set.h"
 #include "input_error.h"
 
 namespace panel {
@@ -40,9 +42,27 @@ bool moves_cursor() {
     return sequence != nullptr && sequence != no_text;
 }
 
+// A terminal that went away answers every wait at once, with nothing.
+bool input_is_gone() {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    return poll(&input, 1, 0) > 0 && (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+}
+
 std::string terminal_type() {
     const char* const type = std::getenv("TERM");
     return "terminal type \"" + std::string(type == nullptr ? "" : type) + "\"";
+}
+
+// A terminal of another character set shows what it has of ours.
+std::string terminal_text(const std::string& cells) {
+    if (std::string(nl_langinfo(CODESET)) == "UTF-8") {
+        return text_of(cells);
+    }
+    std::string text = cells;
+    std::replace_if(
+        text.begin(), text.end(), [](char cell) { return static_cast<unsigned char>(cell) > 0x7E; },
+        '?');
+    return text;
 }
 
 std::string size_text(Lcd_size size) {
@@ -60,14 +80,14 @@ Lcd_size terminal_size_for(Lcd_size lcd) {
             lcd.rows + 2 * BORDER + LED_ROWS + static_cast<int>(std::size(LEGEND))};
 }
 
-std::optional<Terminal_event> event_of(int code) {
+std::optional<Front_event> event_of(int code) {
     if (code >= '1' && code <= '9') {
-        return Terminal_event{Terminal_event::KEY, {Key::SHORTCUT, code - '0'}};
+        return Front_event{Front_event::KEY, {Key::SHORTCUT, code - '0'}};
     }
     if (code > KEY_F0 && code <= KEY_F0 + LAST_FUNCTION_KEY) {
-        return Terminal_event{Terminal_event::KEY, {Key::SHORTCUT, code - KEY_F0}};
+        return Front_event{Front_event::KEY, {Key::SHORTCUT, code - KEY_F0}};
     }
-    const auto key = [](Key::Kind kind) { return Terminal_event{Terminal_event::KEY, {kind}}; };
+    const auto key = [](Key::Kind kind) { return Front_event{Front_event::KEY, {kind}}; };
     switch (code) {
         case KEY_UP:
             return key(Key::UP);
@@ -92,9 +112,9 @@ std::optional<Terminal_event> event_of(int code) {
             return key(Key::DELETE);
         case 'q':
         case 'Q':
-            return Terminal_event{Terminal_event::QUIT};
+            return Front_event{Front_event::QUIT};
         case KEY_RESIZE:
-            return Terminal_event{Terminal_event::REDRAW};
+            return Front_event{Front_event::REDRAW};
         default:
             return std::nullopt;
     }
@@ -119,6 +139,7 @@ Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nu
     noecho();
     nonl();
     keypad(stdscr, TRUE);
+    nodelay(stdscr, TRUE);
     set_escdelay(ESCAPE_DELAY_MS);
 }
 
@@ -138,7 +159,7 @@ void Terminal::show(const Frame& frame) {
             "needs " + size_text(needed) + ", has " + size_text({COLS, LINES});
         mvaddnstr(1, 0, sizes.c_str(), COLS);
     } else {
-        draw_lcd(frame.lcd);
+        draw_lcd(frame.lcd, frame.dim);
         const int below = frame.lcd.size().rows + 2 * BORDER;
         draw_leds(below, frame.leds);
         draw_legend(below + LED_ROWS);
@@ -147,7 +168,7 @@ void Terminal::show(const Frame& frame) {
     refresh();
 }
 
-void Terminal::draw_lcd(const Lcd& lcd) const {
+void Terminal::draw_lcd(const Lcd& lcd, bool dim) const {
     const int right = lcd.size().columns + BORDER;
     const int bottom = lcd.size().rows + BORDER;
     mvhline(0, BORDER, ACS_HLINE, lcd.size().columns);
@@ -158,14 +179,17 @@ void Terminal::draw_lcd(const Lcd& lcd) const {
     mvaddch(0, right, ACS_URCORNER);
     mvaddch(bottom, 0, ACS_LLCORNER);
     mvaddch(bottom, right, ACS_LRCORNER);
+    attrset(dim ? A_DIM : A_NORMAL);
     for (int row = 0; row < lcd.size().rows; ++row) {
-        mvaddstr(BORDER + row, BORDER, lcd.line(row).c_str());
+        mvaddstr(BORDER + row, BORDER, terminal_text(lcd.line(row)).c_str());
     }
+    attrset(A_NORMAL);
 }
 
 void Terminal::draw_leds(int row, const Leds& leds) const {
     const std::string text = std::string(leds.edit ? "(*)" : "( )") + " Edit  " +
-                             (leds.alarm ? "(*)" : "( )") + " Alarm";
+                             (leds.alarm ? "(*)" : "( )") + " Alarm  " +
+                             (leds.heart ? "(*)" : "( )") + " Alive";
     mvaddstr(row, 0, text.c_str());
 }
 
@@ -183,9 +207,21 @@ void Terminal::place_cursor(const Lcd& lcd) const {
     }
 }
 
-Terminal_event Terminal::wait(std::chrono::milliseconds time) {
-    timeout(static_cast<int>(time.count()));
-    return event_of(getch()).value_or(Terminal_event{Terminal_event::NOTHING});
+pollfd Terminal::source() const {
+    return {STDIN_FILENO, POLLIN, 0};
+}
+
+std::optional<Front_event> Terminal::next(Time) {
+    if (input_is_gone()) {
+        return Front_event{Front_event::QUIT};
+    }
+    // A key without a meaning is passed over.
+    for (int code = getch(); code != ERR; code = getch()) {
+        if (const std::optional<Front_event> event = event_of(code)) {
+            return event;
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace panel

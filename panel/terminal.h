@@ -5,32 +5,19 @@
 #ifndef FRONTPANEL_PANEL_TERMINAL_H
 #define FRONTPANEL_PANEL_TERMINAL_H
 
-#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "display.h"
-#include "key.h"
+#include "front.h"
 #include "last_act.h"
 
 struct screen;  // of the curses library
 
 namespace panel {
 
-struct Terminal_event {
-    enum Kind {
-        KEY,
-        QUIT,
-        REDRAW,  // the terminal changed its size
-        NOTHING  // the time is over, or the key means nothing
-    };
-    Kind kind;
-    Key key{Key::UP};  // of KEY
-};
-
-class Terminal : public Display {
+class Terminal : public Front {
 public:
     // `output` is a descriptor of a terminal, which standard input is too. Input_error when the terminal's
     // type is not known or cannot move its cursor.
@@ -39,10 +26,13 @@ public:
 
     // On a terminal that is too small a message stands in the frame's place.
     void show(const Frame& frame) override;
-    Terminal_event wait(std::chrono::milliseconds time);
+    std::optional<Front_event> next(Time now) override;
+    pollfd source() const override;
+    // Keys come with the source.
+    Time due() const override { return Time::max(); }
 
 private:
-    void draw_lcd(const Lcd& lcd) const;
+    void draw_lcd(const Lcd& lcd, bool dim) const;
     void draw_leds(int row, const Leds& leds) const;
     void draw_legend(int row) const;
     void place_cursor(const Lcd& lcd) const;
@@ -56,7 +46,7 @@ private:
 };
 
 // What a key of the terminal means; nothing for one without a meaning. `code` is as the curses library has it.
-std::optional<Terminal_event> event_of(int code);
+std::optional<Front_event> event_of(int code);
 
 // Terminal rows and columns that a display of this size takes, with its legend.
 Lcd_size terminal_size_for(Lcd_size lcd);

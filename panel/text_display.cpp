@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "character_set.h"
+
 namespace panel {
 namespace {
 
@@ -16,7 +18,7 @@ void Text_display::show(const Frame& frame) {
         "+" + std::string(static_cast<size_t>(frame.lcd.size().columns), '-') + "+\n";
     m_out << edge;
     for (int row = 0; row < frame.lcd.size().rows; ++row) {
-        m_out << '|' << frame.lcd.line(row) << "|\n";
+        m_out << '|' << text_of(frame.lcd.line(row)) << "|\n";
     }
     m_out << edge << lamp(frame.leds.edit) << " Edit  " << lamp(frame.leds.alarm) << " Alarm\n";
 }

@@ -1,19 +1,23 @@
 # bash completion for frontpanel                                                   -*- shell-script -*-
 
 _frontpanel() {
-    local options='--help --version --menu --script --size --state --screenshot --log --debug --check'
+    local options='--help --version --menu --script --size --state --screenshot --log --debug --display --keys --timeout --pin-file --check'
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
     COMPREPLY=()
     case $previous in
         --menu) pattern='!*.json' ;;
         --script) pattern='!*.script' ;;
         --screenshot) pattern='!*.svg' ;;
-        --log | --state) pattern='' ;;
+        --log | --state | --pin-file) pattern='' ;;
         --size)
             mapfile -t COMPREPLY < <(compgen -W '16x2 20x2 20x4 24x2 40x2 40x4' -- "$current")
             return
             ;;
-        --debug) return ;;
+        --display)
+            mapfile -t COMPREPLY < <(compgen -W 'terminal text lcdproc' -- "$current")
+            return
+            ;;
+        --debug | --keys | --timeout) return ;;
         *)
             mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
             return

@@ -47,8 +47,18 @@ TEST(Lcd, PutsTextAtTheRightEdge) {
 
 TEST(Lcd, ShowsAQuestionMarkForWhatADisplayCannotShow) {
     Lcd lcd({16, 2});
-    lcd.put(0, 0, "a\x01z\n\x7f\xc3\xa4~ ");
+    lcd.put(0, 0, "a\x01z\n\x7f\xe2\x82\xac\xff~ ");
     EXPECT_EQ(lcd.line(0), "a?z????~        ");
+    EXPECT_EQ(lcd.lost(), (std::set<char32_t>{0x1, 0xA, 0x7F, 0x20AC}));
+}
+
+TEST(Lcd, CountsCellsAndNotBytes) {
+    Lcd lcd({16, 2});
+    lcd.put(0, 13, "20\xc2\xb0 C");
+    lcd.put_right(1, " \xc2\xb5\xc2\xb5");
+    EXPECT_EQ(lcd.line(0), "             20\xb0");
+    EXPECT_EQ(lcd.line(1), "              \xb5\xb5");
+    EXPECT_TRUE(lcd.lost().empty());
 }
 
 TEST(Lcd, RemembersItsCursor) {

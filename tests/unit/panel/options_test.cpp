@@ -131,5 +131,40 @@ TEST(Options, TheVersionIsOneLine) {
     EXPECT_EQ(outcome.errors, "");
 }
 
+TEST(Options, TellDisplayKeysTimeOutAndPin) {
+    const Options usual = options_of({});
+    EXPECT_FALSE(usual.has_size);
+    EXPECT_EQ(usual.display.kind, Display_choice::USUAL);
+    EXPECT_EQ(usual.keys.size(), 6U);
+    EXPECT_EQ(usual.time_out, 300);
+    EXPECT_EQ(usual.pin_file, "");
+
+    const Options options =
+        options_of({"--display", "lcdproc:localhost:2000", "--keys", "A=select,B=1", "--timeout",
+                    "0", "--pin-file", "pin", "--size", "16x2"});
+    EXPECT_TRUE(options.has_size);
+    EXPECT_EQ(options.display.kind, Display_choice::LCDPROC);
+    EXPECT_EQ(options.display.port, 2000);
+    EXPECT_EQ(options.keys.at("B").button, 1);
+    EXPECT_EQ(options.time_out, 0);
+    EXPECT_EQ(options.pin_file, "pin");
+}
+
+TEST(Options, WhatIsNoDisplayKeyMapOrTimeOutIsOneLine) {
+    const std::vector<std::vector<const char*>> CASES = {
+        {"--display", "screen"}, {"--keys", "A=jump"},     {"--timeout", "-1"},
+        {"--timeout", "86401"},  {"--timeout", "a while"}, {"--pin-file", ""},
+    };
+    for (const std::vector<const char*>& arguments : CASES) {
+        const Outcome outcome = parse(arguments);
+        ASSERT_TRUE(std::holds_alternative<int>(outcome.result)) << arguments[1];
+        EXPECT_EQ(std::get<int>(outcome.result), EXIT_BAD_INPUT) << arguments[1];
+        EXPECT_EQ(outcome.errors.rfind(std::string("frontpanel: ") + arguments[0], 0), 0U)
+            << outcome.errors;
+        EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1)
+            << outcome.errors;
+    }
+}
+
 }  // namespace
 }  // namespace panel

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "character_set.h"
 #include "controller.h"
 #include "input_error.h"
 #include "json_places.h"
@@ -20,7 +21,7 @@ using Lines = std::vector<std::string>;
 inline Lines lines_of(const Frame& frame) {
     Lines lines;
     for (int row = 0; row < frame.lcd.size().rows; ++row) {
-        lines.push_back(frame.lcd.line(row));
+        lines.push_back(text_of(frame.lcd.line(row)));
     }
     return lines;
 }

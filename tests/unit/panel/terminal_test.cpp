@@ -23,15 +23,15 @@ TEST(Terminal, KeysMeanWhatTheLegendSays) {
         {KEY_F(1), Key::SHORTCUT, 1}, {KEY_F(12), Key::SHORTCUT, 12},
     };
     for (const Key_case& expected : CASES) {
-        const std::optional<Terminal_event> event = event_of(expected.code);
+        const std::optional<Front_event> event = event_of(expected.code);
         ASSERT_TRUE(event) << expected.code;
-        EXPECT_EQ(event->kind, Terminal_event::KEY) << expected.code;
+        EXPECT_EQ(event->kind, Front_event::KEY) << expected.code;
         EXPECT_EQ(event->key.kind, expected.kind) << expected.code;
         EXPECT_EQ(event->key.button, expected.button) << expected.code;
     }
-    EXPECT_EQ(event_of('q')->kind, Terminal_event::QUIT);
-    EXPECT_EQ(event_of('Q')->kind, Terminal_event::QUIT);
-    EXPECT_EQ(event_of(KEY_RESIZE)->kind, Terminal_event::REDRAW);
+    EXPECT_EQ(event_of('q')->kind, Front_event::QUIT);
+    EXPECT_EQ(event_of('Q')->kind, Front_event::QUIT);
+    EXPECT_EQ(event_of(KEY_RESIZE)->kind, Front_event::REDRAW);
 }
 
 TEST(Terminal, OtherKeysMeanNothing) {
