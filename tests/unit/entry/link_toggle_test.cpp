@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
+#include <random>
 
 #include "support/capture.h"
 #include "support/line_gates.h"
@@ -487,6 +489,39 @@ TEST_F(Link_toggle, ABracketInsideANameBelongsToIt) {
     store(120, {}, 3);
     capture(0, [&] { toggle_by("a=[[120]]"); });
     EXPECT_EQ(link.GetToggleExpression(), "error");
+}
+
+// Whatever a text holds, every name in it is looked up or turns it off, and nothing is left in brackets.
+TEST_F(Link_toggle, RandomTextsAreEvaluatedOrOff) {
+    store(120, {}, 3);
+    store(0, {}, 1);
+    std::mt19937 random(20261121);
+    const std::string pieces[] = {"[", "]", "120", ".", "a=", "%d", "+", ";", "-", "[120]", "=="};
+    for (int round = 0; round < 2000; ++round) {
+        std::string text;
+        for (auto left = random() % 12; left > 0; --left) {
+            text += pieces[random() % std::size(pieces)];
+        }
+        SCOPED_TRACE(text);
+        int state = -1;
+        const Captured printed = capture(0, [&] {
+            toggle_by(text);
+            state = link.CheckToggleState();
+        });
+        EXPECT_TRUE(state == 0 || state == 1);
+        if (link.GetToggleExpression() == "error") {
+            EXPECT_NE(printed.err.find("Homescreen ERROR: "), std::string::npos);
+            EXPECT_EQ(state, 0);
+        } else {
+            EXPECT_EQ(link.GetToggleExpression(), text);
+            EXPECT_EQ(printed.out, "") << "every name was recorded";
+            const std::string start = "expression[";
+            const std::size_t at = printed.err.find(start);
+            EXPECT_TRUE(at == std::string::npos ||
+                        printed.err.find('[', at + start.size()) == std::string::npos)
+                << printed.err;
+        }
+    }
 }
 
 }  // namespace
