@@ -87,6 +87,32 @@ for lines in 1 2000 8000; do
     expect 0 "" --script any.script --state values
 done
 
+# At a terminal too, however the panel ends: the user quits, or a signal asks it to end.
+# edit_at_terminal LAST_KEY: opens the number, turns it up by two, stores it and presses a last key.
+edit_at_terminal() {
+    printf '\r\033OA\033OA\r%s' "$1"
+}
+export TERM=xterm
+rm values
+edit_at_terminal q | script -qec "'$PANEL' --menu menu.json --state values" /dev/null >/dev/null || fail "status $? after q"
+grep -q '"integer":3' values || fail "after q at the terminal the values are $(cat values)"
+
+mkfifo keys
+script -qefc "echo \$\$ >process; exec '$PANEL' --menu menu.json --state values" screen <keys >/dev/null &
+terminal=$!
+exec 3>keys
+edit_at_terminal "" >&3
+until grep -q '"integer":5' values; do
+    [ "$SECONDS" -lt 60 ] || break
+    sleep 0.02
+done
+kill -s TERM "$(cat process)"
+status=0
+wait "$terminal" || status=$?
+exec 3>&-
+[ "$status" -eq 143 ] || fail "status $status after SIGTERM"
+grep -q '"integer":5' values || fail "after SIGTERM at the terminal the values are $(cat values)"
+
 # ---- pictures
 
 printf 'select\nup\n' >picture.script
