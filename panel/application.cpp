@@ -208,12 +208,11 @@ void warn(const std::string& line) {
 }
 
 // Where the values cannot be written the panel can be used all the same; the end tells what was not kept.
-int use_keeping_values(const Options& options, Memory_device& device,
-                       const std::function<int()>& use) {
+int use_keeping_values(const Options& options, Menu& menu, const std::function<int()>& use) {
     if (options.state.empty()) {
         return use();
     }
-    State_file file(options.state, device);
+    State_file file(options.state, menu.device(), menu.cards());
     for (const std::string& line : file.restore()) {
         warn(line);
     }
@@ -222,7 +221,7 @@ int use_keeping_values(const Options& options, Memory_device& device,
     } catch (const Input_error& error) {
         warn(error.what());
     }
-    State_keeper keeper(file, device);
+    State_keeper keeper(file, menu.device(), menu.cards());
     const int status = use();
     keeper.finish();
     return status;
@@ -242,8 +241,7 @@ int show(const Options& options, Output_log& log) {
     Menu& menu = *loaded.menu;
     const std::optional<Curl_home> curl_home = prepare_transfers(menu);
     VarIdDataInfStore::m_pDataAccessInf = &menu.device();
-    return use_keeping_values(options, menu.device(),
-                              [&] { return use(options, script, menu, log, end); });
+    return use_keeping_values(options, menu, [&] { return use(options, script, menu, log, end); });
 }
 
 // A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to

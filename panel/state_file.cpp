@@ -59,6 +59,10 @@ std::string from_hex(const Json_value& value) {
     return bytes;
 }
 
+int int_of(const Json_value& value) {
+    return static_cast<int>(value.integer(LOWEST, HIGHEST));
+}
+
 Memory_device::Value value_of(const Json_value& entry) {
     Memory_device::Value value{};
     value.pid = static_cast<uint32_t>(entry.member("pid").integer(0, HIGHEST_ID));
@@ -78,8 +82,9 @@ Memory_device::Value value_of(const Json_value& entry) {
     return value;
 }
 
-void write_value(rapidjson::Writer<rapidjson::StringBuffer>& writer,
-                 const Memory_device::Value& value) {
+std::string line_of(const Memory_device::Value& value) {
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
     writer.StartObject();
     writer.Key("pid");
     writer.Uint(value.pid);
@@ -94,6 +99,23 @@ void write_value(rapidjson::Writer<rapidjson::StringBuffer>& writer,
         writer.String((is_text ? value.text : to_hex(value.text)).c_str());
     }
     writer.EndObject();
+    return {buffer.GetString(), buffer.GetSize()};
+}
+
+std::string line_of(const std::pair<int, int>& document, int option) {
+    return "{\"slot\":" + std::to_string(document.first) +
+           ",\"pid\":" + std::to_string(document.second) + ",\"option\":" + std::to_string(option) +
+           "}";
+}
+
+std::string list_of(const std::vector<std::string>& lines) {
+    std::string text = "[";
+    const char* separator = "\n";
+    for (const std::string& line : lines) {
+        text += separator + line;
+        separator = ",\n";
+    }
+    return text + "\n]";
 }
 
 std::string shown(const Memory_device::Value& value) {
@@ -110,8 +132,8 @@ int give(Memory_device& device, const Memory_device::Value& value) {
 
 }  // namespace
 
-State_file::State_file(std::string file, Memory_device& device)
-    : m_file(std::move(file)), m_device(device) {}
+State_file::State_file(std::string file, Memory_device& device, Card_service* cards)
+    : m_file(std::move(file)), m_device(device), m_cards(cards) {}
 
 std::vector<std::string> State_file::restore() {
     std::vector<std::string> lines;
@@ -131,24 +153,37 @@ std::vector<std::string> State_file::restore() {
 }
 
 // As a whole, before any of it is used: of a damaged file no part can be trusted.
-State_file::Values State_file::read(const std::string& text) const {
+State_file::Content State_file::read(const std::string& text) const {
     const Source source{m_file, 0};
     Problems problems;
     const Json_node document = parse_json(source, text);
     const Json_value root(document, problems);
-    root.expect_members({"version", "values"});
+    root.expect_members({"version", "values", "selections"});
     root.member("version").integer(VERSION, VERSION);
-    Values values;
+    Content content;
     for (const Json_value& entry : root.member("values").items()) {
         const Memory_device::Value value = value_of(entry);
-        if (!values.emplace(Key(value.pid, value.varidx, value.type), value).second) {
+        if (!content.values.emplace(Key(value.pid, value.varidx, value.type), value).second) {
             entry.fail("this parameter is there twice");
         }
+    }
+    if (const auto selections = root.find("selections")) {
+        read_selections(*selections, content);
     }
     if (problems.error_count() > 0) {
         throw Input_errors(problems.errors());
     }
-    return values;
+    return content;
+}
+
+void State_file::read_selections(const Json_value& selections, Content& content) {
+    for (const Json_value& entry : selections.items()) {
+        entry.expect_members({"slot", "pid", "option"});
+        const Slot_and_pid key(int_of(entry.member("slot")), int_of(entry.member("pid")));
+        if (!content.selections.emplace(key, int_of(entry.member("option"))).second) {
+            entry.fail("this list is there twice");
+        }
+    }
 }
 
 // The oldest damaged file tells most of what went wrong, so none is replaced but the last.
@@ -166,37 +201,63 @@ std::string State_file::put_aside() const {
     return "the file is now " + aside + ", the device has its start values";
 }
 
-void State_file::apply(const Values& values, std::vector<std::string>& lines) {
-    for (const auto& [key, value] : values) {
-        if (m_device.type(value.pid, value.varidx) != value.type) {
-            m_for_others.emplace(key, value);
-        } else if (const int result = give(m_device, value); result != Memory_device::DONE) {
-            lines.push_back(m_file + ": parameter " + std::to_string(value.pid) + " with index " +
-                            std::to_string(value.varidx) + " has its start value: " + shown(value) +
-                            " is " + Memory_device::result_text(result));
+void State_file::apply(const Content& content, std::vector<std::string>& lines) {
+    for (const auto& [key, value] : content.values) {
+        apply(value, lines);
+    }
+    for (const auto& [document, option] : content.selections) {
+        apply(document, option, lines);
+    }
+}
+
+void State_file::apply(const Memory_device::Value& value, std::vector<std::string>& lines) {
+    if (m_device.type(value.pid, value.varidx) != value.type) {
+        m_for_others.values.emplace(Key(value.pid, value.varidx, value.type), value);
+    } else if (const int result = give(m_device, value); result != Memory_device::DONE) {
+        lines.push_back(m_file + ": parameter " + std::to_string(value.pid) + " with index " +
+                        std::to_string(value.varidx) + " has its start value: " + shown(value) +
+                        " is " + Memory_device::result_text(result));
+    }
+}
+
+// -1 stands for nothing selected, as on a tree at first.
+void State_file::apply(const Slot_and_pid& document, int option, std::vector<std::string>& lines) {
+    const auto [slot, pid] = document;
+    if (m_cards == nullptr || !m_cards->has_document(slot, pid)) {
+        m_for_others.selections.emplace(document, option);
+    } else if (option >= 0 && !m_cards->select(slot, pid, option)) {
+        lines.push_back(m_file + ": list " + std::to_string(pid) + " of the card in slot " +
+                        std::to_string(slot) + " has its start selection: there is no option " +
+                        std::to_string(option));
+    }
+}
+
+State_file::Content State_file::content() const {
+    Content content = m_for_others;
+    for (const Memory_device::Value& value : m_device.values()) {
+        content.values.insert_or_assign(Key(value.pid, value.varidx, value.type), value);
+    }
+    if (m_cards != nullptr) {
+        for (const auto& [slot, pid, option] : m_cards->selections()) {
+            content.selections.insert_or_assign(Slot_and_pid(slot, pid), option);
         }
     }
+    return content;
 }
 
 void State_file::save() const {
-    write_whole_file(m_file, text());
-}
-
-std::string State_file::text() const {
-    Values values = m_for_others;
-    for (const Memory_device::Value& value : m_device.values()) {
-        values.insert_or_assign(Key(value.pid, value.varidx, value.type), value);
+    const Content kept = content();
+    std::vector<std::string> values;
+    for (const auto& [key, value] : kept.values) {
+        values.push_back(line_of(value));
     }
-    std::string text = "{\"version\": " + std::to_string(VERSION) + ", \"values\": [";
-    const char* separator = "\n";
-    for (const auto& [key, value] : values) {
-        rapidjson::StringBuffer buffer;
-        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-        write_value(writer, value);
-        text += separator + std::string(buffer.GetString(), buffer.GetSize());
-        separator = ",\n";
+    std::vector<std::string> selections;
+    for (const auto& [document, option] : kept.selections) {
+        selections.push_back(line_of(document, option));
     }
-    return text + "\n]}\n";
+    write_whole_file(
+        m_file, "{\"version\": " + std::to_string(VERSION) + ", \"values\": " + list_of(values) +
+                    (selections.empty() ? "" : ", \"selections\": " + list_of(selections)) + "}\n");
 }
 
 }  // namespace panel

@@ -1,20 +1,25 @@
-// The values of the simulated device in a file, so that they survive a restart. docs/state-file.md describes it.
+// The values of the simulated device, and what is selected on its cards, in a file, so that they survive a restart.
+// docs/state-file.md describes it.
 #ifndef FRONTPANEL_PANEL_STATE_FILE_H
 #define FRONTPANEL_PANEL_STATE_FILE_H
 
+#include <frontpanel_device/card_service.h>
 #include <frontpanel_device/memory_device.h>
 
 #include <map>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace panel {
 
+class Json_value;
+
 class State_file {
 public:
-    // The device outlives the object.
-    State_file(std::string file, Memory_device& device);
+    // Device and cards outlive the object; `cards` is null where none run.
+    State_file(std::string file, Memory_device& device, Card_service* cards = nullptr);
 
     const std::string& name() const { return m_file; }
 
@@ -30,16 +35,24 @@ public:
 
 private:
     using Key = std::tuple<uint32_t, uint32_t, RETURN_TYPE>;
-    using Values = std::map<Key, Memory_device::Value>;
+    using Slot_and_pid = std::pair<int, int>;
+    struct Content {
+        std::map<Key, Memory_device::Value> values;
+        std::map<Slot_and_pid, int> selections;
+    };
 
-    Values read(const std::string& text) const;
+    Content read(const std::string& text) const;
+    static void read_selections(const Json_value& selections, Content& content);
     std::string put_aside() const;
-    void apply(const Values& values, std::vector<std::string>& lines);
-    std::string text() const;
+    void apply(const Content& content, std::vector<std::string>& lines);
+    void apply(const Memory_device::Value& value, std::vector<std::string>& lines);
+    void apply(const Slot_and_pid& document, int option, std::vector<std::string>& lines);
+    Content content() const;
 
     std::string m_file;
     Memory_device& m_device;
-    Values m_for_others;  // what this device does not have
+    Card_service* m_cards;
+    Content m_for_others;  // what this device does not have
 };
 
 }  // namespace panel

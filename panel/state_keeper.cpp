@@ -25,15 +25,21 @@ private:
 
 }  // namespace
 
-State_keeper::State_keeper(State_file& file, Memory_device& device, std::chrono::milliseconds delay)
-    : m_file(file), m_device(device), m_delay(delay) {
+State_keeper::State_keeper(State_file& file, Memory_device& device, Card_service* cards,
+                           std::chrono::milliseconds delay)
+    : m_file(file), m_device(device), m_cards(cards), m_delay(delay) {
     const No_signals no_signals;
     m_thread = std::thread([this] { run(); });
-    m_device.set_change_listener([this] {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_is_dirty = true;
-        m_changed.notify_one();
-    });
+    m_device.set_change_listener([this] { note_change(); });
+    if (m_cards != nullptr) {
+        m_cards->set_change_listener([this] { note_change(); });
+    }
+}
+
+void State_keeper::note_change() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_is_dirty = true;
+    m_changed.notify_one();
 }
 
 State_keeper::~State_keeper() {
@@ -46,6 +52,9 @@ State_keeper::~State_keeper() {
 
 void State_keeper::end_thread() {
     m_device.set_change_listener(nullptr);
+    if (m_cards != nullptr) {
+        m_cards->set_change_listener(nullptr);
+    }
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_ends = true;

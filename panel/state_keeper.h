@@ -17,9 +17,9 @@ class State_keeper {
 public:
     static constexpr std::chrono::milliseconds USUAL_DELAY{1000};
 
-    // A change is written, with all that follow it, when `delay` is over. Takes the device's change callback.
-    // File and device outlive the object.
-    State_keeper(State_file& file, Memory_device& device,
+    // A change is written, with all that follow it, when `delay` is over. Takes the change callbacks of device and
+    // cards; `cards` is null where none run. All outlive the object.
+    State_keeper(State_file& file, Memory_device& device, Card_service* cards = nullptr,
                  std::chrono::milliseconds delay = USUAL_DELAY);
     // As `finish`, but a failure is not told.
     ~State_keeper();
@@ -34,10 +34,12 @@ public:
 
 private:
     void run();
+    void note_change();
     void end_thread();
 
     State_file& m_file;
     Memory_device& m_device;
+    Card_service* m_cards;
     std::chrono::milliseconds m_delay;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;

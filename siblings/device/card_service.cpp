@@ -45,6 +45,11 @@ struct Live_document {
     int selected;
 };
 
+bool has_option(const Live_document& document, int index) {
+    return index >= 0 &&
+           (document.is_tree || static_cast<std::size_t>(index) < document.options.size());
+}
+
 struct Answer {
     int status;
     std::string body;
@@ -162,6 +167,10 @@ public:
     int port() const { return m_port; }
     void declare(const Document_key& key, Live_document document);
     int selected(const Document_key& key) const;
+    std::vector<Selection> selections() const;
+    bool has_document(const Document_key& key) const;
+    bool select(const Document_key& key, int option);
+    void set_change_listener(std::function<void()> listener);
     void set_fault(Fault fault, std::chrono::milliseconds delay);
     void set_random_faults(uint32_t seed, double probability,
                            std::chrono::milliseconds longest_delay);
@@ -192,6 +201,7 @@ private:
     std::condition_variable m_fault_changed;
     std::map<Document_key, Live_document> m_documents;
     std::deque<Request> m_requests;
+    std::function<void()> m_change_listener;
     Trouble m_trouble{Fault::NONE, std::chrono::milliseconds(0)};
     std::optional<Dice> m_dice;  // while the faults are drawn
     int m_orders = 0;            // how often other faults were asked for
@@ -250,6 +260,35 @@ int Card_service::Server::selected(const Document_key& key) const {
     const Lock lock(m_mutex);
     const auto found = m_documents.find(key);
     return found != m_documents.end() ? found->second.selected : -1;
+}
+
+std::vector<Card_service::Selection> Card_service::Server::selections() const {
+    const Lock lock(m_mutex);
+    std::vector<Selection> selections;
+    for (const auto& [key, document] : m_documents) {
+        selections.push_back({key.first, key.second, document.selected});
+    }
+    return selections;
+}
+
+bool Card_service::Server::has_document(const Document_key& key) const {
+    const Lock lock(m_mutex);
+    return m_documents.count(key) != 0;
+}
+
+bool Card_service::Server::select(const Document_key& key, int option) {
+    const Lock lock(m_mutex);
+    const auto found = m_documents.find(key);
+    if (found == m_documents.end() || !has_option(found->second, option)) {
+        return false;
+    }
+    found->second.selected = option;
+    return true;
+}
+
+void Card_service::Server::set_change_listener(std::function<void()> listener) {
+    const Lock lock(m_mutex);
+    m_change_listener = std::move(listener);
 }
 
 void Card_service::Server::set_fault(Fault fault, std::chrono::milliseconds delay) {
@@ -349,12 +388,14 @@ Answer Card_service::Server::keep_selection(const httplib::Request& request) {
     }
     Live_document& document = found->second;
     const auto index = posted_index(request.body);
-    const bool known =
-        index && (document.is_tree || static_cast<std::size_t>(*index) < document.options.size());
-    if (!known) {
+    if (!index || !has_option(document, *index)) {
         return {BAD_REQUEST, "There is no such option.\n", "text/plain"};
     }
+    const bool has_changed = document.selected != *index;
     document.selected = *index;
+    if (has_changed && m_change_listener) {
+        m_change_listener();
+    }
     return {OK, "{}\n", "application/json"};
 }
 
@@ -380,6 +421,22 @@ void Card_service::add_tree(int slot, int varid, std::string json) {
 
 int Card_service::selected(int slot, int varid) const {
     return m_server->selected({slot, varid});
+}
+
+std::vector<Card_service::Selection> Card_service::selections() const {
+    return m_server->selections();
+}
+
+bool Card_service::has_document(int slot, int varid) const {
+    return m_server->has_document({slot, varid});
+}
+
+bool Card_service::select(int slot, int varid, int option) {
+    return m_server->select({slot, varid}, option);
+}
+
+void Card_service::set_change_listener(std::function<void()> listener) {
+    m_server->set_change_listener(std::move(listener));
 }
 
 void Card_service::set_fault(Fault fault, std::chrono::milliseconds delay) {

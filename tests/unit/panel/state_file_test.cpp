@@ -179,6 +179,11 @@ TEST_F(State_file_test, EveryKindOfDamageIsTold) {
         {R"({"version": 1, "values": [{"pid": 1, "index": 0, "integer": 1},
                                       {"pid": 1, "index": 0, "integer": 1}]})",
          ": /values/1: this parameter is there twice"},
+        {R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071}]})",
+         ": /selections/0: expected a member \"option\""},
+        {R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071, "option": 1},
+                                                        {"slot": 3, "pid": 9071, "option": 1}]})",
+         ": /selections/1: this list is there twice"},
         {std::string(5000, '['), ":"},
     };
     for (const auto& [text, problem] : cases) {
@@ -226,6 +231,53 @@ TEST_F(State_file_test, ADamagedFileThatCannotBePutAsideIsRefused) {
     EXPECT_EQ(content(), "damage");
 }
 
+// ---- what is selected on cards
+
+TEST_F(State_file_test, SelectionsOnCardsSurviveARestart) {
+    Card_service cards;
+    cards.add_combo_box(3, 9071, {{"0", "Sport"}, {"1", "News"}}, 0);
+    cards.add_tree(5, 9072, "{}");
+    EXPECT_TRUE(cards.select(3, 9071, 1));
+    State_file(file(), m_device, &cards).save();
+    EXPECT_NE(content().find("], \"selections\": [\n"
+                             "{\"slot\":3,\"pid\":9071,\"option\":1},\n"
+                             "{\"slot\":5,\"pid\":9072,\"option\":-1}\n"
+                             "]}\n"),
+              std::string::npos)
+        << content();
+
+    Card_service restarted;
+    restarted.add_combo_box(3, 9071, {{"0", "Sport"}, {"1", "News"}}, 0);
+    restarted.add_tree(5, 9072, "{}");
+    EXPECT_THAT(State_file(file(), m_device, &restarted).restore(), IsEmpty());
+    EXPECT_EQ(restarted.selected(3, 9071), 1);
+    EXPECT_EQ(restarted.selected(5, 9072), -1);
+}
+
+TEST_F(State_file_test, ASelectionThatIsGoneIsDroppedWithALine) {
+    write(R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071, "option": 2}]})");
+    Card_service cards;
+    cards.add_combo_box(3, 9071, {{"0", "Sport"}, {"1", "News"}}, 1);
+    EXPECT_THAT(State_file(file(), m_device, &cards).restore(),
+                ElementsAre(file() + ": list 9071 of the card in slot 3 has its start selection: "
+                                     "there is no option 2"));
+    EXPECT_EQ(cards.selected(3, 9071), 1);
+}
+
+TEST_F(State_file_test, ASelectionOfACardThatIsNotThereIsKeptForIt) {
+    const std::string selection = R"({"slot":4,"pid":9071,"option":2})";
+    write(R"({"version": 1, "values": [], "selections": [)" + selection + "]}");
+    Card_service cards;
+    State_file with_cards(file(), m_device, &cards);
+    EXPECT_THAT(with_cards.restore(), IsEmpty());
+    with_cards.save();
+    EXPECT_NE(content().find(selection), std::string::npos);
+    State_file without_cards(file(), m_device);
+    EXPECT_THAT(without_cards.restore(), IsEmpty());
+    without_cards.save();
+    EXPECT_NE(content().find(selection), std::string::npos);
+}
+
 // ---- the thread that writes
 
 constexpr std::chrono::milliseconds AT_ONCE{0};
@@ -233,7 +285,7 @@ constexpr std::chrono::hours NOT_NOW{1};
 
 TEST_F(State_file_test, AChangeIsWrittenWithoutBeingAskedFor) {
     State_file state(file(), m_device);
-    State_keeper keeper(state, m_device, AT_ONCE);
+    State_keeper keeper(state, m_device, nullptr, AT_ONCE);
     m_device.set_integer(GAIN, 1, 5);
     while (keeper.save_count() == 0) {
         std::this_thread::yield();
@@ -243,7 +295,7 @@ TEST_F(State_file_test, AChangeIsWrittenWithoutBeingAskedFor) {
 
 TEST_F(State_file_test, ManyChangesAreWrittenOnce) {
     State_file state(file(), m_device);
-    State_keeper keeper(state, m_device, NOT_NOW);
+    State_keeper keeper(state, m_device, nullptr, NOT_NOW);
     for (int value = 1; value <= 100; ++value) {
         m_device.set_integer(GAIN, 1, value);
     }
@@ -254,7 +306,7 @@ TEST_F(State_file_test, ManyChangesAreWrittenOnce) {
 
 TEST_F(State_file_test, WithoutAChangeNothingIsWritten) {
     State_file state(file(), m_device);
-    State_keeper keeper(state, m_device, AT_ONCE);
+    State_keeper keeper(state, m_device, nullptr, AT_ONCE);
     m_device.set_integer(GAIN, 1, 0);
     keeper.finish();
     EXPECT_EQ(keeper.save_count(), 0);
@@ -264,7 +316,7 @@ TEST_F(State_file_test, WithoutAChangeNothingIsWritten) {
 TEST_F(State_file_test, TheEndTellsWhatCouldNotBeWritten) {
     const std::string absent = m_folder.file("absent/values");
     State_file state(absent, m_device);
-    State_keeper keeper(state, m_device, NOT_NOW);
+    State_keeper keeper(state, m_device, nullptr, NOT_NOW);
     m_device.set_integer(GAIN, 1, 5);
     try {
         keeper.finish();
@@ -276,7 +328,7 @@ TEST_F(State_file_test, TheEndTellsWhatCouldNotBeWritten) {
 
 TEST_F(State_file_test, WhatCouldNotBeWrittenIsWrittenLater) {
     State_file state(m_folder.file("late/values"), m_device);
-    State_keeper keeper(state, m_device, AT_ONCE);
+    State_keeper keeper(state, m_device, nullptr, AT_ONCE);
     m_device.set_integer(GAIN, 1, 5);
     fs::create_directory(m_folder.file("late"));
     while (keeper.save_count() == 0) {

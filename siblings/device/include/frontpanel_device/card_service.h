@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,6 +20,13 @@ public:
     struct Option {
         std::string value;
         std::string label;
+    };
+
+    // A document and the index that is selected in it.
+    struct Selection {
+        int slot;
+        int varid;
+        int option;
     };
 
     // How the service misbehaves.
@@ -56,6 +64,15 @@ public:
 
     // The index selected last; -1 for a document that is not declared and for a new tree.
     int selected(int slot, int varid) const;
+    // That of every declared document, by slot and variable.
+    std::vector<Selection> selections() const;
+    bool has_document(int slot, int varid) const;
+    // Selects an option as a post would. False, and nothing changed, when there is no such document or option; a tree
+    // takes any index from 0 on.
+    bool select(int slot, int varid, int option);
+    // Called after a post selected another option, on a thread of the service and under its lock: it must not use the
+    // service. Once another listener is set the former is no longer called.
+    void set_change_listener(std::function<void()> listener);
 
     // With every request alike. `delay` counts from each request's arrival, for `LATE` alone. Requests that wait go on at once when
     // another fault is set and when the service ends.
