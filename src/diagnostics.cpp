@@ -4,6 +4,7 @@
 #include <cstdio>
 
 uint32_t debug = 0;
+void (*debug_listener)(uint32_t mask) = nullptr;
 
 namespace diagnostics {
 namespace {

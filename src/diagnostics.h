@@ -68,11 +68,28 @@ struct Place {
 __attribute__((format(printf, 3, 4))) void write(Prefix prefix, const Place& place,
                                                  const char* format, ...);
 
+// Tells the listener of a line while it is printed.
+class Announcement {
+public:
+    explicit Announcement(uint32_t mask) { tell(mask); }
+    ~Announcement() { tell(0); }
+    Announcement(const Announcement&) = delete;
+    Announcement& operator=(const Announcement&) = delete;
+
+private:
+    static void tell(uint32_t mask) {
+        if (debug_listener != nullptr) {
+            debug_listener(mask);
+        }
+    }
+};
+
 }  // namespace diagnostics
 
 #define FRONTPANEL_LINE(gate, mask, prefix, function, ...)                                      \
     do {                                                                                        \
         if ((debug & (mask)) != 0 && (gate)) {                                                  \
+            const ::diagnostics::Announcement announcement(mask);                               \
             ::diagnostics::write((prefix), {(function), __FILE_NAME__, __LINE__}, __VA_ARGS__); \
         }                                                                                       \
     } while (false)

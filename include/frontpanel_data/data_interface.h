@@ -24,6 +24,11 @@ inline constexpr int BYTE_MASK = 255;
 // Read without locking.
 extern FRONTPANEL_DATA_EXPORT uint32_t debug;
 
+// Tells an application that keeps the diagnostic output which lines are which: called with a line's mask
+// before the line is printed, and with 0 after it. Lines that print whatever `debug` holds are not told. Null
+// (the start value) for nobody.
+extern FRONTPANEL_DATA_EXPORT void (*debug_listener)(uint32_t mask);
+
 // The index of a parameter: which of several equal parameters is meant (a channel, a card, ...).
 struct Index_t {
     uint32_t m_index_num;  // levels in use, 0 to 8

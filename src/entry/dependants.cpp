@@ -25,6 +25,7 @@ private:
 #define COMMIT_LINE(lines, ...)                                                        \
     do {                                                                               \
         if ((debug & (lines).mask) != 0 && ::diagnostics::leaf_gate()) {               \
+            const ::diagnostics::Announcement announcement((lines).mask);              \
             ::diagnostics::write(::diagnostics::Prefix::FUNCTION_FIRST, (lines).place, \
                                  __VA_ARGS__);                                         \
         }                                                                              \

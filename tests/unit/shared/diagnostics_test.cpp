@@ -53,6 +53,20 @@ TEST(DiagnosticLine, BeginsAsItsPrefixSays) {
               "\t\t[Op][diagnostics_test.cpp][#] n=5\n");
 }
 
+std::vector<uint32_t> g_told;
+
+TEST(DiagnosticLine, TellsTheListenerItsMaskAndItsEnd) {
+    g_told.clear();
+    debug_listener = [](uint32_t mask) { g_told.push_back(mask); };
+    const std::string out = capture(0x2, [] {
+                                LEAF_LINE(GENERAL, NONE, "Op", "closed\n");
+                                LEAF_LINE(MODEL_READ, NONE, "Op", "open\n");
+                            }).out;
+    debug_listener = nullptr;
+    EXPECT_EQ(out, "open\n");
+    EXPECT_EQ(g_told, (std::vector<uint32_t>{0x3, 0}));
+}
+
 TEST(DiagnosticLine, TakesATextWithoutArguments) {
     EXPECT_EQ(capture(0x1, [] { LEAF_LINE(GENERAL, NONE, "Op", "100 %%\n"); }).out, "100 %\n");
 }
