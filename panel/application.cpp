@@ -190,6 +190,7 @@ int use_front(const Options& options, Controller& controller, Memory_device& dev
 int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log,
         const std::optional<End_watch>& end) {
     Controller controller(menu.root(), link_to(menu.device()), options.size);
+    controller.set_log(log.lines());
     controller.configure(menu.encoder_settings(), &menu.editor_settings());
     menu.bindings()->set_warning_listener(
         [&controller](const std::string& text) { controller.warn(text); });

@@ -88,7 +88,11 @@ void Controller::press(const Key& pressed) {
     if (m_is_reversed && (key.kind == Key::UP || key.kind == Key::DOWN)) {
         key.kind = key.kind == Key::UP ? Key::DOWN : Key::UP;
     }
-    if (!m_notices.empty()) {
+    if (m_log && m_log->is_open()) {
+        m_log->press(key.kind);
+    } else if (key.kind == Key::DIAGNOSTICS) {
+        show_log();
+    } else if (!m_notices.empty()) {
         m_notices.press(key.kind);
     } else if (m_editing.is_open()) {
         m_editing.press(key);
@@ -97,7 +101,20 @@ void Controller::press(const Key& pressed) {
     }
 }
 
+void Controller::show_log() {
+    if (!m_log) {
+        m_notices.tell("Diagnostics", "not kept");
+        return;
+    }
+    const Data_entry* const entry = m_editing.is_open() ? &m_editing.entry() : m_list.selected();
+    m_log->open(entry == nullptr ? "" : entry->Get_name());
+}
+
+// What the library prints is not added to while it is read.
 void Controller::tick() {
+    if (m_log && m_log->is_open()) {
+        return;
+    }
     if (!m_editing.is_open()) {
         refresh_list();
     } else if (m_notices.empty()) {
@@ -134,6 +151,7 @@ void Controller::press_in_list(const Key& key) {
         case Key::FINER:
         case Key::INSERT:
         case Key::DELETE:
+        case Key::DIAGNOSTICS:
             break;
     }
 }
@@ -161,6 +179,9 @@ void Controller::leave() {
 
 // Level by level, as a hand would leave each menu.
 void Controller::go_home() {
+    if (m_log) {
+        m_log->close();
+    }
     if (m_editing.is_open()) {
         m_editing.drop();
     }
@@ -212,7 +233,10 @@ void Controller::refresh_list() {
 
 Frame Controller::draw() {
     Frame frame{Lcd(m_size), Leds()};
-    if (!m_notices.empty()) {
+    if (m_log && m_log->is_open()) {
+        m_log->draw(frame.lcd);
+        frame.leds.edit = m_editing.is_changing();
+    } else if (!m_notices.empty()) {
         m_notices.draw(frame);
         frame.leds.edit = m_editing.is_changing();
     } else if (m_editing.is_open()) {

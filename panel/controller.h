@@ -6,6 +6,7 @@
 #define FRONTPANEL_PANEL_CONTROLLER_H
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -14,6 +15,7 @@
 #include "key.h"
 #include "lcd.h"
 #include "list_view.h"
+#include "log_view.h"
 #include "message_queue.h"
 #include "notices.h"
 
@@ -37,6 +39,9 @@ public:
     void receive(const FrontPanel::Message& message);
     // Takes all that waits.
     void receive(Message_queue& messages);
+    // What the diagnostics key shows; outlives the controller. Without it the key says that nothing is kept.
+    void set_log(Log_lines& lines) { m_log.emplace(lines); }
+
     void press(const Key& key);
     // Reads what is shown from the device again.
     void tick();
@@ -50,6 +55,7 @@ public:
 
 private:
     void press_in_list(const Key& key);
+    void show_log();
     void select();
     void leave();
     void go_home();
@@ -66,6 +72,7 @@ private:
     bool m_is_reversed = false;
     bool m_was_slow = false;  // the write of the last message
     Editing m_editing;
+    std::optional<Log_view> m_log;
 };
 
 }  // namespace panel

@@ -40,6 +40,7 @@ std::optional<Editor_key> editor_key_of(Key::Kind kind) {
         case Key::DELETE:
             return Editor_key::DELETE;
         case Key::SHORTCUT:
+        case Key::DIAGNOSTICS:
             break;
     }
     return std::nullopt;

@@ -10,11 +10,12 @@ struct Key {
         DOWN,  // shaft encoder, one step counter-clockwise
         SELECT,
         BACK,
-        COARSER,   // a larger encoder step
-        FINER,     // a smaller encoder step
-        SHORTCUT,  // a shortcut button
-        INSERT,    // a blank into an edited text
-        DELETE     // a character of it
+        COARSER,     // a larger encoder step
+        FINER,       // a smaller encoder step
+        SHORTCUT,    // a shortcut button
+        INSERT,      // a blank into an edited text
+        DELETE,      // a character of it
+        DIAGNOSTICS  // shows what the library prints; on a device, select held for long
     };
     Kind kind;
     int button = 0;  // of SHORTCUT: the button's number

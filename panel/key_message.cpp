@@ -18,6 +18,7 @@ constexpr unsigned char COARSER_CODE = 14;
 constexpr unsigned char FINER_CODE = 15;
 constexpr unsigned char INSERT_CODE = 16;
 constexpr unsigned char DELETE_CODE = 17;
+constexpr unsigned char DIAGNOSTICS_CODE = 18;
 
 Message_pointer shaft_message(int8_t steps) {
     auto message = std::make_unique<PayloadMessage>(static_cast<unsigned short>(sizeof steps));
@@ -73,6 +74,8 @@ std::optional<Key::Kind> key_of_code(unsigned char code) {
             return Key::INSERT;
         case DELETE_CODE:
             return Key::DELETE;
+        case DIAGNOSTICS_CODE:
+            return Key::DIAGNOSTICS;
         default:
             return std::nullopt;
     }
@@ -105,6 +108,8 @@ Message_pointer message_of(const Key& key) {
             return button_message(INSERT_CODE);
         case Key::DELETE:
             return button_message(DELETE_CODE);
+        case Key::DIAGNOSTICS:
+            return button_message(DIAGNOSTICS_CODE);
         case Key::SHORTCUT:
             return shortcut_message(key.button);
     }

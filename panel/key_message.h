@@ -6,6 +6,7 @@
 // | select, back     | PushButtonUIT   | of SelectPressMessage, EscapePressMessage: 2, 0, 1, 11 or 13 |
 // | coarser, finer   | PushButtonUIT   | 2, 0, 1, 14 or 15                                           |
 // | insert, delete   | PushButtonUIT   | 2, 0, 1, 16 or 17                                           |
+// | diagnostics      | PushButtonUIT   | 2, 0, 1, 18                                                 |
 // | a shortcut       | PushButtonUIT   | the button's number in one byte, 0 to 254                   |
 // | nothing          | UserInputTimeoutT, none; or PushButtonUIT, the byte 255                       |
 #ifndef FRONTPANEL_PANEL_KEY_MESSAGE_H

@@ -1,6 +1,8 @@
 #include "output_log.h"
 
 #include <fcntl.h>
+#include <frontpanel_data/data_interface.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,11 +17,22 @@ namespace panel {
 namespace {
 
 constexpr const char* NAME = "frontpanel.log";
+Log_lines* listening_lines = nullptr;  // the library's listener has no argument for them
+
+// A file is read by the panel too. Reading a pipe or a terminal would take what is meant for somebody else.
+int access_of(const std::string& file) {
+    struct stat status {};
+    const bool is_file = stat(file.c_str(), &status) != 0 || S_ISREG(status.st_mode);
+    return is_file && (access(file.c_str(), F_OK) != 0 || access(file.c_str(), R_OK) == 0)
+               ? O_RDWR
+               : O_WRONLY;
+}
 
 int open_log(const std::string& named) {
     const std::string file = named.empty() ? default_log_file() : named;
     // The folder for temporary files is everybody's: a link that lies there already is not followed.
-    const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | (named.empty() ? O_NOFOLLOW : 0);
+    const int flags =
+        access_of(file) | O_CREAT | O_TRUNC | O_CLOEXEC | (named.empty() ? O_NOFOLLOW : 0);
     const int descriptor = open(file.c_str(), flags, 0600);
     if (descriptor < 0) {
         throw Input_error(file + ": cannot be written: " + std::strerror(errno));
@@ -49,7 +62,7 @@ std::string default_log_file() {
 }
 
 Output_log::Output_log(const std::string& file)
-    : m_buffer(duplicate(STDOUT_FILENO)), m_out(&m_buffer) {
+    : m_buffer(duplicate(STDOUT_FILENO)), m_out(&m_buffer), m_lines(STDOUT_FILENO) {
     int log = -1;
     try {
         log = open_log(file);
@@ -62,9 +75,13 @@ Output_log::Output_log(const std::string& file)
     close(log);
     // A log that is read after a crash must be complete.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    listening_lines = &m_lines;
+    debug_listener = [](uint32_t mask) { listening_lines->begin(mask); };
 }
 
 Output_log::~Output_log() {
+    debug_listener = nullptr;
+    listening_lines = nullptr;
     std::fflush(stdout);
     dup2(m_buffer.descriptor(), STDOUT_FILENO);
     close(m_buffer.descriptor());

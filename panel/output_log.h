@@ -6,13 +6,16 @@
 #include <streambuf>
 #include <string>
 
+#include "log_lines.h"
+
 namespace panel {
 
 // Where diagnostics go unless a file is named: the user's state folder, or else the folder for temporary
 // files.
 std::string default_log_file();
 
-// While it lives, whatever is printed to standard output goes to a file; the panel itself prints to `out`.
+// While it lives, whatever is printed to standard output goes to a file; the panel itself prints to `out`. One
+// at a time: it is the library's listener.
 class Output_log {
 public:
     // An empty name stands for the default file. Input_error when it cannot be written.
@@ -24,6 +27,8 @@ public:
     // What was standard output. Bad once something could not be written there.
     std::ostream& out() { return m_out; }
     int out_descriptor() const { return m_buffer.descriptor(); }
+    // What went to the file, as far as it is one that can be read.
+    Log_lines& lines() { return m_lines; }
     // Takes standard error into the log too, until it is returned or the object is gone: the terminal has no
     // place for it while the panel is on the screen.
     void take_errors();
@@ -46,6 +51,7 @@ private:
     Descriptor_buffer m_buffer;
     std::ostream m_out;
     int m_errors = -1;  // what was standard error, once taken
+    Log_lines m_lines;
 };
 
 }  // namespace panel

@@ -135,6 +135,10 @@ void read_delete(Line& line, Step& step) {
     read_press(line, step, Key::DELETE);
 }
 
+void read_diagnostics(Line& line, Step& step) {
+    read_press(line, step, Key::DIAGNOSTICS);
+}
+
 void read_shortcut(Line& line, Step& step) {
     step.kind = Step::PRESS;
     step.key = {Key::SHORTCUT, line.number(1, LAST_BUTTON, "a button")};
@@ -225,6 +229,7 @@ constexpr Word WORDS[] = {{"up", read_up},
                           {"finer", read_finer},
                           {"insert", read_insert},
                           {"delete", read_delete},
+                          {"diagnostics", read_diagnostics},
                           {"shortcut", read_shortcut},
                           {"tick", read_tick},
                           {"say", read_say},

@@ -110,6 +110,9 @@ std::optional<Front_event> event_of(int code) {
         case KEY_DC:
         case KEY_BACKSPACE:
             return key(Key::DELETE);
+        case 'd':
+        case 'D':
+            return key(Key::DIAGNOSTICS);
         case 'q':
         case 'Q':
             return Front_event{Front_event::QUIT};
