@@ -116,23 +116,27 @@ BindingListT Compiler::Tables::list(std::string_view source) const {
     const std::size_t pool = size;
     size += (pool_bytes + BYTES_PER_NUMBER - 1) / BYTES_PER_NUMBER;
 
-    BindingListT list(size);
-    list[HEADER_MAGIC] = LIST_MAGIC;
-    list[HEADER_VERSION] = LIST_VERSION;
-    list[HEADER_LENGTH] = static_cast<int>(size);
-    list[HEADER_OWN_TYPE] = own_type;
-    list[HEADER_PARAMETERS] = static_cast<int>(parameters.size() / PARAMETER_SIZE);
-    list[HEADER_OPTIONS] = static_cast<int>(options.size() / REFERENCE_SIZE);
-    list[HEADER_TEXTS] = static_cast<int>(texts.size() / REFERENCE_SIZE);
-    list[HEADER_WIDE_NUMBERS] = static_cast<int>(wide_numbers.size() / WIDE_NUMBER_SIZE);
-    list[HEADER_SEGMENTS] = static_cast<int>(segments.size());
-    list[HEADER_RULES] = static_cast<int>(rules.size() / RULE_SIZE);
-    list[HEADER_INSTRUCTIONS] = instruction_count();
-    list[HEADER_POOL_BYTES] = static_cast<int>(pool_bytes);
-    auto at = list.begin() + HEADER_SIZE;
+    int header[HEADER_SIZE] = {};
+    header[HEADER_MAGIC] = LIST_MAGIC;
+    header[HEADER_VERSION] = LIST_VERSION;
+    header[HEADER_LENGTH] = static_cast<int>(size);
+    header[HEADER_OWN_TYPE] = own_type;
+    header[HEADER_PARAMETERS] = static_cast<int>(parameters.size() / PARAMETER_SIZE);
+    header[HEADER_OPTIONS] = static_cast<int>(options.size() / REFERENCE_SIZE);
+    header[HEADER_TEXTS] = static_cast<int>(texts.size() / REFERENCE_SIZE);
+    header[HEADER_WIDE_NUMBERS] = static_cast<int>(wide_numbers.size() / WIDE_NUMBER_SIZE);
+    header[HEADER_SEGMENTS] = static_cast<int>(segments.size());
+    header[HEADER_RULES] = static_cast<int>(rules.size() / RULE_SIZE);
+    header[HEADER_INSTRUCTIONS] = instruction_count();
+    header[HEADER_POOL_BYTES] = static_cast<int>(pool_bytes);
+
+    BindingListT list;
+    list.reserve(size);
+    list.assign(std::begin(header), std::end(header));
     for (const BindingListT* const section : sections) {
-        at = std::copy(section->begin(), section->end(), at);
+        list.insert(list.end(), section->begin(), section->end());
     }
+    list.resize(size);
     char* const bytes = reinterpret_cast<char*>(list.data() + pool);
     unescaped.copy(bytes + source.copy(bytes, source.size()), unescaped.size());
     list[HEADER_CHECKSUM] = list_checksum(list.data(), list.size());
@@ -436,8 +440,8 @@ std::optional<int32_t> Compiler::Parser::integer_segment(int32_t least) {
     segment(Value_type::INTEGER);
     const std::optional<int64_t> number = constant_of_segment();
     if (number && (*number < least || *number > GREATEST)) {
-        const std::string source(begin, m_last_end);
-        fail(begin, "\"" + source + "\" is not a number from " + std::to_string(least) + " to " +
+        const std::string_view source(begin, static_cast<std::size_t>(m_last_end - begin));
+        fail(begin, quoted(source) + " is not a number from " + std::to_string(least) + " to " +
                         std::to_string(GREATEST));
     }
     return number ? std::optional<int32_t>(static_cast<int32_t>(*number)) : std::nullopt;
@@ -849,7 +853,7 @@ uint32_t Compiler::Parser::address_part(std::string_view& rest, uint32_t most) c
 
 void Compiler::Parser::type_suffix(std::string_view suffix, var_index_s& key) const {
     if (suffix != "@i" && suffix != "@s") {
-        fail(suffix.data(), "expected \"@i\" or \"@s\", found \"" + std::string(suffix) + "\"");
+        fail(suffix.data(), "expected \"@i\" or \"@s\", found " + quoted(suffix));
     }
     key.rt = suffix == "@s" ? STRING : INTEGER;
 }

@@ -44,14 +44,6 @@ std::string shown(char byte) {
     return escape;
 }
 
-std::string shown(std::string_view source) {
-    std::string text = "\"";
-    for (const char byte : source.substr(0, SHOWN_LENGTH)) {
-        text += shown(byte);
-    }
-    return text + (source.size() > SHOWN_LENGTH ? "...\"" : "\"");
-}
-
 // Digits of a base up to 16, all of them and at least one. False when `digits` holds anything else; a number
 // beyond LARGEST_MAGNITUDE becomes one more.
 bool parse(std::string_view digits, unsigned int base, uint64_t& magnitude) {
@@ -71,6 +63,14 @@ bool parse(std::string_view digits, unsigned int base, uint64_t& magnitude) {
 
 }  // namespace
 
+std::string quoted(std::string_view source) {
+    std::string text = "\"";
+    for (const char byte : source.substr(0, SHOWN_LENGTH)) {
+        text += shown(byte);
+    }
+    return text + (source.size() > SHOWN_LENGTH ? "...\"" : "\"");
+}
+
 std::string Token::description() const {
     switch (kind) {
         case END:
@@ -80,7 +80,7 @@ std::string Token::description() const {
         case QUOTE:
             return "a text";
         default:
-            return shown(source);
+            return quoted(source);
     }
 }
 

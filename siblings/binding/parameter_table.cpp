@@ -1,8 +1,8 @@
 #include <frontpanel_binding/parameter_table.h>
 
 #include <algorithm>
+#include <array>
 #include <numeric>
-#include <vector>
 
 namespace {
 
@@ -20,9 +20,13 @@ bool is_control(char byte) {
     return static_cast<unsigned char>(byte) < ' ' || byte == '\x7f';
 }
 
-// The letters to insert, drop or replace that make one text of the other.
+// The letters to insert, drop or replace that make one text of the other; texts that are very long are told to
+// be far apart.
 std::size_t distance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
+    std::array<std::size_t, 65> row;
+    if (to.size() >= row.size()) {
+        return FARTHEST + 1;
+    }
     std::iota(row.begin(), row.end(), 0U);
     for (std::size_t i = 0; i < from.size(); ++i) {
         std::size_t diagonal = row[0]++;
@@ -32,7 +36,7 @@ std::size_t distance(std::string_view from, std::string_view to) {
             row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
         }
     }
-    return row.back();
+    return row[to.size()];
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_data/binding.h>
@@ -83,6 +84,8 @@ public:
     bool reads_own_value(const Rule& rule) const;
 
     const BindingListT& list() const { return m_list; }
+    // Gives the list away; the program is of no use afterwards.
+    BindingListT take_list() && { return std::move(m_list); }
 
 private:
     friend class Run;

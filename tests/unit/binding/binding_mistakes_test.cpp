@@ -283,6 +283,8 @@ TEST(Binding_mistakes, StrangeBytesAreShown) {
         {std::string("visible\0if", 10), "line 1, column 8: unexpected character \"\\x00\""},
         {std::string("visible if 1 # \0", 16), "line 1, column 16: unexpected character \"\\x00\""},
         {"visible if 1 \x1b 2", "line 1, column 14: unexpected character \"\\x1b\""},
+        {"visible if [406@\xf3]", "line 1, column 16: expected \"@i\" or \"@s\", found \"@\\xf3\""},
+        {"range -\t9999999999..0", "line 1, column 7: \"-\\x099999999999\"" + INT32},
         {"visible if [a\xff\x1b]", "line 1, column 12: unknown parameter \"[a\\xff\\x1b]\""},
     });
 }
