@@ -1,0 +1,74 @@
+// Compiles arbitrary texts as binding rules. A text that is refused names a place inside it; the list of one that
+// is accepted passes the check for lists, tells the text's own rules, and runs.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "binding_compiler.h"
+#include "machine.h"
+#include "program.h"
+#include "unit/binding/program_exercise.h"
+
+using namespace binding_language;
+using support::require;
+
+namespace {
+
+Parameter_table declared_parameters() {
+    Parameter_table table;
+    uint32_t pid = 100;
+    for (const char* const name : {"gain", "mode", "limit", "input 1 gain", "a"}) {
+        require(table.declare(name, {INTEGER, pid++, {}}));
+    }
+    for (const char* const name : {"title", "t"}) {
+        require(table.declare(name, {STRING, pid++, {}}));
+    }
+    return table;
+}
+
+void check_error(const Compile_error& error, std::string_view source) {
+    const auto lines = static_cast<std::size_t>(std::count(source.begin(), source.end(), '\n')) + 1;
+    require(error.line >= 1 && error.line <= lines);
+    require(error.column >= 1 && error.column <= source.size() + 1);
+    require(!error.message.empty() && error.message.size() < 1000);
+    for (const char byte : error.message) {
+        require(byte >= ' ' && byte <= '~');
+    }
+}
+
+void check_program(const Program& program, std::string_view source, Machine& machine) {
+    require(program.rule_count() > 0);
+    for (std::size_t i = 0; i < program.rule_count(); ++i) {
+        const Rule rule = program.rule(i);
+        require(source.find(rule.source) != std::string_view::npos);
+        require(rule.source.find('\n') == std::string_view::npos);
+    }
+    support::exercise(program, machine);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+    static const Parameter_table parameters = declared_parameters();
+    static Compiler compiler;
+    static Machine machine;
+    const std::string source(reinterpret_cast<const char*>(data), size);
+    const RETURN_TYPE own_type = size % 3 == 0 ? STRING : size % 7 == 0 ? INVALID_TYPE : INTEGER;
+
+    const Compile_result result = compiler.compile(source, {parameters, own_type});
+    const Compile_result again = Compiler().compile(source, {parameters, own_type});
+    require(result.ok() == again.ok() && result.list == again.list);
+    if (!result.ok()) {
+        require(result.list.empty() && result.error->text() == again.error->text());
+        check_error(*result.error, source);
+        return 0;
+    }
+    std::string why;
+    const std::optional<Program> program = Program::decode(result.list, why);
+    require(program.has_value());
+    check_program(*program, source, machine);
+    return 0;
+}
