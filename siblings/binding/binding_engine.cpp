@@ -22,6 +22,9 @@ using binding_language::Value_type;
 constexpr int64_t LOWEST = std::numeric_limits<int32_t>::min();
 constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
 
+// The diagnostic lines of bindings show under this mask.
+constexpr uint32_t BINDING_MASK = 0x21;
+
 // Keys that a rule may allow an entry whose number of options is not known.
 constexpr int64_t MOST_KEYS = 4096;
 
@@ -99,10 +102,13 @@ const char* access_text(Data_entry::Data_access access) {
     return "unknown";
 }
 
+std::string_view bytes_of(const GetSetS& request) {
+    return std::string_view(reinterpret_cast<const char*>(request.buffer), request.length);
+}
+
 std::string written_text(const GetSetS& request) {
     if (request.rt == STRING) {
-        return quoted(
-            std::string_view(reinterpret_cast<const char*>(request.buffer), request.length));
+        return quoted(bytes_of(request));
     }
     int32_t value = 0;
     std::memcpy(&value, request.buffer, sizeof value);
@@ -273,6 +279,10 @@ std::vector<var_index_s> Engine::keys() const {
 
 bool Engine::evaluate(bool updates, bool tries) {
     m_errors.clear();
+    if (m_core.cascade.is_frozen() && !tries) {
+        m_errors.push_back("not evaluated: entries that limit each other do not come to rest");
+        return false;
+    }
     Reading reading(*this, tries);
     if (tries) {
         if (updates) {
@@ -512,6 +522,41 @@ void Engine::decide_warnings(Reading& reading) {
 
 void Engine::report_cascade(const std::string& path) {
     m_errors.push_back("the writes do not come to rest: " + path);
+    print_error(m_errors.back());
+}
+
+// The list is forgotten, so that the next evaluation finds it new and the entry writes again.
+void Engine::write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result) {
+    const auto failed =
+        std::find_if(m_requests.value.begin(), m_requests.value.end(), [&](const GetSetS& request) {
+            return request.varid == pid && request.varidx == varidx && bytes_of(request) == bytes;
+        });
+    if (failed != m_requests.value.end()) {
+        print_error("cannot write " + request_text(*failed) + ": device result " +
+                    std::to_string(result));
+        m_requests.value.clear();
+    }
+}
+
+void Engine::print_error(const std::string& error) const {
+    if ((debug & BINDING_MASK) != 0) {
+        std::printf("Binding error in [%s]: %s\n", name().c_str(), error.c_str());
+    }
+}
+
+void Engine::print_errors() const {
+    for (const std::string& error : m_errors) {
+        print_error(error);
+    }
+}
+
+void Engine::print_suggestions() const {
+    if ((debug & BINDING_MASK) == 0) {
+        return;
+    }
+    for (const std::string& line : suggestion_lines()) {
+        std::printf("Suggested for [%s]: %s\n", name().c_str(), line.c_str());
+    }
 }
 
 // ---- suggestions

@@ -69,8 +69,11 @@ public:
     void set_override(const var_index_s& key, return_s value);
     void clear_override() { m_override_key.reset(); }
     std::vector<var_index_s> keys() const;
-    std::vector<std::string>& errors() { return m_errors; }
     const std::vector<std::string>& errors() const { return m_errors; }
+    void clear_errors() { m_errors.clear(); }
+    // Both print under the diagnostic mask of bindings.
+    void print_errors() const;
+    void print_suggestions() const;
     // One line for each kind that has a suggestion: "range 0..4, 10..14 (new)".
     std::vector<std::string> suggestion_lines() const;
     Binding_explanation explain();
@@ -84,6 +87,7 @@ public:
     bool was_evaluated() const { return m_was_evaluated; }
     bool announces_keys() const { return m_announces_keys; }
     void report_cascade(const std::string& path);
+    void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
     const std::vector<Bound_list>& lists() const { return m_lists; }
     // The parameter that a write rule of the list writes; null when nobody refers to it otherwise.
     const Cached_parameter* find_written(const Bound_list& list,
@@ -121,6 +125,7 @@ private:
     Step take_keys(Reading& reading, const binding_language::Rule& rule);
     Step take_request(Reading& reading, const binding_language::Rule& rule);
     bool append_keys(int64_t low, int64_t high);
+    void print_error(const std::string& error) const;
     std::string request_text(const GetSetS& request) const;
     Rule_explanation explain_rule(Reading& reading, const binding_language::Rule& rule);
     std::optional<std::string> demand_text(Reading& reading, const binding_language::Rule& rule);

@@ -1,5 +1,6 @@
 #include <frontpanel_binding/caching_device.h>
 
+#include <string_view>
 #include <utility>
 
 #include "binding_core.h"
@@ -38,7 +39,8 @@ int Caching_device::Set(unsigned int pid, unsigned int varidx, const void* buffe
     if (result == 0) {
         m_registry->core().parameters.keep_write(pid, varidx, buffer, length);
     } else {
-        m_registry->core().parameters.note_failure(pid, varidx, result);
+        const std::string_view bytes(static_cast<const char*>(buffer), length);
+        m_registry->core().parameters.note_failed_write(pid, varidx, bytes, result);
     }
     return result;
 }

@@ -6,6 +6,7 @@
 #include <frontpanel_data/enum_entry.h>
 
 #include "binding_engine.h"
+#include "parameter_cache.h"
 
 namespace binding_engine {
 namespace {
@@ -39,6 +40,41 @@ Engine* Cascade::engine_of(const Data_entry* entry) const {
         return numbered.second->entry() == entry;
     });
     return entry != nullptr && found != m_engines.end() ? found->second : nullptr;
+}
+
+// A commit locks its entry while it refreshes what depends on it.
+bool Cascade::is_within_turn() const {
+    if (m_turn_began_with == nullptr) {
+        return false;
+    }
+    const std::vector<Engine*>& owners = m_turn_began_with->owners;
+    return std::any_of(owners.begin(), owners.end(), [](const Engine* owner) {
+        return owner->entry()->GetBindRefreshIsLocked();
+    });
+}
+
+void Cascade::written(Cached_parameter& parameter) {
+    if (!is_within_turn()) {
+        ++m_turn;
+        m_turn_began_with = &parameter;
+        m_is_frozen = false;
+    }
+    if (parameter.written_in != m_turn) {
+        parameter.written_in = m_turn;
+        parameter.writes = 0;
+    }
+    if (++parameter.writes > MOST_REFRESHES && !m_is_frozen) {
+        m_is_frozen = true;
+        const auto writer = m_engines.find(m_last_evaluated);
+        m_frozen_circle = writer != m_engines.end() ? circle_of(*writer->second) : "";
+    }
+}
+
+void Cascade::write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result) {
+    const auto writer = m_engines.find(m_last_evaluated);
+    if (writer != m_engines.end()) {
+        writer->second->write_failed(pid, varidx, bytes, result);
+    }
 }
 
 // An entry that was never refreshed asks for its parameters when it first is.
@@ -81,6 +117,11 @@ Engine* Cascade::take_next() {
 
 Binding_settlement Cascade::settle(Data_interface* iface) {
     Binding_settlement settlement;
+    if (!m_frozen_circle.empty()) {
+        settlement.at_rest = false;
+        settlement.path.swap(m_frozen_circle);
+    }
+    m_is_frozen = false;
     ++m_round;
     while (Engine* const engine = take_next()) {
         Cascade_state& state = engine->cascade_state();

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <frontpanel_binding/binding_report.h>
@@ -17,6 +18,7 @@
 namespace binding_engine {
 
 class Engine;
+struct Cached_parameter;
 
 // What the cascade remembers of an engine.
 struct Cascade_state {
@@ -30,7 +32,7 @@ struct Cascade_state {
 
 class Cascade {
 public:
-    // How often one entry is refreshed in a round. A longer chain of changes than that means a circle: an
+    // How often one entry is refreshed in a round, and one parameter written in a turn. A longer chain of changes than that means a circle: an
     // entry is refreshed again only when a parameter changes once more after the last refresh.
     static constexpr int MOST_REFRESHES = 32;
 
@@ -39,6 +41,13 @@ public:
     const std::map<uint64_t, Engine*>& engines() const { return m_engines; }
     // Null when there is none. The first when there are several.
     Engine* engine_of(const Data_entry* entry) const;
+
+    // The writes of one commit and all that follows from it are a turn. While entries that limit each other
+    // write one parameter over and over within a turn, their suggestions are frozen: then they come to rest.
+    void written(Cached_parameter& parameter);
+    bool is_frozen() const { return m_is_frozen; }
+    // A write that the device refused: whoever asked for it asks again at the next evaluation.
+    void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
 
     void input_changed(Engine& engine);
     void mark(Engine& engine);
@@ -50,6 +59,7 @@ public:
 
 private:
     Engine* take_next();
+    bool is_within_turn() const;
     void refresh(Engine& engine, Data_interface* iface);
     std::string circle_of(const Engine& engine) const;
 
@@ -59,6 +69,10 @@ private:
     uint64_t m_last_number = 0;
     uint64_t m_last_evaluated = 0;
     uint64_t m_round = 0;
+    uint64_t m_turn = 1;
+    Cached_parameter* m_turn_began_with = nullptr;
+    bool m_is_frozen = false;
+    std::string m_frozen_circle;  // not yet told by a round
 };
 
 }  // namespace binding_engine

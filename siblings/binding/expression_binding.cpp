@@ -1,17 +1,9 @@
 #include <frontpanel_binding/expression_binding.h>
 
-#include <cstdio>
 #include <utility>
 
 #include "binding_core.h"
 #include "binding_engine.h"
-
-namespace {
-
-// The diagnostic lines of bindings show under this mask.
-constexpr uint32_t BINDING_MASK = 0x21;
-
-}  // namespace
 
 Expression_binding::Expression_binding(std::shared_ptr<Binding_registry> registry)
     : m_registry(std::move(registry)),
@@ -70,29 +62,18 @@ int Expression_binding::evaluateAllBindingExpressions(int* flags) {
 }
 
 int Expression_binding::printBindErrors() {
-    if ((debug & BINDING_MASK) != 0) {
-        const std::string name = m_engine->name();
-        for (const std::string& error : m_engine->errors()) {
-            std::printf("Binding error in [%s]: %s\n", name.c_str(), error.c_str());
-        }
-    }
+    m_engine->print_errors();
     return static_cast<int>(m_engine->errors().size());
 }
 
 void Expression_binding::clearBindErrors() {
-    m_engine->errors().clear();
+    m_engine->clear_errors();
 }
 
 // ---- suggestions
 
 void Expression_binding::printSuggestions() {
-    if ((debug & BINDING_MASK) == 0) {
-        return;
-    }
-    const std::string name = m_engine->name();
-    for (const std::string& line : m_engine->suggestion_lines()) {
-        std::printf("Suggested for [%s]: %s\n", name.c_str(), line.c_str());
-    }
+    m_engine->print_suggestions();
 }
 
 bool Expression_binding::offersSuggestion(int mask) {

@@ -270,13 +270,21 @@ void Parameter_cache::keep_write(uint32_t pid, uint32_t varidx, const void* byte
     if (variable->second.number != nullptr && length == sizeof(int32_t)) {
         int32_t value = 0;
         std::memcpy(&value, bytes, sizeof value);
+        m_cascade.written(*variable->second.number);
         keep_number(*variable->second.number, value);
     }
     if (variable->second.text != nullptr) {
         const char* const text = static_cast<const char*>(bytes);
+        m_cascade.written(*variable->second.text);
         keep_text(*variable->second.text,
                   std::string_view(text, length == 0 ? 0 : strnlen(text, length)));
     }
+}
+
+void Parameter_cache::note_failed_write(uint32_t pid, uint32_t varidx, std::string_view bytes,
+                                        int result) {
+    note_failure(pid, varidx, result);
+    m_cascade.write_failed(pid, varidx, bytes, result);
 }
 
 void Parameter_cache::keep_number(Cached_parameter& parameter, int32_t value) {

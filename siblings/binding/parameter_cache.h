@@ -44,6 +44,8 @@ struct Cached_parameter {
     std::vector<Data_entry*> listed;  // the dependants in each of the records
     std::vector<Engine*> owners;      // whose entries control it
     int watchers = 0;
+    uint64_t written_in = 0;  // the turn of `writes`
+    int writes = 0;
     std::size_t polled_at = 0;  // place among the polled ones, from 1; 0: not polled
 };
 
@@ -91,6 +93,7 @@ public:
     void keep_read(uint32_t pid, uint32_t varidx, const void* buffer, std::size_t length);
     void keep_write(uint32_t pid, uint32_t varidx, const void* bytes, std::size_t length);
     void note_failure(uint32_t pid, uint32_t varidx, int result);
+    void note_failed_write(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
     void select_socket(int socket) { m_socket = socket; }
 
 private:

@@ -240,6 +240,71 @@ TEST_F(Cascade_test, AWriteThatFindsItsValueComesToRest) {
     EXPECT_EQ(device.integer(100, 0), 5);
 }
 
+// Each wants to be larger by one than another, up to a limit, then all start again: without an end to it the
+// commits within commits would try every order of the entries.
+TEST_F(Cascade_test, EntriesThatLimitEachOtherWithoutEndAreFrozen) {
+    constexpr unsigned int COUNT = 9;
+    std::vector<std::unique_ptr<Number_entry>> entries;
+    for (unsigned int i = 0; i < COUNT; ++i) {
+        entries.push_back(std::make_unique<Number_entry>(("E" + std::to_string(i)).c_str(), 100 + i,
+                                                         no_level, 0, 9));
+        std::string sum = "0";
+        for (unsigned int other = 0; other < COUNT; ++other) {
+            sum += other != i ? " + [" + std::to_string(100 + other) + "]" : "";
+        }
+        bind(*entries.back(), "range (" + sum + ") % 10..(" + sum + ") % 10");
+    }
+    int writes = 0;
+    device.set_write_listener([&](const Memory_device::Write&) { ++writes; });
+    commit(*entries[0], 1, &cache);
+
+    EXPECT_LT(writes, 2000);
+    const Binding_settlement settlement = settle();
+    EXPECT_FALSE(settlement.at_rest);
+    EXPECT_THAT(settlement.path, testing::HasSubstr(" -> "));
+    EXPECT_LT(writes, 20000);
+}
+
+TEST_F(Cascade_test, ManyEntriesThatFollowOneCommitAreNotFrozen) {
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    bind(mode, "");
+    std::vector<std::unique_ptr<Number_entry>> entries;
+    for (unsigned int i = 0; i < 200; ++i) {
+        device.add_integer(1000 + i, 0, 0, 100, 50);
+        entries.push_back(std::make_unique<Number_entry>("Gain", 1000 + i, no_level, 0, 100));
+        bind(*entries.back(), "range 0..40 if [100] == 1");
+        refresh(*entries.back(), &cache);
+    }
+    for (const int value : {1, 0, 1}) {
+        commit(mode, value, &cache);
+    }
+    EXPECT_EQ(device.integer(1199, 0), 40);
+    EXPECT_TRUE(settle().at_rest);
+}
+
+// ---- writes that fail
+
+TEST_F(Cascade_test, AWriteThatTheDeviceRefusesIsMadeAgainAtTheNextRefresh) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [101] = 5; set [102] = 6");
+    device.set_fault([](const Memory_device::Operation& asked) {
+        return asked.kind == Memory_device::Operation_kind::WRITE && asked.pid == 101 ? 42 : 0;
+    });
+    const std::string printed = capture(0x20, [&] { registry->settle(&cache); }).out;
+    EXPECT_THAT(
+        printed,
+        testing::HasSubstr("Binding error in [Gain]: cannot write [101] = 5: device result 42\n"));
+    EXPECT_EQ(device.integer(102, 0), 6);
+
+    device.set_fault(nullptr);
+    refresh(gain, &cache);
+    EXPECT_EQ(device.integer(101, 0), 5);
+    device.set_integer(101, 0, 1);
+    refresh(gain, &cache);
+    EXPECT_EQ(device.integer(101, 0), 1) << "what was written is not written again";
+}
+
 // ---- the structure changes meanwhile
 
 TEST_F(Cascade_test, AnEntryThatEndsMeanwhileIsNotRefreshed) {

@@ -4,6 +4,9 @@
 // have passed through it from the registry instead of asking the device; what the device changes by itself
 // shows at the next `Binding_registry::poll`. A failing access leaves the values as they were.
 //
+// It also sees when entries that limit each other write a parameter over and over within one commit: then the
+// registry freezes their suggestions until the commit is over, and the next `Binding_registry::settle` tells.
+//
 // It is a `Pdt_data_access`, so that slot entries keep selecting sockets. Values are those of the selected
 // socket: after another is selected, each is asked for anew. Menu thread only.
 #ifndef FRONTPANEL_BINDING_CACHING_DEVICE_H

@@ -61,7 +61,7 @@ public:
     // - Keys: those of all rules that hold; without one, all keys of the entry, told one by one. Keys that the
     //   entry does not have are left out.
     // - Writes: those of all rules that hold, in the order of the rules. They are new only when the list as a
-    //   whole differs from the last one.
+    //   whole differs from the last one, or the device refused one of them through a `Caching_device`.
     // - Warnings: those of all rules that hold, new at every try that raises any.
     // - Access: the first rule that holds; without one, the entry's original access right.
     //
