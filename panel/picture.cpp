@@ -25,7 +25,7 @@ constexpr const char* STYLE =
     ".ink{font-size:21px;fill:#1b2410}.inverse{font-size:21px;fill:#aec648}"
     ".print{font-size:10px;fill:#c9cdd2;letter-spacing:1px}"
     ".sign{font-size:15px;fill:#e8eaed}"
-    ".cell{fill:#a5bd40}.cursor{fill:#1b2410}.key{fill:#4b5159;stroke:#24272b;stroke-width:2}"
+    ".cell{fill:#a5bd40}.dim{fill:#101214;opacity:.5}.cursor{fill:#1b2410}.key{fill:#4b5159;stroke:#24272b;stroke-width:2}"
     "</style>\n";
 
 std::string escaped(const std::string& text) {
@@ -114,16 +114,20 @@ std::string line(const Lcd& lcd, int row) {
     return text;
 }
 
-std::string display(const Lcd& lcd) {
+// A display without its light is still to be read.
+std::string display(const Frame& frame) {
+    const Lcd& lcd = frame.lcd;
     const Place size = display_size(lcd.size());
+    const auto glass = [&size](const char* look) {
+        return rectangle(MARGIN + BEZEL / 2, MARGIN + BEZEL / 2, size.x - BEZEL, size.y - BEZEL,
+                         look);
+    };
     std::string text = rectangle(MARGIN, MARGIN, size.x, size.y, "rx=\"8\" fill=\"#101214\"") +
-                       rectangle(MARGIN + BEZEL / 2, MARGIN + BEZEL / 2, size.x - BEZEL,
-                                 size.y - BEZEL, "rx=\"3\" fill=\"#aec648\"") +
-                       cells(lcd);
+                       glass("rx=\"3\" fill=\"#aec648\"") + cells(lcd);
     for (int row = 0; row < lcd.size().rows; ++row) {
         text += line(lcd, row);
     }
-    return text;
+    return text + (frame.dim ? glass("rx=\"3\" class=\"dim\"") : "");
 }
 
 std::string led(Place place, const char* name, bool is_lit, const std::string& colour,
@@ -181,7 +185,7 @@ std::string svg_of(const Frame& frame) {
            description(frame.lcd) + STYLE +
            rectangle(1, 1, size.x - 2, size.y - 2,
                      "rx=\"14\" fill=\"#32363c\" stroke=\"#1d2023\" stroke-width=\"2\"") +
-           display(frame.lcd) + controls(frame) + knob(frame.lcd.size()) + "</svg>\n";
+           display(frame) + controls(frame) + knob(frame.lcd.size()) + "</svg>\n";
 }
 
 Picture_display::Picture_display(std::string file) : m_file(std::move(file)) {}

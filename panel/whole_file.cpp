@@ -45,7 +45,7 @@ private:
 // The file itself, if the name is that of a link, so that the link stays.
 fs::path target_of(const std::string& file) {
     std::error_code error;
-    const fs::path target = fs::weakly_canonical(file, error);
+    fs::path target = fs::weakly_canonical(file, error);
     if (error) {
         fail(file, error.value());
     }

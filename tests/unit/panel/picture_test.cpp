@@ -81,6 +81,13 @@ TEST(Picture, ALitLedGlows) {
     EXPECT_EQ(count(svg_of(frame), "fill-opacity"), 2);
 }
 
+TEST(Picture, ADisplayThatNobodyLooksAtIsDim) {
+    Frame frame = frame_of("Gain");
+    EXPECT_EQ(count(svg_of(frame), "class=\"dim\""), 0);
+    frame.dim = true;
+    EXPECT_EQ(count(svg_of(frame), "class=\"dim\""), 1);
+}
+
 TEST(Picture, GrowsWithTheDisplay) {
     EXPECT_EQ(count(svg_of(frame_of("", "", LARGEST_LCD)), "class=\"cell\""), 80 * 16);
     EXPECT_EQ(count(svg_of(frame_of("", "", SMALLEST_LCD)), "class=\"cell\""), 16 * 2);
