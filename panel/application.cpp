@@ -179,6 +179,10 @@ int use_front(const Options& options, Controller& controller, Memory_device& dev
     }
     device.time_for_timeout = options.time_out;
     const auto clock = [] { return std::chrono::steady_clock::now(); };
+    controller.set_clock([] {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(now);
+    });
     Session session(controller, device, pin_of(options), clock());
     const int status = Main_loop(session, *open_front(options, log), clock).run(end);
     if (on_terminal) {
@@ -187,11 +191,17 @@ int use_front(const Options& options, Controller& controller, Memory_device& dev
     return status;
 }
 
+Encoder_settings encoder_of(const Options& options, Menu& menu) {
+    Encoder_settings encoder = menu.encoder_settings();
+    encoder.acceleration = encoder.acceleration && !options.no_acceleration;
+    return encoder;
+}
+
 int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log,
         const std::optional<End_watch>& end) {
     Controller controller(menu.root(), link_to(menu.device()), options.size);
     controller.set_log(log.lines());
-    controller.configure(menu.encoder_settings(), &menu.editor_settings());
+    controller.configure(encoder_of(options, menu), &menu.editor_settings());
     menu.bindings()->set_warning_listener(
         [&controller](const std::string& text) { controller.warn(text); });
     if (end) {

@@ -46,18 +46,7 @@ Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size siz
       m_device(device),
       m_size(size),
       m_list(root, device),
-      m_editing(device, m_notices, [this](const Data_entry* target) { editor_closed(target); }) {
-    set_slow_write_listener(nullptr);
-}
-
-void Controller::set_slow_write_listener(std::function<void()> listener) {
-    m_editing.set_slow_write_listener([this, told = std::move(listener)] {
-        m_was_slow = true;
-        if (told) {
-            told();
-        }
-    });
-}
+      m_editing(device, m_notices, [this](const Data_entry* target) { editor_closed(target); }) {}
 
 void Controller::configure(const Encoder_settings& encoder, const Editor_settings_table* entries) {
     m_is_reversed = encoder.reversed;
@@ -77,9 +66,6 @@ void Controller::receive(const FrontPanel::Message& message) {
 void Controller::receive(Message_queue& messages) {
     while (const Message_pointer message = messages.pop()) {
         receive(*message);
-        if (std::exchange(m_was_slow, false)) {
-            messages.drop_detents();
-        }
     }
 }
 

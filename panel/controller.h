@@ -5,7 +5,6 @@
 #ifndef FRONTPANEL_PANEL_CONTROLLER_H
 #define FRONTPANEL_PANEL_CONTROLLER_H
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -29,10 +28,8 @@ public:
     // How the encoder works, and which entries are edited in their own way; null for none. The table outlives
     // the controller.
     void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
-    // See `Editing`. The detents among messages that wait here are dropped after a slow write without being
-    // told; the listener is for whoever holds others.
+    // See `Editing`.
     void set_clock(Editing::Clock clock) { m_editing.set_clock(std::move(clock)); }
-    void set_slow_write_listener(std::function<void()> listener);
 
     // Does what the message of a key stands for. When nobody has touched the panel for a while, it goes back to
     // the top menu, and an edited value is dropped. Any other message, and a damaged one, is ignored.
@@ -70,7 +67,6 @@ private:
     List_view m_list;
     Notices m_notices;
     bool m_is_reversed = false;
-    bool m_was_slow = false;  // the write of the last message
     Editing m_editing;
     std::optional<Log_view> m_log;
 };

@@ -12,7 +12,6 @@ namespace {
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
 constexpr int SOME_COLUMNS = 16;
-constexpr std::chrono::milliseconds SLOW_WRITE(100);  // in which a hand turns the encoder on
 
 // Why an editor closes by itself, and what it does instead.
 constexpr const char* LOCKED = "locked: edit ended";
@@ -220,10 +219,7 @@ void Editing::perform(Editor_result result) {
 }
 
 bool Editing::write() {
-    const auto now = [this] { return m_clock ? m_clock() : std::chrono::milliseconds(0); };
-    const auto start = now();
     const bool is_written = commit(entry(), m_device.access) == 0;
-    m_was_slow = now() - start >= SLOW_WRITE;
     return is_written && (!is_live(entry()) || m_device.may_post());
 }
 
@@ -232,9 +228,6 @@ void Editing::write_and_close() {
     close();
     if (!is_written) {
         tell("write failed", true);
-    }
-    if (m_was_slow && m_slow_write) {
-        m_slow_write();
     }
 }
 

@@ -33,15 +33,8 @@ public:
 
     // For the editors that open from now on. The table outlives the editing; null for none.
     void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
-    // Tells how quickly keys follow one another and how long writing takes. Without a clock every key comes
-    // late, and no write is slow.
+    // Tells how quickly keys follow one another. Without a clock every key comes late.
     void set_clock(Clock clock) { m_clock = std::move(clock); }
-    // Called when an editor has closed after a write so slow that a hand has gone on turning the encoder: what
-    // came in meanwhile was meant for the value, and not for what is shown now.
-    void set_slow_write_listener(std::function<void()> listener) {
-        m_slow_write = std::move(listener);
-    }
-
     // Opens the entry's editor, or tells why there is nothing to edit. An entry that cannot be changed is shown.
     void open(Data_entry& entry);
     bool is_open() const { return m_editor != nullptr; }
@@ -84,7 +77,6 @@ private:
     Notices& m_notices;
     Closed m_closed;
     Clock m_clock;
-    std::function<void()> m_slow_write;
     Encoder_settings m_encoder;
     const Editor_settings_table* m_settings_of = nullptr;
     Editor_set m_editors;
@@ -94,7 +86,6 @@ private:
     std::string m_title;
     bool m_was_changing = false;  // when the entry was looked at last
     bool m_agreed = false;        // to what stands in m_standing
-    bool m_was_slow = false;      // the last write
     Encoder_speed m_speed;
     std::vector<std::string> m_warnings;  // raised since the last attempt began
     // What the engines have warned of last. They say it once, so that a cancelled warning is asked again here.

@@ -18,8 +18,9 @@ struct Key_word {
     Key::Kind kind;
 };
 constexpr Key_word KEY_WORDS[] = {
-    {"up", Key::UP},     {"down", Key::DOWN},       {"select", Key::SELECT},
-    {"back", Key::BACK}, {"coarser", Key::COARSER}, {"finer", Key::FINER},
+    {"up", Key::UP},         {"down", Key::DOWN},       {"select", Key::SELECT},
+    {"back", Key::BACK},     {"coarser", Key::COARSER}, {"finer", Key::FINER},
+    {"insert", Key::INSERT}, {"delete", Key::DELETE},   {"diagnostics", Key::DIAGNOSTICS},
 };
 
 std::optional<Key> key_of(const std::string& word) {
@@ -50,7 +51,7 @@ void add_key(Key_map& keys, const std::string& assignment) {
         middle == std::string::npos ? std::nullopt : key_of(assignment.substr(middle + 1));
     if (!key || !is_name(name)) {
         throw Input_error(
-            "expected KEY=up, down, select, back, coarser, finer or 1 to 99, found \"" +
+            "expected KEY=up, down, select, back, coarser, finer, insert, delete, diagnostics or 1 to 99, found \"" +
             assignment + "\"");
     }
     if (!keys.insert({name, *key}).second) {

@@ -1,6 +1,5 @@
 #include "message_queue.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace panel {
@@ -20,14 +19,6 @@ Message_pointer Message_queue::pop() {
     Message_pointer message = std::move(m_messages.front());
     m_messages.pop_front();
     return message;
-}
-
-void Message_queue::drop_detents() {
-    const auto is_detent = [](const Message_pointer& message) {
-        return message->type == FrontPanel::ShaftEncoderUIT;
-    };
-    m_messages.erase(std::remove_if(m_messages.begin(), m_messages.end(), is_detent),
-                     m_messages.end());
 }
 
 }  // namespace panel

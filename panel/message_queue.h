@@ -18,8 +18,6 @@ public:
     bool push(Message_pointer message);
     // The message that has waited longest; null when none waits.
     Message_pointer pop();
-    // Forgets what waits of the shaft encoder.
-    void drop_detents();
 
 private:
     std::deque<Message_pointer> m_messages;

@@ -106,6 +106,8 @@ void describe_front(CLI::App& app, Options& options) {
     add_parsed(app, "--timeout", options.time_out, parse_time_out,
                "Rests without keys for so long, 300; 0: never")
         ->type_name("SECONDS");
+    app.add_flag("--no-acceleration", options.no_acceleration,
+                 "A quick turn of the encoder counts as a slow one");
     add_file(app, "--pin-file", options.pin_file, "A resting panel asks for the PIN in this file");
 }
 

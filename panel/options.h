@@ -27,11 +27,12 @@ struct Options {
     Lcd_size size;
     bool has_size = false;  // `size` was named
     Display_choice display;
-    Key_map keys = usual_keys();  // of a display server
-    int time_out = 300;           // seconds without a key until the panel rests; 0 for never
-    std::string pin_file;         // empty: the panel does not lock
-    uint32_t debug = 0;           // mask of the library's diagnostics
-    bool check = false;           // only check the menu, and the script if one is named
+    Key_map keys = usual_keys();   // of a display server
+    int time_out = 300;            // seconds without a key until the panel rests; 0 for never
+    std::string pin_file;          // empty: the panel does not lock
+    bool no_acceleration = false;  // of the encoder, whatever the menu says
+    uint32_t debug = 0;            // mask of the library's diagnostics
+    bool check = false;            // only check the menu, and the script if one is named
 };
 
 // The options, or the status to exit with: after the help or the version was printed to `out`, or one line that

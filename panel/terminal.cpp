@@ -26,7 +26,7 @@ constexpr const char* LEGEND[] = {
     "Enter / Right  open, edit, accept",
     "Esc / Left     back, discard",
     "+ / -          step size; cursor in texts",
-    "1-9, F1-F12    shortcuts   q           quit",
+    "1-9, F1-F12    shortcuts   d log     q quit",
 };
 
 // What ends the process must not leave the terminal without echo.

@@ -1,7 +1,7 @@
 # bash completion for frontpanel                                                   -*- shell-script -*-
 
 _frontpanel() {
-    local options='--help --version --menu --script --size --state --screenshot --log --debug --display --keys --timeout --pin-file --check'
+    local options='--help --version --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --pin-file --check'
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
     COMPREPLY=()
     case $previous in

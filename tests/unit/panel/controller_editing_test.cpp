@@ -242,65 +242,6 @@ TEST_F(EditingSpeed, TheFirstDetentOfAnEditorIsSlow) {
     EXPECT_EQ(turn(1), "51");
 }
 
-// --- slow writes
-
-class EditingSlowly : public testing::Test {
-protected:
-    EditingSlowly() : panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL)) {
-        panel.controller().set_clock([this] { return now; });
-        panel.controller().set_slow_write_listener([this] { ++told; });
-        panel.device().set_write_listener(
-            [this](const Memory_device::Write&) { now += write_time; });
-    }
-    void put(const std::vector<Key::Kind>& keys) {
-        for (const Key::Kind key : keys) {
-            messages.push(message_of({key}));
-        }
-    }
-
-    Panel panel;
-    Message_queue messages;
-    milliseconds now{0};
-    milliseconds write_time{0};
-    int told = 0;
-};
-
-TEST_F(EditingSlowly, DetentsThatWaitMeanwhileDoNotReachTheList) {
-    write_time = milliseconds(500);
-    put({Key::SELECT, Key::UP, Key::SELECT, Key::DOWN, Key::DOWN, Key::SELECT, Key::UP});
-    panel.controller().receive(messages);
-    EXPECT_EQ(told, 1);
-    EXPECT_EQ(written(panel), "51");
-    // The key that is no detent is still meant: it opens the entry that the cursor stands on.
-    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
-}
-
-TEST_F(EditingSlowly, AfterAQuickWriteAllOfThemCount) {
-    write_time = milliseconds(20);
-    put({Key::SELECT, Key::UP, Key::SELECT, Key::DOWN, Key::SELECT, Key::UP});
-    panel.controller().receive(messages);
-    EXPECT_EQ(told, 0);
-    EXPECT_EQ(panel.lines(), (Lines{"Level               ", "8                   "}));
-}
-
-TEST_F(EditingSlowly, DetentsOfAPreviewStayWithTheirValue) {
-    panel.settings(0).preview = true;
-    write_time = milliseconds(500);
-    put({Key::SELECT, Key::UP, Key::UP, Key::UP});
-    panel.controller().receive(messages);
-    EXPECT_EQ(told, 0);
-    EXPECT_EQ(written(panel), "51 52 53");
-}
-
-TEST_F(EditingSlowly, WritingTheOldValueBackCountsToo) {
-    panel.settings(0).preview = true;
-    write_time = milliseconds(500);
-    put({Key::SELECT, Key::UP, Key::BACK, Key::DOWN});
-    panel.controller().receive(messages);
-    EXPECT_EQ(told, 1);
-    EXPECT_EQ(panel.lines(), (Lines{">Width            50", " Level             7"}));
-}
-
 // --- texts
 
 TEST(EditingTexts, AreInsertedAndDeletedWithinTheirLength) {
