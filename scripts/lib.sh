@@ -13,7 +13,7 @@ PANEL_PACKAGES=(
 )
 TEST_PACKAGES=(
     "${PANEL_PACKAGES[@]}"
-    abigail-tools binutils libbenchmark-dev libgmock-dev libgtest-dev librsvg2-bin
+    abigail-tools binutils lcdproc libbenchmark-dev libgmock-dev libgtest-dev librsvg2-bin
     libxml2-utils locales mandoc procps tmux
 )
 # shellcheck disable=SC2034  # used by the scripts that source this
