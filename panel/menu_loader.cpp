@@ -4,6 +4,7 @@
 #include <cctype>
 #include <limits>
 
+#include "editor_items.h"
 #include "input_error.h"
 #include "list_view.h"
 #include "loader.h"
@@ -43,7 +44,10 @@ const std::vector<Loader::Item_type>& Loader::item_types() {
 }
 
 void Loader::load(const Json_value& file) {
-    file.expect_members({"options", "device", "menu"});
+    file.expect_members({"options", "encoder", "device", "menu"});
+    if (const auto encoder = file.find("encoder")) {
+        m_problems.attempt([&] { m_menu.encoder_settings() = encoder_settings_of(*encoder); });
+    }
     if (const auto options = file.find("options")) {
         load_options(*options);
     }
@@ -111,8 +115,8 @@ void Loader::load_item(const Json_value& item, Data_entry& parent, unsigned int 
     std::transform(types.begin(), types.end(), names.begin(),
                    [](const Item_type& type) { return type.name; });
     const Item_type& type = types[item.member("type").choice(names)];
-    std::vector<const char*> members{"type",    "name",     "description", "index",
-                                     "visible", "shortcut", "options",     "binding"};
+    std::vector<const char*> members{"type",     "name",    "description", "index", "visible",
+                                     "shortcut", "options", "binding",     "editor"};
     members.insert(members.end(), type.members.begin(), type.members.end());
     item.expect_members(members);
     (this->*type.build)(item, &parent, level);
@@ -165,6 +169,10 @@ void Loader::finish(const Json_value& item, Data_entry& entry, unsigned int leve
     }
     if (const auto shortcut = item.find("shortcut")) {
         m_problems.attempt([&] { set_shortcut(*shortcut, entry); });
+    }
+    if (const auto editor = item.find("editor")) {
+        m_problems.attempt(
+            [&] { m_menu.editor_settings()[&entry] = editor_settings_of(*editor, entry); });
     }
     warn_of_cut_name(item, entry);
 }
