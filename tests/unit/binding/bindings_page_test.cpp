@@ -142,7 +142,7 @@ TEST(Bindings_page, TheLimitsAreThoseOfTheCompiler) {
     };
     EXPECT_FALSE(error_beyond(nested(64)));
     EXPECT_TRUE(error_beyond(nested(65)));
-    EXPECT_NE(limits.find("| bytes of a text that is written, read or made | 256 |"),
+    EXPECT_NE(limits.find("| bytes of a text that stands in a rule, is read or made | 256 |"),
               std::string::npos);
     EXPECT_FALSE(error_beyond("warn \"" + std::string(256, 'x') + "\""));
     EXPECT_TRUE(error_beyond("warn \"" + std::string(257, 'x') + "\""));
