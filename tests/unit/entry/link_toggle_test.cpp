@@ -343,6 +343,25 @@ TEST_F(Link_toggle, ValuesTakeThePlaceOfNames) {
     EXPECT_EQ(link.Get_visible(), -1);
 }
 
+// A sign is part of the text that takes the name's place, so what binds tighter than it needs parentheses.
+TEST_F(Link_toggle, ValuesBelowZeroStandWithTheirSign) {
+    store(120, {}, -3);
+    const std::pair<const char*, int> cases[] = {
+        {"a=[120]==-3", 1},       {"a=5-[120]==8", 1},   {"a=-[120]==3", 1},
+        {"a=2**[120]==0.125", 1}, {"a=![120]", 0},       {"a=!([120])", 0},
+        {"a=!([120]+3)", 1},      {"a=[120]**2==-9", 1}, {"a=([120])**2==9", 1},
+    };
+    for (const auto& [expression, state] : cases) {
+        capture(0, [&, expression = expression, state = state] {
+            toggle_by(expression);
+            EXPECT_EQ(link.CheckToggleState(), state) << expression;
+        });
+    }
+    toggle_by("a=![120]");
+    EXPECT_EQ(capture(0, [&] { link.CheckToggleState(); }).err,
+              "Bad logical expression for home entry \"Volume\"! expression[a=!-3]\n");
+}
+
 TEST_F(Link_toggle, AHiddenHousedEntryStaysHiddenWhateverTheToggleSays) {
     housed.visibility = -1;
     toggle_by("a=1");

@@ -361,6 +361,43 @@ TEST_F(Menus_with_links, FavouritesAreWalkedBothWaysAndLeftUpwards) {
     EXPECT_EQ(dump(audio), (Log{"Gain", "Level"})) << "as before";
 }
 
+void take_out(Data_entry& menu, Link_entry& link) {
+    Data_entry* const previous = link.Get_previous();
+    Data_entry* const next = link.Get_next();
+    menu.Remove(&link);
+    if (previous != nullptr) {
+        previous->Set_next(next);
+    }
+    if (next != nullptr) {
+        next->Set_previous(previous);
+    }
+}
+
+TEST_F(Menus_with_links, AFavouriteThatIsTakenOutIsReachedFromNowhere) {
+    Menu favourites("Favourites", &top), plain("Plain", &favourites);
+    Housed level("Level", support::any_index(), &audio);
+    Link_entry first(&gain), third(&level);
+    Menu last("Last");
+    {
+        Link_entry second(&setup);
+        append(favourites, first, &plain);
+        append(favourites, second, &first);
+        append(favourites, third, &second);
+        favourites.Add_child(last);
+        static_cast<Data_entry&>(third).Set_next(&last);
+        EXPECT_EQ(dump(favourites),
+                  (Log{"Plain", "Audio.Gain", "Top.Setup", "Audio.Level", "Last"}));
+        take_out(favourites, second);
+    }
+    EXPECT_EQ(dump(favourites), (Log{"Plain", "Audio.Gain", "Audio.Level", "Last"}));
+    EXPECT_EQ(third.Get_previous(), &first);
+    take_out(favourites, first);
+    take_out(favourites, third);
+    EXPECT_EQ(dump(favourites), (Log{"Plain", "Last"}));
+    EXPECT_EQ(last.Get_previous(), &plain);
+    EXPECT_EQ(dump(audio), (Log{"Gain", "Level"})) << "as before";
+}
+
 // --- the static list, in which links stand by their base links
 
 class Children_with_links : public Menus_with_links {
