@@ -1,7 +1,6 @@
 #include "binding_compiler.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -19,6 +18,8 @@ namespace {
 constexpr std::size_t LONGEST_SOURCE = 1U << 20;
 constexpr std::size_t MOST_PARAMETERS = 1024;
 constexpr uint32_t MOST_LEVELS = 2;
+constexpr std::size_t TRIED_ROWS = 8;
+constexpr std::size_t USUAL_INTERVALS = 4;
 
 // How tightly operators bind, loosest first.
 enum Level : uint8_t {
@@ -314,6 +315,9 @@ void Compiler::Parser::interval() {
     expect(Token::TO, "an operator or \"..\"");
     const std::optional<int32_t> high = integer_segment(LEAST);
     if (low && high) {
+        if (m_intervals.empty()) {
+            m_intervals.reserve(USUAL_INTERVALS);
+        }
         m_intervals.push_back({std::min(*low, *high), std::max(*low, *high)});
     }
 }
@@ -378,10 +382,12 @@ void Compiler::Parser::access_rule() {
 }
 
 void Compiler::Parser::begin_rule(Suggestion_kind kind) {
-    const int source = static_cast<int>(m_rule_begin - m_source.data());
-    const int first_segment = static_cast<int>(m_tables.segments.size());
-    m_tables.rules.insert(m_tables.rules.end(),
-                          {kind, m_scanner.line(), source, 0, 0, first_segment, 0});
+    m_tables.rules.resize(m_tables.rules.size() + RULE_SIZE);
+    int* const row = &m_tables.rules[m_tables.rules.size() - RULE_SIZE];
+    row[RULE_KIND] = kind;
+    row[RULE_LINE] = m_scanner.line();
+    row[RULE_SOURCE] = static_cast<int>(m_rule_begin - m_source.data());
+    row[RULE_FIRST_SEGMENT] = static_cast<int>(m_tables.segments.size());
 }
 
 void Compiler::Parser::optional_condition(const char* expected_without) {
@@ -791,9 +797,20 @@ Compiler::Parser::Operand Compiler::Parser::read_parameter() {
     return {type, false, begin};
 }
 
-// The number of the parameter that the current token names.
+// The number of the parameter that the current token names. Rules come back to the same few parameters, so
+// the names so far are tried before the table.
 int Compiler::Parser::parameter() {
     const std::string_view inside = m_token.source.substr(1, m_token.source.size() - 2);
+    const BindingListT& rows = m_tables.parameters;
+    for (std::size_t at = 0; at < std::min(rows.size(), TRIED_ROWS * PARAMETER_SIZE);
+         at += PARAMETER_SIZE) {
+        const std::string_view known =
+            m_source.substr(static_cast<std::size_t>(rows[at + PARAMETER_NAME]),
+                            static_cast<std::size_t>(rows[at + PARAMETER_NAME_LENGTH]));
+        if (known == inside) {
+            return static_cast<int>(at / PARAMETER_SIZE);
+        }
+    }
     if (Parameter_table::reads_as_address(inside)) {
         return parameter_row(address(inside), inside);
     }
@@ -840,15 +857,18 @@ var_index_s Compiler::Parser::address(std::string_view inside) const {
 
 // Takes the digits up to the next dot.
 uint32_t Compiler::Parser::address_part(std::string_view& rest, uint32_t most) const {
-    const std::string_view digits = rest.substr(0, rest.find('.'));
-    uint32_t number = 0;
-    const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (parsed.ec != std::errc() || number > most) {
-        fail(digits.data(),
-             "\"" + std::string(digits) + "\" is not a number from 0 to " + std::to_string(most));
+    uint64_t number = 0;
+    std::size_t length = 0;
+    for (; length < rest.size() && rest[length] != '.'; ++length) {
+        number = std::min<uint64_t>(number * 10 + static_cast<uint64_t>(rest[length] - '0'),
+                                    std::numeric_limits<uint32_t>::max());
     }
-    rest.remove_prefix(digits.size());
-    return number;
+    if (length == 0 || number > most) {
+        fail(rest.data(),
+             quoted(rest.substr(0, length)) + " is not a number from 0 to " + std::to_string(most));
+    }
+    rest.remove_prefix(length);
+    return static_cast<uint32_t>(number);
 }
 
 void Compiler::Parser::type_suffix(std::string_view suffix, var_index_s& key) const {
@@ -887,8 +907,10 @@ int Compiler::Parser::emit(Operation operation, int argument, int growth) {
         m_depth -= static_cast<std::size_t>(-growth);
     }
     const int number = m_tables.instruction_count();
-    m_tables.code.push_back(static_cast<int>(operation));
-    m_tables.code.push_back(argument);
+    const std::size_t at = m_tables.code.size();
+    m_tables.code.resize(at + INSTRUCTION_SIZE);
+    m_tables.code[at] = static_cast<int>(operation);
+    m_tables.code[at + 1] = argument;
     return number;
 }
 

@@ -120,28 +120,30 @@ enum class Operation : int {
     COUNT
 };
 
-// Of a list of `length` numbers, HEADER_SIZE at least. A change of a single number always changes it. Four
-// sums run side by side, since each step of one waits for the step before.
+// Of a list of `length` numbers, HEADER_SIZE at least; the checksum itself counts as 0. A change of a single
+// number always changes it. Four sums run side by side, since each step of one waits for the step before.
 inline int list_checksum(const int* list, std::size_t length) {
-    constexpr std::size_t LANES = 4;
     constexpr uint32_t FACTOR = 0x01000193U;
-    uint32_t sums[LANES] = {1, 2, 3, 4};
-    const auto add = [&](std::size_t i) {
-        uint32_t& sum = sums[i % LANES];
-        sum = (sum ^ static_cast<uint32_t>(list[i])) * FACTOR;
-        sum ^= sum >> 15;
+    const auto added = [](uint32_t sum, int number) {
+        sum = (sum ^ static_cast<uint32_t>(number)) * FACTOR;
+        return sum ^ sum >> 15;
     };
-    for (std::size_t i = 0; i < HEADER_CHECKSUM; ++i) {
-        add(i);
+    static_assert(HEADER_CHECKSUM == 3, "the last of the first four");
+    uint32_t sum0 = added(1, list[0]);
+    uint32_t sum1 = added(2, list[1]);
+    uint32_t sum2 = added(3, list[2]);
+    uint32_t sum3 = added(4, 0);
+    std::size_t i = 4;
+    for (; i + 4 <= length; i += 4) {
+        sum0 = added(sum0, list[i]);
+        sum1 = added(sum1, list[i + 1]);
+        sum2 = added(sum2, list[i + 2]);
+        sum3 = added(sum3, list[i + 3]);
     }
-    for (std::size_t i = HEADER_CHECKSUM + 1; i < length; ++i) {
-        add(i);
+    for (; i < length; ++i) {
+        sum0 = added(sum0, list[i]);
     }
-    uint32_t sum = 0;
-    for (const uint32_t lane : sums) {
-        sum = (sum ^ lane) * FACTOR;
-    }
-    return static_cast<int>(sum);
+    return static_cast<int>((((sum0 * FACTOR ^ sum1) * FACTOR ^ sum2) * FACTOR ^ sum3) * FACTOR);
 }
 
 }  // namespace binding_language

@@ -88,7 +88,10 @@ std::string_view Parameter_table::closest(std::string_view name) const {
 }
 
 bool Parameter_table::reads_as_address(std::string_view text) {
-    const std::string_view digits = text.substr(0, text.find('@'));
-    return !digits.empty() && digits[0] >= '0' && digits[0] <= '9' &&
-           digits.find_first_not_of("0123456789.") == std::string_view::npos;
+    const auto is_digit = [](char byte) { return byte >= '0' && byte <= '9'; };
+    std::size_t length = 0;
+    while (length < text.size() && (is_digit(text[length]) || text[length] == '.')) {
+        ++length;
+    }
+    return length > 0 && is_digit(text[0]) && (length == text.size() || text[length] == '@');
 }
