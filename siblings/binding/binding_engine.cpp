@@ -70,6 +70,7 @@ std::string joined(const std::vector<std::string>& texts) {
 
 std::string ranges_text(const std::vector<Interval>& intervals) {
     std::vector<std::string> texts;
+    texts.reserve(intervals.size());
     for (const Interval& interval : intervals) {
         texts.push_back(std::to_string(interval.low) + ".." + std::to_string(interval.high));
     }
@@ -714,15 +715,16 @@ Rule_explanation Engine::explain_rule(Reading& reading, const Rule& rule) {
     Rule_explanation explanation{rule.kind, rule.line, std::string(rule.source), {}, {}, {}};
     reading.note_values(&explanation.seen);
     bool holds = false;
-    explanation.outcome = Rule_explanation::Outcome::FAILED;
-    if (!reading.condition(rule, holds)) {
-        explanation.result = reading.last_mistake();
-    } else if (!holds) {
+    const bool is_judged = reading.condition(rule, holds);
+    const std::optional<std::string> demand =
+        is_judged && holds ? demand_text(reading, rule) : std::nullopt;
+    if (is_judged && !holds) {
         explanation.outcome = Rule_explanation::Outcome::DOES_NOT_HOLD;
-    } else if (const std::optional<std::string> demand = demand_text(reading, rule)) {
+    } else if (demand) {
         explanation.outcome = Rule_explanation::Outcome::HOLDS;
         explanation.result = *demand;
     } else {
+        explanation.outcome = Rule_explanation::Outcome::FAILED;
         explanation.result = reading.last_mistake();
     }
     reading.note_values(nullptr);

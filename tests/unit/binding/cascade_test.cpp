@@ -3,7 +3,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <deque>
 #include <functional>
+#include <random>
 
 #include "binding_fixture.h"
 #include "support/leaf.h"
@@ -185,6 +188,52 @@ TEST_F(Cascade_test, AllowedKeysThatChangeRebuildTheOptionsAndLeaveAHiddenOne) {
     write(100, 0);
     settle();
     EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+}
+
+// Parameters 100 to 104 are changed by the device and by commits, the others follow from those before them.
+TEST_F(Cascade_test, RandomChangesLeaveEveryWriteAsItsRuleSays) {
+    constexpr unsigned int SOURCES = 105;
+    constexpr unsigned int END = 140;
+    std::mt19937 random(20240229);
+    const auto any = [&](unsigned int first, unsigned int end) {
+        return first + static_cast<unsigned int>(random() % (end - first));
+    };
+    struct Follower {
+        unsigned int pid, left, right;
+    };
+    std::vector<std::string> log;
+    std::vector<Follower> followers;
+    std::deque<Logged_leaf> leaves;
+    for (unsigned int pid = SOURCES; pid < END; ++pid) {
+        device.add_integer(pid, 0, -1000, 1000, -1);
+        followers.push_back({pid, any(100, pid), any(100, pid)});
+    }
+    std::shuffle(followers.begin(), followers.end(), random);
+    for (const Follower& each : followers) {
+        leaves.emplace_back("Follower", log);
+        bind(leaves.back(), "set [" + std::to_string(each.pid) + "] = ([" +
+                                std::to_string(each.left) + "] * 2 + [" +
+                                std::to_string(each.right) + ".0]) % 100");
+    }
+    for (int turns = 0; turns < 200; ++turns) {
+        const auto value = static_cast<int32_t>(any(0, 50));
+        if (any(0, 2) == 0) {
+            device.set_integer(any(100, SOURCES), 0, value);
+        } else {
+            write(any(100, SOURCES), value);
+        }
+        ASSERT_TRUE(turn().at_rest);
+        for (const Follower& each : followers) {
+            ASSERT_EQ(device.integer(each.pid, 0),
+                      (*device.integer(each.left, 0) * 2 + *device.integer(each.right, 0)) % 100);
+        }
+        for (auto& [key, record] : *registry->var_index_map()) {
+            if (key.var < END && key.var != 120) {
+                ASSERT_EQ(record.getInt(), *device.integer(key.var, 0)) << key.var;
+            }
+        }
+    }
+    EXPECT_TRUE(registry->find_cycles().empty());
 }
 
 // ---- circles end
