@@ -20,7 +20,7 @@ void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int
     }
     const Leaf leaf = leaf_of(item, INTEGER);
     if (is_live_pid(leaf.pid)) {
-        item.member("pid").fail("parameters 9000 to 9100 are of items with \"live\"");
+        parameter_place(item).fail("parameters 9000 to 9100 are of items with \"live\"");
     }
     const Json_value list = item.member("choices");
     const std::vector<Choice> choices = choices_of(list);
@@ -94,6 +94,9 @@ void Loader::set_choices(const Json_value& list, Enum_entry& entry,
 void Loader::build_live_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
     static const std::vector<const char*> WEB_TYPES{"combobox", "tree"};
     static const std::vector<std::string> LIBRARY_TYPES{"json-dynamic-combobox", "jsontree"};
+    if (const auto name = item.find("parameter")) {
+        name->report("an item with \"live\" names the list of its card by \"pid\"");
+    }
     Leaf leaf = entry_of(item);
     leaf.pid = static_cast<uint32_t>(item.member("pid").integer(FIRST_LIVE_PID, LAST_LIVE_PID));
     const Json_value live = item.member("live");
@@ -123,10 +126,10 @@ void Loader::build_slot(const Json_value& item, Data_entry* parent, unsigned int
     if (const auto rules = item.find("binding")) {
         rules->report("a slot list follows no rules: its node can");
     }
-    const Parameter parameter = leaf.parameter.value_or(Parameter{INTEGER, 0, 0, 0});
+    const Parameter parameter = leaf.parameter.value_or(Parameter{0, {}, INTEGER, 0, 0, 0});
     if (parameter.min != 0 || parameter.max >= MOST_SLOTS) {
-        item.member("pid").fail("expected a parameter from 0 to at most " +
-                                std::to_string(MOST_SLOTS - 1) + " for a slot list");
+        parameter_place(item).fail("expected a parameter from 0 to at most " +
+                                   std::to_string(MOST_SLOTS - 1) + " for a slot list");
     }
     std::vector<std::string> lines;
     for (int slot = 1; slot <= parameter.max + 1; ++slot) {

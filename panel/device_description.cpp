@@ -1,6 +1,7 @@
 #include "device_description.h"
 
 #include <algorithm>
+#include <cctype>
 #include <limits>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@ constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
 constexpr int LAST_SLOT = Memory_device::SLOT_COUNT - 1;
 constexpr int64_t LAST_PRODUCT = std::numeric_limits<prod_id_t>::max();
 constexpr int DEEPEST_TREE = 16;
+constexpr size_t LONGEST_PARAMETER_NAME = 63;
 
 int slot_of(const Json_value& owner) {
     return static_cast<int>(owner.member("slot").integer(1, LAST_SLOT));
@@ -59,14 +61,25 @@ void Device_description::load(const Json_value& device) {
 }
 
 const Parameter* Device_description::parameter(uint32_t pid, uint32_t varidx) const {
-    const auto found = m_parameters.find({pid, varidx});
-    if (found != m_parameters.end()) {
-        return &found->second;
-    }
-    if (m_has_unknown_parameters || m_wrong_parameters.count({pid, varidx}) > 0) {
+    const Parameter* const found = m_menu.parameters().find(pid, varidx);
+    if (found == nullptr &&
+        (m_has_unknown_parameters || m_wrong_parameters.count({pid, varidx}) > 0)) {
         throw Told_already();
     }
-    return nullptr;
+    return found;
+}
+
+const Parameter* Device_description::parameter(const std::string& name) const {
+    const Parameter* const found = m_menu.parameters().find(name);
+    if (found == nullptr && (m_has_unknown_parameters || m_wrong_names.count(name) > 0)) {
+        throw Told_already();
+    }
+    return found;
+}
+
+const Parameter* Device_description::reference(const std::string& text) const {
+    const Parameter* const found = m_menu.parameters().find_reference(text);
+    return found == nullptr ? parameter(text) : found;
 }
 
 bool Device_description::has_document(int slot, uint32_t pid, bool is_tree) const {
@@ -76,52 +89,77 @@ bool Device_description::has_document(int slot, uint32_t pid, bool is_tree) cons
 
 void Device_description::load_parameter(const Json_value& parameter) {
     static const std::vector<const char*> TYPES{"integer", "text"};
-    uint32_t pid = 0;
-    uint32_t varidx = 0;
-    const bool is_known = m_problems.attempt([&] { pid = pid_of(parameter); }) &&
-                          m_problems.attempt([&] { varidx = varidx_of(index_of(parameter)); });
+    Parameter declared{};
+    const bool is_known = m_problems.attempt([&] { declared.pid = pid_of(parameter); }) &&
+                          m_problems.attempt([&] { declared.index = index_of(parameter); });
     if (!is_known) {
         m_has_unknown_parameters = true;
         throw Told_already();
     }
-    if (m_parameters.count({pid, varidx}) > 0 || !m_wrong_parameters.insert({pid, varidx}).second) {
-        parameter.fail("parameter " + std::to_string(pid) + " with this index is declared twice");
+    const std::pair<uint32_t, uint32_t> key(declared.pid, varidx_of(declared.index));
+    if (m_menu.parameters().find(key.first, key.second) != nullptr ||
+        !m_wrong_parameters.insert(key).second) {
+        parameter.fail("parameter " + std::to_string(declared.pid) +
+                       " with this index is declared twice");
     }
     const size_t errors = m_problems.error_count();
-    const Parameter declared = parameter.member("type").choice(TYPES) == 0
-                                   ? load_integer(parameter, pid, varidx)
-                                   : load_text(parameter, pid, varidx);
-    if (m_problems.error_count() == errors) {
-        m_wrong_parameters.erase({pid, varidx});
-        m_parameters[{pid, varidx}] = declared;
+    const auto name = parameter.find("name");
+    if (name && name->is_text()) {
+        m_wrong_names.insert(name->text());
+    }
+    if (parameter.member("type").choice(TYPES) == 0) {
+        load_integer(parameter, declared);
+    } else {
+        load_text(parameter, declared);
+    }
+    if (m_problems.error_count() > errors) {
+        throw Told_already();
+    }
+    m_wrong_parameters.erase(key);
+    m_menu.parameters().add(declared);
+    if (name) {
+        load_name(*name, declared);
     }
 }
 
-Parameter Device_description::load_integer(const Json_value& parameter, uint32_t pid,
-                                           uint32_t varidx) {
-    parameter.expect_members({"pid", "index", "type", "description", "min", "max", "value"});
-    const auto bound = [&](const char* name, int64_t min, int64_t max, int64_t otherwise) {
-        return m_problems.value_or([&] { return parameter.member(name).integer(min, max); },
-                                   otherwise);
-    };
-    const int64_t min = bound("min", LOWEST, HIGHEST, LOWEST);
-    const int64_t max = bound("max", min, HIGHEST, HIGHEST);
-    const int64_t value = bound("value", min, max, min);
-    m_menu.device().add_integer(pid, varidx, static_cast<int>(min), static_cast<int>(max),
-                                static_cast<int>(value));
-    return {INTEGER, static_cast<int>(min), static_cast<int>(max), 0};
+// A name begins with a letter, so that it cannot be taken for an address.
+void Device_description::load_name(const Json_value& name, const Parameter& declared) {
+    const std::string text = name.text_of_length(1, LONGEST_PARAMETER_NAME);
+    if (std::isalpha(static_cast<unsigned char>(text[0])) == 0 ||
+        text.find_first_of("[]\"{}") != std::string::npos) {
+        name.fail("expected a name that begins with a letter and has none of []\"{}");
+    }
+    if (!m_menu.parameters().add_name(text, declared)) {
+        name.fail("another parameter is named \"" + text + "\"");
+    }
+    m_wrong_names.erase(text);
 }
 
-Parameter Device_description::load_text(const Json_value& parameter, uint32_t pid,
-                                        uint32_t varidx) {
-    parameter.expect_members({"pid", "index", "type", "description", "length", "value"});
-    const size_t length = m_problems.value_or(
+void Device_description::load_integer(const Json_value& parameter, Parameter& declared) {
+    parameter.expect_members(
+        {"name", "pid", "index", "type", "description", "min", "max", "value"});
+    const auto bound = [&](const char* name, int64_t min, int64_t max, int64_t otherwise) {
+        return static_cast<int>(m_problems.value_or(
+            [&] { return parameter.member(name).integer(min, max); }, otherwise));
+    };
+    declared.type = INTEGER;
+    declared.min = bound("min", LOWEST, HIGHEST, LOWEST);
+    declared.max = bound("max", declared.min, HIGHEST, HIGHEST);
+    const int value = bound("value", declared.min, declared.max, declared.min);
+    m_menu.device().add_integer(declared.pid, varidx_of(declared.index), declared.min, declared.max,
+                                value);
+}
+
+void Device_description::load_text(const Json_value& parameter, Parameter& declared) {
+    parameter.expect_members({"name", "pid", "index", "type", "description", "length", "value"});
+    declared.type = STRING;
+    declared.length = m_problems.value_or(
         [&] { return static_cast<size_t>(parameter.member("length").integer(1, LONGEST_TEXT)); },
         LONGEST_TEXT);
     const std::string value = m_problems.value_or(
-        [&] { return parameter.member("value").text_of_length(0, length); }, std::string());
-    m_menu.device().add_text(pid, varidx, length, value);
-    return {STRING, 0, 0, length};
+        [&] { return parameter.member("value").text_of_length(0, declared.length); },
+        std::string());
+    m_menu.device().add_text(declared.pid, varidx_of(declared.index), declared.length, value);
 }
 
 void Device_description::load_product(const Json_value& product) {

@@ -17,14 +17,6 @@
 
 namespace panel {
 
-// A device parameter as the file declares it.
-struct Parameter {
-    RETURN_TYPE type;
-    int min;        // of a number
-    int max;        // of a number
-    size_t length;  // of a text: the most characters
-};
-
 class Device_description {
 public:
     // The device is built in `menu`. What is wrong becomes one of `problems`. Both outlive the description.
@@ -32,8 +24,11 @@ public:
 
     void load(const Json_value& device);
 
-    // Null when the device has no such parameter. Told_already when its declaration is wrong.
+    // Null when the device has no such parameter. Told_already when its declaration is, or may be, wrong.
     const Parameter* parameter(uint32_t pid, uint32_t varidx) const;
+    const Parameter* parameter(const std::string& name) const;
+    // As `Parameter_table::find_reference` finds them.
+    const Parameter* reference(const std::string& text) const;
     // Whether the card in a slot has a tree, or a combo box, of that parameter id.
     bool has_document(int slot, uint32_t pid, bool is_tree) const;
     // The product options that the products in the slots bring, one object for each product that has some.
@@ -41,8 +36,9 @@ public:
 
 private:
     void load_parameter(const Json_value& parameter);
-    Parameter load_integer(const Json_value& parameter, uint32_t pid, uint32_t varidx);
-    Parameter load_text(const Json_value& parameter, uint32_t pid, uint32_t varidx);
+    void load_integer(const Json_value& parameter, Parameter& declared);
+    void load_text(const Json_value& parameter, Parameter& declared);
+    void load_name(const Json_value& name, const Parameter& declared);
     void load_each(const Json_value& device, const char* list,
                    void (Device_description::*load_one)(const Json_value& item));
     void load_product(const Json_value& product);
@@ -53,8 +49,8 @@ private:
 
     Menu& m_menu;
     Problems& m_problems;
-    std::map<std::pair<uint32_t, uint32_t>, Parameter> m_parameters;  // by pid and variable index
-    std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;
+    std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;  // by pid and variable index
+    std::set<std::string> m_wrong_names;
     bool m_has_unknown_parameters = false;  // wrong ones that cannot even be told apart
     std::set<int> m_fitted_slots;
     std::map<int, std::string> m_aliases;                  // by product

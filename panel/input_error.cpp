@@ -1,6 +1,7 @@
 #include "input_error.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -9,7 +10,7 @@ namespace panel {
 namespace {
 
 constexpr size_t LONGEST_LINE = 1000;  // a message may quote what somebody wrote, however long
-constexpr std::streamsize LARGEST_FILE = std::streamsize{4} * 1024 * 1024;
+constexpr size_t LARGEST_FILE = size_t{4} * 1024 * 1024;
 
 }  // namespace
 
@@ -31,16 +32,19 @@ std::string read_input_file(const std::string& path) {
     if (!file) {
         throw Input_error(path + ": cannot be opened: " + std::strerror(errno));
     }
-    // One byte more than is allowed tells a file that is too large, endless ones included.
-    std::string text(static_cast<size_t>(LARGEST_FILE) + 1, '\0');
-    file.read(text.data(), LARGEST_FILE + 1);
-    if (file.bad() || (file.gcount() == 0 && errno == EISDIR)) {
+    std::string text;
+    std::array<char, size_t{16} * 1024> piece;
+    do {
+        file.read(piece.data(), piece.size());
+        text.append(piece.data(), static_cast<size_t>(file.gcount()));
+        // An endless file ends here, too.
+        if (text.size() > LARGEST_FILE) {
+            throw Input_error(path + ": is larger than 4 MiB");
+        }
+    } while (file.gcount() > 0);
+    if (file.bad() || (text.empty() && errno == EISDIR)) {
         throw Input_error(path + ": cannot be read: " + std::strerror(errno));
     }
-    if (file.gcount() > LARGEST_FILE) {
-        throw Input_error(path + ": is larger than 4 MiB");
-    }
-    text.resize(static_cast<size_t>(file.gcount()));
     return text;
 }
 

@@ -28,14 +28,13 @@ Index_t index_of(const Json_value& owner) {
     return index;
 }
 
-uint32_t varidx_of(const Index_t& index) {
-    unsigned int varidx = 0;
-    Data_model::Index_convert(&index, varidx);
-    return varidx;
-}
-
 uint32_t pid_of(const Json_value& owner) {
     return static_cast<uint32_t>(owner.member("pid").integer(0, LAST_PID));
+}
+
+Json_value parameter_place(const Json_value& item) {
+    const auto name = item.find("parameter");
+    return name ? *name : item.member("pid");
 }
 
 int integer_or(const Json_value& owner, const char* name, int64_t min, int64_t max, int otherwise) {

@@ -8,18 +8,18 @@
 #include <string>
 
 #include "json_value.h"
+#include "parameter_table.h"
 
 namespace panel {
 
-constexpr uint16_t LAST_INDEX = 255;  // of a level: a larger one would overlap the next level
 constexpr size_t LONGEST_TEXT = 256;
 
 // "index"; no levels when there is none.
 Index_t index_of(const Json_value& owner);
-// The variable index of an index.
-uint32_t varidx_of(const Index_t& index);
 // "pid".
 uint32_t pid_of(const Json_value& owner);
+// What names an item's parameter: "parameter" or "pid".
+Json_value parameter_place(const Json_value& item);
 // "name", which ends at its first ':'.
 std::string name_of(const Json_value& item);
 // What the display shows of a name.

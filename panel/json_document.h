@@ -13,12 +13,14 @@ namespace panel {
 struct Json_member;
 
 struct Json_node {
-    enum class Kind : uint8_t { NOTHING, BOOLEAN, INTEGER, REAL, TEXT, LIST, OBJECT };
+    // WRONG is what would be something else but for a mistake that has been told.
+    enum class Kind : uint8_t { NOTHING, BOOLEAN, INTEGER, REAL, TEXT, LIST, OBJECT, WRONG };
 
     Kind kind = Kind::NOTHING;
     bool boolean = false;
     // Of a TEXT: it stands for `number`, too, since an argument of a template is a text wherever it is used.
     bool is_number = false;
+    bool is_incomplete = false;  // of a LIST: it lacks something that is wrong, which has been told
     int64_t number = 0;
     std::string text;
     std::vector<Json_node> elements;

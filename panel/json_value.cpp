@@ -28,6 +28,8 @@ const char* name_of(Kind kind) {
             return "a list";
         case Kind::OBJECT:
             return "an object";
+        case Kind::WRONG:
+            break;
     }
     return "nothing";
 }
@@ -48,6 +50,7 @@ void write(Writer& writer, const Json_node& node) {
     switch (node.kind) {
         case Kind::NOTHING:
         case Kind::REAL:
+        case Kind::WRONG:
             writer.Null();
             break;
         case Kind::BOOLEAN:
@@ -87,6 +90,9 @@ Place Json_value::place_in_text(size_t offset) const {
 }
 
 void Json_value::fail(const std::string& text) const {
+    if (m_node->kind == Kind::WRONG) {
+        throw Told_already();
+    }
     throw Placed_error(m_node->place, text);
 }
 
@@ -153,6 +159,18 @@ std::vector<Json_value> Json_value::items() const {
     items.reserve(m_node->elements.size());
     for (const Json_node& element : m_node->elements) {
         items.emplace_back(element, *m_problems);
+    }
+    return items;
+}
+
+std::vector<Json_value> Json_value::some_items(size_t most, const std::string& what) const {
+    std::vector<Json_value> items = this->items();
+    if (items.empty() && m_node->is_incomplete) {
+        throw Told_already();
+    }
+    if (items.empty() || items.size() > most) {
+        fail("expected 1 to " + std::to_string(most) + " " + what + ", found " +
+             std::to_string(items.size()));
     }
     return items;
 }

@@ -28,6 +28,8 @@ public:
     void expect_members(const std::vector<const char*>& known) const;
     // The elements of a list.
     std::vector<Json_value> items() const;
+    // The same of a list that holds 1 to `most` elements, `what` of them by name.
+    std::vector<Json_value> some_items(size_t most, const std::string& what) const;
 
     bool is_text() const;
     bool is_object() const;

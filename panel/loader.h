@@ -1,6 +1,6 @@
 // The work of the menu loader, whose parts stand in several files: the tree in menu_loader.cpp, rules in
 // rule_items.cpp, numbers in range_items.cpp, texts in text_items.cpp, enumerations and slot lists in
-// choice_items.cpp.
+// choice_items.cpp, links in link_items.cpp.
 //
 // Work goes on behind whatever is wrong, so that everything is told at once: what cannot be read stands for
 // something that can, and an item that cannot be built is left out.
@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -18,6 +19,7 @@
 
 #include "device_description.h"
 #include "item_members.h"
+#include "item_names.h"
 #include "json_value.h"
 #include "menu_loader.h"
 
@@ -46,6 +48,9 @@ struct Choice {
 
 class Loader {
 public:
+    static constexpr size_t MOST_ITEMS =
+        1000;  // of one menu: the library walks its list for each of them
+
     Loader(Menu& menu, Problems& problems, Loading loading)
         : m_menu(menu), m_problems(problems), m_loading(loading), m_device(m_menu, problems) {}
 
@@ -56,8 +61,22 @@ private:
         const char* name;
         std::vector<const char*> members;  // beside those of every item
         void (Loader::*build)(const Json_value& item, Data_entry* parent, unsigned int level);
+        bool is_link = false;     // brings all of its members itself
+        bool is_bridged = false;  // may stand behind a bridge
+    };
+    // A menu with what stands in it, null for a link that is not there yet.
+    struct Open_menu {
+        Data_entry* entry;
+        std::vector<Data_entry*> children;
+    };
+    struct Pending_link {
+        Json_value item;
+        unsigned int level;
+        size_t menu;      // in m_menus
+        size_t position;  // in its children
     };
     static const std::vector<Item_type>& item_types();
+    static const Item_type& type_of(const Json_value& item);
 
     void load_options(const Json_value& options);
     void load_option(const Json_value::Member& option);
@@ -73,6 +92,19 @@ private:
     void build_enum(const Json_value& item, Data_entry* parent, unsigned int level);
     void build_live_enum(const Json_value& item, Data_entry* parent, unsigned int level);
     void build_slot(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_link(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_bridge(const Json_value& item, Data_entry* parent, unsigned int level);
+    void build_mount(const Json_value& item, Data_entry* parent, unsigned int level);
+    Link_entry& add_link(Data_entry& housed, const Json_value& item, unsigned int level);
+    Link_entry& add_link_to_target(const Json_value& item, unsigned int level);
+    void place_links();
+    static void order(const Open_menu& menu);
+    void set_escapes();
+    void load_home(const Json_value& file);
+    Data_entry* load_links(const Json_value& list, const char* title,
+                           const std::vector<const char*>& members);
+    void set_toggle(const Json_value& source, Link_entry& link);
+    void check_variables();
     Leaf entry_of(const Json_value& item);
     Leaf leaf_of(const Json_value& item, RETURN_TYPE type);
     std::string checked_name(const Json_value& item);
@@ -81,15 +113,24 @@ private:
                         unsigned int level, Length... length);
     std::vector<Choice> choices_of(const Json_value& list);
     void set_choices(const Json_value& list, Enum_entry& entry, const std::vector<Choice>& choices);
+    const Index_t* keep_index(const Index_t& index);
     void finish(const Json_value& item, Data_entry& entry, unsigned int level);
+    void set_properties(const Json_value& item, Data_entry& entry, unsigned int level);
+    void enlist(const Json_value& item, const std::string& name, Data_entry& entry);
+    void add_id(const Json_value& id, Data_entry* entry);
+    void add_wrong_item(const Json_value& item);
     void set_shortcut(const Json_value& button, Data_entry& entry);
-    void warn_of_cut_name(const Json_value& item, const Data_entry& entry) const;
+    void warn_of_cut_name(const Json_value& place, const Data_entry& entry) const;
     void set_ranges(const Json_value& item, Range_entry& entry, int min, int max);
     std::vector<range_s> ranges_of(const Json_value& list, int min, int max);
     void bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds);
     void check_rule_parameter(const Json_value& source, const var_index_s& key);
+    const Parameter& parameter_of(const Json_value& item, const Index_t& index,
+                                  RETURN_TYPE type) const;
     const Parameter& parameter_of(const Json_value& place, uint32_t pid, const Index_t& index,
                                   RETURN_TYPE type) const;
+    static const Parameter& expect_type(const Json_value& place, const Parameter* parameter,
+                                        const std::string& what, RETURN_TYPE type);
     std::vector<std::string> option_names(const Json_value& list);
     void warn_of_options();
 
@@ -100,6 +141,15 @@ private:
     std::map<std::string, unsigned int> m_options;
     std::map<std::string, Place> m_option_places;
     std::set<std::string> m_used_options;
+    Item_names m_names;
+    std::vector<Open_menu> m_menus;
+    std::vector<size_t> m_open_menus;  // in m_menus, inside each other
+    std::vector<Pending_link> m_pending;
+    std::vector<std::pair<Json_value, Link_entry*>> m_escapes;
+    std::vector<std::pair<Json_value, std::string>> m_display_expressions;
+    bool m_has_toggles = false;
+    bool m_is_bridging = false;  // what is built now is a bridge's
+    std::vector<std::unique_ptr<Index_t>> m_bridge_indices;
 };
 
 }  // namespace panel

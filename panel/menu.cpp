@@ -54,10 +54,33 @@ bool Menu::add_shortcut(int button, Data_entry& entry) {
     return m_shortcuts.insert({button, ShortcutS{button, &entry, false}}).second;
 }
 
+Data_entry* Menu::release_last() {
+    Data_entry* const last = m_entries.back().release();
+    m_entries.pop_back();
+    return last;
+}
+
+Mounted_menu& Menu::add_mounted_menu(const std::string& folder) {
+    m_mounted_menus.push_back(std::make_unique<Mounted_menu>(folder, m_parameters, *m_bindings));
+    return *m_mounted_menus.back();
+}
+
+void Menu::watch(const Parameter& parameter) {
+    m_bindings->watch({parameter.type, parameter.pid, parameter.index});
+}
+
+void Menu::make_homescreen_entry(Link_entry& link, const std::string& toggle) {
+    link.setAsHomescreenEntry(toggle, m_bindings->var_index_map(), &m_front_panel_data);
+}
+
 void Menu::share_shortcuts() {
     constexpr int SHARE_SHORTCUTS = 0x1;
-    root().setShortcuts(&m_shortcuts);
-    Data_entry::TraverseMenuTree(&root(), SHARE_SHORTCUTS, &m_shortcuts);
+    for (Data_entry* const top : {&root(), m_homescreen, m_favourites}) {
+        if (top != nullptr) {
+            top->setShortcuts(&m_shortcuts);
+            Data_entry::TraverseMenuTree(top, SHARE_SHORTCUTS, &m_shortcuts);
+        }
+    }
 }
 
 }  // namespace panel

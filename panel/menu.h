@@ -18,6 +18,11 @@
 #include <vector>
 
 #include "encoder_settings.h"
+#include "mounted_menu.h"
+#include "parameter_table.h"
+
+// What links ask of an application before they show a toggle; they only test that it is there.
+class FPData {};
 
 namespace panel {
 
@@ -29,10 +34,28 @@ public:
     Menu& operator=(const Menu&) = delete;
 
     Memory_device& device() { return m_device; }
+    Parameter_table& parameters() { return m_parameters; }
     const std::shared_ptr<Binding_registry>& bindings() { return m_bindings; }
     // The top of the tree: the first entry that was added.
     Data_entry& root() { return *m_entries.front(); }
     size_t entry_count() const { return m_entries.size(); }
+
+    // The menus of the homescreen and of the favourites, whose children are links; null for none.
+    Data_entry* homescreen() { return m_homescreen; }
+    Data_entry* favourites() { return m_favourites; }
+    void set_homescreen(Data_entry* menu) { m_homescreen = menu; }
+    void set_favourites(Data_entry* menu) { m_favourites = menu; }
+    // Every link of the menu, those of both included, in the order of building.
+    std::vector<Link_entry*>& links() { return m_links; }
+    // Shows a link only while a toggle is on, whose parameters are watched already.
+    void make_homescreen_entry(Link_entry& link, const std::string& toggle);
+    // Keeps the value of a parameter for the toggles that name it: see `Binding_registry::watch`.
+    void watch(const Parameter& parameter);
+    // A menu that a mount link builds from a folder.
+    Mounted_menu& add_mounted_menu(const std::string& folder);
+    const std::vector<std::unique_ptr<Mounted_menu>>& mounted_menus() const {
+        return m_mounted_menus;
+    }
 
     // Starts the web service of the device's cards on a free port of loopback. Input_error when there is none.
     void start_cards();
@@ -57,6 +80,8 @@ public:
         m_entries.push_back(std::move(entry));
         return added;
     }
+    // Gives the entry that was added last away.
+    Data_entry* release_last();
     // Assigns a shortcut button. False when the button is taken.
     bool add_shortcut(int button, Data_entry& entry);
     // Hands the shortcut table to every entry; once the tree is complete.
@@ -69,6 +94,7 @@ private:
     };
 
     Memory_device m_device;
+    Parameter_table m_parameters;
     std::shared_ptr<Binding_registry> m_bindings;
     std::unique_ptr<Card_service> m_cards;
     std::vector<std::unique_ptr<Live_Data_Processor>> m_processors;
@@ -77,6 +103,11 @@ private:
     std::map<int, ShortcutS> m_shortcuts;
     Editor_settings_table m_editor_settings;
     Encoder_settings m_encoder_settings;
+    FPData m_front_panel_data;
+    std::vector<std::unique_ptr<Mounted_menu>> m_mounted_menus;
+    Data_entry* m_homescreen = nullptr;
+    Data_entry* m_favourites = nullptr;
+    std::vector<Link_entry*> m_links;
     std::vector<std::unique_ptr<Data_entry>> m_entries;
 };
 

@@ -49,7 +49,7 @@ std::string value_format_of(const Json_value& item, int min, int max) {
 void Loader::build_range(const Json_value& item, Data_entry* parent, unsigned int level) {
     const Leaf leaf = leaf_of(item, INTEGER);
     const Parameter parameter = leaf.parameter.value_or(
-        Parameter{INTEGER, static_cast<int>(LOWEST), static_cast<int>(HIGHEST_IN_RANGE), 0});
+        Parameter{0, {}, INTEGER, static_cast<int>(LOWEST), static_cast<int>(HIGHEST_IN_RANGE), 0});
     const auto bound = [&](const char* name, int64_t min, int64_t max, int otherwise) {
         return m_problems.value_or([&] { return integer_or(item, name, min, max, otherwise); },
                                    otherwise);
@@ -64,6 +64,9 @@ void Loader::build_range(const Json_value& item, Data_entry* parent, unsigned in
     std::string format = m_problems.value_or([&] { return format_of(item); }, std::string());
     std::string value_format =
         m_problems.value_or([&] { return value_format_of(item, min, max); }, std::string());
+    if (const auto expression = item.find("value_format")) {
+        m_display_expressions.emplace_back(*expression, value_format);
+    }
     Range_entry& range = m_menu.add(std::make_unique<Range_entry>(
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, min, max, start,
         format.data(), value_format.data(), parent, leaf.access, leaf.visible, true,

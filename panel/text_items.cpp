@@ -25,8 +25,8 @@ void Loader::add_text_entry(const Json_value& item, const Leaf& leaf, Data_entry
 void Loader::build_text(const Json_value& item, Data_entry* parent, unsigned int level) {
     const Leaf leaf = leaf_of(item, STRING);
     if (leaf.pid == WARNING_PID) {
-        item.member("pid").report("parameter " + std::to_string(WARNING_PID) +
-                                  " is shown by items of type \"warning\"");
+        parameter_place(item).report("parameter " + std::to_string(WARNING_PID) +
+                                     " is shown by items of type \"warning\"");
     }
     add_text_entry<String_entry>(item, leaf, parent, level, length_of(leaf));
 }
@@ -34,8 +34,9 @@ void Loader::build_text(const Json_value& item, Data_entry* parent, unsigned int
 void Loader::build_address(const Json_value& item, Data_entry* parent, unsigned int level) {
     const Leaf leaf = leaf_of(item, STRING);
     if (length_of(leaf) < LONGEST_ADDRESS) {
-        item.member("pid").report("expected a parameter of at least " +
-                                  std::to_string(LONGEST_ADDRESS) + " characters for an address");
+        parameter_place(item).report("expected a parameter of at least " +
+                                     std::to_string(LONGEST_ADDRESS) +
+                                     " characters for an address");
     }
     add_text_entry<Ip_entry>(item, leaf, parent, level);
 }

@@ -96,13 +96,13 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /device/parameters/0/index/1: expected a whole number from 0 to 255, found 256"},
         {with_parameter(repeated_pid),
          "menu.json: /device/parameters/1: parameter 5 with this index is declared twice"},
-        {menu_text(LEVEL, ""), "menu.json: /menu/items: expected at least one item"},
+        {menu_text(LEVEL, ""), "menu.json: /menu/items: expected 1 to 1000 items, found 0"},
         {menu_text(LEVEL, "7"),
          "menu.json: /menu/items/0: expected an object, found a whole number"},
         {with_item("{}"), "menu.json: /menu/items/0: expected a member \"type\""},
         {with_item(R"({"type": "knob"})"),
          "menu.json: /menu/items/0/type: expected one of \"node\", \"range\", \"text\", "
-         "\"address\", \"time\", \"enum\", \"slot\", \"warning\", found \"knob\""},
+         "\"address\", \"time\", \"enum\", \"slot\", \"warning\", \"link\", \"bridge\", \"mount\", found \"knob\""},
         {with_item(R"({"type": 3})"),
          "menu.json: /menu/items/0/type: expected a text, found a whole number"},
         {with_item(R"({"type": "range", "pid": 5})"),
@@ -192,7 +192,7 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {with_range(R"("binding": "visible if [6] == 1")"),
          "menu.json: /menu/items/0/binding: parameter 6 is of another type"},
         {menu_text(LEVEL, items_in_one_menu(1001)),
-         "menu.json: /menu/items: expected at most 1000 items, found 1001"},
+         "menu.json: /menu/items: expected 1 to 1000 items, found 1001"},
         {menu_text(LEVEL, items_in_one_menu(1000)), ""},
     };
     for (const Error_case& expected : CASES) {
@@ -244,7 +244,7 @@ menu.json:9:31: expected a name of 1 to 24 characters before any ':', found 0
 menu.json:9:42: the device has no parameter 9 with this index
 menu.json:9:55: conversion "%s" is not one of %d, %02x, %02X, %f, %e, %g
 menu.json:9:72: line 1, column 11: expected a number, a text, a [parameter], "value", a function or "(", found end of text
-menu.json:10:48: expected at least one item
+menu.json:10:48: expected 1 to 1000 items, found 0
 menu.json:11:45: the device has no parameter 7 with this index
 menu.json:11:60: expected a whole number from 1 to 99, found 100
 menu.json:11:77: expected a text, found a whole number
