@@ -117,12 +117,22 @@ Engine* Cascade::take_next() {
 
 Binding_settlement Cascade::settle(Data_interface* iface) {
     Binding_settlement settlement;
+    if (m_is_settling) {
+        return settlement;
+    }
     if (!m_frozen_circle.empty()) {
         settlement.at_rest = false;
         settlement.path.swap(m_frozen_circle);
     }
     m_is_frozen = false;
+    m_is_settling = true;
     ++m_round;
+    run_round(iface, settlement);
+    m_is_settling = false;
+    return settlement;
+}
+
+void Cascade::run_round(Data_interface* iface, Binding_settlement& settlement) {
     while (Engine* const engine = take_next()) {
         Cascade_state& state = engine->cascade_state();
         if (state.round != m_round) {
@@ -141,7 +151,6 @@ Binding_settlement Cascade::settle(Data_interface* iface) {
         ++settlement.refreshes;
         refresh(*engine, iface);
     }
-    return settlement;
 }
 
 // The refresh may end any engine, its own included.

@@ -55,12 +55,14 @@ public:
     void evaluated(Engine& engine);
     bool is_at_rest() const { return m_next == m_waiting.size(); }
 
+    // Nothing within a round: what a refresh marks is the round's already.
     Binding_settlement settle(Data_interface* iface);
 
 private:
     Engine* take_next();
     bool is_within_turn() const;
     void refresh(Engine& engine, Data_interface* iface);
+    void run_round(Data_interface* iface, Binding_settlement& settlement);
     std::string circle_of(const Engine& engine) const;
 
     std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
@@ -72,6 +74,7 @@ private:
     uint64_t m_turn = 1;
     Cached_parameter* m_turn_began_with = nullptr;
     bool m_is_frozen = false;
+    bool m_is_settling = false;
     std::string m_frozen_circle;  // not yet told by a round
 };
 

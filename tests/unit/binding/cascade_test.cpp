@@ -331,6 +331,18 @@ TEST_F(Cascade_test, ManyEntriesThatFollowOneCommitAreNotFrozen) {
     EXPECT_TRUE(settle().at_rest);
 }
 
+TEST_F(Cascade_test, ARoundWithinARoundDoesNothing) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [100] = [100] + 1");
+    std::size_t inner = 0;
+    gain.on_refresh = [&] { inner += registry->settle(&cache).refreshes; };
+
+    EXPECT_EQ(settle().refreshes, 32u);
+    EXPECT_EQ(inner, 0u);
+    EXPECT_EQ(device.integer(100, 0), 32);
+}
+
 // ---- writes that fail
 
 TEST_F(Cascade_test, AWriteThatTheDeviceRefusesIsMadeAgainAtTheNextRefresh) {

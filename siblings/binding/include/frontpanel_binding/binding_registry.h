@@ -101,7 +101,8 @@ public:
     // evaluated them, what these refreshes change included, until all are at rest. An entry that was never
     // refreshed is left until it is, unless it has write rules. Also rebuilds the visible options of entries
     // whose allowed keys changed. An entry is refreshed at most 32 times: then the circle is told in the result
-    // and in its engine's errors. Entries and engines may end meanwhile.
+    // and in its engine's errors. Entries and engines may end meanwhile, and a call from within a refresh does
+    // nothing.
     Binding_settlement settle(Data_interface* iface = nullptr);
 
     // The product's options for `has_option`, judged as `Data_entry::isOptionStatic` judges them. Whatever is
