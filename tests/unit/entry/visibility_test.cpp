@@ -1,3 +1,4 @@
+#include <frontpanel_data/binding.h>
 #include <frontpanel_data/entry.h>
 #include <gtest/gtest.h>
 
@@ -356,6 +357,24 @@ TEST_F(Visibility, ThePlaceholderDoesNotAskItsChildren) {
     add_hidden("A");
     EXPECT_EQ(node.isVisible(true, &device), 1);
     EXPECT_TRUE(log.empty());
+}
+
+// As a binding does that looks at its own entry.
+TEST_F(Visibility, AnEntryThatAsksForItselfWhileItIsRefreshedIsRefreshedOnce) {
+    class Asking : public Leaf {
+    public:
+        using Leaf::Leaf;
+        int Refresh(Data_interface* interface, bool eval_binding) override {
+            const int result = Leaf::Refresh(interface, eval_binding);
+            answer = refresh_count < 5 ? isVisible(true, interface) : VIS_FALSE;
+            return result;
+        }
+        int answer = 0;
+    };
+    Asking leaf("A");
+    EXPECT_EQ(leaf.isVisible(true, &device), 1);
+    EXPECT_EQ(leaf.refresh_count, 1);
+    EXPECT_EQ(leaf.answer, 1);
 }
 
 // The end of a circle is an assumption, and one that nobody vouches for later.
