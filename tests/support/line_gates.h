@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "support/capture.h"
 
@@ -26,17 +27,26 @@ inline bool gate_opens(Gate gate, uint32_t mask, uint32_t value) {
 }
 
 // Runs `action`, which can be repeated, under every single bit of `debug` with every combination of the
-// two verbosity bits, and expects `line` in its standard output exactly where the mask and the gate say.
+// two verbosity bits, and expects each of `lines` in its standard output exactly where the mask and the gate
+// say.
 template <class Action>
-void expect_line_gate(const std::string& line, uint32_t mask, Gate gate, Action&& action) {
+void expect_line_gates(const std::vector<std::string>& lines, uint32_t mask, Gate gate,
+                       Action&& action) {
     for (int bit = -1; bit < 32; ++bit) {
         for (const uint32_t verbosity : {0x0u, 0x4000u, 0x8000u, 0xC000u}) {
             const uint32_t value = (bit < 0 ? 0 : 1u << bit) | verbosity;
-            const bool shown = capture(value, action).out.find(line) != std::string::npos;
-            EXPECT_EQ(shown, gate_opens(gate, mask, value))
-                << "debug is 0x" << std::hex << value << ", the line is: " << line;
+            const std::string out = capture(value, action).out;
+            for (const std::string& line : lines) {
+                EXPECT_EQ(out.find(line) != std::string::npos, gate_opens(gate, mask, value))
+                    << "debug is 0x" << std::hex << value << ", the line is: " << line;
+            }
         }
     }
+}
+
+template <class Action>
+void expect_line_gate(const std::string& line, uint32_t mask, Gate gate, Action&& action) {
+    expect_line_gates({line}, mask, gate, action);
 }
 
 }  // namespace support

@@ -12,6 +12,7 @@
 #include "support/fake_binding.h"
 #include "support/fake_device.h"
 #include "support/leaf.h"
+#include "support/line_gates.h"
 
 namespace {
 
@@ -517,6 +518,34 @@ TEST_F(Enum_live_data, PostsASafeOptionInsteadOfAHiddenOne) {
     EXPECT_EQ(card.calls, (std::vector<std::string>{"getData 9000 s 0 0",
                                                     "createLDCommitFile 9000 /tmp/9000-post [2]",
                                                     "Commit 9000 s /tmp/9000-post"}));
+}
+
+template <class Action>
+void expect_general_leaf_lines(const std::vector<std::string>& lines, Action&& action) {
+    support::expect_line_gates(lines, GENERAL, support::Gate::LEAF, action);
+}
+
+TEST_F(Enum_live_data, ItsLinesAreGeneralLeafLines) {
+    Live_enum entry(live().access(Data_entry::READ_ONLY));
+    const auto refresh = [&] {
+        Open_enum::dynamic_counter = 0;
+        entry.Refresh(&device, false);
+    };
+    expect_general_leaf_lines(
+        {"varId[9000] name[Mode] webType[0] panelType[0]", "pid[9000], newEnumSize=[3]"}, refresh);
+    expect_general_leaf_lines({"Read Only varId[]"}, [&] { entry.set(0); });
+    card.fetch_result = 1;
+    expect_general_leaf_lines({"live data received error, ret[1]"}, refresh);
+
+    Live_enum without_processor(live().processor(nullptr));
+    expect_general_leaf_lines({"LiveDataProcess is not present for varID[9000]"},
+                              [&] { without_processor.Refresh(&device, false); });
+
+    Live_enum writable(live());
+    card.file_result = 1;
+    expect_general_leaf_lines({"ret[0], varId[9000], selected[0] filename[/tmp/9000-post]\n",
+                               "Live Data Commit file create failed ret[1]"},
+                              [&] { writable.Commit(&device); });
 }
 
 TEST_F(Enum_live_data, FreesNothingWhenItEnds) {

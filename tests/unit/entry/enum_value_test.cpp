@@ -10,10 +10,7 @@ namespace {
 using support::capture;
 using support::Fake_binding;
 
-constexpr uint32_t SILENT = 0;
 constexpr uint32_t GENERAL = 0x1;
-constexpr uint32_t QUIET = 0x4000;
-constexpr uint32_t VERBOSE = 0x8000;
 
 TEST(EnumConstruction, StartsWithEveryOptionVisible) {
     Open_enum entry(Enum_arguments().default_value(2));
@@ -484,19 +481,6 @@ TEST(EnumIncValue, Reports) {
               "[Inc_value][enum_entry.cpp][#] Incremented enum one visible unit. Enum [Mode] has "
               "value [0], + [1] = newkeyindex[2]. This will be the new value.\n"
               "Integer_model::Set: value[2], length[4]\n");
-}
-
-TEST(EnumLines, AreUnderTheGeneralMaskAndTheLeafGate) {
-    Open_enum entry;
-    const auto step = [&] { entry.Inc_value(1, 0); };
-    for (const uint32_t open : {GENERAL, GENERAL | VERBOSE, GENERAL | QUIET | VERBOSE}) {
-        entry.put(0);
-        EXPECT_NE(capture(open, step).out.find("[Inc_value]"), std::string::npos) << open;
-    }
-    for (const uint32_t closed : {SILENT, GENERAL | QUIET, ~GENERAL, VERBOSE}) {
-        entry.put(0);
-        EXPECT_EQ(capture(closed, step).out.find("[Inc_value]"), std::string::npos) << closed;
-    }
 }
 
 TEST(EnumMinMaxSize, CountsTheVisibleOptions) {

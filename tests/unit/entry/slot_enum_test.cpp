@@ -13,6 +13,7 @@
 #include "support/fake_device.h"
 #include "support/faulty_interface.h"
 #include "support/indexes.h"
+#include "support/line_gates.h"
 
 namespace {
 
@@ -602,6 +603,44 @@ TEST_F(Slots_with_address, TellThatTheAddressIsRefreshed) {
         << "without a line end";
     EXPECT_EQ(capture(GENERAL, refresh).out.find("String_node_entry"), std::string::npos);
     EXPECT_EQ(capture(0x10000 | VERBOSE, refresh).out.find("String_node_entry"), std::string::npos);
+}
+
+// The category of a refresh; unlike other leaves' lines these need a verbosity bit.
+TEST_F(Slots, AllLinesOfARefreshAreInOneCategory) {
+    build(2);
+    device.answer_current_selection_local(1);
+    device.answer_socket(1);
+    device.answer_socket(2);
+    device.answer_get_integer(PID, 2, 1);
+    device.answer_prod_list(true, true, frame({{1, product(70, "XY")}}));
+    device.answer_alias(70, "Main");
+    support::expect_line_gates(
+        {"selected=[2] selected_line=[0]local=[0]", "Returned slot enum after getting prod list",
+         "Slot-70 name: Radio", "Slot-70 alias: Main", "slot name2: 1:XY", "SLOT_NAME[i] [1:XY",
+         "Exiting function. local=[2]"},
+        REFRESH, support::Gate::ENTRY, [&] { entry->Refresh(&device, false); });
+}
+
+TEST_F(Slots_with_address, LinesOfARefreshedAddressAndOfCommitsHaveTheirOwnGates) {
+    device.answer_current_selection_local(1);
+    device.answer_socket(1);
+    device.answer_socket(2);
+    device.answer_get_integer(PID, 2, 1);
+    device.answer_get_text(700, 9, "10.0.0.1");
+    device.answer_prod_list(true, true, frame({}));
+    support::expect_line_gate("String_node_entry::Refresh", GENERAL, support::Gate::ENTRY, [&] {
+        entry->string_entry_refresh = false;
+        entry->Refresh(&device, false);
+    });
+    support::expect_line_gate("Commit ip_entry\n", 0x5, support::Gate::LEAF, [&] {
+        device.expect_set(PID, 2, "");
+        entry->Commit(&device);
+    });
+    build(3);
+    support::expect_line_gate("About to commit...\n", 0x5, support::Gate::LEAF, [&] {
+        device.expect_set_integer(PID, 2, 0);
+        entry->Commit(&device);
+    });
 }
 
 using SlotsDeathTest = Slots_with_address;

@@ -7,6 +7,7 @@
 #include "support/faulty_interface.h"
 #include "support/indexes.h"
 #include "support/leaf.h"
+#include "support/line_gates.h"
 
 namespace {
 
@@ -297,6 +298,30 @@ TEST_F(Text, TraceOfDependantsIsPrintedWhateverTheMask) {
     device.expect_set(PID, 2, "");
     EXPECT_EQ(capture(0, [&] { entry.Commit(&device); }).out,
               "@@@@@@@@@@@@@@@@@@@@@ here 14\n@@@@@@@@@@@@@@@@@@@@@ here 14\n");
+}
+
+TEST_F(Text, LinesHaveTheirCategoriesAndTheLeafGate) {
+    using support::Gate;
+    support::expect_line_gate("String_entry::Get_display_string()::: ", 0x1, Gate::LEAF,
+                              [&] { shown(16); });
+    support::expect_line_gate("String_entry::Set_value = AB\n", 0x1, Gate::LEAF,
+                              [&] { store("AB"); });
+    auto* const binding = new Fake_binding;
+    entry.Set_binding_object(binding);
+    Leaf dependant("Follower");
+    binding->own_map[key_of(STRING, PID, index)].binding_dependant_entries = {&dependant};
+    Fake_device device;
+    const auto commit = [&] {
+        device.expect_set(PID, 2, "AB");
+        entry.Commit(&device);
+    };
+    support::expect_line_gate("Calling m_model commit...\n", 0x5, Gate::LEAF, commit);
+    support::expect_line_gates({"About to see if I have any dependants...\n",
+                                "Bind expression of entry [Follower] depends on [Label]"},
+                               0x21, Gate::LEAF, commit);
+    support::expect_line_gate("here 14\n", 0, Gate::ALWAYS, commit);
+    binding->map = nullptr;
+    support::expect_line_gate("Var index map is null. ", 0x21, Gate::LEAF, commit);
 }
 
 TEST_F(Text, CommitAddsAnEmptyRecordForAnUnknownKey) {

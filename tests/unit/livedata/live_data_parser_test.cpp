@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "livedata_support.h"
+#include "support/line_gates.h"
 
 namespace {
 
@@ -133,6 +134,43 @@ TEST(Live_data_parser, IsSilentUnlessItsMaskIsSet) {
     EXPECT_NE(output_of(LIVE_DATA_MASK | 0xc000, [&] { box.parser.parseComboBox(); }), "");
     EXPECT_NE(output_of(0x1, [&] { box.parser.parseComboBox(); }), "");
     EXPECT_EQ(take_system_log().size(), 4u);
+}
+
+template <class Action>
+void expect_live_data_lines(const Texts& lines, Action&& action) {
+    support::expect_line_gates(lines, 0x1000001, support::Gate::LEAF, action);
+    take_system_log();
+}
+
+TEST(Live_data_parser, ItsLinesAreInTheLiveDataCategoryWithTheLeafGate) {
+    char name[] = "/nonexistent/document";
+    expect_live_data_lines({"Invalid Filename["}, [] { LiveJSDataParser(nullptr, 0, 0); });
+    expect_live_data_lines({"Unsupported Received[2]"}, [&] { LiveJSDataParser(name, 2, 0); });
+    LiveJSDataParser missing(name, LiveJSDataParser::COMBOBOX, 0);
+    expect_live_data_lines({"Parsing JSON file (", "Could not open JSON file",
+                            "***Failed to parse combobox LiveJSData***"},
+                           [&] { missing.parseComboBox(); });
+    expect_live_data_lines({"jsonType is not TREE jsonType[0]"}, [&] { missing.parseTree(); });
+
+    Combo_box without_members("{}");
+    expect_live_data_lines({"state not found in combobox", "options not found in combobox"},
+                           [&] { without_members.parser.parseComboBox(); });
+    Combo_box odd_members(R"({"state":{},"options":[{}]})");
+    expect_live_data_lines({"state value not found", "value/label not found inside option item"},
+                           [&] { odd_members.parser.parseComboBox(); });
+    Combo_box whole(TWO_OPTIONS);
+    expect_live_data_lines({"cbnode->state[1]", "state:[1]\n", "Options:", "id: [Second]\n"}, [&] {
+        whole.parser.parseComboBox();
+        whole.parser.printdList();
+    });
+
+    Tree unknown_member(R"({"colour":1,"children":5})");
+    expect_live_data_lines({"Unknown field[colour]", "***Failed to parse tree LiveJSData"},
+                           [&] { unknown_member.parser.parseTree(); });
+    expect_live_data_lines({"jsonType is not Combobox jsonType[1]"},
+                           [&] { unknown_member.parser.parseComboBox(); });
+    Tree broken("{");
+    expect_live_data_lines({"Could not parse JSON file"}, [&] { broken.parser.parseTree(); });
 }
 
 // Reading a file
@@ -689,7 +727,10 @@ TEST(Live_data_nodes, HoldTheTreeWithItsActions) {
               "  action.type: []\n"
               "  action.action_body.rule: [*r]\n"
               "  action.action_body.message: []\n");
-    EXPECT_EQ(output_of(0, [&] { parser.printJT(parser.pjstree, 0); }), "");
+    support::expect_line_gates(
+        {"=>\n", "label: [Top]", "type: [menu]", "value: [0]", "render: [bold]", "action.id: [go]",
+         "action.type: [jump]", "rule: [always]", "message: [Sure?]"},
+        0x1000001, support::Gate::LEAF, [&] { parser.printJT(parser.pjstree, 0); });
     parser.printJT(nullptr, 0);
 }
 

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "livedata_support.h"
+#include "support/line_gates.h"
 
 namespace {
 
@@ -527,6 +528,66 @@ TEST_F(Live_data_processor, ReportsAnExceptionWhilePostingWithTwoBlanks) {
     EXPECT_EQ(output_of(0, [&] { EXPECT_EQ(m_processor.Commit(9001, 's', file), -1); }),
               "Error:" + text);
     EXPECT_THAT(take_system_log(), ElementsAre("3 " + text));
+}
+
+// Which lines show
+
+TEST_F(Live_data_processor, DiagnosticLinesAreInTheLiveDataCategoryWithTheLeafGate) {
+    const auto expect_live_data_lines = [](const Texts& lines, auto&& action) {
+        support::expect_line_gates(lines, 0x1000001, support::Gate::LEAF, action);
+    };
+    char path[256];
+    char file[] = "/tmp/9001-post";
+    char value[] = "12";
+    expect_live_data_lines({"NULL IP Recieved in LDP for slot[9]"},
+                           [] { Live_Data_Processor(0, nullptr, 9); });
+    expect_live_data_lines({"filepath[/tmp/9001-json] Command[curl "},
+                           [&] { m_processor.getDataFromCard(9001, 's', path); });
+    expect_live_data_lines({"Filename received[" + OWN_DOCUMENT}, [&] { get_data(2); });
+    expect_live_data_lines({"cmd[rm -f /tmp/9001-post]", "cmd[echo "},
+                           [&] { m_processor.createLDCommitFile(9001, file, value); });
+    expect_live_data_lines({"filename[/tmp/9001-post], dataformat[s]", "cmd[curl -X POST"},
+                           [&] { m_processor.Commit(9001, 's', file); });
+    // Behind "Error:" the same text stands whatever the mask.
+    const auto throwing = [](auto&& action) {
+        return [action] {
+            shell = Shell();
+            shell.throws_at = 0;
+            action();
+        };
+    };
+    expect_live_data_lines({"\n[live_data_processor.cpp][Commit][#]  An exception occurred"},
+                           throwing([&] { m_processor.Commit(9001, 's', file); }));
+    expect_live_data_lines(
+        {"\n[live_data_processor.cpp][createLDCommitFile][#] An exception occurred"},
+        throwing([&] { m_processor.createLDCommitFile(9001, file, value); }));
+    expect_live_data_lines({"[live_data_processor.cpp][getDataFromCard][#] An exception occurred "
+                            "while fetching the dynamic data. Exception Nr.[7]\nError:"},
+                           throwing([&] { m_processor.getDataFromCard(9001, 's', path); }));
+}
+
+TEST_F(Live_data_processor, ErrorLinesShowWhateverTheMask) {
+    char file[] = "/tmp/9001-post";
+    char value[] = "12";
+    const auto expect_always = [](const std::string& line, auto&& action) {
+        support::expect_line_gate("Error:" + line, 0, support::Gate::ALWAYS, [action] {
+            shell = Shell();
+            shell.statuses = {256};
+            action();
+        });
+    };
+    expect_always(" [live_data_processor.cpp][getData][#] filename[", [this] { get_data(0); });
+    expect_always(" [live_data_processor.cpp][createLDCommitFile][#] Command[rm",
+                  [&] { m_processor.createLDCommitFile(9001, file, value); });
+    expect_always("[live_data_processor.cpp][Commit][#] Command[curl",
+                  [&] { m_processor.Commit(9001, 's', file); });
+    support::expect_line_gate("Error: [live_data_processor.cpp][getData][#] Unknown webType", 0,
+                              support::Gate::ALWAYS, [this] { get_data(7); });
+    for (const int type : {0, 1}) {
+        card_answers("[]");
+        support::expect_line_gate("Error: [live_data_processor.cpp][getData][#] Error in getting ",
+                                  0, support::Gate::ALWAYS, [&] { get_data(type); });
+    }
 }
 
 }  // namespace
