@@ -45,10 +45,11 @@ public:
     //   - with "%d" anywhere in it, or "%02x", or with "%02X" in the number format, an integer conversion;
     //     the number is cut towards zero and stays within `int`;
     //   - otherwise a floating-point conversion; with "%.1f" the number is rounded to tenths first.
-    // Not-a-number counts as 0. A format that does not fit, such as "%5d", shows the raw value. If `fmt` has both ':' and ',' a table of texts stands
-    // before the number format, as in "0:Off,1:On,%d dB": value, ':', text and ',' for each row. Without a
-    // table at most 14 characters of the formatted number are shown. When either text is empty the raw value
-    // is shown. The decimal sign is a point whatever the locale of the process.
+    // Not-a-number counts as 0. A format that does not fit, such as "%5d", shows the raw value. If `fmt` has
+    // both ':' and ',' a table of texts stands before the number format, as in "0:Off,1:On,%d dB": value,
+    // ':', text and ',' for each row. Without a table at most 14 characters of the formatted number are
+    // shown. When either text is empty the raw value is shown. The decimal sign is a point whatever the
+    // locale of the process.
     Range_entry(const char* name, const char* description, unsigned int pid, const Index_t* index,
                 int min, int max, int default_value, char* fmt, char* val_fmt, Data_entry* parent,
                 Data_access access, int visible, bool active, int shortcut, Data_entry* next,
