@@ -117,6 +117,7 @@ void Device_description::load_parameter(const Json_value& parameter) {
     }
     m_wrong_parameters.erase(key);
     m_menu.parameters().add(declared);
+    m_menu.bindings()->parameters().declare({declared.type, declared.pid, declared.index});
     if (name) {
         load_name(*name, declared);
     }
@@ -132,6 +133,7 @@ void Device_description::load_name(const Json_value& name, const Parameter& decl
     if (!m_menu.parameters().add_name(text, declared)) {
         name.fail("another parameter is named \"" + text + "\"");
     }
+    m_menu.bindings()->parameters().declare(text, {declared.type, declared.pid, declared.index});
     m_wrong_names.erase(text);
 }
 

@@ -85,7 +85,13 @@ void write(Writer& writer, const Json_node& node) {
 Place Json_value::place_in_text(size_t offset) const {
     constexpr size_t QUOTE = 1;
     Place place = m_node->place;
-    place.column += QUOTE + offset;
+    if (place.copy != nullptr) {
+        return place;  // what was written is not what stands here
+    }
+    const std::string before = m_node->text.substr(0, offset);
+    const auto is_escaped = [](char c) { return c == '"' || c == '\\' || (c >= 0 && c < ' '); };
+    place.column += QUOTE + before.size() +
+                    static_cast<size_t>(std::count_if(before.begin(), before.end(), is_escaped));
     return place;
 }
 
@@ -205,6 +211,18 @@ std::string Json_value::text() const {
         fail_type("a text");
     }
     if (!is_printable(m_node->text)) {
+        fail("expected printable ASCII characters");
+    }
+    return m_node->text;
+}
+
+std::string Json_value::text_with_lines() const {
+    if (!is_text()) {
+        fail_type("a text");
+    }
+    std::string on_one_line = m_node->text;
+    std::replace(on_one_line.begin(), on_one_line.end(), '\n', ' ');
+    if (!is_printable(on_one_line)) {
         fail("expected printable ASCII characters");
     }
     return m_node->text;

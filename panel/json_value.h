@@ -37,6 +37,8 @@ public:
     bool boolean() const;
     // Printable ASCII, since that is what the display shows.
     std::string text() const;
+    // The same, with line ends: what no display shows.
+    std::string text_with_lines() const;
     std::string text_of_length(size_t min, size_t max) const;
     // The text, which must be one of `known`: its place among them.
     size_t choice(const std::vector<const char*>& known) const;
@@ -45,7 +47,7 @@ public:
     std::string json() const;
 
     const Place& place() const { return m_node->place; }
-    // The place of a character of a text, from 0. A text with escapes has it a little further on.
+    // The place of a character of a text, from 0; escapes count as they are usually written.
     Place place_in_text(size_t offset) const;
     // Throws an error at this place, or only reports it, or tells what is allowed but probably not meant.
     [[noreturn]] void fail(const std::string& text) const;

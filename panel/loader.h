@@ -125,6 +125,8 @@ private:
     std::vector<range_s> ranges_of(const Json_value& list, int min, int max);
     void bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds);
     void check_rule_parameter(const Json_value& source, const var_index_s& key);
+    void check_written_parameter(const Json_value& source, const std::string& reference);
+    void check_cycles();
     const Parameter& parameter_of(const Json_value& item, const Index_t& index,
                                   RETURN_TYPE type) const;
     const Parameter& parameter_of(const Json_value& place, uint32_t pid, const Index_t& index,
@@ -147,6 +149,7 @@ private:
     std::vector<Pending_link> m_pending;
     std::vector<std::pair<Json_value, Link_entry*>> m_escapes;
     std::vector<std::pair<Json_value, std::string>> m_display_expressions;
+    std::map<const Data_entry*, Place> m_binding_places;
     bool m_has_toggles = false;
     bool m_is_bridging = false;  // what is built now is a bridge's
     std::vector<std::unique_ptr<Index_t>> m_bridge_indices;

@@ -69,11 +69,13 @@ void Loader::load(const Json_value& file) {
     for (const Json_value& options : m_device.product_options()) {
         load_options(options);
     }
+    m_menu.bindings()->set_product_options(m_options);
     m_problems.attempt([&] { load_root(file.member("menu")); });
     place_links();
     load_home(file);
     set_escapes();
     check_variables();
+    check_cycles();
     if (m_menu.entry_count() > 0) {
         m_menu.share_shortcuts();
     }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <string_view>
 
 #include "loader.h"
 
@@ -12,6 +13,34 @@ bool is_index_of_menu(const Index_t& index) {
                        [](uint16_t level) { return level <= LAST_INDEX; });
 }
 
+// The parameters that the rules of a text write: "set [NAME] = ...", outside of texts in quotes.
+std::vector<std::string> written_parameters(const std::string& source) {
+    constexpr std::string_view SET = "set";
+    std::vector<std::string> written;
+    bool is_quoted = false;
+    for (size_t at = 0; at < source.size(); ++at) {
+        is_quoted ^= source[at] == '"' && (at == 0 || source[at - 1] != '\\');
+        if (is_quoted || source.compare(at, SET.size(), SET) != 0) {
+            continue;
+        }
+        const size_t open = source.find_first_not_of(" \t", at + SET.size());
+        const size_t close = source.find(']', at);
+        if (open != std::string::npos && source[open] == '[' && close != std::string::npos) {
+            written.push_back(source.substr(open + 1, close - open - 1));
+        }
+    }
+    return written;
+}
+
+// A mistake in rules on one line of the file stands where it is; in others it is told with its line.
+[[noreturn]] void fail_in(const Json_value& source, const Compile_error& error) {
+    const bool is_on_one_line = source.text_with_lines().find('\n') == std::string::npos;
+    if (is_on_one_line && source.place().copy == nullptr) {
+        throw Placed_error(source.place_in_text(error.column - 1), error.message);
+    }
+    source.fail(error.text());
+}
+
 }  // namespace
 
 // The engine gets all it needs before the entry takes it over.
@@ -21,9 +50,11 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
         return;
     }
     m_problems.attempt([&] {
-        const Compile_result compiled = m_menu.bindings()->compile(source->text());
+        const std::string text = source->text_with_lines();
+        const Compile_result compiled =
+            m_menu.bindings()->compile(text, entry.Get_return_type_int_or_string());
         if (!compiled.ok()) {
-            source->fail(compiled.error->text());
+            fail_in(*source, *compiled.error);
         }
         for (const Binding_interval& interval : compiled.intervals) {
             if (bounds && (interval.max < bounds->min || interval.min > bounds->max)) {
@@ -38,8 +69,12 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
             binding->set_fallback_range(bounds->min, bounds->max);
         }
         entry.Set_binding_object(binding.release());
+        m_binding_places.emplace(&entry, source->place());
         for (const var_index_s& key : entry.Get_var_index_map_keys(0)) {
             m_problems.attempt([&] { check_rule_parameter(*source, key); });
+        }
+        for (const std::string& written : written_parameters(text)) {
+            m_problems.attempt([&] { check_written_parameter(*source, written); });
         }
     });
 }
@@ -51,6 +86,32 @@ void Loader::check_rule_parameter(const Json_value& source, const var_index_s& k
     }
     if (parameter->type != key.rt) {
         source.fail("parameter " + std::to_string(key.var) + " is of another type");
+    }
+}
+
+void Loader::check_written_parameter(const Json_value& source, const std::string& reference) {
+    if (m_device.reference(reference.substr(0, reference.find('@'))) == nullptr) {
+        source.fail("the device has no parameter [" + reference + "]");
+    }
+}
+
+// A circle of writes may never come to rest. Limits that follow each other do, and are often meant so.
+void Loader::check_cycles() {
+    for (const Binding_cycle& cycle : m_menu.bindings()->find_cycles()) {
+        const auto place = std::find_if(cycle.steps.begin(), cycle.steps.end(),
+                                        [this](const Binding_cycle::Step& step) {
+                                            return m_binding_places.count(step.entry) > 0;
+                                        });
+        if (place == cycle.steps.end()) {
+            continue;
+        }
+        if (cycle.kind == Binding_cycle::Kind::WRITES) {
+            m_problems.report(m_binding_places.at(place->entry),
+                              "rules that write drive each other in a circle: " + cycle.text());
+        } else {
+            m_problems.warn(m_binding_places.at(place->entry),
+                            "rules limit each other in a circle: " + cycle.text());
+        }
     }
 }
 
