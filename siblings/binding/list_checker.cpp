@@ -220,7 +220,7 @@ private:
             push(there, Value_type::INTEGER);
         } else if (operation == Operation::MEMBER_TEXT) {
             --there.depth;
-            there.texts &= ~(uint64_t{1} << there.depth);
+            there.texts &= ~bit(there.depth);
             push(there, Value_type::INTEGER);
         }
         if (operation == Operation::JUMP) {
@@ -260,7 +260,7 @@ private:
         for (std::size_t i = 0; i < count; ++i) {
             require(types[i] == 'x' || type_at(m_stack.depth + i) == type_of(types[i]),
                     "operand of the wrong type at instruction", m_place);
-            m_stack.texts &= ~(uint64_t{1} << (m_stack.depth + i));
+            m_stack.texts &= ~bit(m_stack.depth + i);
         }
     }
 
@@ -268,12 +268,16 @@ private:
 
     void push(Stack_types& stack, Value_type type) const {
         require(stack.depth < DEEPEST_STACK, "stack too deep at instruction", m_place);
-        stack.texts |= uint64_t{type == Value_type::TEXT} << stack.depth;
+        stack.texts |= type == Value_type::TEXT ? bit(stack.depth) : 0;
         ++stack.depth;
     }
 
+    static uint64_t bit(std::size_t place) {
+        return place < DEEPEST_STACK ? uint64_t{1} << place : 0;
+    }
+
     Value_type type_at(std::size_t place) const {
-        return (m_stack.texts >> place & 1) != 0 ? Value_type::TEXT : Value_type::INTEGER;
+        return (m_stack.texts & bit(place)) != 0 ? Value_type::TEXT : Value_type::INTEGER;
     }
 
     static Value_type type_of(char letter) {

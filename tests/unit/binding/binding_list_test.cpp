@@ -163,8 +163,8 @@ const char* const SOURCES[] = {
     "range 0..[limit], -5..5000000000 - [gain] if has_option(\"gps\")\nkeys 1, 2..[gain]",
     "set [title] = [mode] ? \"on\" : [gain] > 4 ? \"{[gain]}\" : \"\\\"\" if [title] != \"x\"",
     "set [limit] = min(1, max([gain], abs(-[delta]), length([title]))) * 2 / 3 % 4 - 5 + value",
-    "visible if [gain] in {1, 2..3, [mode]} or [title] in {\"a\", [title]}; access read-only if "
-    "1 < 2 and 2 <= 2 and 3 >= 3 and 4 != 5",
+    "visible if [gain] in {1, 2..3, [mode]} or [title] in {\"a\", [title]}",
+    "access read-only if 1 < 2 and 2 <= 2 and 3 >= 3 and 4 != 5; access read-write",
 };
 
 std::string refusal(const BindingListT& list) {
