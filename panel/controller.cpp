@@ -102,7 +102,8 @@ void Controller::tick() {
         return;
     }
     if (!m_editing.is_open()) {
-        refresh_list();
+        m_list.refresh_shown();
+        leave_hidden();
     } else if (m_notices.empty()) {
         follow_edited();
     }
@@ -202,9 +203,13 @@ void Controller::editor_closed(const Data_entry* target) {
     }
 }
 
-// A menu that is hidden while it is shown, or within one that is, is left.
 void Controller::refresh_list() {
     m_list.refresh();
+    leave_hidden();
+}
+
+// A menu that is hidden while it is shown, or within one that is, is left.
+void Controller::leave_hidden() {
     Data_entry* hidden = nullptr;
     for (Data_entry* menu = &m_list.menu(); menu != nullptr && menu != &m_root;
          menu = neighbour(*menu, Data_entry::OPERATION_PARENT)) {

@@ -59,6 +59,7 @@ private:
     void jump(int button);
     void editor_closed(const Data_entry* target);
     void refresh_list();
+    void leave_hidden();
     void follow_edited();
 
     Data_entry& m_root;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "entry_access.h"
 
@@ -12,6 +13,7 @@ namespace {
 constexpr int MARK_COLUMNS = 1;  // the cursor's column
 constexpr int LEAST_VALUE_COLUMNS = 8;
 constexpr int LEAST_ROWS_WITH_TITLE = 3;
+constexpr size_t ENTRIES_A_TURN = 64;
 constexpr const char* READ_ERROR = "read error";
 constexpr const char* NO_VALUE = "---";
 constexpr const char* MENU_MARK = "...";
@@ -40,6 +42,14 @@ Data_entry* next_visible(const std::vector<Data_entry*>& all,
     return candidate == all.end() ? nullptr : *candidate;
 }
 
+// Asking a leaf reads it; a node's own binding is evaluated only by a refresh of the node.
+bool is_visible(Data_entry& entry, Data_interface& device) {
+    if (is_menu(entry)) {
+        panel::refresh(entry, device);
+    }
+    return entry.isVisible(true, &device) >= 0;
+}
+
 }  // namespace
 
 int name_columns(const Data_entry& entry, int columns) {
@@ -64,17 +74,38 @@ void List_view::open(Data_entry& menu, Data_entry* cursor) {
 }
 
 void List_view::refresh() {
+    refresh([](size_t, const Data_entry*) { return true; });
+}
+
+void List_view::refresh_shown() {
+    const size_t first = m_turn;
+    m_turn += ENTRIES_A_TURN;
+    refresh([this, first](size_t position, const Data_entry* entry) {
+        return (position >= first && position < first + ENTRIES_A_TURN) || is_drawn(entry);
+    });
+}
+
+bool List_view::is_drawn(const Data_entry* entry) const {
+    const auto top = m_visible.begin() + std::min(m_top, static_cast<int>(m_visible.size()));
+    const auto end = top + std::min<std::ptrdiff_t>(m_drawn, m_visible.end() - top);
+    return std::find(top, end, entry) != end;
+}
+
+// An entry that is not due is taken as it was.
+void List_view::refresh(const std::function<bool(size_t, Data_entry*)>& is_due) {
     Data_entry* const held = selected();
     const std::vector<Data_entry*> all = children_of(*m_menu);
+    const std::unordered_set<Data_entry*> before(m_visible.begin(), m_visible.end());
     std::vector<Data_entry*> visible;
-    for (Data_entry* entry : all) {
-        // Asking a leaf reads it; a node's own binding is evaluated only by a refresh of the node.
-        if (is_menu(*entry)) {
-            panel::refresh(*entry, m_device.access);
-        }
-        if (entry->isVisible(true, &m_device.access) >= 0) {
+    for (size_t position = 0; position < all.size(); ++position) {
+        Data_entry* const entry = all[position];
+        if (is_due(position, entry) ? is_visible(*entry, m_device.access)
+                                    : before.count(entry) != 0) {
             visible.push_back(entry);
         }
+    }
+    if (m_turn >= all.size()) {
+        m_turn = 0;
     }
     m_visible = std::move(visible);
     if (held != nullptr) {
@@ -87,6 +118,10 @@ void List_view::move(int steps) {
     const int end = steps > 0 ? last : 0;
     const bool goes_round = m_wrap && steps != 0 && m_cursor == end;
     m_cursor = goes_round ? last - end : std::clamp(m_cursor + steps, 0, last);
+    // What comes into view shows its value of now.
+    if (steps != 0 && selected() != nullptr && !is_drawn(selected())) {
+        is_visible(*selected(), m_device.access);
+    }
 }
 
 Data_entry* List_view::selected() const {
@@ -118,6 +153,7 @@ void List_view::draw(Lcd& lcd) {
         lcd.put(first_row, MARK_COLUMNS, "(empty)");
     }
     const int end = std::min(static_cast<int>(m_visible.size()), m_top + lines);
+    m_drawn = end - m_top;
     for (int i = m_top; i < end; ++i) {
         draw_entry(lcd, first_row + i - m_top, *m_visible[static_cast<size_t>(i)], i == m_cursor);
     }

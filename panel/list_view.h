@@ -2,6 +2,7 @@
 #ifndef FRONTPANEL_PANEL_LIST_VIEW_H
 #define FRONTPANEL_PANEL_LIST_VIEW_H
 
+#include <functional>
 #include <vector>
 
 #include "device_link.h"
@@ -23,6 +24,9 @@ public:
     // Reads every entry of the menu from the device and asks whether it is visible. A cursor whose entry is
     // gone moves to the next visible one, or to the last.
     void refresh();
+    // As `refresh`, but of a long menu only what was drawn last and some of the rest, which is taken in turns: a menu of
+    // a thousand entries costs no more at rest than a short one.
+    void refresh_shown();
     // Moves the cursor; it stays at the ends, or with wrap goes round from them.
     void move(int steps);
     void set_wrap(bool wrap) { m_wrap = wrap; }
@@ -39,14 +43,18 @@ public:
 private:
     void draw_title(Lcd& lcd) const;
     void draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected);
+    void refresh(const std::function<bool(size_t, Data_entry*)>& is_due);
+    bool is_drawn(const Data_entry* entry) const;
     void place_cursor(Data_entry* wanted);
     void scroll_to_cursor(int lines);
 
     Data_entry* m_menu;
     Device_link m_device;
     std::vector<Data_entry*> m_visible;
-    int m_cursor = 0;  // in m_visible
-    int m_top = 0;     // first of m_visible on the display
+    int m_cursor = 0;   // in m_visible
+    int m_top = 0;      // first of m_visible on the display
+    int m_drawn = 0;    // how many of them were drawn
+    size_t m_turn = 0;  // the entry of a long menu that is refreshed next
     bool m_alarm = false;
     bool m_wrap = false;
 };

@@ -317,5 +317,55 @@ TEST(Controller, ALongNameLeavesRoomForTheValue) {
     EXPECT_EQ(panel.lines()[0], ">Reference        50");
 }
 
+// Parameters 1 to `count`, each with an item.
+std::string long_menu(int count) {
+    std::string parameters;
+    std::string items;
+    for (int pid = 1; pid <= count; ++pid) {
+        const std::string number = std::to_string(pid);
+        const std::string comma = pid == 1 ? "" : ",";
+        parameters += comma + R"({"pid": )" + number +
+                      R"(, "type": "integer", "min": 0, "max": 999, "value": 5})";
+        items +=
+            comma + R"({"type": "range", "name": "Item )" + number + R"(", "pid": )" + number + "}";
+    }
+    return menu_text(parameters, items);
+}
+
+TEST(Controller, ALongMenuAtRestReadsWhatIsShownAndTheRestInTurns) {
+    constexpr size_t COUNT = 300;
+    Panel panel(long_menu(COUNT), {20, 3});
+    panel.press(Key::DOWN, COUNT - 1).lines();
+    std::set<uint32_t> reads;
+    panel.device().set_fault([&reads](const Memory_device::Operation& operation) {
+        if (operation.kind == Memory_device::Operation_kind::READ) {
+            reads.insert(operation.pid);
+        }
+        return 0;
+    });
+    panel.controller().tick();
+    EXPECT_EQ(reads.size(), 64U + 2U);
+    EXPECT_EQ(reads.count(COUNT), 1U);
+    EXPECT_EQ(reads.count(COUNT - 1), 1U);
+    for (int i = 0; i < 4; ++i) {
+        panel.controller().tick();
+    }
+    EXPECT_EQ(reads.size(), COUNT);
+
+    panel.device().set_integer(COUNT, 0, 7);
+    panel.controller().tick();
+    EXPECT_EQ(panel.lines(),
+              (Lines{"Main         300/300", " Item 299          5", ">Item 300          7"}));
+}
+
+TEST(Controller, WhatComesIntoViewInALongMenuShowsItsValueOfNow) {
+    Panel panel(long_menu(300), {20, 3});
+    panel.lines();
+    panel.device().set_integer(3, 0, 8);
+    panel.press(Key::DOWN, 2);
+    EXPECT_EQ(panel.lines(),
+              (Lines{"Main           3/300", " Item 2            5", ">Item 3            8"}));
+}
+
 }  // namespace
 }  // namespace panel
