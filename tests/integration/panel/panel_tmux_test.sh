@@ -197,4 +197,20 @@ for signal in INT:130 TERM:143 HUP:129 QUIT:131 SEGV:139 ABRT:134 USR1:138; do
     ended "${signal%:*}" "${signal#*:}"
 done
 
+# A card that does not answer does not hold Ctrl-C up. What dies of it leaves the rest of its command line undone.
+mkdir "$FOLDER/slow"
+printf '#!/bin/sh\ntouch "%s/fetching"\nexec sleep 15\n' "$FOLDER" >"$FOLDER/slow/curl"
+chmod +x "$FOLDER/slow/curl"
+terminal send-keys "clear; stty -g >before; PATH='$FOLDER/slow':\$PATH '$PANEL'" Enter
+wait_for "the panel with a slow card does not show" shows_line 1 ">Audio           ..."
+rm -f "$FOLDER/fetching"
+terminal send-keys 8
+wait_for "no card is asked" test -e "$FOLDER/fetching"
+STARTED=$SECONDS
+terminal send-keys C-c
+terminal send-keys "clear; stty -g >after; touch done.slow" Enter
+wait_for "Ctrl-C does not end the panel" test -e "$FOLDER/done.slow"
+[ $((SECONDS - STARTED)) -lt 10 ] || fail "Ctrl-C waits for the card"
+cmp "$FOLDER/before" "$FOLDER/after" || fail "Ctrl-C leaves other terminal settings"
+
 rmdir "$FOLDER/temporary" || fail "the folder for temporary files is not empty"
