@@ -54,6 +54,8 @@ struct Core {
     std::vector<Interval> intervals;
     std::vector<int> keys;
     std::vector<GetSetS> requests;
+    // Which time the warnings are armed: those of an earlier time are new again.
+    unsigned int warning_round = 0;
 };
 
 }  // namespace binding_engine

@@ -504,10 +504,11 @@ bool Engine::decide_access(Reading& reading, Data_entry::Data_access& access) {
     });
 }
 
-// The warnings of one try: those of the try before have been shown or are outdated. Without any there is
-// nothing new, since an entry refuses a value that raises news.
+// The warnings of one try. An entry refuses a value that raises news, and takes it when it is tried again: so
+// what a person agreed to is stored. A try without any is no news, and arms the next.
 void Engine::decide_warnings(Reading& reading) {
-    m_warning_count = 0;
+    m_warnings.swap(m_warnings_before);
+    const std::size_t count_before = std::exchange(m_warning_count, 0);
     each_rule_that_holds(SUGGESTION_WARNING, reading, [&](const Rule& rule) {
         Value text;
         if (!reading.value(rule, reading.program().operand(rule, 0), text)) {
@@ -519,6 +520,12 @@ void Engine::decide_warnings(Reading& reading) {
         m_warnings[m_warning_count++].assign(text.text);
         return Step::NEXT;
     });
+    const bool is_armed =
+        std::exchange(m_warning_round, m_core.warning_round) != m_core.warning_round;
+    const bool is_same =
+        !is_armed && m_warning_count == count_before &&
+        std::equal(m_warnings.cbegin(), end_of_warnings(), m_warnings_before.cbegin());
+    m_warns_anew = m_warning_count > 0 && (m_warns_anew || !is_same);
 }
 
 void Engine::report_cascade(const std::string& path) {
@@ -567,12 +574,15 @@ int Engine::offered() const {
     return m_rule_kinds | ((m_rule_kinds & SUGGESTION_KEYS) != 0 ? SUGGESTION_RANGE : 0);
 }
 
+std::vector<std::string>::const_iterator Engine::end_of_warnings() const {
+    return m_warnings.begin() + static_cast<std::ptrdiff_t>(m_warning_count);
+}
+
 int Engine::updated() const {
     return (m_visibility.is_updated ? SUGGESTION_VISIBILITY : 0) |
            (m_ranges.is_updated || m_announces_keys ? SUGGESTION_RANGE : 0) |
            (m_keys.is_updated ? SUGGESTION_KEYS : 0) |
-           (m_requests.is_updated ? SUGGESTION_SET : 0) |
-           (m_warning_count > 0 ? SUGGESTION_WARNING : 0) |
+           (m_requests.is_updated ? SUGGESTION_SET : 0) | (m_warns_anew ? SUGGESTION_WARNING : 0) |
            (m_access.is_updated ? SUGGESTION_ACCESS : 0);
 }
 
@@ -596,9 +606,8 @@ void Engine::get(int mask, void* out) const {
             *static_cast<std::vector<GetSetS>*>(out) = m_requests.value;
             break;
         case SUGGESTION_WARNING:
-            static_cast<std::vector<std::string>*>(out)->assign(
-                m_warnings.begin(),
-                m_warnings.begin() + static_cast<std::ptrdiff_t>(m_warning_count));
+            static_cast<std::vector<std::string>*>(out)->assign(m_warnings.begin(),
+                                                                end_of_warnings());
             break;
         case SUGGESTION_ACCESS:
             if (m_access.is_known) {
@@ -627,7 +636,7 @@ void Engine::clear(int mask) {
         m_requests.is_updated = false;
     }
     if ((mask & SUGGESTION_WARNING) != 0) {
-        m_warning_count = 0;
+        m_warns_anew = false;
     }
     if ((mask & SUGGESTION_ACCESS) != 0) {
         m_access.is_updated = false;
@@ -668,7 +677,7 @@ std::vector<std::string> Engine::suggestion_lines() const {
         add("set " + joined(requests), m_requests.is_updated);
     }
     for (std::size_t number = 0; number < m_warning_count; ++number) {
-        add("warn " + quoted(m_warnings[number]), true);
+        add("warn " + quoted(m_warnings[number]), m_warns_anew);
     }
     if (m_access.is_known) {
         add(std::string("access ") + access_text(m_access.value), m_access.is_updated);

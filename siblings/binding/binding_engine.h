@@ -96,6 +96,7 @@ public:
     Cached_parameter* own() const { return m_own; }
 
 private:
+    std::vector<std::string>::const_iterator end_of_warnings() const;
     friend class Reading;
 
     enum class Step { NEXT, LAST, FAILED };
@@ -156,6 +157,9 @@ private:
     Suggestion<Data_entry::Data_access> m_access;
     std::vector<std::string> m_warnings;  // the first `m_warning_count` count
     std::size_t m_warning_count = 0;
+    std::vector<std::string> m_warnings_before;  // of the try before; keeps its memory
+    bool m_warns_anew = false;
+    unsigned int m_warning_round = 0;  // of the core, at the last try
     std::vector<std::string> m_errors;
 };
 

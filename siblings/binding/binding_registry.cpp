@@ -29,6 +29,10 @@ void Binding_registry::set_warning_listener(Warning_listener listener) {
     m_warning_listener = std::move(listener);
 }
 
+void Binding_registry::arm_warnings() {
+    ++m_core->warning_round;
+}
+
 void Binding_registry::show_warning(const std::string& text) const {
     if (m_warning_listener) {
         m_warning_listener(text);

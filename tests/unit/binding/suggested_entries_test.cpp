@@ -158,9 +158,12 @@ TEST_F(Suggested_entries, AValueThatIsWarnedOfIsRefusedAndNothingIsStored) {
     EXPECT_NE(attempt(95), 0);
     EXPECT_THAT(shown_warnings, ElementsAre("95 is high", "in mode 0"));
     EXPECT_EQ(gain.value(), 80);
-    EXPECT_NE(attempt(95), 0) << "a second try of the same value is warned of too";
-    EXPECT_EQ(attempt(79), 0);
-    EXPECT_EQ(shown_warnings.size(), 4u);
+    EXPECT_EQ(attempt(95), 0) << "who tries again has agreed";
+    EXPECT_EQ(gain.value(), 95);
+    EXPECT_NE(attempt(85), 0);
+    EXPECT_EQ(attempt(79), 0) << "a warning that ends is no news";
+    EXPECT_NE(attempt(95), 0) << "a value without warning in between arms them again";
+    EXPECT_EQ(shown_warnings.size(), 5u);
     EXPECT_THAT(written(), IsEmpty());
 }
 

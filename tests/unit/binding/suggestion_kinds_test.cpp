@@ -296,16 +296,47 @@ TEST_F(Suggestion_kinds, EveryWarningThatHoldsIsToldWithItsValues) {
                 ElementsAre("Gain 85 of Studio", "Always"));
 }
 
-// A value that is tried again must not slip through because it was warned of before.
-TEST_F(Suggestion_kinds, TheSameTryWarnsAgain) {
-    add("warn \"High\" if [100] > 80");
-    engine.setOverrideVarid(key_of(INTEGER, MODE, no_level), number(85));
-    for (int attempt = 0; attempt < 3; ++attempt) {
+TEST_F(Suggestion_kinds, TheSameWarningIsNoNewsUntilATryWithout) {
+    add("warn \"High\" if [100] > 80; warn \"Very\" if [100] > 90");
+    const auto is_news = [&](int value) {
+        engine.setOverrideVarid(key_of(INTEGER, MODE, no_level), number(value));
         evaluate(5);
-        EXPECT_TRUE(engine.suggestionUpdated(SUGGESTION_WARNING)) << attempt;
+        const bool updated = engine.suggestionUpdated(SUGGESTION_WARNING);
         engine.clearSuggestion(SUGGESTION_WARNING);
         EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_WARNING));
-    }
+        return updated;
+    };
+    EXPECT_TRUE(is_news(85));
+    EXPECT_FALSE(is_news(85));
+    EXPECT_FALSE(is_news(86)) << "the texts count, not the value";
+    EXPECT_TRUE(is_news(95));
+    EXPECT_TRUE(is_news(85));
+    EXPECT_FALSE(is_news(80)) << "that they end is no news";
+    EXPECT_TRUE(is_news(85));
+}
+
+TEST_F(Suggestion_kinds, ArmedWarningsAreNewsAgain) {
+    add("warn \"Always\"");
+    evaluate(5);
+    engine.clearSuggestion(SUGGESTION_WARNING);
+    evaluate(5);
+    EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_WARNING));
+    registry->arm_warnings();
+    EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_WARNING));
+    evaluate(5);
+    EXPECT_TRUE(engine.suggestionUpdated(SUGGESTION_WARNING));
+    engine.clearSuggestion(SUGGESTION_WARNING);
+    evaluate(5);
+    EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_WARNING));
+}
+
+// Who has not taken the warnings has not shown them.
+TEST_F(Suggestion_kinds, WarningsStayNewUntilTheyAreCleared) {
+    add("warn \"High\" if [100] > 80");
+    engine.setOverrideVarid(key_of(INTEGER, MODE, no_level), number(85));
+    evaluate(5);
+    evaluate(5);
+    EXPECT_TRUE(engine.suggestionUpdated(SUGGESTION_WARNING));
     engine.setOverrideVarid(key_of(INTEGER, MODE, no_level), number(80));
     evaluate(5);
     EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_WARNING));

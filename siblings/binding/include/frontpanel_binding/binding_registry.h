@@ -78,6 +78,9 @@ public:
     // Called with each warning that an engine shows. Without one, warnings are dropped.
     void set_warning_listener(Warning_listener listener);
     void show_warning(const std::string& text) const;
+    // Warnings that were raised already are new at the next try that raises them, in every engine: for a user
+    // interface whose user took none of them, or begins with another value.
+    void arm_warnings();
 
     // Every parameter that a rule reads, an entry with an engine controls, or somebody watches, with the value
     // last seen and the entries that depend on it; lives as long as the registry. A device variable that goes

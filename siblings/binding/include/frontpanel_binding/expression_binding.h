@@ -62,7 +62,8 @@ public:
     //   entry does not have are left out.
     // - Writes: those of all rules that hold, in the order of the rules. They are new only when the list as a
     //   whole differs from the last one, or the device refused one of them through a `Caching_device`.
-    // - Warnings: those of all rules that hold, new at every try that raises any.
+    // - Warnings: those of all rules that hold, new when they differ from those of the try before. So a value
+    //   that was refused for them is taken when it is tried again; a try that raises none makes the next new.
     // - Access: the first rule that holds; without one, the entry's original access right.
     //
     // Every parameter is read at most once, and not at all while the registry knows its value. When a
