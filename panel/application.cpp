@@ -204,6 +204,7 @@ int use(const Options& options, const std::optional<Script>& script, Menu& menu,
     controller.configure(encoder_of(options, menu), &menu.editor_settings());
     menu.bindings()->set_warning_listener(
         [&controller](const std::string& text) { controller.warn(text); });
+    controller.set_warning_armer([&menu] { menu.bindings()->arm_warnings(); });
     if (end) {
         return use_front(options, controller, menu.device(), log, *end);
     }

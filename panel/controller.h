@@ -5,6 +5,7 @@
 #ifndef FRONTPANEL_PANEL_CONTROLLER_H
 #define FRONTPANEL_PANEL_CONTROLLER_H
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -29,6 +30,9 @@ public:
     // the controller.
     void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
     // See `Editing`.
+    void set_warning_armer(std::function<void()> arm) {
+        m_editing.set_warning_armer(std::move(arm));
+    }
     void set_clock(Editing::Clock clock) { m_editing.set_clock(std::move(clock)); }
 
     // Does what the message of a key stands for. When nobody has touched the panel for a while, it goes back to

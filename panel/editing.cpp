@@ -97,8 +97,10 @@ void Editing::open(Data_entry& entry) {
     }
     m_title = title_of(entry);
     m_settings = settings_of(entry);
-    m_agreed = false;
     m_speed.reset();
+    if (m_arm) {
+        m_arm();
+    }
     m_editor = m_editors.open(entry, m_settings);
     m_was_changing = is_changing();
 }
@@ -130,61 +132,46 @@ int Editing::steps_of(Key::Kind key) {
     return m_speed.steps(key, m_clock(), m_settings.acceleration);
 }
 
-// An engine warns of a value once, and a warning that ends refuses the value as one that begins does.
+// A value that raises warnings is refused, and taken when it is tried again. An engine may count it as news too
+// that its warnings end: then there is nothing to ask.
 void Editing::attempt(const Attempt& store) {
     m_warnings.clear();
-    const Data_entry* const entry = &this->entry();
     Editor_result result = store();
     if (result == Editor_result::REFUSED && m_warnings.empty()) {
-        m_standing.erase(entry);
         result = m_editor->retry();
     }
-    const bool is_refused = result == Editor_result::REFUSED && !m_warnings.empty();
-    if (is_refused) {
-        m_standing[entry] = m_warnings;
-    }
-    const bool is_stored = result == Editor_result::ACCEPTED || result == Editor_result::STORED;
-    if (is_refused || (is_stored && !m_agreed && m_standing.count(entry) != 0)) {
-        ask(result);
+    if (result == Editor_result::REFUSED && !m_warnings.empty()) {
+        m_notices.ask(m_name, m_warnings, [this](bool accepted) { answer(accepted); });
     } else {
         perform(result);
     }
 }
 
-void Editing::ask(Editor_result result) {
-    m_notices.ask(m_name, m_standing[&entry()],
-                  [this, result](bool accepted) { answer(result, accepted); });
-}
-
-void Editing::answer(Editor_result result, bool accepted) {
-    m_agreed = accepted;
-    if (!accepted) {
-        cancel();
-    } else if (result == Editor_result::REFUSED) {
+void Editing::answer(bool accepted) {
+    if (accepted) {
         attempt([this] { return m_editor->retry(); });
     } else {
-        perform(result);
+        cancel();
     }
 }
 
-// The old value takes the warning back, so that the engine says it anew.
+// Trying the old value makes an engine forget what it has warned of, unless that is warned of in the same words.
 void Editing::cancel() {
     if (m_settings.preview) {
-        refresh(entry(), m_device.access);
         m_editor->propose_held();
-    } else if (m_warnings.clear(); !m_editor->restore()) {
-        restore_again();
+    } else {
+        restore();
+    }
+    if (m_arm) {
+        m_arm();
     }
 }
 
-// What the old value is warned of stands now; it was stored before without a question.
-void Editing::restore_again() {
-    if (m_warnings.empty()) {
-        m_standing.erase(&entry());
-    } else {
-        m_standing[&entry()] = m_warnings;
+// The old value is not asked about: the device has it, or had it.
+void Editing::restore() {
+    if (!m_editor->restore()) {
+        m_editor->restore();
     }
-    m_editor->restore();
 }
 
 void Editing::perform(Editor_result result) {
@@ -208,7 +195,7 @@ void Editing::perform(Editor_result result) {
             close();
             break;
         case Editor_result::NOT_RESTORED:
-            restore_again();
+            restore();
             write_and_close();
             break;
         case Editor_result::ACCEPTED:

@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,6 +34,10 @@ public:
     void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
     // Tells how quickly keys follow one another. Without a clock every key comes late.
     void set_clock(Clock clock) { m_clock = std::move(clock); }
+    // Called when warnings that the engines have raised already are to come again: another edit begins, or the
+    // person does not want the value.
+    void set_warning_armer(std::function<void()> arm) { m_arm = std::move(arm); }
+
     // Opens the entry's editor, or tells why there is nothing to edit. An entry that cannot be changed is shown.
     void open(Data_entry& entry);
     bool is_open() const { return m_editor != nullptr; }
@@ -61,11 +64,10 @@ private:
     Editor_settings settings_of(const Data_entry& entry) const;
     int steps_of(Key::Kind key);
     void attempt(const Attempt& store);
-    void ask(Editor_result result);
-    void answer(Editor_result result, bool accepted);
+    void answer(bool accepted);
     void cancel();
+    void restore();
     void perform(Editor_result result);
-    void restore_again();
     bool write();
     void write_and_close();
     void close();
@@ -77,6 +79,7 @@ private:
     Notices& m_notices;
     Closed m_closed;
     Clock m_clock;
+    std::function<void()> m_arm;
     Encoder_settings m_encoder;
     const Editor_settings_table* m_settings_of = nullptr;
     Editor_set m_editors;
@@ -85,11 +88,8 @@ private:
     std::string m_name;
     std::string m_title;
     bool m_was_changing = false;  // when the entry was looked at last
-    bool m_agreed = false;        // to what stands in m_standing
     Encoder_speed m_speed;
     std::vector<std::string> m_warnings;  // raised since the last attempt began
-    // What the engines have warned of last. They say it once, so that a cancelled warning is asked again here.
-    std::map<const Data_entry*, std::vector<std::string>> m_standing;
 };
 
 }  // namespace panel

@@ -97,6 +97,30 @@ TEST(PanelCards, AChoiceThatCannotBePostedIsTold) {
     EXPECT_TRUE(panel->leds().alarm);
 }
 
+// A card that is asked again while its list is open: the chosen text stays, wherever it stands by then.
+TEST(PanelCards, AListThatIsReplacedUnderItsEditorKeepsTheChoice) {
+    Cards_panel panel(9059, combo_box(9059), "combobox");
+    panel->press(Key::SELECT).press(Key::UP);
+    panel.card().add_combo_box(3, 9059, {{"0", "50 Hz"}, {"1", "60 Hz"}}, 1);
+    panel.fetch();
+    EXPECT_EQ(panel->lines(), (Lines{"Live                ", "options: choice kept"}));
+    panel->press(Key::BACK);
+    EXPECT_EQ(panel->lines(), (Lines{"Live             1/2", "50 Hz               "}));
+    panel->press(Key::BACK);
+    EXPECT_EQ(panel->lines()[0], ">Live          60 Hz");
+    EXPECT_EQ(panel.card().selected(3, 9059), 1);
+}
+
+TEST(PanelCards, AListWithoutTheChoiceGoesBackToTheCardsOwn) {
+    Cards_panel panel(9060, combo_box(9060), "combobox");
+    panel->press(Key::SELECT).press(Key::UP);
+    panel.card().add_combo_box(3, 9060, {{"0", "60 Hz"}, {"1", "75 Hz"}}, 1);
+    panel.fetch();
+    EXPECT_EQ(panel->lines(), (Lines{"Live                ", "options: new choice "}));
+    panel->press(Key::BACK);
+    EXPECT_EQ(panel->lines(), (Lines{"Live             2/2", "75 Hz               "}));
+}
+
 TEST(PanelCards, BackPostsNothing) {
     Cards_panel panel(9063, combo_box(9063), "combobox");
     panel->press(Key::SELECT).press(Key::UP).press(Key::BACK);

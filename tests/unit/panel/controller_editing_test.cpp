@@ -296,6 +296,7 @@ protected:
                 suggesting.suggest_warnings(raised);
             }
         };
+        panel.controller().set_warning_armer([this] { m_last.clear(); });
         engine->on_warning = [&panel](const std::string& text) { panel.controller().warn(text); };
         entry.Set_binding_object(engine);
     }
@@ -446,6 +447,65 @@ TEST_F(EditingWarned, NobodyThereToAnswerIsANo) {
     EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+}
+
+// --- warnings that a menu file's own rules raise
+
+constexpr const char* LOUD = R"({"type": "range", "name": "Width", "pid": 102,
+    "binding": "warn \"{value} is loud\" if value > 50"})";
+
+TEST(EditingRules, AWarningOfEveryValueComesWithEachEdit) {
+    Panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102,
+        "binding": "warn \"restarts\""})"));
+    for (const char* const all : {"51", "51 52"}) {
+        panel.press(Key::SELECT).press(Key::UP);
+        for (int i = 0; i < 3; ++i) {
+            panel.press(Key::SELECT);
+            EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "restarts            "}));
+            panel.press(Key::BACK);
+        }
+        panel.press(Key::SELECT, 2);
+        EXPECT_EQ(written(panel), all);
+    }
+}
+
+TEST(EditingRules, AWarningIsAcceptedOrCancelled) {
+    Panel panel(menu_text(PARAMETERS, LOUD));
+    panel.press(Key::SELECT).press(Key::UP);
+    for (int i = 0; i < 2; ++i) {
+        panel.press(Key::SELECT);
+        EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "51 is loud          "}));
+        panel.press(Key::BACK);
+        EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
+    }
+    panel.press(Key::SELECT, 2);
+    EXPECT_EQ(panel.lines(), (Lines{">Width            51", "                    "}));
+    EXPECT_EQ(written(panel), "51");
+}
+
+TEST(EditingRules, AnotherWarningIsAskedAndTheQuietAreNot) {
+    Panel panel(menu_text(PARAMETERS, LOUD));
+    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT, 2);
+    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "52 is loud          "}));
+    panel.press(Key::SELECT);
+    panel.press(Key::SELECT).press(Key::DOWN, 4).press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), (Lines{">Width            48", "                    "}));
+    EXPECT_EQ(written(panel), "51 52 48");
+}
+
+TEST(EditingRules, APreviewIsAskedAtEachNewWarning) {
+    Panel panel(menu_text(PARAMETERS, LOUD));
+    panel.settings(0).preview = true;
+    panel.press(Key::SELECT).press(Key::UP);
+    EXPECT_EQ(panel.lines()[1], "51 is loud          ");
+    panel.press(Key::SELECT).press(Key::UP);
+    EXPECT_EQ(panel.lines()[1], "52 is loud          ");
+    panel.press(Key::BACK);
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
+    panel.press(Key::BACK);
+    EXPECT_EQ(written(panel), "51 50");
+    EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
 }
 
 // --- entries that change under their editor

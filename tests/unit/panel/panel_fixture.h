@@ -59,6 +59,7 @@ public:
           m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(
             [this](const std::string& warning) { m_controller.warn(warning); });
+        m_controller.set_warning_armer([this] { menu().bindings()->arm_warnings(); });
         set_encoder(m_loaded.menu->encoder_settings());
     }
 
