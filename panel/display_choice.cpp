@@ -47,7 +47,7 @@ std::string parse_host(const std::string& text, const std::string& whole) {
         return text;
     }
     if (text.size() > 2 && text.front() == '[' && text.back() == ']') {
-        const std::string bare = text.substr(1, text.size() - 2);
+        std::string bare = text.substr(1, text.size() - 2);
         if (is_address(AF_INET6, bare)) {
             return bare;
         }
