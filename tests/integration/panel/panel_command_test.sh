@@ -67,6 +67,14 @@ expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --check --script un
 expect 2 'frontpanel: fault.script:2: the device has no parameter 999' --script fault.script
 [ ! -s out ] || fail "a script with an unknown parameter was played"
 expect 2 'frontpanel: standard output is no terminal: name a script with --script' --size 40x4
+expect 0 "" --display text --script good.script
+expect 2 'frontpanel: standard output is no terminal: name a script with --script' --display terminal
+expect 2 'frontpanel: scripts and pictures are for the display "text"' --display lcdproc --script good.script
+expect 2 'frontpanel: scripts and pictures are for the display "text"' --display terminal --screenshot picture.svg
+expect 2 'frontpanel: --display: expected terminal, text or lcdproc[:ADDRESS[:PORT]], found "lcdproc:somewhere"' --display lcdproc:somewhere
+printf '12345x\n' >bad.pin
+expect 2 'frontpanel: bad.pin: expected a PIN of 4 to 8 digits' --display lcdproc:localhost:1 --pin-file bad.pin
+expect 2 'frontpanel: absent.pin: cannot be opened: No such file or directory' --display lcdproc:localhost:1 --pin-file absent.pin
 expect 2 'frontpanel: absent/log: cannot be written: No such file or directory' --log absent/log
 
 # The library's lines go to the log, and only there.
