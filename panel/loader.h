@@ -56,7 +56,6 @@ public:
 
     void load(const Json_value& file);
 
-private:
     struct Item_type {
         const char* name;
         std::vector<const char*> members;  // beside those of every item
@@ -64,6 +63,11 @@ private:
         bool is_link = false;     // brings all of its members itself
         bool is_bridged = false;  // may stand behind a bridge
     };
+    static const std::vector<Item_type>& item_types();
+    // All members that an item of a type may have.
+    static std::vector<const char*> members_of(const Item_type& type);
+
+private:
     // A menu with what stands in it, null for a link that is not there yet.
     struct Open_menu {
         Data_entry* entry;
@@ -75,7 +79,6 @@ private:
         size_t menu;      // in m_menus
         size_t position;  // in its children
     };
-    static const std::vector<Item_type>& item_types();
     static const Item_type& type_of(const Json_value& item);
 
     void load_options(const Json_value& options);

@@ -137,15 +137,19 @@ const Loader::Item_type& Loader::type_of(const Json_value& item) {
     return types[item.member("type").choice(names)];
 }
 
-void Loader::load_item(const Json_value& item, Data_entry& parent, unsigned int level) {
-    const Item_type& type = type_of(item);
+std::vector<const char*> Loader::members_of(const Item_type& type) {
     std::vector<const char*> members{"type", "id"};
     if (!type.is_link) {
         members.insert(members.end(), {"name", "description", "index", "visible", "shortcut",
                                        "options", "binding", "editor"});
     }
     members.insert(members.end(), type.members.begin(), type.members.end());
-    item.expect_members(members);
+    return members;
+}
+
+void Loader::load_item(const Json_value& item, Data_entry& parent, unsigned int level) {
+    const Item_type& type = type_of(item);
+    item.expect_members(members_of(type));
     (this->*type.build)(item, &parent, level);
 }
 
