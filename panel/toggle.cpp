@@ -48,7 +48,8 @@ std::string address_of(const Parameter& parameter) {
     for (uint32_t level = 0; level < parameter.index.m_index_num; ++level) {
         address += "." + std::to_string(parameter.index.m_index[level]);
     }
-    return "[" + address + "]";
+    // A value stands with its sign, which '!' refuses and '**' binds before.
+    return parameter.min < 0 ? "([" + address + "])" : "[" + address + "]";
 }
 
 // The text with something else for each of its brackets.

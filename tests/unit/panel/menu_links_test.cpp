@@ -198,8 +198,8 @@ TEST(MenuLinks, AToggleInNamesBecomesOneInAddresses) {
     Data_entry& home = *loaded.menu->homescreen();
     EXPECT_EQ(names_of(home),
               (Lines{"Audio.Gain 1", "Audio.Gain 1", "Audio.Gain 1", "Audio.Gain 1"}));
-    EXPECT_EQ(link_in(home, 0).GetToggleExpression(), "a=[101] == 0 && [100.2] > 3");
-    EXPECT_EQ(link_in(home, 1).GetToggleExpression(), "a=[101]; a=a+[100.2]==5");
+    EXPECT_EQ(link_in(home, 0).GetToggleExpression(), "a=[101] == 0 && ([100.2]) > 3");
+    EXPECT_EQ(link_in(home, 1).GetToggleExpression(), "a=[101]; a=a+([100.2])==5");
     EXPECT_EQ(link_in(home, 2).GetToggleExpression(), "");
     EXPECT_TRUE(link_in(home, 0).isHomescreenEntry());
     EXPECT_FALSE(link_in(home, 3).isHomescreenEntry());
@@ -216,6 +216,20 @@ TEST(MenuLinks, AHomescreenLinkFollowsItsToggle) {
     menu.device().set_integer(101, 0, 1);
     menu.bindings()->poll();
     EXPECT_EQ(link.isVisible(true, &menu.device()), VIS_TRUE);
+}
+
+TEST(MenuLinks, AToggleTakesNumbersBelowZero) {
+    const Loaded_menu loaded =
+        load_menu_text("menu.json", with_home(R"({"target": "first", "toggle": "![gain 1]"},
+                                  {"target": "first", "toggle": "[gain 1] ** 2 == 9"})"));
+    Menu& menu = *loaded.menu;
+    menu.device().set_integer(100, 1, -3);
+    menu.bindings()->poll();
+    EXPECT_EQ(link_in(*menu.homescreen(), 0).CheckToggleState(), 0);
+    EXPECT_EQ(link_in(*menu.homescreen(), 1).CheckToggleState(), 1);
+    testing::internal::CaptureStderr();
+    link_in(*menu.homescreen(), 0).CheckToggleState();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(MenuLinks, ADisplayExpressionMayNotTakeTheTogglesResultAway) {
