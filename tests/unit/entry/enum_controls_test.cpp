@@ -182,6 +182,15 @@ TEST(EnumControls, HideOptionsOfTheProductThatABindingWithoutKeysOffers) {
     EXPECT_EQ(entry.map_enum_to_options, (Positions{{1, 0}}));
 }
 
+// An engine that offers keys may not have evaluated its rules yet.
+TEST(EnumControls, ShowEveryOptionOfABindingThatAllowsNoKeyAlone) {
+    Open_enum entry(Enum_arguments().default_value(1));
+    bind(entry)->allow({});
+    entry.updateControlOptionMap();
+    EXPECT_EQ(entry.map_enum_to_options, (Positions{{0, 0}, {1, 1}, {2, 2}, {3, 3}}));
+    EXPECT_EQ(entry.m_size, 4);
+}
+
 TEST(EnumControls, IgnoreKeysThatDoNotExist) {
     Open_enum entry;
     bind(entry)->allow({{-7, 1, 1, 4, INT_MAX, INT_MIN}});

@@ -536,8 +536,9 @@ TEST(EnumUpdateValue, ReplacesTheTextsButNotTheKeys) {
     EXPECT_EQ(entry.Get_size_enum(), 4);
     EXPECT_EQ(entry.Get_max(), 3);
     EXPECT_EQ(entry.shown(), "Slow");
+    entry.Update_value(other.array(), 3);
     entry.m_model.Inc_value(99, 0);
-    EXPECT_EQ(entry.stored(), 4) << "the model's upper bound";
+    EXPECT_EQ(entry.stored(), 2) << "the model's upper bound";
 }
 
 TEST(EnumUpdateValue, ShowsAKeyBeyondAShorterListWithoutText) {

@@ -1,5 +1,5 @@
 // The reachability probe without a network: what it runs, and how it reads the outcome.
-#include <frontpanel_data/entry.h>
+#include <frontpanel_data/string_entry.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/capture.h"
+#include "support/indexes.h"
 
 namespace {
 
@@ -98,6 +99,33 @@ TEST_F(Probe, SendsOneQuietEchoRequestWithADeadlineOfOneSecond) {
     EXPECT_GT(read(ends[0], command, sizeof command - 1), 0);
     close(ends[0]);
     EXPECT_STREQ(command, "/bin/ping|ping|-q|-c|1|-w|1|192.0.2.7");
+}
+
+// The address of `Get_name` is what a line of 16 characters shows, a step of its marquee included.
+TEST_F(Probe, ANameProbesTheAddressAsALineShowsIt) {
+    Ip_entry entry("Gateway", "", 301, support::any_index(), nullptr, Data_entry::READ_ONLY, 1,
+                   true, -1, nullptr, nullptr, nullptr);
+    const auto probed_by_name = [&] {
+        int ends[2];
+        EXPECT_EQ(pipe(ends), 0);
+        report = ends[1];
+        EXPECT_STREQ(entry.Get_name(), "[C]Gateway");
+        close(ends[1]);
+        char command[128] = {};
+        EXPECT_GT(read(ends[0], command, sizeof command - 1), 0);
+        close(ends[0]);
+        const std::string text = command;
+        return text.substr(text.rfind('|') + 1);
+    };
+    entry.Set_value("192.168.100.200", 15);
+    for (int call = 0; call < 5; ++call) {
+        EXPECT_EQ(probed_by_name(), "192.168.100.200");
+    }
+    entry.Set_value("192.168.100.2000", 16);
+    for (const char* const shown : {"192.168.100.2000", "192.168.100.2000", "192.168.100.2000",
+                                    "92.168.100.2000 ", "2.168.100.2000 1"}) {
+        EXPECT_EQ(probed_by_name(), shown);
+    }
 }
 
 TEST_F(Probe, OnlyANormalEndWithoutAnErrorIsAnAnswer) {

@@ -133,6 +133,16 @@ TEST(Range_display, AFailingExpressionShowsTheRawValue) {
     });
 }
 
+// The expression is a line of its own: what its author reads of an error counts from its start, and a comment
+// ends with it.
+TEST(Range_display, TheExpressionIsTheSecondLineOfItsText) {
+    expect_displays({{"%d", "v*2 // doubled", 7, "14"}});
+    expect_displays({{"%d", "v+$", 7, "7"}});
+    EXPECT_STREQ(errorRecord.message, "Unexpected '$'");
+    EXPECT_EQ(errorRecord.line, 2);
+    EXPECT_EQ(errorRecord.column, 5);
+}
+
 TEST(Range_display, TheResultIsTheVariableVWhateverSortsBeforeIt) {
     char others[] = "aa=1; u=2; vv=3; zz=4;";
     ASSERT_EQ(evaluateExpression(others), 0);

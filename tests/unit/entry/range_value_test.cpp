@@ -137,6 +137,15 @@ TEST(Range_value, ALongBufferDoesNotRunOverTheModel) {
     EXPECT_EQ(entry.value(), 8) << "the model's bounds are untouched";
 }
 
+TEST(Range_value, AShortBufferChangesItsBytesOnly) {
+    Open_range entry({0, INT_MAX, 0x01020304});
+    const unsigned char bytes[] = {0x11, 0x12, 0x13, 0x14};
+    int expected = 0x01020304;
+    std::memcpy(&expected, bytes, 2);
+    EXPECT_EQ(entry.Set_value(bytes, 2), Data_entry::OK);
+    EXPECT_EQ(entry.value(), expected);
+}
+
 TEST(Range_value, IsNotStoredWhenTheBindingWarns) {
     std::vector<std::string> log;
     Open_range entry({0, 10, 5});

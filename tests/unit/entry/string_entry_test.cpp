@@ -94,6 +94,15 @@ TEST_F(Text, LongTextIsHeldTwiceThenMovesThroughTwoFullTurns) {
     }
 }
 
+TEST_F(Text, EveryStepOfTheMarqueeEndsWithATerminatorBehindTheLine) {
+    store("ABCDEFGHIJ");
+    for (const char* const step : {"ABCD", "ABCD", "ABCD", "BCDE", "CDEF"}) {
+        char buffer[] = "########";
+        EXPECT_EQ(entry.Get_display_string(buffer, 4), 0);
+        EXPECT_EQ(std::string(buffer, 8), step + std::string("\0###", 4));
+    }
+}
+
 TEST_F(Text, LastStepShowsLastCharacterBlankAndStart) {
     store("ABCDEFGHIJKLMNOPQRST");
     std::string last;

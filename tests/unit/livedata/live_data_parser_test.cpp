@@ -405,6 +405,8 @@ TEST(Live_data_combo_box, AZeroByteDoesNotEndADocument) {
     EXPECT_EQ(box.parser.parseComboBox(), nullptr);
     Combo_box inside(std::string("{\"a\0\":1}", 8));
     EXPECT_EQ(inside.parser.parseComboBox(), nullptr);
+    Combo_box last(std::string(TWO_OPTIONS) + '\0');
+    EXPECT_EQ(last.parser.parseComboBox(), nullptr);
     Combo_box only(std::string(1, '\0'));
     EXPECT_EQ(only.parser.parseComboBox(), nullptr);
 }
