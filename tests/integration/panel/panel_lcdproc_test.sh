@@ -148,7 +148,7 @@ expect "a key that moves" \
     "Main             3/6" " Audio           ..." " Video           ..." ">Clock           ..."
 press Up Up Enter
 expect "a key that opens" \
-    "Audio            1/7" ">Gain 1       0.0 dB" " Mute 1          off" " Gain 2      -3.5 dB"
+    "Audio           1/13" ">Gain 1       0.0 dB" " Mute 1          off" " Gain 2      -3.5 dB"
 press Enter Up Up
 expect "a value being edited" "Gain 1" "0.2 dB" "" ""
 
@@ -159,7 +159,7 @@ start_server
 expect "what was being edited" "Gain 1" "0.2 dB" "" ""
 press Up Enter
 expect "what was edited" \
-    "Audio            1/7" ">Gain 1       0.3 dB" " Mute 1          off" " Gain 2      -3.5 dB"
+    "Audio           1/13" ">Gain 1       0.3 dB" " Mute 1          off" " Gain 2      -3.5 dB"
 press Escape
 expect "a key that leaves" \
     "Main             1/6" ">Audio           ..." " Video           ..." " Clock           ..."
