@@ -14,9 +14,12 @@
 #include "controller.h"
 #include "curl_home.h"
 #include "device_link.h"
+#include "explain.h"
 #include "input_error.h"
 #include "lcdproc_display.h"
 #include "main_loop.h"
+#include "menu_dump.h"
+#include "menu_graph.h"
 #include "menu_loader.h"
 #include "options.h"
 #include "output_log.h"
@@ -54,6 +57,12 @@ int check(const Options& options, Output_log& log) {
     return EXIT_PLAYED;
 }
 
+void check_written(bool failed) {
+    if (failed) {
+        throw Input_error("standard output cannot be written");
+    }
+}
+
 int play(const Script& script, Controller& controller, Menu& menu, Display& display,
          std::ostream& out) {
     Script_player player(controller, menu.device(), menu.cards(), display, out, std::cerr);
@@ -63,9 +72,7 @@ int play(const Script& script, Controller& controller, Menu& menu, Display& disp
                   << (differences == 1 ? "" : "s") << " not met\n";
         return EXIT_DIFFERENCE;
     }
-    if (!out) {
-        throw Input_error("standard output cannot be written");
-    }
+    check_written(!out);
     return EXIT_PLAYED;
 }
 
@@ -200,6 +207,7 @@ Encoder_settings encoder_of(const Options& options, Menu& menu) {
 int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log,
         const std::optional<End_watch>& end) {
     Controller controller(menu.root(), link_to(menu.device()), options.size);
+    controller.show_home(home_of(menu));
     controller.set_log(log.lines());
     controller.configure(encoder_of(options, menu), &menu.editor_settings());
     menu.bindings()->set_warning_listener(
@@ -237,6 +245,33 @@ int use_keeping_values(const Options& options, Menu& menu, const std::function<i
     const int status = use();
     keeper.finish();
     return status;
+}
+
+bool is_report(const Options& options) {
+    return options.dump || options.graph || !options.explain.empty();
+}
+
+// What the library prints while the menu is read goes to the log as ever, so that standard output is the report.
+int report(const Options& options) {
+    Loaded_menu loaded;
+    {
+        Output_log log(options.log);
+        debug = options.debug;
+        loaded = load(options, log, Cards::OFF);
+        Menu& menu = *loaded.menu;
+        VarIdDataInfStore::m_pDataAccessInf = &menu.device();
+        refresh_all(menu);
+        if (!options.dump) {
+            log.out() << (options.graph ? graph_of(menu) : explain(menu, options.explain));
+            log.out().flush();
+            check_written(!log.out());
+            return EXIT_PLAYED;
+        }
+        debug = 0;
+    }
+    print_tree(*loaded.menu);
+    check_written(std::fflush(stdout) != 0 || std::ferror(stdout) != 0);
+    return EXIT_PLAYED;
 }
 
 int show(const Options& options, Output_log& log) {
@@ -279,6 +314,9 @@ int run(int argc, const char* const* argv) {
     }
     const Options& options = std::get<Options>(parsed);
     try {
+        if (is_report(options)) {
+            return report(options);
+        }
         Output_log log(options.log);
         debug = options.debug;
         return options.check ? check(options, log) : show(options, log);

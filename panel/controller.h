@@ -14,9 +14,9 @@
 #include "editing.h"
 #include "key.h"
 #include "lcd.h"
-#include "list_view.h"
 #include "log_view.h"
 #include "message_queue.h"
+#include "navigation.h"
 #include "notices.h"
 
 namespace panel {
@@ -26,6 +26,9 @@ public:
     // Shows the menu below `root`. Menu and device outlive the controller.
     Controller(Data_entry& root, const Device_link& device, Lcd_size size);
 
+    // Puts a homescreen and favourites beside the menu, and goes to the top. What stands in `home` outlives the
+    // controller.
+    void show_home(const Home& home) { m_navigation.show_home(home); }
     // How the encoder works, and which entries are edited in their own way; null for none. The table outlives
     // the controller.
     void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
@@ -55,22 +58,19 @@ public:
     void warn(const std::string& text) { m_editing.warn(text); }
 
 private:
-    void press_in_list(const Key& key);
+    static constexpr Key::Kind NO_KEY = Key::SHORTCUT;  // one that ends no editing
+
+    void press_in_menu(const Key& key);
     void show_log();
-    void select();
-    void leave();
     void go_home();
-    void jump(int button);
-    void editor_closed(const Data_entry* target);
-    void refresh_list();
-    void leave_hidden();
+    void editor_closed();
     void follow_edited();
 
-    Data_entry& m_root;
-    Device_link m_device;
     Lcd_size m_size;
-    List_view m_list;
     Notices m_notices;
+    Navigation m_navigation;
+    Data_entry* m_edited = nullptr;  // as it stands in the menu: a link, or the edited entry itself
+    Key::Kind m_key = NO_KEY;        // that is just being pressed
     bool m_is_reversed = false;
     Editing m_editing;
     std::optional<Log_view> m_log;

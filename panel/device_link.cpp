@@ -12,7 +12,7 @@ bool can_post() {
 
 Device_link link_to(Memory_device& device) {
     const auto read_failed = [&device](const Data_entry& entry) {
-        if (is_live(entry)) {
+        if (is_live(entry) || entry.Get_pid() == Data_entry::PID_NONE) {
             return false;
         }
         unsigned int varidx = 0;

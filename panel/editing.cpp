@@ -85,8 +85,8 @@ Editor_settings Editing::settings_of(const Data_entry& entry) const {
     return settings;
 }
 
-void Editing::open(Data_entry& entry) {
-    m_name = entry.Get_name();
+void Editing::open(Data_entry& entry, const std::string& name) {
+    m_name = name;
     if (refresh(entry, m_device.access); m_device.read_failed(entry)) {
         tell("read error", true);
         return;
@@ -108,12 +108,16 @@ void Editing::open(Data_entry& entry) {
 // An address is asked for an answer once, when it is opened: that takes up to a second.
 std::string Editing::title_of(Data_entry& entry) const {
     if (entry.Get_entry_type() != Data_entry::IP_LEAF) {
-        return entry.Get_name();
+        return m_name;
     }
     auto& address = static_cast<Ip_entry&>(entry);
     std::array<char, Ip_entry::IP_STRING_MAX_LENGTH + 1> text{};
     address.Get_value(text.data(), Ip_entry::IP_STRING_MAX_LENGTH);
-    return m_device.may_probe(text.data()) ? address.Get_name() : entry.Get_name();
+    if (!m_device.may_probe(text.data())) {
+        return m_name;
+    }
+    const std::string probed = address.Get_name();
+    return probed.substr(0, probed.rfind(entry.Get_name())) + m_name;
 }
 
 void Editing::press(const Key& key) {

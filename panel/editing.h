@@ -39,7 +39,9 @@ public:
     void set_warning_armer(std::function<void()> arm) { m_arm = std::move(arm); }
 
     // Opens the entry's editor, or tells why there is nothing to edit. An entry that cannot be changed is shown.
-    void open(Data_entry& entry);
+    // It goes by the name of the place where it is shown.
+    void open(Data_entry& entry, const std::string& name);
+    void open(Data_entry& entry) { open(entry, entry.Get_name()); }
     bool is_open() const { return m_editor != nullptr; }
     // Whether an editor is open that changes its value.
     bool is_changing() const { return is_open() && m_editor->can_change(); }

@@ -37,6 +37,33 @@ void count_live_options(Data_entry& entry) {
 
 }  // namespace
 
+Link_entry* link_of(Data_entry& entry) {
+    auto* const link = entry.Get_entry_type() == Data_entry::LINK_ENTRY
+                           ? dynamic_cast<Link_entry*>(&entry)
+                           : nullptr;
+    return link != nullptr && link->Get_housed_entry() != nullptr ? link : nullptr;
+}
+
+Data_entry& housed(Data_entry& entry) {
+    Link_entry* const link = link_of(entry);
+    return link != nullptr ? *link->Get_housed_entry() : entry;
+}
+
+// A link's queries change nothing, though they are not const.
+const Data_entry& housed(const Data_entry& entry) {
+    return housed(const_cast<Data_entry&>(entry));
+}
+
+bool is_mount(Data_entry& entry) {
+    Link_entry* const link = link_of(entry);
+    return link != nullptr && link->isMountLink();
+}
+
+Data_entry* menu_of(Data_entry& entry) {
+    return neighbour(
+        entry, is_mount(entry) ? Data_entry::OPERATION_PARENT_LINK : Data_entry::OPERATION_PARENT);
+}
+
 Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step) {
     void* found = nullptr;
     Data_entry::EntryTypeSpecificOperation(&entry, nullptr, nullptr, false, step, &found);
@@ -46,12 +73,13 @@ Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step) {
 int refresh(Data_entry& entry, Data_interface& device) {
     const int result = Data_entry::EntryTypeSpecificOperation(
         &entry, &device, nullptr, true, Data_entry::OPERATION_REFRESH, nullptr);
-    count_live_options(entry);
+    count_live_options(housed(entry));
     return result;
 }
 
 bool is_menu(const Data_entry& entry) {
-    return entry.Get_entry_type() == Data_entry::NODE;
+    return housed(entry).Get_entry_type() == Data_entry::NODE ||
+           is_mount(const_cast<Data_entry&>(entry));
 }
 
 bool is_warning(const Data_entry& entry) {
@@ -71,8 +99,8 @@ std::optional<std::string> display_value(Data_entry& entry, int columns) {
     if (is_menu(entry)) {
         return std::string();
     }
-    count_live_options(entry);
-    if (entry.Get_entry_type() == Data_entry::SLOT_ENUM) {
+    count_live_options(housed(entry));
+    if (housed(entry).Get_entry_type() == Data_entry::SLOT_ENUM) {
         if (auto line = short_slot_line(entry, columns)) {
             return line;
         }

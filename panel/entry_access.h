@@ -17,13 +17,24 @@ constexpr int FIRST_LIVE_PID = 9000;
 constexpr int LAST_LIVE_PID = 9100;
 constexpr const char* NO_OPTION_YET = "-";  // the only option of a live list before its first fetch
 
+// The entry as a link; null for any other and for a link that houses nothing.
+Link_entry* link_of(Data_entry& entry);
+// What a link houses; any other entry itself.
+Data_entry& housed(Data_entry& entry);
+const Data_entry& housed(const Data_entry& entry);
+// Whether the entry is a link whose menu is built when it is entered.
+bool is_mount(Data_entry& entry);
+
 // The neighbour that one of the dispatcher's link steps delivers; null for none.
 Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step);
+
+// The menu around an entry; null at the top. Unlike the dispatcher's plain step it leaves no mounted menu.
+Data_entry* menu_of(Data_entry& entry);
 
 // Refreshes the entry with its binding. 0, or what the entry's refresh returns.
 int refresh(Data_entry& entry, Data_interface& device);
 
-// Whether selecting the entry opens a menu.
+// Whether selecting the entry, or the link, opens a menu.
 bool is_menu(const Data_entry& entry);
 // Whether the entry is a warning text, which is shown until it is acknowledged.
 bool is_warning(const Data_entry& entry);

@@ -18,9 +18,11 @@ constexpr const char* READ_ERROR = "read error";
 constexpr const char* NO_VALUE = "---";
 constexpr const char* MENU_MARK = "...";
 
-std::vector<Data_entry*> children_of(Data_entry& menu) {
+// A mounted menu is not asked for its first entry again: that would build it anew.
+std::vector<Data_entry*> children_of(const Menu_step& menu) {
     std::vector<Data_entry*> children;
-    Data_entry* child = neighbour(menu, Data_entry::OPERATION_CHILD);
+    Data_entry* child =
+        menu.mounted != nullptr ? menu.mounted : neighbour(*menu.menu, Data_entry::OPERATION_CHILD);
     while (child != nullptr) {
         children.push_back(child);
         child = neighbour(*child, Data_entry::OPERATION_NEXT);
@@ -58,12 +60,14 @@ int name_columns(const Data_entry& entry, int columns) {
 }
 
 List_view::List_view(Data_entry& menu, const Device_link& device)
-    : m_menu(&menu), m_device(device) {
+    : m_menu{&menu, nullptr}, m_device(device) {
     refresh();
 }
 
-void List_view::open(Data_entry& menu, Data_entry* cursor) {
-    m_menu = &menu;
+void List_view::open(const Menu_step& menu, Data_entry* cursor, bool has_title) {
+    m_menu = menu;
+    m_has_title = has_title;
+    m_is_at_rest = false;
     m_visible.clear();
     m_cursor = 0;
     m_top = 0;
@@ -71,6 +75,12 @@ void List_view::open(Data_entry& menu, Data_entry* cursor) {
     if (contains(m_visible, cursor)) {
         place_cursor(cursor);
     }
+}
+
+void List_view::rest(const std::string& text) {
+    m_is_at_rest = true;
+    m_rest_text = text;
+    m_cursor = 0;
 }
 
 void List_view::refresh() {
@@ -94,7 +104,7 @@ bool List_view::is_drawn(const Data_entry* entry) const {
 // An entry that is not due is taken as it was.
 void List_view::refresh(const std::function<bool(size_t, Data_entry*)>& is_due) {
     Data_entry* const held = selected();
-    const std::vector<Data_entry*> all = children_of(*m_menu);
+    const std::vector<Data_entry*> all = children_of(m_menu);
     const std::unordered_set<Data_entry*> before(m_visible.begin(), m_visible.end());
     std::vector<Data_entry*> visible;
     for (size_t position = 0; position < all.size(); ++position) {
@@ -142,7 +152,7 @@ void List_view::scroll_to_cursor(int lines) {
 }
 
 void List_view::draw(Lcd& lcd) {
-    const int first_row = lcd.size().rows >= LEAST_ROWS_WITH_TITLE ? 1 : 0;
+    const int first_row = m_has_title && lcd.size().rows >= LEAST_ROWS_WITH_TITLE ? 1 : 0;
     const int lines = lcd.size().rows - first_row;
     scroll_to_cursor(lines);
     m_alarm = false;
@@ -150,17 +160,18 @@ void List_view::draw(Lcd& lcd) {
         draw_title(lcd);
     }
     if (m_visible.empty()) {
-        lcd.put(first_row, MARK_COLUMNS, "(empty)");
+        lcd.put(first_row, MARK_COLUMNS, m_is_at_rest ? m_rest_text : "(empty)");
     }
     const int end = std::min(static_cast<int>(m_visible.size()), m_top + lines);
     m_drawn = end - m_top;
     for (int i = m_top; i < end; ++i) {
-        draw_entry(lcd, first_row + i - m_top, *m_visible[static_cast<size_t>(i)], i == m_cursor);
+        draw_entry(lcd, first_row + i - m_top, *m_visible[static_cast<size_t>(i)],
+                   i == m_cursor && !m_is_at_rest);
     }
 }
 
 void List_view::draw_title(Lcd& lcd) const {
-    lcd.put(0, 0, m_menu->Get_name());
+    lcd.put(0, 0, m_menu.menu->Get_name());
     if (!m_visible.empty()) {
         lcd.put_right(0,
                       " " + std::to_string(m_cursor + 1) + "/" + std::to_string(m_visible.size()));
@@ -179,7 +190,7 @@ void List_view::draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected) 
         return;
     }
     lcd.put(row, MARK_COLUMNS, name.substr(0, static_cast<size_t>(shown)));
-    if (m_device.read_failed(entry)) {
+    if (m_device.read_failed(housed(entry))) {
         m_alarm = true;
         lcd.put_right(row, std::string(" ") + READ_ERROR);
         return;

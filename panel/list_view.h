@@ -3,10 +3,12 @@
 #define FRONTPANEL_PANEL_LIST_VIEW_H
 
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "device_link.h"
 #include "lcd.h"
+#include "menu_path.h"
 
 namespace panel {
 
@@ -19,8 +21,13 @@ public:
     List_view(Data_entry& menu, const Device_link& device);
 
     // Shows another menu, with the cursor on `cursor` when that is one of its visible entries and on the
-    // first visible entry otherwise.
-    void open(Data_entry& menu, Data_entry* cursor);
+    // first visible entry otherwise. Without a title all lines are for entries.
+    void open(const Menu_step& menu, Data_entry* cursor, bool has_title = true);
+    // Shows the menu's values alone, without a cursor, until it is woken or opened; `text` while there are none.
+    void rest(const std::string& text);
+    // Brings the cursor out when there is anything to stand on.
+    void wake() { m_is_at_rest = m_visible.empty(); }
+    bool is_at_rest() const { return m_is_at_rest; }
     // Reads every entry of the menu from the device and asks whether it is visible. A cursor whose entry is
     // gone moves to the next visible one, or to the last.
     void refresh();
@@ -31,7 +38,6 @@ public:
     void move(int steps);
     void set_wrap(bool wrap) { m_wrap = wrap; }
 
-    Data_entry& menu() const { return *m_menu; }
     // The entry under the cursor; null when nothing is visible.
     Data_entry* selected() const;
 
@@ -48,7 +54,7 @@ private:
     void place_cursor(Data_entry* wanted);
     void scroll_to_cursor(int lines);
 
-    Data_entry* m_menu;
+    Menu_step m_menu;
     Device_link m_device;
     std::vector<Data_entry*> m_visible;
     int m_cursor = 0;   // in m_visible
@@ -56,6 +62,9 @@ private:
     int m_drawn = 0;    // how many of them were drawn
     size_t m_turn = 0;  // the entry of a long menu that is refreshed next
     bool m_alarm = false;
+    bool m_has_title = true;
+    bool m_is_at_rest = false;
+    std::string m_rest_text;
     bool m_wrap = false;
 };
 

@@ -47,6 +47,12 @@ public:
     void set_favourites(Data_entry* menu) { m_favourites = menu; }
     // Every link of the menu, those of both included, in the order of building.
     std::vector<Link_entry*>& links() { return m_links; }
+    // The entry with an id of the menu file; null for none.
+    Data_entry* entry_with_id(const std::string& id) const {
+        const auto found = m_ids.find(id);
+        return found == m_ids.end() ? nullptr : found->second;
+    }
+    void add_id(const std::string& id, Data_entry* entry) { m_ids[id] = entry; }
     // Shows a link only while a toggle is on, whose parameters are watched already.
     void make_homescreen_entry(Link_entry& link, const std::string& toggle);
     // Keeps the value of a parameter for the toggles that name it: see `Binding_registry::watch`.
@@ -108,6 +114,7 @@ private:
     Data_entry* m_homescreen = nullptr;
     Data_entry* m_favourites = nullptr;
     std::vector<Link_entry*> m_links;
+    std::map<std::string, Data_entry*> m_ids;
     std::vector<std::unique_ptr<Data_entry>> m_entries;
 };
 

@@ -248,6 +248,7 @@ void Loader::add_id(const Json_value& id, Data_entry* entry) {
     if (!m_names.add_id(text, entry)) {
         id.fail("another item has the id \"" + text + "\"");
     }
+    m_menu.add_id(text, entry);
 }
 
 // What leads to an item that is wrong is not wrong for that.

@@ -111,6 +111,22 @@ void describe_front(CLI::App& app, Options& options) {
     add_file(app, "--pin-file", options.pin_file, "A resting panel asks for the PIN in this file");
 }
 
+// What is printed in place of showing the panel.
+void describe_reports(CLI::App& app, Options& options) {
+    CLI::Option* const dump =
+        app.add_flag("--dump", options.dump, "Only print the menu, a line each");
+    CLI::Option* const graph =
+        app.add_flag("--graph", options.graph, "Only print the menu for Graphviz");
+    CLI::Option* const explain =
+        app.add_option("--explain", options.explain, "Only tell why an entry is as it is")
+            ->type_name("ENTRY")
+            ->check([](const std::string& given) {
+                return given.empty() ? "expected a path or an id" : std::string();
+            });
+    dump->excludes(graph)->excludes(explain);
+    graph->excludes(explain);
+}
+
 // Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1 and one in
 // packaging/completion.
 void describe(CLI::App& app, Options& options) {
@@ -136,10 +152,10 @@ void describe(CLI::App& app, Options& options) {
         ->type_name("MASK");
     describe_front(app, options);
     app.add_flag("--check", options.check, "Only check the menu, and the script if any");
+    describe_reports(app, options);
     app.footer(
         "frontpanel --menu my.json --state my.values     values survive a restart\n"
         "frontpanel --menu my.json --check               what is wrong with a menu\n"
-        "frontpanel --script my.script                   keys, and what they should do\n"
         "frontpanel --script my.script --screenshot my.svg");
     app.formatter(std::make_shared<Help>());
 }

@@ -1,7 +1,7 @@
 # bash completion for frontpanel                                                   -*- shell-script -*-
 
 _frontpanel() {
-    local options='--help --version --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --pin-file --check'
+    local options='--help --version --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --pin-file --dump --graph --explain --check'
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
     COMPREPLY=()
     case $previous in
@@ -17,7 +17,7 @@ _frontpanel() {
             mapfile -t COMPREPLY < <(compgen -W 'terminal text lcdproc' -- "$current")
             return
             ;;
-        --debug | --keys | --timeout) return ;;
+        --debug | --keys | --timeout | --explain) return ;;
         *)
             mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
             return

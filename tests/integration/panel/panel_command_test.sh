@@ -105,7 +105,29 @@ for signal in INT:130 TERM:143 HUP:129 QUIT:131; do
 done
 rmdir temporary || fail "the folder for temporary files is not empty"
 
+# Reports are all that is on standard output, also with diagnostics.
+expect 0 "" --dump --menu small.json --debug 0xffffffff
+[ "$(cat out)" = "Main varid[-1.0.0@s] num_index_levels=[0] type[0] vis[1] shortcut[-1] 
+	Gain varid[7.0.0@i] num_index_levels=[0] type[1] vis[1] shortcut[-1] range={  [0, 9] }" ] || fail "--dump printed '$(cat out)'"
+expect 0 "" --explain Gain --menu small.json --debug 0xffffffff
+[ "$(cat out)" = "Gain: shown
+  allowed: range={  [0, 9] }" ] || fail "--explain printed '$(cat out)'"
+expect 2 'frontpanel: the menu has no entry "Bass"' --explain Bass --menu small.json
+expect 2 'frontpanel: --explain: expected a path or an id' --explain '' --menu small.json
+expect 2 'frontpanel: --dump excludes --graph' --dump --graph
+expect 0 "" --graph --debug 0xffffffff
+grep -qx 'digraph "Main" {' out || fail "--graph begins with '$(head -1 out)'"
+if command -v dot >/dev/null; then
+    dot -Tsvg <out >graph.svg 2>errors || fail "dot: $(cat errors)"
+    [ "$(grep -c 'class="node"' graph.svg)" -ge 20 ] || fail "dot draws $(grep -c 'class="node"' graph.svg) nodes"
+fi
+
 if [ -w /dev/full ]; then
+    for report in --dump --graph "--explain Gain"; do
+        # shellcheck disable=SC2086 # an option with its argument
+        "$PANEL" $report --menu small.json >/dev/full 2>errors && fail "a full device went unnoticed"
+        [ "$(cat errors)" = "frontpanel: standard output cannot be written" ] || fail "said '$(cat errors)'"
+    done
     "$PANEL" --script good.script >/dev/full 2>errors && fail "a full device went unnoticed"
     [ "$(grep -vxF "$NO_POSTS" errors)" = "frontpanel: standard output cannot be written" ] || fail "said '$(cat errors)'"
 fi

@@ -61,6 +61,7 @@ public:
             [this](const std::string& warning) { m_controller.warn(warning); });
         m_controller.set_warning_armer([this] { menu().bindings()->arm_warnings(); });
         set_encoder(m_loaded.menu->encoder_settings());
+        m_controller.show_home(home_of(menu()));
     }
 
     Memory_device& device() { return m_loaded.menu->device(); }
