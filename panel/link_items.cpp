@@ -105,6 +105,7 @@ Link_entry& Loader::add_link_to_target(const Json_value& item, unsigned int leve
     if (target.Get_entry_type() == Data_entry::LINK_ENTRY) {
         reference.fail("a link leads to no other link");
     }
+    m_link_targets.emplace_back(reference, &target);
     Link_entry& link = add_link(target, item, level);
     const std::string name = link.Get_name();
     const std::string housed = target.Get_name();

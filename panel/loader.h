@@ -1,6 +1,7 @@
 // The work of the menu loader, whose parts stand in several files: the tree in menu_loader.cpp, rules in
 // rule_items.cpp, numbers in range_items.cpp, texts in text_items.cpp, enumerations and slot lists in
-// choice_items.cpp, links in link_items.cpp.
+// choice_items.cpp, links in link_items.cpp, and what no way leads to in
+// reach_items.cpp.
 //
 // Work goes on behind whatever is wrong, so that everything is told at once: what cannot be read stands for
 // something that can, and an item that cannot be built is left out.
@@ -73,6 +74,11 @@ private:
         Data_entry* entry;
         std::vector<Data_entry*> children;
     };
+    // Whether an item of the file can ever be shown, whatever the device does.
+    struct Reach {
+        Json_value item;
+        bool is_never_shown;
+    };
     struct Pending_link {
         Json_value item;
         unsigned int level;
@@ -138,6 +144,11 @@ private:
                                         const std::string& what, RETURN_TYPE type);
     std::vector<std::string> option_names(const Json_value& list);
     void warn_of_options();
+    bool is_never_shown(const Json_value& item, Data_entry& entry) const;
+    bool hides(const Data_entry* entry) const;
+    void warn_of_unreachable_items();
+    void warn_of_menu_without_items(const Open_menu& menu);
+    void warn_of_hidden_item(const Data_entry& entry, const Reach& reach) const;
 
     Menu& m_menu;
     Problems& m_problems;
@@ -153,6 +164,8 @@ private:
     std::vector<std::pair<Json_value, Link_entry*>> m_escapes;
     std::vector<std::pair<Json_value, std::string>> m_display_expressions;
     std::map<const Data_entry*, Place> m_binding_places;
+    std::map<Data_entry*, Reach> m_reaches;
+    std::vector<std::pair<Json_value, Data_entry*>> m_link_targets;
     bool m_has_toggles = false;
     bool m_is_bridging = false;  // what is built now is a bridge's
     std::vector<std::unique_ptr<Index_t>> m_bridge_indices;

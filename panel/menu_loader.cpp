@@ -76,6 +76,7 @@ void Loader::load(const Json_value& file) {
     set_escapes();
     check_variables();
     check_cycles();
+    warn_of_unreachable_items();
     if (m_menu.entry_count() > 0) {
         m_menu.share_shortcuts();
     }
@@ -237,6 +238,9 @@ void Loader::enlist(const Json_value& item, const std::string& name, Data_entry&
         return;  // the top menu
     }
     m_menus[m_open_menus.back()].children.push_back(&entry);
+    if (entry.Get_entry_type() != Data_entry::LINK_ENTRY) {
+        m_reaches.insert({&entry, Reach{item, is_never_shown(item, entry)}});
+    }
     m_names.add(name, &entry);
     if (const auto id = item.find("id")) {
         m_problems.attempt([&] { add_id(*id, &entry); });
