@@ -30,8 +30,8 @@ expect() {
     [ "$(grep -vxF "$NO_POSTS" errors)" = "$errors" ] || fail "frontpanel $*: said '$(cat errors)', expected '$errors'"
 }
 
-printf 'select\nexpect 1 |>Gain 1       0.0 dB|\n' >good.script
-printf 'select\nexpect 1 |>Gain 1       9.9 dB|\n' >different.script
+printf 'select 2\nexpect 1 |>Gain 1       0.0 dB|\n' >good.script
+printf 'select 2\nexpect 1 |>Gain 1       9.9 dB|\n' >different.script
 printf 'select\n\njump\n' >unknown.script
 printf 'set 100.1 5000\n' >impossible.script
 printf 'select\nfail read 999 on\n' >fault.script
