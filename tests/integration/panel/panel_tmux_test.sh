@@ -8,6 +8,7 @@ set -euo pipefail
 
 PANEL=$1
 TOUR=$2
+HOMESCREEN=" Level    -18.4 dBFS" # its first line
 if ! command -v tmux >/dev/null; then
     echo "skipped: tmux is not installed"
     exit 77
@@ -100,7 +101,7 @@ play_tour() {
 # start NAME [ARGUMENTS]: runs the panel in the shell of the terminal; its status and the terminal's state follow it.
 start() {
     terminal send-keys "clear; stty -g >before; '$PANEL' ${2:-}; echo status \$? of $1; stty -g >after; touch done.$1" Enter
-    wait_for "the panel does not show" shows_line 1 ">Audio           ..."
+    wait_for "the panel does not show" shows_line 1 "$HOMESCREEN"
 }
 
 # ended NAME STATUS: the panel has ended, and the terminal is as before.
@@ -160,6 +161,8 @@ ended warning 0
 # Escape leaves as the left arrow does, and the right arrow selects as Enter does.
 start keys
 terminal send-keys Right
+wait_for "the right arrow does not open the menu" shows_line 1 ">Audio           ..."
+terminal send-keys Right
 wait_for "the right arrow does not select" shows_line 1 ">Gain 1       0.0 dB"
 terminal send-keys Escape
 wait_for "escape does not leave" shows_line 1 ">Audio           ..."
@@ -187,7 +190,7 @@ screen_has 'frontpanel: terminal type "" is not known' || fail "no reason for no
 
 # With standard error closed the panel runs as ever.
 terminal send-keys "clear; '$PANEL' 2>&-; echo status \$? of closed" Enter
-wait_for "the panel needs standard error" shows_line 1 ">Audio           ..."
+wait_for "the panel needs standard error" shows_line 1 "$HOMESCREEN"
 terminal send-keys q
 wait_for "status with standard error closed" screen_has "status 0 of closed"
 
@@ -202,7 +205,7 @@ mkdir "$FOLDER/slow"
 printf '#!/bin/sh\ntouch "%s/fetching"\nexec sleep 15\n' "$FOLDER" >"$FOLDER/slow/curl"
 chmod +x "$FOLDER/slow/curl"
 terminal send-keys "clear; stty -g >before; PATH='$FOLDER/slow':\$PATH '$PANEL'" Enter
-wait_for "the panel with a slow card does not show" shows_line 1 ">Audio           ..."
+wait_for "the panel with a slow card does not show" shows_line 1 "$HOMESCREEN"
 rm -f "$FOLDER/fetching"
 terminal send-keys 8
 wait_for "no card is asked" test -e "$FOLDER/fetching"
