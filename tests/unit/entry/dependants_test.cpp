@@ -192,6 +192,14 @@ TEST_F(Dependants, TheLineOfATextParameterSaysSo) {
         << text;
 }
 
+// Whatever is no number counts as a text in this line.
+TEST_F(Dependants, TheLineOfAParameterWithoutTypeCallsItAText) {
+    binding->self_control_info = key_of(INVALID_TYPE, 77, index_of({1}));
+    binding->own_map[binding->self_control_info].binding_dependant_entries = {&a};
+    const std::string text = capture(0x1, [&] { refresh(); }).out;
+    EXPECT_NE(text.find("[77.1.0]@s num"), std::string::npos) << text;
+}
+
 TEST_F(Dependants, TheSearchIsAnnouncedOnlyByWhoDoesSo) {
     lines.announces_walk = false;
     EXPECT_EQ(capture(0x1, [&] { refresh(); }).out.find("About to see"), std::string::npos);

@@ -58,6 +58,12 @@ TEST(Evaluator_limits, EveryKindOfNestingTakesAtMostThreeStates) {
     }
 }
 
+TEST(Evaluator_limits, TheLastStateCanBeUsed) {
+    EXPECT_EQ(outcome_of("r = (" + repeated("fabs(", 62) + "1" + repeated(")", 63)), "ok");
+    EXPECT_EQ(outcome_of("(" + repeated("fabs(", 63) + "1" + repeated(")", 64)), "ok");
+    EXPECT_EQ(outcome_of("(" + repeated("fabs(", 62) + "(-1)" + repeated(")", 63)), "ok");
+}
+
 TEST(Evaluator_limits, OneLevelMoreOverflowsTheParser) {
     for (const Nesting& nesting : NESTINGS) {
         SCOPED_TRACE(nesting.name);

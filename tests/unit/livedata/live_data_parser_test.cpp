@@ -574,6 +574,15 @@ TEST(Live_data_tree, AnActionIsNotListed) {
     EXPECT_THAT(tree.lines(), ElementsAre("L"));
 }
 
+TEST(Live_data_tree, AnActionMayLackAnyOfItsTexts) {
+    for (const char* const action :
+         {"{}", R"({"id":5,"type":null})", R"({"id":"i","action_body":5})",
+          R"({"action_body":"x"})", R"({"action_body":{"rule":[],"message":{}}})"}) {
+        Tree tree(R"({"action":)" + std::string(action) + R"(,"label":"L"})");
+        EXPECT_THAT(tree.lines(), ElementsAre("L")) << action;
+    }
+}
+
 TEST(Live_data_tree, ATextIsCutToItsFieldStarsIncluded) {
     const std::string text(300, 'x');
     Tree tree(R"({"label":")" + text + R"(","children":[{"label":")" + text + "\"}]}");

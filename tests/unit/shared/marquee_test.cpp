@@ -105,12 +105,14 @@ TEST(MarqueeStep, TakesAFullTurnAndThenHolds) {
 }
 
 TEST(MarqueeStep, AnOffsetBeyondTheTextStartsAgain) {
-    unsigned int offset = 0xFFFFFFFF;
-    unsigned int delay = 0;
-    const marquee::Step step = marquee::advance(offset, delay, 5);
-    EXPECT_FALSE(step.hold);
-    EXPECT_EQ(step.offset, 0u);
-    EXPECT_EQ(offset, 1u);
+    for (const unsigned int beyond : {5u, 6u, 0xFFFFFFFFu}) {
+        unsigned int offset = beyond;
+        unsigned int delay = 0;
+        const marquee::Step step = marquee::advance(offset, delay, 5);
+        EXPECT_FALSE(step.hold);
+        EXPECT_EQ(step.offset, 0u);
+        EXPECT_EQ(offset, 1u);
+    }
 }
 
 }  // namespace
