@@ -272,6 +272,8 @@ void Parameter_cache::keep_write(uint32_t pid, uint32_t varidx, const void* byte
         std::memcpy(&value, bytes, sizeof value);
         m_cascade.written(*variable->second.number);
         keep_number(*variable->second.number, value);
+    } else if (variable->second.number != nullptr) {
+        variable->second.number->is_kept = false;  // what the device makes of it is not known
     }
     if (variable->second.text != nullptr) {
         const char* const text = static_cast<const char*>(bytes);

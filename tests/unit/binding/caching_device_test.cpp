@@ -213,6 +213,19 @@ TEST_F(Caching_device_test, AKnownValueIsNotAskedForAgain) {
     EXPECT_EQ(visibility(), VIS_FALSE);
 }
 
+TEST_F(Caching_device_test, AWriteOfAnotherSizeIsAskedFor) {
+    add("visible if [100] == 5");
+    device.expect_get_integer(MODE, 0, 4);
+    evaluate();
+    const char byte = 5;
+    device.expect_set(MODE, 0, std::string(1, byte));
+    cache.Set(MODE, 0, &byte, sizeof byte);
+
+    device.expect_get_integer(MODE, 0, 5);
+    evaluate();
+    EXPECT_EQ(visibility(), VIS_TRUE);
+}
+
 TEST_F(Caching_device_test, AfterAFailureTheDeviceIsAskedAgain) {
     add("visible if [100] == 5");
     device.expect_get_integer(MODE, 0, 5);
