@@ -77,18 +77,23 @@ std::string ranges_text(const std::vector<Interval>& intervals) {
     return joined(texts);
 }
 
-// Sorted keys, neighbours drawn together: "0, 1, 3..5".
-std::string keys_text(const std::vector<int>& keys) {
+// "0, 1, 3..5"
+std::string keys_text(const std::vector<Interval>& keys) {
     std::vector<std::string> texts;
-    for (std::size_t first = 0; first < keys.size();) {
-        std::size_t last = first;
-        while (last + 1 < keys.size() && keys[last + 1] == keys[last] + 1) {
-            ++last;
-        }
-        texts.push_back(interval_text(keys[first], keys[last]));
-        first = last + 1;
+    for (const Interval& interval : keys) {
+        texts.push_back(interval_text(interval.low, interval.high));
     }
     return texts.empty() ? "all" : joined(texts);
+}
+
+// Sorted keys, neighbours drawn together.
+std::string keys_text(const std::vector<int>& keys) {
+    std::vector<Interval> intervals;
+    for (const int key : keys) {
+        intervals.push_back({key, key});
+    }
+    merge(intervals);
+    return keys_text(intervals);
 }
 
 const char* access_text(Data_entry::Data_access access) {
@@ -396,7 +401,7 @@ bool Engine::fall_back_to_range() {
 }
 
 bool Engine::decide_keys(Reading& reading) {
-    m_core.keys.clear();
+    m_core.intervals.clear();
     bool any = false;
     const bool decided = each_rule_that_holds(SUGGESTION_KEYS, reading, [&](const Rule& rule) {
         any = true;
@@ -408,9 +413,7 @@ bool Engine::decide_keys(Reading& reading) {
     if (!any) {
         fall_back_to_keys();
     }
-    std::sort(m_core.keys.begin(), m_core.keys.end());
-    m_core.keys.erase(std::unique(m_core.keys.begin(), m_core.keys.end()), m_core.keys.end());
-    return true;
+    return list_keys();
 }
 
 Engine::Step Engine::take_keys(Reading& reading, const Rule& rule) {
@@ -420,16 +423,17 @@ Engine::Step Engine::take_keys(Reading& reading, const Rule& rule) {
         if (!reading.interval(rule, number, low, high)) {
             return Step::FAILED;
         }
-        if (!append_keys(low, high)) {
+        if (m_options == nullptr && int64_t{clamped(high)} - clamped(low) >= MOST_KEYS) {
             reading.report(rule, "more than " + std::to_string(MOST_KEYS) + " keys");
             return Step::FAILED;
         }
+        take_keys(low, high);
     }
     return Step::NEXT;
 }
 
 // Keys that the entry does not have are left out, but one: with an empty list the entry would show all.
-bool Engine::append_keys(int64_t low, int64_t high) {
+void Engine::take_keys(int64_t low, int64_t high) {
     low = clamped(low);
     high = clamped(high);
     if (m_options != nullptr) {
@@ -440,20 +444,35 @@ bool Engine::append_keys(int64_t low, int64_t high) {
             low = std::max<int64_t>(low, 0);
             high = std::min(high, last);
         }
-    } else if (high - low >= MOST_KEYS) {
-        return false;
     }
-    for (int64_t key = low; key <= high; ++key) {
-        m_core.keys.push_back(static_cast<int>(key));
-    }
-    return true;
+    m_core.intervals.push_back({clamped(low), clamped(high)});
 }
 
 // All keys, one by one: an empty list would allow none to an entry that has control options as well.
 void Engine::fall_back_to_keys() {
     if (m_options != nullptr && m_options->Get_size_enum() > 0) {
-        append_keys(0, HIGHEST);
+        take_keys(0, HIGHEST);
     }
+}
+
+// Writes the intervals out, each key once: rules may name the same keys over and over.
+bool Engine::list_keys() {
+    m_core.keys.clear();
+    merge(m_core.intervals);
+    int64_t count = 0;
+    for (const Interval& interval : m_core.intervals) {
+        count += int64_t{interval.high} - interval.low + 1;
+    }
+    if (m_options == nullptr && count > MOST_KEYS) {
+        m_errors.push_back("the rules allow more than " + std::to_string(MOST_KEYS) + " keys");
+        return false;
+    }
+    for (const Interval& interval : m_core.intervals) {
+        for (int64_t key = interval.low; key <= interval.high; ++key) {
+            m_core.keys.push_back(static_cast<int>(key));
+        }
+    }
+    return true;
 }
 
 bool Engine::decide_requests(Reading& reading) {
@@ -754,11 +773,12 @@ std::optional<std::string> Engine::demand_text(Reading& reading, const Rule& rul
             }
             return ranges_text(m_core.intervals);
         case SUGGESTION_KEYS:
-            m_core.keys.clear();
+            m_core.intervals.clear();
             if (take_keys(reading, rule) == Step::FAILED) {
                 return std::nullopt;
             }
-            return keys_text(m_core.keys);
+            merge(m_core.intervals);
+            return keys_text(m_core.intervals);
         case SUGGESTION_SET:
             m_core.requests.clear();
             if (take_request(reading, rule) == Step::FAILED) {

@@ -125,7 +125,8 @@ private:
     Step take_intervals(Reading& reading, const binding_language::Rule& rule);
     Step take_keys(Reading& reading, const binding_language::Rule& rule);
     Step take_request(Reading& reading, const binding_language::Rule& rule);
-    bool append_keys(int64_t low, int64_t high);
+    void take_keys(int64_t low, int64_t high);
+    bool list_keys();
     void print_error(const std::string& error) const;
     std::string request_text(const GetSetS& request) const;
     Rule_explanation explain_rule(Reading& reading, const binding_language::Rule& rule);

@@ -192,6 +192,28 @@ TEST_F(Suggestion_kinds, WithoutAnEntryTheNumberOfKeysIsBounded) {
     EXPECT_THAT(engine.errors(), ElementsAre("line 1, keys 0..2000000000: more than 4096 keys"));
 }
 
+// However often a text names them, in however many rules.
+TEST_F(Suggestion_kinds, KeysThatAreNamedAgainTakeNoRoom) {
+    std::string source = "keys 0..4000";
+    for (int i = 0; i < 1000; ++i) {
+        source += ", 5..4000, [100] + 5..[100] + 4005";
+    }
+    add(source);
+    EXPECT_EQ(evaluate(), 0);
+    EXPECT_EQ(keys()[0].size(), 4006u);
+    EXPECT_EQ(keys()[0].back(), 4005);
+    add("keys 4000..4095; keys 4096");
+    EXPECT_EQ(evaluate(), -1);
+    EXPECT_THAT(engine.errors(), ElementsAre("the rules allow more than 4096 keys"));
+    EXPECT_EQ(keys()[0].size(), 4006u);
+}
+
+TEST_F(Suggestion_kinds, KeysFromLimitToLimitAreTooMany) {
+    add("keys [100] - 9223372036854775807 - 1..[100] + 9223372036854775807");
+    EXPECT_EQ(evaluate(), -1);
+    EXPECT_THAT(engine.errors(), ElementsAre(testing::HasSubstr(": more than 4096 keys")));
+}
+
 // ---- writes
 
 TEST_F(Suggestion_kinds, WritesOfTheRulesThatHoldAreToldInOrder) {
