@@ -5,6 +5,7 @@
 #include <iterator>
 #include <limits>
 #include <string>
+#include <unordered_map>
 #include <utility>
 
 #include "binding_scanner.h"
@@ -16,9 +17,9 @@ namespace binding_language {
 namespace {
 
 constexpr std::size_t LONGEST_SOURCE = 1U << 20;
-constexpr std::size_t MOST_PARAMETERS = 1024;
+constexpr int MOST_PARAMETERS = 1024;
 constexpr uint32_t MOST_LEVELS = 2;
-constexpr std::size_t TRIED_ROWS = 8;
+constexpr int TRIED_ROWS = 8;
 constexpr std::size_t USUAL_INTERVALS = 4;
 
 // How tightly operators bind, loosest first.
@@ -90,6 +91,8 @@ struct Compiler::Tables {
     BindingListT code;
     std::string unescaped;  // stands behind the source in the pool
     int own_type = 0;
+    // The rows of parameters beyond the first few, by their variables.
+    std::unordered_multimap<uint64_t, int> later_rows;
 
     void clear();
     BindingListT list(std::string_view source) const;
@@ -104,6 +107,9 @@ void Compiler::Tables::clear() {
     }
     unescaped.clear();
     own_type = 0;
+    if (!later_rows.empty()) {
+        later_rows.clear();
+    }
 }
 
 BindingListT Compiler::Tables::list(std::string_view source) const {
@@ -148,11 +154,12 @@ BindingListT Compiler::Tables::list(std::string_view source) const {
 class Compiler::Parser {
 public:
     Parser(std::string_view source, const Compile_context& context, Tables& tables,
-           std::vector<Binding_interval>& intervals)
+           Compile_result& result)
         : m_source(source),
           m_context(context),
           m_tables(tables),
-          m_intervals(intervals),
+          m_intervals(result.intervals),
+          m_warnings(result.warnings),
           m_scanner(source) {}
 
     void rules();
@@ -190,6 +197,7 @@ private:
     void optional_condition(const char* expected_without);
     void condition();
     void end_rule(const char* expected);
+    void warn_of_constant(const char* begin);
     void interval();
 
     void segment(Value_type type);
@@ -252,9 +260,14 @@ private:
     const Compile_context& m_context;
     Tables& m_tables;
     std::vector<Binding_interval>& m_intervals;
+    std::vector<Compile_error>& m_warnings;
     Scanner m_scanner;
     Token m_token{};
     const char* m_rule_begin = nullptr;
+    int m_rule_line = 0;
+    std::size_t m_rule_column = 0;
+    bool m_is_warned = false;          // of the rule at hand
+    std::size_t m_reads = 0;           // emitted so far, of whatever can change
     const char* m_last_end = nullptr;  // of the token before the current one
     std::size_t m_nesting = 0;
     std::size_t m_open_jumps = 0;
@@ -276,6 +289,9 @@ void Compiler::Parser::rules() {
 
 void Compiler::Parser::rule() {
     m_rule_begin = place();
+    m_rule_line = m_scanner.line();
+    m_rule_column = static_cast<std::size_t>(m_rule_begin - m_scanner.line_begin()) + 1;
+    m_is_warned = false;
     if (accept_word("visible")) {
         visible_rule();
     } else if (accept_word("range")) {
@@ -385,7 +401,7 @@ void Compiler::Parser::begin_rule(Suggestion_kind kind) {
     m_tables.rules.resize(m_tables.rules.size() + RULE_SIZE);
     int* const row = &m_tables.rules[m_tables.rules.size() - RULE_SIZE];
     row[RULE_KIND] = kind;
-    row[RULE_LINE] = m_scanner.line();
+    row[RULE_LINE] = m_rule_line;
     row[RULE_SOURCE] = static_cast<int>(m_rule_begin - m_source.data());
     row[RULE_FIRST_SEGMENT] = static_cast<int>(m_tables.segments.size());
 }
@@ -399,8 +415,27 @@ void Compiler::Parser::optional_condition(const char* expected_without) {
 }
 
 void Compiler::Parser::condition() {
+    const char* const begin = place();
+    const std::size_t reads_before = m_reads;
     segment(Value_type::INTEGER);
     end_rule("an operator or end of rule");
+    if (m_reads == reads_before) {
+        warn_of_constant(begin);
+    }
+}
+
+// What stands since `begin` looks as if something could change it: a forgotten bracket, mostly. A rule is on one
+// line.
+void Compiler::Parser::warn_of_constant(const char* begin) {
+    if (std::exchange(m_is_warned, true)) {
+        return;
+    }
+    const std::string_view source(begin, static_cast<std::size_t>(m_last_end - begin));
+    const auto column = m_rule_column + static_cast<std::size_t>(begin - m_rule_begin);
+    m_warnings.push_back({static_cast<std::size_t>(m_rule_line), column,
+                          quoted(source) +
+                              " reads nothing, so it never changes; a parameter stands "
+                              "in brackets, as in [100]"});
 }
 
 void Compiler::Parser::end_rule(const char* expected) {
@@ -487,6 +522,7 @@ Compiler::Parser::Operand Compiler::Parser::conditional(Operand operand) {
 }
 
 Compiler::Parser::Operand Compiler::Parser::binary(Level least) {
+    const std::size_t reads_before = m_reads;
     Operand left = unary(least);
     for (;;) {
         const Binary_operator with = operator_of(m_token);
@@ -494,6 +530,9 @@ Compiler::Parser::Operand Compiler::Parser::binary(Level least) {
             return left;
         }
         left = combine(left, with);
+        if (with.level == COMPARISON_LEVEL && m_reads == reads_before) {
+            warn_of_constant(left.place);
+        }
         if (with.level == COMPARISON_LEVEL && operator_of(m_token).level == COMPARISON_LEVEL) {
             fail(place(), "comparisons do not chain; \"and\" joins them");
         }
@@ -675,6 +714,7 @@ Compiler::Parser::Operand Compiler::Parser::own_value() {
     const Value_type type = value_type(m_context.own_type);
     m_tables.own_type = 1 + static_cast<int>(type);
     emit(Operation::READ_OWN, 0, 1);
+    ++m_reads;
     return {type, false, nullptr};
 }
 
@@ -719,6 +759,7 @@ Compiler::Parser::Operand Compiler::Parser::has_option() {
                             m_tables.texts.end());
     m_tables.texts.resize(m_tables.texts.size() - REFERENCE_SIZE);
     emit(Operation::HAS_OPTION, option, 1);
+    ++m_reads;
     return {Value_type::INTEGER, true, nullptr};
 }
 
@@ -793,6 +834,7 @@ Compiler::Parser::Operand Compiler::Parser::read_parameter() {
     row[PARAMETER_USES] |= PARAMETER_IS_READ;
     const Value_type type = value_type(static_cast<RETURN_TYPE>(row[PARAMETER_TYPE]));
     emit(Operation::READ, number, 1);
+    ++m_reads;
     advance();
     return {type, false, begin};
 }
@@ -802,8 +844,8 @@ Compiler::Parser::Operand Compiler::Parser::read_parameter() {
 int Compiler::Parser::parameter() {
     const std::string_view inside = m_token.source.substr(1, m_token.source.size() - 2);
     const BindingListT& rows = m_tables.parameters;
-    for (std::size_t at = 0; at < std::min(rows.size(), TRIED_ROWS * PARAMETER_SIZE);
-         at += PARAMETER_SIZE) {
+    const auto tried = static_cast<std::size_t>(TRIED_ROWS) * PARAMETER_SIZE;
+    for (std::size_t at = 0; at < std::min(rows.size(), tried); at += PARAMETER_SIZE) {
         const std::string_view known =
             m_source.substr(static_cast<std::size_t>(rows[at + PARAMETER_NAME]),
                             static_cast<std::size_t>(rows[at + PARAMETER_NAME_LENGTH]));
@@ -883,18 +925,34 @@ int Compiler::Parser::parameter_row(const var_index_s& key, std::string_view nam
                            static_cast<int>(key.index.m_index_num), key.index.m_index[0],
                            key.index.m_index[1]};
     BindingListT& rows = m_tables.parameters;
-    for (std::size_t at = 0; at < rows.size(); at += PARAMETER_SIZE) {
-        if (std::equal(std::begin(address), std::end(address), &rows[at])) {
-            return static_cast<int>(at / PARAMETER_SIZE);
+    const auto is_at = [&](int row) {
+        return std::equal(std::begin(address), std::end(address),
+                          &rows[static_cast<std::size_t>(row) * PARAMETER_SIZE]);
+    };
+    const int count = static_cast<int>(rows.size() / PARAMETER_SIZE);
+    for (int row = 0; row < std::min(count, TRIED_ROWS); ++row) {
+        if (is_at(row)) {
+            return row;
         }
     }
-    if (rows.size() == MOST_PARAMETERS * PARAMETER_SIZE) {
+    const uint64_t variable =
+        uint64_t{key.var} << 32 | uint64_t{key.index.m_index[0]} << 16 | key.index.m_index[1];
+    const auto [first, last] = m_tables.later_rows.equal_range(variable);
+    const auto known =
+        std::find_if(first, last, [&](const auto& numbered) { return is_at(numbered.second); });
+    if (known != last) {
+        return known->second;
+    }
+    if (count == MOST_PARAMETERS) {
         fail(place(), "more than " + std::to_string(MOST_PARAMETERS) + " parameters");
     }
     rows.insert(rows.end(), std::begin(address), std::end(address));
     add_reference(rows, name);
     rows.push_back(0);
-    return static_cast<int>(rows.size() / PARAMETER_SIZE) - 1;
+    if (count >= TRIED_ROWS) {
+        m_tables.later_rows.emplace(variable, count);
+    }
+    return count;
 }
 
 // ---- code
@@ -1015,10 +1073,10 @@ Compile_result Compiler::compile(std::string_view source, const Compile_context&
             throw scanner.error(source.data() + zero_byte, "unexpected character \"\\x00\"");
         }
         m_tables->clear();
-        Parser(source, context, *m_tables, result.intervals).rules();
+        Parser(source, context, *m_tables, result).rules();
         result.list = m_tables->list(source);
     } catch (const Compile_error& error) {
-        result.intervals.clear();
+        result = Compile_result();
         result.error = error;
     }
     return result;

@@ -157,6 +157,7 @@ Token Scanner::symbol() {
     switch (*m_at) {
         case '\n':
             ++m_line;
+            m_line_begin = m_at + 1;
             return token(Token::SEPARATOR, 1);
         case ';':
             return token(Token::SEPARATOR, 1);

@@ -77,6 +77,8 @@ public:
 
     // The line, from 1, and the end of what was scanned last.
     int line() const { return m_line; }
+    // Where that line begins.
+    const char* line_begin() const { return m_line_begin; }
     const char* position() const { return m_at; }
     // An error at a place in the scanned text.
     Compile_error error(const char* place, std::string message) const;
@@ -96,6 +98,7 @@ private:
     const char* m_begin;
     const char* m_at;
     const char* m_end;
+    const char* m_line_begin = m_begin;
     int m_line = 1;
 };
 

@@ -366,12 +366,42 @@ TEST(Binding_mistakes, TheLengthOfASourceIsBounded) {
               "line 1, column 1: source text longer than 1048576 bytes");
 }
 
+// "100 == 1" is right, and so easily written for "[100] == 1".
+TEST(Binding_mistakes, ConditionsAndComparisonsThatReadNothingAreWarnedOf) {
+    const std::string END =
+        " reads nothing, so it never changes; a parameter stands in brackets, as in [100]";
+    for (const Case& each : {
+             Case{"visible if 100 == 1", "line 1, column 12: \"100 == 1\"" + END},
+             Case{"visible if [mode]\n  range 0..9 if (3)", "line 2, column 17: \"(3)\"" + END},
+             Case{"visible if [mode] == 1 or 100 == 1 and 2 < 3",
+                  "line 1, column 27: \"100 == 1\"" + END},
+             Case{"visible if not 5 in {1, 2} or [mode]",
+                  "line 1, column 16: \"5 in {1, 2}\"" + END},
+             Case{"visible if -3 in 1..5 and [mode]", "line 1, column 12: \"-3 in 1..5\"" + END},
+             Case{"set [gain] = 100 > 3", "line 1, column 14: \"100 > 3\"" + END},
+             Case{"warn \"{7 > 3 ? 1 : 2}\"", "line 1, column 8: \"7 > 3\"" + END},
+             Case{"access read-only if \"a\" != \"b\"",
+                  "line 1, column 21: \"\"a\" != \"b\"\"" + END},
+             Case{"visible if 100 <= [mode] and value in {1, 2} or has_option(\"n\") == 1", ""},
+             Case{"range 0..9; keys 1; set [gain] = 1 + 2; warn \"w\"; access read-only", ""},
+             Case{"visible if 3 in {1, [mode]} and 5 in 1..[limit]", ""},
+         }) {
+        SCOPED_TRACE(each.source);
+        Language language;
+        const Compile_result compiled = language.compile(each.source);
+        ASSERT_TRUE(compiled.ok()) << compiled.error->text();
+        EXPECT_EQ(compiled.warnings.size(), each.error.empty() ? 0u : 1u);
+        EXPECT_EQ(compiled.warnings.empty() ? "" : compiled.warnings[0].text(), each.error);
+    }
+}
+
 TEST(Binding_mistakes, NothingIsKeptOfARefusedText) {
     Language language;
-    const Compile_result refused = language.compile("range 1..2; range 3..4; range");
+    const Compile_result refused = language.compile("range 1..2; range 3..4 if 1; range");
     EXPECT_FALSE(refused.ok());
     EXPECT_TRUE(refused.list.empty());
     EXPECT_TRUE(refused.intervals.empty());
+    EXPECT_TRUE(refused.warnings.empty());
     const BindingListT before = language.compile("range 1..2 if [gain]").list;
     language.compile("set [title] = \"{[limit]}\" if value in {1, (");
     EXPECT_EQ(language.compile("range 1..2 if [gain]").list, before);

@@ -124,6 +124,22 @@ TEST(Bindings_page, TheMistakesAreReportedAsThePageSays) {
     EXPECT_GE(mistakes, 8);
 }
 
+TEST(Bindings_page, DoubtfulRulesAreWarnedOfAsThePageSays) {
+    Language language;
+    int doubts = 0;
+    for (const std::string& line : section("Doubtful rules")) {
+        const std::vector<std::string> code = code_of(line);
+        if (line.rfind("| `", 0) == 0) {
+            ASSERT_EQ(code.size(), 2U) << line;
+            const Compile_result compiled = language.compile(code[0]);
+            ASSERT_EQ(compiled.warnings.size(), 1U) << line;
+            EXPECT_EQ(compiled.warnings[0].text(), code[1]) << line;
+            ++doubts;
+        }
+    }
+    EXPECT_GE(doubts, 1);
+}
+
 TEST(Bindings_page, TheLimitsAreThoseOfTheCompiler) {
     std::string limits;
     for (const std::string& line : section("Limits")) {

@@ -47,6 +47,8 @@ struct Compile_result {
     BindingListT list;
     // Of the text's range rules, those that are plain numbers: for whoever knows the entry's bounds.
     std::vector<Binding_interval> intervals;
+    // What is right and surely not meant: conditions and comparisons that read nothing. One for a rule at most.
+    std::vector<Compile_error> warnings;
     std::optional<Compile_error> error;
 
     bool ok() const { return !error; }
