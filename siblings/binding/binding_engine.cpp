@@ -289,6 +289,10 @@ bool Engine::evaluate(bool updates, bool tries) {
         m_errors.push_back("not evaluated: entries that limit each other do not come to rest");
         return false;
     }
+    if (!tries && m_core.cascade.is_too_deep()) {
+        m_core.cascade.mark(*this);
+        return true;
+    }
     Reading reading(*this, tries);
     if (tries) {
         if (updates) {

@@ -19,6 +19,13 @@ std::string joined(const std::vector<std::string>& names) {
     return text;
 }
 
+// A commit locks its entry while it refreshes what depends on it.
+bool is_being_committed(const Cached_parameter& parameter) {
+    return std::any_of(parameter.owners.begin(), parameter.owners.end(), [](const Engine* owner) {
+        return owner->entry()->GetBindRefreshIsLocked();
+    });
+}
+
 }  // namespace
 
 void Cascade::add(Engine& engine) {
@@ -42,18 +49,24 @@ Engine* Cascade::engine_of(const Data_entry* entry) const {
     return entry != nullptr && found != m_engines.end() ? found->second : nullptr;
 }
 
-// A commit locks its entry while it refreshes what depends on it.
 bool Cascade::is_within_turn() const {
-    if (m_turn_began_with == nullptr) {
-        return false;
+    return m_turn_began_with != nullptr && is_being_committed(*m_turn_began_with);
+}
+
+void Cascade::end_commits() {
+    while (!m_commits.empty() && !is_being_committed(*m_commits.back())) {
+        m_commits.pop_back();
     }
-    const std::vector<Engine*>& owners = m_turn_began_with->owners;
-    return std::any_of(owners.begin(), owners.end(), [](const Engine* owner) {
-        return owner->entry()->GetBindRefreshIsLocked();
-    });
+}
+
+bool Cascade::is_too_deep() {
+    end_commits();
+    return m_commits.size() > DEEPEST_COMMITS;
 }
 
 void Cascade::written(Cached_parameter& parameter) {
+    end_commits();
+    m_commits.push_back(&parameter);
     if (!is_within_turn()) {
         ++m_turn;
         m_turn_began_with = &parameter;

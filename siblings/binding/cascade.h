@@ -35,6 +35,9 @@ public:
     // How often one entry is refreshed in a round, and one parameter written in a turn. A longer chain of changes than that means a circle: an
     // entry is refreshed again only when a parameter changes once more after the last refresh.
     static constexpr int MOST_REFRESHES = 32;
+    // How many commits may be under way within each other. A chain of entries that limit each other is as long as a
+    // menu, and would take the stack of its thread.
+    static constexpr std::size_t DEEPEST_COMMITS = 32;
 
     void add(Engine& engine);
     void remove(Engine& engine);
@@ -46,6 +49,8 @@ public:
     // write one parameter over and over within a turn, their suggestions are frozen: then they come to rest.
     void written(Cached_parameter& parameter);
     bool is_frozen() const { return m_is_frozen; }
+    // What follows from now on is left to the next round.
+    bool is_too_deep();
     // A write that the device refused: whoever asked for it asks again at the next evaluation.
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
 
@@ -61,6 +66,7 @@ public:
 private:
     Engine* take_next();
     bool is_within_turn() const;
+    void end_commits();
     void refresh(Engine& engine, Data_interface* iface);
     void run_round(Data_interface* iface, Binding_settlement& settlement);
     std::string circle_of(const Engine& engine) const;
@@ -73,6 +79,7 @@ private:
     uint64_t m_round = 0;
     uint64_t m_turn = 1;
     Cached_parameter* m_turn_began_with = nullptr;
+    std::vector<const Cached_parameter*> m_commits;  // under way, the outermost first
     bool m_is_frozen = false;
     bool m_is_settling = false;
     std::string m_frozen_circle;  // not yet told by a round

@@ -331,6 +331,29 @@ TEST_F(Cascade_test, ManyEntriesThatFollowOneCommitAreNotFrozen) {
     EXPECT_TRUE(settle().at_rest);
 }
 
+// Each correction commits within the commit before it: all of them at once would take the whole stack.
+TEST_F(Cascade_test, ALongRowOfLimitsFollowsOneCommit) {
+    constexpr unsigned int COUNT = 10000;
+    std::deque<Number_entry> entries;
+    for (unsigned int i = 0; i < COUNT; ++i) {
+        device.add_integer(1000 + i, 0, 0, 100, 50);
+        entries.emplace_back("Gain", 1000 + i, no_level, 0, 100);
+        bind(entries.back(), i == 0 ? "" : "range 0..[" + std::to_string(999 + i) + "]");
+    }
+    capture(0, [&] {
+        for (Number_entry& entry : entries) {
+            entry.Refresh(&cache, true);
+        }
+    });
+    commit(entries.front(), 10, &cache);
+    EXPECT_EQ(device.integer(1000 + 10, 0), 10);
+    const Binding_settlement settlement = settle();
+    EXPECT_TRUE(settlement.at_rest);
+    EXPECT_LT(settlement.refreshes, 2 * COUNT);
+    EXPECT_EQ(device.integer(1000 + COUNT - 1, 0), 10);
+    EXPECT_EQ(entries.back().Get_max(), 10);
+}
+
 TEST_F(Cascade_test, ARoundWithinARoundDoesNothing) {
     std::vector<std::string> log;
     Logged_leaf gain("Gain", log);
