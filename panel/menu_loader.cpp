@@ -80,7 +80,9 @@ void Loader::load(const Json_value& file) {
     if (m_menu.entry_count() > 0) {
         m_menu.share_shortcuts();
     }
-    warn_of_options();
+    if (m_problems.error_count() == 0) {  // else the item that uses the option may be the wrong one
+        warn_of_options();
+    }
 }
 
 void Loader::load_options(const Json_value& options) {
@@ -359,10 +361,12 @@ Loaded_menu load_menu_text(const std::string& file, const std::string& text, Loa
         const Json_value root(document.read(file, text), problems);
         Loader(*loaded.menu, problems, loading).load(root);
     });
-    if (problems.error_count() > 0) {
-        throw Input_errors(problems.errors());
-    }
     loaded.warnings = problems.warnings();
+    if (problems.error_count() > 0) {
+        std::vector<std::string> lines = problems.errors();
+        lines.insert(lines.end(), loaded.warnings.begin(), loaded.warnings.end());
+        throw Input_errors(lines);
+    }
     return loaded;
 }
 

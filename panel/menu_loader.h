@@ -26,7 +26,7 @@ struct Loading {
     int columns = 20;
 };
 
-// Input_errors with all that is wrong with the file, or Input_error when it cannot be read.
+// Input_errors with all that is wrong with the file, the warnings last, or Input_error when it cannot be read.
 Loaded_menu load_menu(const std::string& file, Loading loading = {});
 // The same from the text of a file; `file` only names it.
 Loaded_menu load_menu_text(const std::string& file, const std::string& text, Loading loading = {});

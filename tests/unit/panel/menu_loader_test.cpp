@@ -277,6 +277,31 @@ TEST(MenuLoader, ANameThatTheDisplayHasNoRoomForIsWarnedOf) {
     EXPECT_TRUE(load_menu_text("menu.json", text, {Cards::OFF, 40}).warnings.empty());
 }
 
+TEST(MenuLoader, WarningsAreToldWithTheErrors) {
+    const std::string text = with_item(
+        R"({"type": "range", "name": "Temperature", "pid": 5},
+           {"type": "range", "name": "Modem", "pid": 5, "options": ["modem"]},
+           {"type": "knob", "name": "Volume"})");
+    const Lines complaints = complaints_of(text);
+    ASSERT_EQ(complaints.size(), 3U);
+    EXPECT_EQ(complaints[0], error_of(text));
+    EXPECT_NE(complaints[0].find("found \"knob\""), std::string::npos);
+    EXPECT_EQ(complaints[1], placed(text,
+                                    "menu.json: /menu/items/0/name: warning: a display of 20 "
+                                    "columns shows this name as \"Temperatur\""));
+    EXPECT_EQ(complaints[2], placed(text,
+                                    "menu.json: /menu/items/1/options: warning: none of these "
+                                    "options is declared, so this is never shown"));
+}
+
+// The item that is wrong may be the one that uses the option as it is meant.
+TEST(MenuLoader, AnOptionIsNotTakenForAnAccidentalPatternWhileItemsAreWrong) {
+    const std::string wrong =
+        menu_text(LEVEL, R"({"type": "range", "name": "Slot", "pid": 6, "options": ["slot1"]})",
+                  R"({"slotn": 2})");
+    EXPECT_EQ(complaints_of(wrong), Lines{error_of(wrong)});
+}
+
 TEST(MenuLoader, ItemsThatNoWayLeadsToAreWarnedOf) {
     const std::string text = with_item(
         R"({"type": "range", "name": "Spare", "pid": 5, "visible": false},

@@ -33,13 +33,21 @@ inline std::string menu_text(const std::string& parameters, const std::string& i
            R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";
 }
 
-// All that is wrong with a menu file, line by line; empty when it loads.
-inline std::string error_of(const std::string& text) {
-    std::string all;
+// All that is told of a menu file that does not load; empty when it does.
+inline Lines complaints_of(const std::string& text) {
     try {
         load_menu_text("menu.json", text);
     } catch (const Input_errors& errors) {
-        for (const std::string& line : errors.lines()) {
+        return errors.lines();
+    }
+    return {};
+}
+
+// All that is wrong with a menu file, line by line, without the warnings; empty when it loads.
+inline std::string error_of(const std::string& text) {
+    std::string all;
+    for (const std::string& line : complaints_of(text)) {
+        if (line.find(": warning: ") == std::string::npos) {
             all += (all.empty() ? "" : "\n") + line;
         }
     }
