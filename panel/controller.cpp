@@ -35,11 +35,15 @@ void Controller::receive(Message_queue& messages) {
     }
 }
 
-void Controller::press(const Key& pressed) {
-    Key key = pressed;
-    if (m_is_reversed && (key.kind == Key::UP || key.kind == Key::DOWN)) {
-        key.kind = key.kind == Key::UP ? Key::DOWN : Key::UP;
+Key Controller::turned(const Key& key) const {
+    if (!m_is_reversed || (key.kind != Key::UP && key.kind != Key::DOWN)) {
+        return key;
     }
+    return {key.kind == Key::UP ? Key::DOWN : Key::UP};
+}
+
+void Controller::press(const Key& pressed) {
+    const Key key = turned(pressed);
     m_key = key.kind;
     if (m_log && m_log->is_open()) {
         m_log->press(key.kind);

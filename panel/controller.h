@@ -47,6 +47,8 @@ public:
     void set_log(Log_lines& lines) { m_log.emplace(lines); }
 
     void press(const Key& key);
+    // The key as the menu takes it: the encoder may be set up to turn the other way.
+    Key turned(const Key& key) const;
     // Reads what is shown from the device again.
     void tick();
     // From now on frames have this size.

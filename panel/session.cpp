@@ -31,7 +31,7 @@ void Session::press_on_lock(const Key& key, Time now) {
         m_lock->ask(now);
         return;
     }
-    switch (m_lock->press(key, now)) {
+    switch (m_lock->press(m_controller.turned(key), now)) {
         case Pin_lock::Result::ASKING:
             break;
         case Pin_lock::Result::OPEN:

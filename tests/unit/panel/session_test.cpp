@@ -182,6 +182,18 @@ TEST_F(Locked_session_test, TheRightPinOpens) {
     EXPECT_EQ(lines()[0], ">Gain             5");
 }
 
+TEST_F(Locked_session_test, AnEncoderThatTurnsTheOtherWayDoesSoForThePinToo) {
+    Encoder_settings encoder;
+    encoder.reversed = true;
+    panel.set_encoder(encoder);
+    wait(seconds(60));
+    press(Key::SELECT);
+    press(Key::DOWN, 3);
+    EXPECT_EQ(lines()[1], "PIN 3___           ");
+    press(Key::UP);
+    EXPECT_EQ(lines()[1], "PIN 2___           ");
+}
+
 TEST_F(Locked_session_test, AWrongPinDoesNotReachTheMenu) {
     wait(seconds(60));
     press(Key::SELECT);
