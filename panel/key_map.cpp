@@ -61,8 +61,9 @@ void add_key(Key_map& keys, const std::string& assignment) {
 
 }  // namespace
 
+// A pad of six keys can do all of an editor: left and right move its cursor.
 Key_map usual_keys() {
-    return parse_key_map("Up=up,Down=down,Enter=select,Right=select,Escape=back,Left=back");
+    return parse_key_map("Up=up,Down=down,Enter=select,Escape=back,Left=coarser,Right=finer");
 }
 
 Key_map parse_key_map(const std::string& text) {

@@ -16,15 +16,15 @@ std::string key_error(const std::string& text) {
     return "";
 }
 
-TEST(KeyMap, TheUsualKeysAreArrowsEnterAndEscape) {
+TEST(KeyMap, TheUsualSixKeysReachEveryPlaceOfAValue) {
     const Key_map keys = usual_keys();
     ASSERT_EQ(keys.size(), 6U);
     EXPECT_EQ(keys.at("Up").kind, Key::UP);
     EXPECT_EQ(keys.at("Down").kind, Key::DOWN);
     EXPECT_EQ(keys.at("Enter").kind, Key::SELECT);
-    EXPECT_EQ(keys.at("Right").kind, Key::SELECT);
     EXPECT_EQ(keys.at("Escape").kind, Key::BACK);
-    EXPECT_EQ(keys.at("Left").kind, Key::BACK);
+    EXPECT_EQ(keys.at("Left").kind, Key::COARSER);
+    EXPECT_EQ(keys.at("Right").kind, Key::FINER);
 }
 
 TEST(KeyMap, KeysAreWhatTheTextSays) {
