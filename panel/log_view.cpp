@@ -212,7 +212,12 @@ void Log_view::draw_lines(Lcd& lcd, int first_row) {
     m_follows = bottom == last;
     const int top = std::max(0, bottom - rows + 1);
     const int end = std::min(static_cast<int>(shown.size()), top + rows);
-    const auto start = static_cast<size_t>(m_pan * (lcd.size().columns / 2));
+    const auto longest = std::max_element(
+        shown.begin() + top, shown.begin() + end,
+        [](const Shown& a, const Shown& b) { return a.line->text.size() < b.line->text.size(); });
+    const int step = lcd.size().columns / 2;
+    m_pan = std::min(m_pan, std::max(0, static_cast<int>(longest->line->text.size()) - 1) / step);
+    const auto start = static_cast<size_t>(m_pan * step);
     for (int place = top; place < end; ++place) {
         const std::string& text = shown[static_cast<size_t>(place)].line->text;
         lcd.put(first_row + place - top, 0, start < text.size() ? text.substr(start) : "");
