@@ -196,7 +196,11 @@ void Engine::bind_parameters(Bound_list& list) {
     list.options.resize(list.program.option_count());
     list.options_version = m_core.options.version() - 1;
     for (std::size_t number = 0; number < list.program.rule_count(); ++number) {
-        m_rule_kinds |= list.program.rule(number).kind;
+        const Rule rule = list.program.rule(number);
+        m_rule_kinds |= rule.kind;
+        // A warning sees the value that is tried, and what the device has then.
+        m_follows_own = m_follows_own ||
+                        (rule.kind != SUGGESTION_WARNING && list.program.reads_own_value(rule));
     }
     m_reads_own = m_reads_own || list.program.own_type().has_value();
 }
@@ -237,6 +241,9 @@ void Engine::attach() {
     }
     if (m_own != nullptr) {
         m_core.parameters.add_owner(*m_own, m_control, *this);
+        if (m_follows_own) {
+            m_core.parameters.add_reader(*m_own, *this);
+        }
     }
     if (offers(SUGGESTION_ACCESS)) {
         // What the rules suggest must not pass for what the entry was built with.
@@ -256,6 +263,9 @@ void Engine::detach() {
     }
     if (m_own != nullptr) {
         m_core.parameters.remove_owner(*m_own, *this, m_entry);
+        if (m_follows_own) {
+            m_core.parameters.remove_reader(*m_own, *this);
+        }
     }
     m_entry = nullptr;
 }

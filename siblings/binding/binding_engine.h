@@ -85,7 +85,8 @@ public:
     Data_entry::Entry_type entry_type() const { return m_entry_type; }
     std::string name() const;
     bool was_evaluated() const { return m_was_evaluated; }
-    bool announces_keys() const { return m_announces_keys; }
+    // Whether the entry is enumerated and was not told its allowed keys yet.
+    bool has_new_options() const { return m_announces_keys && m_options != nullptr; }
     void report_cascade(const std::string& path);
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
     const std::vector<Bound_list>& lists() const { return m_lists; }
@@ -143,6 +144,7 @@ private:
     std::vector<Cached_parameter*> m_read;  // all that some rule reads, once each
     Cached_parameter* m_own = nullptr;
     bool m_reads_own = false;
+    bool m_follows_own = false;  // in a rule that is no warning
     std::optional<Interval> m_fallback_range;
     std::optional<Interval> m_entry_range;  // of a range entry, as it was attached
 

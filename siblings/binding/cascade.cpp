@@ -111,6 +111,9 @@ void Cascade::mark(Engine& engine) {
 void Cascade::evaluated(Engine& engine) {
     engine.cascade_state().is_marked = false;
     m_last_evaluated = engine.cascade_state().number;
+    if (engine.has_new_options()) {
+        mark(engine);  // whoever refreshed the entry may leave its options as they were
+    }
 }
 
 // Null when nobody waits any more. One that was evaluated since it was marked is listed without waiting.
@@ -172,11 +175,8 @@ void Cascade::refresh(Engine& engine, Data_interface* iface) {
     Data_entry* const entry = engine.entry();
     Data_entry::EntryTypeSpecificOperation(entry, iface, nullptr, true,
                                            Data_entry::OPERATION_REFRESH, nullptr);
-    if (m_engines.count(number) == 0 || !engine.announces_keys()) {
-        return;
-    }
-    if (auto* const options = dynamic_cast<Enum_entry*>(entry)) {
-        options->updateControlOptionMap();
+    if (m_engines.count(number) != 0 && engine.has_new_options()) {
+        static_cast<Enum_entry*>(entry)->updateControlOptionMap();
         mark(engine);  // the next refresh leaves an option that has become hidden
     }
 }

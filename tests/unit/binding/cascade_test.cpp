@@ -106,6 +106,40 @@ TEST_F(Cascade_test, AnEntryThatWasNeverRefreshedWaitsUntilItIs) {
     EXPECT_THAT(log, IsEmpty());
 }
 
+TEST_F(Cascade_test, AnEntryFollowsItsOwnValueWhoeverChangesIt) {
+    Number_entry gain("Gain", 100, no_level, -9, 9);
+    bind(gain, "set [101] = 7 if value == 3");
+    refresh(gain, &cache);
+    device.set_integer(100, 0, 3);
+    EXPECT_EQ(turn().refreshes, 1u);
+    EXPECT_EQ(device.integer(101, 0), 7);
+    write(100, 4);
+    EXPECT_EQ(settle().refreshes, 1u);
+}
+
+// The value that is tried is not the device's: nothing has to be asked for before.
+TEST_F(Cascade_test, AWarningDoesNotLetAnEntryFollowItsOwnValue) {
+    Number_entry gain("Gain", 100, no_level, -9, 9);
+    bind(gain, "warn \"high\" if value > 2");
+    refresh(gain, &cache);
+    device.set_integer(100, 0, 3);
+    EXPECT_THAT(registry->poll(), IsEmpty());
+    EXPECT_EQ(settle().refreshes, 0u);
+}
+
+// Whoever refreshes an entry for its value need not know that it has options.
+TEST_F(Cascade_test, OptionsFollowARefreshThatLeftThem) {
+    Option_entry source("Source", 100, no_level);
+    bind(source, "keys 0..1 if [101] == 1");
+    write(101, 1);
+    refresh(source, &cache);
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+    EXPECT_TRUE(registry->has_unsettled());
+    EXPECT_TRUE(settle().at_rest);
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1));
+    EXPECT_FALSE(registry->has_unsettled());
+}
+
 TEST_F(Cascade_test, WritesDoNotWaitUntilTheirEntryIsShown) {
     std::vector<std::string> log;
     Logged_leaf gain("Gain", log);
