@@ -178,7 +178,7 @@ std::unique_ptr<Front> open_front(const Options& options, const Output_log& log)
 }
 
 // A terminal that shows the panel has no room for what is said to standard error meanwhile.
-int use_front(const Options& options, Controller& controller, Memory_device& device,
+int use_front(const Options& options, Controller& controller, Data_interface& device,
               Output_log& log, const End_watch& end) {
     const bool on_terminal = options.display.kind != Display_choice::LCDPROC;
     if (on_terminal) {
@@ -206,7 +206,7 @@ Encoder_settings encoder_of(const Options& options, Menu& menu) {
 
 int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log,
         const std::optional<End_watch>& end) {
-    Controller controller(menu.root(), link_to(menu.device()), options.size);
+    Controller controller(menu.root(), link_to(menu), options.size);
     controller.show_home(home_of(menu));
     controller.set_log(log.lines());
     controller.configure(encoder_of(options, menu), &menu.editor_settings());
@@ -214,7 +214,7 @@ int use(const Options& options, const std::optional<Script>& script, Menu& menu,
         [&controller](const std::string& text) { controller.warn(text); });
     controller.set_warning_armer([&menu] { menu.bindings()->arm_warnings(); });
     if (end) {
-        return use_front(options, controller, menu.device(), log, *end);
+        return use_front(options, controller, menu.access(), log, *end);
     }
     if (!options.screenshot.empty()) {
         return take_picture(options, *script, controller, menu);
@@ -259,7 +259,7 @@ int report(const Options& options) {
         debug = options.debug;
         loaded = load(options, log, Cards::OFF);
         Menu& menu = *loaded.menu;
-        VarIdDataInfStore::m_pDataAccessInf = &menu.device();
+        VarIdDataInfStore::m_pDataAccessInf = &menu.access();
         refresh_all(menu);
         if (!options.dump) {
             log.out() << (options.graph ? graph_of(menu) : explain(menu, options.explain));
@@ -287,7 +287,7 @@ int show(const Options& options, Output_log& log) {
     }
     Menu& menu = *loaded.menu;
     const std::optional<Curl_home> curl_home = prepare_transfers(menu);
-    VarIdDataInfStore::m_pDataAccessInf = &menu.device();
+    VarIdDataInfStore::m_pDataAccessInf = &menu.access();
     return use_keeping_values(options, menu, [&] { return use(options, script, menu, log, end); });
 }
 

@@ -1,5 +1,7 @@
 #include "controller.h"
 
+#include <cstdio>
+
 #include "entry_access.h"
 
 namespace panel {
@@ -10,9 +12,14 @@ constexpr const char* HIDDEN = "hidden: edit ended";
 }  // namespace
 
 Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size size)
-    : m_size(size),
+    : m_device(device),
+      m_size(size),
       m_navigation(root, device, m_notices),
-      m_editing(device, m_notices, [this](const Data_entry* /*target*/) { editor_closed(); }) {}
+      m_editing(device, m_notices, [this](const Data_entry* /*target*/) { editor_closed(); }) {
+    m_device.poll();
+    settle();
+    m_navigation.refresh();
+}
 
 void Controller::configure(const Encoder_settings& encoder, const Editor_settings_table* entries) {
     m_is_reversed = encoder.reversed;
@@ -57,6 +64,38 @@ void Controller::press(const Key& pressed) {
         press_in_menu(key);
     }
     m_key = NO_KEY;
+    settle_and_show();
+}
+
+// Not while the log is read: what the library prints would be added to it. Nor while something is told or asked
+// about an edited value: a refresh would take it away.
+bool Controller::is_free() const {
+    const bool is_reading = m_log && m_log->is_open();
+    return !is_reading && (m_notices.empty() || !m_editing.is_open());
+}
+
+// Lets the rules act on what was read and written. Whether anything was refreshed for it.
+bool Controller::settle() {
+    const Binding_settlement settled = m_device.settle();
+    if (!settled.at_rest && m_told_circles.insert(settled.path).second) {
+        if (debug_listener != nullptr) {
+            debug_listener(0);  // to be found whatever masks are set
+        }
+        std::printf("Bindings do not come to rest: %s\n", settled.path.c_str());
+        m_notices.tell("Bindings", "no rest: " + settled.path);
+    }
+    return settled.refreshes > 0;
+}
+
+void Controller::settle_and_show() {
+    if (!is_free() || !settle()) {
+        return;
+    }
+    if (m_editing.is_open()) {
+        follow_edited();
+    } else {
+        m_navigation.refresh();
+    }
 }
 
 void Controller::show_log() {
@@ -68,15 +107,16 @@ void Controller::show_log() {
     m_log->open(entry == nullptr ? "" : entry->Get_name());
 }
 
-// What the library prints is not added to while it is read.
 void Controller::tick() {
-    if (m_log && m_log->is_open()) {
+    if (!is_free()) {
         return;
     }
-    if (!m_editing.is_open()) {
-        m_navigation.tick();
-    } else if (m_notices.empty()) {
+    m_device.poll();
+    settle();
+    if (m_editing.is_open()) {
         follow_edited();
+    } else {
+        m_navigation.tick();
     }
 }
 
@@ -112,6 +152,7 @@ void Controller::go_home() {
 
 // What was written shows at once elsewhere: every entry of the list is asked whether it is visible.
 void Controller::editor_closed() {
+    settle();
     m_navigation.leave_edited(*std::exchange(m_edited, nullptr), m_key);
 }
 

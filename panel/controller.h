@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -49,7 +50,7 @@ public:
     void press(const Key& key);
     // The key as the menu takes it: the encoder may be set up to turn the other way.
     Key turned(const Key& key) const;
-    // Reads what is shown from the device again.
+    // Reads what is shown from the device again, and what rules depend on.
     void tick();
     // From now on frames have this size.
     void set_size(Lcd_size size) { m_size = size; }
@@ -63,11 +64,15 @@ private:
     static constexpr Key::Kind NO_KEY = Key::SHORTCUT;  // one that ends no editing
 
     void press_in_menu(const Key& key);
+    bool is_free() const;
+    bool settle();
+    void settle_and_show();
     void show_log();
     void go_home();
     void editor_closed();
     void follow_edited();
 
+    Device_link m_device;
     Lcd_size m_size;
     Notices m_notices;
     Navigation m_navigation;
@@ -76,6 +81,7 @@ private:
     bool m_is_reversed = false;
     Editing m_editing;
     std::optional<Log_view> m_log;
+    std::set<std::string> m_told_circles;
 };
 
 }  // namespace panel

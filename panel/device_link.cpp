@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "entry_access.h"
+#include "menu.h"
 
 namespace panel {
 
@@ -10,8 +11,8 @@ bool can_post() {
     return ::access("/dev/NULL", W_OK) == 0 || ::access("/dev", W_OK) == 0;
 }
 
-Device_link link_to(Memory_device& device) {
-    const auto read_failed = [&device](const Data_entry& entry) {
+Device_link link_to(Menu& menu) {
+    const auto read_failed = [&device = menu.device()](const Data_entry& entry) {
         if (is_live(entry) || entry.Get_pid() == Data_entry::PID_NONE) {
             return false;
         }
@@ -22,7 +23,9 @@ Device_link link_to(Memory_device& device) {
     const auto is_loopback = [](const std::string& address) {
         return address.rfind("127.", 0) == 0;
     };
-    return {device, read_failed, is_loopback, can_post};
+    const auto poll = [&menu] { menu.bindings()->poll(); };
+    const auto settle = [&menu] { return menu.bindings()->settle(); };
+    return {menu.access(), read_failed, is_loopback, can_post, poll, settle};
 }
 
 }  // namespace panel

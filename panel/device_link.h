@@ -2,8 +2,8 @@
 #ifndef FRONTPANEL_PANEL_DEVICE_LINK_H
 #define FRONTPANEL_PANEL_DEVICE_LINK_H
 
+#include <frontpanel_binding/binding_report.h>
 #include <frontpanel_data/data_entry.h>
-#include <frontpanel_device/memory_device.h>
 
 #include <functional>
 #include <string>
@@ -19,13 +19,19 @@ struct Device_link {
     std::function<bool(const std::string&)> may_probe;
     // Whether a choice can be posted to a card. The entry's own commit cannot tell.
     std::function<bool()> may_post;
+    // Asks the device for what the rules of the menu depend on.
+    std::function<void()> poll;
+    // Brings every entry up to date with what was read and written since.
+    std::function<Binding_settlement()> settle;
 };
 
 // The answer to a post is kept in a plain file of /dev, whose name is all capitals: whether it can be written.
 bool can_post();
 
-// A link to the in-memory device, which outlives it and has no network beyond loopback.
-Device_link link_to(Memory_device& device);
+class Menu;
+
+// A link to the in-memory device of a menu, which outlives it and has no network beyond loopback.
+Device_link link_to(Menu& menu);
 
 }  // namespace panel
 

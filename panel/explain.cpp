@@ -115,7 +115,7 @@ std::string reasons_of(Menu& menu, Data_entry& entry) {
 }
 
 std::string explanation_of(Menu& menu, Data_entry& entry, const std::string& path) {
-    const bool is_shown = entry.isVisible(true, &menu.device()) >= 0;
+    const bool is_shown = entry.isVisible(true, &menu.access()) >= 0;
     std::string text = path + ": " + (is_shown ? "shown" : "hidden") + "\n";
     if (Link_entry* const link = link_of(entry)) {
         text += indented(toggle_of(*link));

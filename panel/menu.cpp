@@ -8,7 +8,8 @@
 
 namespace panel {
 
-Menu::Menu() : m_bindings(std::make_shared<Binding_registry>(&m_device)) {}
+Menu::Menu()
+    : m_bindings(std::make_shared<Binding_registry>(&m_device)), m_access(m_device, m_bindings) {}
 
 // An entry's destructor leaves the list that its card sent last to whoever may still show it.
 Menu::~Menu() {

@@ -4,6 +4,7 @@
 #ifndef FRONTPANEL_PANEL_MENU_H
 #define FRONTPANEL_PANEL_MENU_H
 
+#include <frontpanel_binding/caching_device.h>
 #include <frontpanel_binding/expression_binding.h>
 #include <frontpanel_data/data_entry.h>
 #include <frontpanel_data/live_data_processor.h>
@@ -33,7 +34,10 @@ public:
     Menu(const Menu&) = delete;
     Menu& operator=(const Menu&) = delete;
 
+    // The device itself, past whatever its values are kept in: for its faults, records and own changes.
     Memory_device& device() { return m_device; }
+    // The device as everything of the menu reads and writes it, so that the rules see what passes.
+    Caching_device& access() { return m_access; }
     Parameter_table& parameters() { return m_parameters; }
     const std::shared_ptr<Binding_registry>& bindings() { return m_bindings; }
     // The top of the tree: the first entry that was added.
@@ -102,6 +106,7 @@ private:
     Memory_device m_device;
     Parameter_table m_parameters;
     std::shared_ptr<Binding_registry> m_bindings;
+    Caching_device m_access;
     std::unique_ptr<Card_service> m_cards;
     std::vector<std::unique_ptr<Live_Data_Processor>> m_processors;
     std::deque<Texts> m_texts;

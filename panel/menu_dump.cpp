@@ -11,10 +11,10 @@ void refresh_all(Menu& menu) {
     menu.bindings()->poll();
     for (const Placed_entry& placed : entries_of(menu)) {
         if (!is_live(housed(*placed.entry))) {
-            refresh(*placed.entry, menu.device());
+            refresh(*placed.entry, menu.access());
         }
     }
-    menu.bindings()->settle(&menu.device());
+    menu.bindings()->settle();
 }
 
 void print_tree(Menu& menu) {

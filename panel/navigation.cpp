@@ -34,10 +34,7 @@ bool is_visible(Data_entry& entry, Data_interface& device) {
 }  // namespace
 
 Home home_of(Menu& menu) {
-    return {menu.homescreen(), menu.favourites(), [&menu] {
-                menu.bindings()->poll();
-                menu.bindings()->settle(&menu.device());
-            }};
+    return {menu.homescreen(), menu.favourites()};
 }
 
 Navigation::Navigation(Data_entry& root, const Device_link& device, Notices& notices)
@@ -117,7 +114,6 @@ void Navigation::open(Data_entry& menu) {
 }
 
 void Navigation::show(Data_entry* cursor) {
-    read_toggles();
     m_list.open(m_path.shown(), cursor, !is_home());
     if (is_home() && cursor == nullptr) {
         m_list.rest(m_root.Get_name());
@@ -185,7 +181,6 @@ bool Navigation::go_to(Data_entry& entry, bool inside) {
     const auto is_passable = [this](Data_entry* menu) {
         return is_top(menu) || (!is_mount(*menu) && is_visible(*menu, m_device.access));
     };
-    read_toggles();
     if (!is_top(top) || (way.size() == 1 && !inside) ||
         !std::all_of(way.begin(), way.end() - 1, is_passable) ||
         !(is_top(&entry) || is_visible(entry, m_device.access))) {
@@ -207,7 +202,6 @@ bool Navigation::go_to(Data_entry& entry, bool inside) {
 }
 
 bool Navigation::is_shown(Data_entry& entry) {
-    read_toggles();
     if (entry.isVisible(true, &m_device.access) < 0) {
         return false;
     }
@@ -218,13 +212,11 @@ bool Navigation::is_shown(Data_entry& entry) {
 }
 
 void Navigation::refresh() {
-    read_toggles();
     m_list.refresh();
     leave_hidden();
 }
 
 void Navigation::tick() {
-    read_toggles();
     m_list.refresh_shown();
     leave_hidden();
 }
@@ -242,16 +234,6 @@ void Navigation::leave_hidden() {
     Link_entry* const link = link_of(*hidden);
     if (link == nullptr || !lead_on(*link, Link_entry::ESCAPE_REDRAW)) {
         show(hidden);
-    }
-}
-
-// They count on the homescreen and in what was opened from there.
-void Navigation::read_toggles() {
-    const auto& steps = m_path.steps();
-    const bool is_below_home = steps.front().menu == m_home.homescreen &&
-                               (steps.size() == 1 || link_of(*steps[1].menu) != nullptr);
-    if (is_below_home && m_home.read_toggles) {
-        m_home.read_toggles();
     }
 }
 

@@ -10,7 +10,6 @@
 #ifndef FRONTPANEL_PANEL_NAVIGATION_H
 #define FRONTPANEL_PANEL_NAVIGATION_H
 
-#include <functional>
 #include <string>
 
 #include "device_link.h"
@@ -27,8 +26,6 @@ namespace panel {
 struct Home {
     Data_entry* homescreen = nullptr;
     Data_entry* favourites = nullptr;
-    // Reads what the toggles of the homescreen depend on, so that they are as the device is. May be empty.
-    std::function<void()> read_toggles;
 };
 
 // Those of a menu file, which is read from its device. The menu outlives it.
@@ -78,7 +75,6 @@ private:
     bool go_to(Data_entry& entry, bool inside);
     bool lead_on(Link_entry& link, int escape_code);
     void leave_hidden();
-    void read_toggles();
 
     Data_entry& m_root;
     Device_link m_device;

@@ -11,6 +11,7 @@
 #include <tuple>
 
 #include <frontpanel_device/card_service.h>
+#include <frontpanel_device/memory_device.h>
 
 #include "controller.h"
 #include "display.h"

@@ -265,7 +265,7 @@ TEST(Controller, AShortcutWithoutEntryDoesNothing) {
 TEST(Controller, AShortcutToAHiddenEntryIsRefused) {
     Panel panel(menu_text(PARAMETERS, ITEMS));
     panel.device().set_integer(101, 0, 0);
-    panel.shortcut(2);
+    panel.tick().shortcut(2);
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "not available       "}));
     panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Audio           ...", " Level           ..."}));
@@ -280,7 +280,7 @@ TEST(Controller, AShortcutIntoAHiddenMenuIsRefused) {
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "not available       "}));
     panel.press(Key::BACK);
     panel.device().set_integer(101, 0, 2);
-    panel.shortcut(1);
+    panel.tick().shortcut(1);
     EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
 }
 

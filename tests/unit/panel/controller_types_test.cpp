@@ -211,7 +211,7 @@ protected:
               {"slot": 8, "id": 13, "name": "MUX", "family": "Multiplexer", "alias": "Tower"}]},
               "menu": {"name": "Main", "items": [{"type": "slot", "name": "Slot", "pid": 7}]}})",
                 {40, 2}) {
-        VarIdDataInfStore::m_pDataAccessInf = &panel.device();
+        VarIdDataInfStore::m_pDataAccessInf = &panel.menu().access();
     }
     ~SlotList() override { VarIdDataInfStore::m_pDataAccessInf = nullptr; }
 

@@ -116,7 +116,7 @@ TEST(MenuLinks, ABridgeOwnsWhatItLeadsTo) {
     Link_entry& link = link_in(root, 0);
     EXPECT_TRUE(link.isBridgeLink());
     EXPECT_EQ(link.getBehaviour(), Link_entry::LINK_SKIP);
-    EXPECT_EQ(link.Refresh(&loaded.menu->device(), true), 0);
+    EXPECT_EQ(link.Refresh(&loaded.menu->access(), true), 0);
     char text[21] = {};
     EXPECT_EQ(link.Get_display_string(text, 20), 0);
     EXPECT_STREQ(text, "4 dB");
@@ -212,10 +212,10 @@ TEST(MenuLinks, AHomescreenLinkFollowsItsToggle) {
     Menu& menu = *loaded.menu;
     Link_entry& link = link_in(*menu.homescreen(), 0);
     menu.bindings()->poll();
-    EXPECT_EQ(link.isVisible(true, &menu.device()), VIS_FALSE);
+    EXPECT_EQ(link.isVisible(true, &menu.access()), VIS_FALSE);
     menu.device().set_integer(101, 0, 1);
     menu.bindings()->poll();
-    EXPECT_EQ(link.isVisible(true, &menu.device()), VIS_TRUE);
+    EXPECT_EQ(link.isVisible(true, &menu.access()), VIS_TRUE);
 }
 
 TEST(MenuLinks, AToggleTakesNumbersBelowZero) {
@@ -286,7 +286,7 @@ TEST_F(Mounted_presets, AreBuiltOnEntryInTheOrderOfTheirNames) {
     write("notes.txt", "nothing");
     Menu& menu = load();
     EXPECT_TRUE(m_loaded.warnings.empty());
-    EXPECT_GE(link().isVisible(true, &menu.device()), 0);
+    EXPECT_GE(link().isVisible(true, &menu.access()), 0);
     Data_entry* const first = enter();
     ASSERT_NE(first, nullptr);
     EXPECT_STREQ(first->Get_name(), "Film");
@@ -303,11 +303,11 @@ TEST_F(Mounted_presets, WriteTheirValuesWhenTheyAreCommitted) {
     write("Sport.json", R"({"gain 1": -10, "label": "Sport", "100.2": 7})");
     Menu& menu = load();
     Data_entry& preset = *enter();
-    EXPECT_EQ(commit(preset, menu.device()), 0);
+    EXPECT_EQ(commit(preset, menu.access()), 0);
     EXPECT_EQ(menu.device().integer(100, 1), 3);
     preset.Inc_value(1, 0);
     EXPECT_EQ(display_value(preset, 8), "load");
-    EXPECT_EQ(commit(preset, menu.device()), 0);
+    EXPECT_EQ(commit(preset, menu.access()), 0);
     EXPECT_EQ(menu.device().integer(100, 1), -10);
     EXPECT_EQ(menu.device().integer(100, 2), 7);
     EXPECT_EQ(menu.device().text(102, 0), "Sport");
@@ -323,7 +323,7 @@ TEST_F(Mounted_presets, TellWhichFilesCannotBeUsed) {
     for (int i = 0; i < 3; ++i, preset = preset->Get_next()) {
         EXPECT_EQ(display_value(*preset, 8), "damaged");
         EXPECT_EQ(preset->Get_access_type(), Data_entry::READ_ONLY);
-        EXPECT_EQ(commit(*preset, menu.device()), 0);
+        EXPECT_EQ(commit(*preset, menu.access()), 0);
     }
     EXPECT_EQ(menu.device().integer(101, 0), 0);
     const std::string folder = m_folder.file("presets");

@@ -379,10 +379,10 @@ TEST(MenuLoader, ABoundRangeHasAllowedValuesBeforeItsFirstRefresh) {
     ASSERT_NE(range, nullptr);
     EXPECT_EQ(range->Get_min(), 5);
     EXPECT_EQ(range->Get_max(), 60);
-    range->Refresh(&loaded.menu->device(), true);
+    range->Refresh(&loaded.menu->access(), true);
     EXPECT_EQ(range->Get_min(), 10);
     EXPECT_EQ(range->Get_max(), 20);
-    range->Refresh(&loaded.menu->device(), true);
+    range->Refresh(&loaded.menu->access(), true);
     EXPECT_EQ(range->Get_max(), 60);
 }
 

@@ -33,10 +33,11 @@ TEST(MenuRules, ParametersGoByTheirNames) {
         load_menu_text("menu.json", with_rules("visible if [mode] == 1 and [6.1] > 2; "
                                                "range -10..5 if [input 1 gain] == 3"));
     Data_entry& gain = *loaded.menu->root().Get_child();
-    EXPECT_GE(gain.isVisible(true, &loaded.menu->device()), 0);
+    EXPECT_GE(gain.isVisible(true, &loaded.menu->access()), 0);
     EXPECT_EQ(static_cast<Range_entry&>(gain).Get_max(), 5);
     loaded.menu->device().set_integer(5, 0, 2);
-    EXPECT_LT(gain.isVisible(true, &loaded.menu->device()), 0);
+    loaded.menu->bindings()->poll();
+    EXPECT_LT(gain.isVisible(true, &loaded.menu->access()), 0);
 }
 
 TEST(MenuRules, EveryKindOfRuleReachesItsItem) {

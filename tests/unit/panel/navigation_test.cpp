@@ -121,7 +121,7 @@ TEST(Links, WhoseEscapeNodeIsHiddenBehaveAsWithoutIt) {
                 SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT);
     panel.device().set_integer(102, 0, 1);
-    panel.press(Key::SELECT);
+    panel.tick().press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{" Mute                off", ">Mute                off"}));
 }
 

@@ -118,7 +118,7 @@ public:
 
 private:
     Device_link link() {
-        Device_link link = link_to(device());
+        Device_link link = link_to(menu());
         link.may_post = [this] { return m_may_post; };
         return link;
     }
