@@ -28,7 +28,7 @@ struct Home {
     Data_entry* favourites = nullptr;
 };
 
-// Those of a menu file, which is read from its device. The menu outlives it.
+// Those of a menu file. The menu outlives it.
 Home home_of(Menu& menu);
 
 class Navigation {
