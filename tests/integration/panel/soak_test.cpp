@@ -102,6 +102,7 @@ public:
     }
     size_t commits() const { return m_commits; }
     size_t bound_writes() const { return m_bound_writes; }
+    size_t demanded_writes() const { return m_demanded_writes; }
     size_t failed_writes() const { return m_failed_writes; }
     size_t opened_editors() const { return m_opened_editors; }
     size_t requests() { return m_panel.menu().cards()->requests().size(); }
@@ -165,7 +166,10 @@ private:
         plan.result = FAULT_RESULT;
         plan.delay_probability = 0.01;
         plan.longest_delay = std::chrono::microseconds(50);
-        device().set_fault(Random_faults(plan));
+        device().set_fault(
+            [this, faults = Random_faults(plan)](const Memory_device::Operation& operation) {
+                return m_may_fail ? faults(operation) : 0;
+            });
         return "device fails with probability " + std::to_string(plan.probability);
     }
 
@@ -185,7 +189,8 @@ private:
         return result;
     }
 
-    // A write is a commit of what the user edited, or replaces a value that a binding or an option no longer allows.
+    // A write is a commit of what the user edited, or one that a rule asks for, or replaces a value that a rule or
+    // an option no longer allows.
     // Each one is valid, and refused only by a fault.
     void check_writes(const std::string& event) {
         for (const Memory_device::Write& write : m_writes) {
@@ -193,13 +198,16 @@ private:
                 << event << " wrote " << write.pid << " = " << write.value << ": "
                 << Memory_device::result_text(write.result);
             const bool is_commit = m_may_commit && is_edited(m_panel.root(), write);
-            const bool is_bound = !is_commit && is_correction(m_panel.root(), write);
+            const bool is_demanded = !is_commit && is_demanded_by_a_rule(m_panel.root(), write);
+            const bool is_bound =
+                is_demanded || (!is_commit && is_correction(m_panel.root(), write));
             ASSERT_TRUE(is_commit || is_bound)
                 << event << " wrote " << write.pid << "." << write.varidx << " = " << write.value
                 << " over " << m_contents[{write.pid, write.varidx}] << ", at "
                 << m_frame.lcd.line(0);
             m_commits += is_commit ? 1 : 0;
             m_bound_writes += is_bound ? 1 : 0;
+            m_demanded_writes += is_demanded ? 1 : 0;
             m_failed_writes += write.result != 0 ? 1 : 0;
             if (write.result == 0) {
                 m_contents[{write.pid, write.varidx}] =
@@ -260,6 +268,34 @@ private:
         });
     }
 
+    // What the rules of an entry ask for as they stand after the event. The device answers meanwhile.
+    bool is_demanded_by_a_rule(Data_entry& root, const Memory_device::Write& write) {
+        const bool may_fail = std::exchange(m_may_fail, false);
+        const bool is_demanded = any_below(root, [&](const Data_entry& entry) {
+            const auto explained = m_panel.menu().bindings()->explain(entry);
+            return explained &&
+                   std::any_of(explained->rules.begin(), explained->rules.end(),
+                               [&](const Rule_explanation& rule) { return demands(rule, write); });
+        });
+        m_may_fail = may_fail;
+        return is_demanded;
+    }
+
+    // "[gain 1] = 0"
+    bool demands(const Rule_explanation& rule, const Memory_device::Write& write) {
+        const size_t end = rule.result.find("] = ");
+        if (rule.kind != SUGGESTION_SET || rule.outcome != Rule_explanation::Outcome::HOLDS ||
+            end == std::string::npos) {
+            return false;
+        }
+        const Parameter* const parameter =
+            m_panel.menu().parameters().find_reference(rule.result.substr(1, end - 1));
+        const std::string value = rule.result.substr(end + std::string("] = ").size());
+        return parameter != nullptr && parameter->pid == write.pid &&
+               varidx_of(parameter->index) == write.varidx &&
+               value == (write.type == STRING ? '"' + write.value + '"' : write.value);
+    }
+
     bool is_correction(Data_entry& root, const Memory_device::Write& write) {
         return any_below(root, [&](Data_entry& entry) {
             if (!holds_parameter(entry, write)) {
@@ -289,7 +325,9 @@ private:
     Frame m_frame{Lcd(SIZE), Leds()};
     bool m_may_commit = false;
     size_t m_commits = 0;
+    bool m_may_fail = true;  // the device
     size_t m_bound_writes = 0;
+    size_t m_demanded_writes = 0;
     size_t m_failed_writes = 0;
     size_t m_opened_editors = 0;
     std::set<std::string> m_screens;
@@ -307,6 +345,7 @@ TEST(Soak, WhateverHappensTheFrameIsValidAndOnlyWhatWasAskedForIsWritten) {
     // It did reach what it is about.
     EXPECT_GT(soak.commits(), events / 100);
     EXPECT_GT(soak.bound_writes(), 0U);
+    EXPECT_GT(soak.demanded_writes(), 0U);
     EXPECT_GT(soak.failed_writes(), 0U);
     EXPECT_GT(soak.opened_editors(), events / 20);
     EXPECT_GT(soak.screens().size(), 100U);
