@@ -133,8 +133,11 @@ private:
     void set_ranges(const Json_value& item, Range_entry& entry, int min, int max);
     std::vector<range_s> ranges_of(const Json_value& list, int min, int max);
     void bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds);
-    void check_rule_parameter(const Json_value& source, const var_index_s& key);
-    void check_written_parameter(const Json_value& source, const std::string& reference);
+    void check_rule_parameter(const Json_value& source, const Named_parameter& named) const;
+    void check_rule(const Json_value& source, const Rule_note& note, const Data_entry& entry,
+                    std::optional<Bounds> bounds) const;
+    static void check_interval(const Json_value& source, const Rule_note& note, Bounds bounds);
+    void check_written_value(const Json_value& source, const Rule_note& note) const;
     void check_cycles();
     const Parameter& parameter_of(const Json_value& item, const Index_t& index,
                                   RETURN_TYPE type) const;

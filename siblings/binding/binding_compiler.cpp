@@ -20,7 +20,7 @@ constexpr std::size_t LONGEST_SOURCE = 1U << 20;
 constexpr int MOST_PARAMETERS = 1024;
 constexpr uint32_t MOST_LEVELS = 2;
 constexpr int TRIED_ROWS = 8;
-constexpr std::size_t USUAL_INTERVALS = 4;
+constexpr std::size_t USUAL_NOTES = 4;
 
 // How tightly operators bind, loosest first.
 enum Level : uint8_t {
@@ -96,6 +96,8 @@ struct Compiler::Tables {
 
     void clear();
     BindingListT list(std::string_view source) const;
+    var_index_s key(int parameter) const;
+    std::vector<Named_parameter> named_parameters() const;
 
     int instruction_count() const { return static_cast<int>(code.size() / INSTRUCTION_SIZE); }
 };
@@ -150,6 +152,27 @@ BindingListT Compiler::Tables::list(std::string_view source) const {
     return list;
 }
 
+var_index_s Compiler::Tables::key(int parameter) const {
+    const int* const row = &parameters[static_cast<std::size_t>(parameter) * PARAMETER_SIZE];
+    var_index_s key{static_cast<RETURN_TYPE>(row[PARAMETER_TYPE]),
+                    static_cast<uint32_t>(row[PARAMETER_PID]),
+                    {}};
+    key.index.m_index_num = static_cast<decltype(key.index.m_index_num)>(row[PARAMETER_LEVELS]);
+    for (std::size_t level = 0; level < MOST_LEVELS; ++level) {
+        key.index.m_index[level] = static_cast<uint16_t>(row[PARAMETER_LEVEL_0 + level]);
+    }
+    return key;
+}
+
+std::vector<Named_parameter> Compiler::Tables::named_parameters() const {
+    std::vector<Named_parameter> named(parameters.size() / PARAMETER_SIZE);
+    for (std::size_t number = 0; number < named.size(); ++number) {
+        const int place = parameters[number * PARAMETER_SIZE + PARAMETER_NAME];
+        named[number] = {key(static_cast<int>(number)), static_cast<std::size_t>(place)};
+    }
+    return named;
+}
+
 // One pass: each construct is written to the tables as it is read.
 class Compiler::Parser {
 public:
@@ -158,7 +181,7 @@ public:
         : m_source(source),
           m_context(context),
           m_tables(tables),
-          m_intervals(result.intervals),
+          m_notes(result.notes),
           m_warnings(result.warnings),
           m_scanner(source) {}
 
@@ -199,6 +222,11 @@ private:
     void end_rule(const char* expected);
     void warn_of_constant(const char* begin);
     void interval();
+    Rule_note& note(Suggestion_kind kind);
+    void note_rule(Suggestion_kind kind);
+    static void note_numbers(Rule_note& noted, std::optional<int32_t> low,
+                             std::optional<int32_t> high);
+    std::optional<std::size_t> text_length_of_segment() const;
 
     void segment(Value_type type);
     void end_segment();
@@ -259,7 +287,7 @@ private:
     std::string_view m_source;
     const Compile_context& m_context;
     Tables& m_tables;
-    std::vector<Binding_interval>& m_intervals;
+    std::vector<Rule_note>& m_notes;
     std::vector<Compile_error>& m_warnings;
     Scanner m_scanner;
     Token m_token{};
@@ -311,6 +339,7 @@ void Compiler::Parser::rule() {
 
 void Compiler::Parser::visible_rule() {
     begin_rule(SUGGESTION_VISIBILITY);
+    note_rule(SUGGESTION_VISIBILITY);
     if (!accept_word("if")) {
         fail_expected("\"if\"");
     }
@@ -327,26 +356,23 @@ void Compiler::Parser::range_rule() {
 
 void Compiler::Parser::interval() {
     constexpr int32_t LEAST = std::numeric_limits<int32_t>::min();
+    Rule_note& noted = note(SUGGESTION_RANGE);
     const std::optional<int32_t> low = integer_segment(LEAST);
     expect(Token::TO, "an operator or \"..\"");
     const std::optional<int32_t> high = integer_segment(LEAST);
-    if (low && high) {
-        if (m_intervals.empty()) {
-            m_intervals.reserve(USUAL_INTERVALS);
-        }
-        m_intervals.push_back({std::min(*low, *high), std::max(*low, *high)});
-    }
+    note_numbers(noted, low, high);
 }
 
 void Compiler::Parser::keys_rule() {
     begin_rule(SUGGESTION_KEYS);
     do {
-        for (int end = 0; end < 2; ++end) {
-            integer_segment(0);
-            if (end == 0 && !accept(Token::TO)) {
-                end_segment();  // empty: the high end is the low one
-                break;
-            }
+        Rule_note& noted = note(SUGGESTION_KEYS);
+        const std::optional<int32_t> low = integer_segment(0);
+        if (accept(Token::TO)) {
+            note_numbers(noted, low, integer_segment(0));
+        } else {
+            end_segment();  // empty: the high end is the low one
+            note_numbers(noted, low, low);
         }
     } while (accept(Token::COMMA));
     optional_condition("an operator, \"..\", \",\", \"if\" or end of rule");
@@ -364,16 +390,21 @@ void Compiler::Parser::set_rule() {
     const auto type = static_cast<RETURN_TYPE>(row[PARAMETER_TYPE]);
     advance();
     expect(Token::ASSIGN, "\"=\"");
+    Rule_note& noted = note(SUGGESTION_SET);
+    noted.written = m_tables.key(target);
     if (type == STRING) {
         segment(Value_type::TEXT);
+        noted.text_length = text_length_of_segment();
     } else {
-        integer_segment(std::numeric_limits<int32_t>::min());
+        const std::optional<int32_t> number = integer_segment(std::numeric_limits<int32_t>::min());
+        note_numbers(noted, number, number);
     }
     optional_condition("an operator, \"if\" or end of rule");
 }
 
 void Compiler::Parser::warn_rule() {
     begin_rule(SUGGESTION_WARNING);
+    note_rule(SUGGESTION_WARNING);
     segment(Value_type::TEXT);
     optional_condition("an operator, \"if\" or end of rule");
 }
@@ -381,6 +412,7 @@ void Compiler::Parser::warn_rule() {
 void Compiler::Parser::access_rule() {
     advance();
     begin_rule(SUGGESTION_ACCESS);
+    note_rule(SUGGESTION_ACCESS);
     const std::pair<std::string_view, int> RIGHTS[] = {{"read-only", Data_entry::READ_ONLY},
                                                        {"read-write", Data_entry::READ_WRITE},
                                                        {"write-only", Data_entry::WRITE_ONLY}};
@@ -404,6 +436,26 @@ void Compiler::Parser::begin_rule(Suggestion_kind kind) {
     row[RULE_LINE] = m_rule_line;
     row[RULE_SOURCE] = static_cast<int>(m_rule_begin - m_source.data());
     row[RULE_FIRST_SEGMENT] = static_cast<int>(m_tables.segments.size());
+}
+
+// Of what begins with the current token.
+Rule_note& Compiler::Parser::note(Suggestion_kind kind) {
+    if (m_notes.empty()) {
+        m_notes.reserve(USUAL_NOTES);
+    }
+    const auto offset = static_cast<std::size_t>(place() - m_source.data());
+    return m_notes.emplace_back(Rule_note{kind, offset, {}, {}, {}});
+}
+
+void Compiler::Parser::note_rule(Suggestion_kind kind) {
+    note(kind).offset = static_cast<std::size_t>(m_rule_begin - m_source.data());
+}
+
+void Compiler::Parser::note_numbers(Rule_note& noted, std::optional<int32_t> low,
+                                    std::optional<int32_t> high) {
+    if (low && high) {
+        noted.numbers.emplace(std::min(*low, *high), std::max(*low, *high));
+    }
 }
 
 void Compiler::Parser::optional_condition(const char* expected_without) {
@@ -475,6 +527,19 @@ std::optional<int64_t> Compiler::Parser::constant_of_segment() const {
 
 // An integer of the device, which has 32 bits: a number that does not fit is a mistake. The number, when it
 // is known already.
+// The bytes of the last segment's value when it is a text without placeholders.
+std::optional<std::size_t> Compiler::Parser::text_length_of_segment() const {
+    const std::size_t count = m_tables.segments.size();
+    const int begin = count > 1 ? m_tables.segments[count - 2] : 0;
+    const std::size_t at = m_tables.code.size() - INSTRUCTION_SIZE;
+    if (m_tables.segments.back() != begin + 1 ||
+        static_cast<Operation>(m_tables.code[at]) != Operation::TEXT) {
+        return std::nullopt;
+    }
+    const auto text = static_cast<std::size_t>(m_tables.code[at + 1]) * REFERENCE_SIZE;
+    return static_cast<std::size_t>(m_tables.texts[text + 1]);
+}
+
 std::optional<int32_t> Compiler::Parser::integer_segment(int32_t least) {
     constexpr int32_t GREATEST = std::numeric_limits<int32_t>::max();
     const char* const begin = place();
@@ -1075,6 +1140,7 @@ Compile_result Compiler::compile(std::string_view source, const Compile_context&
         m_tables->clear();
         Parser(source, context, *m_tables, result).rules();
         result.list = m_tables->list(source);
+        result.parameters = m_tables->named_parameters();
     } catch (const Compile_error& error) {
         result = Compile_result();
         result.error = error;

@@ -133,17 +133,70 @@ TEST(Binding_list, OptionsAndTheTypeOfTheOwnValueAreKept) {
     EXPECT_EQ(language.program("warn value").own_type(), Value_type::TEXT);
 }
 
-TEST(Binding_list, RangesOfNumbersAreToldWhenTheyAreCompiled) {
-    Language language;
-    const Compile_result compiled = language.compile(
-        "range 5..2, 7..7, 0..[limit]; visible if 1; range -4..-1 if [mode]; range 1 + 1..3; "
-        "range -2147483648..2147483647; keys 1..2");
-    std::vector<std::pair<int, int>> intervals;
-    for (const Binding_interval& interval : compiled.intervals) {
-        intervals.emplace_back(interval.min, interval.max);
+std::string text_of(const Rule_note& note) {
+    std::string text = std::to_string(note.kind) + "@" + std::to_string(note.offset);
+    if (note.numbers) {
+        text +=
+            " " + std::to_string(note.numbers->first) + ".." + std::to_string(note.numbers->second);
     }
-    EXPECT_THAT(intervals, ElementsAre(std::pair(2, 5), std::pair(7, 7), std::pair(-4, -1),
-                                       std::pair(INT32_MIN, INT32_MAX)));
+    if (note.text_length) {
+        text += " " + std::to_string(*note.text_length) + " bytes";
+    }
+    return text;
+}
+
+std::vector<std::string> notes_of(const std::string& source) {
+    Language language;
+    const Compile_result compiled = language.compile(source);
+    EXPECT_TRUE(compiled.ok()) << compiled.error->text();
+    std::vector<std::string> notes;
+    for (const Rule_note& note : compiled.notes) {
+        notes.push_back(text_of(note));
+    }
+    return notes;
+}
+
+TEST(Binding_list, EachRangeAndItsNumbersAreNoted) {
+    EXPECT_THAT(
+        notes_of("range 5..2, 7..7, 0..[limit] if [mode]; range 1 + 1..3; "
+                 "range -2147483648..2147483647"),
+        ElementsAre("2@6 2..5", "2@12 7..7", "2@18", "2@46", "2@62 -2147483648..2147483647"));
+}
+
+TEST(Binding_list, EachKeyAndItsNumbersAreNoted) {
+    EXPECT_THAT(notes_of("keys 1, 4..2, [mode]..9, 3 if value"),
+                ElementsAre("4@5 1..1", "4@8 2..4", "4@14", "4@25 3..3"));
+}
+
+TEST(Binding_list, WhatIsWrittenIsNotedWithItsParameter) {
+    const std::string source =
+        "set [mode] = -3; set [title] = \"a \\\"b\\\"\"; set [title] = \"{[mode]}\"; set [9.3.1] = value";
+    EXPECT_THAT(notes_of(source), ElementsAre("8@13 -3..-3", "8@31 5 bytes", "8@56", "8@82"));
+    Language language;
+    const Compile_result compiled = language.compile(source);
+    EXPECT_EQ(compiled.notes[1].written.rt, STRING);
+    EXPECT_EQ(compiled.notes[3].written.var, 9U);
+    EXPECT_EQ(compiled.notes[3].written.index.m_index_num, 2U);
+    EXPECT_EQ(compiled.notes[3].written.index.m_index[0], 3);
+    EXPECT_EQ(compiled.notes[3].written.index.m_index[1], 1);
+}
+
+TEST(Binding_list, OtherRulesAreNotedWhereTheyBegin) {
+    EXPECT_THAT(notes_of("visible if 1; warn \"a\"\naccess read-only if [mode]"),
+                ElementsAre("1@0", "16@14", "32@23"));
+}
+
+TEST(Binding_list, ParametersAreToldWhereTheyAreFirstNamed) {
+    Language language;
+    const std::string source = "visible if [mode] + [9.1] > [mode]; set [7@s] = \"a\"";
+    std::vector<std::pair<uint32_t, std::string>> named;
+    for (const Named_parameter& parameter : language.compile(source).parameters) {
+        named.emplace_back(parameter.key.var, source.substr(parameter.offset, 4));
+    }
+    ASSERT_EQ(named.size(), 3U);
+    EXPECT_EQ(named[0].second, "mode");
+    EXPECT_EQ(named[1], std::pair(9U, std::string("9.1]")));
+    EXPECT_EQ(named[2], std::pair(7U, std::string("7@s]")));
 }
 
 TEST(Binding_list, AMovedProgramKeepsItsTexts) {

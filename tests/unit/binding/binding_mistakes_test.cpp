@@ -400,7 +400,8 @@ TEST(Binding_mistakes, NothingIsKeptOfARefusedText) {
     const Compile_result refused = language.compile("range 1..2; range 3..4 if 1; range");
     EXPECT_FALSE(refused.ok());
     EXPECT_TRUE(refused.list.empty());
-    EXPECT_TRUE(refused.intervals.empty());
+    EXPECT_TRUE(refused.notes.empty());
+    EXPECT_TRUE(refused.parameters.empty());
     EXPECT_TRUE(refused.warnings.empty());
     const BindingListT before = language.compile("range 1..2 if [gain]").list;
     language.compile("set [title] = \"{[limit]}\" if value in {1, (");

@@ -72,11 +72,84 @@ TEST(MenuRules, AMistakeOnALaterLineIsToldWithIt) {
     EXPECT_EQ(error_of(text).substr(0, place.size()), place);
 }
 
-TEST(MenuRules, WhatIsWrittenMustBeDeclared) {
-    const std::string text = with_rules(R"(set [99] = 1 if [label] == \"set [98] \")");
-    EXPECT_EQ(error_of(text), placed(text,
-                                     "menu.json: /menu/items/0/binding: the device has no "
-                                     "parameter [99]"));
+// What is told of rules of the first item, and the column at which it is within them.
+void expect_error(const std::string& item, const std::string& rules, size_t column,
+                  const std::string& message) {
+    const std::string text = with_items(item + R"(, "binding": ")" + rules + "\"}");
+    EXPECT_EQ(error_of(text), error_at(text, column, message)) << rules;
+}
+
+constexpr const char* GAIN = R"({"type": "range", "name": "Gain", "parameter": "input 1 gain")";
+constexpr const char* MODE = R"({"type": "enum", "name": "Mode", "parameter": "mode",
+    "choices": ["A", "B", "C"])";
+constexpr const char* LABEL = R"({"type": "text", "name": "Label", "parameter": "label")";
+constexpr const char* NODE = R"({"type": "node", "name": "Node",
+    "items": [{"type": "range", "name": "Mode", "parameter": "mode"}])";
+
+TEST(MenuRules, ParametersMustBeDeclared) {
+    expect_error(GAIN, R"(set [99] = 1 if [label] == \"set [98] \")", 6,
+                 "the device has no parameter 99 with this index");
+    expect_error(GAIN, "visible if [mode] and [6.2] > 1", 24,
+                 "the device has no parameter 6 with this index");
+    expect_error(GAIN, "visible if [6.257] == 1", 13,
+                 "the device has no parameter 6 with this index");
+    expect_error(GAIN, "visible if [7@i] > 1", 12, "parameter \"[7@i]\" is declared as a text");
+}
+
+TEST(MenuRules, RulesMustFitTheItem) {
+    expect_error(MODE, "visible if 1; range 0..1", 21, "\"range\" is for items of type \"range\"");
+    expect_error(LABEL, "range 0..[mode]", 7, "\"range\" is for items of type \"range\"");
+    expect_error(GAIN, "keys [mode]", 6, "\"keys\" is for items of type \"enum\"");
+    expect_error(LABEL, "keys 0", 6, "\"keys\" is for items of type \"enum\"");
+    expect_error(NODE, R"(warn \"a\")", 1, "\"warn\" is for items that have a value");
+    expect_error(NODE, "visible if 1; access read-only", 15,
+                 "\"access\" is for items that have a value");
+    EXPECT_EQ(error_of(with_items(
+                  std::string(NODE) +
+                  R"(, "binding": "visible if [mode]; set [mode] = 1 if [label] == \"a\""})")),
+              "");
+}
+
+TEST(MenuRules, KeysMustBeThoseOfChoices) {
+    expect_error(MODE, "keys 0, 3 if [label] == \\\"a\\\"", 9, "keys 3: the choices are 0..2");
+    expect_error(MODE, "keys 1..3", 6, "keys 1..3: the choices are 0..2");
+    EXPECT_EQ(error_of(with_items(std::string(MODE) + R"(, "binding": "keys 0..2"})")), "");
+}
+
+TEST(MenuRules, RangesMustHoldAValueOfTheItem) {
+    expect_error(GAIN, "range 0..1, 13..20", 13, "range 13..20 holds no value from -60 to 12");
+    expect_error(GAIN, "range -80..-61 if [mode]", 7,
+                 "range -80..-61 holds no value from -60 to 12");
+    expect_error(std::string(GAIN) + R"(, "min": 3)", "range -9..2", 7,
+                 "range -9..2 holds no value from 3 to 12");
+    EXPECT_EQ(error_of(with_rules("range -80..-60; range 12..20")), "");
+}
+
+TEST(MenuRules, WhatIsWrittenMustFitTheParameter) {
+    expect_error(GAIN, "set [mode] = 3", 14, "parameter 5 holds 0 to 2, not 3");
+    expect_error(GAIN, "set [mode] = -1 if value", 14, "parameter 5 holds 0 to 2, not -1");
+    expect_error(GAIN, R"(set [label] = \"123456789\")", 15,
+                 "parameter 7 holds texts of at most 8 characters, not 9");
+    EXPECT_EQ(error_of(with_rules(R"(set [mode] = 2; set [label] = \"12345678\"; )"
+                                  R"(set [label] = \"{value} and more\")")),
+              "");
+}
+
+TEST(MenuRules, AllThatDoesNotFitIsToldAtOnce) {
+    const std::string text =
+        with_items(std::string(MODE) + R"(, "binding": "keys 3; range 1..2\nset [mode] = 7"})");
+    const std::string place = placed(text, "menu.json: /menu/items/0/binding: ");
+    EXPECT_EQ(error_of(text), place + "line 1, column 6: keys 3: the choices are 0..2\n" + place +
+                                  "line 1, column 15: \"range\" is for items of type \"range\"\n" +
+                                  place + "line 2, column 14: parameter 5 holds 0 to 2, not 7");
+}
+
+TEST(MenuRules, ConditionsThatReadNothingAreWarnedOfWhereTheyStand) {
+    const std::string text = with_rules("visible if 5 == 1");
+    const Loaded_menu loaded = load_menu_text("menu.json", text);
+    ASSERT_EQ(loaded.warnings.size(), 1U);
+    const std::string place = error_at(text, 12, "warning: ");
+    EXPECT_EQ(loaded.warnings[0].substr(0, place.size()), place);
 }
 
 TEST(MenuRules, CirclesOfWritesAreErrorsAndThoseOfLimitsWarnings) {

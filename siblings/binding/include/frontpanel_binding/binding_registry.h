@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_binding/binding_report.h>
@@ -36,17 +37,31 @@ struct Compile_error {
     std::string text() const;  // "line 1, column 12: MESSAGE"
 };
 
-// A closed range, min <= max.
-struct Binding_interval {
-    std::int32_t min;
-    std::int32_t max;
+// What a rule says as far as it is plain in the text: for whoever knows the entry and the device. A rule has a note
+// for each of its ranges, or of its keys, and one otherwise.
+struct Rule_note {
+    Suggestion_kind kind;
+    std::size_t
+        offset;  // in the text, in bytes: of the range, the key or the written value; else of the rule
+    // The ends of a range or of a run of keys, low first, or twice the number that is written; none when they are
+    // not plain numbers.
+    std::optional<std::pair<std::int32_t, std::int32_t>> numbers;
+    std::optional<std::size_t>
+        text_length;      // of a written text, in bytes; none when it is no plain text
+    var_index_s written;  // of a rule that writes
+};
+
+// A parameter of a text, where it is first named.
+struct Named_parameter {
+    var_index_s key;
+    std::size_t offset;  // in the text, in bytes: of what stands in the brackets
 };
 
 // The list of a source text, or the error and an empty list.
 struct Compile_result {
     BindingListT list;
-    // Of the text's range rules, those that are plain numbers: for whoever knows the entry's bounds.
-    std::vector<Binding_interval> intervals;
+    std::vector<Rule_note> notes;             // in the order of the text
+    std::vector<Named_parameter> parameters;  // each once, read or written
     // What is right and surely not meant: conditions and comparisons that read nothing. One for a rule at most.
     std::vector<Compile_error> warnings;
     std::optional<Compile_error> error;
