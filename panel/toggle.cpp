@@ -43,6 +43,41 @@ std::vector<Name> names_of(const std::string& expression) {
     return names;
 }
 
+// A comma within parentheses stands between arguments.
+std::vector<std::string> statements_of(const std::string& expression) {
+    std::vector<std::string> statements(1);
+    int depth = 0;
+    for (const char c : expression) {
+        depth += c == '(' ? 1 : (c == ')' ? -1 : 0);
+        if (c == ';' || (c == ',' && depth == 0)) {
+            statements.emplace_back();
+        } else {
+            statements.back() += c;
+        }
+    }
+    const auto is_empty = [](const std::string& statement) {
+        return statement.find_first_not_of(" \t\n") == std::string::npos;
+    };
+    statements.erase(std::remove_if(statements.begin(), statements.end(), is_empty),
+                     statements.end());
+    return statements;
+}
+
+bool assigns_something(const std::string& expression) {
+    const std::vector<Name> names = names_of(expression);
+    return std::any_of(names.begin(), names.end(),
+                       [](const Name& name) { return name.is_assigned; });
+}
+
+// Of several statements only what they assign counts: a condition beside them would be asked in vain.
+void check_statements(const std::string& plain) {
+    const std::vector<std::string> statements = statements_of(plain);
+    if (statements.size() > 1 &&
+        !std::all_of(statements.begin(), statements.end(), assigns_something)) {
+        throw Toggle_error(0, "only one condition counts: join conditions by && or ||");
+    }
+}
+
 std::string address_of(const Parameter& parameter) {
     std::string address = std::to_string(parameter.pid);
     for (uint32_t level = 0; level < parameter.index.m_index_num; ++level) {
@@ -127,6 +162,7 @@ Toggle translate_toggle(const std::string& text,
     if (assigns && std::none_of(names.begin(), names.end(), is_result)) {
         throw Toggle_error(0, "a toggle yields its result in \"a\": write the condition alone");
     }
+    check_statements(plain);
     toggle.expression = (assigns ? "" : TOGGLE_RESULT + std::string("=")) +
                         with_brackets(text, [&](size_t offset, const std::string& name) {
                             const Parameter& found = number_of(find(name), offset, name);

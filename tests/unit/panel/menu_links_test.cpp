@@ -182,6 +182,11 @@ TEST(MenuLinks, AnErrorNamesPlaceAndExpectation) {
          "menu.json:7:115: a toggle yields its result in \"a\": write the condition alone"},
         {with_home(R"({"target": "first", "toggle": "B=2; a=[mute]==B"})"),
          "menu.json:7:115: a name sorts before \"a\", in which toggles yield their result"},
+        {with_home(R"({"target": "first", "toggle": "[mute]==1; [mute]==0"})"),
+         "menu.json:7:115: only one condition counts: join conditions by && or ||"},
+        {with_home(R"({"target": "first", "toggle": "a=1, [mute]==0"})"),
+         "menu.json:7:115: only one condition counts: join conditions by && or ||"},
+        {with_home(R"-({"target": "first", "toggle": "fmod([mute], 2)==1;"})-"), ""},
         {with_home(R"-({"target": "first", "toggle": "1/([mute])"})-"), ""},
     };
     for (const Error_case& expected : CASES) {
