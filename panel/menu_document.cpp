@@ -327,8 +327,12 @@ std::string Menu_document::replaced(const Json_node& text, const Scope& scope, b
 
 void Menu_document::include(const Json_node& node, const Scope& scope,
                             const std::function<void(const Json_node&)>& work) {
+    const Json_node* const written = directive(node, "include");
+    if (written == nullptr) {
+        return;  // callers ask first
+    }
     expect_members(node, {"include"});
-    Json_node name = *directive(node, "include");
+    Json_node name = *written;
     name.text = replaced(name, scope, false);
     in_file(name, work);
 }
