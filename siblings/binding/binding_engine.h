@@ -85,6 +85,10 @@ public:
     Data_entry::Entry_type entry_type() const { return m_entry_type; }
     std::string name() const;
     bool was_evaluated() const { return m_was_evaluated; }
+    // Whether rules tell which options an enumerated entry has.
+    bool limits_options() const {
+        return m_options != nullptr && (m_rule_kinds & SUGGESTION_KEYS) != 0;
+    }
     // Whether the entry is enumerated and was not told its allowed keys yet.
     bool has_new_options() const { return m_announces_keys && m_options != nullptr; }
     void report_cascade(const std::string& path);

@@ -169,16 +169,32 @@ void Cascade::run_round(Data_interface* iface, Binding_settlement& settlement) {
     }
 }
 
-// The refresh may end any engine, its own included.
+// A refresh leaves an option that is hidden: which are is told before, so that it leaves none that is allowed again.
+// Both steps may end any engine, this one included.
 void Cascade::refresh(Engine& engine, Data_interface* iface) {
     const uint64_t number = engine.cascade_state().number;
     Data_entry* const entry = engine.entry();
+    if (engine.limits_options()) {
+        engine.evaluate(true, false);
+        tell_options(number);
+    }
+    if (m_engines.count(number) == 0 || engine.entry() != entry) {
+        return;
+    }
     Data_entry::EntryTypeSpecificOperation(entry, iface, nullptr, true,
                                            Data_entry::OPERATION_REFRESH, nullptr);
-    if (m_engines.count(number) != 0 && engine.has_new_options()) {
-        static_cast<Enum_entry*>(entry)->updateControlOptionMap();
-        mark(engine);  // the next refresh leaves an option that has become hidden
+    if (tell_options(number)) {
+        mark(engine);
     }
+}
+
+bool Cascade::tell_options(uint64_t number) {
+    const auto found = m_engines.find(number);
+    if (found == m_engines.end() || !found->second->has_new_options()) {
+        return false;
+    }
+    static_cast<Enum_entry*>(found->second->entry())->updateControlOptionMap();
+    return true;
 }
 
 // From the engine back through what marked it, until one comes up again; told in the order of the writes.

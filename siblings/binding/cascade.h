@@ -68,6 +68,7 @@ private:
     bool is_within_turn() const;
     void end_commits();
     void refresh(Engine& engine, Data_interface* iface);
+    bool tell_options(uint64_t number);
     void run_round(Data_interface* iface, Binding_settlement& settlement);
     std::string circle_of(const Engine& engine) const;
 

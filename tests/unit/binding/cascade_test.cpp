@@ -140,6 +140,21 @@ TEST_F(Cascade_test, OptionsFollowARefreshThatLeftThem) {
     EXPECT_FALSE(registry->has_unsettled());
 }
 
+// Its old keys would let it leave the value.
+TEST_F(Cascade_test, AKeyThatIsAllowedAgainIsNotLeft) {
+    Option_entry source("Source", 100, no_level);
+    bind(source, "keys 0 if [101] == 1");
+    device.set_integer(101, 0, 1);
+    refresh(source, &cache);
+    EXPECT_TRUE(turn().at_rest);
+    EXPECT_THAT(source.shown(), ElementsAre(0));
+    device.set_integer(100, 0, 2);
+    device.set_integer(101, 0, 0);
+    EXPECT_TRUE(turn().at_rest);
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+    EXPECT_EQ(device.integer(100, 0), 2);
+}
+
 TEST_F(Cascade_test, WritesDoNotWaitUntilTheirEntryIsShown) {
     std::vector<std::string> log;
     Logged_leaf gain("Gain", log);
