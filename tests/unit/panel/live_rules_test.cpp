@@ -263,6 +263,36 @@ TEST(LiveRules, APreviewCascadesWithEachStep) {
               "");
 }
 
+TEST(LiveRules, AWarnedValueIsWrittenWhenItIsAcceptedAndNotBefore) {
+    EXPECT_EQ(differences(R"(
+        {"type": "range", "name": "Gain", "parameter": "gain",
+         "binding": "warn \"{value} of {[limit]}\" if value > 3; set [title] = \"loud\" if value > 3"},
+        {"type": "text", "name": "Title", "parameter": "title"})",
+                          R"(
+        select
+        up
+        select
+        expect 1 |Gain*ok?|
+        expect 2 |4 of 60             |
+        back
+        expect 2 |4                   |
+        select
+        expect 1 |Gain*ok?|
+        expect-no-write
+        select
+        expect-write 6.1 4
+        expect-write 10 loud
+        expect-no-write
+        expect 2 |>Gain*4|
+        expect 3 | Title*loud|
+        select
+        down
+        select
+        expect-write 6.1 3
+        expect-no-write)"),
+              "");
+}
+
 // --- what the device is asked for
 
 TEST(LiveRules, ATickAsksForWhatRulesReadAndWhatIsShown) {
