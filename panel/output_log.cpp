@@ -73,8 +73,11 @@ Output_log::Output_log(const std::string& file)
     std::fflush(stdout);
     dup2(log, STDOUT_FILENO);
     close(log);
-    // A log that is read after a crash must be complete.
-    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    // A log that is read after a crash must be complete, and in order with what commands print. With a buffer of
+    // its own the stream begins afresh: one that was written to before would keep single characters, line ends
+    // among them, until its old buffer is full.
+    static char buffer[BUFSIZ];
+    std::setvbuf(stdout, buffer, _IOLBF, sizeof buffer);
     listening_lines = &m_lines;
     debug_listener = [](uint32_t mask) { listening_lines->begin(mask); };
 }
