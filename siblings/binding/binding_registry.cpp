@@ -67,8 +67,8 @@ std::optional<return_s> Binding_registry::value(const var_index_s& key) const {
     return value;
 }
 
-const std::vector<var_index_s>& Binding_registry::poll() {
-    return m_core->parameters.poll();
+const std::vector<var_index_s>& Binding_registry::poll(std::size_t at_most) {
+    return m_core->parameters.poll(at_most);
 }
 
 bool Binding_registry::has_unsettled() const {

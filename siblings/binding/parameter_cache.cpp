@@ -227,14 +227,17 @@ int Parameter_cache::read(Cached_parameter& parameter) {
     return 0;
 }
 
-const std::vector<var_index_s>& Parameter_cache::poll() {
+const std::vector<var_index_s>& Parameter_cache::poll(std::size_t at_most) {
     m_changed.clear();
     begin_evaluation();
     m_is_polling = true;
     // By number: a callback of the device may take parameters off the list.
-    for (std::size_t i = 0; i < m_polled.size(); ++i) {
-        m_polled[i]->read_in = m_evaluation;
-        read(*m_polled[i]);
+    const std::size_t count = std::min(at_most, m_polled.size());
+    for (std::size_t i = 0; i < count && !m_polled.empty(); ++i) {
+        m_next_polled = m_next_polled < m_polled.size() ? m_next_polled : 0;
+        Cached_parameter& parameter = *m_polled[m_next_polled++];
+        parameter.read_in = m_evaluation;
+        read(parameter);
     }
     m_is_polling = false;
     return m_changed;

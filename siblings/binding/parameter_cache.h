@@ -85,9 +85,9 @@ public:
     void begin_evaluation() { ++m_evaluation; }
     // Whether `parameter` holds what the device holds, asking the device unless that is known.
     bool bring_up_to_date(Cached_parameter& parameter);
-    // Asks the device for every parameter that somebody reads or watches. The keys of those that changed are
+    // Asks the device for parameters that somebody reads or watches, in turns. The keys of those that changed are
     // valid until the next poll.
-    const std::vector<var_index_s>& poll();
+    const std::vector<var_index_s>& poll(std::size_t at_most);
 
     // Reports of accesses by others. `length` is the size of the buffer for a read.
     void keep_read(uint32_t pid, uint32_t varidx, const void* buffer, std::size_t length);
@@ -118,6 +118,7 @@ private:
     var_index_map_t m_map;
     std::unordered_map<uint64_t, Variable> m_variables;
     std::vector<Cached_parameter*> m_polled;
+    std::size_t m_next_polled = 0;
     std::vector<var_index_s> m_changed;  // in the last poll
     bool m_is_polling = false;
     uint64_t m_evaluation = 1;

@@ -155,6 +155,29 @@ TEST_F(Cascade_test, AKeyThatIsAllowedAgainIsNotLeft) {
     EXPECT_EQ(device.integer(100, 0), 2);
 }
 
+TEST_F(Cascade_test, APollWithALimitGoesOnWhereTheLastOneEnded) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "visible if [100] + [101] + [102] == 0");
+    refresh(gain, &cache);
+    for (unsigned int pid = 100; pid < 103; ++pid) {
+        device.set_integer(pid, 0, 5);
+    }
+    const auto changed = [&](std::size_t at_most) {
+        std::vector<uint32_t> pids;
+        for (const var_index_s& key : registry->poll(at_most)) {
+            pids.push_back(key.var);
+        }
+        return pids;
+    };
+    EXPECT_THAT(changed(0), IsEmpty());
+    EXPECT_THAT(changed(2), ElementsAre(100, 101));
+    device.set_integer(100, 0, 6);
+    EXPECT_THAT(changed(2), ElementsAre(102, 100));
+    device.set_integer(101, 0, 6);
+    EXPECT_THAT(changed(9), ElementsAre(101)) << "each once";
+}
+
 TEST_F(Cascade_test, WritesDoNotWaitUntilTheirEntryIsShown) {
     std::vector<std::string> log;
     Logged_leaf gain("Gain", log);

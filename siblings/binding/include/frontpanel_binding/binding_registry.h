@@ -114,7 +114,8 @@ public:
     // Asks the device for every parameter that a rule reads or somebody watches, once each. Returns a key for
     // each that changed, or can be read again after a failure; valid until the next call. What depends on them
     // waits for `settle`.
-    const std::vector<var_index_s>& poll();
+    // With a limit, each call goes on where the last one ended, so that it costs no more in a large menu.
+    const std::vector<var_index_s>& poll(std::size_t at_most = SIZE_MAX);
     // Whether `settle` has something to do.
     bool has_unsettled() const;
     // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last
