@@ -1,4 +1,4 @@
-// The panel as a person has it: the application on a terminal, with a menu of 10,000 entries.
+// The panel as a person has it: the application on a terminal, with a menu of 10,000 entries, each with a rule.
 //
 // Key_to_frame is the time from a key on the terminal until the frame that it makes has arrived there; max_ms is
 // the longest of them. Rest tells how much of one core the panel takes while nobody touches it.
@@ -27,10 +27,12 @@ constexpr int LEAVES = 999;  // of a submenu: with the submenus 10,000 entries
 constexpr const char* DOWN = "\x1bOB";
 constexpr const char* UP = "\x1bOA";
 
+// Each follows a parameter of its own, which the panel asks for at rest.
 std::string leaf(int number) {
     const std::string text = std::to_string(number);
     return R"({"type": "range", "name": "Gain )" + text + R"(", "pid": )" + text +
-           R"(, "value_format": "v/10", "format": "%.1f dB"})";
+           R"(, "value_format": "v/10", "format": "%.1f dB", "binding": "visible if [)" +
+           std::to_string(number % (SUBMENUS * LEAVES) + 1) + R"(] <= 120"})";
 }
 
 void write_menu(const std::string& file) {

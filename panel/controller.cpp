@@ -1,5 +1,6 @@
 #include "controller.h"
 
+#include <cstdint>
 #include <cstdio>
 
 #include "entry_access.h"
@@ -7,6 +8,8 @@
 namespace panel {
 namespace {
 
+constexpr size_t MOST_POLLED =
+    1000;  // parameters in a tick: what they cost is spread in a large menu
 constexpr const char* HIDDEN = "hidden: edit ended";
 
 }  // namespace
@@ -16,7 +19,7 @@ Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size siz
       m_size(size),
       m_navigation(root, device, m_notices),
       m_editing(device, m_notices, [this](const Data_entry* /*target*/) { editor_closed(); }) {
-    m_device.poll();
+    m_device.poll(SIZE_MAX);
     settle();
     m_navigation.refresh();
 }
@@ -111,7 +114,7 @@ void Controller::tick() {
     if (!is_free()) {
         return;
     }
-    m_device.poll();
+    m_device.poll(MOST_POLLED);
     settle();
     if (m_editing.is_open()) {
         follow_edited();

@@ -23,7 +23,7 @@ Device_link link_to(Menu& menu) {
     const auto is_loopback = [](const std::string& address) {
         return address.rfind("127.", 0) == 0;
     };
-    const auto poll = [&menu] { menu.bindings()->poll(); };
+    const auto poll = [&menu](size_t at_most) { menu.bindings()->poll(at_most); };
     const auto settle = [&menu] { return menu.bindings()->settle(); };
     return {menu.access(), read_failed, is_loopback, can_post, poll, settle};
 }

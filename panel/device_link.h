@@ -5,6 +5,7 @@
 #include <frontpanel_binding/binding_report.h>
 #include <frontpanel_data/data_entry.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -19,8 +20,8 @@ struct Device_link {
     std::function<bool(const std::string&)> may_probe;
     // Whether a choice can be posted to a card. The entry's own commit cannot tell.
     std::function<bool()> may_post;
-    // Asks the device for what the rules of the menu depend on.
-    std::function<void()> poll;
+    // Asks the device for what the rules of the menu depend on: for so many parameters, in turns.
+    std::function<void(std::size_t)> poll;
     // Brings every entry up to date with what was read and written since.
     std::function<Binding_settlement()> settle;
 };

@@ -321,6 +321,36 @@ TEST(LiveRules, ATickAsksForWhatRulesReadAndWhatIsShown) {
     panel.device().set_fault(nullptr);
 }
 
+TEST(LiveRules, ATickAsksForTheMostOfALargeMenuInTurns) {
+    std::string parameters = R"({"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 1})";
+    std::string menus;
+    for (int menu = 0; menu < 3; ++menu) {
+        std::string items;
+        for (int pid = 1000 + menu * 1000; pid < 1800 + menu * 1000; ++pid) {
+            const std::string number = std::to_string(pid);
+            parameters +=
+                R"(,{"pid": )" + number + R"(, "type": "integer", "min": 0, "max": 9, "value": 1})";
+            items += R"({"type": "range", "name": "R", "pid": 1, "binding": "visible if [)" +
+                     number + R"(] == 1"},)";
+        }
+        items.pop_back();
+        menus += R"({"type": "node", "name": "N", "items": [)" + items + "]},";
+    }
+    Panel panel(menu_text(parameters, menus + R"({"type": "range", "name": "One", "pid": 1})"));
+    std::set<uint32_t> reads;
+    panel.device().set_fault([&reads](const Memory_device::Operation& operation) {
+        reads.insert(operation.pid);
+        return 0;
+    });
+    std::vector<size_t> asked;
+    for (int i = 0; i < 3; ++i) {
+        panel.tick();
+        asked.push_back(reads.size());
+    }
+    EXPECT_EQ(asked, (std::vector<size_t>{1001, 2001, 2401}));
+    panel.device().set_fault(nullptr);
+}
+
 TEST(LiveRules, SlotListsSelectSocketsBehindTheRules) {
     Panel panel(R"({"device": {"parameters": [
         {"pid": 7, "type": "integer", "min": 0, "max": 9, "value": 1}], "products": [
