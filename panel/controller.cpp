@@ -52,8 +52,19 @@ Key Controller::turned(const Key& key) const {
     return {key.kind == Key::UP ? Key::DOWN : Key::UP};
 }
 
+// Also of what is told or asked meanwhile: an arrow that moves a cursor accepts and discards nothing there.
+Key_place Controller::place() const {
+    if (m_log && m_log->is_open()) {
+        return m_log->is_list() ? Key_place::LIST : Key_place::CURSOR;
+    }
+    if (!m_editing.is_changing()) {
+        return Key_place::LIST;
+    }
+    return m_editing.is_changing_text() ? Key_place::TEXT : Key_place::CURSOR;
+}
+
 void Controller::press(const Key& pressed) {
-    const Key key = turned(pressed);
+    const Key key = meant_key(turned(pressed), place());
     m_key = key.kind;
     if (m_log && m_log->is_open()) {
         m_log->press(key.kind);

@@ -14,6 +14,7 @@
 #include "device_link.h"
 #include "editing.h"
 #include "key.h"
+#include "key_place.h"
 #include "lcd.h"
 #include "log_view.h"
 #include "message_queue.h"
@@ -63,6 +64,7 @@ public:
 private:
     static constexpr Key::Kind NO_KEY = Key::SHORTCUT;  // one that ends no editing
 
+    Key_place place() const;
     void press_in_menu(const Key& key);
     bool is_free() const;
     bool settle();

@@ -40,6 +40,9 @@ std::optional<Editor_key> editor_key_of(Key::Kind kind) {
             return Editor_key::DELETE;
         case Key::SHORTCUT:
         case Key::DIAGNOSTICS:
+        case Key::LEFT:  // meant as other keys wherever they are pressed
+        case Key::RIGHT:
+        case Key::ERASE:
             break;
     }
     return std::nullopt;

@@ -45,6 +45,10 @@ public:
     bool is_open() const { return m_editor != nullptr; }
     // Whether an editor is open that changes its value.
     bool is_changing() const { return is_open() && m_editor->can_change(); }
+    // Whether that value is a text.
+    bool is_changing_text() const {
+        return is_changing() && entry().Get_entry_type() == Data_entry::STRING_LEAF;
+    }
     // The entry of the open editor.
     Data_entry& entry() const { return *m_editor->entry(); }
     // Hands a key to the open editor. A shortcut does nothing: a jump would drop the edited value unasked.

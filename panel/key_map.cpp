@@ -20,6 +20,7 @@ struct Key_word {
 constexpr Key_word KEY_WORDS[] = {
     {"up", Key::UP},         {"down", Key::DOWN},       {"select", Key::SELECT},
     {"back", Key::BACK},     {"coarser", Key::COARSER}, {"finer", Key::FINER},
+    {"left", Key::LEFT},     {"right", Key::RIGHT},     {"erase", Key::ERASE},
     {"insert", Key::INSERT}, {"delete", Key::DELETE},   {"diagnostics", Key::DIAGNOSTICS},
 };
 
@@ -51,7 +52,8 @@ void add_key(Key_map& keys, const std::string& assignment) {
         middle == std::string::npos ? std::nullopt : key_of(assignment.substr(middle + 1));
     if (!key || !is_name(name)) {
         throw Input_error(
-            "expected KEY=up, down, select, back, coarser, finer, insert, delete, diagnostics or 1 to 99, found \"" +
+            "expected KEY=up, down, left, right, select, back, coarser, finer, insert, delete, erase, diagnostics or "
+            "1 to 99, found \"" +
             assignment + "\"");
     }
     if (!keys.insert({name, *key}).second) {
@@ -61,9 +63,9 @@ void add_key(Key_map& keys, const std::string& assignment) {
 
 }  // namespace
 
-// A pad of six keys can do all of an editor: left and right move its cursor.
+// A pad of six keys can do all of an editor: left and right move its cursor there.
 Key_map usual_keys() {
-    return parse_key_map("Up=up,Down=down,Enter=select,Escape=back,Left=coarser,Right=finer");
+    return parse_key_map("Up=up,Down=down,Enter=select,Escape=back,Left=left,Right=right");
 }
 
 Key_map parse_key_map(const std::string& text) {

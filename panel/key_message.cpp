@@ -19,6 +19,9 @@ constexpr unsigned char FINER_CODE = 15;
 constexpr unsigned char INSERT_CODE = 16;
 constexpr unsigned char DELETE_CODE = 17;
 constexpr unsigned char DIAGNOSTICS_CODE = 18;
+constexpr unsigned char LEFT_CODE = 19;
+constexpr unsigned char RIGHT_CODE = 20;
+constexpr unsigned char ERASE_CODE = 21;
 
 Message_pointer shaft_message(int8_t steps) {
     auto message = std::make_unique<PayloadMessage>(static_cast<unsigned short>(sizeof steps));
@@ -76,6 +79,12 @@ std::optional<Key::Kind> key_of_code(unsigned char code) {
             return Key::DELETE;
         case DIAGNOSTICS_CODE:
             return Key::DIAGNOSTICS;
+        case LEFT_CODE:
+            return Key::LEFT;
+        case RIGHT_CODE:
+            return Key::RIGHT;
+        case ERASE_CODE:
+            return Key::ERASE;
         default:
             return std::nullopt;
     }
@@ -110,6 +119,12 @@ Message_pointer message_of(const Key& key) {
             return button_message(DELETE_CODE);
         case Key::DIAGNOSTICS:
             return button_message(DIAGNOSTICS_CODE);
+        case Key::LEFT:
+            return button_message(LEFT_CODE);
+        case Key::RIGHT:
+            return button_message(RIGHT_CODE);
+        case Key::ERASE:
+            return button_message(ERASE_CODE);
         case Key::SHORTCUT:
             return shortcut_message(key.button);
     }

@@ -7,6 +7,8 @@
 // | coarser, finer   | PushButtonUIT   | 2, 0, 1, 14 or 15                                           |
 // | insert, delete   | PushButtonUIT   | 2, 0, 1, 16 or 17                                           |
 // | diagnostics      | PushButtonUIT   | 2, 0, 1, 18                                                 |
+// | left, right      | PushButtonUIT   | 2, 0, 1, 19 or 20                                           |
+// | erase            | PushButtonUIT   | 2, 0, 1, 21                                                 |
 // | a shortcut       | PushButtonUIT   | the button's number in one byte, 0 to 254                   |
 // | nothing          | UserInputTimeoutT, none; or PushButtonUIT, the byte 255                       |
 #ifndef FRONTPANEL_PANEL_KEY_MESSAGE_H

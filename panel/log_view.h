@@ -29,6 +29,8 @@ public:
     void open(const std::string& entry);
     void close() { m_is_open = false; }
     bool is_open() const { return m_is_open; }
+    // Whether the list is in front of the lines.
+    bool is_list() const { return m_is_list; }
     // To the open view.
     void press(Key::Kind key);
     // Draws the open view with what was printed by now.

@@ -119,6 +119,18 @@ void read_back(Line& line, Step& step) {
     read_press(line, step, Key::BACK);
 }
 
+void read_left(Line& line, Step& step) {
+    read_press(line, step, Key::LEFT);
+}
+
+void read_right(Line& line, Step& step) {
+    read_press(line, step, Key::RIGHT);
+}
+
+void read_erase(Line& line, Step& step) {
+    read_press(line, step, Key::ERASE);
+}
+
 void read_coarser(Line& line, Step& step) {
     read_press(line, step, Key::COARSER);
 }
@@ -225,6 +237,9 @@ constexpr Word WORDS[] = {{"up", read_up},
                           {"down", read_down},
                           {"select", read_select},
                           {"back", read_back},
+                          {"left", read_left},
+                          {"right", read_right},
+                          {"erase", read_erase},
                           {"coarser", read_coarser},
                           {"finer", read_finer},
                           {"insert", read_insert},

@@ -1,6 +1,7 @@
 #include "session.h"
 
 #include "key_message.h"
+#include "key_place.h"
 
 namespace panel {
 
@@ -31,7 +32,8 @@ void Session::press_on_lock(const Key& key, Time now) {
         m_lock->ask(now);
         return;
     }
-    switch (m_lock->press(m_controller.turned(key), now)) {
+    const Key meant = meant_key(m_controller.turned(key), Key_place::LIST);
+    switch (m_lock->press(meant, now)) {
         case Pin_lock::Result::ASKING:
             break;
         case Pin_lock::Result::OPEN:

@@ -19,13 +19,12 @@ constexpr int BORDER = 1;
 constexpr int LED_ROWS = 1;
 constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the rest of an arrow key
 constexpr int ESCAPE = 27;
+constexpr int DELETE_CHARACTER = 127;  // what most terminals send for Backspace
 constexpr int LAST_FUNCTION_KEY = 12;
 
 constexpr const char* LEGEND[] = {
-    "Up / Down      move, change a value",
-    "Enter / Right  open, edit, accept",
-    "Esc / Left     back, discard",
-    "+ / -          step size; cursor in texts",
+    "Up / Down      move, change a value",         "Enter / Esc    open, accept / back, discard",
+    "Left / Right   back, open; cursor in values", "+ / -          larger, smaller step",
     "1-9, F1-F12    shortcuts   d log     q quit",
 };
 
@@ -93,12 +92,14 @@ std::optional<Front_event> event_of(int code) {
             return key(Key::UP);
         case KEY_DOWN:
             return key(Key::DOWN);
+        case KEY_LEFT:
+            return key(Key::LEFT);
         case KEY_RIGHT:
+            return key(Key::RIGHT);
         case KEY_ENTER:
         case '\r':
         case '\n':
             return key(Key::SELECT);
-        case KEY_LEFT:
         case ESCAPE:
             return key(Key::BACK);
         case '+':
@@ -108,8 +109,11 @@ std::optional<Front_event> event_of(int code) {
         case KEY_IC:
             return key(Key::INSERT);
         case KEY_DC:
-        case KEY_BACKSPACE:
             return key(Key::DELETE);
+        case KEY_BACKSPACE:
+        case DELETE_CHARACTER:
+        case '\b':
+            return key(Key::ERASE);
         case 'd':
         case 'D':
             return key(Key::DIAGNOSTICS);

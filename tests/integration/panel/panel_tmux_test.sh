@@ -70,9 +70,9 @@ press() {
         up) key=Up ;;
         down) key=Down ;;
         select) key=Enter ;;
-        back) key=Left ;;
-        coarser) key=+ ;;
-        finer) key=- ;;
+        back) key=BSpace ;; # Escape would become part of the next key
+        coarser) key=Left ;;
+        finer) key=Right ;;
         shortcut) key=$2 count=1 ;;
     esac
     terminal send-keys -N "$count" "$key"
@@ -121,7 +121,7 @@ terminal new -d -x 80 -y 24 -c "$FOLDER" "bash --norc --noprofile"
 
 start tour
 play_tour
-terminal send-keys Left Left
+terminal send-keys BSpace BSpace
 terminal send-keys q
 ended tour 0
 
@@ -143,7 +143,7 @@ else
 fi
 terminal send-keys Down Enter Up Up
 wait_for "the lines of a tree are not offered" shows_line 2 "[*][*]Camera 1          "
-terminal send-keys Left q
+terminal send-keys BSpace q
 ended cards 0
 
 # A warning is in its list while its cause lasts, and any key acknowledges it.
@@ -158,10 +158,19 @@ wait_for "a warning is not acknowledged" shows_line 1 ">Warning*"
 terminal send-keys q
 ended warning 0
 
-# Escape leaves as the left arrow does, and the right arrow selects as Enter does.
+# In a menu the arrows leave and select as Escape and Enter do; in an editor they move the cursor.
 start keys
 terminal send-keys Right
 wait_for "the right arrow does not open the menu" shows_line 1 ">Audio           ..."
+terminal send-keys Right
+wait_for "the right arrow does not select" shows_line 1 ">Gain 1       0.0 dB"
+terminal send-keys Right Left Up Right Up
+wait_for "the arrows do not move between digits" shows_line 2 "1.1 dB              "
+wait_for "the arrows end the editor" shows_leds edit
+terminal send-keys Escape
+wait_for "escape does not discard" shows_line 1 ">Gain 1       0.0 dB"
+terminal send-keys Left
+wait_for "the left arrow does not leave" shows_line 1 ">Audio           ..."
 terminal send-keys Right
 wait_for "the right arrow does not select" shows_line 1 ">Gain 1       0.0 dB"
 terminal send-keys Escape

@@ -23,13 +23,14 @@ TEST(KeyMap, TheUsualSixKeysReachEveryPlaceOfAValue) {
     EXPECT_EQ(keys.at("Down").kind, Key::DOWN);
     EXPECT_EQ(keys.at("Enter").kind, Key::SELECT);
     EXPECT_EQ(keys.at("Escape").kind, Key::BACK);
-    EXPECT_EQ(keys.at("Left").kind, Key::COARSER);
-    EXPECT_EQ(keys.at("Right").kind, Key::FINER);
+    EXPECT_EQ(keys.at("Left").kind, Key::LEFT);
+    EXPECT_EQ(keys.at("Right").kind, Key::RIGHT);
 }
 
 TEST(KeyMap, KeysAreWhatTheTextSays) {
-    const Key_map keys = parse_key_map("A=select,+=coarser,-=finer,F1=1,Z=99,==back");
-    ASSERT_EQ(keys.size(), 6U);
+    const Key_map keys =
+        parse_key_map("A=select,+=coarser,-=finer,F1=1,Z=99,==back,<=left,>=right,X=erase");
+    ASSERT_EQ(keys.size(), 9U);
     EXPECT_EQ(keys.at("A").kind, Key::SELECT);
     EXPECT_EQ(keys.at("+").kind, Key::COARSER);
     EXPECT_EQ(keys.at("-").kind, Key::FINER);
@@ -37,6 +38,9 @@ TEST(KeyMap, KeysAreWhatTheTextSays) {
     EXPECT_EQ(keys.at("F1").button, 1);
     EXPECT_EQ(keys.at("Z").button, 99);
     EXPECT_EQ(keys.at("=").kind, Key::BACK);
+    EXPECT_EQ(keys.at("<").kind, Key::LEFT);
+    EXPECT_EQ(keys.at(">").kind, Key::RIGHT);
+    EXPECT_EQ(keys.at("X").kind, Key::ERASE);
 }
 
 TEST(KeyMap, WhatIsNoMapIsTold) {

@@ -53,6 +53,9 @@ const std::vector<Row> KEYS = {
     {{Key::INSERT}, FrontPanel::PushButtonUIT, {2, 0, 1, 16}},
     {{Key::DELETE}, FrontPanel::PushButtonUIT, {2, 0, 1, 17}},
     {{Key::DIAGNOSTICS}, FrontPanel::PushButtonUIT, {2, 0, 1, 18}},
+    {{Key::LEFT}, FrontPanel::PushButtonUIT, {2, 0, 1, 19}},
+    {{Key::RIGHT}, FrontPanel::PushButtonUIT, {2, 0, 1, 20}},
+    {{Key::ERASE}, FrontPanel::PushButtonUIT, {2, 0, 1, 21}},
     {{Key::SHORTCUT, 0}, FrontPanel::PushButtonUIT, {0}},
     {{Key::SHORTCUT, 1}, FrontPanel::PushButtonUIT, {1}},
     {{Key::SHORTCUT, 99}, FrontPanel::PushButtonUIT, {99}},
@@ -113,7 +116,7 @@ TEST(KeyMessage, ThatIsUnknownOrDamagedStandsForNothing) {
     lost_code.length = 4;
     std::vector<Message_pointer> built;
     for (const Bytes& bytes : {Bytes{2, 0}, Bytes{2, 0, 1}, Bytes{2, 0, 1, 10}, Bytes{2, 0, 1, 12},
-                               Bytes{2, 0, 1, 19}, Bytes{2, 0, 1, 255}, Bytes{2, 0, 0, 11},
+                               Bytes{2, 0, 1, 22}, Bytes{2, 0, 1, 255}, Bytes{2, 0, 0, 11},
                                Bytes{2, 1, 1, 11}, Bytes{0, 0, 1, 11}, Bytes{2, 0, 1, 11, 0}}) {
         built.push_back(message_with(FrontPanel::PushButtonUIT, bytes));
     }

@@ -108,6 +108,23 @@ TEST_F(LogView, LongLinesAreMovedThroughToTheirEnd) {
     EXPECT_EQ(m_frames[3][0], "abcdefghijklmnop    ");
 }
 
+TEST_F(LogView, ArrowsMoveAlongTheLinesAndThroughTheList) {
+    with_log([this](Panel& panel) {
+        print(0x3, "0123456789abcdefghijklmnop");
+        panel.press(Key::DIAGNOSTICS);
+        for (const Key::Kind key : {Key::RIGHT, Key::LEFT, Key::SELECT, Key::RIGHT, Key::LEFT}) {
+            m_frames.push_back(panel.press(key).lines());
+        }
+        m_frames.push_back(panel.press(Key::ERASE).lines());
+    });
+    EXPECT_EQ(m_frames[0][0], "abcdefghijklmnop    ");
+    EXPECT_EQ(m_frames[1][0], "0123456789abcdefghij");
+    EXPECT_EQ(m_frames[2][0], ">show      all kinds");
+    EXPECT_EQ(m_frames[3][0], ">show        general");
+    EXPECT_EQ(m_frames[4][0], "0123456789abcdefghij");
+    EXPECT_EQ(m_frames[5][0], ">Gain             50");
+}
+
 TEST_F(LogView, SaysThatNothingWasPrinted) {
     with_log([this](Panel& panel) { m_frames.push_back(panel.press(Key::DIAGNOSTICS).lines()); });
     EXPECT_EQ(m_frames[0], (Lines{"(no output)         ", "                    "}));

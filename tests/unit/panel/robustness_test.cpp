@@ -19,7 +19,8 @@ std::string shipped_menu_text() {
 
 Key random_key(Random& random) {
     constexpr Key::Kind KINDS[] = {Key::UP,   Key::DOWN,    Key::DOWN,  Key::SELECT,
-                                   Key::BACK, Key::COARSER, Key::FINER, Key::SHORTCUT};
+                                   Key::BACK, Key::COARSER, Key::FINER, Key::SHORTCUT,
+                                   Key::LEFT, Key::RIGHT,   Key::ERASE};
     return {KINDS[below(random, std::size(KINDS))], static_cast<int>(below(random, 10))};
 }
 

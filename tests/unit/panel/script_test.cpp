@@ -26,6 +26,7 @@ TEST(Script, EachKeyHasItsWord) {
     const std::pair<const char*, Key::Kind> KEYS[] = {
         {"up", Key::UP},         {"down", Key::DOWN},       {"select", Key::SELECT},
         {"back", Key::BACK},     {"coarser", Key::COARSER}, {"finer", Key::FINER},
+        {"left", Key::LEFT},     {"right", Key::RIGHT},     {"erase", Key::ERASE},
         {"insert", Key::INSERT}, {"delete", Key::DELETE}};
     for (const auto& [word, kind] : KEYS) {
         const Step once = only_step(word);

@@ -160,6 +160,21 @@ TEST_F(Session_test, WhatFailedIsStillThereForWhoeverComesBack) {
     EXPECT_EQ(lines(), HOME);
 }
 
+TEST_F(Locked_session_test, ArrowsTakeADigitAndGoBackToTheOneBefore) {
+    wait(seconds(60));
+    press(Key::RIGHT);
+    press(Key::UP, 3);
+    press(Key::RIGHT);
+    EXPECT_EQ(lines()[1], "PIN *0__           ");
+    press(Key::LEFT);
+    EXPECT_EQ(lines()[1], "PIN 3___           ");
+    press(Key::SELECT);
+    press(Key::ERASE);
+    EXPECT_EQ(lines()[1], "PIN 3___           ");
+    press(Key::LEFT);
+    EXPECT_TRUE(session.draw(now).dim);
+}
+
 TEST_F(Locked_session_test, APanelThatDimsLocks) {
     wait(seconds(60));
     EXPECT_TRUE(session.is_locked());
