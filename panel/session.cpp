@@ -10,6 +10,8 @@ Session::Session(Controller& controller, Data_interface& device, std::optional<s
     : m_controller(controller), m_device(device), m_last_key(now) {
     if (pin) {
         m_lock.emplace(std::move(*pin));
+        m_device.lock_and_dim = 1;
+        rest();
     }
 }
 

@@ -21,7 +21,8 @@ namespace panel {
 
 class Session {
 public:
-    // `pin` locks the panel whenever it dims; without one it only dims. Controller and device outlive the session.
+    // `pin` locks the panel whenever it dims, and from the start: cutting the power must not open it. Without one
+    // it only dims. Controller and device outlive the session.
     Session(Controller& controller, Data_interface& device, std::optional<std::string> pin,
             Time now);
 

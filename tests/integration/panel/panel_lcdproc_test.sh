@@ -187,7 +187,7 @@ press 5
 expect "a shortcut" "Audio" ">Gain 1" " Mute 1" " Gain 2"
 stop_panel HUP 129
 
-# A menu's texts with quotes, braces and backslashes arrive as they are; a locked panel asks for its PIN.
+# A menu's texts with quotes, braces and backslashes arrive as they are; a panel with a PIN asks for it from the start on.
 cat >"$FOLDER/quotes.json" <<'END'
 {"device": {"parameters": [{"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5}]},
  "menu": {"name": "a \"b\" \\c", "items": [
@@ -197,6 +197,9 @@ echo 1001 >"$FOLDER/pin"
 start_panel --menu "$FOLDER/quotes.json" --timeout 3 --pin-file "$FOLDER/pin"
 expect "quotes and backslashes" 'a "b" \c         1/1' '>{x} #1 -cu     5 \"' "" ""
 press Enter
+expect "the question for the PIN at the start" Locked "PIN 0___" "" ""
+press Up Right Right Enter Up Enter
+press Right
 expect "an open editor" '{x} #1 -cursor' '5 \"' "" ""
 expect "a panel that nobody uses goes home" 'a "b" \c         1/1' '>{x} #1 -cu     5 \"' "" ""
 press Enter

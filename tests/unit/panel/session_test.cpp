@@ -42,7 +42,11 @@ protected:
 
 class Locked_session_test : public Session_test {
 protected:
-    Locked_session_test() : Session_test("1234") {}
+    // Opens the panel, which is locked when it starts.
+    Locked_session_test() : Session_test("1234") {
+        press(Key::SELECT);
+        enter("1234");
+    }
 
     void enter(const std::string& pin) {
         for (const char digit : pin) {
@@ -158,6 +162,19 @@ TEST_F(Session_test, WhatFailedIsStillThereForWhoeverComesBack) {
     EXPECT_EQ(lines()[1], "write failed       ");
     press(Key::SELECT);
     EXPECT_EQ(lines(), HOME);
+}
+
+TEST(Session, APanelWithAPinStartsLocked) {
+    const Time now{seconds(1000)};
+    Panel panel(menu_text(PARAMETERS, ITEMS), {19, 2});
+    Session session(panel.controller(), panel.device(), "1234", now);
+    EXPECT_TRUE(session.is_locked());
+    EXPECT_TRUE(session.draw(now).dim);
+    EXPECT_EQ(panel.device().lock_and_dim, 1);
+    session.tick(now);
+    EXPECT_TRUE(session.is_locked());
+    session.press({Key::SELECT}, now);
+    EXPECT_EQ(lines_of(session.draw(now)), (Lines{"Locked             ", "PIN 0___           "}));
 }
 
 TEST_F(Locked_session_test, ArrowsTakeADigitAndGoBackToTheOneBefore) {
