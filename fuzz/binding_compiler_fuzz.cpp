@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "binding_compiler.h"
 #include "machine.h"
@@ -39,6 +40,16 @@ void check_error(const Compile_error& error, std::string_view source) {
     }
 }
 
+// One for a rule: each stands behind the one before.
+void check_places(const std::vector<Compile_error>& errors) {
+    const auto stands_before = [](const Compile_error& one, const Compile_error& other) {
+        return one.line < other.line || (one.line == other.line && one.column < other.column);
+    };
+    for (std::size_t i = 1; i < errors.size(); ++i) {
+        require(stands_before(errors[i - 1], errors[i]));
+    }
+}
+
 void check_program(const Program& program, std::string_view source, Machine& machine) {
     require(program.rule_count() > 0);
     for (std::size_t i = 0; i < program.rule_count(); ++i) {
@@ -62,8 +73,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const Compile_result again = Compiler().compile(source, {parameters, own_type});
     require(result.ok() == again.ok() && result.list == again.list);
     if (!result.ok()) {
-        require(result.list.empty() && result.error->text() == again.error->text());
-        check_error(*result.error, source);
+        require(result.list.empty() && result.errors.size() == again.errors.size());
+        require(result.error->text() == result.errors.front().text());
+        for (std::size_t i = 0; i < result.errors.size(); ++i) {
+            check_error(result.errors[i], source);
+            require(result.errors[i].text() == again.errors[i].text());
+        }
+        check_places(result.errors);
         return 0;
     }
     std::string why;

@@ -96,6 +96,10 @@ void Device_description::load_parameter(const Json_value& parameter) {
         m_has_unknown_parameters = true;
         throw Told_already();
     }
+    const auto name = parameter.find("name");
+    if (name && name->is_text()) {
+        m_wrong_names.insert(name->text());
+    }
     const std::pair<uint32_t, uint32_t> key(declared.pid, varidx_of(declared.index));
     if (m_menu.parameters().find(key.first, key.second) != nullptr ||
         !m_wrong_parameters.insert(key).second) {
@@ -103,11 +107,9 @@ void Device_description::load_parameter(const Json_value& parameter) {
                        " with this index is declared twice");
     }
     const size_t errors = m_problems.error_count();
-    const auto name = parameter.find("name");
-    if (name && name->is_text()) {
-        m_wrong_names.insert(name->text());
-    }
-    if (parameter.member("type").choice(TYPES) == 0) {
+    declared.type = parameter.member("type").choice(TYPES) == 0 ? INTEGER : STRING;
+    declare_for_rules(declared, name);
+    if (declared.type == INTEGER) {
         load_integer(parameter, declared);
     } else {
         load_text(parameter, declared);
@@ -117,9 +119,18 @@ void Device_description::load_parameter(const Json_value& parameter) {
     }
     m_wrong_parameters.erase(key);
     m_menu.parameters().add(declared);
-    m_menu.bindings()->parameters().declare({declared.type, declared.pid, declared.index});
     if (name) {
         load_name(*name, declared);
+    }
+}
+
+// Before the rest is known to be right, so that whatever else is wrong with rules that name it is told.
+void Device_description::declare_for_rules(const Parameter& declared,
+                                           const std::optional<Json_value>& name) {
+    const var_index_s key{declared.type, declared.pid, declared.index};
+    m_menu.bindings()->parameters().declare(key);
+    if (name && name->is_text()) {
+        m_menu.bindings()->parameters().declare(name->text(), key);
     }
 }
 
@@ -133,7 +144,6 @@ void Device_description::load_name(const Json_value& name, const Parameter& decl
     if (!m_menu.parameters().add_name(text, declared)) {
         name.fail("another parameter is named \"" + text + "\"");
     }
-    m_menu.bindings()->parameters().declare(text, {declared.type, declared.pid, declared.index});
     m_wrong_names.erase(text);
 }
 
@@ -144,7 +154,6 @@ void Device_description::load_integer(const Json_value& parameter, Parameter& de
         return static_cast<int>(m_problems.value_or(
             [&] { return parameter.member(name).integer(min, max); }, otherwise));
     };
-    declared.type = INTEGER;
     declared.min = bound("min", LOWEST, HIGHEST, LOWEST);
     declared.max = bound("max", declared.min, HIGHEST, HIGHEST);
     const int value = bound("value", declared.min, declared.max, declared.min);
@@ -154,7 +163,6 @@ void Device_description::load_integer(const Json_value& parameter, Parameter& de
 
 void Device_description::load_text(const Json_value& parameter, Parameter& declared) {
     parameter.expect_members({"name", "pid", "index", "type", "description", "length", "value"});
-    declared.type = STRING;
     declared.length = m_problems.value_or(
         [&] { return static_cast<size_t>(parameter.member("length").integer(1, LONGEST_TEXT)); },
         LONGEST_TEXT);

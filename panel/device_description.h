@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -38,6 +39,7 @@ private:
     void load_parameter(const Json_value& parameter);
     void load_integer(const Json_value& parameter, Parameter& declared);
     void load_text(const Json_value& parameter, Parameter& declared);
+    void declare_for_rules(const Parameter& declared, const std::optional<Json_value>& name);
     void load_name(const Json_value& name, const Parameter& declared);
     void load_each(const Json_value& device, const char* list,
                    void (Device_description::*load_one)(const Json_value& item));

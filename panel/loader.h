@@ -133,6 +133,7 @@ private:
     void set_ranges(const Json_value& item, Range_entry& entry, int min, int max);
     std::vector<range_s> ranges_of(const Json_value& list, int min, int max);
     void bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds);
+    void report_in(const Json_value& source, const std::vector<Compile_error>& errors) const;
     void check_rule_parameter(const Json_value& source, const Named_parameter& named) const;
     void check_rule(const Json_value& source, const Rule_note& note, const Data_entry& entry,
                     std::optional<Bounds> bounds) const;

@@ -89,7 +89,8 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
         const Compile_result compiled = m_menu.bindings()->compile(
             source->text_with_lines(), entry.Get_return_type_int_or_string());
         if (!compiled.ok()) {
-            fail_in(*source, *compiled.error);
+            report_in(*source, compiled.errors);
+            return;
         }
         for (const Compile_error& warning : compiled.warnings) {
             warn_in(*source, warning, m_problems);
@@ -108,6 +109,18 @@ void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bound
             m_problems.attempt([&] { check_rule(*source, note, entry, bounds); });
         }
     });
+}
+
+// A name that is unknown because its declaration is wrong has been told there.
+void Loader::report_in(const Json_value& source, const std::vector<Compile_error>& errors) const {
+    for (const Compile_error& error : errors) {
+        m_problems.attempt([&] {
+            if (!error.unknown_name.empty()) {
+                (void)m_device.parameter(error.unknown_name);
+            }
+            fail_in(source, error);
+        });
+    }
 }
 
 void Loader::check_rule_parameter(const Json_value& source, const Named_parameter& named) const {

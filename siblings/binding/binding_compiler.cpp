@@ -21,6 +21,7 @@ constexpr int MOST_PARAMETERS = 1024;
 constexpr uint32_t MOST_LEVELS = 2;
 constexpr int TRIED_ROWS = 8;
 constexpr std::size_t USUAL_NOTES = 4;
+constexpr std::size_t MOST_ERRORS = 100;  // each looks for its line from the beginning of the text
 
 // How tightly operators bind, loosest first.
 enum Level : uint8_t {
@@ -183,8 +184,10 @@ public:
           m_tables(tables),
           m_notes(result.notes),
           m_warnings(result.warnings),
+          m_errors(result.errors),
           m_scanner(source) {}
 
+    // Mistakes become errors of the result.
     void rules();
 
 private:
@@ -210,6 +213,8 @@ private:
     };
 
     void rule();
+    void rule_or_separator();
+    void go_on_behind(const Scanner& rule_start);
     void visible_rule();
     void range_rule();
     void keys_rule();
@@ -289,6 +294,7 @@ private:
     Tables& m_tables;
     std::vector<Rule_note>& m_notes;
     std::vector<Compile_error>& m_warnings;
+    std::vector<Compile_error>& m_errors;
     Scanner m_scanner;
     Token m_token{};
     const char* m_rule_begin = nullptr;
@@ -305,14 +311,34 @@ private:
 // ---- rules
 
 void Compiler::Parser::rules() {
-    advance();
     do {
-        while (accept(Token::SEPARATOR)) {
+        const Scanner start = m_scanner;
+        try {
+            rule_or_separator();
+        } catch (const Compile_error& error) {
+            m_errors.push_back(error);
+            go_on_behind(start);
         }
-        if (m_token.kind != Token::END || m_tables.rules.empty()) {
-            rule();
-        }
-    } while (m_token.kind != Token::END);
+    } while (m_token.kind != Token::END && m_errors.size() < MOST_ERRORS);
+}
+
+void Compiler::Parser::rule_or_separator() {
+    advance();
+    const bool is_without_rules = m_tables.rules.empty() && m_errors.empty();
+    if (m_token.kind != Token::SEPARATOR && (m_token.kind != Token::END || is_without_rules)) {
+        rule();
+    }
+}
+
+// What is left of a rule that is wrong would stand in the code of the next one.
+void Compiler::Parser::go_on_behind(const Scanner& rule_start) {
+    m_tables.rules.clear();
+    m_tables.segments.clear();
+    m_tables.code.clear();
+    m_open_jumps = 0;
+    m_scanner = rule_start;
+    m_scanner.skip_rule();
+    advance();
 }
 
 void Compiler::Parser::rule() {
@@ -930,11 +956,12 @@ int Compiler::Parser::parameter() {
 
 void Compiler::Parser::fail_unknown(std::string_view name) const {
     const std::string_view closest = m_context.parameters.closest(name);
-    std::string message = "unknown parameter " + m_token.description();
+    Compile_error error = m_scanner.error(place(), "unknown parameter " + m_token.description());
     if (!closest.empty()) {
-        message += "; did you mean [" + std::string(closest) + "]?";
+        error.message += "; did you mean [" + std::string(closest) + "]?";
     }
-    fail(place(), message);
+    error.unknown_name = name;
+    throw error;
 }
 
 var_index_s Compiler::Parser::address(std::string_view inside) const {
@@ -1121,30 +1148,47 @@ void Compiler::Parser::advance() {
 
 // ---- the compiler
 
+namespace {
+
+// Why a text is not read at all.
+std::optional<Compile_error> unreadable(std::string_view source) {
+    const Scanner scanner(source);
+    if (source.size() > LONGEST_SOURCE) {
+        return scanner.error(
+            source.data(), "source text longer than " + std::to_string(LONGEST_SOURCE) + " bytes");
+    }
+    const std::size_t zero_byte = source.find('\0');
+    if (zero_byte != std::string_view::npos) {
+        return scanner.error(source.data() + zero_byte, "unexpected character \"\\x00\"");
+    }
+    return std::nullopt;
+}
+
+Compile_result refused(std::vector<Compile_error> errors) {
+    Compile_result result;
+    result.errors = std::move(errors);
+    result.error = result.errors.front();
+    return result;
+}
+
+}  // namespace
+
 Compiler::Compiler() : m_tables(std::make_unique<Tables>()) {}
 
 Compiler::~Compiler() = default;
 
 Compile_result Compiler::compile(std::string_view source, const Compile_context& context) {
-    Compile_result result;
-    try {
-        const Scanner scanner(source);
-        if (source.size() > LONGEST_SOURCE) {
-            throw scanner.error(source.data(), "source text longer than " +
-                                                   std::to_string(LONGEST_SOURCE) + " bytes");
-        }
-        const std::size_t zero_byte = source.find('\0');
-        if (zero_byte != std::string_view::npos) {
-            throw scanner.error(source.data() + zero_byte, "unexpected character \"\\x00\"");
-        }
-        m_tables->clear();
-        Parser(source, context, *m_tables, result).rules();
-        result.list = m_tables->list(source);
-        result.parameters = m_tables->named_parameters();
-    } catch (const Compile_error& error) {
-        result = Compile_result();
-        result.error = error;
+    if (const std::optional<Compile_error> error = unreadable(source)) {
+        return refused({*error});
     }
+    Compile_result result;
+    m_tables->clear();
+    Parser(source, context, *m_tables, result).rules();
+    if (!result.errors.empty()) {
+        return refused(std::move(result.errors));
+    }
+    result.list = m_tables->list(source);
+    result.parameters = m_tables->named_parameters();
     return result;
 }
 

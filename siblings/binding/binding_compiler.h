@@ -24,7 +24,7 @@ public:
     Compiler(const Compiler&) = delete;
     Compiler& operator=(const Compiler&) = delete;
 
-    // The list of a text of one rule at least, or its first mistake.
+    // The list of a text of one rule at least, or the mistakes of its rules.
     Compile_result compile(std::string_view source, const Compile_context& context);
 
 private:

@@ -264,6 +264,47 @@ void Scanner::append_unescaped(std::string_view source, std::string& text) {
     }
 }
 
+// What stands in a text, in brackets or in a comment separates nothing. The text that a placeholder stands in goes on
+// behind it.
+void Scanner::skip_rule() {
+    std::string open;  // the quotes and braces that are open here, outermost first
+    std::size_t open_texts = 0;
+    while (m_at != m_end && *m_at != '\n' && (*m_at != ';' || open_texts > 0)) {
+        const bool is_quote = *m_at == '"';
+        const bool is_in_text = !open.empty() && open.back() == '"';
+        if (is_quote) {
+            is_in_text ? --open_texts : ++open_texts;
+        }
+        is_in_text ? skip_in_text(open) : skip_in_expression(open);
+    }
+}
+
+// Past a byte, or two that stand for one. Nothing here goes past the end of the line.
+void Scanner::skip_in_text(std::string& open) {
+    const char byte = *m_at++;
+    if (byte == '"') {
+        open.pop_back();
+    } else if (byte == '{' && peek(0) != '{') {
+        open += byte;
+    } else if ((byte == '\\' && (peek(0) == '"' || peek(0) == '\\')) || byte == '{') {
+        ++m_at;
+    }
+}
+
+void Scanner::skip_in_expression(std::string& open) {
+    const char byte = *m_at++;
+    if (byte == '"' || byte == '{') {
+        open += byte;
+    } else if (byte == '}' && !open.empty()) {
+        open.pop_back();
+    } else if (byte == '#') {
+        m_at = std::find(m_at, m_end, '\n');
+    } else if (byte == '[') {
+        const char* const line_end = std::find(m_at, m_end, '\n');
+        m_at = std::find(m_at, line_end, ']');
+    }
+}
+
 Compile_error Scanner::error(const char* place, std::string message) const {
     const std::string_view before(m_begin, static_cast<std::size_t>(place - m_begin));
     const auto lines = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));

@@ -72,6 +72,9 @@ public:
     // Appends what the source of a text part stands for.
     static void append_unescaped(std::string_view source, std::string& text);
 
+    // Goes to the separator at which the rule that begins here ends, or to the end, whatever is wrong before it.
+    void skip_rule();
+
     // The word at `token`, hyphens included, as in "read-only"; the scanner goes on behind it.
     Token hyphenated(const Token& token);
 
@@ -91,6 +94,8 @@ private:
     Token symbol();
     Token two_or_one(char second, Token::Kind both, Token::Kind first);
     void skip_blanks_and_comments();
+    void skip_in_text(std::string& open);
+    void skip_in_expression(std::string& open);
     char peek(std::size_t ahead) const {
         return static_cast<std::size_t>(m_end - m_at) > ahead ? m_at[ahead] : '\0';
     }

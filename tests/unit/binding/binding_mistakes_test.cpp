@@ -1,6 +1,7 @@
 // Mistakes in the source texts of binding rules: where they are, what was found, what would have been accepted.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -393,6 +394,107 @@ TEST(Binding_mistakes, ConditionsAndComparisonsThatReadNothingAreWarnedOf) {
         EXPECT_EQ(compiled.warnings.size(), each.error.empty() ? 0u : 1u);
         EXPECT_EQ(compiled.warnings.empty() ? "" : compiled.warnings[0].text(), each.error);
     }
+}
+
+// All errors of a text, line by line.
+std::string errors_of(Language& language, const std::string& source) {
+    std::string all;
+    for (const Compile_error& error : language.compile(source).errors) {
+        all += error.text() + "\n";
+    }
+    return all;
+}
+
+TEST(Binding_mistakes, TheMistakesOfAllRulesAreToldInTheirOrder) {
+    Language language;
+    const std::string source =
+        "visible if [mouse] == 1; range 0..99; frobnicate\n"
+        "keys 0..;; set [gain] = \"on\"; access read-only\n"
+        "!; visible if [gain] == 1; warn 40x";
+    EXPECT_EQ(errors_of(language, source),
+              "line 1, column 12: unknown parameter \"[mouse]\"; did you mean [mode]?\n"
+              "line 1, column 39: " +
+                  RULES + "\"frobnicate\"\n" + "line 2, column 9: " + VALUE + "\";\"\n" +
+                  "line 2, column 25: expected an integer, found a text\n"
+                  "line 3, column 1: \"!\" is written \"not\"\n"
+                  "line 3, column 33: \"40x\" is not a number\n");
+    EXPECT_EQ(language.error_of(source),
+              "line 1, column 12: unknown parameter \"[mouse]\"; did you mean [mode]?");
+    EXPECT_EQ(errors_of(language, "visible if [gain]"), "");
+}
+
+TEST(Binding_mistakes, ARuleHasOneMistakeAndALastLineEndIsNone) {
+    Language language;
+    EXPECT_EQ(errors_of(language, "visible if [mouse] + [gone] +\n"),
+              "line 1, column 12: unknown parameter \"[mouse]\"; did you mean [mode]?\n");
+    EXPECT_EQ(errors_of(language, "\n;\n"), "line 3, column 1: " + RULES + "end of text\n");
+    EXPECT_EQ(errors_of(language, std::string("a;b\0;c", 6)),
+              "line 1, column 4: unexpected character \"\\x00\"\n");
+}
+
+// What stands behind the mistake in its rule is none of another rule.
+TEST(Binding_mistakes, TextsBracketsAndCommentsSeparateNothing) {
+    Language language;
+    for (const char* const wrong : {
+             "warn 1 \"a; b\"",
+             "warn 1 \"a\\\"; b \\\\\"",
+             "warn 1 \"{{; }}; {[gain] > 3 ? \"x; y\" : \"}; {[mode]}\"}; z\"",
+             "warn \"{value in {1, 2} or}; \" + \"; {[gain]; 1}\"",
+             "visible if 1 [a; b] # ; c",
+             "visible if [mode] in {1, 2 # ; c",
+             "visible if 1 } } {",
+             "warn \"not closed; range 0..",
+             "visible if [not closed; range 0..",
+             "\"; \" visible if 1",
+         }) {
+        SCOPED_TRACE(wrong);
+        const std::string first = errors_of(language, wrong);
+        EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 1) << first;
+        EXPECT_EQ(errors_of(language, wrong + std::string("\nrange 0..")),
+                  first.substr(0, first.find("end of text")) +
+                      (first.find("end of text") == std::string::npos ? "" : "end of line\n") +
+                      "line 2, column 10: " + VALUE + "end of text\n");
+    }
+}
+
+TEST(Binding_mistakes, ARuleBehindAMistakeIsReadAsIfItStoodAlone) {
+    Language language;
+    std::string nested = "visible if 1";
+    for (int i = 0; i < 60; ++i) {
+        nested = "visible if (" + nested.substr(11) + " and 1)";
+    }
+    ASSERT_EQ(language.error_of(nested), "ok");
+    EXPECT_EQ(
+        errors_of(language, "range 1..2, 1 + (3; range 0..4000000000\n" +
+                                nested.substr(0, nested.size() - 1) + "\n" + nested + "\n keys -1"),
+        "line 1, column 19: expected an operator or \")\", found \";\"\n"
+        "line 1, column 30: \"4000000000\"" +
+            INT32 + "\nline 2, column " + std::to_string(nested.size()) +
+            ": expected an operator or \")\", found end of line\n"
+            "line 4, column 7: \"-1\" is not a number from 0 to 2147483647\n");
+}
+
+TEST(Binding_mistakes, AnUnknownNameIsToldByItself) {
+    Language language;
+    const Compile_result refused =
+        language.compile("range 0..[input 9 gain]; visible; set [gian] = 1");
+    ASSERT_EQ(refused.errors.size(), 3U);
+    EXPECT_EQ(refused.errors[0].unknown_name, "input 9 gain");
+    EXPECT_EQ(refused.errors[1].unknown_name, "");
+    EXPECT_EQ(refused.errors[2].unknown_name, "gian");
+    EXPECT_EQ(refused.errors[2].message, "unknown parameter \"[gian]\"; did you mean [gain]?");
+}
+
+TEST(Binding_mistakes, AnAvalancheOfMistakesEndsAtAHundred) {
+    Language language;
+    std::string source;
+    for (int i = 0; i < 101; ++i) {
+        source += "visible\n";
+    }
+    const Compile_result refused = language.compile(source);
+    ASSERT_EQ(refused.errors.size(), 100U);
+    EXPECT_EQ(refused.errors.back().text(),
+              "line 100, column 8: expected \"if\", found end of line");
 }
 
 TEST(Binding_mistakes, NothingIsKeptOfARefusedText) {

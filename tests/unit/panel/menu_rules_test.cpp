@@ -1,4 +1,6 @@
 // The rules of a menu file's items.
+#include <algorithm>
+
 #include "entry_access.h"
 #include "panel_fixture.h"
 
@@ -27,6 +29,13 @@ std::string error_at(const std::string& text, size_t column, const std::string& 
     const size_t quote = std::stoul(start.substr(last + 1));
     return start.substr(0, last + 1) + std::to_string(quote + column) + ": " + message;
 }
+
+constexpr const char* GAIN = R"({"type": "range", "name": "Gain", "parameter": "input 1 gain")";
+constexpr const char* MODE = R"({"type": "enum", "name": "Mode", "parameter": "mode",
+    "choices": ["A", "B", "C"])";
+constexpr const char* LABEL = R"({"type": "text", "name": "Label", "parameter": "label")";
+constexpr const char* NODE = R"({"type": "node", "name": "Node",
+    "items": [{"type": "range", "name": "Mode", "parameter": "mode"}])";
 
 TEST(MenuRules, ParametersGoByTheirNames) {
     const Loaded_menu loaded =
@@ -72,19 +81,80 @@ TEST(MenuRules, AMistakeOnALaterLineIsToldWithIt) {
     EXPECT_EQ(error_of(text).substr(0, place.size()), place);
 }
 
+TEST(MenuRules, TheMistakesOfAllRulesAreTold) {
+    const std::string text = with_rules("visible if [unheard] == 1; range 0..9; frobnicate");
+    const std::string place = error_at(text, 40, "expected \"visible\"");
+    const std::string errors = error_of(text);
+    EXPECT_EQ(errors.substr(0, errors.find('\n')),
+              error_at(text, 12, "unknown parameter \"[unheard]\""));
+    EXPECT_EQ(errors.substr(errors.find('\n') + 1, place.size()), place);
+    const std::string lines = with_rules(R"(range 1..\nkeys)");
+    const std::string start = placed(lines, "menu.json: /menu/items/0/binding: ");
+    const std::string both = error_of(lines);
+    EXPECT_EQ(both.substr(0, start.size() + 17), start + "line 1, column 10");
+    EXPECT_EQ(both.substr(both.find('\n') + 1, start.size() + 16), start + "line 2, column 5");
+}
+
+// The rules of an item, of a file with one more parameter that is declared wrongly.
+std::string beside_wrong(const std::string& parameter, const std::string& rules) {
+    return menu_text(parameter + ", " + PARAMETERS,
+                     std::string(GAIN) + R"(, "binding": ")" + rules + "\"}");
+}
+
+TEST(MenuRules, AParameterThatIsDeclaredWronglyIsToldThereAlone) {
+    for (const char* const wrong : {
+             R"({"name": "d", "pid": 9, "type": "integer", "min": 0, "max": 9})",
+             R"({"name": "d", "pid": 9})",
+             R"({"name": "d", "pid": -9, "type": "integer", "value": 0})",
+             R"({"name": "d", "pid": 9, "type": "text", "length": 8, "value": 1})",
+             R"({"name": "d", "pid": 9, "type": "real", "value": 1})",
+         }) {
+        const std::string text = beside_wrong(
+            wrong, "visible if [d]; range 0..5 if [d]; set [d] = 1; visible if [mode]");
+        const std::string declaration = error_of(beside_wrong(wrong, "visible if [mode]"));
+        EXPECT_EQ(declaration.find('\n'), std::string::npos) << declaration;
+        if (std::string(wrong).find("text") == std::string::npos) {
+            EXPECT_EQ(error_of(text), declaration);
+        }
+    }
+    const std::string text = R"({"name": "d", "pid": 9, "type": "text", "length": 8})";
+    EXPECT_EQ(error_of(beside_wrong(text, R"(visible if [d] == \"a\" or [9] == \"b\")")),
+              error_of(beside_wrong(text, "visible if [mode]")));
+    const std::string again =
+        R"({"name": "d", "pid": 5, "type": "integer", "min": 0, "max": 2, "value": 1})";
+    EXPECT_EQ(error_of(beside_wrong(again, "visible if [mode] == 1")),
+              error_of(beside_wrong(again, "visible if [5]")));
+}
+
+TEST(MenuRules, WhatElseIsWrongWithRulesOfAWrongParameterIsTold) {
+    const std::string wrong = R"({"name": "d", "pid": 9, "type": "integer", "min": 0, "max": 9})";
+    const std::string errors =
+        error_of(beside_wrong(wrong, "visible if [d] and [unheard]; keys [d]; visible if [mood]"));
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 2) << errors;
+    EXPECT_NE(errors.find("unknown parameter \"[unheard]\""), std::string::npos) << errors;
+    EXPECT_NE(errors.find("unknown parameter \"[mood]\"; did you mean [mode]?"), std::string::npos)
+        << errors;
+}
+
+TEST(MenuRules, TheEndsOfARangeStandInEitherOrder) {
+    Panel panel(with_rules("range 3..-1 if [mode]"));
+    EXPECT_TRUE(load_menu_text("menu.json", with_rules("range 3..-1 if [mode]")).warnings.empty());
+    auto& gain = static_cast<Range_entry&>(panel.item(0));
+    gain.Refresh(&panel.menu().access(), true);
+    EXPECT_EQ(gain.Get_min(), -1);
+    EXPECT_EQ(gain.Get_max(), 3);
+    Panel keys(with_items(std::string(MODE) + R"(, "binding": "keys 2..1"})"));
+    auto& mode = static_cast<Enum_entry&>(keys.item(0));
+    mode.updateControlOptionMap();
+    EXPECT_EQ(mode.Get_size(), 2);
+}
+
 // What is told of rules of the first item, and the column at which it is within them.
 void expect_error(const std::string& item, const std::string& rules, size_t column,
                   const std::string& message) {
     const std::string text = with_items(item + R"(, "binding": ")" + rules + "\"}");
     EXPECT_EQ(error_of(text), error_at(text, column, message)) << rules;
 }
-
-constexpr const char* GAIN = R"({"type": "range", "name": "Gain", "parameter": "input 1 gain")";
-constexpr const char* MODE = R"({"type": "enum", "name": "Mode", "parameter": "mode",
-    "choices": ["A", "B", "C"])";
-constexpr const char* LABEL = R"({"type": "text", "name": "Label", "parameter": "label")";
-constexpr const char* NODE = R"({"type": "node", "name": "Node",
-    "items": [{"type": "range", "name": "Mode", "parameter": "mode"}])";
 
 TEST(MenuRules, ParametersMustBeDeclared) {
     expect_error(GAIN, R"(set [99] = 1 if [label] == \"set [98] \")", 6,

@@ -33,6 +33,8 @@ struct Compile_error {
     std::size_t line;
     std::size_t column;
     std::string message;  // "expected a comparison (== != < <= > >=), found \"3\""
+    // The name in brackets when that is what is not declared: for whoever knows why it is not. Else empty.
+    std::string unknown_name = {};
 
     std::string text() const;  // "line 1, column 12: MESSAGE"
 };
@@ -57,14 +59,16 @@ struct Named_parameter {
     std::size_t offset;  // in the text, in bytes: of what stands in the brackets
 };
 
-// The list of a source text, or the error and an empty list.
+// The list of a source text, or its errors and an empty list.
 struct Compile_result {
     BindingListT list;
     std::vector<Rule_note> notes;             // in the order of the text
     std::vector<Named_parameter> parameters;  // each once, read or written
     // What is right and surely not meant: conditions and comparisons that read nothing. One for a rule at most.
     std::vector<Compile_error> warnings;
-    std::optional<Compile_error> error;
+    std::optional<Compile_error> error;  // the first of `errors`
+    // In the order of the text: one for a rule at most, and 100 for a text.
+    std::vector<Compile_error> errors;
 
     bool ok() const { return !error; }
 };
@@ -82,7 +86,7 @@ public:
 
     // Compiles rules such as "visible if [gain] > 3; range 0..[limit] if [102] == 1": docs/bindings.md has the
     // language. `own_type` is the type of the entry's own value: INTEGER, STRING, or INVALID_TYPE for an entry
-    // without one. The first error ends the work. A list is complete in itself: it depends on no registry.
+    // without one. Work goes on behind a rule that is wrong, to tell all errors at once. A list is complete in itself: it depends on no registry.
     Compile_result compile(std::string_view source, RETURN_TYPE own_type = INTEGER);
 
     // The names and types that texts may use; declare them before compiling.
