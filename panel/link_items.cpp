@@ -222,6 +222,9 @@ void Loader::set_toggle(const Json_value& source, Link_entry& link) {
         const Toggle toggle = translate_toggle(source.text(), [this](const std::string& reference) {
             return m_device.reference(reference);
         });
+        if (toggle.parameters.empty() && !toggle.expression.empty()) {
+            source.warn("this toggle names no parameter, so it never changes");
+        }
         for (const Parameter* const parameter : toggle.parameters) {
             m_menu.watch(*parameter);
         }

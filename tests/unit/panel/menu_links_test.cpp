@@ -211,6 +211,18 @@ TEST(MenuLinks, AToggleInNamesBecomesOneInAddresses) {
     EXPECT_EQ(loaded.menu->favourites(), nullptr);
 }
 
+TEST(MenuLinks, AToggleWithoutAParameterIsWarnedOf) {
+    const std::string text = with_home(R"({"target": "first", "toggle": "3"},
+                                  {"target": "first", "toggle": "a=2 > 1"},
+                                  {"target": "first", "toggle": ""},
+                                  {"target": "first", "toggle": "3 == [mute]"})");
+    const std::string warning =
+        "/toggle: warning: this toggle names no parameter, so it never changes";
+    EXPECT_EQ(load_menu_text("menu.json", text, {Cards::OFF, 40}).warnings,
+              (Lines{placed(text, "menu.json: /homescreen/0" + warning),
+                     placed(text, "menu.json: /homescreen/1" + warning)}));
+}
+
 TEST(MenuLinks, AHomescreenLinkFollowsItsToggle) {
     const Loaded_menu loaded =
         load_menu_text("menu.json", with_home(R"({"target": "first", "toggle": "[mute] == 1"})"));
