@@ -20,7 +20,7 @@ constexpr std::pair<char32_t, char> PLAIN_FORMS[] = {
 struct Lead {
     unsigned char mask;
     unsigned char value;
-    size_t following;
+    unsigned char following;
     char32_t smallest;  // a longer form than needed is damaged
 };
 constexpr Lead LEADS[] = {

@@ -41,7 +41,7 @@ int number_or(const Json_value& owner, const char* name, int most, int otherwise
 }
 
 std::string characters_of(const Json_value& list) {
-    const std::string characters = list.text_of_length(1, MOST_CHARACTERS);
+    std::string characters = list.text_of_length(1, MOST_CHARACTERS);
     if (std::set<char>(characters.begin(), characters.end()).size() != characters.size()) {
         list.fail("expected each character once");
     }

@@ -141,7 +141,7 @@ std::string explain(Menu& menu, const std::string& name) {
             entries.begin(), entries.end(),
             [around](const Placed_entry& candidate) { return candidate.entry == around; });
         if (found->menu != nullptr) {
-            text = explanation_of(menu, *found->entry, found->path) + text;
+            text.insert(0, explanation_of(menu, *found->entry, found->path));
         }
         around = found->menu;
     }

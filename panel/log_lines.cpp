@@ -12,7 +12,7 @@
 namespace panel {
 namespace {
 
-constexpr off_t MOST_READ = 256 * 1024;  // at a time: a minute of a talkative library
+constexpr off_t MOST_READ = off_t{256} * 1024;  // at a time: a minute of a talkative library
 constexpr size_t MOST_MARKS = 8192;
 
 }  // namespace

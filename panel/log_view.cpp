@@ -217,7 +217,7 @@ void Log_view::draw_lines(Lcd& lcd, int first_row) {
         [](const Shown& a, const Shown& b) { return a.line->text.size() < b.line->text.size(); });
     const int step = lcd.size().columns / 2;
     m_pan = std::min(m_pan, std::max(0, static_cast<int>(longest->line->text.size()) - 1) / step);
-    const auto start = static_cast<size_t>(m_pan * step);
+    const size_t start = static_cast<size_t>(m_pan) * static_cast<size_t>(step);
     for (int place = top; place < end; ++place) {
         const std::string& text = shown[static_cast<size_t>(place)].line->text;
         lcd.put(first_row + place - top, 0, start < text.size() ? text.substr(start) : "");

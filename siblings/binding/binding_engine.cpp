@@ -80,6 +80,7 @@ std::string ranges_text(const std::vector<Interval>& intervals) {
 // "0, 1, 3..5"
 std::string keys_text(const std::vector<Interval>& keys) {
     std::vector<std::string> texts;
+    texts.reserve(keys.size());
     for (const Interval& interval : keys) {
         texts.push_back(interval_text(interval.low, interval.high));
     }
@@ -89,6 +90,7 @@ std::string keys_text(const std::vector<Interval>& keys) {
 // Sorted keys, neighbours drawn together.
 std::string keys_text(const std::vector<int>& keys) {
     std::vector<Interval> intervals;
+    intervals.reserve(keys.size());
     for (const int key : keys) {
         intervals.push_back({key, key});
     }
