@@ -7,12 +7,14 @@
 
 #include <string>
 
+#include "binding_fixture.h"
 #include "support/capture.h"
 #include "support/indexes.h"
 #include "support/leaf.h"
 
 namespace {
 
+using binding_fixture::Number_entry;
 using support::capture;
 using support::index_of;
 using support::Leaf;
@@ -124,27 +126,6 @@ TEST_F(Bound_entry_test, ATriedValueRaisesNoWarningWithoutWarningRules) {
 }
 
 // ---- range entries: a commit reaches the device, and what depends on it follows
-
-class Number_entry : public Range_entry {
-public:
-    Number_entry(const char* name, unsigned int pid, const Index_t& index, int min, int max)
-        : Number_entry(name, pid, index, min, max, std::string()) {}
-
-    int value() {
-        int stored = 0;
-        m_model.Get(&stored, sizeof stored);
-        return stored;
-    }
-
-private:
-    Number_entry(const char* name, unsigned int pid, const Index_t& index, int min, int max,
-                 std::string no_format)
-        : Range_entry(name, "A number", pid, &index, min, max, min, no_format.data(),
-                      no_format.data(), nullptr, READ_WRITE, VISIBLE_ALL, true, SHORTCUT_NONE,
-                      nullptr, nullptr, nullptr) {
-        setValidRangeAndValues({{min, max + 1, {}}});
-    }
-};
 
 class Bound_range_test : public Bound_entry_test {
 protected:
