@@ -15,14 +15,16 @@
 #include <frontpanel_data/data_entry.h>
 #include <rapidjson/document.h>
 
+#include <frontpanel_base/json_document.h>
 #include "binding_compiler.h"
-#include "json_document.h"
 #include "machine.h"
 #include "program.h"
 
+using namespace frontpanel;
+
 namespace {
 
-using namespace binding_language;
+using namespace frontpanel::binding_language;
 
 constexpr int ITEMS = 10000;
 constexpr int RULES_PER_ITEM = 3;
@@ -76,9 +78,9 @@ std::string menu_text() {
 // What the panel itself reads a menu file to: values that know their places.
 void read_menu_file(benchmark::State& state) {
     const std::string text = menu_text();
-    const panel::Source source{"menu.json", 0};
+    const frontpanel::Source source{"menu.json", 0};
     for (auto _ : state) {
-        panel::Json_node menu = panel::parse_json(source, text);
+        frontpanel::Json_node menu = frontpanel::parse_json(source, text);
         benchmark::DoNotOptimize(menu);
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));

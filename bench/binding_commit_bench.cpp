@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+using namespace frontpanel;
+
 namespace {
 
 constexpr unsigned int MODE = 1;

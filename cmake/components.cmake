@@ -27,6 +27,8 @@ function(frontpanel_add_static_component name)
     add_library(${name} STATIC ${arg_SOURCES})
     add_library(frontpanel_data::${name} ALIAS ${name})
     frontpanel_configure_target(${name})
-    target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/include)
+    target_include_directories(${name}
+        PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/include
+        PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${arg_LIBRARIES} PRIVATE ${arg_PRIVATE_LIBRARIES})
 endfunction()

@@ -15,8 +15,15 @@ if(FRONTPANEL_COVERAGE)
                 --object-directory ${PROJECT_BINARY_DIR}
                 --filter ${PROJECT_SOURCE_DIR}/include/
                 --filter ${PROJECT_SOURCE_DIR}/src/
-                --filter ${PROJECT_SOURCE_DIR}/siblings/
-                --filter ${PROJECT_SOURCE_DIR}/panel/
+                --filter ${PROJECT_SOURCE_DIR}/base/
+                --filter ${PROJECT_SOURCE_DIR}/binding/
+                --filter ${PROJECT_SOURCE_DIR}/editors/
+                --filter ${PROJECT_SOURCE_DIR}/menu/
+                --filter ${PROJECT_SOURCE_DIR}/display/
+                --filter ${PROJECT_SOURCE_DIR}/ui/
+                --filter ${PROJECT_SOURCE_DIR}/displays/
+                --filter ${PROJECT_SOURCE_DIR}/simulator/
+                --filter ${PROJECT_SOURCE_DIR}/app/
                 --exclude-unreachable-branches
                 --exclude-throw-branches
                 --html-details ${PROJECT_BINARY_DIR}/coverage/index.html

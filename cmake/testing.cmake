@@ -18,7 +18,7 @@ target_precompile_headers(frontpanel_test_headers PRIVATE <gmock/gmock.h> <gtest
 function(frontpanel_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg
         "PRIVATE_OBJECTS" "NAME;TIMEOUT" "SOURCES;LIBRARIES;WRAP")
-    if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|device|panel)(;|$)")
+    if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|base|menu|display|ui|displays|simulator|app)(;|$)")
         message(FATAL_ERROR "${arg_NAME}: a test with PRIVATE_OBJECTS would hold the library twice "
             "if it also linked a component that links the shared library")
     endif()

@@ -13,7 +13,9 @@
 #include "program.h"
 #include "unit/binding/program_exercise.h"
 
-using namespace binding_language;
+using namespace frontpanel;
+
+using namespace frontpanel::binding_language;
 using support::require;
 
 namespace {

@@ -15,7 +15,9 @@
 #include "program.h"
 #include "unit/binding/program_exercise.h"
 
-using namespace binding_language;
+using namespace frontpanel;
+
+using namespace frontpanel::binding_language;
 
 namespace {
 

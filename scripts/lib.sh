@@ -4,6 +4,10 @@
 
 SOURCE_DIR=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." >/dev/null && pwd)
 
+# The folders of the parts above the library, bottom up.
+# shellcheck disable=SC2034  # used by the scripts that source this
+COMPONENTS=(base binding editors menu display ui displays simulator app)
+
 # The Debian packages that each script needs, one list per script.
 PANEL_PACKAGES=(
     cmake g++ ninja-build pkg-config

@@ -2,7 +2,7 @@
 #include <fcntl.h>
 #include <frontpanel_data/data_entry.h>
 #include <frontpanel_data/live_data_processor.h>
-#include <frontpanel_device/card_service.h>
+#include <frontpanel_simulator/card_service.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -17,6 +17,8 @@
 #include "support/indexes.h"
 #include "support/leaf.h"
 #include "support/live_data.h"
+
+using namespace frontpanel;
 
 namespace {
 

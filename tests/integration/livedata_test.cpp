@@ -2,7 +2,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <frontpanel_data/live_data_processor.h>
-#include <frontpanel_device/card_service.h>
+#include <frontpanel_simulator/card_service.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,6 +22,8 @@
 
 #include "support/capture.h"
 #include "support/live_data.h"
+
+using namespace frontpanel;
 
 namespace {
 

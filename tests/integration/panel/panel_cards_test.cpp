@@ -5,9 +5,9 @@
 #include <chrono>
 
 #include "curl_home.h"
-#include "unit/panel/panel_fixture.h"
+#include "support/panel_fixture.h"
 
-namespace panel {
+namespace frontpanel {
 namespace {
 
 class Cards_panel {
@@ -180,4 +180,4 @@ TEST(PanelCards, BeforeTheFirstFetchNoOptionIsShownNorOffered) {
 }
 
 }  // namespace
-}  // namespace panel
+}  // namespace frontpanel

@@ -1,6 +1,6 @@
 // The panel in the hands of chance: any key at any time, a device that changes by itself, and device and cards that
 // fail. The number of events is that of FRONTPANEL_SOAK_EVENTS, and the seed that of FRONTPANEL_SOAK_SEED.
-#include <frontpanel_device/random_faults.h>
+#include <frontpanel_simulator/random_faults.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,11 +9,11 @@
 #include <random>
 #include <set>
 
+#include <frontpanel_menu/entry_access.h>
 #include "curl_home.h"
-#include "entry_access.h"
-#include "unit/panel/panel_fixture.h"
+#include "support/panel_fixture.h"
 
-namespace panel {
+namespace frontpanel {
 namespace {
 
 constexpr int USUAL_EVENTS = 10000;
@@ -356,4 +356,4 @@ TEST(Soak, WhateverHappensTheFrameIsValidAndOnlyWhatWasAskedForIsWritten) {
 }
 
 }  // namespace
-}  // namespace panel
+}  // namespace frontpanel

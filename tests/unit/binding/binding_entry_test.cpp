@@ -1,7 +1,7 @@
 // Entries that are driven by the engine, refreshed as the panel refreshes them.
 #include <frontpanel_binding/expression_binding.h>
 #include <frontpanel_data/data_entry.h>
-#include <frontpanel_device/memory_device.h>
+#include <frontpanel_simulator/memory_device.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -11,6 +11,8 @@
 #include "support/capture.h"
 #include "support/indexes.h"
 #include "support/leaf.h"
+
+using namespace frontpanel;
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <frontpanel_binding/expression_binding.h>
 #include <frontpanel_data/data_entry.h>
-#include <frontpanel_device/memory_device.h>
+#include <frontpanel_simulator/memory_device.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -15,6 +15,8 @@
 #include "support/indexes.h"
 
 namespace binding_fixture {
+
+using namespace frontpanel;
 
 inline return_s number(int32_t value) {
     return_s result;

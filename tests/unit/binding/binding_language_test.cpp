@@ -6,6 +6,8 @@
 
 #include "language_fixture.h"
 
+using namespace frontpanel;
+
 namespace {
 
 using support::Language;

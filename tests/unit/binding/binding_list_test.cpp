@@ -12,9 +12,11 @@
 #include "list_format.h"
 #include "program_exercise.h"
 
+using namespace frontpanel;
+
 namespace {
 
-using namespace binding_language;
+using namespace frontpanel::binding_language;
 using support::Language;
 using support::repair;
 using testing::ElementsAre;

@@ -11,6 +11,8 @@
 #include "support/indexes.h"
 #include "support/leaf.h"
 
+using namespace frontpanel;
+
 namespace {
 
 using support::index_of;

@@ -8,6 +8,8 @@
 #include "binding_fixture.h"
 #include "support/fake_device.h"
 
+using namespace frontpanel;
+
 namespace {
 
 using binding_fixture::Binding_fixture;

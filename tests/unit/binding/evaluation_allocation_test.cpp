@@ -8,6 +8,8 @@
 #include "binding_fixture.h"
 #include "support/allocation_counter.h"
 
+using namespace frontpanel;
+
 namespace {
 
 using binding_fixture::Option_entry;

@@ -1,7 +1,7 @@
 // The engine by itself: evaluation, suggestions, override and errors.
 #include <frontpanel_binding/expression_binding.h>
 
-#include <frontpanel_device/memory_device.h>
+#include <frontpanel_simulator/memory_device.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +12,8 @@
 #include "support/capture.h"
 #include "support/indexes.h"
 #include "support/leaf.h"
+
+using namespace frontpanel;
 
 namespace {
 

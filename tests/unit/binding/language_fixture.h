@@ -20,6 +20,8 @@
 
 namespace support {
 
+using namespace frontpanel;
+
 // Gives values by the names that the program's parameters have in its source.
 class Named_values : public binding_language::Value_source {
 public:

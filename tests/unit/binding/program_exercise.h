@@ -15,6 +15,8 @@
 
 namespace support {
 
+using namespace frontpanel;
+
 inline void require(bool condition) {
     if (!condition) {
         std::abort();
@@ -61,7 +63,7 @@ inline std::size_t touch(std::string_view text) {
 }
 
 inline void exercise(const binding_language::Program& program, binding_language::Machine& machine) {
-    using namespace binding_language;
+    using namespace frontpanel::binding_language;
     Any_values values;
     values.parameters = program.parameter_count();
     values.options = program.option_count();
@@ -111,7 +113,7 @@ inline void exercise(const binding_language::Program& program, binding_language:
 
 // Makes the length and the checksum of a list what they should be.
 inline void repair(BindingListT& list) {
-    using namespace binding_language;
+    using namespace frontpanel::binding_language;
     if (list.size() >= HEADER_SIZE) {
         list[HEADER_MAGIC] = LIST_MAGIC;
         list[HEADER_VERSION] = LIST_VERSION;

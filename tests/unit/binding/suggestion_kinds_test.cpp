@@ -6,6 +6,8 @@
 #include "binding_fixture.h"
 #include "support/leaf.h"
 
+using namespace frontpanel;
+
 namespace {
 
 using binding_fixture::Binding_fixture;

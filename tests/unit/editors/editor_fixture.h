@@ -15,6 +15,8 @@
 
 namespace editor_fixture {
 
+using namespace frontpanel;
+
 // An entry of a text class (string, address or time) with a text.
 template <class Entry>
 struct Text_leaf : Entry {

@@ -13,6 +13,8 @@
 #include "editor_fixture.h"
 #include "support/fake_binding.h"
 
+using namespace frontpanel;
+
 namespace {
 
 using namespace editor_fixture;

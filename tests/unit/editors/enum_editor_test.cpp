@@ -1,5 +1,5 @@
-#include <frontpanel_device/memory_device.h>
 #include <frontpanel_editors/enum_editor.h>
+#include <frontpanel_simulator/memory_device.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -7,6 +7,8 @@
 
 #include "editor_fixture.h"
 #include "support/fake_binding.h"
+
+using namespace frontpanel;
 
 namespace {
 

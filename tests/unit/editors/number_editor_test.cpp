@@ -1,12 +1,14 @@
 #include <frontpanel_binding/expression_binding.h>
-#include <frontpanel_device/memory_device.h>
 #include <frontpanel_editors/number_editor.h>
+#include <frontpanel_simulator/memory_device.h>
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <memory>
 
 #include "support/indexes.h"
+
+using namespace frontpanel;
 
 namespace {
 

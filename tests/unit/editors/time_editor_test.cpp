@@ -3,6 +3,8 @@
 
 #include "editor_fixture.h"
 
+using namespace frontpanel;
+
 namespace {
 
 using namespace editor_fixture;

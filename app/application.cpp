@@ -1,0 +1,334 @@
+#include "application.h"
+
+#include <fcntl.h>
+#include <frontpanel_data/data_entry.h>
+#include <unistd.h>
+
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <variant>
+
+#include <frontpanel_base/atomic_file.h>
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_base/problems.h>
+#include <frontpanel_displays/lcdproc_display.h>
+#include <frontpanel_displays/picture.h>
+#include <frontpanel_displays/terminal.h>
+#include <frontpanel_displays/text_display.h>
+#include <frontpanel_menu/explain.h>
+#include <frontpanel_menu/menu_dump.h>
+#include <frontpanel_menu/menu_graph.h>
+#include <frontpanel_menu/menu_loader.h>
+#include <frontpanel_simulator/state_file.h>
+#include <frontpanel_simulator/state_keeper.h>
+#include <frontpanel_ui/controller.h>
+#include <frontpanel_ui/device_link.h>
+#include <frontpanel_ui/main_loop.h>
+#include <frontpanel_ui/script_player.h>
+#include <frontpanel_ui/session.h>
+#include "curl_home.h"
+#include "options.h"
+#include "output_log.h"
+#include "shipped.h"
+
+namespace frontpanel {
+namespace {
+
+// The library tells what is wrong with an expression on standard error, where the panel has one line to say.
+Loaded_menu load(const Options& options, Output_log& log, Cards cards) {
+    log.take_errors();
+    Loaded_menu loaded = load_menu(options.menu, {cards, options.size.columns});
+    log.return_errors();
+    return loaded;
+}
+
+int check(const Options& options, Output_log& log) {
+    const Loaded_menu loaded = load(options, log, Cards::OFF);
+    if (!options.script.empty()) {
+        parse_script(options.script, read_input_file(options.script));
+    }
+    for (const std::string& warning : loaded.warnings) {
+        std::cerr << warning << '\n';
+    }
+    log.out() << options.menu << ": a menu of " << loaded.menu->entry_count() << " entries\n";
+    return EXIT_PLAYED;
+}
+
+void check_written(bool failed) {
+    if (failed) {
+        throw Input_error("standard output cannot be written");
+    }
+}
+
+int play(const Script& script, Controller& controller, Menu& menu, Display& display,
+         std::ostream& out) {
+    Script_player player(controller, menu.device(), menu.cards(), display, out, std::cerr);
+    const int differences = player.play(script);
+    if (differences != 0) {
+        std::cerr << script.file << ": " << differences << " expectation"
+                  << (differences == 1 ? "" : "s") << " not met\n";
+        return EXIT_DIFFERENCE;
+    }
+    check_written(!out);
+    return EXIT_PLAYED;
+}
+
+// The picture is taken when the script is over, also of what should have been otherwise.
+int take_picture(const Options& options, const Script& script, Controller& controller, Menu& menu) {
+    check_writable(options.screenshot);
+    Picture_display display(options.screenshot);
+    std::ostringstream unseen;
+    const int status = play(script, controller, menu, display, unseen);
+    display.finish();
+    return status;
+}
+
+// Without a terminal the shipped menu shows its tour; another menu or display needs a script of its own.
+std::string script_of(const Options& options) {
+    if (!options.script.empty()) {
+        return options.script;
+    }
+    const Lcd_size usual;
+    if (options.menu != shipped_menu() || options.size.columns != usual.columns ||
+        options.size.rows != usual.rows) {
+        throw Input_error("standard output is no terminal: name a script with --script");
+    }
+    return shipped_tour();
+}
+
+bool has_terminal(const Output_log& log) {
+    return isatty(log.out_descriptor()) != 0;
+}
+
+// Whether a person uses the panel; otherwise a script is played.
+bool is_interactive(const Options& options, const Output_log& log) {
+    switch (options.display.kind) {
+        case Display_choice::TERMINAL:
+        case Display_choice::LCDPROC:
+            return true;
+        case Display_choice::TEXT:
+            return false;
+        case Display_choice::USUAL:
+            break;
+    }
+    return options.script.empty() && options.screenshot.empty() && has_terminal(log);
+}
+
+void check_terminal(const Options& options, const Output_log& log) {
+    if (!options.script.empty() || !options.screenshot.empty()) {
+        throw Input_error("scripts and pictures are for the display \"text\"");
+    }
+    if (options.display.kind == Display_choice::LCDPROC) {
+        return;
+    }
+    if (!has_terminal(log)) {
+        throw Input_error("standard output is no terminal: name a script with --script");
+    }
+    if (isatty(STDIN_FILENO) == 0) {
+        throw Input_error("standard input is no terminal: name a script with --script");
+    }
+}
+
+// What is in the file is never repeated in a message.
+std::optional<std::string> pin_of(const Options& options) {
+    if (options.pin_file.empty()) {
+        return std::nullopt;
+    }
+    std::string pin = read_input_file(options.pin_file);
+    while (!pin.empty() && (pin.back() == '\n' || pin.back() == '\r')) {
+        pin.pop_back();
+    }
+    if (!is_pin(pin)) {
+        throw Input_error(options.pin_file + ": expected a PIN of " + std::to_string(SHORTEST_PIN) +
+                          " to " + std::to_string(LONGEST_PIN) + " digits");
+    }
+    return pin;
+}
+
+// What the transfers of live data need while the cards run.
+std::optional<Curl_home> prepare_transfers(Menu& menu) {
+    if (menu.cards() == nullptr) {
+        return std::nullopt;
+    }
+    if (!can_post()) {
+        std::cerr << "warning: live values cannot be posted: /dev is not writable\n";
+    }
+    return std::optional<Curl_home>(std::in_place);
+}
+
+// What is played while nobody is at the keys. A picture needs no script: then it is of the start.
+Script script_to_play(const Options& options) {
+    if (options.script.empty() && !options.screenshot.empty()) {
+        return {};
+    }
+    const std::string file = script_of(options);
+    return parse_script(file, read_input_file(file));
+}
+
+std::unique_ptr<Front> open_front(const Options& options, const Output_log& log) {
+    if (options.display.kind == Display_choice::LCDPROC) {
+        const std::optional<Lcd_size> size =
+            options.has_size ? std::optional<Lcd_size>(options.size) : std::nullopt;
+        return std::make_unique<Lcdproc_display>(options.display, options.keys, size, std::cerr);
+    }
+    return std::make_unique<Terminal>(log.out_descriptor());
+}
+
+// A terminal that shows the panel has no room for what is said to standard error meanwhile.
+int use_front(const Options& options, Controller& controller, Data_interface& device,
+              Output_log& log, const End_watch& end) {
+    const bool on_terminal = options.display.kind != Display_choice::LCDPROC;
+    if (on_terminal) {
+        log.take_errors();
+    }
+    device.time_for_timeout = options.time_out;
+    const auto clock = [] { return std::chrono::steady_clock::now(); };
+    controller.set_clock([] {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(now);
+    });
+    Session session(controller, device, pin_of(options), clock());
+    const int status = Main_loop(session, *open_front(options, log), clock).run(end);
+    if (on_terminal) {
+        log.return_errors();
+    }
+    return status;
+}
+
+Encoder_settings encoder_of(const Options& options, Menu& menu) {
+    Encoder_settings encoder = menu.encoder_settings();
+    encoder.acceleration = encoder.acceleration && !options.no_acceleration;
+    return encoder;
+}
+
+int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log,
+        const std::optional<End_watch>& end) {
+    Controller controller(menu.root(), link_to(menu), options.size);
+    controller.show_home(home_of(menu));
+    controller.set_log(log.lines());
+    controller.configure(encoder_of(options, menu), &menu.editor_settings());
+    menu.bindings()->set_warning_listener(
+        [&controller](const std::string& text) { controller.warn(text); });
+    controller.set_warning_armer([&menu] { menu.bindings()->arm_warnings(); });
+    if (end) {
+        return use_front(options, controller, menu.access(), log, *end);
+    }
+    if (!options.screenshot.empty()) {
+        return take_picture(options, *script, controller, menu);
+    }
+    Text_display display(log.out());
+    return play(*script, controller, menu, display, log.out());
+}
+
+void warn(const std::string& line) {
+    std::cerr << "warning: " << line << '\n';
+}
+
+// Where the values cannot be written the panel can be used all the same; the end tells what was not kept.
+int use_keeping_values(const Options& options, Menu& menu, const std::function<int()>& use) {
+    if (options.state.empty()) {
+        return use();
+    }
+    State_file file(options.state, menu.device(), menu.cards());
+    for (const std::string& line : file.restore()) {
+        warn(line);
+    }
+    try {
+        check_writable(options.state);
+    } catch (const Input_error& error) {
+        warn(error.what());
+    }
+    State_keeper keeper(file, menu.device(), menu.cards());
+    const int status = use();
+    keeper.finish();
+    return status;
+}
+
+bool is_report(const Options& options) {
+    return options.dump || options.graph || !options.explain.empty();
+}
+
+// What the library prints while the menu is read goes to the log as ever, so that standard output is the report.
+int report(const Options& options) {
+    Loaded_menu loaded;
+    {
+        Output_log log(options.log);
+        debug = options.debug;
+        loaded = load(options, log, Cards::OFF);
+        Menu& menu = *loaded.menu;
+        VarIdDataInfStore::m_pDataAccessInf = &menu.access();
+        refresh_all(menu);
+        if (!options.dump) {
+            log.out() << (options.graph ? graph_of(menu) : explain(menu, options.explain));
+            log.out().flush();
+            check_written(!log.out());
+            return EXIT_PLAYED;
+        }
+        debug = 0;
+    }
+    print_tree(*loaded.menu);
+    check_written(std::fflush(stdout) != 0 || std::ferror(stdout) != 0);
+    return EXIT_PLAYED;
+}
+
+int show(const Options& options, Output_log& log) {
+    std::optional<End_watch> end;  // for a person at the panel
+    if (is_interactive(options, log)) {
+        check_terminal(options, log);
+        end.emplace();
+    }
+    const Loaded_menu loaded = load(options, log, Cards::ON);
+    std::optional<Script> script;
+    if (!end) {
+        script = script_to_play(options);
+    }
+    Menu& menu = *loaded.menu;
+    const std::optional<Curl_home> curl_home = prepare_transfers(menu);
+    VarIdDataInfStore::m_pDataAccessInf = &menu.access();
+    return use_keeping_values(options, menu, [&] { return use(options, script, menu, log, end); });
+}
+
+// A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to
+// standard error would then disturb.
+void hold_standard_error() {
+    if (fcntl(STDERR_FILENO, F_GETFD) >= 0) {
+        return;
+    }
+    const int nothing = open("/dev/null", O_WRONLY);
+    if (nothing >= 0 && nothing != STDERR_FILENO) {
+        dup2(nothing, STDERR_FILENO);
+        close(nothing);
+    }
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+    hold_standard_error();
+    const auto parsed = parse_options(argc, argv, std::cout, std::cerr);
+    if (const int* const status = std::get_if<int>(&parsed)) {
+        return *status;
+    }
+    const Options& options = std::get<Options>(parsed);
+    try {
+        if (is_report(options)) {
+            return report(options);
+        }
+        Output_log log(options.log);
+        debug = options.debug;
+        return options.check ? check(options, log) : show(options, log);
+    } catch (const Input_errors& errors) {
+        for (const std::string& line : errors.lines()) {
+            std::cerr << line << '\n';
+        }
+        return EXIT_BAD_INPUT;
+    } catch (const Input_error& error) {
+        std::cerr << "frontpanel: " << error.what() << '\n';
+        return EXIT_BAD_INPUT;
+    }
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,184 @@
+#include "options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include <frontpanel_base/input_error.h>
+#include "output_log.h"
+#include "shipped.h"
+
+namespace frontpanel {
+namespace {
+
+std::optional<int> dimension(const std::string& text, int min, int max) {
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stopped != end || number < min || number > max) {
+        return std::nullopt;
+    }
+    return number;
+}
+
+std::string size_text(Lcd_size size) {
+    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
+}
+
+// "20x2". Returns an empty text, or what is wrong, as CLI11 wants it.
+std::string parse_size(const std::string& text, Lcd_size& size) {
+    const size_t middle = std::min(text.find('x'), text.size());
+    const auto columns =
+        dimension(text.substr(0, middle), SMALLEST_LCD.columns, LARGEST_LCD.columns);
+    const auto rows = dimension(text.substr(std::min(middle + 1, text.size())), SMALLEST_LCD.rows,
+                                LARGEST_LCD.rows);
+    if (!columns || !rows) {
+        return "expected COLUMNSxROWS from " + size_text(SMALLEST_LCD) + " to " +
+               size_text(LARGEST_LCD) + ", found \"" + text + "\"";
+    }
+    size = {*columns, *rows};
+    return "";
+}
+
+// An empty name is refused: it mostly comes from a variable that was never set.
+void add_file(CLI::App& app, const std::string& name, std::string& file,
+              const std::string& description) {
+    app.add_option(name, file, description)->type_name("FILE")->check([](const std::string& given) {
+        return given.empty() ? "expected the name of a file" : std::string();
+    });
+}
+
+// The columns of a line of help: an option, then what it does.
+constexpr size_t OPTION_WIDTH = 27;
+
+// The whole help, which fits a terminal of 24 lines: a line an option, and what people do with them.
+class Help : public CLI::Formatter {
+public:
+    std::string make_help(const CLI::App* app, std::string /*name*/,
+                          CLI::AppFormatMode /*mode*/) const override {
+        std::string text = app->get_description() + "\n\n";
+        for (const CLI::Option* const option : app->get_options()) {
+            const std::string& letter = option->get_snames().empty() ? "" : option->get_snames()[0];
+            std::string left = letter.empty() ? "      " : "  -" + letter + ", ";
+            left += "--" + option->get_lnames()[0];
+            if (option->get_expected_min() != 0) {
+                left += " " + option->get_type_name();
+            }
+            left.resize(std::max(left.size() + 1, OPTION_WIDTH), ' ');
+            text += left + option->get_description() + "\n";
+        }
+        return text + "\n" + app->get_footer() + "\n";
+    }
+};
+
+// An option whose text is parsed elsewhere, which throws Input_error.
+template <typename Value, typename Parse>
+CLI::Option* add_parsed(CLI::App& app, const std::string& name, Value& value, Parse parse,
+                        const std::string& description) {
+    const auto take = [name, &value, parse](const std::string& text) {
+        try {
+            value = parse(text);
+        } catch (const Input_error& error) {
+            throw CLI::ValidationError(name, error.what());
+        }
+    };
+    return app.add_option_function<std::string>(name, take, description);
+}
+
+int parse_time_out(const std::string& text) {
+    constexpr int LONGEST = 86400;
+    const std::optional<int> seconds = dimension(text, 0, LONGEST);
+    if (!seconds) {
+        throw Input_error("expected seconds from 0 to " + std::to_string(LONGEST) + ", found \"" +
+                          text + "\"");
+    }
+    return *seconds;
+}
+
+void describe_front(CLI::App& app, Options& options) {
+    add_parsed(app, "--display", options.display, parse_display,
+               "terminal, text, lcdproc[:ADDRESS[:PORT]]")
+        ->type_name("DISPLAY");
+    add_parsed(app, "--keys", options.keys, parse_key_map,
+               "Keys of lcdproc, such as Enter=select,F1=1")
+        ->type_name("KEYS");
+    add_parsed(app, "--timeout", options.time_out, parse_time_out,
+               "Rests without keys for so long, 300; 0: never")
+        ->type_name("SECONDS");
+    app.add_flag("--no-acceleration", options.no_acceleration,
+                 "A quick turn of the encoder counts as a slow one");
+    add_file(app, "--pin-file", options.pin_file, "A resting panel asks for the PIN in this file");
+}
+
+// What is printed in place of showing the panel.
+void describe_reports(CLI::App& app, Options& options) {
+    CLI::Option* const dump =
+        app.add_flag("--dump", options.dump, "Only print the menu, a line each");
+    CLI::Option* const graph =
+        app.add_flag("--graph", options.graph, "Only print the menu for Graphviz");
+    CLI::Option* const explain =
+        app.add_option("--explain", options.explain, "Only tell why an entry is as it is")
+            ->type_name("ENTRY")
+            ->check([](const std::string& given) {
+                return given.empty() ? "expected a path or an id" : std::string();
+            });
+    dump->excludes(graph)->excludes(explain);
+    graph->excludes(explain);
+}
+
+// Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1 and one in
+// packaging/completion.
+void describe(CLI::App& app, Options& options) {
+    app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("--version", "frontpanel " FRONTPANEL_VERSION, "Print the version");
+    add_file(app, "--menu", options.menu, "The menu to show (docs/menu-file.md)");
+    add_file(app, "--script", options.script, "Play a script, not the keyboard (docs/scripts.md)");
+    app.add_option_function<std::string>(
+           "--size",
+           [&options](const std::string& text) {
+               const std::string error = parse_size(text, options.size);
+               if (!error.empty()) {
+                   throw CLI::ValidationError("--size", error);
+               }
+               options.has_size = true;
+           },
+           "The display's characters, 20x2 unless told")
+        ->type_name("COLUMNSxROWS");
+    add_file(app, "--state", options.state, "Keep the device's values in this file");
+    add_file(app, "--screenshot", options.screenshot, "Make an SVG picture of the panel, and end");
+    add_file(app, "--log", options.log, "Where the library's diagnostics go");
+    app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401")
+        ->type_name("MASK");
+    describe_front(app, options);
+    app.add_flag("--check", options.check, "Only check the menu, and the script if any");
+    describe_reports(app, options);
+    app.footer(
+        "frontpanel --menu my.json --state my.values     values survive a restart\n"
+        "frontpanel --menu my.json --check               what is wrong with a menu\n"
+        "frontpanel --script my.script --screenshot my.svg");
+    app.formatter(std::make_shared<Help>());
+}
+
+}  // namespace
+
+std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
+                                         std::ostream& errors) {
+    Options options;
+    options.menu = shipped_menu();
+    CLI::App app("Shows a device's front-panel menu in the terminal, or plays a script on it.",
+                 "frontpanel");
+    describe(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        app.exit(help, out, errors);
+        return EXIT_PLAYED;
+    } catch (const CLI::Error& error) {
+        errors << "frontpanel: " << one_line(error.what()) << '\n';
+        return EXIT_BAD_INPUT;
+    }
+    return options;
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,48 @@
+// The command line of the panel application.
+#ifndef FRONTPANEL_APP_OPTIONS_H
+#define FRONTPANEL_APP_OPTIONS_H
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <variant>
+
+#include <frontpanel_display/lcd.h>
+#include <frontpanel_displays/display_choice.h>
+#include <frontpanel_displays/key_map.h>
+
+namespace frontpanel {
+
+// Exit statuses of the application.
+inline constexpr int EXIT_PLAYED = 0;      // all went well
+inline constexpr int EXIT_DIFFERENCE = 1;  // the script's expectations were not met
+inline constexpr int EXIT_BAD_INPUT = 2;   // an option, the menu or the script is wrong
+
+struct Options {
+    std::string menu;        // file; the shipped menu unless another is named
+    std::string script;      // file; empty: none was named
+    std::string log;         // file; empty: the default place
+    std::string state;       // file with the device's values; empty: they are not kept
+    std::string screenshot;  // file for a picture; empty: the panel is shown instead
+    Lcd_size size;
+    bool has_size = false;  // `size` was named
+    Display_choice display;
+    Key_map keys = usual_keys();   // of a display server
+    int time_out = 300;            // seconds without a key until the panel rests; 0 for never
+    std::string pin_file;          // empty: the panel does not lock
+    bool no_acceleration = false;  // of the encoder, whatever the menu says
+    uint32_t debug = 0;            // mask of the library's diagnostics
+    bool dump = false;             // only print the menu
+    bool graph = false;            // only print the menu as a graph
+    std::string explain;           // only tell of this entry; empty for none
+    bool check = false;            // only check the menu, and the script if one is named
+};
+
+// The options, or the status to exit with: after the help or the version was printed to `out`, or one line that
+// tells what is wrong to `errors`.
+std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
+                                         std::ostream& errors);
+
+}  // namespace frontpanel
+
+#endif

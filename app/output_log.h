@@ -1,0 +1,59 @@
+// Keeps what the library prints off the panel's screen.
+#ifndef FRONTPANEL_APP_OUTPUT_LOG_H
+#define FRONTPANEL_APP_OUTPUT_LOG_H
+
+#include <ostream>
+#include <streambuf>
+#include <string>
+
+#include <frontpanel_ui/log_lines.h>
+
+namespace frontpanel {
+
+// Where diagnostics go unless a file is named: the user's state folder, or else the folder for temporary
+// files.
+std::string default_log_file();
+
+// While it lives, whatever is printed to standard output goes to a file; the panel itself prints to `out`. One
+// at a time: it is the library's listener.
+class Output_log {
+public:
+    // An empty name stands for the default file. Input_error when it cannot be written.
+    explicit Output_log(const std::string& file);
+    ~Output_log();
+    Output_log(const Output_log&) = delete;
+    Output_log& operator=(const Output_log&) = delete;
+
+    // What was standard output. Bad once something could not be written there.
+    std::ostream& out() { return m_out; }
+    int out_descriptor() const { return m_buffer.descriptor(); }
+    // What went to the file, as far as it is one that can be read.
+    Log_lines& lines() { return m_lines; }
+    // Takes standard error into the log too, until it is returned or the object is gone: the terminal has no
+    // place for it while the panel is on the screen.
+    void take_errors();
+    void return_errors();
+
+private:
+    class Descriptor_buffer : public std::streambuf {
+    public:
+        explicit Descriptor_buffer(int descriptor) : m_descriptor(descriptor) {}
+        int descriptor() const { return m_descriptor; }
+
+    protected:
+        int overflow(int character) override;
+        std::streamsize xsputn(const char* text, std::streamsize length) override;
+
+    private:
+        int m_descriptor;
+    };
+
+    Descriptor_buffer m_buffer;
+    std::ostream m_out;
+    int m_errors = -1;  // what was standard error, once taken
+    Log_lines m_lines;
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,79 @@
+#include <frontpanel_base/end_watch.h>
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_base/signal_cleanup.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr int WATCHED[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int STOP = SIGUSR2;  // sent only to the watch's thread, by its owner
+
+timespec span_of(std::chrono::milliseconds time) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    return {seconds.count(), std::chrono::nanoseconds(time - seconds).count()};
+}
+
+}  // namespace
+
+End_watch::End_watch(std::chrono::milliseconds patience) : m_patience(patience) {
+    if (pipe2(m_wake, O_CLOEXEC | O_NONBLOCK) != 0) {
+        throw Input_error(std::string("no pipe can be made: ") + std::strerror(errno));
+    }
+    sigemptyset(&m_watched);
+    for (const int signal_number : WATCHED) {
+        struct sigaction action = {};
+        sigaction(signal_number, nullptr, &action);
+        if (action.sa_handler != SIG_IGN) {
+            sigaddset(&m_watched, signal_number);
+        }
+    }
+    pthread_sigmask(SIG_BLOCK, &m_watched, &m_before);
+    // The thread takes no other signal: those have handlers that belong to the menu thread.
+    sigset_t all;
+    sigfillset(&all);
+    sigset_t of_caller;
+    pthread_sigmask(SIG_SETMASK, &all, &of_caller);
+    m_thread = std::thread([this] { watch(); });
+    pthread_sigmask(SIG_SETMASK, &of_caller, nullptr);
+}
+
+End_watch::~End_watch() {
+    m_stopped = true;
+    pthread_kill(m_thread.native_handle(), STOP);
+    m_thread.join();
+    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    close(m_wake[0]);
+    close(m_wake[1]);
+}
+
+void End_watch::watch() {
+    sigset_t awaited = m_watched;
+    sigaddset(&awaited, STOP);
+    int taken = 0;
+    while (sigwait(&awaited, &taken) != 0) {
+    }
+    if (m_stopped) {
+        return;
+    }
+    m_signal = taken;
+    if (write(m_wake[1], "", 1) != 1) {
+        end_by_signal(taken);
+    }
+    const timespec patience = span_of(m_patience);
+    while (sigtimedwait(&awaited, nullptr, &patience) < 0 && errno == EINTR) {
+    }
+    if (!m_stopped) {
+        end_by_signal(taken);
+    }
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,26 @@
+// The character set of the panel's displays: ISO-8859-1, one byte a cell.
+//
+// Texts reach the panel as UTF-8, and bytewise: the library cuts and scrolls them without regard to characters.
+#ifndef FRONTPANEL_BASE_CHARACTER_SET_H
+#define FRONTPANEL_BASE_CHARACTER_SET_H
+
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace frontpanel {
+
+// The cells of a UTF-8 text. Dashes and quotation marks become their plain forms; what a display cannot show
+// (controls, characters beyond ISO-8859-1, damaged bytes) becomes one '?' for each character, or each damaged
+// byte. Characters that were lost so are added to `lost`.
+std::string cells_of(std::string_view text, std::set<char32_t>& lost);
+
+// The cells as UTF-8 text.
+std::string text_of(std::string_view cells);
+
+// "U+20AC".
+std::string code_point_name(char32_t character);
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,25 @@
+// What is wrong with a file or an option that somebody gave to the panel.
+#ifndef FRONTPANEL_BASE_INPUT_ERROR_H
+#define FRONTPANEL_BASE_INPUT_ERROR_H
+
+#include <stdexcept>
+#include <string>
+
+namespace frontpanel {
+
+// A text on one line: control characters, which a quoted input may hold, become '?', and the middle of a
+// text beyond 1000 bytes is left out.
+std::string one_line(std::string text);
+
+// `what()` is one line: file, place in it, and what was expected.
+class Input_error : public std::runtime_error {
+public:
+    explicit Input_error(const std::string& text) : std::runtime_error(one_line(text)) {}
+};
+
+// The text of a file. Input_error when it cannot be read or is larger than any file of ours.
+std::string read_input_file(const std::string& path);
+
+}  // namespace frontpanel
+
+#endif

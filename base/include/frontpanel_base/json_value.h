@@ -1,0 +1,73 @@
+// A value of a menu file with its place, so that whatever is wrong with it is told where it stands.
+#ifndef FRONTPANEL_BASE_JSON_VALUE_H
+#define FRONTPANEL_BASE_JSON_VALUE_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <frontpanel_base/json_document.h>
+#include <frontpanel_base/problems.h>
+
+namespace frontpanel {
+
+// Every operation throws Placed_error ("menu.json:3:17: expected ...") when the value is not of the kind that
+// is asked for. The document and the problems outlive the values.
+class Json_value {
+public:
+    Json_value(const Json_node& node, Problems& problems) : m_node(&node), m_problems(&problems) {}
+
+    // An object's member that must be there; one that may be there.
+    Json_value member(const char* name) const;
+    std::optional<Json_value> find(const char* name) const;
+    // An object's members in the document's order; one that comes twice is reported and left out.
+    struct Member;
+    std::vector<Member> members() const;
+    // Reports any member that is not among `known`, or comes twice.
+    void expect_members(const std::vector<const char*>& known) const;
+    // The elements of a list.
+    std::vector<Json_value> items() const;
+    // The same of a list that holds 1 to `most` elements, `what` of them by name.
+    std::vector<Json_value> some_items(size_t most, const std::string& what) const;
+
+    bool is_text() const;
+    bool is_object() const;
+    int64_t integer(int64_t min, int64_t max) const;
+    bool boolean() const;
+    // Printable ASCII, since that is what the display shows.
+    std::string text() const;
+    // The same, with line ends: what no display shows.
+    std::string text_with_lines() const;
+    std::string text_of_length(size_t min, size_t max) const;
+    // The text, which must be one of `known`: its place among them.
+    size_t choice(const std::vector<const char*>& known) const;
+
+    // The value as a JSON text.
+    std::string json() const;
+
+    const Place& place() const { return m_node->place; }
+    // The place of a character of a text, from 0; escapes count as they are usually written.
+    Place place_in_text(size_t offset) const;
+    // Throws an error at this place, or only reports it, or tells what is allowed but probably not meant.
+    [[noreturn]] void fail(const std::string& text) const;
+    void report(const std::string& text) const;
+    void warn(const std::string& text) const;
+
+private:
+    void expect_object() const;
+    [[noreturn]] void fail_type(const char* expected) const;
+
+    const Json_node* m_node;
+    Problems* m_problems;
+};
+
+struct Json_value::Member {
+    std::string name;
+    Place place;  // of the name
+    Json_value value;
+};
+
+}  // namespace frontpanel
+
+#endif

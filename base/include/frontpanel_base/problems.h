@@ -1,0 +1,104 @@
+// What is wrong with an input file, collected so that everything is told at once.
+#ifndef FRONTPANEL_BASE_PROBLEMS_H
+#define FRONTPANEL_BASE_PROBLEMS_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <frontpanel_base/input_error.h>
+
+namespace frontpanel {
+
+// A file that was read. Files are told apart, and put in order, by their number.
+struct Source {
+    std::string name;
+    size_t number;
+};
+
+// Where something stands in a file. Lines and columns count from 1, columns in bytes.
+struct Place {
+    const Source* source;
+    size_t line;
+    size_t column;
+    // For what was written once and stands in several places: which of them, such as "n = 3"; null elsewhere.
+    const std::string* copy;
+};
+
+// "menu.json:3:17: TEXT", with the copy in parentheses behind it.
+std::string line_of(const Place& place, const std::string& text);
+
+// Thrown when work on one part of a file cannot go on; `what()` is the whole line.
+class Placed_error : public Input_error {
+public:
+    Placed_error(const Place& place, const std::string& text)
+        : Input_error(line_of(place, text)), m_place(place) {}
+
+    const Place& place() const { return m_place; }
+
+private:
+    Place m_place;
+};
+
+// Ends work whose reason has been told already. Never leaves the loader.
+struct Told_already {};
+
+// Everything that is wrong with a file; `what()` is the first line.
+class Input_errors : public Input_error {
+public:
+    explicit Input_errors(std::vector<std::string> lines)
+        : Input_error(lines.front()), m_lines(std::move(lines)) {}
+
+    const std::vector<std::string>& lines() const { return m_lines; }
+
+private:
+    std::vector<std::string> m_lines;
+};
+
+class Problems {
+public:
+    static constexpr size_t MOST_LINES = 200;  // of errors, and of warnings
+
+    void report(const Place& place, const std::string& text);
+    void warn(const Place& place, const std::string& text);
+
+    // Does `work`; an error that it throws is reported. Whether it came to its end.
+    template <typename Work>
+    bool attempt(Work work) {
+        try {
+            work();
+            return true;
+        } catch (const Placed_error& error) {
+            add_error(error.place(), error.what());
+        } catch (const Told_already&) {
+        }
+        return false;
+    }
+    // What `read` returns, or `otherwise` when it throws an error, which is reported.
+    template <typename Read, typename Value>
+    Value value_or(Read read, Value otherwise) {
+        attempt([&] { otherwise = read(); });
+        return otherwise;
+    }
+
+    size_t error_count() const { return m_error_count; }
+    // Each line once, in the order of the files.
+    std::vector<std::string> errors() const { return lines(m_errors); }
+    std::vector<std::string> warnings() const { return lines(m_warnings); }
+
+private:
+    struct Problem {
+        Place place;
+        std::string line;
+    };
+    void add_error(const Place& place, const std::string& line);
+    static std::vector<std::string> lines(std::vector<Problem> problems);
+
+    size_t m_error_count = 0;  // those that are not kept included
+    std::vector<Problem> m_errors;
+    std::vector<Problem> m_warnings;
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,264 @@
+#include <frontpanel_base/json_value.h>
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <algorithm>
+#include <set>
+
+namespace frontpanel {
+namespace {
+
+using Kind = Json_node::Kind;
+using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+
+const char* name_of(Kind kind) {
+    switch (kind) {
+        case Kind::NOTHING:
+            return "null";
+        case Kind::BOOLEAN:
+            return "true or false";
+        case Kind::INTEGER:
+            return "a whole number";
+        case Kind::REAL:
+            return "a number";
+        case Kind::TEXT:
+            return "a text";
+        case Kind::LIST:
+            return "a list";
+        case Kind::OBJECT:
+            return "an object";
+        case Kind::WRONG:
+            break;
+    }
+    return "nothing";
+}
+
+bool is_printable(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+bool is_integer(const Json_node& node) {
+    return node.kind == Kind::INTEGER || (node.kind == Kind::TEXT && node.is_number);
+}
+
+void write_text(Writer& writer, const std::string& text) {
+    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
+
+void write(Writer& writer, const Json_node& node) {
+    switch (node.kind) {
+        case Kind::NOTHING:
+        case Kind::REAL:
+        case Kind::WRONG:
+            writer.Null();
+            break;
+        case Kind::BOOLEAN:
+            writer.Bool(node.boolean);
+            break;
+        case Kind::INTEGER:
+            writer.Int64(node.number);
+            break;
+        case Kind::TEXT:
+            write_text(writer, node.text);
+            break;
+        case Kind::LIST:
+            writer.StartArray();
+            for (const Json_node& element : node.elements) {
+                write(writer, element);
+            }
+            writer.EndArray();
+            break;
+        case Kind::OBJECT:
+            writer.StartObject();
+            for (const Json_member& member : node.members) {
+                write_text(writer, member.name);
+                write(writer, member.value);
+            }
+            writer.EndObject();
+            break;
+    }
+}
+
+}  // namespace
+
+Place Json_value::place_in_text(size_t offset) const {
+    constexpr size_t QUOTE = 1;
+    Place place = m_node->place;
+    if (place.copy != nullptr) {
+        return place;  // what was written is not what stands here
+    }
+    const std::string before = m_node->text.substr(0, offset);
+    const auto is_escaped = [](char c) { return c == '"' || c == '\\' || (c >= 0 && c < ' '); };
+    place.column += QUOTE + before.size() +
+                    static_cast<size_t>(std::count_if(before.begin(), before.end(), is_escaped));
+    return place;
+}
+
+void Json_value::fail(const std::string& text) const {
+    if (m_node->kind == Kind::WRONG) {
+        throw Told_already();
+    }
+    throw Placed_error(m_node->place, text);
+}
+
+void Json_value::report(const std::string& text) const {
+    m_problems->report(m_node->place, text);
+}
+
+void Json_value::warn(const std::string& text) const {
+    m_problems->warn(m_node->place, text);
+}
+
+void Json_value::fail_type(const char* expected) const {
+    fail(std::string("expected ") + expected + ", found " + name_of(m_node->kind));
+}
+
+void Json_value::expect_object() const {
+    if (!is_object()) {
+        fail_type("an object");
+    }
+}
+
+std::optional<Json_value> Json_value::find(const char* name) const {
+    expect_object();
+    const Json_node* const found = m_node->member(name);
+    return found == nullptr ? std::nullopt
+                            : std::optional<Json_value>(Json_value(*found, *m_problems));
+}
+
+Json_value Json_value::member(const char* name) const {
+    const std::optional<Json_value> found = find(name);
+    if (!found) {
+        fail(std::string("expected a member \"") + name + "\"");
+    }
+    return *found;
+}
+
+std::vector<Json_value::Member> Json_value::members() const {
+    expect_object();
+    std::vector<Member> members;
+    std::set<std::string> seen;
+    for (const Json_member& member : m_node->members) {
+        if (seen.insert(member.name).second) {
+            members.push_back({member.name, member.place, Json_value(member.value, *m_problems)});
+        } else {
+            m_problems->report(member.place, "member \"" + member.name + "\" comes twice");
+        }
+    }
+    return members;
+}
+
+void Json_value::expect_members(const std::vector<const char*>& known) const {
+    for (const Member& member : members()) {
+        if (std::find(known.begin(), known.end(), member.name) == known.end()) {
+            m_problems->report(member.place, "unknown member \"" + member.name + "\"");
+        }
+    }
+}
+
+std::vector<Json_value> Json_value::items() const {
+    if (m_node->kind != Kind::LIST) {
+        fail_type("a list");
+    }
+    std::vector<Json_value> items;
+    items.reserve(m_node->elements.size());
+    for (const Json_node& element : m_node->elements) {
+        items.emplace_back(element, *m_problems);
+    }
+    return items;
+}
+
+std::vector<Json_value> Json_value::some_items(size_t most, const std::string& what) const {
+    std::vector<Json_value> items = this->items();
+    if (items.empty() && m_node->is_incomplete) {
+        throw Told_already();
+    }
+    if (items.empty() || items.size() > most) {
+        fail("expected 1 to " + std::to_string(most) + " " + what + ", found " +
+             std::to_string(items.size()));
+    }
+    return items;
+}
+
+bool Json_value::is_text() const {
+    return m_node->kind == Kind::TEXT;
+}
+
+bool Json_value::is_object() const {
+    return m_node->kind == Kind::OBJECT;
+}
+
+int64_t Json_value::integer(int64_t min, int64_t max) const {
+    if (!is_integer(*m_node) || m_node->number < min || m_node->number > max) {
+        const std::string found =
+            is_integer(*m_node) ? std::to_string(m_node->number) : name_of(m_node->kind);
+        fail("expected a whole number from " + std::to_string(min) + " to " + std::to_string(max) +
+             ", found " + found);
+    }
+    return m_node->number;
+}
+
+bool Json_value::boolean() const {
+    if (m_node->kind != Kind::BOOLEAN) {
+        fail_type("true or false");
+    }
+    return m_node->boolean;
+}
+
+std::string Json_value::text() const {
+    if (!is_text()) {
+        fail_type("a text");
+    }
+    if (!is_printable(m_node->text)) {
+        fail("expected printable ASCII characters");
+    }
+    return m_node->text;
+}
+
+std::string Json_value::text_with_lines() const {
+    if (!is_text()) {
+        fail_type("a text");
+    }
+    std::string on_one_line = m_node->text;
+    std::replace(on_one_line.begin(), on_one_line.end(), '\n', ' ');
+    if (!is_printable(on_one_line)) {
+        fail("expected printable ASCII characters");
+    }
+    return m_node->text;
+}
+
+std::string Json_value::text_of_length(size_t min, size_t max) const {
+    std::string text = this->text();
+    if (text.size() < min || text.size() > max) {
+        fail("expected a text of " + std::to_string(min) + " to " + std::to_string(max) +
+             " characters, found " + std::to_string(text.size()));
+    }
+    return text;
+}
+
+size_t Json_value::choice(const std::vector<const char*>& known) const {
+    const std::string found = text();
+    const auto match = std::find(known.begin(), known.end(), found);
+    if (match == known.end()) {
+        std::string names;
+        for (size_t i = 0; i < known.size(); ++i) {
+            names += (i == 0              ? "\""
+                      : known.size() == 2 ? " or \""
+                                          : ", \"") +
+                     std::string(known[i]) + "\"";
+        }
+        fail("expected " + std::string(known.size() > 2 ? "one of " : "") + names + ", found \"" +
+             found + "\"");
+    }
+    return static_cast<size_t>(match - known.begin());
+}
+
+std::string Json_value::json() const {
+    rapidjson::StringBuffer buffer;
+    Writer writer(buffer);
+    write(writer, *m_node);
+    return {buffer.GetString(), buffer.GetSize()};
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,102 @@
+#include <frontpanel_binding/binding_registry.h>
+
+#include <utility>
+
+#include "binding_compiler.h"
+#include "binding_core.h"
+#include "binding_engine.h"
+#include "dependency_cycles.h"
+
+namespace frontpanel {
+
+std::string Compile_error::text() const {
+    return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + message;
+}
+
+Binding_registry::Binding_registry(Data_interface* iface)
+    : m_core(std::make_unique<binding_engine::Core>(iface)),
+      m_compiler(std::make_unique<binding_language::Compiler>()) {}
+
+Binding_registry::~Binding_registry() = default;
+
+Compile_result Binding_registry::compile(std::string_view source, RETURN_TYPE own_type) {
+    return m_compiler->compile(source, {m_parameters, own_type});
+}
+
+Data_interface* Binding_registry::interface() const {
+    return m_core->parameters.interface();
+}
+
+void Binding_registry::set_warning_listener(Warning_listener listener) {
+    m_warning_listener = std::move(listener);
+}
+
+void Binding_registry::arm_warnings() {
+    ++m_core->warning_round;
+}
+
+void Binding_registry::show_warning(const std::string& text) const {
+    if (m_warning_listener) {
+        m_warning_listener(text);
+    }
+}
+
+// ---- parameters
+
+var_index_map_t* Binding_registry::var_index_map() {
+    return &m_core->parameters.map();
+}
+
+void Binding_registry::watch(const var_index_s& key) {
+    m_core->parameters.watch(m_core->parameters.at(key));
+}
+
+void Binding_registry::unwatch(const var_index_s& key) {
+    if (binding_engine::Cached_parameter* const parameter = m_core->parameters.find(key)) {
+        m_core->parameters.unwatch(*parameter);
+    }
+}
+
+std::optional<return_s> Binding_registry::value(const var_index_s& key) const {
+    const binding_engine::Cached_parameter* const parameter = m_core->parameters.find(key);
+    if (parameter == nullptr || !parameter->is_known) {
+        return std::nullopt;
+    }
+    return_s value;
+    value.rt = parameter->rt;
+    value.i = parameter->number;
+    value.s = parameter->text;
+    return value;
+}
+
+const std::vector<var_index_s>& Binding_registry::poll(std::size_t at_most) {
+    return m_core->parameters.poll(at_most);
+}
+
+bool Binding_registry::has_unsettled() const {
+    return !m_core->cascade.is_at_rest();
+}
+
+Binding_settlement Binding_registry::settle(Data_interface* iface) {
+    return m_core->cascade.settle(iface != nullptr ? iface : interface());
+}
+
+void Binding_registry::set_product_options(std::map<std::string, unsigned int> options) {
+    m_core->options.set(std::move(options));
+}
+
+// ---- reports
+
+std::vector<Binding_cycle> Binding_registry::find_cycles() const {
+    return binding_engine::find_cycles(m_core->cascade);
+}
+
+std::optional<Binding_explanation> Binding_registry::explain(const Data_entry& entry) {
+    binding_engine::Engine* const engine = m_core->cascade.engine_of(&entry);
+    if (engine == nullptr) {
+        return std::nullopt;
+    }
+    return engine->explain();
+}
+
+}  // namespace frontpanel

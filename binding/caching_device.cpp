@@ -1,0 +1,81 @@
+#include <frontpanel_binding/caching_device.h>
+
+#include <string_view>
+#include <utility>
+
+#include "binding_core.h"
+
+namespace frontpanel {
+
+Caching_device::Caching_device(Data_interface& device, std::shared_ptr<Binding_registry> registry)
+    : m_device(device),
+      m_sockets(dynamic_cast<Pdt_data_access*>(&device)),
+      m_registry(std::move(registry)) {
+    go_home = device.go_home;
+    lock_and_dim = device.lock_and_dim;
+    time_for_timeout = device.time_for_timeout;
+    m_registry->core().parameters.set_caching_interface(this);
+}
+
+Caching_device::~Caching_device() {
+    m_registry->core().parameters.end_caching_interface(this);
+}
+
+void Caching_device::Init() {
+    m_device.Init();
+}
+
+int Caching_device::Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) {
+    const int result = m_device.Get(pid, varidx, buffer, length);
+    if (result == 0) {
+        m_registry->core().parameters.keep_read(pid, varidx, buffer, length);
+    } else {
+        m_registry->core().parameters.note_failure(pid, varidx, result);
+    }
+    return result;
+}
+
+int Caching_device::Set(unsigned int pid, unsigned int varidx, const void* buffer,
+                        unsigned int length) {
+    const int result = m_device.Set(pid, varidx, buffer, length);
+    if (result == 0) {
+        m_registry->core().parameters.keep_write(pid, varidx, buffer, length);
+    } else {
+        const std::string_view bytes(static_cast<const char*>(buffer), length);
+        m_registry->core().parameters.note_failed_write(pid, varidx, bytes, result);
+    }
+    return result;
+}
+
+int Caching_device::Get_prod_list(PROD_LIST_S* list, bool remote, bool refresh) {
+    return m_device.Get_prod_list(list, remote, refresh);
+}
+
+int Caching_device::Set_product_id(prod_id_t product) {
+    return m_device.Set_product_id(product);
+}
+
+int Caching_device::Get_prod_alias_name(char* name, prod_id_t product) {
+    return m_device.Get_prod_alias_name(name, product);
+}
+
+int Caching_device::Is_current_selection_local() {
+    return m_sockets != nullptr ? m_sockets->Is_current_selection_local() : LOCAL_SOCKET;
+}
+
+bool Caching_device::Is_use_selection_local() {
+    return m_sockets != nullptr && m_sockets->Is_use_selection_local();
+}
+
+int Caching_device::setCurrentRouterSocket(int socket) {
+    if (m_sockets == nullptr) {
+        return socket == LOCAL_SOCKET ? 0 : -1;
+    }
+    const int result = m_sockets->setCurrentRouterSocket(socket);
+    if (result == 0) {
+        m_registry->core().parameters.select_socket(socket);
+    }
+    return result;
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,157 @@
+// What the binding engines of one menu share: compiled rules, dependants and the device.
+//
+// A source text is compiled here into a binding list; the list is given to the `Expression_binding` of an
+// entry. The registry knows which entries depend on which parameter, so that a commit refreshes them. Menu
+// thread only.
+#ifndef FRONTPANEL_BINDING_BINDING_REGISTRY_H
+#define FRONTPANEL_BINDING_BINDING_REGISTRY_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <frontpanel_binding/binding_report.h>
+#include <frontpanel_binding/parameter_table.h>
+#include <frontpanel_data/binding.h>
+
+namespace frontpanel {
+
+namespace binding_engine {
+struct Core;
+}
+namespace binding_language {
+class Compiler;
+}
+
+// Why a source text was refused, and where. Lines and columns count from 1, columns in bytes.
+struct Compile_error {
+    std::size_t line;
+    std::size_t column;
+    std::string message;  // "expected a comparison (== != < <= > >=), found \"3\""
+    // The name in brackets when that is what is not declared: for whoever knows why it is not. Else empty.
+    std::string unknown_name = {};
+
+    std::string text() const;  // "line 1, column 12: MESSAGE"
+};
+
+// What a rule says as far as it is plain in the text: for whoever knows the entry and the device. A rule has a note
+// for each of its ranges, or of its keys, and one otherwise.
+struct Rule_note {
+    Suggestion_kind kind;
+    std::size_t
+        offset;  // in the text, in bytes: of the range, the key or the written value; else of the rule
+    // The ends of a range or of a run of keys, low first, or twice the number that is written; none when they are
+    // not plain numbers.
+    std::optional<std::pair<std::int32_t, std::int32_t>> numbers;
+    std::optional<std::size_t>
+        text_length;      // of a written text, in bytes; none when it is no plain text
+    var_index_s written;  // of a rule that writes
+};
+
+// A parameter of a text, where it is first named.
+struct Named_parameter {
+    var_index_s key;
+    std::size_t offset;  // in the text, in bytes: of what stands in the brackets
+};
+
+// The list of a source text, or its errors and an empty list.
+struct Compile_result {
+    BindingListT list;
+    std::vector<Rule_note> notes;             // in the order of the text
+    std::vector<Named_parameter> parameters;  // each once, read or written
+    // What is right and surely not meant: conditions and comparisons that read nothing. One for a rule at most.
+    std::vector<Compile_error> warnings;
+    std::optional<Compile_error> error;  // the first of `errors`
+    // In the order of the text: one for a rule at most, and 100 for a text.
+    std::vector<Compile_error> errors;
+
+    bool ok() const { return !error; }
+};
+
+class Binding_registry {
+public:
+    using Warning_listener = std::function<void(const std::string&)>;
+
+    // Parameters are read from `iface`, which outlives the registry; with null, from
+    // `VarIdDataInfStore::m_pDataAccessInf` as it stands at each evaluation.
+    explicit Binding_registry(Data_interface* iface = nullptr);
+    ~Binding_registry();
+    Binding_registry(const Binding_registry&) = delete;
+    Binding_registry& operator=(const Binding_registry&) = delete;
+
+    // Compiles rules such as "visible if [gain] > 3; range 0..[limit] if [102] == 1": docs/bindings.md has the
+    // language. `own_type` is the type of the entry's own value: INTEGER, STRING, or INVALID_TYPE for an entry
+    // without one. Work goes on behind a rule that is wrong, to tell all errors at once. A list is complete in itself: it depends on no registry.
+    Compile_result compile(std::string_view source, RETURN_TYPE own_type = INTEGER);
+
+    // The names and types that texts may use; declare them before compiling.
+    Parameter_table& parameters() { return m_parameters; }
+
+    // Null only when neither the registry nor the process has an interface. While a `Caching_device` lives for
+    // this registry, that is it.
+    Data_interface* interface() const;
+
+    // Called with each warning that an engine shows. Without one, warnings are dropped.
+    void set_warning_listener(Warning_listener listener);
+    void show_warning(const std::string& text) const;
+    // Warnings that were raised already are new at the next try that raises them, in every engine: for a user
+    // interface whose user took none of them, or begins with another value.
+    void arm_warnings();
+
+    // Every parameter that a rule reads, an entry with an engine controls, or somebody watches, with the value
+    // last seen and the entries that depend on it; lives as long as the registry. A device variable that goes
+    // by several keys has a record for each, all of them kept alike.
+    var_index_map_t* var_index_map();
+    // Keeps the value of a parameter current though no rule may read it: a toggle's, for one. The key is then
+    // in the map, and `poll` asks for it until it is unwatched as often as it was watched.
+    void watch(const var_index_s& key);
+    void unwatch(const var_index_s& key);
+    // The value last seen, a text in full; the map's records hold 31 characters. Nothing when the parameter is
+    // not in the map, or was never read. `rt` of the key selects number or text.
+    std::optional<return_s> value(const var_index_s& key) const;
+
+    // Asks the device for every parameter that a rule reads or somebody watches, once each. Returns a key for
+    // each that changed, or can be read again after a failure; valid until the next call. What depends on them
+    // waits for `settle`.
+    // With a limit, each call goes on where the last one ended, so that it costs no more in a large menu.
+    const std::vector<var_index_s>& poll(std::size_t at_most = SIZE_MAX);
+    // Whether `settle` has something to do.
+    bool has_unsettled() const;
+    // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last
+    // evaluated them, what these refreshes change included, until all are at rest. An entry that was never
+    // refreshed is left until it is, unless it has write rules. Also rebuilds the visible options of entries
+    // whose allowed keys changed. An entry is refreshed at most 32 times: then the circle is told in the result
+    // and in its engine's errors. Entries and engines may end meanwhile, and a call from within a refresh does
+    // nothing.
+    Binding_settlement settle(Data_interface* iface = nullptr);
+
+    // The product's options for `has_option`, judged as `Data_entry::isOptionStatic` judges them. Whatever is
+    // evaluated afterwards sees them.
+    void set_product_options(std::map<std::string, unsigned int> options);
+
+    // The circles in which rules drive each other, one for each group of parameters, those that write first.
+    // Conditions are not looked into. Call it when the menu is complete.
+    std::vector<Binding_cycle> find_cycles() const;
+    // Why `entry` is as it is; nothing for an entry without an engine of this registry.
+    std::optional<Binding_explanation> explain(const Data_entry& entry);
+
+    // For the engines and the caching device.
+    binding_engine::Core& core() { return *m_core; }
+
+private:
+    std::unique_ptr<binding_engine::Core> m_core;
+    Parameter_table m_parameters;
+    std::unique_ptr<binding_language::Compiler> m_compiler;
+    Warning_listener m_warning_listener;
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,54 @@
+// The device as a menu's bindings see it: passes every access on, and keeps the registry's values current.
+//
+// Hand it to every refresh and commit in place of the device. While it lives, engines take the values that
+// have passed through it from the registry instead of asking the device; what the device changes by itself
+// shows at the next `Binding_registry::poll`. A failing access leaves the values as they were.
+//
+// It also sees when entries that limit each other write a parameter over and over within one commit: then the
+// registry freezes their suggestions until the commit is over, and the next `Binding_registry::settle` tells.
+//
+// It is a `Pdt_data_access`, so that slot entries keep selecting sockets. Values are those of the selected
+// socket: after another is selected, each is asked for anew. Menu thread only.
+#ifndef FRONTPANEL_BINDING_CACHING_DEVICE_H
+#define FRONTPANEL_BINDING_CACHING_DEVICE_H
+
+#include <memory>
+
+#include <frontpanel_binding/binding_registry.h>
+#include <frontpanel_data/pdt_data_access.h>
+
+namespace frontpanel {
+
+class Caching_device : public Pdt_data_access {
+public:
+    // `device` outlives the wrapper; `registry` must not be null and has one wrapper at a time.
+    // The application's own fields of the interface start with the device's values, and are not passed on.
+    Caching_device(Data_interface& device, std::shared_ptr<Binding_registry> registry);
+    // The registry asks its own interface again.
+    ~Caching_device() override;
+    Caching_device(const Caching_device&) = delete;
+    Caching_device& operator=(const Caching_device&) = delete;
+
+    void Init() override;
+    int Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) override;
+    int Set(unsigned int pid, unsigned int varidx, const void* buffer,
+            unsigned int length) override;
+    int Get_prod_list(PROD_LIST_S* list, bool remote, bool refresh) override;
+    int Set_product_id(prod_id_t product) override;
+    int Get_prod_alias_name(char* name, prod_id_t product) override;
+    // For a device that is no `Pdt_data_access`: the local unit is selected and no other can be.
+    int Is_current_selection_local() override;
+    bool Is_use_selection_local() override;
+    int setCurrentRouterSocket(int socket) override;
+
+private:
+    static constexpr int LOCAL_SOCKET = 0;
+
+    Data_interface& m_device;
+    Pdt_data_access* m_sockets;  // the device; null when it has no sockets
+    std::shared_ptr<Binding_registry> m_registry;
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,29 @@
+// What a hand does at the panel's front.
+#ifndef FRONTPANEL_DISPLAY_KEY_H
+#define FRONTPANEL_DISPLAY_KEY_H
+
+namespace frontpanel {
+
+struct Key {
+    enum Kind {
+        UP,    // shaft encoder, one step clockwise
+        DOWN,  // shaft encoder, one step counter-clockwise
+        SELECT,
+        BACK,
+        COARSER,      // a larger encoder step
+        FINER,        // a smaller encoder step
+        SHORTCUT,     // a shortcut button
+        INSERT,       // a blank into an edited text
+        DELETE,       // a character of it
+        DIAGNOSTICS,  // shows what the library prints; on a device, select held for long
+        LEFT,         // an arrow key: a cursor to the left, or back
+        RIGHT,        // an arrow key: a cursor to the right, or select
+        ERASE         // a character of an edited text, or back
+    };
+    Kind kind;
+    int button = 0;  // of SHORTCUT: the button's number
+};
+
+}  // namespace frontpanel
+
+#endif

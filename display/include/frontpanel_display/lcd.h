@@ -1,0 +1,69 @@
+// The character grid of the front panel's display, as it is drawn and as tests compare it.
+#ifndef FRONTPANEL_DISPLAY_LCD_H
+#define FRONTPANEL_DISPLAY_LCD_H
+
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace frontpanel {
+
+struct Lcd_size {
+    int columns = 20;
+    int rows = 2;
+};
+
+// What a display of ours may measure: below, an editor has no room for a name over a value; above, no
+// character display of this kind is made.
+inline constexpr Lcd_size SMALLEST_LCD{16, 2};
+inline constexpr Lcd_size LARGEST_LCD{80, 16};
+
+class Lcd {
+public:
+    // A blank grid.
+    explicit Lcd(Lcd_size size);
+
+    // Writes `text`, which is UTF-8, from `column` on; what does not fit the row is dropped. What a character
+    // display cannot show becomes '?', as character_set.h tells. Nothing happens outside the grid.
+    void put(int row, int column, std::string_view text);
+    // Writes `text` so that it ends in the row's last column; a longer text keeps its start.
+    void put_right(int row, std::string_view text);
+    // Shows the blinking cursor there; outside the grid it is not shown.
+    void set_cursor(int row, int column);
+
+    Lcd_size size() const { return m_size; }
+    // The whole line, exactly `columns` cells, one byte each; `row` must be within the grid.
+    const std::string& line(int row) const { return m_lines.at(static_cast<size_t>(row)); }
+    // -1 when no cursor is shown.
+    int cursor_row() const { return m_cursor_row; }
+    int cursor_column() const { return m_cursor_column; }
+    // The characters that stand as '?' because no display has them.
+    const std::set<char32_t>& lost() const { return m_lost; }
+
+private:
+    void put_cells(int row, int column, std::string_view cells);
+
+    Lcd_size m_size;
+    std::vector<std::string> m_lines;
+    int m_cursor_row = -1;
+    int m_cursor_column = -1;
+    std::set<char32_t> m_lost;
+};
+
+struct Leds {
+    bool edit = false;   // an editor is open
+    bool alarm = false;  // a read or write of what is shown failed
+    bool heart = false;  // changes as long as the panel is alive
+};
+
+// One picture of the panel's front.
+struct Frame {
+    Lcd lcd;
+    Leds leds;
+    bool dim = false;  // nobody is there to look at it
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,24 @@
+// Which key of a display server does what on the panel.
+#ifndef FRONTPANEL_DISPLAYS_KEY_MAP_H
+#define FRONTPANEL_DISPLAYS_KEY_MAP_H
+
+#include <map>
+#include <string>
+
+#include <frontpanel_display/key.h>
+
+namespace frontpanel {
+
+// By the server's name of the key.
+using Key_map = std::map<std::string, Key>;
+
+// The arrow keys, Enter and Escape.
+Key_map usual_keys();
+
+// "Up=up,Down=down,Enter=select,F1=1": a server's key and a word of a script, or the number of a shortcut button,
+// 1 to 99. Input_error when the text is none, names a key twice or has no key for select.
+Key_map parse_key_map(const std::string& text);
+
+}  // namespace frontpanel
+
+#endif

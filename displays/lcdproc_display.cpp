@@ -1,0 +1,200 @@
+#include <frontpanel_displays/lcdproc_display.h>
+
+#include <algorithm>
+
+#include <frontpanel_base/character_set.h>
+#include <frontpanel_base/input_error.h>
+
+namespace frontpanel {
+namespace {
+
+std::string size_text(Lcd_size size) {
+    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
+}
+
+Lcd_size panel_size_for(Lcd_size server) {
+    return {std::clamp(server.columns, SMALLEST_LCD.columns, LARGEST_LCD.columns),
+            std::clamp(server.rows, SMALLEST_LCD.rows, LARGEST_LCD.rows)};
+}
+
+}  // namespace
+
+Lcdproc_display::Lcdproc_display(const Display_choice& server, Key_map keys,
+                                 std::optional<Lcd_size> fixed, std::ostream& log)
+    : m_server(server), m_keys(std::move(keys)), m_fixed(fixed), m_log(log) {}
+
+Lcdproc_display::~Lcdproc_display() {
+    m_socket.send("bye");
+    m_socket.service();
+}
+
+void Lcdproc_display::show(const Frame& frame) {
+    tell_lost_characters(frame.lcd);
+    m_frame = frame;
+    send_frame();
+    m_socket.service();
+}
+
+std::optional<Front_event> Lcdproc_display::next(Time now) {
+    advance(now);
+    while (const std::optional<std::string> line = m_socket.next_line()) {
+        if (const std::optional<Front_event> event = take(*line)) {
+            return event;
+        }
+    }
+    if (m_phase != Phase::AWAY && m_socket.state() == Line_socket::State::CLOSED) {
+        lose(m_socket.reason(), now);
+    } else if (m_phase != Phase::AWAY && now >= m_deadline) {
+        lose("it does not answer", now);
+    }
+    return std::nullopt;
+}
+
+void Lcdproc_display::advance(Time now) {
+    m_now = now;
+    if (m_phase == Phase::AWAY && now >= m_deadline) {
+        m_socket.connect(m_server.host, m_server.port);
+        m_phase = Phase::CONNECTING;
+        m_deadline = now + PATIENCE;
+    }
+    m_socket.service();
+    if (m_phase == Phase::CONNECTING && m_socket.state() == Line_socket::State::OPEN) {
+        m_phase = Phase::GREETING;
+        m_deadline = now + PATIENCE;
+        m_complaints = 0;
+        m_socket.send("hello");
+        m_socket.service();
+    }
+}
+
+void Lcdproc_display::lose(std::string reason, Time now) {
+    m_socket.close("");
+    m_phase = Phase::AWAY;
+    m_deadline = now + m_pause;
+    m_pause = std::min(m_pause * 2, LONGEST_PAUSE);
+    m_screen.reset();
+    m_fenced = false;
+    if (!m_absence_told) {
+        m_absence_told = true;
+        say("is away (" + std::move(reason) + "); it is tried again until it is there");
+    }
+}
+
+Time Lcdproc_display::due() const {
+    return m_socket.has_line() ? Time::min() : m_deadline;
+}
+
+std::optional<Front_event> Lcdproc_display::take(const std::string& line) {
+    const Lcdproc_answer answer = parse_lcdproc_answer(line);
+    switch (answer.kind) {
+        case Lcdproc_answer::CONNECT:
+            return take_greeting(answer.size);
+        case Lcdproc_answer::KEY:
+            return take_key(answer.word);
+        case Lcdproc_answer::LISTEN:
+        case Lcdproc_answer::IGNORE:
+            if (answer.word == Lcdproc_screen::NAME) {
+                m_hidden = answer.kind == Lcdproc_answer::IGNORE;
+                send_frame();
+            }
+            break;
+        case Lcdproc_answer::FENCE:
+            take_fence();
+            break;
+        case Lcdproc_answer::END:
+            m_socket.close("it said bye");
+            break;
+        case Lcdproc_answer::SUCCESS:
+            break;
+        case Lcdproc_answer::REFUSAL:
+        case Lcdproc_answer::OTHER:
+            complain(line);
+            break;
+    }
+    return std::nullopt;
+}
+
+std::optional<Front_event> Lcdproc_display::take_greeting(Lcd_size size) {
+    if (m_phase != Phase::GREETING) {
+        return std::nullopt;
+    }
+    m_phase = Phase::READY;
+    m_hidden = false;
+    m_screen.emplace(size);
+    m_socket.send("client_set -name frontpanel");
+    std::string keys = "client_add_key";
+    for (const auto& [name, key] : m_keys) {
+        keys += " " + lcdproc_quoted(name);
+    }
+    m_socket.send(keys);
+    for (const std::string& command : m_screen->setup()) {
+        m_socket.send(command);
+    }
+    m_socket.send("noop");
+    m_fenced = true;
+    m_deadline = m_now + PATIENCE;
+    m_socket.service();
+    say("shows the panel on " + size_text(size));
+    m_absence_told = false;
+    return m_fixed ? Front_event{Front_event::REDRAW}
+                   : Front_event{Front_event::SIZE, {Key::UP}, panel_size_for(size)};
+}
+
+std::optional<Front_event> Lcdproc_display::take_key(const std::string& name) const {
+    const auto found = m_keys.find(name);
+    if (m_phase != Phase::READY || found == m_keys.end()) {
+        return std::nullopt;
+    }
+    return Front_event{Front_event::KEY, found->second};
+}
+
+// Only a server that does what it is told is worth being asked again soon when it goes away.
+void Lcdproc_display::take_fence() {
+    if (!m_fenced) {
+        return;
+    }
+    m_fenced = false;
+    m_deadline = Time::max();
+    m_pause = FIRST_PAUSE;
+    send_frame();
+    m_socket.service();
+}
+
+void Lcdproc_display::send_frame() {
+    if (m_phase != Phase::READY || m_fenced || m_hidden || !m_frame) {
+        return;
+    }
+    const std::vector<std::string> commands = m_screen->update(*m_frame);
+    if (commands.empty()) {
+        return;
+    }
+    for (const std::string& command : commands) {
+        m_socket.send(command);
+    }
+    m_socket.send("noop");
+    m_fenced = true;
+    m_deadline = m_now + PATIENCE;
+}
+
+void Lcdproc_display::say(const std::string& text) {
+    m_log << "frontpanel: display server " << m_server.host << " port " << m_server.port << ' '
+          << one_line(text) << std::endl;
+}
+
+void Lcdproc_display::complain(const std::string& text) {
+    if (m_complaints < MOST_COMPLAINTS) {
+        ++m_complaints;
+        say("answered \"" + text + "\"");
+    }
+}
+
+void Lcdproc_display::tell_lost_characters(const Lcd& lcd) {
+    constexpr size_t MOST_TOLD = 256;
+    for (const char32_t character : lcd.lost()) {
+        if (m_lost.size() < MOST_TOLD && m_lost.insert(character).second) {
+            say("cannot show the character " + code_point_name(character));
+        }
+    }
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,234 @@
+#include <frontpanel_displays/terminal.h>
+
+#include <curses.h>
+#include <langinfo.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <iterator>
+
+#include <frontpanel_base/character_set.h>
+#include <frontpanel_base/input_error.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr int BORDER = 1;
+constexpr int LED_ROWS = 1;
+constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the rest of an arrow key
+constexpr int ESCAPE = 27;
+constexpr int DELETE_CHARACTER = 127;  // what most terminals send for Backspace
+constexpr int LAST_FUNCTION_KEY = 12;
+
+constexpr const char* LEGEND[] = {
+    "Up / Down      move, change a value",         "Enter / Esc    open, accept / back, discard",
+    "Left / Right   back, open; cursor in values", "+ / -          larger, smaller step",
+    "1-9, F1-F12    shortcuts   d log     q quit",
+};
+
+// What ends the process must not leave the terminal without echo.
+void restore_terminal() {
+    endwin();
+}
+
+// Whether the terminal can put its cursor anywhere: without that there is no picture, only its pieces.
+bool moves_cursor() {
+    const char* const sequence = tigetstr("cup");
+    // terminfo's own mark of a capability that is no text
+    const char* const no_text = reinterpret_cast<char*>(-1);  // NOLINT(performance-no-int-to-ptr)
+    return sequence != nullptr && sequence != no_text;
+}
+
+// A terminal that went away answers every wait at once, with nothing.
+bool input_is_gone() {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    return poll(&input, 1, 0) > 0 && (input.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+}
+
+std::string terminal_type() {
+    const char* const type = std::getenv("TERM");
+    return "terminal type \"" + std::string(type == nullptr ? "" : type) + "\"";
+}
+
+// A terminal of another character set shows what it has of ours.
+std::string terminal_text(const std::string& cells) {
+    if (std::string(nl_langinfo(CODESET)) == "UTF-8") {
+        return text_of(cells);
+    }
+    std::string text = cells;
+    std::replace_if(
+        text.begin(), text.end(), [](char cell) { return static_cast<unsigned char>(cell) > 0x7E; },
+        '?');
+    return text;
+}
+
+std::string size_text(Lcd_size size) {
+    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
+}
+
+}  // namespace
+
+Lcd_size terminal_size_for(Lcd_size lcd) {
+    size_t legend = 0;
+    for (const char* line : LEGEND) {
+        legend = std::max(legend, std::string(line).size());
+    }
+    return {std::max(lcd.columns + 2 * BORDER, static_cast<int>(legend)),
+            lcd.rows + 2 * BORDER + LED_ROWS + static_cast<int>(std::size(LEGEND))};
+}
+
+std::optional<Front_event> event_of(int code) {
+    if (code >= '1' && code <= '9') {
+        return Front_event{Front_event::KEY, {Key::SHORTCUT, code - '0'}};
+    }
+    if (code > KEY_F0 && code <= KEY_F0 + LAST_FUNCTION_KEY) {
+        return Front_event{Front_event::KEY, {Key::SHORTCUT, code - KEY_F0}};
+    }
+    const auto key = [](Key::Kind kind) { return Front_event{Front_event::KEY, {kind}}; };
+    switch (code) {
+        case KEY_UP:
+            return key(Key::UP);
+        case KEY_DOWN:
+            return key(Key::DOWN);
+        case KEY_LEFT:
+            return key(Key::LEFT);
+        case KEY_RIGHT:
+            return key(Key::RIGHT);
+        case KEY_ENTER:
+        case '\r':
+        case '\n':
+            return key(Key::SELECT);
+        case ESCAPE:
+            return key(Key::BACK);
+        case '+':
+            return key(Key::COARSER);
+        case '-':
+            return key(Key::FINER);
+        case KEY_IC:
+            return key(Key::INSERT);
+        case KEY_DC:
+            return key(Key::DELETE);
+        case KEY_BACKSPACE:
+        case DELETE_CHARACTER:
+        case '\b':
+            return key(Key::ERASE);
+        case 'd':
+        case 'D':
+            return key(Key::DIAGNOSTICS);
+        case 'q':
+        case 'Q':
+            return Front_event{Front_event::QUIT};
+        case KEY_RESIZE:
+            return Front_event{Front_event::REDRAW};
+        default:
+            return std::nullopt;
+    }
+}
+
+Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nullptr) {
+    // Characters only: numbers keep their decimal point.
+    std::setlocale(LC_CTYPE, "");
+    m_screen = m_output ? newterm(nullptr, m_output.get(), stdin) : nullptr;
+    if (m_screen == nullptr) {
+        throw Input_error(terminal_type() +
+                          " is not known: set TERM, or name a script with --script");
+    }
+    if (!moves_cursor()) {
+        endwin();
+        delscreen(m_screen);
+        throw Input_error(terminal_type() +
+                          " cannot move its cursor: set TERM, or name a script with --script");
+    }
+    m_last_act.emplace(Ending::ANY, restore_terminal);
+    cbreak();
+    noecho();
+    nonl();
+    keypad(stdscr, TRUE);
+    nodelay(stdscr, TRUE);
+    set_escdelay(ESCAPE_DELAY_MS);
+}
+
+Terminal::~Terminal() {
+    endwin();
+    m_last_act.reset();
+    delscreen(m_screen);
+}
+
+void Terminal::show(const Frame& frame) {
+    erase();
+    const Lcd_size needed = terminal_size_for(frame.lcd.size());
+    if (COLS < needed.columns || LINES < needed.rows) {
+        curs_set(0);
+        mvaddnstr(0, 0, "Terminal too small", COLS);
+        const std::string sizes =
+            "needs " + size_text(needed) + ", has " + size_text({COLS, LINES});
+        mvaddnstr(1, 0, sizes.c_str(), COLS);
+    } else {
+        draw_lcd(frame.lcd, frame.dim);
+        const int below = frame.lcd.size().rows + 2 * BORDER;
+        draw_leds(below, frame.leds);
+        draw_legend(below + LED_ROWS);
+        place_cursor(frame.lcd);
+    }
+    refresh();
+}
+
+void Terminal::draw_lcd(const Lcd& lcd, bool dim) const {
+    const int right = lcd.size().columns + BORDER;
+    const int bottom = lcd.size().rows + BORDER;
+    mvhline(0, BORDER, ACS_HLINE, lcd.size().columns);
+    mvhline(bottom, BORDER, ACS_HLINE, lcd.size().columns);
+    mvvline(BORDER, 0, ACS_VLINE, lcd.size().rows);
+    mvvline(BORDER, right, ACS_VLINE, lcd.size().rows);
+    mvaddch(0, 0, ACS_ULCORNER);
+    mvaddch(0, right, ACS_URCORNER);
+    mvaddch(bottom, 0, ACS_LLCORNER);
+    mvaddch(bottom, right, ACS_LRCORNER);
+    attrset(dim ? A_DIM : A_NORMAL);
+    for (int row = 0; row < lcd.size().rows; ++row) {
+        mvaddstr(BORDER + row, BORDER, terminal_text(lcd.line(row)).c_str());
+    }
+    attrset(A_NORMAL);
+}
+
+void Terminal::draw_leds(int row, const Leds& leds) const {
+    const std::string text = std::string(leds.edit ? "(*)" : "( )") + " Edit  " +
+                             (leds.alarm ? "(*)" : "( )") + " Alarm  " +
+                             (leds.heart ? "(*)" : "( )") + " Alive";
+    mvaddstr(row, 0, text.c_str());
+}
+
+void Terminal::draw_legend(int row) const {
+    for (const char* line : LEGEND) {
+        mvaddstr(row++, 0, line);
+    }
+}
+
+void Terminal::place_cursor(const Lcd& lcd) const {
+    const bool shown = lcd.cursor_row() >= 0;
+    curs_set(shown ? 1 : 0);
+    if (shown) {
+        move(BORDER + lcd.cursor_row(), BORDER + lcd.cursor_column());
+    }
+}
+
+pollfd Terminal::source() const {
+    return {STDIN_FILENO, POLLIN, 0};
+}
+
+std::optional<Front_event> Terminal::next(Time) {
+    if (input_is_gone()) {
+        return Front_event{Front_event::QUIT};
+    }
+    // A key without a meaning is passed over.
+    for (int code = getch(); code != ERR; code = getch()) {
+        if (const std::optional<Front_event> event = event_of(code)) {
+            return event;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace frontpanel

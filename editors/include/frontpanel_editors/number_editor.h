@@ -1,0 +1,49 @@
+// Edits the number of a range entry with the encoder.
+//
+// One detent changes the value by the entry's step, or by 10, 100 ... times it as chosen with the coarser and
+// finer keys; the entry decides what value a step leads to. A detent of a quick turn counts for several, within
+// the entry's acceleration. The proposed value is shown in the entry's own format, as it will be after
+// the change.
+#ifndef FRONTPANEL_EDITORS_NUMBER_EDITOR_H
+#define FRONTPANEL_EDITORS_NUMBER_EDITOR_H
+
+#include <frontpanel_editors/editor_base.h>
+
+#include <cstdint>
+
+namespace frontpanel {
+
+class Number_editor : public Editor_base<NumericRangeSelection, Range_entry> {
+public:
+    Number_editor();
+    ~Number_editor() override;
+
+    // A step is never larger than the whole range, and never smaller than the entry's.
+    void Coarser_step() override;
+    void Finer_step() override;
+
+    int proposed_value() const { return m_proposed; }
+    int step_size() const { return m_step; }
+
+protected:
+    void start() override;
+    void remember() override;
+    bool put_back() override;
+    void step(Editor_key key, int steps) override;
+    bool is_stored() override;
+    bool accept() override;
+    void draw(int columns, Editor_view& shown) override;
+    Editor_change adapt() override;
+
+private:
+    void turn(int64_t change);
+    bool has_allowed_value() const;
+
+    int m_proposed = 0;
+    int m_opened = 0;  // the entry's value when it was opened
+    int m_step = 1;
+};
+
+}  // namespace frontpanel
+
+#endif

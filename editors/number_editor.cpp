@@ -1,0 +1,147 @@
+#include <frontpanel_editors/number_editor.h>
+
+#include <algorithm>
+#include <cctype>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace frontpanel {
+namespace {
+
+constexpr int STEP_FACTOR = 10;
+
+int saturated(int64_t value) {
+    constexpr int64_t LOWEST = std::numeric_limits<int>::min();
+    constexpr int64_t HIGHEST = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(value, LOWEST, HIGHEST));
+}
+
+bool is_digit(char character) {
+    return std::isdigit(static_cast<unsigned char>(character)) != 0;
+}
+
+// The column of the digit that a step of `step` changes: counted from the right of the text's first number,
+// passing over its point, and the number's first digit when it has fewer.
+int digit_column(const std::string& text, int step) {
+    const auto first = std::find_if(text.begin(), text.end(), is_digit);
+    if (first == text.end()) {
+        return Editor_view::NO_CURSOR;
+    }
+    auto column =
+        std::find_if_not(first, text.end(), [](char c) { return is_digit(c) || c == '.'; }) - 1;
+    while (column != first && (*column == '.' || step >= STEP_FACTOR)) {
+        step = *column == '.' ? step : step / STEP_FACTOR;
+        --column;
+    }
+    return static_cast<int>(column - text.begin());
+}
+
+}  // namespace
+
+Number_editor::Number_editor() = default;
+Number_editor::~Number_editor() = default;
+
+void Number_editor::start() {
+    m_step = std::max(1, settings().step);
+    // A value outside the range is delivered all the same, and is where the first step starts.
+    edited().Get_value(&m_proposed, sizeof m_proposed);
+}
+
+void Number_editor::remember() {
+    m_opened = m_proposed;
+}
+
+bool Number_editor::put_back() {
+    return edited().Set_value(&m_opened, sizeof m_opened) == 0;
+}
+
+void Number_editor::step(Editor_key key, int steps) {
+    switch (key) {
+        case Editor_key::UP:
+            turn(static_cast<int64_t>(m_step) * steps);
+            break;
+        case Editor_key::DOWN:
+            turn(-static_cast<int64_t>(m_step) * steps);
+            break;
+        case Editor_key::COARSER:
+            Coarser_step();
+            break;
+        case Editor_key::FINER:
+            Finer_step();
+            break;
+        case Editor_key::SELECT:
+        case Editor_key::ESCAPE:
+        case Editor_key::INSERT:
+        case Editor_key::DELETE:
+            break;
+    }
+}
+
+// While a binding leaves no value allowed, stepping would propose one end of the integers.
+bool Number_editor::has_allowed_value() const {
+    return edited().Get_min() <= edited().Get_max();
+}
+
+void Number_editor::turn(int64_t change) {
+    edited().updateRange();
+    if (!has_allowed_value()) {
+        return;
+    }
+    const int end = change > 0 ? edited().Get_max() : edited().Get_min();
+    if (wraps() && m_proposed == end) {
+        m_proposed = change > 0 ? edited().Get_min() : edited().Get_max();
+    } else {
+        m_proposed = edited().increment(m_proposed, saturated(m_proposed + change));
+    }
+}
+
+bool Number_editor::is_stored() {
+    int held = 0;
+    edited().Get_value(&held, sizeof held);
+    return held == m_proposed;
+}
+
+Editor_change Number_editor::adapt() {
+    if (!has_allowed_value()) {
+        return Editor_change::NO_VALUE;
+    }
+    const int allowed = std::clamp(m_proposed, edited().Get_min(), edited().Get_max());
+    const Editor_change change = allowed == m_proposed ? Editor_change::NONE : Editor_change::MOVED;
+    m_proposed = allowed;
+    return change;
+}
+
+void Number_editor::Coarser_step() {
+    if (entry() == nullptr) {
+        return;
+    }
+    const int64_t span = static_cast<int64_t>(edited().Get_max()) - edited().Get_min();
+    const int64_t coarser = static_cast<int64_t>(m_step) * STEP_FACTOR;
+    if (coarser <= span && coarser <= std::numeric_limits<int>::max()) {
+        m_step = static_cast<int>(coarser);
+    }
+}
+
+void Number_editor::Finer_step() {
+    const int finest = std::max(1, settings().step);
+    m_step = std::max(finest, m_step / STEP_FACTOR);
+}
+
+bool Number_editor::accept() {
+    return has_allowed_value() && edited().Set_value(&m_proposed, sizeof m_proposed) == 0;
+}
+
+void Number_editor::draw(int columns, Editor_view& shown) {
+    // The entry terminates at position `columns` and may leave the column before it as it finds it.
+    std::vector<char> buffer(static_cast<size_t>(columns) + 1, ' ');
+    buffer.back() = '\0';
+    if (edited().Get_display_string(buffer.data(), static_cast<unsigned int>(columns),
+                                    m_proposed) == 0) {
+        shown.text = buffer.data();
+    }
+    shown.cursor = digit_column(shown.text, m_step);
+    shown.step = m_step == 1 ? "" : "step " + std::to_string(m_step);
+}
+
+}  // namespace frontpanel

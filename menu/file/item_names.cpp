@@ -1,0 +1,35 @@
+#include "file/item_names.h"
+
+namespace frontpanel {
+
+void Item_names::add(const std::string& name, Data_entry* entry) {
+    std::string path;
+    for (const std::string& menu : m_menus) {
+        path += menu + "/";
+    }
+    const auto [found, is_new] = m_paths.insert({path + name, Named{entry, false}});
+    found->second.is_ambiguous = !is_new;
+}
+
+bool Item_names::add_id(const std::string& id, Data_entry* entry) {
+    return m_ids.emplace(id, entry).second;
+}
+
+Data_entry& Item_names::find(const Json_value& reference) const {
+    const std::string text = reference.text();
+    const auto by_id = m_ids.find(text);
+    const auto by_path = m_paths.find(text);
+    if (by_id == m_ids.end() && by_path == m_paths.end()) {
+        reference.fail("there is no item \"" + text + "\"");
+    }
+    if (by_id == m_ids.end() && by_path->second.is_ambiguous) {
+        reference.fail("several items are \"" + text + "\": give the one that is meant an \"id\"");
+    }
+    Data_entry* const entry = by_id == m_ids.end() ? by_path->second.entry : by_id->second;
+    if (entry == nullptr) {
+        throw Told_already();
+    }
+    return *entry;
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,42 @@
+// What the items of a menu are called by others: by their path ("Audio/Gain 1") or by their "id".
+#ifndef FRONTPANEL_MENU_ITEM_NAMES_H
+#define FRONTPANEL_MENU_ITEM_NAMES_H
+
+#include <frontpanel_data/data_entry.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <frontpanel_base/json_value.h>
+
+namespace frontpanel {
+
+class Item_names {
+public:
+    // The items that follow stand in the menu of that name, until it is closed.
+    void open(const std::string& menu) { m_menus.push_back(menu); }
+    void close() { m_menus.pop_back(); }
+
+    // Null for an item that is wrong, which has been told: then its names are known, and lead nowhere.
+    void add(const std::string& name, Data_entry* entry);
+    // False when another item has the id.
+    bool add_id(const std::string& id, Data_entry* entry);
+
+    // The item that a text names. Placed_error when there is none, or more than one.
+    Data_entry& find(const Json_value& reference) const;
+
+private:
+    struct Named {
+        Data_entry* entry;
+        bool is_ambiguous;
+    };
+
+    std::vector<std::string> m_menus;
+    std::map<std::string, Named> m_paths;
+    std::map<std::string, Data_entry*> m_ids;
+};
+
+}  // namespace frontpanel
+
+#endif

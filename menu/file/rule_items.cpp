@@ -1,0 +1,211 @@
+#include <algorithm>
+
+#include <frontpanel_menu/entry_access.h>
+#include "file/loader.h"
+
+namespace frontpanel {
+namespace {
+
+// Whether every level is one that a parameter of a menu can have. `100.256` would be read as `100.0.1` is, and
+// never be evaluated again when that one is written.
+bool is_index_of_menu(const Index_t& index) {
+    return std::all_of(index.m_index, index.m_index + index.m_index_num,
+                       [](uint16_t level) { return level <= LAST_INDEX; });
+}
+
+// "line 2, column 7: ", counted from 1.
+std::string place_within(const std::string& text, size_t offset) {
+    const size_t end_before = text.rfind('\n', offset - 1);
+    const size_t begin = offset == 0 || end_before == std::string::npos ? 0 : end_before + 1;
+    const auto line = std::count(text.begin(), text.begin() + static_cast<ptrdiff_t>(begin), '\n');
+    return "line " + std::to_string(line + 1) + ", column " + std::to_string(offset - begin + 1) +
+           ": ";
+}
+
+// Whether a place in the rules is one of the file.
+bool stands_in_file(const Json_value& source) {
+    return source.text_with_lines().find('\n') == std::string::npos &&
+           source.place().copy == nullptr;
+}
+
+// What is wrong in rules on one line of the file stands where it is; in others it is told with its line.
+[[noreturn]] void fail_in(const Json_value& source, size_t offset, const std::string& message) {
+    if (stands_in_file(source)) {
+        throw Placed_error(source.place_in_text(offset), message);
+    }
+    source.fail(place_within(source.text_with_lines(), offset) + message);
+}
+
+[[noreturn]] void fail_in(const Json_value& source, const Compile_error& error) {
+    if (stands_in_file(source)) {
+        throw Placed_error(source.place_in_text(error.column - 1), error.message);
+    }
+    source.fail(error.text());
+}
+
+// Told as mistakes are.
+void warn_in(const Json_value& source, const Compile_error& warning, Problems& problems) {
+    if (stands_in_file(source)) {
+        problems.warn(source.place_in_text(warning.column - 1), warning.message);
+    } else {
+        source.warn(warning.text());
+    }
+}
+
+std::string interval_text(int low, int high) {
+    return low == high ? std::to_string(low) : std::to_string(low) + ".." + std::to_string(high);
+}
+
+// Why rules of that kind do nothing for the entry; null when they do something.
+const char* misfit(Suggestion_kind kind, const Data_entry& entry) {
+    const Data_entry::Entry_type type = entry.Get_entry_type();
+    switch (kind) {
+        case SUGGESTION_RANGE:
+            return type == Data_entry::RANGE_LEAF ? nullptr
+                                                  : "\"range\" is for items of type \"range\"";
+        case SUGGESTION_KEYS:
+            return type == Data_entry::ENUM_LEAF ? nullptr
+                                                 : "\"keys\" is for items of type \"enum\"";
+        case SUGGESTION_WARNING:
+            return type == Data_entry::NODE ? "\"warn\" is for items that have a value" : nullptr;
+        case SUGGESTION_ACCESS:
+            return type == Data_entry::NODE ? "\"access\" is for items that have a value" : nullptr;
+        case SUGGESTION_VISIBILITY:
+        case SUGGESTION_SET:
+            break;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+// The engine gets all it needs before the entry takes it over.
+void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds) {
+    const std::optional<Json_value> source = item.find("binding");
+    if (!source) {
+        return;
+    }
+    m_problems.attempt([&] {
+        const Compile_result compiled = m_menu.bindings()->compile(
+            source->text_with_lines(), entry.Get_return_type_int_or_string());
+        if (!compiled.ok()) {
+            report_in(*source, compiled.errors);
+            return;
+        }
+        for (const Compile_error& warning : compiled.warnings) {
+            warn_in(*source, warning, m_problems);
+        }
+        auto binding = std::make_unique<Expression_binding>(m_menu.bindings());
+        binding->addBindingList(compiled.list);
+        if (bounds) {
+            binding->set_fallback_range(bounds->min, bounds->max);
+        }
+        entry.Set_binding_object(binding.release());
+        m_binding_places.emplace(&entry, source->place());
+        for (const Named_parameter& parameter : compiled.parameters) {
+            m_problems.attempt([&] { check_rule_parameter(*source, parameter); });
+        }
+        for (const Rule_note& note : compiled.notes) {
+            m_problems.attempt([&] { check_rule(*source, note, entry, bounds); });
+        }
+    });
+}
+
+// A name that is unknown because its declaration is wrong has been told there.
+void Loader::report_in(const Json_value& source, const std::vector<Compile_error>& errors) const {
+    for (const Compile_error& error : errors) {
+        m_problems.attempt([&] {
+            if (!error.unknown_name.empty()) {
+                (void)m_device.parameter(error.unknown_name);
+            }
+            fail_in(source, error);
+        });
+    }
+}
+
+void Loader::check_rule_parameter(const Json_value& source, const Named_parameter& named) const {
+    const var_index_s& key = named.key;
+    const Parameter* const parameter = m_device.parameter(key.var, varidx_of(key.index));
+    if (parameter == nullptr || !is_index_of_menu(key.index)) {
+        fail_in(source, named.offset,
+                "the device has no parameter " + std::to_string(key.var) + " with this index");
+    }
+    if (parameter->type != key.rt) {
+        fail_in(source, named.offset,
+                "parameter " + std::to_string(key.var) + " is of another type");
+    }
+}
+
+// What a rule asks for in vain, or what nobody can give it.
+void Loader::check_rule(const Json_value& source, const Rule_note& note, const Data_entry& entry,
+                        std::optional<Bounds> bounds) const {
+    if (const char* const why = misfit(note.kind, entry)) {
+        fail_in(source, note.offset, why);
+    }
+    if (note.kind == SUGGESTION_KEYS && !is_live(entry)) {
+        const auto& choices = static_cast<const Enum_entry&>(entry);
+        bounds = Bounds{0, static_cast<int>(choices.Get_size_enum()) - 1};
+    }
+    if (note.kind == SUGGESTION_SET) {
+        check_written_value(source, note);
+    } else if (bounds && note.numbers) {
+        check_interval(source, note, *bounds);
+    }
+}
+
+// The ends of a range are cut to those of the entry, so that one may be beyond them; a key that no choice has
+// is a mistake.
+void Loader::check_interval(const Json_value& source, const Rule_note& note, Bounds bounds) {
+    const auto [low, high] = *note.numbers;
+    const bool is_key = note.kind == SUGGESTION_KEYS;
+    if (high < bounds.min || low > bounds.max || (is_key && high > bounds.max)) {
+        const std::string what = (is_key ? "keys " : "range ") + interval_text(low, high);
+        fail_in(source, note.offset,
+                is_key ? what + ": the choices are " + interval_text(bounds.min, bounds.max)
+                       : what + " holds no value from " + std::to_string(bounds.min) + " to " +
+                             std::to_string(bounds.max));
+    }
+}
+
+void Loader::check_written_value(const Json_value& source, const Rule_note& note) const {
+    const var_index_s& key = note.written;
+    const Parameter* const parameter = m_device.parameter(key.var, varidx_of(key.index));
+    if (parameter == nullptr || parameter->type != key.rt) {
+        return;  // told where it is named
+    }
+    if (note.numbers &&
+        (note.numbers->first < parameter->min || note.numbers->first > parameter->max)) {
+        fail_in(source, note.offset,
+                "parameter " + std::to_string(key.var) + " holds " +
+                    std::to_string(parameter->min) + " to " + std::to_string(parameter->max) +
+                    ", not " + std::to_string(note.numbers->first));
+    }
+    if (note.text_length && *note.text_length > parameter->length) {
+        fail_in(source, note.offset,
+                "parameter " + std::to_string(key.var) + " holds texts of at most " +
+                    std::to_string(parameter->length) + " characters, not " +
+                    std::to_string(*note.text_length));
+    }
+}
+
+// A circle of writes may never come to rest. Limits that follow each other do, and are often meant so.
+void Loader::check_cycles() {
+    for (const Binding_cycle& cycle : m_menu.bindings()->find_cycles()) {
+        const auto place = std::find_if(cycle.steps.begin(), cycle.steps.end(),
+                                        [this](const Binding_cycle::Step& step) {
+                                            return m_binding_places.count(step.entry) > 0;
+                                        });
+        if (place == cycle.steps.end()) {
+            continue;
+        }
+        if (cycle.kind == Binding_cycle::Kind::WRITES) {
+            m_problems.report(m_binding_places.at(place->entry),
+                              "rules that write drive each other in a circle: " + cycle.text());
+        } else {
+            m_problems.warn(m_binding_places.at(place->entry),
+                            "rules limit each other in a circle: " + cycle.text());
+        }
+    }
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,54 @@
+// How the panel reaches into an entry whatever its type: neighbours and refresh through the library's
+// dispatcher, display and commit by the type, since each leaf class brings its own.
+#ifndef FRONTPANEL_MENU_ENTRY_ACCESS_H
+#define FRONTPANEL_MENU_ENTRY_ACCESS_H
+
+#include <frontpanel_data/data_entry.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace frontpanel {
+
+// The parameter of warning texts, and those of options that come from a card.
+constexpr unsigned int WARNING_PID = 65549;
+constexpr int FIRST_LIVE_PID = 9000;
+constexpr int LAST_LIVE_PID = 9100;
+constexpr const char* NO_OPTION_YET = "-";  // the only option of a live list before its first fetch
+
+// The entry as a link; null for any other and for a link that houses nothing.
+Link_entry* link_of(Data_entry& entry);
+// What a link houses; any other entry itself.
+Data_entry& housed(Data_entry& entry);
+const Data_entry& housed(const Data_entry& entry);
+// Whether the entry is a link whose menu is built when it is entered.
+bool is_mount(Data_entry& entry);
+
+// The neighbour that one of the dispatcher's link steps delivers; null for none.
+Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step);
+
+// The menu around an entry; null at the top. Unlike the dispatcher's plain step it leaves no mounted menu.
+Data_entry* menu_of(Data_entry& entry);
+
+// Refreshes the entry with its binding. 0, or what the entry's refresh returns.
+int refresh(Data_entry& entry, Data_interface& device);
+
+// Whether selecting the entry, or the link, opens a menu.
+bool is_menu(const Data_entry& entry);
+// Whether the entry is a warning text, which is shown until it is acknowledged.
+bool is_warning(const Data_entry& entry);
+// Whether the entry's options come from a card and not its value from the device.
+bool is_live_pid(uint32_t pid);
+bool is_live(const Data_entry& entry);
+
+// The value as the display shows it, at most `columns` characters; a text that does not fit scrolls by one
+// character a call. Empty for an entry without a value, nothing when the entry cannot show its value.
+std::optional<std::string> display_value(Data_entry& entry, int columns);
+
+// Writes the entry's value to the device and refreshes what depends on it. 0 on success.
+int commit(Data_entry& entry, Data_interface& device);
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,128 @@
+// A menu with everything it stands on: the device's parameters, the binding engines and the entries.
+//
+// The order of the members is the order of building: entries go first at the end, then what they refer to.
+#ifndef FRONTPANEL_MENU_MENU_H
+#define FRONTPANEL_MENU_MENU_H
+
+#include <frontpanel_binding/caching_device.h>
+#include <frontpanel_binding/expression_binding.h>
+#include <frontpanel_data/data_entry.h>
+#include <frontpanel_data/live_data_processor.h>
+#include <frontpanel_editors/editor_settings.h>
+#include <frontpanel_simulator/card_service.h>
+#include <frontpanel_simulator/memory_device.h>
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <frontpanel_menu/declared_parameters.h>
+#include <frontpanel_menu/encoder_settings.h>
+#include <frontpanel_menu/mounted_menu.h>
+
+// What links ask of an application before they show a toggle; they only test that it is there.
+class FPData {};
+
+namespace frontpanel {
+
+class Menu {
+public:
+    Menu();
+    ~Menu();
+    Menu(const Menu&) = delete;
+    Menu& operator=(const Menu&) = delete;
+
+    // The device itself, past whatever its values are kept in: for its faults, records and own changes.
+    Memory_device& device() { return m_device; }
+    // The device as everything of the menu reads and writes it, so that the rules see what passes.
+    Caching_device& access() { return m_access; }
+    Declared_parameters& parameters() { return m_parameters; }
+    const std::shared_ptr<Binding_registry>& bindings() { return m_bindings; }
+    // The top of the tree: the first entry that was added.
+    Data_entry& root() { return *m_entries.front(); }
+    size_t entry_count() const { return m_entries.size(); }
+
+    // The menus of the homescreen and of the favourites, whose children are links; null for none.
+    Data_entry* homescreen() { return m_homescreen; }
+    Data_entry* favourites() { return m_favourites; }
+    void set_homescreen(Data_entry* menu) { m_homescreen = menu; }
+    void set_favourites(Data_entry* menu) { m_favourites = menu; }
+    // Every link of the menu, those of both included, in the order of building.
+    std::vector<Link_entry*>& links() { return m_links; }
+    // The entry with an id of the menu file; null for none.
+    Data_entry* entry_with_id(const std::string& id) const {
+        const auto found = m_ids.find(id);
+        return found == m_ids.end() ? nullptr : found->second;
+    }
+    void add_id(const std::string& id, Data_entry* entry) { m_ids[id] = entry; }
+    // Shows a link only while a toggle is on, whose parameters are watched already.
+    void make_homescreen_entry(Link_entry& link, const std::string& toggle);
+    // Keeps the value of a parameter for the toggles that name it: see `Binding_registry::watch`.
+    void watch(const Parameter& parameter);
+    // A menu that a mount link builds from a folder.
+    Mounted_menu& add_mounted_menu(const std::string& folder);
+    const std::vector<std::unique_ptr<Mounted_menu>>& mounted_menus() const {
+        return m_mounted_menus;
+    }
+
+    // Starts the web service of the device's cards on a free port of loopback. Input_error when there is none.
+    void start_cards();
+    // Null until started.
+    Card_service* cards() { return m_cards.get(); }
+    // What fetches the live data of the card in a slot, one for each call; null without cards.
+    Live_Data_Processor* add_processor(int slot);
+
+    // How the values of entries are edited, and how the encoder works.
+    Editor_settings_table& editor_settings() { return m_editor_settings; }
+    Encoder_settings& encoder_settings() { return m_encoder_settings; }
+
+    // Keeps the option texts of an enumerated entry for as long as the entries live, each with room for `room`
+    // characters and a terminator.
+    char** keep_texts(const std::vector<std::string>& texts, size_t room = 0);
+    // Keeps an index for as long as the entries live.
+    const Index_t* keep_index(const Index_t& index);
+    // Takes over an entry; its neighbours are or will be the menu's too.
+    template <typename Entry>
+    Entry& add(std::unique_ptr<Entry> entry) {
+        Entry& added = *entry;
+        m_entries.push_back(std::move(entry));
+        return added;
+    }
+    // Gives the entry that was added last away.
+    Data_entry* release_last();
+    // Assigns a shortcut button. False when the button is taken.
+    bool add_shortcut(int button, Data_entry& entry);
+    // Hands the shortcut table to every entry; once the tree is complete.
+    void share_shortcuts();
+
+private:
+    struct Texts {
+        std::vector<std::string> texts;
+        std::vector<char*> array;
+    };
+
+    Memory_device m_device;
+    Declared_parameters m_parameters;
+    std::shared_ptr<Binding_registry> m_bindings;
+    Caching_device m_access;
+    std::unique_ptr<Card_service> m_cards;
+    std::vector<std::unique_ptr<Live_Data_Processor>> m_processors;
+    std::deque<Texts> m_texts;
+    std::deque<Index_t> m_indices;
+    std::map<int, ShortcutS> m_shortcuts;
+    Editor_settings_table m_editor_settings;
+    Encoder_settings m_encoder_settings;
+    FPData m_front_panel_data;
+    std::vector<std::unique_ptr<Mounted_menu>> m_mounted_menus;
+    Data_entry* m_homescreen = nullptr;
+    Data_entry* m_favourites = nullptr;
+    std::vector<Link_entry*> m_links;
+    std::map<std::string, Data_entry*> m_ids;
+    std::vector<std::unique_ptr<Data_entry>> m_entries;
+};
+
+}  // namespace frontpanel
+
+#endif

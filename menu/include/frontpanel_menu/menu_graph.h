@@ -1,0 +1,19 @@
+// The menu as a graph in Graphviz's language, for `dot -Tsvg`.
+#ifndef FRONTPANEL_MENU_MENU_GRAPH_H
+#define FRONTPANEL_MENU_MENU_GRAPH_H
+
+#include <string>
+
+#include <frontpanel_menu/menu.h>
+
+namespace frontpanel {
+
+// A node for each entry, with its name and its parameter. A solid edge leads from a menu to what stands in it, a
+// dashed one from a link to what it houses, a dotted one from a mount link to the menu that it builds. A blue edge
+// leads from each entry to those whose rules depend on its parameter, which are blue themselves; a parameter that no
+// entry shows stands for itself, without a border.
+std::string graph_of(Menu& menu);
+
+}  // namespace frontpanel
+
+#endif

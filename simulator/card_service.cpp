@@ -1,0 +1,456 @@
+// Makes zlib promise not to change its input.
+#define ZLIB_CONST
+
+#include <frontpanel_simulator/card_service.h>
+
+#include <httplib.h>
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+#include <zlib.h>
+
+#include <charconv>
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+#include "chance.h"
+
+namespace frontpanel {
+namespace {
+
+constexpr const char* HOST = "127.0.0.1";
+constexpr int OK = 200;
+constexpr int BAD_REQUEST = 400;
+constexpr int NOT_FOUND = 404;
+constexpr int UNAVAILABLE = 503;
+
+// A card knows its requests by these exact times.
+constexpr const char* GET_TIME = "1480088766084";
+constexpr const char* SET_TIME = "1481650582406";
+
+const std::string GARBAGE_BYTES("\x7f\x00{\"state\xff\x1f\x8a]", 13);
+
+typedef std::pair<int, int> Document_key;  // slot and variable
+
+struct Live_document {
+    std::vector<Card_service::Option> options;
+    std::string tree;
+    bool is_tree;
+    int selected;
+};
+
+bool has_option(const Live_document& document, int index) {
+    return index >= 0 &&
+           (document.is_tree || static_cast<std::size_t>(index) < document.options.size());
+}
+
+struct Answer {
+    int status;
+    std::string body;
+    const char* type;
+};
+
+std::string target_of(const char* verb, const char* time, const Document_key& key, char format) {
+    char text[256];
+    std::snprintf(text, sizeof text, "/slot/%d/htdocs/cgi-bin/cfgjson?%s&slotid=%d&%d@%c;time&%s",
+                  key.first, verb, key.first, key.second, format, time);
+    return text;
+}
+
+// The document that a request names. A card understands its requests to the letter, so what was read from
+// the target has to yield the same target again.
+std::optional<Document_key> key_of(const std::string& target, const char* verb, const char* time) {
+    int slot = 0;
+    int slot_again = 0;
+    int varid = 0;
+    char format = '\0';
+    const int read = std::sscanf(target.c_str(),
+                                 "/slot/%9d/htdocs/cgi-bin/cfgjson?%*3[A-Za-z]&slotid=%9d&%9d@%c;",
+                                 &slot, &slot_again, &varid, &format);
+    const Document_key key(slot, varid);
+    if (read != 4 || target != target_of(verb, time, key, format)) {
+        return std::nullopt;
+    }
+    return key;
+}
+
+void write_member(rapidjson::Writer<rapidjson::StringBuffer>& writer, const char* name,
+                  const std::string& text) {
+    writer.Key(name);
+    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
+
+std::string combo_box_text(const Live_document& document) {
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    writer.StartObject();
+    writer.Key("state");
+    writer.StartObject();
+    write_member(writer, "value", std::to_string(document.selected));
+    writer.EndObject();
+    writer.Key("options");
+    writer.StartArray();
+    for (const Card_service::Option& option : document.options) {
+        writer.StartObject();
+        write_member(writer, "value", option.value);
+        write_member(writer, "label", option.label);
+        writer.EndObject();
+    }
+    writer.EndArray();
+    writer.EndObject();
+    return {buffer.GetString(), buffer.GetSize()};
+}
+
+std::string gzip(const std::string& text) {
+    constexpr int GZIP_FORMAT = 15 + 16;
+    z_stream stream = {};
+    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, GZIP_FORMAT, 8,
+                     Z_DEFAULT_STRATEGY) != Z_OK) {
+        throw std::bad_alloc();
+    }
+    std::string packed(deflateBound(&stream, text.size()), '\0');
+    stream.next_in = reinterpret_cast<const Bytef*>(text.data());
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+// The index in {"state":{"value":"INDEX"}}.
+std::optional<int> posted_index(const std::string& body) {
+    rapidjson::Document document;
+    document.Parse<rapidjson::kParseIterativeFlag>(body.c_str(), body.size());
+    if (document.HasParseError() || !document.IsObject()) return std::nullopt;
+    const auto state = document.FindMember("state");
+    if (state == document.MemberEnd() || !state->value.IsObject()) return std::nullopt;
+    const auto value = state->value.FindMember("value");
+    if (value == state->value.MemberEnd() || !value->value.IsString()) return std::nullopt;
+    const char* const text = value->value.GetString();
+    const char* const end = text + value->value.GetStringLength();
+    int index = -1;
+    const auto result = std::from_chars(text, end, index);
+    if (result.ec != std::errc() || result.ptr != end || index < 0) return std::nullopt;
+    return index;
+}
+
+// Sends the first half of what it announces.
+void cut_off(const std::string& body, const char* type, httplib::Response& response) {
+    response.set_content_provider(
+        body.size(), type,
+        [half = body.substr(0, body.size() / 2)](size_t, size_t, httplib::DataSink& sink) {
+            sink.write(half.data(), half.size());
+            return false;
+        });
+}
+
+void set_reuse_address(socket_t socket) {
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+}
+
+}  // namespace
+
+class Card_service::Server {
+public:
+    explicit Server(int port);
+    ~Server();
+
+    int port() const { return m_port; }
+    void declare(const Document_key& key, Live_document document);
+    int selected(const Document_key& key) const;
+    std::vector<Selection> selections() const;
+    bool has_document(const Document_key& key) const;
+    bool select(const Document_key& key, int option);
+    void set_change_listener(std::function<void()> listener);
+    void set_fault(Fault fault, std::chrono::milliseconds delay);
+    void set_random_faults(uint32_t seed, double probability,
+                           std::chrono::milliseconds longest_delay);
+    std::vector<Request> requests() const;
+
+private:
+    typedef std::unique_lock<std::mutex> Lock;
+
+    void listen(int port);
+    void answer(const httplib::Request& request, httplib::Response& response);
+    struct Trouble {
+        Fault fault;
+        std::chrono::milliseconds delay;
+    };
+    struct Dice {
+        Chance chance;
+        double probability;
+        std::chrono::milliseconds longest_delay;
+    };
+    Trouble next_trouble();
+    Fault wait_if_late(Lock& lock);
+    Answer make_answer(const httplib::Request& request, Fault fault);
+    Answer send_document(const httplib::Request& request, Fault fault) const;
+    Answer keep_selection(const httplib::Request& request);
+    void remember(const httplib::Request& request, int status);
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_fault_changed;
+    std::map<Document_key, Live_document> m_documents;
+    std::deque<Request> m_requests;
+    std::function<void()> m_change_listener;
+    Trouble m_trouble{Fault::NONE, std::chrono::milliseconds(0)};
+    std::optional<Dice> m_dice;  // while the faults are drawn
+    int m_orders = 0;            // how often other faults were asked for
+
+    int m_port = 0;
+    httplib::Server m_http;
+    std::thread m_thread;
+};
+
+Card_service::Server::Server(int port) {
+    const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
+        answer(request, response);
+    };
+    const char* const path = R"(/slot/-?\d{1,9}/htdocs/cgi-bin/cfgjson)";
+    m_http.Get(path, handler);
+    m_http.Post(path, handler);
+    m_http.new_task_queue = [] { return new httplib::ThreadPool(4); };
+    // Two services must not share a port, as they could by default.
+    m_http.set_socket_options(set_reuse_address);
+    // A connection that stays open would hold up the end of the service.
+    m_http.set_keep_alive_max_count(1);
+    m_http.set_keep_alive_timeout(1);
+    m_http.set_read_timeout(1);
+    listen(port);
+}
+
+Card_service::Server::~Server() {
+    set_fault(Fault::NONE, {});
+    m_http.stop();
+    m_thread.join();
+}
+
+void Card_service::Server::listen(int port) {
+    if (port == 0) {
+        m_port = m_http.bind_to_any_port(HOST);
+    } else {
+        m_port = m_http.bind_to_port(HOST, port) ? port : -1;
+    }
+    if (m_port <= 0) {
+        throw std::runtime_error("the card service cannot listen at " + std::string(HOST) + ":" +
+                                 std::to_string(port));
+    }
+    m_thread = std::thread([this] { m_http.listen_after_bind(); });
+    // `stop` has no effect on a server that does not run yet.
+    while (!m_http.is_running()) {
+        std::this_thread::yield();
+    }
+}
+
+void Card_service::Server::declare(const Document_key& key, Live_document document) {
+    const Lock lock(m_mutex);
+    m_documents[key] = std::move(document);
+}
+
+int Card_service::Server::selected(const Document_key& key) const {
+    const Lock lock(m_mutex);
+    const auto found = m_documents.find(key);
+    return found != m_documents.end() ? found->second.selected : -1;
+}
+
+std::vector<Card_service::Selection> Card_service::Server::selections() const {
+    const Lock lock(m_mutex);
+    std::vector<Selection> selections;
+    for (const auto& [key, document] : m_documents) {
+        selections.push_back({key.first, key.second, document.selected});
+    }
+    return selections;
+}
+
+bool Card_service::Server::has_document(const Document_key& key) const {
+    const Lock lock(m_mutex);
+    return m_documents.count(key) != 0;
+}
+
+bool Card_service::Server::select(const Document_key& key, int option) {
+    const Lock lock(m_mutex);
+    const auto found = m_documents.find(key);
+    if (found == m_documents.end() || !has_option(found->second, option)) {
+        return false;
+    }
+    found->second.selected = option;
+    return true;
+}
+
+void Card_service::Server::set_change_listener(std::function<void()> listener) {
+    const Lock lock(m_mutex);
+    m_change_listener = std::move(listener);
+}
+
+void Card_service::Server::set_fault(Fault fault, std::chrono::milliseconds delay) {
+    const Lock lock(m_mutex);
+    m_orders += m_dice || m_trouble.fault != fault ? 1 : 0;
+    m_dice.reset();
+    m_trouble = {fault, delay};
+    m_fault_changed.notify_all();
+}
+
+void Card_service::Server::set_random_faults(uint32_t seed, double probability,
+                                             std::chrono::milliseconds longest_delay) {
+    const Lock lock(m_mutex);
+    ++m_orders;
+    m_dice.emplace(Dice{Chance(seed), probability, longest_delay});
+    m_trouble = {Fault::NONE, std::chrono::milliseconds(0)};
+    m_fault_changed.notify_all();
+}
+
+std::vector<Card_service::Request> Card_service::Server::requests() const {
+    const Lock lock(m_mutex);
+    return {m_requests.begin(), m_requests.end()};
+}
+
+void Card_service::Server::remember(const httplib::Request& request, int status) {
+    if (m_requests.size() == REMEMBERED) {
+        m_requests.pop_front();
+    }
+    m_requests.push_back({request.method, request.target, request.body, status});
+}
+
+Card_service::Server::Trouble Card_service::Server::next_trouble() {
+    constexpr Fault FAULTS[] = {Fault::LATE, Fault::CUT_OFF, Fault::ERROR_STATUS,
+                                Fault::UNCOMPRESSED, Fault::GARBAGE};
+    if (!m_dice || !m_dice->chance.happens(m_dice->probability)) {
+        return m_trouble;
+    }
+    const Fault fault = FAULTS[m_dice->chance.below(std::size(FAULTS))];
+    return {fault,
+            std::chrono::milliseconds(m_dice->chance.below(m_dice->longest_delay.count() + 1))};
+}
+
+// Returns the fault that holds for the answer.
+Card_service::Fault Card_service::Server::wait_if_late(Lock& lock) {
+    const Trouble trouble = next_trouble();
+    if (trouble.fault != Fault::LATE) {
+        return trouble.fault;
+    }
+    const int orders = m_orders;
+    const bool is_changed = m_fault_changed.wait_for(lock, trouble.delay,
+                                                     [this, orders] { return m_orders != orders; });
+    return is_changed ? m_trouble.fault : Fault::LATE;
+}
+
+void Card_service::Server::answer(const httplib::Request& request, httplib::Response& response) {
+    Lock lock(m_mutex);
+    const Fault fault = wait_if_late(lock);
+    const Answer made = make_answer(request, fault);
+    remember(request, made.status);
+    response.status = made.status;
+    if (fault == Fault::CUT_OFF) {
+        cut_off(made.body, made.type, response);
+    } else {
+        response.set_content(made.body, made.type);
+    }
+}
+
+Answer Card_service::Server::make_answer(const httplib::Request& request, Fault fault) {
+    if (fault == Fault::ERROR_STATUS) {
+        return {UNAVAILABLE, "The card is busy.\n", "text/plain"};
+    }
+    return request.method == "POST" ? keep_selection(request) : send_document(request, fault);
+}
+
+Answer Card_service::Server::send_document(const httplib::Request& request, Fault fault) const {
+    const auto key = key_of(request.target, "Get", GET_TIME);
+    const auto found = key ? m_documents.find(*key) : m_documents.end();
+    if (found == m_documents.end()) {
+        return {NOT_FOUND, "There is no such document.\n", "text/plain"};
+    }
+    if (fault == Fault::GARBAGE) {
+        return {OK, GARBAGE_BYTES, "application/gzip"};
+    }
+    const Live_document& document = found->second;
+    const std::string text = document.is_tree ? document.tree : combo_box_text(document);
+    if (fault == Fault::UNCOMPRESSED) {
+        return {OK, text, "application/json"};
+    }
+    return {OK, gzip(text), "application/gzip"};
+}
+
+Answer Card_service::Server::keep_selection(const httplib::Request& request) {
+    const auto key = key_of(request.target, "Set", SET_TIME);
+    const auto found = key ? m_documents.find(*key) : m_documents.end();
+    if (found == m_documents.end()) {
+        return {NOT_FOUND, "There is no such document.\n", "text/plain"};
+    }
+    Live_document& document = found->second;
+    const auto index = posted_index(request.body);
+    if (!index || !has_option(document, *index)) {
+        return {BAD_REQUEST, "There is no such option.\n", "text/plain"};
+    }
+    const bool has_changed = document.selected != *index;
+    document.selected = *index;
+    if (has_changed && m_change_listener) {
+        m_change_listener();
+    }
+    return {OK, "{}\n", "application/json"};
+}
+
+Card_service::Card_service(int port) : m_server(std::make_unique<Server>(port)) {}
+
+Card_service::~Card_service() = default;
+
+int Card_service::port() const {
+    return m_server->port();
+}
+
+std::string Card_service::address() const {
+    return HOST + (":" + std::to_string(port()));
+}
+
+void Card_service::add_combo_box(int slot, int varid, std::vector<Option> options, int selected) {
+    m_server->declare({slot, varid}, {std::move(options), "", false, selected});
+}
+
+void Card_service::add_tree(int slot, int varid, std::string json) {
+    m_server->declare({slot, varid}, {{}, std::move(json), true, -1});
+}
+
+int Card_service::selected(int slot, int varid) const {
+    return m_server->selected({slot, varid});
+}
+
+std::vector<Card_service::Selection> Card_service::selections() const {
+    return m_server->selections();
+}
+
+bool Card_service::has_document(int slot, int varid) const {
+    return m_server->has_document({slot, varid});
+}
+
+bool Card_service::select(int slot, int varid, int option) {
+    return m_server->select({slot, varid}, option);
+}
+
+void Card_service::set_change_listener(std::function<void()> listener) {
+    m_server->set_change_listener(std::move(listener));
+}
+
+void Card_service::set_fault(Fault fault, std::chrono::milliseconds delay) {
+    m_server->set_fault(fault, delay);
+}
+
+void Card_service::set_random_faults(uint32_t seed, double probability,
+                                     std::chrono::milliseconds longest_delay) {
+    m_server->set_random_faults(seed, probability, longest_delay);
+}
+
+std::vector<Card_service::Request> Card_service::requests() const {
+    return m_server->requests();
+}
+
+}  // namespace frontpanel

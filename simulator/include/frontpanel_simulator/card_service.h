@@ -1,0 +1,99 @@
+// The web service of slot cards, in process and on loopback: it answers the requests for live-data documents
+// that the panel's tools make, and keeps the selections that they post.
+//
+// Thread-safe. Its threads end with the object. From the first one on the process ignores SIGPIPE.
+#ifndef FRONTPANEL_SIMULATOR_CARD_SERVICE_H
+#define FRONTPANEL_SIMULATOR_CARD_SERVICE_H
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace frontpanel {
+
+class Card_service {
+public:
+    static constexpr std::size_t REMEMBERED = 256;  // requests kept, newest
+
+    struct Option {
+        std::string value;
+        std::string label;
+    };
+
+    // A document and the index that is selected in it.
+    struct Selection {
+        int slot;
+        int varid;
+        int option;
+    };
+
+    // How the service misbehaves.
+    enum class Fault {
+        NONE,
+        LATE,          // answers after a delay
+        CUT_OFF,       // announces the whole answer, sends half of it and closes the connection
+        ERROR_STATUS,  // answers 503; a post changes nothing
+        UNCOMPRESSED,  // sends a document as plain text
+        GARBAGE        // sends bytes that are neither compressed nor a document
+    };
+
+    struct Request {
+        std::string method;  // "GET" or "POST"
+        std::string target;  // path and query as they came
+        std::string body;
+        int status;  // of the answer
+    };
+
+    // Listens on 127.0.0.1 at `port`, 0 for any free one. Throws std::runtime_error when that fails.
+    explicit Card_service(int port = 0);
+    ~Card_service();
+    Card_service(const Card_service&) = delete;
+    Card_service& operator=(const Card_service&) = delete;
+
+    int port() const;
+    // "127.0.0.1:PORT", at most 15 characters: a card's address as the panel keeps it.
+    std::string address() const;
+
+    // Declares a document of a slot, or replaces it. `selected` is the index of an option; it may lie outside
+    // the options, as a card's can.
+    void add_combo_box(int slot, int varid, std::vector<Option> options, int selected);
+    // `json` is sent as it is. Nothing is selected at first.
+    void add_tree(int slot, int varid, std::string json);
+
+    // The index selected last; -1 for a document that is not declared and for a new tree.
+    int selected(int slot, int varid) const;
+    // That of every declared document, by slot and variable.
+    std::vector<Selection> selections() const;
+    bool has_document(int slot, int varid) const;
+    // Selects an option as a post would. False, and nothing changed, when there is no such document or option; a tree
+    // takes any index from 0 on.
+    bool select(int slot, int varid, int option);
+    // Called after a post selected another option, on a thread of the service and under its lock: it must not use the
+    // service. Once another listener is set the former is no longer called.
+    void set_change_listener(std::function<void()> listener);
+
+    // With every request alike. `delay` counts from each request's arrival, for `LATE` alone. Requests that wait go on at once when
+    // another fault is set and when the service ends.
+    void set_fault(Fault fault, std::chrono::milliseconds delay = std::chrono::milliseconds(0));
+
+    // From now on each request meets a fault with this probability, 0 to 1: any of them alike, `LATE` by at most
+    // `longest_delay`. The same seed and the same requests, one after the other, meet the same faults.
+    // `set_fault` ends it.
+    void set_random_faults(uint32_t seed, double probability,
+                           std::chrono::milliseconds longest_delay = std::chrono::milliseconds(0));
+
+    // The newest requests for a document, oldest first. One is listed before its answer is sent.
+    std::vector<Request> requests() const;
+
+private:
+    class Server;
+    std::unique_ptr<Server> m_server;
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,60 @@
+// The values of the simulated device, and what is selected on its cards, in a file, so that they survive a restart.
+// docs/state-file.md describes it.
+#ifndef FRONTPANEL_SIMULATOR_STATE_FILE_H
+#define FRONTPANEL_SIMULATOR_STATE_FILE_H
+
+#include <frontpanel_simulator/card_service.h>
+#include <frontpanel_simulator/memory_device.h>
+
+#include <map>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace frontpanel {
+
+class Json_value;
+
+class State_file {
+public:
+    // Device and cards outlive the object; `cards` is null where none run.
+    State_file(std::string file, Memory_device& device, Card_service* cards = nullptr);
+
+    const std::string& name() const { return m_file; }
+
+    // Gives the device the values that the file keeps. What the device does not have is kept for the device that
+    // has it; a value that a parameter cannot hold any more is dropped. A damaged file is put aside under another
+    // name, and the start values stay. The lines that tell of these. Input_error, and nothing happened, when there
+    // is a file that cannot be read: its values are not to be lost.
+    std::vector<std::string> restore();
+
+    // Writes the device's values, and what is kept for others. Input_error when that cannot be done; then the file
+    // is as it was. On any thread, one at a time.
+    void save() const;
+
+private:
+    using Key = std::tuple<uint32_t, uint32_t, RETURN_TYPE>;
+    using Slot_and_pid = std::pair<int, int>;
+    struct Content {
+        std::map<Key, Memory_device::Value> values;
+        std::map<Slot_and_pid, int> selections;
+    };
+
+    Content read(const std::string& text) const;
+    static void read_selections(const Json_value& selections, Content& content);
+    std::string put_aside() const;
+    void apply(const Content& content, std::vector<std::string>& lines);
+    void apply(const Memory_device::Value& value, std::vector<std::string>& lines);
+    void apply(const Slot_and_pid& document, int option, std::vector<std::string>& lines);
+    Content content() const;
+
+    std::string m_file;
+    Memory_device& m_device;
+    Card_service* m_cards;
+    Content m_for_others;  // what this device does not have
+};
+
+}  // namespace frontpanel
+
+#endif

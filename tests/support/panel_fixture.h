@@ -1,0 +1,133 @@
+// A panel over a menu that is written in the test.
+#ifndef FRONTPANEL_DATA_TESTS_SUPPORT_PANEL_FIXTURE_H
+#define FRONTPANEL_DATA_TESTS_SUPPORT_PANEL_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include <frontpanel_base/character_set.h>
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_base/problems.h>
+#include <frontpanel_menu/menu_loader.h>
+#include <frontpanel_ui/controller.h>
+#include "support/json_places.h"
+
+namespace frontpanel {
+
+using Lines = std::vector<std::string>;
+
+inline Lines lines_of(const Frame& frame) {
+    Lines lines;
+    for (int row = 0; row < frame.lcd.size().rows; ++row) {
+        lines.push_back(text_of(frame.lcd.line(row)));
+    }
+    return lines;
+}
+
+// A menu file with these device parameters and these items of the top menu.
+inline std::string menu_text(const std::string& parameters, const std::string& items,
+                             const std::string& options = "{}") {
+    return R"({"options": )" + options + R"(, "device": {"parameters": [)" + parameters +
+           R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";
+}
+
+// All that is told of a menu file that does not load; empty when it does.
+inline Lines complaints_of(const std::string& text) {
+    try {
+        load_menu_text("menu.json", text);
+    } catch (const Input_errors& errors) {
+        return errors.lines();
+    }
+    return {};
+}
+
+// All that is wrong with a menu file, line by line, without the warnings; empty when it loads.
+inline std::string error_of(const std::string& text) {
+    std::string all;
+    for (const std::string& line : complaints_of(text)) {
+        if (line.find(": warning: ") == std::string::npos) {
+            all += (all.empty() ? "" : "\n") + line;
+        }
+    }
+    return all;
+}
+
+// An error's place is its path in the text: see `placed`.
+struct Error_case {
+    std::string text;
+    std::string error;
+};
+
+class Panel {
+public:
+    explicit Panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
+        : m_loaded(load_menu_text("menu.json", text, {cards, size.columns})),
+          m_controller(m_loaded.menu->root(), link(), size) {
+        m_loaded.menu->bindings()->set_warning_listener(
+            [this](const std::string& warning) { m_controller.warn(warning); });
+        m_controller.set_warning_armer([this] { menu().bindings()->arm_warnings(); });
+        set_encoder(m_loaded.menu->encoder_settings());
+        m_controller.show_home(home_of(menu()));
+    }
+
+    Memory_device& device() { return m_loaded.menu->device(); }
+    Menu& menu() { return *m_loaded.menu; }
+    Data_entry& root() { return m_loaded.menu->root(); }
+    Controller& controller() { return m_controller; }
+    Panel& press(Key::Kind kind, int times = 1) {
+        for (int i = 0; i < times; ++i) {
+            m_controller.press({kind, 0});
+        }
+        return *this;
+    }
+    Panel& shortcut(int button) {
+        m_controller.press({Key::SHORTCUT, button});
+        return *this;
+    }
+    Panel& tick() {
+        m_controller.tick();
+        return *this;
+    }
+    void set_encoder(const Encoder_settings& encoder) {
+        m_controller.configure(encoder, &menu().editor_settings());
+    }
+    // How an item of the top menu is edited, counted from 0.
+    Editor_settings& settings(int item) { return menu().editor_settings()[&this->item(item)]; }
+    Data_entry& item(int number) {
+        Data_entry* entry = root().Get_child();
+        for (int i = 0; i < number; ++i) {
+            entry = entry->Get_next();
+        }
+        return *entry;
+    }
+    Lines lines() { return lines_of(m_controller.draw()); }
+    Leds leds() { return m_controller.draw().leds; }
+
+    // From now on every read, or write, of a parameter without index fails.
+    void fail(Memory_device::Operation_kind kind, uint32_t pid) {
+        device().set_fault([kind, pid](const Memory_device::Operation& operation) {
+            return operation.kind == kind && operation.pid == pid ? 100 : 0;
+        });
+    }
+    void repair() { device().set_fault(nullptr); }
+
+    // From now on no choice can be posted to a card, or again.
+    void set_may_post(bool may_post) { m_may_post = may_post; }
+
+private:
+    Device_link link() {
+        Device_link link = link_to(menu());
+        link.may_post = [this] { return m_may_post; };
+        return link;
+    }
+
+    bool m_may_post = true;
+    Loaded_menu m_loaded;
+    Controller m_controller;
+};
+
+}  // namespace frontpanel
+
+#endif

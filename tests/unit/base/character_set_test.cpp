@@ -1,0 +1,71 @@
+#include <frontpanel_base/character_set.h>
+
+#include <gtest/gtest.h>
+
+namespace frontpanel {
+namespace {
+
+using Characters = std::set<char32_t>;
+
+struct Cells_case {
+    std::string text;
+    std::string cells;
+    Characters lost;
+};
+
+TEST(CharacterSet, KeepsWhatTheDisplayHasAndMarksWhatItHasNot) {
+    const Cells_case CASES[] = {
+        {"", "", {}},
+        {"Gain ~ 1", "Gain ~ 1", {}},
+        {"caf\xC3\xA9 20\xC2\xB0", "caf\xE9 20\xB0", {}},
+        {"\xC3\xBF\xC2\xA0", "\xFF\xA0", {}},
+        {"\xE2\x82\xAC 5", "? 5", {0x20AC}},
+        {"\xF0\x9F\x94\x8A\xC4\x80", "??", {0x1F50A, 0x100}},
+        {"a\x01\n\x7F", "a???", {0x1, 0xA, 0x7F}},
+        {"\xC2\x80\xC2\x9F", "??", {0x80, 0x9F}},
+        {"a\xE2\x80\x93z \xE2\x80\x9Cq\xE2\x80\x9D it\xE2\x80\x99s \xE2\x88\x92"
+         "3",
+         "a-z \"q\" it's -3",
+         {}},
+    };
+    for (const Cells_case& expected : CASES) {
+        Characters lost;
+        EXPECT_EQ(cells_of(expected.text, lost), expected.cells) << expected.text;
+        EXPECT_EQ(lost, expected.lost) << expected.text;
+    }
+}
+
+// The library cuts and scrolls texts bytewise, so pieces of characters are nothing unusual.
+TEST(CharacterSet, ADamagedByteIsOneMarkAndNoLostCharacter) {
+    const Cells_case CASES[] = {
+        {"\xA9 end", "? end", {}},        {"caf\xC3", "caf?", {}},     {"\xC3(", "?(", {}},
+        {"\xE2\x82", "??", {}},           {"\xC0\xAF", "??", {}},      {"\xE0\x80\xAF", "???", {}},
+        {"\xED\xA0\x80", "???", {}},      {"\xF8\x88", "??", {}},      {"\xFF\xFE", "??", {}},
+        {"\xF4\x90\x80\x80", "????", {}}, {"\xF0\x9F\x94", "???", {}},
+    };
+    for (const Cells_case& expected : CASES) {
+        Characters lost;
+        EXPECT_EQ(cells_of(expected.text, lost), expected.cells) << expected.text;
+        EXPECT_TRUE(lost.empty()) << expected.text;
+    }
+}
+
+TEST(CharacterSet, CellsGoBackToTheirText) {
+    EXPECT_EQ(text_of("caf\xE9 \xFF~"), "caf\xC3\xA9 \xC3\xBF~");
+    std::string all;
+    for (int byte = 0xA0; byte <= 0xFF; ++byte) {
+        all += static_cast<char>(byte);
+    }
+    Characters lost;
+    EXPECT_EQ(cells_of(text_of(all), lost), all);
+    EXPECT_TRUE(lost.empty());
+}
+
+TEST(CharacterSet, NamesCodePointsAsTheyAreUsuallyWritten) {
+    EXPECT_EQ(code_point_name(0xA), "U+000A");
+    EXPECT_EQ(code_point_name(0x20AC), "U+20AC");
+    EXPECT_EQ(code_point_name(0x1F50A), "U+1F50A");
+}
+
+}  // namespace
+}  // namespace frontpanel

@@ -1,0 +1,82 @@
+#include <frontpanel_base/signal_cleanup.h>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace frontpanel {
+namespace {
+
+void say(const char (&text)[7]) {
+    if (write(STDERR_FILENO, text, sizeof text - 1) < 0) {
+        _exit(1);
+    }
+}
+
+void say_first() {
+    say("first ");
+}
+
+void say_second() {
+    say("second");
+}
+
+TEST(LastActDeathTest, TheYoungestComesFirstAndTheSignalEndsTheProcess) {
+    EXPECT_EXIT(
+        {
+            const Signal_cleanup first(Ending::REQUESTED, say_first);
+            const Signal_cleanup second(Ending::REQUESTED, say_second);
+            std::raise(SIGTERM);
+        },
+        testing::KilledBySignal(SIGTERM), "^secondfirst $");
+}
+
+TEST(LastActDeathTest, ACrashIsWaitedForOnlyByAnActForAnyEnding) {
+    EXPECT_EXIT(
+        {
+            const Signal_cleanup first(Ending::ANY, say_first);
+            std::raise(SIGSEGV);
+        },
+        testing::KilledBySignal(SIGSEGV), "^first $");
+    EXPECT_EXIT(
+        {
+            const Signal_cleanup first(Ending::REQUESTED, say_first);
+            std::signal(SIGFPE, SIG_DFL);
+            std::raise(SIGFPE);
+        },
+        testing::KilledBySignal(SIGFPE), "^$");
+}
+
+TEST(LastActDeathTest, AnActThatIsGoneIsNotCalled) {
+    EXPECT_EXIT(
+        {
+            const Signal_cleanup first(Ending::REQUESTED, say_first);
+            { const Signal_cleanup second(Ending::ANY, say_second); }
+            std::raise(SIGHUP);
+        },
+        testing::KilledBySignal(SIGHUP), "^first $");
+    EXPECT_EXIT(
+        {
+            { const Signal_cleanup first(Ending::REQUESTED, say_first); }
+            std::raise(SIGHUP);
+        },
+        testing::KilledBySignal(SIGHUP), "^$");
+}
+
+TEST(LastActDeathTest, AnIgnoredSignalStaysIgnored) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGHUP, SIG_IGN);
+            {
+                const Signal_cleanup first(Ending::ANY, say_first);
+                std::raise(SIGHUP);
+            }
+            std::raise(SIGHUP);
+            _exit(0);
+        },
+        testing::ExitedWithCode(0), "^$");
+}
+
+}  // namespace
+}  // namespace frontpanel

@@ -1,0 +1,343 @@
+#include <frontpanel_simulator/state_file.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include <frontpanel_base/atomic_file.h>
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_simulator/state_keeper.h>
+#include "support/folder.h"
+#include "support/json_places.h"
+
+namespace frontpanel {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr uint32_t GAIN = 100;
+constexpr uint32_t LABEL = 406;
+
+class State_file_test : public testing::Test {
+protected:
+    State_file_test() { declare(m_device); }
+
+    static void declare(Memory_device& device, int highest = 120) {
+        device.add_integer(GAIN, 1, -600, highest, 0);
+        device.add_integer(GAIN, 0x0201, -600, 120, -35);
+        device.add_text(LABEL, 0, 16, "Studio A");
+    }
+    const std::string& file() const { return m_file; }
+    void write(const std::string& text) { std::ofstream(m_file) << text; }
+    std::string content() const { return read_input_file(m_file); }
+    std::vector<std::string> restore(Memory_device& device) const {
+        return State_file(m_file, device).restore();
+    }
+    std::string refusal() {
+        try {
+            restore(m_device);
+        } catch (const Input_error& error) {
+            return error.what();
+        }
+        return "";
+    }
+
+    support::Folder m_folder;
+    std::string m_file = m_folder.file("values");
+    Memory_device m_device;
+};
+
+TEST_F(State_file_test, ValuesSurviveARestart) {
+    m_device.set_integer(GAIN, 1, -39);
+    m_device.set_text(LABEL, 0, "Van \"2\" \\");
+    State_file(file(), m_device).save();
+
+    Memory_device restarted;
+    declare(restarted);
+    EXPECT_THAT(restore(restarted), IsEmpty());
+    EXPECT_EQ(restarted.integer(GAIN, 1), -39);
+    EXPECT_EQ(restarted.integer(GAIN, 0x0201), -35);
+    EXPECT_EQ(restarted.text(LABEL, 0), "Van \"2\" \\");
+}
+
+TEST_F(State_file_test, HoldsOneLineForEachParameter) {
+    m_device.set_text(LABEL, 0, "caf\xc3\xa9");
+    State_file(file(), m_device).save();
+    EXPECT_EQ(content(),
+              "{\"version\": 1, \"values\": [\n"
+              "{\"pid\":100,\"index\":1,\"integer\":0},\n"
+              "{\"pid\":100,\"index\":513,\"integer\":-35},\n"
+              "{\"pid\":406,\"index\":0,\"hex\":\"636166c3a9\"}\n"
+              "]}\n");
+}
+
+TEST_F(State_file_test, AnyBytesOfATextSurvive) {
+    std::string bytes;
+    for (int byte = 1; byte < 256; ++byte) {
+        bytes += static_cast<char>(byte);
+        if (bytes.size() == 16 || byte == 255) {
+            m_device.set_text(LABEL, 0, bytes);
+            State_file(file(), m_device).save();
+            Memory_device restarted;
+            declare(restarted);
+            EXPECT_THAT(restore(restarted), IsEmpty());
+            EXPECT_EQ(restarted.text(LABEL, 0), bytes);
+            bytes.clear();
+        }
+    }
+}
+
+TEST_F(State_file_test, WithoutAFileTheDeviceHasItsStartValues) {
+    EXPECT_THAT(restore(m_device), IsEmpty());
+    EXPECT_EQ(m_device.text(LABEL, 0), "Studio A");
+    EXPECT_FALSE(fs::exists(file()));
+}
+
+TEST_F(State_file_test, WhatTheDeviceDoesNotHaveIsKeptForTheDeviceThatHasIt) {
+    write(R"({"version": 1, "values": [
+        {"pid": 7, "index": 3, "integer": 5},
+        {"pid": 100, "index": 1, "text": "a label once"},
+        {"pid": 406, "index": 0, "text": "Van"}]})");
+    State_file state(file(), m_device);
+    EXPECT_THAT(state.restore(), IsEmpty());
+    m_device.set_integer(GAIN, 1, 12);
+    state.save();
+    EXPECT_EQ(content(),
+              "{\"version\": 1, \"values\": [\n"
+              "{\"pid\":7,\"index\":3,\"integer\":5},\n"
+              "{\"pid\":100,\"index\":1,\"integer\":12},\n"
+              "{\"pid\":100,\"index\":1,\"text\":\"a label once\"},\n"
+              "{\"pid\":100,\"index\":513,\"integer\":-35},\n"
+              "{\"pid\":406,\"index\":0,\"text\":\"Van\"}\n"
+              "]}\n");
+}
+
+TEST_F(State_file_test, AValueThatNoLongerFitsIsDroppedWithALine) {
+    write(R"({"version": 1, "values": [
+        {"pid": 100, "index": 1, "integer": 121},
+        {"pid": 100, "index": 513, "integer": -600},
+        {"pid": 406, "index": 0, "text": "seventeen letters"}]})");
+    EXPECT_THAT(restore(m_device),
+                ElementsAre(file() + ": parameter 100 with index 1 has its start value: 121 is out "
+                                     "of bounds",
+                            file() + ": parameter 406 with index 0 has its start value: "
+                                     "\"seventeen letters\" is out of bounds"));
+    EXPECT_EQ(m_device.integer(GAIN, 1), 0);
+    EXPECT_EQ(m_device.integer(GAIN, 0x0201), -600);
+    EXPECT_EQ(m_device.text(LABEL, 0), "Studio A");
+}
+
+TEST_F(State_file_test, ADamagedFileIsPutAsideAndNothingOfItIsUsed) {
+    const std::string damaged =
+        R"({"version": 1, "values": [{"pid": 100, "index": 1, "integer": 7}, {"pid": 100)";
+    write(damaged);
+    EXPECT_THAT(
+        restore(m_device),
+        ElementsAre(testing::MatchesRegex(file() + ":1:[0-9]+: .*; the file is now " + file() +
+                                          ".damaged, the device has its start values")));
+    EXPECT_EQ(m_device.integer(GAIN, 1), 0);
+    EXPECT_FALSE(fs::exists(file()));
+    EXPECT_EQ(read_input_file(file() + ".damaged"), damaged);
+}
+
+TEST_F(State_file_test, ADamagedFileThatWasPutAsideStays) {
+    for (int i = 1; i <= 10; ++i) {
+        write("damage " + std::to_string(i));
+        restore(m_device);
+    }
+    EXPECT_EQ(read_input_file(file() + ".damaged"), "damage 1");
+    EXPECT_EQ(read_input_file(file() + ".damaged-8"), "damage 8");
+    EXPECT_EQ(read_input_file(file() + ".damaged-9"), "damage 10");
+}
+
+TEST_F(State_file_test, EveryKindOfDamageIsTold) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"", ":1:1: The document is empty."},
+        {"[]", ": /: expected an object"},
+        {R"({"values": []})", ": /: expected a member \"version\""},
+        {R"({"version": 2, "values": []})", ": /version: expected"},
+        {R"({"version": 1, "values": [], "x": 1})", ": /x@: unknown member \"x\""},
+        {R"({"version": 1, "values": [7]})", ": /values/0: expected an object"},
+        {R"({"version": 1, "values": [{"pid": -1, "index": 0, "integer": 1}]})",
+         ": /values/0/pid: expected"},
+        {R"({"version": 1, "values": [{"pid": 1, "index": 4294967296, "integer": 1}]})",
+         ": /values/0/index: expected"},
+        {R"({"version": 1, "values": [{"pid": 1, "index": 0, "integer": 2147483648}]})",
+         ": /values/0/integer: expected"},
+        {R"({"version": 1, "values": [{"pid": 1, "index": 0}]})", ": /values/0: expected"},
+        {R"({"version": 1, "values": [{"pid": 1, "index": 0, "integer": 1, "text": ""}]})",
+         ": /values/0/text@: unknown member \"text\""},
+        {R"({"version": 1, "values": [{"pid": 1, "index": 0, "hex": "0"}]})",
+         ": /values/0/hex: expected pairs of the digits 0 to 9 and a to f"},
+        {R"({"version": 1, "values": [{"pid": 1, "index": 0, "hex": "0G"}]})",
+         ": /values/0/hex: expected pairs of the digits 0 to 9 and a to f"},
+        {R"({"version": 1, "values": [{"pid": 1, "index": 0, "integer": 1},
+                                      {"pid": 1, "index": 0, "integer": 1}]})",
+         ": /values/1: this parameter is there twice"},
+        {R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071}]})",
+         ": /selections/0: expected a member \"option\""},
+        {R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071, "option": 1},
+                                                        {"slot": 3, "pid": 9071, "option": 1}]})",
+         ": /selections/1: this list is there twice"},
+        {std::string(5000, '['), ":"},
+    };
+    for (const auto& [text, problem] : cases) {
+        write(text);
+        const std::vector<std::string> lines = restore(m_device);
+        ASSERT_EQ(lines.size(), 1U) << text;
+        const std::string line = file() + placed(text, "menu.json" + problem).substr(9);
+        EXPECT_EQ(lines[0].rfind(line, 0), 0U) << lines[0] << "\nfor " << text;
+        EXPECT_EQ(m_device.integer(GAIN, 1), 0) << text;
+    }
+}
+
+TEST_F(State_file_test, AFileWithAMistakeAnywhereIsTakenOrPutAside) {
+    State_file(file(), m_device).save();
+    const std::string whole = content();
+    std::mt19937 random(7);
+    for (size_t at = 0; at < whole.size(); ++at) {
+        std::string text = whole;
+        text[at] = static_cast<char>(random() % 256);
+        write(text);
+        restore(m_device);
+        write(whole.substr(0, at));
+        restore(m_device);
+        for (const fs::directory_entry& entry : fs::directory_iterator(m_folder.path())) {
+            fs::remove(entry);
+        }
+    }
+}
+
+TEST_F(State_file_test, WhatIsNoFileOrTooLargeIsRefusedAndStays) {
+    EXPECT_EQ(State_file("/dev/zero", m_device).name(), "/dev/zero");
+    EXPECT_THROW(State_file("/dev/zero", m_device).restore(), Input_error);
+    fs::create_directory(file());
+    EXPECT_EQ(refusal(), file() + ": cannot be read: it is no file");
+    fs::remove(file());
+    write(std::string(5 << 20, ' '));
+    EXPECT_EQ(refusal(), file() + ": is larger than 4 MiB");
+    EXPECT_EQ(fs::file_size(file()), size_t{5} << 20);
+}
+
+TEST_F(State_file_test, ADamagedFileThatCannotBePutAsideIsRefused) {
+    write("damage");
+    const support::Read_only_folder read_only(m_folder.path());
+    EXPECT_EQ(refusal(), file() + ": is damaged and cannot be put aside: Permission denied");
+    EXPECT_EQ(content(), "damage");
+}
+
+// ---- what is selected on cards
+
+TEST_F(State_file_test, SelectionsOnCardsSurviveARestart) {
+    Card_service cards;
+    cards.add_combo_box(3, 9071, {{"0", "Sport"}, {"1", "News"}}, 0);
+    cards.add_tree(5, 9072, "{}");
+    EXPECT_TRUE(cards.select(3, 9071, 1));
+    State_file(file(), m_device, &cards).save();
+    EXPECT_NE(content().find("], \"selections\": [\n"
+                             "{\"slot\":3,\"pid\":9071,\"option\":1},\n"
+                             "{\"slot\":5,\"pid\":9072,\"option\":-1}\n"
+                             "]}\n"),
+              std::string::npos)
+        << content();
+
+    Card_service restarted;
+    restarted.add_combo_box(3, 9071, {{"0", "Sport"}, {"1", "News"}}, 0);
+    restarted.add_tree(5, 9072, "{}");
+    EXPECT_THAT(State_file(file(), m_device, &restarted).restore(), IsEmpty());
+    EXPECT_EQ(restarted.selected(3, 9071), 1);
+    EXPECT_EQ(restarted.selected(5, 9072), -1);
+}
+
+TEST_F(State_file_test, ASelectionThatIsGoneIsDroppedWithALine) {
+    write(R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071, "option": 2}]})");
+    Card_service cards;
+    cards.add_combo_box(3, 9071, {{"0", "Sport"}, {"1", "News"}}, 1);
+    EXPECT_THAT(State_file(file(), m_device, &cards).restore(),
+                ElementsAre(file() + ": list 9071 of the card in slot 3 has its start selection: "
+                                     "there is no option 2"));
+    EXPECT_EQ(cards.selected(3, 9071), 1);
+}
+
+TEST_F(State_file_test, ASelectionOfACardThatIsNotThereIsKeptForIt) {
+    const std::string selection = R"({"slot":4,"pid":9071,"option":2})";
+    write(R"({"version": 1, "values": [], "selections": [)" + selection + "]}");
+    Card_service cards;
+    State_file with_cards(file(), m_device, &cards);
+    EXPECT_THAT(with_cards.restore(), IsEmpty());
+    with_cards.save();
+    EXPECT_NE(content().find(selection), std::string::npos);
+    State_file without_cards(file(), m_device);
+    EXPECT_THAT(without_cards.restore(), IsEmpty());
+    without_cards.save();
+    EXPECT_NE(content().find(selection), std::string::npos);
+}
+
+// ---- the thread that writes
+
+constexpr std::chrono::milliseconds AT_ONCE{0};
+constexpr std::chrono::hours NOT_NOW{1};
+
+TEST_F(State_file_test, AChangeIsWrittenWithoutBeingAskedFor) {
+    State_file state(file(), m_device);
+    State_keeper keeper(state, m_device, nullptr, AT_ONCE);
+    m_device.set_integer(GAIN, 1, 5);
+    while (keeper.save_count() == 0) {
+        std::this_thread::yield();
+    }
+    EXPECT_NE(content().find("\"index\":1,\"integer\":5"), std::string::npos);
+}
+
+TEST_F(State_file_test, ManyChangesAreWrittenOnce) {
+    State_file state(file(), m_device);
+    State_keeper keeper(state, m_device, nullptr, NOT_NOW);
+    for (int value = 1; value <= 100; ++value) {
+        m_device.set_integer(GAIN, 1, value);
+    }
+    keeper.finish();
+    EXPECT_EQ(keeper.save_count(), 1);
+    EXPECT_NE(content().find("\"index\":1,\"integer\":100"), std::string::npos);
+}
+
+TEST_F(State_file_test, WithoutAChangeNothingIsWritten) {
+    State_file state(file(), m_device);
+    State_keeper keeper(state, m_device, nullptr, AT_ONCE);
+    m_device.set_integer(GAIN, 1, 0);
+    keeper.finish();
+    EXPECT_EQ(keeper.save_count(), 0);
+    EXPECT_FALSE(fs::exists(file()));
+}
+
+TEST_F(State_file_test, TheEndTellsWhatCouldNotBeWritten) {
+    const std::string absent = m_folder.file("absent/values");
+    State_file state(absent, m_device);
+    State_keeper keeper(state, m_device, nullptr, NOT_NOW);
+    m_device.set_integer(GAIN, 1, 5);
+    try {
+        keeper.finish();
+        FAIL() << "there is no such folder";
+    } catch (const Input_error& error) {
+        EXPECT_EQ(error.what(), absent + ": cannot be written: No such file or directory");
+    }
+}
+
+TEST_F(State_file_test, WhatCouldNotBeWrittenIsWrittenLater) {
+    State_file state(m_folder.file("late/values"), m_device);
+    State_keeper keeper(state, m_device, nullptr, AT_ONCE);
+    m_device.set_integer(GAIN, 1, 5);
+    fs::create_directory(m_folder.file("late"));
+    while (keeper.save_count() == 0) {
+        std::this_thread::yield();
+    }
+    keeper.finish();
+    EXPECT_NE(read_input_file(m_folder.file("late/values")).find("\"integer\":5"),
+              std::string::npos);
+}
+
+}  // namespace
+}  // namespace frontpanel

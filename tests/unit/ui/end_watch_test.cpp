@@ -1,0 +1,139 @@
+#include <frontpanel_base/end_watch.h>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include <frontpanel_base/signal_cleanup.h>
+#include <frontpanel_ui/main_loop.h>
+#include "support/panel_fixture.h"
+
+namespace frontpanel {
+namespace {
+
+using std::chrono::hours;
+using std::chrono::milliseconds;
+
+bool is_told(const End_watch& watch) {
+    pollfd source{watch.descriptor(), POLLIN, 0};
+    return poll(&source, 1, 20000) == 1;
+}
+
+void say_good_bye() {
+    if (write(STDERR_FILENO, "bye", 3) != 3) {
+        _exit(1);
+    }
+}
+
+// Neither shows anything nor has keys.
+class Blind_front : public Front {
+public:
+    void show(const Frame&) override {}
+    std::optional<Front_event> next(Time) override { return std::nullopt; }
+    pollfd source() const override { return {-1, 0, 0}; }
+    Time due() const override { return Time::max(); }
+};
+
+[[noreturn]] void loop_until_a_signal() {
+    const End_watch watch{hours(1)};
+    Panel panel{menu_text(R"({"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5})",
+                          R"({"type": "range", "name": "Gain", "pid": 1})"),
+                {16, 2}};
+    const auto clock = [] { return std::chrono::steady_clock::now(); };
+    Session session{panel.controller(), panel.device(), std::nullopt, clock()};
+    Blind_front front;
+    Main_loop loop{session, front, clock};
+    kill(getpid(), SIGTERM);
+    _exit(loop.run(watch));
+}
+
+// The command ends when the process does, whose end of the pipe it reads from.
+[[noreturn]] void hang_in_a_command() {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0 || dup2(ends[0], STDIN_FILENO) < 0) {
+        _exit(2);
+    }
+    const Signal_cleanup act(Ending::REQUESTED, say_good_bye);
+    const End_watch watch{milliseconds(1)};
+    const int status = std::system("kill -INT $PPID; cat");
+    _exit(status == 0 ? 0 : 1);
+}
+
+// Each in a process of its own: signals are the whole process's.
+TEST(End_watchDeathTest, ASignalIsNotedAndDoesNotEndTheProcess) {
+    for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EXIT(
+            {
+                const End_watch watch{hours(1)};
+                const bool quiet = watch.signal_number() == 0;
+                kill(getpid(), signal_number);
+                const bool told = is_told(watch);
+                _exit(quiet && told && watch.signal_number() == signal_number ? 0 : 1);
+            },
+            testing::ExitedWithCode(0), "");
+    }
+}
+
+// The call that runs a command ignores SIGINT for its time.
+TEST(End_watchDeathTest, ASignalDuringACommandIsNoted) {
+    EXPECT_EXIT(
+        {
+            const End_watch watch{hours(1)};
+            const int status = std::system("kill -INT $PPID");
+            const bool told = is_told(watch);
+            _exit(status == 0 && told && watch.signal_number() == SIGINT ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(End_watchDeathTest, ACommandThatDoesNotEndDoesNotHoldTheProcess) {
+    EXPECT_EXIT(hang_in_a_command(), testing::KilledBySignal(SIGINT), "^bye$");
+}
+
+TEST(End_watchDeathTest, ASecondSignalEndsTheProcessAtOnce) {
+    EXPECT_EXIT(
+        {
+            const Signal_cleanup act(Ending::REQUESTED, say_good_bye);
+            const End_watch watch{hours(1)};
+            kill(getpid(), SIGTERM);
+            is_told(watch);
+            kill(getpid(), SIGINT);
+            for (;;) {
+                pause();
+            }
+        },
+        testing::KilledBySignal(SIGTERM), "^bye$");
+}
+
+TEST(End_watchDeathTest, AfterTheWatchASignalEndsTheProcessAsEver) {
+    EXPECT_EXIT(
+        {
+            { const End_watch watch; }
+            std::raise(SIGTERM);
+            _exit(0);
+        },
+        testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(End_watchDeathTest, AnIgnoredSignalStaysIgnored) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGHUP, SIG_IGN);
+            const End_watch watch{hours(1)};
+            kill(getpid(), SIGHUP);
+            kill(getpid(), SIGTERM);
+            is_told(watch);
+            _exit(watch.signal_number() == SIGTERM ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(End_watchDeathTest, TheLoopEndsWithTheSignalsStatus) {
+    EXPECT_EXIT(loop_until_a_signal(), testing::ExitedWithCode(128 + SIGTERM), "");
+}
+
+}  // namespace
+}  // namespace frontpanel

@@ -1,0 +1,181 @@
+#include <frontpanel_ui/script_player.h>
+
+#include <sstream>
+
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_displays/text_display.h>
+#include "support/panel_fixture.h"
+
+namespace frontpanel {
+namespace {
+
+constexpr const char* PARAMETERS = R"(
+    {"pid": 5, "type": "integer", "min": 0, "max": 9, "value": 3},
+    {"pid": 6, "index": [1, 2], "type": "text", "length": 4, "value": "abc"})";
+constexpr const char* ITEMS = R"({"type": "range", "name": "Level", "pid": 5})";
+
+struct Outcome {
+    int failures;
+    std::string out;
+    std::string differences;
+};
+
+Outcome play(const std::string& script) {
+    Panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
+    std::ostringstream out;
+    std::ostringstream differences;
+    Text_display display(out);
+    Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
+                         differences);
+    const int failures = player.play(parse_script("a.script", script));
+    return {failures, out.str(), differences.str()};
+}
+
+TEST(ScriptPlayer, ShowsEveryFrame) {
+    const Outcome outcome = play("say Now the level:\nselect\nup");
+    EXPECT_EQ(outcome.out,
+              "+----------------+\n"
+              "|>Level         3|\n"
+              "|                |\n"
+              "+----------------+\n"
+              "( ) Edit  ( ) Alarm\n"
+              "\nNow the level:\n"
+              "\n> select\n"
+              "+----------------+\n"
+              "|Level           |\n"
+              "|3               |\n"
+              "+----------------+\n"
+              "(*) Edit  ( ) Alarm\n"
+              "\n> up\n"
+              "+----------------+\n"
+              "|Level           |\n"
+              "|4               |\n"
+              "+----------------+\n"
+              "(*) Edit  ( ) Alarm\n");
+    EXPECT_EQ(outcome.differences, "");
+    EXPECT_EQ(outcome.failures, 0);
+}
+
+TEST(ScriptPlayer, MetExpectationsSayNothing) {
+    const Outcome outcome = play(R"(
+        expect 1 |>Level         3|
+        expect 2 |*|
+        expect-leds none
+        select
+        expect-leds edit
+        up 2
+        expect-no-write
+        select
+        expect-write 5 5
+        expect-no-write
+        expect 1 |>Level*5|)");
+    EXPECT_EQ(outcome.differences, "");
+    EXPECT_EQ(outcome.failures, 0);
+}
+
+TEST(ScriptPlayer, EveryDifferenceIsOneLineWithItsPlace) {
+    const Outcome outcome = play(R"(expect 1 |>Level         4|
+expect 1 |>Level         3 |
+expect 3 |x|
+expect-leds edit alarm
+expect-write 5 4
+select
+up
+select
+expect-no-write
+expect-write 6.1.2 xy
+expect-write 5 4)");
+    EXPECT_EQ(outcome.differences,
+              "a.script:1: line 1 shows |>Level         3|, expected |>Level         4|\n"
+              "a.script:2: line 1 shows |>Level         3|, expected |>Level         3 |\n"
+              "a.script:3: the display has no line 3\n"
+              "a.script:4: LEDs lit: none, expected: edit alarm\n"
+              "a.script:5: expected the write 5 = 4, the device got none\n"
+              "a.script:9: expected no write, the device got 5 = 4\n"
+              "a.script:10: expected the write 6.1.2 = xy, the device got 5 = 4\n"
+              "a.script:11: expected the write 5 = 4, the device got none\n");
+    EXPECT_EQ(outcome.failures, 8);
+}
+
+TEST(ScriptPlayer, TheDeviceChangesByItselfAndFails) {
+    const Outcome outcome = play(R"(
+        set 5 8
+        set 6.1.2 xy
+        tick
+        expect 1 |>Level         8|
+        fail read 5 on
+        set 5 1
+        tick
+        expect 1 |>Leve read error|
+        expect-leds alarm
+        fail read 5 off
+        tick
+        expect 1 |>Level         1|
+        fail write 5 on
+        select
+        up
+        select
+        expect-write 5 2 (failed)
+        expect 2 |write failed    |
+        fail write 5 off)");
+    EXPECT_EQ(outcome.differences, "");
+    EXPECT_EQ(outcome.failures, 0);
+}
+
+TEST(ScriptPlayer, TheSelectionOfACardThatDoesNotRunDiffers) {
+    EXPECT_EQ(play("expect-selected 3 9001 1").differences,
+              "a.script:1: the card in slot 3 has no option of 9001 selected, expected 1\n");
+}
+
+TEST(ScriptPlayer, AValueThatTheDeviceCannotHoldIsAnError) {
+    const std::pair<const char*, const char*> ERRORS[] = {
+        {"\nset 5 10", "a.script:2: parameter 5 cannot be set to \"10\": "},
+        {"set 5 x", "a.script:1: parameter 5 cannot be set to \"x\": "},
+        {"set 6.1.2 abcde", "a.script:1: parameter 6.1.2 cannot be set to \"abcde\": "}};
+    for (const auto& [script, beginning] : ERRORS) {
+        try {
+            play(script);
+            ADD_FAILURE() << script;
+        } catch (const Input_error& error) {
+            EXPECT_EQ(std::string(error.what()).rfind(beginning, 0), 0U) << error.what();
+        }
+    }
+}
+
+TEST(ScriptPlayer, AParameterThatTheDeviceLacksIsAnErrorBeforeAnythingIsPlayed) {
+    for (const char* step :
+         {"set 7.1 3", "fail read 7.1 on", "fail write 7.1 off", "expect-write 7.1 3"}) {
+        std::ostringstream out;
+        Panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
+        Text_display display(out);
+        Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
+                             out);
+        try {
+            player.play(parse_script("a.script", std::string("select\n") + step));
+            ADD_FAILURE() << step;
+        } catch (const Input_error& error) {
+            EXPECT_STREQ(error.what(), "a.script:2: the device has no parameter 7.1");
+        }
+        EXPECT_EQ(out.str(), "") << step;
+    }
+}
+
+TEST(ScriptPlayer, AStarStandsForAnyCharacters) {
+    EXPECT_TRUE(matches("", ""));
+    EXPECT_TRUE(matches("", "*"));
+    EXPECT_TRUE(matches("abc", "abc"));
+    EXPECT_TRUE(matches("abc", "*"));
+    EXPECT_TRUE(matches("abc", "a*c"));
+    EXPECT_TRUE(matches("abc", "abc*"));
+    EXPECT_TRUE(matches("abcbc", "a*bc"));
+    EXPECT_TRUE(matches("abxcbc", "*b*bc"));
+    EXPECT_FALSE(matches("abc", ""));
+    EXPECT_FALSE(matches("", "a"));
+    EXPECT_FALSE(matches("abc", "ab"));
+    EXPECT_FALSE(matches("abc", "a*b"));
+    EXPECT_FALSE(matches("abc", "abcd"));
+    EXPECT_FALSE(matches("abc", "*d*"));
+}
+
+}  // namespace
+}  // namespace frontpanel

@@ -1,0 +1,190 @@
+#include <frontpanel_ui/controller.h>
+
+#include <cstdint>
+#include <cstdio>
+
+#include <frontpanel_menu/entry_access.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr size_t MOST_POLLED =
+    1000;  // parameters in a tick: what they cost is spread in a large menu
+constexpr const char* HIDDEN = "hidden: edit ended";
+
+}  // namespace
+
+Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size size)
+    : m_device(device),
+      m_size(size),
+      m_navigation(root, device, m_notices),
+      m_editing(device, m_notices, [this](const Data_entry* /*target*/) { editor_closed(); }) {
+    m_device.poll(SIZE_MAX);
+    settle();
+    m_navigation.refresh();
+}
+
+void Controller::configure(const Encoder_settings& encoder, const Editor_settings_table* entries) {
+    m_is_reversed = encoder.reversed;
+    m_navigation.set_wrap(encoder.wrap);
+    m_editing.configure(encoder, entries);
+}
+
+void Controller::receive(const FrontPanel::Message& message) {
+    if (tells_idle(message)) {
+        go_home();
+    }
+    for (const Key& key : keys_of(message)) {
+        press(key);
+    }
+}
+
+void Controller::receive(Message_queue& messages) {
+    while (const Message_pointer message = messages.pop()) {
+        receive(*message);
+    }
+}
+
+Key Controller::turned(const Key& key) const {
+    if (!m_is_reversed || (key.kind != Key::UP && key.kind != Key::DOWN)) {
+        return key;
+    }
+    return {key.kind == Key::UP ? Key::DOWN : Key::UP};
+}
+
+// Also of what is told or asked meanwhile: an arrow that moves a cursor accepts and discards nothing there.
+Key_place Controller::place() const {
+    if (m_log && m_log->is_open()) {
+        return m_log->is_list() ? Key_place::LIST : Key_place::CURSOR;
+    }
+    if (!m_editing.is_changing()) {
+        return Key_place::LIST;
+    }
+    return m_editing.is_changing_text() ? Key_place::TEXT : Key_place::CURSOR;
+}
+
+void Controller::press(const Key& pressed) {
+    const Key key = meant_key(turned(pressed), place());
+    m_key = key.kind;
+    if (m_log && m_log->is_open()) {
+        m_log->press(key.kind);
+    } else if (key.kind == Key::DIAGNOSTICS) {
+        show_log();
+    } else if (!m_notices.empty()) {
+        m_notices.press(key.kind);
+    } else if (m_editing.is_open()) {
+        m_editing.press(key);
+    } else {
+        press_in_menu(key);
+    }
+    m_key = NO_KEY;
+    settle_and_show();
+}
+
+// Not while the log is read: what the library prints would be added to it. Nor while something is told or asked
+// about an edited value: a refresh would take it away.
+bool Controller::is_free() const {
+    const bool is_reading = m_log && m_log->is_open();
+    return !is_reading && (m_notices.empty() || !m_editing.is_open());
+}
+
+// Lets the rules act on what was read and written. Whether anything was refreshed for it.
+bool Controller::settle() {
+    const Binding_settlement settled = m_device.settle();
+    if (!settled.at_rest && m_told_circles.insert(settled.path).second) {
+        if (debug_listener != nullptr) {
+            debug_listener(0);  // to be found whatever masks are set
+        }
+        std::printf("Bindings do not come to rest: %s\n", settled.path.c_str());
+        m_notices.tell("Bindings", "no rest: " + settled.path);
+    }
+    return settled.refreshes > 0;
+}
+
+void Controller::settle_and_show() {
+    if (!is_free() || !settle()) {
+        return;
+    }
+    if (m_editing.is_open()) {
+        follow_edited();
+    } else {
+        m_navigation.refresh();
+    }
+}
+
+void Controller::show_log() {
+    if (!m_log) {
+        m_notices.tell("Diagnostics", "not kept");
+        return;
+    }
+    const Data_entry* const entry = m_editing.is_open() ? m_edited : m_navigation.selected();
+    m_log->open(entry == nullptr ? "" : entry->Get_name());
+}
+
+void Controller::tick() {
+    if (!is_free()) {
+        return;
+    }
+    m_device.poll(MOST_POLLED);
+    settle();
+    if (m_editing.is_open()) {
+        follow_edited();
+    } else {
+        m_navigation.tick();
+    }
+}
+
+void Controller::follow_edited() {
+    if (m_navigation.is_shown(*m_edited)) {
+        m_editing.follow();
+    } else {
+        m_editing.end(HIDDEN);
+    }
+}
+
+// A link is edited by what it houses, under its own name.
+void Controller::press_in_menu(const Key& key) {
+    if (key.kind != Key::SELECT) {
+        m_navigation.press(key);
+        return;
+    }
+    if (Data_entry* const entry = m_navigation.select()) {
+        m_edited = entry;
+        m_editing.open(housed(*entry), entry->Get_name());
+    }
+}
+
+void Controller::go_home() {
+    if (m_log) {
+        m_log->close();
+    }
+    if (m_editing.is_open()) {
+        m_editing.drop();
+    }
+    m_navigation.go_home();
+}
+
+// What was written shows at once elsewhere: every entry of the list is asked whether it is visible.
+void Controller::editor_closed() {
+    settle();
+    m_navigation.leave_edited(*std::exchange(m_edited, nullptr), m_key);
+}
+
+Frame Controller::draw() {
+    Frame frame{Lcd(m_size), Leds()};
+    if (m_log && m_log->is_open()) {
+        m_log->draw(frame.lcd);
+        frame.leds.edit = m_editing.is_changing();
+    } else if (!m_notices.empty()) {
+        m_notices.draw(frame);
+        frame.leds.edit = m_editing.is_changing();
+    } else if (m_editing.is_open()) {
+        m_editing.draw(frame);
+    } else {
+        m_navigation.draw(frame.lcd);
+        frame.leds.alarm = m_navigation.alarm();
+    }
+    return frame;
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,31 @@
+#include <frontpanel_ui/device_link.h>
+
+#include <unistd.h>
+
+#include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/menu.h>
+
+namespace frontpanel {
+
+bool can_post() {
+    return ::access("/dev/NULL", W_OK) == 0 || ::access("/dev", W_OK) == 0;
+}
+
+Device_link link_to(Menu& menu) {
+    const auto read_failed = [&device = menu.device()](const Data_entry& entry) {
+        if (is_live(entry) || entry.Get_pid() == Data_entry::PID_NONE) {
+            return false;
+        }
+        unsigned int varidx = 0;
+        Data_model::Index_convert(entry.Get_index(), varidx);
+        return device.last_read_failed(entry.Get_pid(), varidx);
+    };
+    const auto is_loopback = [](const std::string& address) {
+        return address.rfind("127.", 0) == 0;
+    };
+    const auto poll = [&menu](size_t at_most) { menu.bindings()->poll(at_most); };
+    const auto settle = [&menu] { return menu.bindings()->settle(); };
+    return {menu.access(), read_failed, is_loopback, can_post, poll, settle};
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,297 @@
+#include <frontpanel_ui/editing.h>
+
+#include <array>
+#include <optional>
+#include <utility>
+
+#include <frontpanel_menu/entry_access.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr int TITLE_ROW = 0;
+constexpr int TEXT_ROW = 1;
+constexpr int SOME_COLUMNS = 16;
+
+// Why an editor closes by itself, and what it does instead.
+constexpr const char* LOCKED = "locked: edit ended";
+constexpr const char* NO_VALUE = "no value: edit ended";
+constexpr const char* LIMITS_MOVED_VALUE = "limits: new value";
+constexpr const char* OPTIONS_MOVED_CHOICE = "options: new choice";
+constexpr const char* OPTIONS_KEPT_CHOICE = "options: choice kept";
+
+std::optional<Editor_key> editor_key_of(Key::Kind kind) {
+    switch (kind) {
+        case Key::UP:
+            return Editor_key::UP;
+        case Key::DOWN:
+            return Editor_key::DOWN;
+        case Key::SELECT:
+            return Editor_key::SELECT;
+        case Key::BACK:
+            return Editor_key::ESCAPE;
+        case Key::COARSER:
+            return Editor_key::COARSER;
+        case Key::FINER:
+            return Editor_key::FINER;
+        case Key::INSERT:
+            return Editor_key::INSERT;
+        case Key::DELETE:
+            return Editor_key::DELETE;
+        case Key::SHORTCUT:
+        case Key::DIAGNOSTICS:
+        case Key::LEFT:  // meant as other keys wherever they are pressed
+        case Key::RIGHT:
+        case Key::ERASE:
+            break;
+    }
+    return std::nullopt;
+}
+
+// A list that its card has not sent yet holds nothing that could be posted.
+bool waits_for_its_card(Data_entry& entry) {
+    if (!is_live(entry)) {
+        return false;
+    }
+    int smallest = 0;
+    int largest = 0;
+    int size = 0;
+    static_cast<Enum_entry&>(entry).minMaxSize(&smallest, &largest, &size);
+    return size <= 1 && display_value(entry, SOME_COLUMNS) == NO_OPTION_YET;
+}
+
+bool is_read_only(const Data_entry& entry) {
+    return entry.Get_access_type() == Data_entry::READ_ONLY;
+}
+
+// A rule may leave a number without any allowed value.
+bool has_no_value(Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::RANGE_LEAF && !display_value(entry, SOME_COLUMNS);
+}
+
+}  // namespace
+
+Editing::Editing(const Device_link& device, Notices& notices, Closed closed)
+    : m_device(device), m_notices(notices), m_closed(std::move(closed)) {}
+
+void Editing::configure(const Encoder_settings& encoder, const Editor_settings_table* entries) {
+    m_encoder = encoder;
+    m_settings_of = entries;
+}
+
+Editor_settings Editing::settings_of(const Data_entry& entry) const {
+    Editor_settings settings;
+    if (m_settings_of != nullptr && m_settings_of->count(&entry) != 0) {
+        settings = m_settings_of->at(&entry);
+    }
+    settings.wrap = settings.wrap.value_or(m_encoder.wrap);
+    return settings;
+}
+
+void Editing::open(Data_entry& entry, const std::string& name) {
+    m_name = name;
+    if (refresh(entry, m_device.access); m_device.read_failed(entry)) {
+        tell("read error", true);
+        return;
+    }
+    if (has_no_value(entry) || waits_for_its_card(entry)) {
+        tell(is_live(entry) ? "no options yet" : "no value allowed");
+        return;
+    }
+    m_title = title_of(entry);
+    m_settings = settings_of(entry);
+    m_speed.reset();
+    if (m_arm) {
+        m_arm();
+    }
+    m_editor = m_editors.open(entry, m_settings);
+    m_was_changing = is_changing();
+}
+
+// An address is asked for an answer once, when it is opened: that takes up to a second.
+std::string Editing::title_of(Data_entry& entry) const {
+    if (entry.Get_entry_type() != Data_entry::IP_LEAF) {
+        return m_name;
+    }
+    auto& address = static_cast<Ip_entry&>(entry);
+    std::array<char, Ip_entry::IP_STRING_MAX_LENGTH + 1> text{};
+    address.Get_value(text.data(), Ip_entry::IP_STRING_MAX_LENGTH);
+    if (!m_device.may_probe(text.data())) {
+        return m_name;
+    }
+    const std::string probed = address.Get_name();
+    return probed.substr(0, probed.rfind(entry.Get_name())) + m_name;
+}
+
+void Editing::press(const Key& key) {
+    const std::optional<Editor_key> editor_key = editor_key_of(key.kind);
+    if (editor_key) {
+        const int steps = steps_of(key.kind);
+        attempt([&] { return m_editor->press(*editor_key, steps); });
+    }
+}
+
+int Editing::steps_of(Key::Kind key) {
+    const bool is_detent = key == Key::UP || key == Key::DOWN;
+    if (!is_detent || !m_encoder.acceleration || m_settings.acceleration <= 1 || !m_clock) {
+        return 1;
+    }
+    return m_speed.steps(key, m_clock(), m_settings.acceleration);
+}
+
+// A value that raises warnings is refused, and taken when it is tried again. An engine may count it as news too
+// that its warnings end: then there is nothing to ask.
+void Editing::attempt(const Attempt& store) {
+    m_warnings.clear();
+    Editor_result result = store();
+    if (result == Editor_result::REFUSED && m_warnings.empty()) {
+        result = m_editor->retry();
+    }
+    if (result == Editor_result::REFUSED && !m_warnings.empty()) {
+        m_notices.ask(m_name, m_warnings, [this](bool accepted) { answer(accepted); });
+    } else {
+        perform(result);
+    }
+}
+
+void Editing::answer(bool accepted) {
+    if (accepted) {
+        attempt([this] { return m_editor->retry(); });
+    } else {
+        cancel();
+    }
+}
+
+// Trying the old value makes an engine forget what it has warned of, unless that is warned of in the same words.
+void Editing::cancel() {
+    if (m_settings.preview) {
+        m_editor->propose_held();
+    } else {
+        restore();
+    }
+    if (m_arm) {
+        m_arm();
+    }
+}
+
+// The old value is not asked about: the device has it, or had it.
+void Editing::restore() {
+    if (!m_editor->restore()) {
+        m_editor->restore();
+    }
+}
+
+void Editing::perform(Editor_result result) {
+    switch (result) {
+        case Editor_result::OPEN:
+            break;
+        case Editor_result::STORED:
+            if (!write()) {
+                tell("write failed", true);
+                refresh(entry(), m_device.access);
+                m_editor->propose_held();
+            }
+            break;
+        case Editor_result::REFUSED:
+            tell("value refused");
+            break;
+        case Editor_result::LOCKED:
+            tell(is_read_only(entry()) ? "read only" : "cannot be edited");
+            break;
+        case Editor_result::DISCARDED:
+            close();
+            break;
+        case Editor_result::NOT_RESTORED:
+            restore();
+            write_and_close();
+            break;
+        case Editor_result::ACCEPTED:
+        case Editor_result::RESTORED:
+            write_and_close();
+            break;
+    }
+}
+
+bool Editing::write() {
+    const bool is_written = commit(entry(), m_device.access) == 0;
+    return is_written && (!is_live(entry()) || m_device.may_post());
+}
+
+void Editing::write_and_close() {
+    const bool is_written = write();
+    close();
+    if (!is_written) {
+        tell("write failed", true);
+    }
+}
+
+void Editing::follow() {
+    refresh(entry(), m_device.access);
+    if (m_device.read_failed(entry()) || !follow_access()) {
+        return;
+    }
+    if (waits_for_its_card(entry())) {
+        end(NO_VALUE);
+        return;
+    }
+    const bool is_number = entry().Get_entry_type() == Data_entry::RANGE_LEAF;
+    switch (m_editor->follow()) {
+        case Editor_change::NONE:
+            break;
+        case Editor_change::KEPT:
+            tell(OPTIONS_KEPT_CHOICE);
+            break;
+        case Editor_change::MOVED:
+            tell(is_number ? LIMITS_MOVED_VALUE : OPTIONS_MOVED_CHOICE);
+            break;
+        case Editor_change::NO_VALUE:
+            end(NO_VALUE);
+            break;
+    }
+}
+
+// False when the entry was edited and is read-only by now. One that may be edited by now is opened anew.
+bool Editing::follow_access() {
+    const bool was_changing = std::exchange(m_was_changing, is_changing());
+    if (was_changing && !m_was_changing) {
+        end(LOCKED);
+        return false;
+    }
+    if (!was_changing && m_was_changing) {
+        m_editors.open(entry(), m_settings);
+    }
+    return true;
+}
+
+void Editing::drop() {
+    m_notices.cancel();
+    m_warnings.clear();
+    perform(m_editor->press(Editor_key::ESCAPE));
+}
+
+void Editing::end(const std::string& reason) {
+    drop();
+    tell(reason);
+}
+
+void Editing::close() {
+    Data_entry* const target = m_editors.close(*m_editor->entry());
+    m_editor = nullptr;
+    m_closed(target);
+}
+
+void Editing::draw(Frame& frame) {
+    const Editor_view shown = m_editor->view(frame.lcd.size().columns);
+    frame.lcd.put(TITLE_ROW, 0, m_title);
+    if (!shown.step.empty()) {
+        frame.lcd.put_right(TITLE_ROW, " " + shown.step);
+    }
+    frame.lcd.put(TEXT_ROW, 0, shown.text);
+    if (shown.cursor != Editor_view::NO_CURSOR) {
+        frame.lcd.set_cursor(TEXT_ROW, shown.cursor);
+    }
+    frame.leds.edit = shown.edit_led;
+    frame.leds.alarm = m_device.read_failed(entry());
+}
+
+}  // namespace frontpanel

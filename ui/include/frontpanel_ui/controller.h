@@ -1,0 +1,91 @@
+// The panel's front without its hardware: messages of keys in, frames out.
+//
+// Shows the list of one menu, an open editor, or a notice that stays until a key acknowledges it. Knows no
+// terminal and no clock: whoever drives it presses keys, lets time pass with `tick`, and draws.
+#ifndef FRONTPANEL_UI_CONTROLLER_H
+#define FRONTPANEL_UI_CONTROLLER_H
+
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include <frontpanel_display/key.h>
+#include <frontpanel_display/lcd.h>
+#include <frontpanel_ui/device_link.h>
+#include <frontpanel_ui/editing.h>
+#include <frontpanel_ui/key_place.h>
+#include <frontpanel_ui/log_view.h>
+#include <frontpanel_ui/message_queue.h>
+#include <frontpanel_ui/navigation.h>
+#include <frontpanel_ui/notices.h>
+
+namespace frontpanel {
+
+class Controller {
+public:
+    // Shows the menu below `root`. Menu and device outlive the controller.
+    Controller(Data_entry& root, const Device_link& device, Lcd_size size);
+
+    // Puts a homescreen and favourites beside the menu, and goes to the top. What stands in `home` outlives the
+    // controller.
+    void show_home(const Home& home) { m_navigation.show_home(home); }
+    // How the encoder works, and which entries are edited in their own way; null for none. The table outlives
+    // the controller.
+    void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
+    // See `Editing`.
+    void set_warning_armer(std::function<void()> arm) {
+        m_editing.set_warning_armer(std::move(arm));
+    }
+    void set_clock(Editing::Clock clock) { m_editing.set_clock(std::move(clock)); }
+
+    // Does what the message of a key stands for. When nobody has touched the panel for a while, it goes back to
+    // the top menu, and an edited value is dropped. Any other message, and a damaged one, is ignored.
+    void receive(const FrontPanel::Message& message);
+    // Takes all that waits.
+    void receive(Message_queue& messages);
+    // What the diagnostics key shows; outlives the controller. Without it the key says that nothing is kept.
+    void set_log(Log_lines& lines) { m_log.emplace(lines); }
+
+    void press(const Key& key);
+    // The key as the menu takes it: the encoder may be set up to turn the other way.
+    Key turned(const Key& key) const;
+    // Reads what is shown from the device again, and what rules depend on.
+    void tick();
+    // From now on frames have this size.
+    void set_size(Lcd_size size) { m_size = size; }
+    // Draws the front as it stands. Long texts scroll by one character a call.
+    Frame draw();
+
+    // Shows a text of the binding engines, such as a warning about a value, when the panel next stands still.
+    void warn(const std::string& text) { m_editing.warn(text); }
+
+private:
+    static constexpr Key::Kind NO_KEY = Key::SHORTCUT;  // one that ends no editing
+
+    Key_place place() const;
+    void press_in_menu(const Key& key);
+    bool is_free() const;
+    bool settle();
+    void settle_and_show();
+    void show_log();
+    void go_home();
+    void editor_closed();
+    void follow_edited();
+
+    Device_link m_device;
+    Lcd_size m_size;
+    Notices m_notices;
+    Navigation m_navigation;
+    Data_entry* m_edited = nullptr;  // as it stands in the menu: a link, or the edited entry itself
+    Key::Kind m_key = NO_KEY;        // that is just being pressed
+    bool m_is_reversed = false;
+    Editing m_editing;
+    std::optional<Log_view> m_log;
+    std::set<std::string> m_told_circles;
+};
+
+}  // namespace frontpanel
+
+#endif

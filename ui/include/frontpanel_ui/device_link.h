@@ -1,0 +1,39 @@
+// How the panel reaches the device.
+#ifndef FRONTPANEL_UI_DEVICE_LINK_H
+#define FRONTPANEL_UI_DEVICE_LINK_H
+
+#include <frontpanel_binding/binding_report.h>
+#include <frontpanel_data/data_entry.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace frontpanel {
+
+struct Device_link {
+    Data_interface& access;
+    // Whether the last read of the entry's parameter failed. The entry's own refresh cannot tell: it reports
+    // a failed read and a corrected value alike.
+    std::function<bool(const Data_entry&)> read_failed;
+    // Whether an address belongs to the device's network, so that it may be asked for an answer.
+    std::function<bool(const std::string&)> may_probe;
+    // Whether a choice can be posted to a card. The entry's own commit cannot tell.
+    std::function<bool()> may_post;
+    // Asks the device for what the rules of the menu depend on: for so many parameters, in turns.
+    std::function<void(std::size_t)> poll;
+    // Brings every entry up to date with what was read and written since.
+    std::function<Binding_settlement()> settle;
+};
+
+// The answer to a post is kept in a plain file of /dev, whose name is all capitals: whether it can be written.
+bool can_post();
+
+class Menu;
+
+// A link to the in-memory device of a menu, which outlives it and has no network beyond loopback.
+Device_link link_to(Menu& menu);
+
+}  // namespace frontpanel
+
+#endif

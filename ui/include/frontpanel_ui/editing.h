@@ -1,0 +1,103 @@
+// Changes one value at a time: opens the editor of an entry, hands it the keys, writes what it accepts.
+//
+// Knows nothing of lists and menus: whoever owns it says what to edit, and is told when the editor closes. The
+// editor stays on its entry while the entry changes: what is not allowed any longer is not proposed any longer.
+#ifndef FRONTPANEL_UI_EDITING_H
+#define FRONTPANEL_UI_EDITING_H
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <frontpanel_display/key.h>
+#include <frontpanel_display/lcd.h>
+#include <frontpanel_menu/encoder_settings.h>
+#include <frontpanel_ui/device_link.h>
+#include <frontpanel_ui/editor_set.h>
+#include <frontpanel_ui/encoder_speed.h>
+#include <frontpanel_ui/notices.h>
+
+namespace frontpanel {
+
+class Editing {
+public:
+    // Called when an editor has closed, with the entry that the panel goes to: the edited one, or its parent.
+    using Closed = std::function<void(Data_entry*)>;
+    using Clock = std::function<std::chrono::milliseconds()>;
+
+    // Device and notices outlive the editing.
+    Editing(const Device_link& device, Notices& notices, Closed closed);
+
+    // For the editors that open from now on. The table outlives the editing; null for none.
+    void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
+    // Tells how quickly keys follow one another. Without a clock every key comes late.
+    void set_clock(Clock clock) { m_clock = std::move(clock); }
+    // Called when warnings that the engines have raised already are to come again: another edit begins, or the
+    // person does not want the value.
+    void set_warning_armer(std::function<void()> arm) { m_arm = std::move(arm); }
+
+    // Opens the entry's editor, or tells why there is nothing to edit. An entry that cannot be changed is shown.
+    // It goes by the name of the place where it is shown.
+    void open(Data_entry& entry, const std::string& name);
+    void open(Data_entry& entry) { open(entry, entry.Get_name()); }
+    bool is_open() const { return m_editor != nullptr; }
+    // Whether an editor is open that changes its value.
+    bool is_changing() const { return is_open() && m_editor->can_change(); }
+    // Whether that value is a text.
+    bool is_changing_text() const {
+        return is_changing() && entry().Get_entry_type() == Data_entry::STRING_LEAF;
+    }
+    // The entry of the open editor.
+    Data_entry& entry() const { return *m_editor->entry(); }
+    // Hands a key to the open editor. A shortcut does nothing: a jump would drop the edited value unasked.
+    void press(const Key& key);
+    // Reads the entry from the device again and sees what of the edited value is still allowed.
+    void follow();
+    // Closes the editor with the old value, whatever it is asking; and tells why.
+    void drop();
+    void end(const std::string& reason);
+    // Draws the open editor.
+    void draw(Frame& frame);
+
+    // A text of a binding engine about the value that is being tried.
+    void warn(const std::string& text) { m_warnings.push_back(text); }
+
+private:
+    using Attempt = std::function<Editor_result()>;
+
+    Editor_settings settings_of(const Data_entry& entry) const;
+    int steps_of(Key::Kind key);
+    void attempt(const Attempt& store);
+    void answer(bool accepted);
+    void cancel();
+    void restore();
+    void perform(Editor_result result);
+    bool write();
+    void write_and_close();
+    void close();
+    bool follow_access();
+    void tell(const std::string& text, bool alarm = false) { m_notices.tell(m_name, text, alarm); }
+    std::string title_of(Data_entry& entry) const;
+
+    Device_link m_device;
+    Notices& m_notices;
+    Closed m_closed;
+    Clock m_clock;
+    std::function<void()> m_arm;
+    Encoder_settings m_encoder;
+    const Editor_settings_table* m_settings_of = nullptr;
+    Editor_set m_editors;
+    Value_editor* m_editor = nullptr;  // open, or null
+    Editor_settings m_settings;        // of the open editor, as is what follows
+    std::string m_name;
+    std::string m_title;
+    bool m_was_changing = false;  // when the entry was looked at last
+    Encoder_speed m_speed;
+    std::vector<std::string> m_warnings;  // raised since the last attempt began
+};
+
+}  // namespace frontpanel
+
+#endif

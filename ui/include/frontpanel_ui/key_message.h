@@ -1,0 +1,40 @@
+// Keys as messages of the front panel, the form in which they travel from where they are read to the controller.
+//
+// | what a hand does | type            | payload                                                     |
+// |------------------|-----------------|-------------------------------------------------------------|
+// | turns the shaft  | ShaftEncoderUIT | the steps in one byte, as a signed number; clockwise is up  |
+// | select, back     | PushButtonUIT   | of SelectPressMessage, EscapePressMessage: 2, 0, 1, 11 or 13 |
+// | coarser, finer   | PushButtonUIT   | 2, 0, 1, 14 or 15                                           |
+// | insert, delete   | PushButtonUIT   | 2, 0, 1, 16 or 17                                           |
+// | diagnostics      | PushButtonUIT   | 2, 0, 1, 18                                                 |
+// | left, right      | PushButtonUIT   | 2, 0, 1, 19 or 20                                           |
+// | erase            | PushButtonUIT   | 2, 0, 1, 21                                                 |
+// | a shortcut       | PushButtonUIT   | the button's number in one byte, 0 to 254                   |
+// | nothing          | UserInputTimeoutT, none; or PushButtonUIT, the byte 255                       |
+#ifndef FRONTPANEL_UI_KEY_MESSAGE_H
+#define FRONTPANEL_UI_KEY_MESSAGE_H
+
+#include <frontpanel_data/front_panel_messages.h>
+
+#include <memory>
+#include <vector>
+
+#include <frontpanel_display/key.h>
+
+namespace frontpanel {
+
+using Message_pointer = std::unique_ptr<const FrontPanel::Message>;
+
+// One press of a key, or one step. Null for a shortcut whose number no message can hold.
+Message_pointer message_of(const Key& key);
+
+// The keys that a message stands for, in order: several of a shaft that was turned by several steps. Empty for
+// a message that is no key, and for a damaged one (another length, an unknown code).
+std::vector<Key> keys_of(const FrontPanel::Message& message);
+
+// Whether the message tells that nobody has touched the panel for a while.
+bool tells_idle(const FrontPanel::Message& message);
+
+}  // namespace frontpanel
+
+#endif

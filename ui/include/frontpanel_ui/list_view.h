@@ -1,0 +1,70 @@
+// The list of a menu's visible entries with a cursor, as many at a time as the display has lines for.
+#ifndef FRONTPANEL_UI_LIST_VIEW_H
+#define FRONTPANEL_UI_LIST_VIEW_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <frontpanel_display/lcd.h>
+#include <frontpanel_ui/device_link.h>
+#include <frontpanel_ui/menu_path.h>
+
+namespace frontpanel {
+
+class List_view {
+public:
+    // Shows the menu below `menu`. Menu and device outlive the view.
+    List_view(Data_entry& menu, const Device_link& device);
+
+    // Shows another menu, with the cursor on `cursor` when that is one of its visible entries and on the
+    // first visible entry otherwise. Without a title all lines are for entries.
+    void open(const Menu_step& menu, Data_entry* cursor, bool has_title = true);
+    // Shows the menu's values alone, without a cursor, until it is woken or opened; `text` while there are none.
+    void rest(const std::string& text);
+    // Brings the cursor out when there is anything to stand on.
+    void wake() { m_is_at_rest = m_visible.empty(); }
+    bool is_at_rest() const { return m_is_at_rest; }
+    // Reads every entry of the menu from the device and asks whether it is visible. A cursor whose entry is
+    // gone moves to the next visible one, or to the last.
+    void refresh();
+    // As `refresh`, but of a long menu only what was drawn last and some of the rest, which is taken in turns: a menu of
+    // a thousand entries costs no more at rest than a short one.
+    void refresh_shown();
+    // Moves the cursor; it stays at the ends, or with wrap goes round from them.
+    void move(int steps);
+    void set_wrap(bool wrap) { m_wrap = wrap; }
+
+    // The entry under the cursor; null when nothing is visible.
+    Data_entry* selected() const;
+
+    // Draws the list: a display of three lines and more has the menu's name on the first.
+    void draw(Lcd& lcd);
+    // Whether an entry drawn last could not be read.
+    bool alarm() const { return m_alarm; }
+
+private:
+    void draw_title(Lcd& lcd) const;
+    void draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected);
+    void refresh(const std::function<bool(size_t, Data_entry*)>& is_due);
+    bool is_drawn(const Data_entry* entry) const;
+    void place_cursor(Data_entry* wanted);
+    void scroll_to_cursor(int lines);
+
+    Menu_step m_menu;
+    Device_link m_device;
+    std::vector<Data_entry*> m_visible;
+    int m_cursor = 0;   // in m_visible
+    int m_top = 0;      // first of m_visible on the display
+    int m_drawn = 0;    // how many of them were drawn
+    size_t m_turn = 0;  // the entry of a long menu that is refreshed next
+    bool m_alarm = false;
+    bool m_has_title = true;
+    bool m_is_at_rest = false;
+    std::string m_rest_text;
+    bool m_wrap = false;
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,63 @@
+// What the library has printed lately, line by line, with the kind of each line.
+//
+// Reads the file that keeps the output, so that what external commands print is there too. Menu thread only.
+#ifndef FRONTPANEL_UI_LOG_LINES_H
+#define FRONTPANEL_UI_LOG_LINES_H
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <deque>
+#include <string>
+
+namespace frontpanel {
+
+struct Log_line {
+    uint32_t mask;  // of the line, in the bits of `debug`; 0 for one that prints whatever they are
+    std::string text;
+};
+
+class Log_lines {
+public:
+    static constexpr size_t MOST_LINES = 1000;
+    static constexpr size_t LONGEST_LINE = 400;  // what follows in a line is dropped
+
+    // `descriptor` is the file that output is appended to, open for reading; -1 for none, which has no lines.
+    // Stays the caller's.
+    explicit Log_lines(int descriptor) : m_descriptor(descriptor) {}
+
+    // Whether there is a file to read.
+    bool is_kept() const;
+    // From here on lines have this mask.
+    void begin(uint32_t mask);
+    // Takes what was printed since the last call. Of much, only the end is taken.
+    void read();
+    // The oldest line is the first. The line at the end of a file that has no line end yet is not among them.
+    const std::deque<Log_line>& lines() const { return m_lines; }
+    // How many lines have been there before the first.
+    uint64_t dropped() const { return m_dropped; }
+
+private:
+    struct Mark {
+        off_t place;  // in the file
+        uint32_t mask;
+    };
+
+    void skip_to_end(off_t end);
+    void take(const char* text, size_t length);
+    void finish_line();
+    uint32_t mask_at(off_t place);
+
+    int m_descriptor;
+    std::deque<Mark> m_marks;  // in the order of their places, not read yet but for the first
+    std::deque<Log_line> m_lines;
+    uint64_t m_dropped = 0;
+    off_t m_place = 0;       // read up to here
+    off_t m_line_place = 0;  // where the unfinished line begins
+    std::string m_line;      // the unfinished line
+    bool m_is_cut = false;   // of which the beginning was skipped
+};
+
+}  // namespace frontpanel
+
+#endif

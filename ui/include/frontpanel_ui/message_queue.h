@@ -1,0 +1,28 @@
+// Messages on their way from the panel's keys to the controller, in the order in which they came.
+//
+// For one thread. What comes while the queue is full is lost, as on a device whose keys nobody reads.
+#ifndef FRONTPANEL_UI_MESSAGE_QUEUE_H
+#define FRONTPANEL_UI_MESSAGE_QUEUE_H
+
+#include <deque>
+
+#include <frontpanel_ui/key_message.h>
+
+namespace frontpanel {
+
+class Message_queue {
+public:
+    static constexpr size_t CAPACITY = 64;
+
+    // False when the message is null or lost.
+    bool push(Message_pointer message);
+    // The message that has waited longest; null when none waits.
+    Message_pointer pop();
+
+private:
+    std::deque<Message_pointer> m_messages;
+};
+
+}  // namespace frontpanel
+
+#endif

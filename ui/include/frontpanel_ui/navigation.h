@@ -1,0 +1,89 @@
+// The ways of the panel through its menus: what is shown, what a key leads to, and where the panel goes back to.
+//
+// At the top stands the homescreen when there is one, else the menu. On the homescreen SELECT opens the menu and
+// BACK the favourites; the encoder brings out a cursor, with which SELECT opens what it stands on, and BACK puts it
+// away. Without a homescreen BACK at the top opens the favourites.
+//
+// What was opened by a link is left to the link's own place. `LINK_SKIP` leaves to the place of what the link
+// houses instead, and an escape node goes before both: `ESCAPE_SELECT` is where the panel goes after a value was
+// accepted, `ESCAPE_LEAVE` after BACK, `ESCAPE_REDRAW` when what is open is hidden.
+#ifndef FRONTPANEL_UI_NAVIGATION_H
+#define FRONTPANEL_UI_NAVIGATION_H
+
+#include <string>
+
+#include <frontpanel_display/key.h>
+#include <frontpanel_display/lcd.h>
+#include <frontpanel_menu/menu.h>
+#include <frontpanel_ui/device_link.h>
+#include <frontpanel_ui/list_view.h>
+#include <frontpanel_ui/menu_path.h>
+#include <frontpanel_ui/notices.h>
+
+namespace frontpanel {
+
+// What stands beside the menu. Null for none.
+struct Home {
+    Data_entry* homescreen = nullptr;
+    Data_entry* favourites = nullptr;
+};
+
+// Those of a menu file. The menu outlives it.
+Home home_of(Menu& menu);
+
+class Navigation {
+public:
+    // Menu, device and notices outlive the navigation.
+    Navigation(Data_entry& root, const Device_link& device, Notices& notices);
+
+    // Goes to the top, from now on with a homescreen and favourites.
+    void show_home(const Home& home);
+    void set_wrap(bool wrap) { m_list.set_wrap(wrap); }
+
+    // Moves, leaves and jumps; other keys do nothing.
+    void press(const Key& key);
+    // Opens the menu under the cursor, or delivers the entry there, as it stands in the menu, for editing. Null
+    // when there is nothing to edit.
+    Data_entry* select();
+    // After an entry was edited that `select` delivered: goes to where it leads. The key that ended editing is
+    // SELECT or BACK; any other, when it ended by itself.
+    void leave_edited(Data_entry& entry, Key::Kind key);
+    // Goes back to the top, leaving every menu.
+    void go_home();
+
+    // Reads the shown menu from the device again. A menu that is hidden by now is left.
+    void refresh();
+    // As `refresh`, but of a long menu only what is on the display and some of the rest.
+    void tick();
+    // Whether an entry of the shown menu is still shown, and every menu on the way to it.
+    bool is_shown(Data_entry& entry);
+    // The entry under the cursor; null for none.
+    Data_entry* selected() const;
+
+    void draw(Lcd& lcd) { m_list.draw(lcd); }
+    bool alarm() const { return m_list.alarm(); }
+
+private:
+    bool is_home() const;
+    bool is_top(const Data_entry* menu) const;
+    void turn(int steps);
+    void back();
+    void jump(int button);
+    void leave();
+    void open(Data_entry& menu);
+    void show(Data_entry* cursor);
+    bool go_to(Data_entry& entry, bool inside);
+    bool lead_on(Link_entry& link, int escape_code);
+    void leave_hidden();
+
+    Data_entry& m_root;
+    Device_link m_device;
+    Notices& m_notices;
+    Home m_home;
+    Menu_path m_path;
+    List_view m_list;
+};
+
+}  // namespace frontpanel
+
+#endif

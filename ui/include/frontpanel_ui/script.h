@@ -1,0 +1,58 @@
+// A script: key events and what the panel is to show and write. docs/scripts.md describes the words.
+#ifndef FRONTPANEL_UI_SCRIPT_H
+#define FRONTPANEL_UI_SCRIPT_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <frontpanel_display/key.h>
+
+namespace frontpanel {
+
+struct Parameter_name {
+    uint32_t pid = 0;
+    uint32_t varidx = 0;
+};
+
+struct Step {
+    enum Kind {
+        PRESS,
+        TICK,
+        SAY,
+        EXPECT_LINE,
+        EXPECT_LEDS,
+        EXPECT_WRITE,
+        EXPECT_NO_WRITE,
+        EXPECT_SELECTED,
+        FAIL,
+        SET
+    };
+
+    int line = 0;        // in the file, from 1
+    std::string source;  // the step as it is written, without blanks around it
+    Kind kind = TICK;
+    int count = 1;             // PRESS and TICK: how often
+    Key key{Key::UP};          // PRESS
+    int row = 0;               // EXPECT_LINE, from 0
+    std::string text;          // what is said, expected or set
+    bool edit = false;         // EXPECT_LEDS
+    bool alarm = false;        // EXPECT_LEDS
+    Parameter_name parameter;  // EXPECT_WRITE, FAIL, SET
+    int slot = 0;              // EXPECT_SELECTED: the card's
+    int option = 0;            // EXPECT_SELECTED: the option's index; `parameter` names the list
+    bool write = false;        // FAIL: writing fails, not reading
+    bool on = false;           // FAIL: begins, not ends
+};
+
+struct Script {
+    std::string file;
+    std::vector<Step> steps;
+};
+
+// Input_error, naming file and line, when the text is no script. `file` only names it.
+Script parse_script(const std::string& file, const std::string& text);
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,194 @@
+#include <frontpanel_ui/list_view.h>
+
+#include <algorithm>
+#include <string>
+#include <unordered_set>
+
+#include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/list_line.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr int LEAST_ROWS_WITH_TITLE = 3;
+constexpr size_t ENTRIES_A_TURN = 64;
+constexpr const char* READ_ERROR = "read error";
+constexpr const char* NO_VALUE = "---";
+
+// A mounted menu is not asked for its first entry again: that would build it anew.
+std::vector<Data_entry*> children_of(const Menu_step& menu) {
+    std::vector<Data_entry*> children;
+    Data_entry* child =
+        menu.mounted != nullptr ? menu.mounted : neighbour(*menu.menu, Data_entry::OPERATION_CHILD);
+    while (child != nullptr) {
+        children.push_back(child);
+        child = neighbour(*child, Data_entry::OPERATION_NEXT);
+    }
+    return children;
+}
+
+bool contains(const std::vector<Data_entry*>& entries, const Data_entry* entry) {
+    return std::find(entries.begin(), entries.end(), entry) != entries.end();
+}
+
+// Where the cursor goes from an entry that is no longer visible: the next visible one behind it.
+Data_entry* next_visible(const std::vector<Data_entry*>& all,
+                         const std::vector<Data_entry*>& visible, const Data_entry* from) {
+    auto candidate = std::find(all.begin(), all.end(), from);
+    while (candidate != all.end() && !contains(visible, *candidate)) {
+        ++candidate;
+    }
+    return candidate == all.end() ? nullptr : *candidate;
+}
+
+// Asking a leaf reads it; a node's own binding is evaluated only by a refresh of the node.
+bool is_visible(Data_entry& entry, Data_interface& device) {
+    if (is_menu(entry)) {
+        frontpanel::refresh(entry, device);
+    }
+    return entry.isVisible(true, &device) >= 0;
+}
+
+}  // namespace
+
+List_view::List_view(Data_entry& menu, const Device_link& device)
+    : m_menu{&menu, nullptr}, m_device(device) {
+    refresh();
+}
+
+void List_view::open(const Menu_step& menu, Data_entry* cursor, bool has_title) {
+    m_menu = menu;
+    m_has_title = has_title;
+    m_is_at_rest = false;
+    m_visible.clear();
+    m_cursor = 0;
+    m_top = 0;
+    refresh();
+    if (contains(m_visible, cursor)) {
+        place_cursor(cursor);
+    }
+}
+
+void List_view::rest(const std::string& text) {
+    m_is_at_rest = true;
+    m_rest_text = text;
+    m_cursor = 0;
+}
+
+void List_view::refresh() {
+    refresh([](size_t, const Data_entry*) { return true; });
+}
+
+void List_view::refresh_shown() {
+    const size_t first = m_turn;
+    m_turn += ENTRIES_A_TURN;
+    refresh([this, first](size_t position, const Data_entry* entry) {
+        return (position >= first && position < first + ENTRIES_A_TURN) || is_drawn(entry);
+    });
+}
+
+bool List_view::is_drawn(const Data_entry* entry) const {
+    const auto top = m_visible.begin() + std::min(m_top, static_cast<int>(m_visible.size()));
+    const auto end = top + std::min<std::ptrdiff_t>(m_drawn, m_visible.end() - top);
+    return std::find(top, end, entry) != end;
+}
+
+// An entry that is not due is taken as it was.
+void List_view::refresh(const std::function<bool(size_t, Data_entry*)>& is_due) {
+    Data_entry* const held = selected();
+    const std::vector<Data_entry*> all = children_of(m_menu);
+    const std::unordered_set<Data_entry*> before(m_visible.begin(), m_visible.end());
+    std::vector<Data_entry*> visible;
+    for (size_t position = 0; position < all.size(); ++position) {
+        Data_entry* const entry = all[position];
+        if (is_due(position, entry) ? is_visible(*entry, m_device.access)
+                                    : before.count(entry) != 0) {
+            visible.push_back(entry);
+        }
+    }
+    if (m_turn >= all.size()) {
+        m_turn = 0;
+    }
+    m_visible = std::move(visible);
+    if (held != nullptr) {
+        place_cursor(next_visible(all, m_visible, held));
+    }
+}
+
+void List_view::move(int steps) {
+    const int last = std::max(0, static_cast<int>(m_visible.size()) - 1);
+    const int end = steps > 0 ? last : 0;
+    const bool goes_round = m_wrap && steps != 0 && m_cursor == end;
+    m_cursor = goes_round ? last - end : std::clamp(m_cursor + steps, 0, last);
+    // What comes into view shows its value of now.
+    if (steps != 0 && selected() != nullptr && !is_drawn(selected())) {
+        is_visible(*selected(), m_device.access);
+    }
+}
+
+Data_entry* List_view::selected() const {
+    return m_visible.empty() ? nullptr : m_visible[static_cast<size_t>(m_cursor)];
+}
+
+// Without a wanted entry the cursor goes to the last one.
+void List_view::place_cursor(Data_entry* wanted) {
+    const auto found = std::find(m_visible.begin(), m_visible.end(), wanted);
+    m_cursor = static_cast<int>(found - m_visible.begin());
+    move(0);
+}
+
+void List_view::scroll_to_cursor(int lines) {
+    const int last_top = std::max(0, static_cast<int>(m_visible.size()) - lines);
+    m_top = std::clamp(m_top, m_cursor - lines + 1, m_cursor);
+    m_top = std::clamp(m_top, 0, last_top);
+}
+
+void List_view::draw(Lcd& lcd) {
+    const int first_row = m_has_title && lcd.size().rows >= LEAST_ROWS_WITH_TITLE ? 1 : 0;
+    const int lines = lcd.size().rows - first_row;
+    scroll_to_cursor(lines);
+    m_alarm = false;
+    if (first_row == 1) {
+        draw_title(lcd);
+    }
+    if (m_visible.empty()) {
+        lcd.put(first_row, CURSOR_COLUMNS, m_is_at_rest ? m_rest_text : "(empty)");
+    }
+    const int end = std::min(static_cast<int>(m_visible.size()), m_top + lines);
+    m_drawn = end - m_top;
+    for (int i = m_top; i < end; ++i) {
+        draw_entry(lcd, first_row + i - m_top, *m_visible[static_cast<size_t>(i)],
+                   i == m_cursor && !m_is_at_rest);
+    }
+}
+
+void List_view::draw_title(Lcd& lcd) const {
+    lcd.put(0, 0, m_menu.menu->Get_name());
+    if (!m_visible.empty()) {
+        lcd.put_right(0,
+                      " " + std::to_string(m_cursor + 1) + "/" + std::to_string(m_visible.size()));
+    }
+}
+
+void List_view::draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected) {
+    const std::string name = entry.Get_name();
+    const int columns = lcd.size().columns;
+    const int shown = std::min(static_cast<int>(name.size()), name_columns(entry, columns));
+
+    lcd.put(row, 0, selected ? ">" : " ");
+    if (is_menu(entry)) {
+        lcd.put(row, CURSOR_COLUMNS, name);
+        lcd.put_right(row, std::string(" ") + MENU_MARK);
+        return;
+    }
+    lcd.put(row, CURSOR_COLUMNS, name.substr(0, static_cast<size_t>(shown)));
+    if (m_device.read_failed(housed(entry))) {
+        m_alarm = true;
+        lcd.put_right(row, std::string(" ") + READ_ERROR);
+        return;
+    }
+    const int value_columns = columns - CURSOR_COLUMNS - shown - 1;
+    lcd.put_right(row, display_value(entry, value_columns).value_or(NO_VALUE));
+}
+
+}  // namespace frontpanel

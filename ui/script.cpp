@@ -1,0 +1,302 @@
+#include <frontpanel_ui/script.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <sstream>
+
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_display/lcd.h>
+#include <frontpanel_menu/entry_access.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr int MOST_REPEATS = 1000;
+constexpr int LAST_BUTTON = 99;
+constexpr int LAST_SLOT = 15;
+constexpr uint32_t LAST_LEVEL = 255;
+
+// The words of one line, from left to right.
+class Line {
+public:
+    Line(std::string place, const std::string& text) : m_place(std::move(place)), m_words(text) {}
+
+    [[noreturn]] void fail(const std::string& message) const {
+        throw Input_error(m_place + ": " + message);
+    }
+    bool at_end() { return (m_words >> std::ws).eof(); }
+    std::string word(const std::string& expected) {
+        std::string word;
+        if (!(m_words >> word)) {
+            fail("expected " + expected);
+        }
+        return word;
+    }
+    // What is left of the line, without blanks around it.
+    std::string rest() {
+        std::string rest;
+        std::getline(m_words >> std::ws, rest);
+        return rest;
+    }
+    int number(int min, int max, const std::string& what) {
+        const std::string word = this->word(what);
+        const std::optional<int> number = parsed<int>(word);
+        if (!number || *number < min || *number > max) {
+            fail("expected " + what + " from " + std::to_string(min) + " to " +
+                 std::to_string(max) + ", found \"" + word + "\"");
+        }
+        return *number;
+    }
+    // One of two words; true for the first.
+    bool either(const std::string& first, const std::string& second) {
+        const std::string expected = "\"" + first + "\" or \"" + second + "\"";
+        const std::string word = this->word(expected);
+        if (word != first && word != second) {
+            fail("expected " + expected + ", found \"" + word + "\"");
+        }
+        return word == first;
+    }
+    Parameter_name parameter();
+
+    template <typename Number>
+    static std::optional<Number> parsed(const std::string& word) {
+        Number number{};
+        const char* const end = word.data() + word.size();
+        const auto [stopped, error] = std::from_chars(word.data(), end, number);
+        if (error != std::errc() || stopped != end) {
+            return std::nullopt;
+        }
+        return number;
+    }
+
+private:
+    std::string m_place;
+    std::istringstream m_words;
+};
+
+// "100", "100.1" or "100.1.2": the parameter id and up to two index levels.
+Parameter_name Line::parameter() {
+    const std::string word = this->word("a parameter");
+    std::vector<uint32_t> numbers;
+    std::istringstream parts(word);
+    std::string part;
+    while (std::getline(parts, part, '.')) {
+        const std::optional<uint32_t> number = parsed<uint32_t>(part);
+        if (!number || (!numbers.empty() && *number > LAST_LEVEL)) {
+            fail("expected a parameter such as 100 or 100.1.2, found \"" + word + "\"");
+        }
+        numbers.push_back(*number);
+    }
+    if (numbers.size() > 3 || word.back() == '.') {
+        fail("expected a parameter such as 100 or 100.1.2, found \"" + word + "\"");
+    }
+    numbers.resize(3, 0);
+    return {numbers[0], numbers[1] | numbers[2] << 8};
+}
+
+void read_press(Line& line, Step& step, Key::Kind kind) {
+    step.kind = Step::PRESS;
+    step.key = {kind, 0};
+    if (!line.at_end()) {
+        step.count = line.number(1, MOST_REPEATS, "a number of times");
+    }
+}
+
+void read_up(Line& line, Step& step) {
+    read_press(line, step, Key::UP);
+}
+
+void read_down(Line& line, Step& step) {
+    read_press(line, step, Key::DOWN);
+}
+
+void read_select(Line& line, Step& step) {
+    read_press(line, step, Key::SELECT);
+}
+
+void read_back(Line& line, Step& step) {
+    read_press(line, step, Key::BACK);
+}
+
+void read_left(Line& line, Step& step) {
+    read_press(line, step, Key::LEFT);
+}
+
+void read_right(Line& line, Step& step) {
+    read_press(line, step, Key::RIGHT);
+}
+
+void read_erase(Line& line, Step& step) {
+    read_press(line, step, Key::ERASE);
+}
+
+void read_coarser(Line& line, Step& step) {
+    read_press(line, step, Key::COARSER);
+}
+
+void read_finer(Line& line, Step& step) {
+    read_press(line, step, Key::FINER);
+}
+
+void read_insert(Line& line, Step& step) {
+    read_press(line, step, Key::INSERT);
+}
+
+void read_delete(Line& line, Step& step) {
+    read_press(line, step, Key::DELETE);
+}
+
+void read_diagnostics(Line& line, Step& step) {
+    read_press(line, step, Key::DIAGNOSTICS);
+}
+
+void read_shortcut(Line& line, Step& step) {
+    step.kind = Step::PRESS;
+    step.key = {Key::SHORTCUT, line.number(1, LAST_BUTTON, "a button")};
+}
+
+void read_tick(Line& line, Step& step) {
+    step.kind = Step::TICK;
+    if (!line.at_end()) {
+        step.count = line.number(1, MOST_REPEATS, "a number of times");
+    }
+}
+
+void read_say(Line& line, Step& step) {
+    step.kind = Step::SAY;
+    step.text = line.rest();
+}
+
+void read_expect(Line& line, Step& step) {
+    step.kind = Step::EXPECT_LINE;
+    step.row = line.number(1, LARGEST_LCD.rows, "a display line") - 1;
+    const std::string framed = line.rest();
+    if (framed.size() < 2 || framed.front() != '|' || framed.back() != '|') {
+        line.fail("expected the line between two bars, such as |>Gain       3 dB |");
+    }
+    step.text = framed.substr(1, framed.size() - 2);
+}
+
+void read_expect_leds(Line& line, Step& step) {
+    step.kind = Step::EXPECT_LEDS;
+    bool none = false;
+    do {
+        const std::string led = line.word("\"none\", \"edit\" or \"alarm\"");
+        none = none || led == "none";
+        if (led == "edit") {
+            step.edit = true;
+        } else if (led == "alarm") {
+            step.alarm = true;
+        } else if (led != "none") {
+            line.fail("expected \"none\", \"edit\" or \"alarm\", found \"" + led + "\"");
+        }
+    } while (!line.at_end());
+    if (none && (step.edit || step.alarm)) {
+        line.fail("\"none\" is there beside a LED");
+    }
+}
+
+void read_expect_write(Line& line, Step& step) {
+    step.kind = Step::EXPECT_WRITE;
+    step.parameter = line.parameter();
+    step.text = line.rest();
+}
+
+void read_expect_no_write(Line& /*line*/, Step& step) {
+    step.kind = Step::EXPECT_NO_WRITE;
+}
+
+void read_expect_selected(Line& line, Step& step) {
+    step.kind = Step::EXPECT_SELECTED;
+    step.slot = line.number(1, LAST_SLOT, "a slot");
+    step.parameter.pid =
+        static_cast<uint32_t>(line.number(FIRST_LIVE_PID, LAST_LIVE_PID, "a list of a card"));
+    step.option = line.number(0, MOST_REPEATS, "an option");
+}
+
+void read_fail(Line& line, Step& step) {
+    step.kind = Step::FAIL;
+    step.write = line.either("write", "read");
+    step.parameter = line.parameter();
+    step.on = line.either("on", "off");
+}
+
+void read_set(Line& line, Step& step) {
+    step.kind = Step::SET;
+    step.parameter = line.parameter();
+    step.text = line.rest();
+}
+
+struct Word {
+    const char* name;
+    void (*read)(Line& line, Step& step);
+};
+
+constexpr Word WORDS[] = {{"up", read_up},
+                          {"down", read_down},
+                          {"select", read_select},
+                          {"back", read_back},
+                          {"left", read_left},
+                          {"right", read_right},
+                          {"erase", read_erase},
+                          {"coarser", read_coarser},
+                          {"finer", read_finer},
+                          {"insert", read_insert},
+                          {"delete", read_delete},
+                          {"diagnostics", read_diagnostics},
+                          {"shortcut", read_shortcut},
+                          {"tick", read_tick},
+                          {"say", read_say},
+                          {"expect", read_expect},
+                          {"expect-leds", read_expect_leds},
+                          {"expect-write", read_expect_write},
+                          {"expect-no-write", read_expect_no_write},
+                          {"expect-selected", read_expect_selected},
+                          {"fail", read_fail},
+                          {"set", read_set}};
+
+Step parse_step(const std::string& file, int number, const std::string& text) {
+    Line line(file + ":" + std::to_string(number), text);
+    Step step;
+    step.line = number;
+    step.source = text;
+    const std::string name = line.word("a word");
+    const auto word = std::find_if(std::begin(WORDS), std::end(WORDS),
+                                   [&name](const Word& known) { return name == known.name; });
+    if (word == std::end(WORDS)) {
+        line.fail("unknown word \"" + name + "\"");
+    }
+    word->read(line, step);
+    if (!line.at_end()) {
+        line.fail("nothing is expected behind \"" + name + "\" but \"" + line.rest() +
+                  "\" is there");
+    }
+    return step;
+}
+
+std::string trimmed(const std::string& text) {
+    constexpr const char* BLANKS = " \t\r";
+    const size_t first = text.find_first_not_of(BLANKS);
+    if (first == std::string::npos) {
+        return "";
+    }
+    return text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
+}
+
+}  // namespace
+
+Script parse_script(const std::string& file, const std::string& text) {
+    Script script{file, {}};
+    std::istringstream lines(text);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        line = trimmed(line);
+        if (!line.empty() && line.front() != '#') {
+            script.steps.push_back(parse_step(file, number, line));
+        }
+    }
+    return script;
+}
+
+}  // namespace frontpanel
