@@ -60,9 +60,9 @@ struct Error_case {
     std::string error;
 };
 
-class Panel {
+class Menu_panel {
 public:
-    explicit Panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
+    explicit Menu_panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
         : m_loaded(load_menu_text("menu.json", text, {cards, size.columns})),
           m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(
@@ -76,17 +76,17 @@ public:
     Menu& menu() { return *m_loaded.menu; }
     Data_entry& root() { return m_loaded.menu->root(); }
     Controller& controller() { return m_controller; }
-    Panel& press(Key::Kind kind, int times = 1) {
+    Menu_panel& press(Key::Kind kind, int times = 1) {
         for (int i = 0; i < times; ++i) {
             m_controller.press({kind, 0});
         }
         return *this;
     }
-    Panel& shortcut(int button) {
+    Menu_panel& shortcut(int button) {
         m_controller.press({Key::SHORTCUT, button});
         return *this;
     }
-    Panel& tick() {
+    Menu_panel& tick() {
         m_controller.tick();
         return *this;
     }

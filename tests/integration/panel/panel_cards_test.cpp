@@ -43,13 +43,13 @@ public:
             m_panel.controller().tick();
         }
     }
-    Panel* operator->() { return &m_panel; }
+    Menu_panel* operator->() { return &m_panel; }
     Card_service& card() { return *m_panel.menu().cards(); }
 
 private:
     int m_pid;
     Curl_home m_curl_home;
-    Panel m_panel;
+    Menu_panel m_panel;
 };
 
 std::string combo_box(int pid, int selected = 1) {
@@ -168,8 +168,8 @@ TEST(PanelCards, ACardThatHangsIsGivenUpSoon) {
 }
 
 TEST(PanelCards, BeforeTheFirstFetchNoOptionIsShownNorOffered) {
-    Panel panel(R"({"device": {"parameters": [], "cards": [{"slot": 3, )" + combo_box(9068) +
-                R"(}]}, "menu": {"name": "Main", "items": [{"type": "enum", "name": "Live",
+    Menu_panel panel(R"({"device": {"parameters": [], "cards": [{"slot": 3, )" + combo_box(9068) +
+                     R"(}]}, "menu": {"name": "Main", "items": [{"type": "enum", "name": "Live",
                 "pid": 9068, "live": {"slot": 3, "web-type": "combobox"}}]}})");
     EXPECT_EQ(panel.lines()[0], ">Live              -");
     panel.press(Key::SELECT);

@@ -319,7 +319,7 @@ private:
 
     std::mt19937 m_random;
     const Curl_home m_curl_home;
-    Panel m_panel;
+    Menu_panel m_panel;
     Contents m_contents;  // what the device should hold
     std::vector<Memory_device::Write> m_writes;
     Frame m_frame{Lcd(SIZE), Leds()};

@@ -109,7 +109,8 @@ TEST(DeviceDescription, ATreeThatIsTooDeepIsRefused) {
 }
 
 TEST(DeviceDescription, ProductsStandInTheirSlotsWithTheirAliases) {
-    Panel panel(with_product(R"("id": 7, "name": "DEC-4", "family": "Decoder", "alias": "Main")"));
+    Menu_panel panel(
+        with_product(R"("id": 7, "name": "DEC-4", "family": "Decoder", "alias": "Main")"));
     PROD_LIST_S list[Memory_device::SLOT_COUNT] = {};
     ASSERT_EQ(panel.device().Get_prod_list(list, false, true), 0);
     EXPECT_EQ(list[2].prod_id, 7);
@@ -128,7 +129,7 @@ TEST(DeviceDescription, AProductsOptionsDecideWhichItemsAreShown) {
     const std::string product = R"("products": [
         {"slot": 2, "id": 7, "name": "DEC", "family": "Decoder", "options": {"audio": 1}},
         {"slot": 3, "id": 7, "name": "DEC", "family": "Decoder", "options": {"audio": 0, "wide": 0}}])";
-    Panel panel(with_device(product, items));
+    Menu_panel panel(with_device(product, items));
     EXPECT_EQ(panel.lines(), (Lines{">Audio             7", "                    "}));
 }
 

@@ -25,7 +25,7 @@ constexpr const char* TEXT = R"("type": "text", "pid": 20)";
 constexpr const char* EDITOR = "menu.json: /menu/items/0/editor";
 
 TEST(EditorItems, TellHowANumberIsEdited) {
-    Panel panel(
+    Menu_panel panel(
         with_editor(RANGE, R"({"preview": true, "step": 5, "acceleration": 10, "wrap": false})"));
     const Editor_settings& settings = panel.settings(0);
     EXPECT_TRUE(settings.preview);
@@ -36,7 +36,7 @@ TEST(EditorItems, TellHowANumberIsEdited) {
 }
 
 TEST(EditorItems, TellHowATextIsEdited) {
-    Panel panel(with_editor(TEXT, R"({"characters": " ABC", "wrap": true})"));
+    Menu_panel panel(with_editor(TEXT, R"({"characters": " ABC", "wrap": true})"));
     const Editor_settings& settings = panel.settings(0);
     EXPECT_EQ(settings.characters, " ABC");
     EXPECT_EQ(settings.wrap, true);
@@ -44,7 +44,7 @@ TEST(EditorItems, TellHowATextIsEdited) {
 }
 
 TEST(EditorItems, MayTellNothing) {
-    Panel panel(with_editor(RANGE, "{}"));
+    Menu_panel panel(with_editor(RANGE, "{}"));
     const Editor_settings& settings = panel.settings(0);
     EXPECT_FALSE(settings.preview);
     EXPECT_EQ(settings.step, 1);
@@ -62,7 +62,7 @@ TEST(EditorItems, BelongToEveryKindThatIsEdited) {
 }
 
 TEST(EditorItems, TheEncoderCountsInThePanel) {
-    Panel panel(with_encoder(R"({"reversed": true, "wrap": true})"));
+    Menu_panel panel(with_encoder(R"({"reversed": true, "wrap": true})"));
     panel.press(Key::SELECT).press(Key::DOWN);
     EXPECT_EQ(panel.lines()[1], "51                  ");
     panel.press(Key::COARSER).press(Key::DOWN, 6);

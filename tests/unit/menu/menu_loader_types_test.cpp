@@ -191,7 +191,7 @@ TEST(MenuLoaderTypes, BindingsShowAndHideEveryType) {
           R"({"type": "warning", "name": "T", "binding": "visible if [5] == 2"})",
           R"({"type": "enum", "name": "T", "pid": 5, "choices": ["a", "b", "c"],
               "binding": "visible if [7] == 9"})"}) {
-        Panel panel(menu_text(PARAMETERS, item));
+        Menu_panel panel(menu_text(PARAMETERS, item));
         EXPECT_EQ(panel.lines()[0], " (empty)            ") << item;
         panel.device().set_integer(5, 0, 2);
         panel.device().set_integer(7, 0, 9);

@@ -50,7 +50,7 @@ TEST(MenuRules, ParametersGoByTheirNames) {
 }
 
 TEST(MenuRules, EveryKindOfRuleReachesItsItem) {
-    Panel panel(with_items(R"(
+    Menu_panel panel(with_items(R"(
         {"type": "enum", "name": "Mode", "parameter": "mode", "choices": ["A", "B", "C"],
          "binding": "keys 1..2 if [input 1 gain] == 3"},
         {"type": "range", "name": "Gain", "parameter": "input 1 gain",
@@ -137,13 +137,13 @@ TEST(MenuRules, WhatElseIsWrongWithRulesOfAWrongParameterIsTold) {
 }
 
 TEST(MenuRules, TheEndsOfARangeStandInEitherOrder) {
-    Panel panel(with_rules("range 3..-1 if [mode]"));
+    Menu_panel panel(with_rules("range 3..-1 if [mode]"));
     EXPECT_TRUE(load_menu_text("menu.json", with_rules("range 3..-1 if [mode]")).warnings.empty());
     auto& gain = static_cast<Range_entry&>(panel.item(0));
     gain.Refresh(&panel.menu().access(), true);
     EXPECT_EQ(gain.Get_min(), -1);
     EXPECT_EQ(gain.Get_max(), 3);
-    Panel keys(with_items(std::string(MODE) + R"(, "binding": "keys 2..1"})"));
+    Menu_panel keys(with_items(std::string(MODE) + R"(, "binding": "keys 2..1"})"));
     auto& mode = static_cast<Enum_entry&>(keys.item(0));
     mode.updateControlOptionMap();
     EXPECT_EQ(mode.Get_size(), 2);

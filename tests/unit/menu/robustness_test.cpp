@@ -43,14 +43,14 @@ void press_at_random(Controller& controller, Random& random, int times, Lcd_size
 TEST(Robustness, RandomKeysLeaveTheDisplayWhole) {
     for (const Lcd_size size : {Lcd_size{16, 2}, {20, 2}, {24, 3}, {80, 16}}) {
         Random random(1);
-        Panel panel(shipped_menu_text(), size);
+        Menu_panel panel(shipped_menu_text(), size);
         press_at_random(panel.controller(), random, 2000, size);
     }
 }
 
 TEST(Robustness, RandomKeysOnAFailingDeviceLeaveTheDisplayWhole) {
     Random random(2);
-    Panel panel(shipped_menu_text());
+    Menu_panel panel(shipped_menu_text());
     panel.device().set_fault(
         [&random](const Memory_device::Operation&) { return below(random, 3) == 0 ? 100 : 0; });
     press_at_random(panel.controller(), random, 2000, {});
@@ -83,7 +83,7 @@ TEST(Robustness, AMenuFileWithAMistakeLoadsOrIsRefusedInOneLine) {
     for (int i = 0; i < 600; ++i) {
         const std::string text = mutated(menu, random);
         try {
-            Panel panel(text);
+            Menu_panel panel(text);
             press_at_random(panel.controller(), random, 20, {});
             ++loaded;
         } catch (const Input_error& error) {

@@ -19,7 +19,7 @@ protected:
     void edit(int number) { panel.press(Key::SELECT).press(Key::DOWN, number).press(Key::SELECT); }
     int cursor() { return panel.controller().draw().lcd.cursor_column(); }
 
-    Panel panel{menu_text(PARAMETERS, ITEMS)};
+    Menu_panel panel{menu_text(PARAMETERS, ITEMS)};
 };
 
 TEST_F(ArrowKeys, OpenAndLeaveMenus) {
@@ -70,7 +70,7 @@ TEST_F(ArrowKeys, NeitherAcceptNorDiscardAnything) {
 
 // The arrow that moved the cursor a moment ago is no answer to a question about the value.
 TEST(Arrows, DoNotAnswerWhatIsAskedAboutAnEditedValue) {
-    Panel warned(menu_text(PARAMETERS, R"({"type": "range", "name": "Gain", "pid": 1,
+    Menu_panel warned(menu_text(PARAMETERS, R"({"type": "range", "name": "Gain", "pid": 1,
         "binding": "warn \"loud\" if value > 123"})"));
     warned.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     for (const Key::Kind key : {Key::RIGHT, Key::LEFT}) {
@@ -83,7 +83,7 @@ TEST(Arrows, DoNotAnswerWhatIsAskedAboutAnEditedValue) {
 }
 
 TEST(Arrows, LeaveAnEditorThatOnlyShowsItsValue) {
-    Panel shown(menu_text(
+    Menu_panel shown(menu_text(
         PARAMETERS, R"({"type": "text", "name": "Label", "pid": 20, "access": "read-only"})"));
     shown.press(Key::RIGHT);
     EXPECT_EQ(shown.lines()[0], "Label               ");

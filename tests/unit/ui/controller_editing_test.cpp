@@ -30,7 +30,7 @@ constexpr const char* CHOICE =
     R"({"type": "enum", "name": "Source", "pid": 5, "choices": ["Off", "Line", "Card"]})";
 
 // The values that the device took, in order.
-std::string written(Panel& panel) {
+std::string written(Menu_panel& panel) {
     std::string all;
     for (const Memory_device::Write& write : panel.device().writes()) {
         if (write.result == 0) {
@@ -74,7 +74,7 @@ TEST(EditingPreview, EachStepIsWrittenAtOnceAndBackWritesTheOldValue) {
           Preview_case{ADDRESS, "192.0.2.2           ", "192.0.2.2 192.0.2.1"},
           Preview_case{TIME, "12:31               ", "12:31 12:30"}}) {
         SCOPED_TRACE(row.item);
-        Panel panel(menu_text(PARAMETERS, row.item));
+        Menu_panel panel(menu_text(PARAMETERS, row.item));
         const Lines before = panel.lines();
         panel.settings(0).preview = true;
         panel.press(Key::SELECT).press(Key::UP);
@@ -88,7 +88,7 @@ TEST(EditingPreview, EachStepIsWrittenAtOnceAndBackWritesTheOldValue) {
 }
 
 TEST(EditingPreview, SelectKeepsWhatIsWrittenAndWritesNothingMore) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::UP, 2).press(Key::SELECT);
     EXPECT_EQ(written(panel), "51 52");
@@ -96,14 +96,14 @@ TEST(EditingPreview, SelectKeepsWhatIsWrittenAndWritesNothingMore) {
 }
 
 TEST(EditingPreview, WithoutAStepNothingIsWritten) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::COARSER).press(Key::BACK);
     EXPECT_EQ(written(panel), "");
 }
 
 TEST(EditingPreview, AnEntryWithoutItIsWrittenBySelectOnly) {
-    Panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
     panel.settings(0).preview = true;
     panel.press(Key::DOWN).press(Key::SELECT).press(Key::UP, 2);
     EXPECT_EQ(written(panel), "");
@@ -112,7 +112,7 @@ TEST(EditingPreview, AnEntryWithoutItIsWrittenBySelectOnly) {
 }
 
 TEST(EditingPreview, AStepThatCannotBeWrittenSaysSoAndShowsTheDevicesValue) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::UP);
     panel.fail(Memory_device::Operation_kind::WRITE, 102);
@@ -128,7 +128,7 @@ TEST(EditingPreview, AStepThatCannotBeWrittenSaysSoAndShowsTheDevicesValue) {
 }
 
 TEST(EditingPreview, AnOldValueThatCannotBeWrittenBackSaysSo) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::UP);
     panel.fail(Memory_device::Operation_kind::WRITE, 102);
@@ -141,7 +141,7 @@ TEST(EditingPreview, AnOldValueThatCannotBeWrittenBackSaysSo) {
 // --- steps, wrap, direction
 
 TEST(EditingSteps, AreTheEntrysOwn) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     panel.settings(0).step = 5;
     panel.press(Key::SELECT).press(Key::UP);
     EXPECT_EQ(panel.lines(), (Lines{"Width         step 5", "55                  "}));
@@ -151,7 +151,7 @@ TEST(EditingSteps, AreTheEntrysOwn) {
 }
 
 TEST(EditingSteps, TheEncoderGoesRoundInListsAndEditorsAlike) {
-    Panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
     panel.set_encoder({false, true, true});
     panel.press(Key::UP);
     EXPECT_EQ(panel.lines(), (Lines{" Width            50", ">Level             7"}));
@@ -162,7 +162,7 @@ TEST(EditingSteps, TheEncoderGoesRoundInListsAndEditorsAlike) {
 }
 
 TEST(EditingSteps, AnEntryMayDifferFromTheEncoderInGoingRound) {
-    Panel panel(menu_text(PARAMETERS, CHOICE));
+    Menu_panel panel(menu_text(PARAMETERS, CHOICE));
     panel.settings(0).wrap = false;
     panel.set_encoder({false, true, true});
     panel.press(Key::SELECT).press(Key::UP, 3);
@@ -175,7 +175,7 @@ TEST(EditingSteps, AnEntryMayDifferFromTheEncoderInGoingRound) {
 }
 
 TEST(EditingSteps, AReversedEncoderIsReversedInListsAndEditorsAlike) {
-    Panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
     panel.set_encoder({true, false, true});
     panel.press(Key::UP);
     EXPECT_EQ(panel.lines(), (Lines{" Width            50", ">Level             7"}));
@@ -199,7 +199,7 @@ protected:
         return panel.lines()[1].substr(0, panel.lines()[1].find(' '));
     }
 
-    Panel panel;
+    Menu_panel panel;
     milliseconds now{1000};
 };
 
@@ -245,7 +245,7 @@ TEST_F(EditingSpeed, TheFirstDetentOfAnEditorIsSlow) {
 // --- texts
 
 TEST(EditingTexts, AreInsertedAndDeletedWithinTheirLength) {
-    Panel panel(menu_text(PARAMETERS, TEXT));
+    Menu_panel panel(menu_text(PARAMETERS, TEXT));
     panel.press(Key::SELECT).press(Key::COARSER).press(Key::INSERT);
     EXPECT_EQ(panel.lines(), (Lines{"Label               ", "Ma in               "}));
     EXPECT_EQ(panel.controller().draw().lcd.cursor_column(), 2);
@@ -260,7 +260,7 @@ TEST(EditingTexts, AreInsertedAndDeletedWithinTheirLength) {
 }
 
 TEST(EditingTexts, AreTypedFromTheirCharacters) {
-    Panel panel(menu_text(PARAMETERS, TEXT));
+    Menu_panel panel(menu_text(PARAMETERS, TEXT));
     panel.settings(0).characters = "ABn";
     panel.press(Key::SELECT).press(Key::DOWN);
     EXPECT_EQ(panel.lines()[1], "MaiB                ");
@@ -270,7 +270,7 @@ TEST(EditingTexts, AreTypedFromTheirCharacters) {
 
 TEST(EditingTexts, InsertAndDeleteDoNothingElsewhere) {
     for (const char* const item : {WIDTH, ADDRESS, TIME, CHOICE}) {
-        Panel panel(menu_text(PARAMETERS, item));
+        Menu_panel panel(menu_text(PARAMETERS, item));
         panel.press(Key::INSERT).press(Key::DELETE);
         EXPECT_EQ(panel.lines()[0].substr(0, 1), ">");
         panel.press(Key::SELECT);
@@ -285,7 +285,7 @@ TEST(EditingTexts, InsertAndDeleteDoNothingElsewhere) {
 // Values above 50 have the warnings that are told; an engine says what has changed only.
 class EditingWarned : public testing::Test {
 protected:
-    void warn_of(Panel& panel, Data_entry& entry) {
+    void warn_of(Menu_panel& panel, Data_entry& entry) {
         auto* const engine = new Fake_binding;  // the entry's
         engine->offer(SUGGESTION_WARNING);
         engine->on_evaluate = [this](Fake_binding& suggesting, int flags) {
@@ -309,7 +309,7 @@ private:
 };
 
 TEST_F(EditingWarned, AreAskedBeforeTheWriteAndSelectWrites) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
@@ -321,7 +321,7 @@ TEST_F(EditingWarned, AreAskedBeforeTheWriteAndSelectWrites) {
 }
 
 TEST_F(EditingWarned, BackGoesOnEditingAndTheWarningComesAgain) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP);
     for (int i = 0; i < 3; ++i) {
@@ -338,7 +338,7 @@ TEST_F(EditingWarned, BackGoesOnEditingAndTheWarningComesAgain) {
 // The old value is warned of with the same words, so that the engine has nothing new to say.
 TEST_F(EditingWarned, AWarningThatNeverChangesComesAgainToo) {
     from = -1;
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP);
     for (int i = 0; i < 3; ++i) {
@@ -357,7 +357,7 @@ TEST_F(EditingWarned, AWarningThatNeverChangesComesAgainToo) {
 }
 
 TEST_F(EditingWarned, AValueWithoutWarningIsWrittenUnasked) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT).press(Key::BACK);
     panel.press(Key::DOWN, 2).press(Key::SELECT);
@@ -366,7 +366,7 @@ TEST_F(EditingWarned, AValueWithoutWarningIsWrittenUnasked) {
 }
 
 TEST_F(EditingWarned, AWarningThatEndsIsNoRefusal) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT, 2);
     panel.press(Key::SELECT).press(Key::DOWN, 4).press(Key::SELECT);
@@ -376,7 +376,7 @@ TEST_F(EditingWarned, AWarningThatEndsIsNoRefusal) {
 
 TEST_F(EditingWarned, SeveralAreShownOneByOneAndLongOnesScroll) {
     warnings = {"too wide for a mono listener", "really"};
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines()[1], "too wide for a mono ");
@@ -393,7 +393,7 @@ TEST_F(EditingWarned, SeveralAreShownOneByOneAndLongOnesScroll) {
 }
 
 TEST_F(EditingWarned, ALargerDisplayNamesTheKeys) {
-    Panel panel(menu_text(PARAMETERS, WIDTH), {20, 4});
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH), {20, 4});
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            ",
@@ -401,7 +401,7 @@ TEST_F(EditingWarned, ALargerDisplayNamesTheKeys) {
 }
 
 TEST_F(EditingWarned, APreviewIsAskedOnceAndBackGivesTheOldValueBack) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::DOWN).press(Key::UP, 2);
@@ -416,7 +416,7 @@ TEST_F(EditingWarned, APreviewIsAskedOnceAndBackGivesTheOldValueBack) {
 }
 
 TEST_F(EditingWarned, ACancelledStepOfAPreviewShowsTheWrittenValueAndAsksAgain) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT);
@@ -430,7 +430,7 @@ TEST_F(EditingWarned, ACancelledStepOfAPreviewShowsTheWrittenValueAndAsksAgain) 
 }
 
 TEST_F(EditingWarned, AWarnedWriteThatFailsSaysSo) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.fail(Memory_device::Operation_kind::WRITE, 102);
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT, 2);
@@ -440,7 +440,7 @@ TEST_F(EditingWarned, AWarnedWriteThatFailsSaysSo) {
 }
 
 TEST_F(EditingWarned, NobodyThereToAnswerIsANo) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     panel.controller().receive(FrontPanel::UserInputTimeout);
@@ -455,7 +455,7 @@ constexpr const char* LOUD = R"({"type": "range", "name": "Width", "pid": 102,
     "binding": "warn \"{value} is loud\" if value > 50"})";
 
 TEST(EditingRules, AWarningOfEveryValueComesWithEachEdit) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102,
+    Menu_panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102,
         "binding": "warn \"restarts\""})"));
     for (const char* const all : {"51", "51 52"}) {
         panel.press(Key::SELECT).press(Key::UP);
@@ -470,7 +470,7 @@ TEST(EditingRules, AWarningOfEveryValueComesWithEachEdit) {
 }
 
 TEST(EditingRules, AWarningIsAcceptedOrCancelled) {
-    Panel panel(menu_text(PARAMETERS, LOUD));
+    Menu_panel panel(menu_text(PARAMETERS, LOUD));
     panel.press(Key::SELECT).press(Key::UP);
     for (int i = 0; i < 2; ++i) {
         panel.press(Key::SELECT);
@@ -484,7 +484,7 @@ TEST(EditingRules, AWarningIsAcceptedOrCancelled) {
 }
 
 TEST(EditingRules, AnotherWarningIsAskedAndTheQuietAreNot) {
-    Panel panel(menu_text(PARAMETERS, LOUD));
+    Menu_panel panel(menu_text(PARAMETERS, LOUD));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT, 2);
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "52 is loud          "}));
@@ -495,7 +495,7 @@ TEST(EditingRules, AnotherWarningIsAskedAndTheQuietAreNot) {
 }
 
 TEST(EditingRules, APreviewIsAskedAtEachNewWarning) {
-    Panel panel(menu_text(PARAMETERS, LOUD));
+    Menu_panel panel(menu_text(PARAMETERS, LOUD));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::UP);
     EXPECT_EQ(panel.lines()[1], "51 is loud          ");
@@ -511,7 +511,7 @@ TEST(EditingRules, APreviewIsAskedAtEachNewWarning) {
 // --- entries that change under their editor
 
 TEST(EditingChanges, AHiddenEntryEndsItsEditor) {
-    Panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
     Rules rules(panel.item(0));
     panel.tick().press(Key::SELECT).press(Key::UP, 3).tick();
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "53                  "}));
@@ -525,7 +525,7 @@ TEST(EditingChanges, AHiddenEntryEndsItsEditor) {
 }
 
 TEST(EditingChanges, AHiddenMenuEndsTheEditorWithinIt) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Level", "pid": 103},
+    Menu_panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Level", "pid": 103},
         {"type": "node", "name": "Audio", "items": [
             {"type": "node", "name": "Stereo", "items": [
                 {"type": "range", "name": "Width", "pid": 102}]}]})"));
@@ -540,7 +540,7 @@ TEST(EditingChanges, AHiddenMenuEndsTheEditorWithinIt) {
 }
 
 TEST(EditingChanges, AHiddenPreviewWritesTheOldValueBack) {
-    Panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH_AND_LEVEL));
     Rules rules(panel.item(0));
     panel.settings(0).preview = true;
     panel.tick().press(Key::SELECT).press(Key::UP);
@@ -550,7 +550,7 @@ TEST(EditingChanges, AHiddenPreviewWritesTheOldValueBack) {
 }
 
 TEST(EditingChanges, AnEntryThatIsLockedEndsItsEditor) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     Rules rules(panel.item(0));
     panel.tick().press(Key::SELECT).press(Key::UP, 3);
     rules.access = Data_entry::READ_ONLY;
@@ -567,7 +567,7 @@ TEST(EditingChanges, AnEntryThatIsLockedEndsItsEditor) {
 }
 
 TEST(EditingChanges, ANarrowedRangeMovesTheValueAndSaysSo) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     Rules rules(panel.item(0));
     panel.tick().press(Key::SELECT).press(Key::UP, 9);
     rules.range = {{0, 55}};
@@ -581,7 +581,7 @@ TEST(EditingChanges, ANarrowedRangeMovesTheValueAndSaysSo) {
 }
 
 TEST(EditingChanges, ANarrowedRangeThatStillHoldsTheValueSaysNothing) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     Rules rules(panel.item(0));
     panel.tick().press(Key::SELECT).press(Key::UP, 2);
     rules.range = {{0, 55}};
@@ -592,7 +592,7 @@ TEST(EditingChanges, ANarrowedRangeThatStillHoldsTheValueSaysNothing) {
 }
 
 TEST(EditingChanges, ARangeWithoutValueEndsTheEditor) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102,
+    Menu_panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102,
         "ranges": [{"min": 0, "max": 60}, {"min": 90, "max": 100}]})"));
     Rules rules(panel.item(0));
     panel.tick().press(Key::SELECT).press(Key::UP);
@@ -605,9 +605,10 @@ TEST(EditingChanges, ARangeWithoutValueEndsTheEditor) {
 }
 
 TEST(EditingChanges, AReplacedOptionGivesWayToTheEntrysOwnAndSaysSo) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "enum", "name": "Source", "pid": 5, "choices":
+    Menu_panel panel(menu_text(PARAMETERS,
+                               R"({"type": "enum", "name": "Source", "pid": 5, "choices":
         [{"text": "Off", "options": ["aux"]}, {"text": "Line", "options": ["aux"]}, {"text": "Card", "options": ["card"]}]})",
-                          R"({"aux": 1, "card": 1})"));
+                               R"({"aux": 1, "card": 1})"));
     auto& source = static_cast<Enum_entry&>(panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).tick();
     EXPECT_EQ(panel.lines(), (Lines{"Source           3/3", "Card                "}));
@@ -626,7 +627,7 @@ TEST(EditingChanges, AReplacedOptionGivesWayToTheEntrysOwnAndSaysSo) {
 }
 
 TEST(EditingChanges, AReadThatFailsLightsTheAlarmAndTheEditGoesOn) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     panel.press(Key::SELECT).press(Key::UP);
     panel.fail(Memory_device::Operation_kind::READ, 102);
     panel.tick();
@@ -641,7 +642,7 @@ TEST(EditingChanges, AReadThatFailsLightsTheAlarmAndTheEditGoesOn) {
 }
 
 TEST(EditingChanges, AViewedValueFollowsTheDevice) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102,
+    Menu_panel panel(menu_text(PARAMETERS, R"({"type": "range", "name": "Width", "pid": 102,
         "access": "read-only"})"));
     panel.press(Key::SELECT);
     panel.device().set_integer(102, 0, 77);
@@ -650,7 +651,7 @@ TEST(EditingChanges, AViewedValueFollowsTheDevice) {
 }
 
 TEST(EditingChanges, AnEditedValueIsNotTheDevicesToChange) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     panel.press(Key::SELECT).press(Key::UP);
     panel.device().set_integer(102, 0, 77);
     panel.tick();
@@ -661,7 +662,7 @@ TEST(EditingChanges, AnEditedValueIsNotTheDevicesToChange) {
 }
 
 TEST(EditingChanges, NothingChangesUnderANotice) {
-    Panel panel(menu_text(PARAMETERS, WIDTH));
+    Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     Rules rules(panel.item(0));
     panel.tick().press(Key::SELECT).press(Key::UP, 9);
     rules.range = {{0, 55}};

@@ -26,7 +26,7 @@ protected:
         panel.controller().receive(message);
     }
 
-    Panel panel{menu_text(PARAMETERS, ITEMS)};
+    Menu_panel panel{menu_text(PARAMETERS, ITEMS)};
 };
 
 TEST_F(Messages, OfKeysMoveThroughTheMenus) {

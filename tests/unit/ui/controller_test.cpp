@@ -22,14 +22,14 @@ constexpr const char* ITEMS = R"(
         {"type": "range", "name": "Limit", "pid": 102, "binding": "range 0..40 if [103] == 1"}]})";
 
 TEST(Controller, ShowsTheTopMenuFirst) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     EXPECT_EQ(panel.lines(), (Lines{">Audio           ...", " Level           ..."}));
     EXPECT_FALSE(panel.leds().edit);
     EXPECT_FALSE(panel.leds().alarm);
 }
 
 TEST(Controller, TheCursorStaysAtTheEnds) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::UP, 3);
     EXPECT_EQ(panel.lines(), (Lines{">Audio           ...", " Level           ..."}));
     panel.press(Key::DOWN, 3);
@@ -37,7 +37,7 @@ TEST(Controller, TheCursorStaysAtTheEnds) {
 }
 
 TEST(Controller, SelectEntersAMenuAndBackReturnsToItsEntry) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::DOWN).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Limit            50", "                    "}));
     panel.press(Key::BACK);
@@ -47,7 +47,7 @@ TEST(Controller, SelectEntersAMenuAndBackReturnsToItsEntry) {
 }
 
 TEST(Controller, TheListScrollsWithTheCursor) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Gain           3 dB", " Mode         stereo"}));
     panel.press(Key::DOWN, 2);
@@ -57,14 +57,14 @@ TEST(Controller, TheListScrollsWithTheCursor) {
 }
 
 TEST(Controller, ADisplayOfThreeLinesShowsTheMenusName) {
-    Panel panel(menu_text(PARAMETERS, ITEMS), {24, 3});
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS), {24, 3});
     panel.press(Key::SELECT).press(Key::DOWN);
     EXPECT_EQ(panel.lines(), (Lines{"Audio                2/4", " Gain               3 dB",
                                     ">Mode             stereo"}));
 }
 
 TEST(Controller, ALongTextIsHeldAndThenScrolls) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT).press(Key::DOWN, 3);
     EXPECT_EQ(panel.lines()[1], ">State no signal no ");
     EXPECT_EQ(panel.lines()[1], ">State no signal no ");
@@ -74,7 +74,7 @@ TEST(Controller, ALongTextIsHeldAndThenScrolls) {
 }
 
 TEST(Controller, EditsAndCommitsANumber) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT, 2);
     EXPECT_EQ(panel.lines(), (Lines{"Gain                ", "3 dB                "}));
     EXPECT_TRUE(panel.leds().edit);
@@ -88,14 +88,14 @@ TEST(Controller, EditsAndCommitsANumber) {
 }
 
 TEST(Controller, BackDiscardsAnEdit) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT, 2).press(Key::UP, 2).press(Key::BACK);
     EXPECT_EQ(panel.lines(), (Lines{">Gain           3 dB", " Mode         stereo"}));
     EXPECT_TRUE(panel.device().writes().empty());
 }
 
 TEST(Controller, TheCursorOfAnEditorFollowsTheStepSize) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT).press(Key::DOWN, 2).press(Key::SELECT);
     EXPECT_EQ(panel.controller().draw().lcd.cursor_row(), 1);
     EXPECT_EQ(panel.controller().draw().lcd.cursor_column(), 1);
@@ -109,13 +109,13 @@ TEST(Controller, TheCursorOfAnEditorFollowsTheStepSize) {
 }
 
 TEST(Controller, AShortcutDoesNotLeaveAnEditor) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT, 2).press(Key::UP).shortcut(3);
     EXPECT_EQ(panel.lines(), (Lines{"Gain                ", "4 dB                "}));
 }
 
 TEST(Controller, ACommitHidesWhatDependsOnIt) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT).press(Key::DOWN).press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{" Gain           3 dB", ">Mode           mono"}));
     panel.press(Key::DOWN);
@@ -125,7 +125,7 @@ TEST(Controller, ACommitHidesWhatDependsOnIt) {
 }
 
 TEST(Controller, TheCursorLeavesAnEntryThatDisappears) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT).press(Key::DOWN, 2);
     EXPECT_EQ(panel.lines()[1], ">Width            50");
     panel.device().set_integer(101, 0, 0);
@@ -134,7 +134,7 @@ TEST(Controller, TheCursorLeavesAnEntryThatDisappears) {
 }
 
 TEST(Controller, TheCursorFallsBackToTheLastVisibleEntry) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
         {"type": "range", "name": "Width", "pid": 102, "binding": "visible if [101] == 1"})"));
     panel.press(Key::DOWN);
@@ -144,7 +144,7 @@ TEST(Controller, TheCursorFallsBackToTheLastVisibleEntry) {
 }
 
 TEST(Controller, AMenuThatIsHiddenWhileItIsShownIsLeft) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
         {"type": "node", "name": "Stereo", "binding": "visible if [101] == 1", "items": [
             {"type": "node", "name": "Sides", "items": [
@@ -160,7 +160,7 @@ TEST(Controller, AMenuThatIsHiddenWhileItIsShownIsLeft) {
 }
 
 TEST(Controller, AMenuWhoseLastEntryIsHiddenWhileItIsShownIsLeft) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
         {"type": "node", "name": "Stereo", "items": [
             {"type": "range", "name": "Width", "pid": 102, "binding": "visible if [101] == 1"}]})"));
@@ -171,7 +171,7 @@ TEST(Controller, AMenuWhoseLastEntryIsHiddenWhileItIsShownIsLeft) {
 }
 
 TEST(Controller, AValueThatHidesItsOwnMenuLeavesIt) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Gain", "pid": 100},
         {"type": "node", "name": "Stereo", "binding": "visible if [101] == 1", "items": [
             {"type": "range", "name": "Mode", "pid": 101}]})"));
@@ -182,7 +182,7 @@ TEST(Controller, AValueThatHidesItsOwnMenuLeavesIt) {
 }
 
 TEST(Controller, AMenuWithNothingToShowSaysSo) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Width", "pid": 102, "binding": "visible if [101] == 1"})"));
     panel.device().set_integer(101, 0, 0);
     panel.controller().tick();
@@ -194,7 +194,7 @@ TEST(Controller, AMenuWithNothingToShowSaysSo) {
 }
 
 TEST(Controller, ABindingHidesAWholeMenu) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
         {"type": "node", "name": "More", "binding": "visible if [101] > 1", "items": [
             {"type": "range", "name": "Width", "pid": 102}]})"));
@@ -204,7 +204,7 @@ TEST(Controller, ABindingHidesAWholeMenu) {
 }
 
 TEST(Controller, ACommitNarrowsARangeElsewhere) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Clamp", "pid": 103},
         {"type": "range", "name": "Limit", "pid": 102, "binding": "range 0..40 if [103] == 1"})"));
     EXPECT_EQ(panel.lines(), (Lines{">Clamp             0", " Limit            50"}));
@@ -216,7 +216,7 @@ TEST(Controller, ACommitNarrowsARangeElsewhere) {
 }
 
 TEST(Controller, AFailedReadShowsAndKeepsTheValue) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::SELECT);
     panel.device().set_integer(100, 0, 9);
     panel.fail(Memory_device::Operation_kind::READ, 100);
@@ -234,7 +234,7 @@ TEST(Controller, AFailedReadShowsAndKeepsTheValue) {
 }
 
 TEST(Controller, AFailedWriteShowsAndTheDevicesValueComesBack) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.fail(Memory_device::Operation_kind::WRITE, 100);
     panel.press(Key::SELECT, 2).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Gain                ", "write failed        "}));
@@ -247,7 +247,7 @@ TEST(Controller, AFailedWriteShowsAndTheDevicesValueComesBack) {
 }
 
 TEST(Controller, AShortcutJumpsToItsEntry) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.shortcut(2);
     EXPECT_EQ(panel.lines(), (Lines{" Mode         stereo", ">Width            50"}));
     panel.shortcut(3);
@@ -257,13 +257,13 @@ TEST(Controller, AShortcutJumpsToItsEntry) {
 }
 
 TEST(Controller, AShortcutWithoutEntryDoesNothing) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::DOWN).shortcut(7);
     EXPECT_EQ(panel.lines(), (Lines{" Audio           ...", ">Level           ..."}));
 }
 
 TEST(Controller, AShortcutToAHiddenEntryIsRefused) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.device().set_integer(101, 0, 0);
     panel.tick().shortcut(2);
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "not available       "}));
@@ -272,7 +272,7 @@ TEST(Controller, AShortcutToAHiddenEntryIsRefused) {
 }
 
 TEST(Controller, AShortcutIntoAHiddenMenuIsRefused) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Mode", "pid": 101},
         {"type": "node", "name": "More", "binding": "visible if [101] > 1", "items": [
             {"type": "range", "name": "Width", "pid": 102, "shortcut": 1}]})"));
@@ -285,7 +285,7 @@ TEST(Controller, AShortcutIntoAHiddenMenuIsRefused) {
 }
 
 TEST(Controller, AnEntryWithoutAllowedValueShowsNoneAndTakesNone) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Width", "pid": 102, "binding": "range 70..80 if [103] == 0",
          "ranges": [{"min": 0, "max": 60}, {"min": 90, "max": 100}]})"));
     EXPECT_EQ(panel.lines(), (Lines{">Width           ---", "                    "}));
@@ -302,17 +302,17 @@ TEST(Controller, AnEntryWithoutAllowedValueShowsNoneAndTakesNone) {
 }
 
 TEST(Controller, AnEntryWhoseOptionsDoNotHoldIsSkipped) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Dolby", "pid": 101, "options": ["dolby"]},
         {"type": "range", "name": "Slot 3", "pid": 102, "options": ["slot3"]},
         {"type": "range", "name": "Slot 5", "pid": 103, "options": ["slot5"]},
         {"type": "range", "name": "Hidden", "pid": 103, "visible": false})",
-                          R"({"dolby": 0, "slotn": 4})"));
+                               R"({"dolby": 0, "slotn": 4})"));
     EXPECT_EQ(panel.lines(), (Lines{">Slot 3           50", "                    "}));
 }
 
 TEST(Controller, ALongNameLeavesRoomForTheValue) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Reference attenuation", "pid": 102})"));
     EXPECT_EQ(panel.lines()[0], ">Reference        50");
 }
@@ -334,7 +334,7 @@ std::string long_menu(int count) {
 
 TEST(Controller, ALongMenuAtRestReadsWhatIsShownAndTheRestInTurns) {
     constexpr size_t COUNT = 300;
-    Panel panel(long_menu(COUNT), {20, 3});
+    Menu_panel panel(long_menu(COUNT), {20, 3});
     panel.press(Key::DOWN, COUNT - 1).lines();
     std::set<uint32_t> reads;
     panel.device().set_fault([&reads](const Memory_device::Operation& operation) {
@@ -359,7 +359,7 @@ TEST(Controller, ALongMenuAtRestReadsWhatIsShownAndTheRestInTurns) {
 }
 
 TEST(Controller, WhatComesIntoViewInALongMenuShowsItsValueOfNow) {
-    Panel panel(long_menu(300), {20, 3});
+    Menu_panel panel(long_menu(300), {20, 3});
     panel.lines();
     panel.device().set_integer(3, 0, 8);
     panel.press(Key::DOWN, 2);

@@ -21,7 +21,7 @@ constexpr const char* ENUM =
 constexpr const char* WARNING = R"({"type": "warning", "name": "Warning"})";
 
 TEST(ControllerTypes, ATextIsEditedAndWritten) {
-    Panel panel(menu_text(PARAMETERS, TEXT));
+    Menu_panel panel(menu_text(PARAMETERS, TEXT));
     EXPECT_EQ(panel.lines()[0], ">Label          Main");
     panel.press(Key::SELECT).press(Key::FINER).press(Key::UP, 34);
     EXPECT_EQ(panel.lines(), (Lines{"Label               ", "MainA               "}));
@@ -32,14 +32,14 @@ TEST(ControllerTypes, ATextIsEditedAndWritten) {
 }
 
 TEST(ControllerTypes, ATextKeepsItsValueOnBack) {
-    Panel panel(menu_text(PARAMETERS, TEXT));
+    Menu_panel panel(menu_text(PARAMETERS, TEXT));
     panel.press(Key::SELECT).press(Key::UP, 3).press(Key::BACK);
     EXPECT_EQ(panel.lines()[0], ">Label          Main");
     EXPECT_TRUE(panel.device().writes().empty());
 }
 
 TEST(ControllerTypes, ALongTextScrollsInTheList) {
-    Panel panel(menu_text(PARAMETERS, TEXT));
+    Menu_panel panel(menu_text(PARAMETERS, TEXT));
     panel.device().set_text(20, 0, "Studio A, left");
     panel.controller().tick();
     EXPECT_EQ(panel.lines()[0], ">Label Studio A, lef");
@@ -49,7 +49,7 @@ TEST(ControllerTypes, ALongTextScrollsInTheList) {
 }
 
 TEST(ControllerTypes, AnAddressIsEditedAndWritten) {
-    Panel panel(menu_text(PARAMETERS, ADDRESS));
+    Menu_panel panel(menu_text(PARAMETERS, ADDRESS));
     EXPECT_EQ(panel.lines()[0], ">Address   127.0.0.1");
     panel.press(Key::SELECT).press(Key::COARSER).press(Key::UP, 5);
     EXPECT_EQ(panel.lines()[1], "127.0.5.1           ");
@@ -58,14 +58,14 @@ TEST(ControllerTypes, AnAddressIsEditedAndWritten) {
 }
 
 TEST(ControllerTypes, AnOpenAddressTellsWhetherItAnswers) {
-    Panel panel(menu_text(PARAMETERS, ADDRESS));
+    Menu_panel panel(menu_text(PARAMETERS, ADDRESS));
     panel.press(Key::SELECT);
     const std::string title = panel.lines()[0];
     EXPECT_TRUE(title == "[C]Address          " || title == "[ ]Address          ") << title;
 }
 
 TEST(ControllerTypes, AnAddressBeyondTheDevicesNetworkIsNotAsked) {
-    Panel panel(menu_text(PARAMETERS, ADDRESS));
+    Menu_panel panel(menu_text(PARAMETERS, ADDRESS));
     panel.device().set_text(21, 0, "192.0.2.1");
     panel.controller().tick();
     panel.press(Key::SELECT);
@@ -73,7 +73,7 @@ TEST(ControllerTypes, AnAddressBeyondTheDevicesNetworkIsNotAsked) {
 }
 
 TEST(ControllerTypes, ATimeIsEditedAndWritten) {
-    Panel panel(menu_text(PARAMETERS, TIME));
+    Menu_panel panel(menu_text(PARAMETERS, TIME));
     EXPECT_EQ(panel.lines()[0], ">Clock         12:30");
     panel.press(Key::SELECT).press(Key::COARSER).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.device().text(22, 0), "13:30");
@@ -82,7 +82,7 @@ TEST(ControllerTypes, ATimeIsEditedAndWritten) {
 }
 
 TEST(ControllerTypes, ATimeOfAnotherFormIsShownUntilSelect) {
-    Panel panel(menu_text(PARAMETERS, TIME));
+    Menu_panel panel(menu_text(PARAMETERS, TIME));
     panel.device().set_text(22, 0, "3 days");
     panel.controller().tick();
     panel.press(Key::SELECT);
@@ -97,7 +97,7 @@ TEST(ControllerTypes, ATimeOfAnotherFormIsShownUntilSelect) {
 }
 
 TEST(ControllerTypes, AnOptionIsChosenAndWritten) {
-    Panel panel(menu_text(PARAMETERS, ENUM));
+    Menu_panel panel(menu_text(PARAMETERS, ENUM));
     EXPECT_EQ(panel.lines()[0], ">Source         Line");
     panel.press(Key::SELECT).press(Key::UP);
     EXPECT_EQ(panel.lines(), (Lines{"Source           3/3", "Card                "}));
@@ -109,9 +109,10 @@ TEST(ControllerTypes, AnOptionIsChosenAndWritten) {
 }
 
 TEST(ControllerTypes, AChosenOptionWhoseChoiceIsHiddenGivesWayToTheFirst) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "enum", "name": "Source", "pid": 5, "choices":
+    Menu_panel panel(menu_text(PARAMETERS,
+                               R"({"type": "enum", "name": "Source", "pid": 5, "choices":
         ["Off", {"text": "Modem", "options": ["modem"]}, {"text": "GPS", "options": ["gps"]}]})",
-                          R"({"gps": 1, "modem": 0})"));
+                               R"({"gps": 1, "modem": 0})"));
     EXPECT_EQ(panel.lines()[0], ">Source          Off");
     EXPECT_EQ(panel.device().integer(5, 0), 0);
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
@@ -120,7 +121,7 @@ TEST(ControllerTypes, AChosenOptionWhoseChoiceIsHiddenGivesWayToTheFirst) {
 
 TEST(ControllerTypes, AWriteThatFailsSaysSoForEveryType) {
     for (const char* const item : {TEXT, TIME, ENUM}) {
-        Panel panel(menu_text(PARAMETERS, item));
+        Menu_panel panel(menu_text(PARAMETERS, item));
         panel.device().set_fault([](const Memory_device::Operation& operation) {
             return operation.kind == Memory_device::Operation_kind::WRITE ? 100 : 0;
         });
@@ -132,7 +133,7 @@ TEST(ControllerTypes, AWriteThatFailsSaysSoForEveryType) {
 
 TEST(ControllerTypes, AReadThatFailsSaysSoForEveryType) {
     for (const char* const item : {TEXT, ADDRESS, TIME, ENUM, WARNING}) {
-        Panel panel(menu_text(PARAMETERS, item));
+        Menu_panel panel(menu_text(PARAMETERS, item));
         panel.device().set_fault([](const Memory_device::Operation& operation) {
             return operation.kind == Memory_device::Operation_kind::READ ? 100 : 0;
         });
@@ -163,7 +164,7 @@ TEST(ControllerTypes, AReadOnlyEntryOfAnyTypeShowsItsValueAndRefusesToChangeIt) 
           Case{R"({"type": "slot", "name": "T", "pid": 7, "access": "read-only"})",
                "2                   "}}) {
         SCOPED_TRACE(row.item);
-        Panel panel(menu_text(PARAMETERS, row.item));
+        Menu_panel panel(menu_text(PARAMETERS, row.item));
         panel.press(Key::SELECT);
         EXPECT_EQ(panel.lines(), (Lines{"T                   ", row.value}));
         EXPECT_FALSE(panel.leds().edit);
@@ -182,7 +183,7 @@ TEST(ControllerTypes, AReadOnlyEntryOfAnyTypeShowsItsValueAndRefusesToChangeIt) 
 }
 
 TEST(ControllerTypes, AWarningIsShownUntilAnyKey) {
-    Panel panel(menu_text(PARAMETERS, WARNING));
+    Menu_panel panel(menu_text(PARAMETERS, WARNING));
     panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Warning             ", "Fan 2 stopped: call "}));
     EXPECT_FALSE(panel.leds().edit);
@@ -194,7 +195,7 @@ TEST(ControllerTypes, AWarningIsShownUntilAnyKey) {
 }
 
 TEST(ControllerTypes, AShortcutOpensEveryTypesPlaceInItsMenu) {
-    Panel panel(menu_text(PARAMETERS, R"({"type": "node", "name": "N", "items": [
+    Menu_panel panel(menu_text(PARAMETERS, R"({"type": "node", "name": "N", "items": [
         {"type": "text", "name": "Label", "pid": 20},
         {"type": "enum", "name": "Source", "pid": 5, "shortcut": 4, "choices": ["a", "b", "c"]}]})"));
     panel.shortcut(4);
@@ -215,7 +216,7 @@ protected:
     }
     ~SlotList() override { VarIdDataInfStore::m_pDataAccessInf = nullptr; }
 
-    Panel panel;
+    Menu_panel panel;
 };
 
 TEST_F(SlotList, ShowsTheChosenSlotsProductAndAlias) {

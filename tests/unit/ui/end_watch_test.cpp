@@ -39,9 +39,9 @@ public:
 
 [[noreturn]] void loop_until_a_signal() {
     const End_watch watch{hours(1)};
-    Panel panel{menu_text(R"({"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5})",
-                          R"({"type": "range", "name": "Gain", "pid": 1})"),
-                {16, 2}};
+    Menu_panel panel{menu_text(R"({"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5})",
+                               R"({"type": "range", "name": "Gain", "pid": 1})"),
+                     {16, 2}};
     const auto clock = [] { return std::chrono::steady_clock::now(); };
     Session session{panel.controller(), panel.device(), std::nullopt, clock()};
     Blind_front front;

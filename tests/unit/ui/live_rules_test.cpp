@@ -23,7 +23,7 @@ constexpr const char* MODE =
     R"({"type": "range", "name": "Mode", "parameter": "mode", "format": "0:off,1:on,2:test,%d"})";
 
 // What differs from the script's expectations, line by line.
-std::string differences(Panel& panel, const std::string& script) {
+std::string differences(Menu_panel& panel, const std::string& script) {
     std::ostringstream out;
     std::ostringstream differences;
     Text_display display(out);
@@ -34,7 +34,7 @@ std::string differences(Panel& panel, const std::string& script) {
 }
 
 std::string differences(const std::string& items, const std::string& script) {
-    Panel panel(menu_text(PARAMETERS, items, R"({"gps": 1})"), SIZE);
+    Menu_panel panel(menu_text(PARAMETERS, items, R"({"gps": 1})"), SIZE);
     return differences(panel, script);
 }
 
@@ -134,11 +134,11 @@ TEST(LiveRules, AWriteNeedsNoEntryOnTheDisplay) {
 }
 
 TEST(LiveRules, WritesThatHoldAtTheStartAreMadeBeforeAnythingIsShown) {
-    Panel panel(menu_text(PARAMETERS, R"(
+    Menu_panel panel(menu_text(PARAMETERS, R"(
         {"type": "range", "name": "Gain", "parameter": "gain"},
         {"type": "node", "name": "Inner", "items": [
             {"type": "range", "name": "Mode", "parameter": "mode", "binding": "set [gain] = 7 if value == 1"}]})"),
-                SIZE);
+                     SIZE);
     EXPECT_EQ(panel.lines()[1], ">Gain              7");
 }
 
@@ -307,8 +307,9 @@ TEST(LiveRules, ATickAsksForWhatRulesReadAndWhatIsShown) {
                  R"(, "binding": "visible if [100] == 1"},)";
     }
     items.pop_back();
-    Panel panel(menu_text(parameters, R"({"type": "node", "name": "All", "items": [)" + items +
-                                          R"(]}, {"type": "range", "name": "One", "pid": 1})"));
+    Menu_panel panel(
+        menu_text(parameters, R"({"type": "node", "name": "All", "items": [)" + items +
+                                  R"(]}, {"type": "range", "name": "One", "pid": 1})"));
     std::multiset<uint32_t> reads;
     panel.device().set_fault([&reads](const Memory_device::Operation& operation) {
         reads.insert(operation.pid);
@@ -336,7 +337,8 @@ TEST(LiveRules, ATickAsksForTheMostOfALargeMenuInTurns) {
         items.pop_back();
         menus += R"({"type": "node", "name": "N", "items": [)" + items + "]},";
     }
-    Panel panel(menu_text(parameters, menus + R"({"type": "range", "name": "One", "pid": 1})"));
+    Menu_panel panel(
+        menu_text(parameters, menus + R"({"type": "range", "name": "One", "pid": 1})"));
     std::set<uint32_t> reads;
     panel.device().set_fault([&reads](const Memory_device::Operation& operation) {
         reads.insert(operation.pid);
@@ -352,7 +354,7 @@ TEST(LiveRules, ATickAsksForTheMostOfALargeMenuInTurns) {
 }
 
 TEST(LiveRules, SlotListsSelectSocketsBehindTheRules) {
-    Panel panel(R"({"device": {"parameters": [
+    Menu_panel panel(R"({"device": {"parameters": [
         {"pid": 7, "type": "integer", "min": 0, "max": 9, "value": 1}], "products": [
         {"slot": 2, "id": 12, "name": "ENC", "family": "Encoder", "alias": "Van"}]},
         "menu": {"name": "Main", "items": [{"type": "slot", "name": "Slot", "pid": 7}]}})");
@@ -412,7 +414,7 @@ size_t count(const std::string& text, const std::string& part) {
 
 TEST(LiveRules, ACircleIsToldOnceOnTheDisplayAndInTheLog) {
     auto log = std::make_unique<support::Stream_scope>(stdout);
-    Panel panel(menu_text(ENDLESS, NO_REST), {40, 2});
+    Menu_panel panel(menu_text(ENDLESS, NO_REST), {40, 2});
     const Lines told = panel.lines();
     panel.press(Key::SELECT);
     for (int i = 0; i < 3; ++i) {

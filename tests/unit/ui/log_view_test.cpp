@@ -28,8 +28,8 @@ protected:
     ~LogView() override { debug = 0; }
 
     // Runs with the output kept; what is compared is compared afterwards, since it is printed too.
-    void with_log(const std::function<void(Panel&)>& act, Lcd_size size = {}) {
-        Panel panel(menu_text(PARAMETERS, ITEMS), size);
+    void with_log(const std::function<void(Menu_panel&)>& act, Lcd_size size = {}) {
+        Menu_panel panel(menu_text(PARAMETERS, ITEMS), size);
         Output_log log(m_folder.file("log"));
         panel.controller().set_log(log.lines());
         act(panel);
@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_F(LogView, ShowsTheNewestLinesAndScrolls) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         print_some();
         for (const Key::Kind key : {Key::DIAGNOSTICS, Key::UP, Key::UP, Key::UP, Key::DOWN}) {
             m_frames.push_back(panel.press(key).lines());
@@ -60,7 +60,7 @@ TEST_F(LogView, ShowsTheNewestLinesAndScrolls) {
 }
 
 TEST_F(LogView, FollowsWhatIsPrintedUnlessItIsScrolledBack) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         print_some();
         m_frames.push_back(panel.press(Key::DIAGNOSTICS).lines());
         print(0x3, "one more");
@@ -81,7 +81,7 @@ TEST_F(LogView, FollowsWhatIsPrintedUnlessItIsScrolledBack) {
 
 TEST_F(LogView, ALargerDisplayNamesItAndItsPlace) {
     with_log(
-        [this](Panel& panel) {
+        [this](Menu_panel& panel) {
             print_some();
             m_frames.push_back(panel.press(Key::DIAGNOSTICS).lines());
             m_frames.push_back(panel.press(Key::UP).lines());
@@ -95,7 +95,7 @@ TEST_F(LogView, ALargerDisplayNamesItAndItsPlace) {
 
 // There is nothing to see beyond the end of the longest line.
 TEST_F(LogView, LongLinesAreMovedThroughToTheirEnd) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         print(0x3, "0123456789abcdefghijklmnop");
         panel.press(Key::DIAGNOSTICS);
         for (const Key::Kind key : {Key::FINER, Key::FINER, Key::FINER, Key::COARSER}) {
@@ -109,7 +109,7 @@ TEST_F(LogView, LongLinesAreMovedThroughToTheirEnd) {
 }
 
 TEST_F(LogView, ArrowsMoveAlongTheLinesAndThroughTheList) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         print(0x3, "0123456789abcdefghijklmnop");
         panel.press(Key::DIAGNOSTICS);
         for (const Key::Kind key : {Key::RIGHT, Key::LEFT, Key::SELECT, Key::RIGHT, Key::LEFT}) {
@@ -126,12 +126,13 @@ TEST_F(LogView, ArrowsMoveAlongTheLinesAndThroughTheList) {
 }
 
 TEST_F(LogView, SaysThatNothingWasPrinted) {
-    with_log([this](Panel& panel) { m_frames.push_back(panel.press(Key::DIAGNOSTICS).lines()); });
+    with_log(
+        [this](Menu_panel& panel) { m_frames.push_back(panel.press(Key::DIAGNOSTICS).lines()); });
     EXPECT_EQ(m_frames[0], (Lines{"(no output)         ", "                    "}));
 }
 
 TEST_F(LogView, LimitsWhatIsShownToOneKind) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         print_some();
         panel.press(Key::DIAGNOSTICS).press(Key::SELECT);
         m_frames.push_back(panel.lines());
@@ -154,7 +155,7 @@ TEST_F(LogView, LimitsWhatIsShownToOneKind) {
 }
 
 TEST_F(LogView, LimitsWhatIsShownToTheEntryUnderTheCursor) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         print_some();
         for (const Key::Kind down : {Key::UP, Key::DOWN}) {
             panel.press(down).press(Key::DIAGNOSTICS).press(Key::SELECT).press(Key::DOWN);
@@ -174,7 +175,7 @@ TEST_F(LogView, SwitchesWhatIsPrinted) {
     uint32_t general_off = 1;
     uint32_t reading_on = 0;
     uint32_t last_on = 0;
-    with_log([&](Panel& panel) {
+    with_log([&](Menu_panel& panel) {
         debug = 0x1;
         panel.press(Key::DIAGNOSTICS).press(Key::SELECT).press(Key::DOWN, 2);
         m_frames.push_back(panel.lines());
@@ -197,7 +198,7 @@ TEST_F(LogView, SwitchesWhatIsPrinted) {
 }
 
 TEST_F(LogView, WhatTheLibraryReadsIsThereWithItsKind) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         debug = 0x2;
         panel.tick();
         panel.press(Key::DIAGNOSTICS).press(Key::SELECT).press(Key::SELECT, 2).press(Key::BACK);
@@ -207,7 +208,7 @@ TEST_F(LogView, WhatTheLibraryReadsIsThereWithItsKind) {
 }
 
 TEST_F(LogView, StandsStillAndLeavesTheListAsItWas) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         panel.press(Key::DOWN).press(Key::DIAGNOSTICS);
         panel.device().set_integer(103, 0, 8);
         debug = 0xffffbfff;
@@ -223,7 +224,7 @@ TEST_F(LogView, StandsStillAndLeavesTheListAsItWas) {
 
 TEST_F(LogView, AnOpenEditorWaitsBehindIt) {
     bool edits = false;
-    with_log([&](Panel& panel) {
+    with_log([&](Menu_panel& panel) {
         panel.press(Key::SELECT).press(Key::UP).press(Key::DIAGNOSTICS);
         edits = panel.leds().edit;
         panel.press(Key::SELECT).press(Key::DOWN).press(Key::SELECT);
@@ -236,7 +237,7 @@ TEST_F(LogView, AnOpenEditorWaitsBehindIt) {
 }
 
 TEST_F(LogView, NobodyAtThePanelClosesIt) {
-    with_log([this](Panel& panel) {
+    with_log([this](Menu_panel& panel) {
         panel.press(Key::DIAGNOSTICS);
         panel.controller().receive(FrontPanel::UserInputTimeout);
         m_frames.push_back(panel.lines());
@@ -245,7 +246,7 @@ TEST_F(LogView, NobodyAtThePanelClosesIt) {
 }
 
 TEST_F(LogView, SaysThatNothingIsKept) {
-    Panel panel(menu_text(PARAMETERS, ITEMS));
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS));
     panel.press(Key::DIAGNOSTICS);
     EXPECT_EQ(panel.lines(), (Lines{"Diagnostics         ", "not kept            "}));
     panel.press(Key::BACK);

@@ -55,7 +55,7 @@ protected:
     }
 
     Time now{std::chrono::hours(1)};
-    Panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
+    Menu_panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
     Session session{panel.controller(), panel.device(), std::nullopt, now};
     Fake_front front;
     Main_loop loop{session, front, [this] { return now; }};
@@ -181,7 +181,7 @@ TEST_F(Main_loop_test, AQuitDuringASlowCommitCounts) {
 TEST(Main_loop_run, WaitsForItsFrontAndEndsWithTheQuit) {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    Panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
+    Menu_panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
     const auto clock = [] { return std::chrono::steady_clock::now(); };
     Session session{panel.controller(), panel.device(), std::nullopt, clock()};
     Fake_front front;

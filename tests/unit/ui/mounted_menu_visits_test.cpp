@@ -29,14 +29,14 @@ protected:
         std::ofstream(m_folder.file("presets/" + name)) << text;
     }
     size_t built() { return m_panel->menu().mounted_menus().at(0)->entry_count(); }
-    Panel& panel() { return *m_panel; }
+    Menu_panel& panel() { return *m_panel; }
     void capture() { testing::internal::CaptureStdout(); }
     static std::string captured() { return testing::internal::GetCapturedStdout(); }
 
     const Lines TOP{">Presets         ...", " Gain              3"};
     const Lines PRESETS{">Film              -", " Hide              -"};
     support::Folder m_folder;
-    std::optional<Panel> m_panel;
+    std::optional<Menu_panel> m_panel;
 };
 
 TEST_F(Mounted_menu_visits, BuildOnEntryAndDestroyOnBack) {

@@ -41,7 +41,7 @@ std::string menu_with_link(const std::string& target, const std::string& members
 }
 
 TEST(Links, ShowTheirPrefixedNamesAndTheValuesOfTheirTargets) {
-    Panel panel(menu_with_link("second"), SIZE);
+    Menu_panel panel(menu_with_link("second"), SIZE);
     panel.press(Key::DOWN, 2);
     EXPECT_EQ(panel.lines(), (Lines{" Mute                off", ">Audio.Gain 2       4 dB"}));
     panel.device().set_integer(100, 2, 9);
@@ -50,7 +50,7 @@ TEST(Links, ShowTheirPrefixedNamesAndTheValuesOfTheirTargets) {
 }
 
 TEST(Links, EditTheirTargetsUnderTheirOwnNames) {
-    Panel panel(menu_with_link("second"), SIZE);
+    Menu_panel panel(menu_with_link("second"), SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT).press(Key::UP);
     EXPECT_EQ(panel.lines(), (Lines{"Audio.Gain 2            ", "5 dB                    "}));
     EXPECT_TRUE(panel.leds().edit);
@@ -60,11 +60,11 @@ TEST(Links, EditTheirTargetsUnderTheirOwnNames) {
 }
 
 TEST(Links, TellTheLinkOfAnAddressThatAnswersByItsName) {
-    Panel panel(menu_of(
-                    R"({"type": "node", "name": "Net", "items": [
+    Menu_panel panel(menu_of(
+                         R"({"type": "node", "name": "Net", "items": [
                {"type": "address", "name": "Host", "parameter": "host", "id": "host"}]},)" +
-                    linked("host")),
-                SIZE);
+                         linked("host")),
+                     SIZE);
     panel.press(Key::DOWN).press(Key::SELECT);
     const std::string title = panel.lines()[0];
     EXPECT_TRUE(title == "[C]Host                 " || title == "[ ]Host                 ")
@@ -72,7 +72,7 @@ TEST(Links, TellTheLinkOfAnAddressThatAnswersByItsName) {
 }
 
 TEST(Links, OpenMenusThatAreLeftToTheLink) {
-    Panel panel(menu_with_link("audio"), SIZE);
+    Menu_panel panel(menu_with_link("audio"), SIZE);
     panel.press(Key::DOWN, 2);
     EXPECT_EQ(panel.lines()[1], ">Audio               ...");
     panel.press(Key::SELECT);
@@ -82,7 +82,7 @@ TEST(Links, OpenMenusThatAreLeftToTheLink) {
 }
 
 TEST(Links, ThatSkipLeaveAMenuToItsOwnPlace) {
-    Panel panel(menu_with_link("audio", R"("behaviour": "skip")"), SIZE);
+    Menu_panel panel(menu_with_link("audio", R"("behaviour": "skip")"), SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), AUDIO_LINES);
     panel.press(Key::BACK);
@@ -91,7 +91,7 @@ TEST(Links, ThatSkipLeaveAMenuToItsOwnPlace) {
 
 TEST(Links, ThatSkipLeaveAnEditorToTheTargetsMenu) {
     for (const Key::Kind key : {Key::SELECT, Key::BACK}) {
-        Panel panel(menu_with_link("second", R"("behaviour": "skip")"), SIZE);
+        Menu_panel panel(menu_with_link("second", R"("behaviour": "skip")"), SIZE);
         panel.press(Key::DOWN, 2).press(Key::SELECT).press(key);
         EXPECT_EQ(panel.lines(), (Lines{" Gain 1             3 dB", ">Gain 2             4 dB"}));
         panel.press(Key::BACK);
@@ -102,7 +102,7 @@ TEST(Links, ThatSkipLeaveAnEditorToTheTargetsMenu) {
 TEST(Links, LeadWhereTheirEscapeNodesTell) {
     const std::string escapes =
         R"("behaviour": "skip", "escape": {"select": "audio", "escape": "mute", "redraw": "first"})";
-    Panel panel(menu_with_link("second", escapes), SIZE);
+    Menu_panel panel(menu_with_link("second", escapes), SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT, 2);
     EXPECT_EQ(panel.lines(), AUDIO_LINES);
     panel.press(Key::BACK).press(Key::DOWN, 2).press(Key::SELECT).press(Key::BACK);
@@ -110,15 +110,15 @@ TEST(Links, LeadWhereTheirEscapeNodesTell) {
 }
 
 TEST(Links, OfMenusLeadToTheirEscapeNodeWhenTheyAreLeft) {
-    Panel panel(menu_with_link("audio", R"("escape": {"escape": "mute"})"), SIZE);
+    Menu_panel panel(menu_with_link("audio", R"("escape": {"escape": "mute"})"), SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT).press(Key::BACK);
     EXPECT_EQ(panel.lines(), (Lines{" Audio               ...", ">Mute                off"}));
 }
 
 TEST(Links, WhoseEscapeNodeIsHiddenBehaveAsWithoutIt) {
-    Panel panel(menu_of(std::string(AUDIO) + "," + MUTE + "," +
-                        linked("mute", R"("escape": {"select": "audio"})")),
-                SIZE);
+    Menu_panel panel(menu_of(std::string(AUDIO) + "," + MUTE + "," +
+                             linked("mute", R"("escape": {"select": "audio"})")),
+                     SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT);
     panel.device().set_integer(102, 0, 1);
     panel.tick().press(Key::SELECT);
@@ -129,7 +129,7 @@ TEST(Links, ThatAreHiddenWhileTheyAreEditedLeadToTheirRedrawNode) {
     const std::string text = menu_of(std::string(AUDIO) + "," + MUTE + "," +
                                      R"({"type": "node", "name": "Mine", "items": [)" +
                                      linked("second", R"("escape": {"redraw": "mute"})") + "]}");
-    Panel panel(text, SIZE);
+    Menu_panel panel(text, SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT, 2).press(Key::UP);
     panel.root().Get_child()->Get_child()->Get_next()->Set_invisible();
     panel.tick();
@@ -140,7 +140,7 @@ TEST(Links, ThatAreHiddenWhileTheyAreEditedLeadToTheirRedrawNode) {
 }
 
 TEST(Links, ToAMenuThatIsHiddenAreLeft) {
-    Panel panel(menu_with_link("audio"), SIZE);
+    Menu_panel panel(menu_with_link("audio"), SIZE);
     panel.press(Key::DOWN, 2).press(Key::SELECT);
     panel.device().set_integer(102, 0, 1);
     panel.tick();
@@ -148,9 +148,9 @@ TEST(Links, ToAMenuThatIsHiddenAreLeft) {
 }
 
 TEST(Links, ABridgeEditsWhatItOwns) {
-    Panel panel(menu_of(std::string(MUTE) + R"(, {"type": "bridge", "id": "bridge",
+    Menu_panel panel(menu_of(std::string(MUTE) + R"(, {"type": "bridge", "id": "bridge",
         "item": {"type": "range", "parameter": "gain 2", "format": "%d dB"}})"),
-                SIZE);
+                     SIZE);
     panel.press(Key::DOWN);
     EXPECT_EQ(panel.lines()[1], ">Bridge Entry       4 dB");
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
@@ -158,15 +158,15 @@ TEST(Links, ABridgeEditsWhatItOwns) {
 }
 
 TEST(Links, AShortcutJumpsToALinksPlace) {
-    Panel panel(menu_with_link("second", R"("shortcut": 7)"), SIZE);
+    Menu_panel panel(menu_with_link("second", R"("shortcut": 7)"), SIZE);
     panel.shortcut(7);
     EXPECT_EQ(panel.lines(), (Lines{" Mute                off", ">Audio.Gain 2       4 dB"}));
 }
 
 TEST(Links, RoundInACircleEndSomewhere) {
-    Panel panel(menu_of(R"({"type": "node", "name": "One", "id": "one", "items": [)" +
-                        linked("one") + "," + MUTE + "]}"),
-                SIZE);
+    Menu_panel panel(menu_of(R"({"type": "node", "name": "One", "id": "one", "items": [)" +
+                             linked("one") + "," + MUTE + "]}"),
+                     SIZE);
     panel.press(Key::SELECT, 1000);
     EXPECT_EQ(panel.lines(), (Lines{"One                     ", "too many menus open     "}));
     panel.press(Key::SELECT).press(Key::BACK, 1000);
@@ -188,7 +188,7 @@ constexpr const char* FAVOURITES = R"("favourites": [{"target": "second"}, {"tar
 const std::string ITEMS = std::string(AUDIO) + "," + MUTE;
 
 TEST_F(Homescreen, ShowsValuesWithoutACursorWhileTheirTogglesAreOn) {
-    Panel panel(menu_of(ITEMS, HOME), SIZE);
+    Menu_panel panel(menu_of(ITEMS, HOME), SIZE);
     EXPECT_EQ(panel.lines(), (Lines{" Audio.Gain 1       3 dB", "                        "}));
     panel.device().set_integer(101, 0, 1);
     panel.tick();
@@ -200,8 +200,8 @@ TEST_F(Homescreen, ShowsValuesWithoutACursorWhileTheirTogglesAreOn) {
 }
 
 TEST_F(Homescreen, ShowsTheMenusNameWhileNoToggleIsOn) {
-    Panel panel(menu_of(ITEMS, R"("homescreen": [{"target": "first", "toggle": "[mute] == 1"}])"),
-                SIZE);
+    Menu_panel panel(
+        menu_of(ITEMS, R"("homescreen": [{"target": "first", "toggle": "[mute] == 1"}])"), SIZE);
     EXPECT_EQ(panel.lines(), (Lines{" Main                   ", "                        "}));
     panel.press(Key::DOWN);
     EXPECT_EQ(panel.lines(), (Lines{" Main                   ", "                        "}));
@@ -210,15 +210,15 @@ TEST_F(Homescreen, ShowsTheMenusNameWhileNoToggleIsOn) {
 }
 
 TEST_F(Homescreen, UsesEveryLineForValues) {
-    Panel panel(menu_of(ITEMS, R"("homescreen": [{"target": "first"}, {"target": "second"},
+    Menu_panel panel(menu_of(ITEMS, R"("homescreen": [{"target": "first"}, {"target": "second"},
                                                  {"target": "mute"}])"),
-                {24, 3});
+                     {24, 3});
     EXPECT_EQ(panel.lines(), (Lines{" Audio.Gain 1       3 dB", " Audio.Gain 2       4 dB",
                                     " Mute                off"}));
 }
 
 TEST_F(Homescreen, SelectOpensTheMenuAndBackReturns) {
-    Panel panel(menu_of(ITEMS, HOME), SIZE);
+    Menu_panel panel(menu_of(ITEMS, HOME), SIZE);
     panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Audio               ...", " Mute                off"}));
     panel.press(Key::BACK);
@@ -226,7 +226,7 @@ TEST_F(Homescreen, SelectOpensTheMenuAndBackReturns) {
 }
 
 TEST_F(Homescreen, TheEncoderBringsOutACursorThatBackPutsAway) {
-    Panel panel(menu_of(ITEMS, HOME), SIZE);
+    Menu_panel panel(menu_of(ITEMS, HOME), SIZE);
     panel.press(Key::DOWN);
     EXPECT_EQ(panel.lines()[0], ">Audio.Gain 1       3 dB");
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
@@ -237,7 +237,7 @@ TEST_F(Homescreen, TheEncoderBringsOutACursorThatBackPutsAway) {
 }
 
 TEST_F(Homescreen, AnEditorEndsWhenTheToggleGoesOff) {
-    Panel panel(menu_of(ITEMS, HOME), SIZE);
+    Menu_panel panel(menu_of(ITEMS, HOME), SIZE);
     panel.press(Key::DOWN).press(Key::SELECT);
     panel.device().set_integer(101, 0, 1);
     panel.tick();
@@ -247,15 +247,15 @@ TEST_F(Homescreen, AnEditorEndsWhenTheToggleGoesOff) {
 }
 
 TEST_F(Homescreen, AToggleThatACommitChangesShowsAtOnce) {
-    Panel panel(menu_of(ITEMS, R"("homescreen": [{"target": "mute"},
+    Menu_panel panel(menu_of(ITEMS, R"("homescreen": [{"target": "mute"},
                                    {"target": "first", "toggle": "[mute] == 1"}])"),
-                SIZE);
+                     SIZE);
     panel.press(Key::DOWN).press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Mute                 on", " Audio.Gain 1       3 dB"}));
 }
 
 TEST_F(Homescreen, AnUntouchedPanelGoesThere) {
-    Panel panel(menu_of(ITEMS, HOME), SIZE);
+    Menu_panel panel(menu_of(ITEMS, HOME), SIZE);
     panel.press(Key::SELECT, 3).press(Key::UP);
     panel.controller().receive(FrontPanel::UserInputTimeout);
     EXPECT_EQ(panel.lines(), (Lines{" Audio.Gain 1       3 dB", "                        "}));
@@ -263,7 +263,7 @@ TEST_F(Homescreen, AnUntouchedPanelGoesThere) {
 }
 
 TEST_F(Homescreen, AShortcutJumpsIntoTheMenuBelowIt) {
-    Panel panel(menu_of(ITEMS, HOME), SIZE);
+    Menu_panel panel(menu_of(ITEMS, HOME), SIZE);
     panel.shortcut(1);
     EXPECT_EQ(panel.lines(), AUDIO_LINES);
     panel.press(Key::BACK);
@@ -274,12 +274,12 @@ TEST_F(Homescreen, AShortcutJumpsIntoTheMenuBelowIt) {
 
 TEST(Favourites, AreBehindBackAtTheTop) {
     const Lines FIRST{">Audio.Gain 2       4 dB", " Mute                off"};
-    Panel with_home(menu_of(ITEMS, std::string(HOME) + "," + FAVOURITES), SIZE);
+    Menu_panel with_home(menu_of(ITEMS, std::string(HOME) + "," + FAVOURITES), SIZE);
     with_home.press(Key::BACK);
     EXPECT_EQ(with_home.lines(), FIRST);
     with_home.press(Key::BACK);
     EXPECT_EQ(with_home.lines()[0], " Audio.Gain 1       3 dB");
-    Panel without_home(menu_of(ITEMS, FAVOURITES), SIZE);
+    Menu_panel without_home(menu_of(ITEMS, FAVOURITES), SIZE);
     without_home.press(Key::BACK);
     EXPECT_EQ(without_home.lines(), FIRST);
     without_home.press(Key::BACK);
@@ -287,7 +287,8 @@ TEST(Favourites, AreBehindBackAtTheTop) {
 }
 
 TEST(Favourites, OpenAndEditAsLinksDo) {
-    Panel panel(menu_of(ITEMS, R"("favourites": [{"target": "audio"}, {"target": "mute"}])"), SIZE);
+    Menu_panel panel(menu_of(ITEMS, R"("favourites": [{"target": "audio"}, {"target": "mute"}])"),
+                     SIZE);
     panel.press(Key::BACK).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), AUDIO_LINES);
     panel.press(Key::BACK);

@@ -21,7 +21,7 @@ struct Outcome {
 };
 
 Outcome play(const std::string& script) {
-    Panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
     std::ostringstream out;
     std::ostringstream differences;
     Text_display display(out);
@@ -146,7 +146,7 @@ TEST(ScriptPlayer, AParameterThatTheDeviceLacksIsAnErrorBeforeAnythingIsPlayed) 
     for (const char* step :
          {"set 7.1 3", "fail read 7.1 on", "fail write 7.1 off", "expect-write 7.1 3"}) {
         std::ostringstream out;
-        Panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
+        Menu_panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
         Text_display display(out);
         Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
                              out);

@@ -36,7 +36,7 @@ protected:
     int32_t gain() { return panel.device().integer(1, 0).value_or(-1); }
 
     Time now{seconds(1000)};
-    Panel panel;
+    Menu_panel panel;
     Session session;
 };
 
@@ -166,7 +166,7 @@ TEST_F(Session_test, WhatFailedIsStillThereForWhoeverComesBack) {
 
 TEST(Session, APanelWithAPinStartsLocked) {
     const Time now{seconds(1000)};
-    Panel panel(menu_text(PARAMETERS, ITEMS), {19, 2});
+    Menu_panel panel(menu_text(PARAMETERS, ITEMS), {19, 2});
     Session session(panel.controller(), panel.device(), "1234", now);
     EXPECT_TRUE(session.is_locked());
     EXPECT_TRUE(session.draw(now).dim);
