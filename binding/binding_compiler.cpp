@@ -10,6 +10,7 @@
 
 #include "binding_scanner.h"
 #include "list_format.h"
+#include "parameters/source_text.h"
 #include "program.h"
 
 namespace frontpanel::binding_language {
@@ -261,8 +262,6 @@ private:
 
     int parameter();
     var_index_s address(std::string_view inside) const;
-    uint32_t address_part(std::string_view& rest, uint32_t most) const;
-    void type_suffix(std::string_view suffix, var_index_s& key) const;
     [[noreturn]] void fail_unknown(std::string_view name) const;
     int parameter_row(const var_index_s& key, std::string_view name);
     int text_reference(const Scanner::Text_part& part);
@@ -511,7 +510,7 @@ void Compiler::Parser::warn_of_constant(const char* begin) {
     const std::string_view source(begin, static_cast<std::size_t>(m_last_end - begin));
     const auto column = m_rule_column + static_cast<std::size_t>(begin - m_rule_begin);
     m_warnings.push_back({static_cast<std::size_t>(m_rule_line), column,
-                          quoted(source) +
+                          quoted_source(source) +
                               " reads nothing, so it never changes; a parameter stands "
                               "in brackets, as in [100]"});
 }
@@ -573,8 +572,8 @@ std::optional<int32_t> Compiler::Parser::integer_segment(int32_t least) {
     const std::optional<int64_t> number = constant_of_segment();
     if (number && (*number < least || *number > GREATEST)) {
         const std::string_view source(begin, static_cast<std::size_t>(m_last_end - begin));
-        fail(begin, quoted(source) + " is not a number from " + std::to_string(least) + " to " +
-                        std::to_string(GREATEST));
+        fail(begin, quoted_source(source) + " is not a number from " + std::to_string(least) +
+                        " to " + std::to_string(GREATEST));
     }
     return number ? std::optional<int32_t>(static_cast<int32_t>(*number)) : std::nullopt;
 }
@@ -944,14 +943,14 @@ int Compiler::Parser::parameter() {
             return static_cast<int>(at / PARAMETER_SIZE);
         }
     }
-    if (Parameter_table::reads_as_address(inside)) {
+    if (is_like_address(inside)) {
         return parameter_row(address(inside), inside);
     }
-    const var_index_s* const key = m_context.parameters.find(inside);
-    if (key == nullptr) {
+    const Parameter* const declared = m_context.parameters.find(inside);
+    if (declared == nullptr) {
         fail_unknown(inside);
     }
-    return parameter_row(*key, inside);
+    return parameter_row(declared->key(), inside);
 }
 
 void Compiler::Parser::fail_unknown(std::string_view name) const {
@@ -965,51 +964,23 @@ void Compiler::Parser::fail_unknown(std::string_view name) const {
 }
 
 var_index_s Compiler::Parser::address(std::string_view inside) const {
-    const std::size_t at_sign = std::min(inside.find('@'), inside.size());
-    std::string_view rest = inside.substr(0, at_sign);
-    var_index_s key{};
-    key.var = address_part(rest, Data_entry::PID_NONE - 1);
-    while (!rest.empty()) {
-        rest.remove_prefix(1);
-        if (key.index.m_index_num == MOST_LEVELS) {
-            fail(rest.data(), "a parameter has at most two index levels");
-        }
-        key.index.m_index[key.index.m_index_num++] =
-            static_cast<uint16_t>(address_part(rest, std::numeric_limits<uint16_t>::max()));
+    Address_error error;
+    const std::optional<Parameter_address> address = parse_address(inside, &error);
+    if (!address) {
+        fail(inside.data() + error.offset, error.message);
     }
+    var_index_s key{INTEGER, address->pid, address->index};
     const RETURN_TYPE declared = m_context.parameters.type_of(key);
-    key.rt = declared != INVALID_TYPE ? declared : INTEGER;
-    if (at_sign != inside.size()) {
-        type_suffix(inside.substr(at_sign), key);
-        if (declared != INVALID_TYPE && declared != key.rt) {
-            fail(place(), "parameter " + m_token.description() + " is declared as " +
-                              name_of(value_type(declared)));
-        }
+    if (address->type != INVALID_TYPE) {
+        key.rt = address->type;
+    } else if (declared != INVALID_TYPE) {
+        key.rt = declared;
+    }
+    if (declared != INVALID_TYPE && declared != key.rt) {
+        fail(place(), "parameter " + m_token.description() + " is declared as " +
+                          name_of(value_type(declared)));
     }
     return key;
-}
-
-// Takes the digits up to the next dot.
-uint32_t Compiler::Parser::address_part(std::string_view& rest, uint32_t most) const {
-    uint64_t number = 0;
-    std::size_t length = 0;
-    for (; length < rest.size() && rest[length] != '.'; ++length) {
-        number = std::min<uint64_t>(number * 10 + static_cast<uint64_t>(rest[length] - '0'),
-                                    std::numeric_limits<uint32_t>::max());
-    }
-    if (length == 0 || number > most) {
-        fail(rest.data(),
-             quoted(rest.substr(0, length)) + " is not a number from 0 to " + std::to_string(most));
-    }
-    rest.remove_prefix(length);
-    return static_cast<uint32_t>(number);
-}
-
-void Compiler::Parser::type_suffix(std::string_view suffix, var_index_s& key) const {
-    if (suffix != "@i" && suffix != "@s") {
-        fail(suffix.data(), "expected \"@i\" or \"@s\", found " + quoted(suffix));
-    }
-    key.rt = suffix == "@s" ? STRING : INTEGER;
 }
 
 int Compiler::Parser::parameter_row(const var_index_s& key, std::string_view name) {

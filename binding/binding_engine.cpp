@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include <frontpanel_binding/parameter_address.h>
 #include <frontpanel_data/range_entry.h>
 
 #include "reading.h"
@@ -504,10 +505,8 @@ Engine::Step Engine::take_request(Reading& reading, const Rule& rule) {
     }
     const auto target = reading.program().parameter(rule.target);
     GetSetS request{};
-    unsigned int varidx = 0;
-    Data_model::Index_convert(&target.key.index, varidx);
     request.varid = target.key.var;
-    request.varidx = varidx;
+    request.varidx = varidx_of(target.key.index);
     request.rt = target.key.rt;
     if (value.type == Value_type::TEXT) {
         if (value.text.size() > sizeof request.buffer) {
@@ -725,10 +724,8 @@ std::string Engine::request_text(const GetSetS& request) const {
     for (const Bound_list& list : m_lists) {
         for (std::size_t number = 0; number < list.program.parameter_count(); ++number) {
             const auto parameter = list.program.parameter(number);
-            unsigned int varidx = 0;
-            Data_model::Index_convert(&parameter.key.index, varidx);
             if (parameter.is_written && parameter.key.var == request.varid &&
-                varidx == request.varidx) {
+                varidx_of(parameter.key.index) == request.varidx) {
                 return bracketed(parameter.name) + " = " + written_text(request);
             }
         }

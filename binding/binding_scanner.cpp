@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <utility>
+
+#include "parameters/source_text.h"
 
 namespace frontpanel::binding_language {
 
 namespace {
-
-constexpr std::size_t SHOWN_LENGTH = 40;  // of a token in an error, which stays on one line
 
 constexpr uint64_t LARGEST_MAGNITUDE = uint64_t{1} << 63;  // of the least number
 
@@ -33,17 +32,6 @@ bool is_of(char byte, Byte_class wanted) {
     return (CLASSES[static_cast<unsigned char>(byte)] & wanted) != 0;
 }
 
-// A byte of a source text in an error: itself, or "\xNN" when it is not printable ASCII.
-std::string shown(char byte) {
-    if (byte >= ' ' && byte <= '~') {
-        return std::string(1, byte);
-    }
-    char escape[5];
-    std::snprintf(escape, sizeof escape, "\\x%02x",
-                  static_cast<unsigned int>(static_cast<unsigned char>(byte)));
-    return escape;
-}
-
 // Digits of a base up to 16, all of them and at least one. False when `digits` holds anything else; a number
 // beyond LARGEST_MAGNITUDE becomes one more.
 bool parse(std::string_view digits, unsigned int base, uint64_t& magnitude) {
@@ -63,14 +51,6 @@ bool parse(std::string_view digits, unsigned int base, uint64_t& magnitude) {
 
 }  // namespace
 
-std::string quoted(std::string_view source) {
-    std::string text = "\"";
-    for (const char byte : source.substr(0, SHOWN_LENGTH)) {
-        text += shown(byte);
-    }
-    return text + (source.size() > SHOWN_LENGTH ? "...\"" : "\"");
-}
-
 std::string Token::description() const {
     switch (kind) {
         case END:
@@ -80,7 +60,7 @@ std::string Token::description() const {
         case QUOTE:
             return "a text";
         default:
-            return quoted(source);
+            return quoted_source(source);
     }
 }
 
@@ -208,7 +188,7 @@ Token Scanner::symbol() {
             }
             throw error(m_at, "unexpected \".\"; an address stands in brackets, as in [100.0]");
         default:
-            throw error(m_at, "unexpected character \"" + shown(*m_at) + "\"");
+            throw error(m_at, "unexpected character \"" + shown_byte(*m_at) + "\"");
     }
 }
 

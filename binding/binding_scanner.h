@@ -11,9 +11,6 @@
 
 namespace frontpanel::binding_language {
 
-// A part of a source text in an error: in quotes, cut after 40 bytes, and "\xNN" for what is not printable ASCII.
-std::string quoted(std::string_view source);
-
 struct Token {
     enum Kind : uint8_t {
         END,

@@ -4,19 +4,13 @@
 #include <cstring>
 #include <iterator>
 
-#include <frontpanel_data/data_model.h>
+#include <frontpanel_binding/parameter_address.h>
 
 #include "binding_engine.h"
 #include "cascade.h"
 
 namespace frontpanel::binding_engine {
 namespace {
-
-uint32_t varidx_of(const Index_t& index) {
-    unsigned int varidx = 0;
-    Data_model::Index_convert(&index, varidx);
-    return varidx;
-}
 
 template <typename Item>
 bool contains(const std::vector<Item>& items, const Item& item) {

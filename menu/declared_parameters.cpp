@@ -26,12 +26,6 @@ bool take_number(std::string_view& text, Number& number) {
 
 }  // namespace
 
-uint32_t varidx_of(const Index_t& index) {
-    unsigned int varidx = 0;
-    Data_model::Index_convert(&index, varidx);
-    return varidx;
-}
-
 bool Declared_parameters::add(const Parameter& parameter) {
     return m_parameters.emplace(Key(parameter.pid, varidx_of(parameter.index)), parameter).second;
 }

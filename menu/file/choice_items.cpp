@@ -126,7 +126,7 @@ void Loader::build_slot(const Json_value& item, Data_entry* parent, unsigned int
     if (const auto rules = item.find("binding")) {
         rules->report("a slot list follows no rules: its node can");
     }
-    const Parameter parameter = leaf.parameter.value_or(Parameter{0, {}, INTEGER, 0, 0, 0});
+    const Parameter parameter = leaf.parameter.value_or(Parameter{INTEGER, 0, {}, 0, 0});
     if (parameter.min != 0 || parameter.max >= MOST_SLOTS) {
         parameter_place(item).fail("expected a parameter from 0 to at most " +
                                    std::to_string(MOST_SLOTS - 1) + " for a slot list");

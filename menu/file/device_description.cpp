@@ -127,10 +127,9 @@ void Device_description::load_parameter(const Json_value& parameter) {
 // Before the rest is known to be right, so that whatever else is wrong with rules that name it is told.
 void Device_description::declare_for_rules(const Parameter& declared,
                                            const std::optional<Json_value>& name) {
-    const var_index_s key{declared.type, declared.pid, declared.index};
-    m_menu.bindings()->parameters().declare(key);
+    m_menu.bindings()->parameters().declare(declared);
     if (name && name->is_text()) {
-        m_menu.bindings()->parameters().declare(name->text(), key);
+        m_menu.bindings()->parameters().declare(name->text(), declared);
     }
 }
 

@@ -49,7 +49,7 @@ std::string value_format_of(const Json_value& item, int min, int max) {
 void Loader::build_range(const Json_value& item, Data_entry* parent, unsigned int level) {
     const Leaf leaf = leaf_of(item, INTEGER);
     const Parameter parameter = leaf.parameter.value_or(
-        Parameter{0, {}, INTEGER, static_cast<int>(LOWEST), static_cast<int>(HIGHEST_IN_RANGE), 0});
+        Parameter{INTEGER, 0, {}, static_cast<int>(LOWEST), static_cast<int>(HIGHEST_IN_RANGE)});
     const auto bound = [&](const char* name, int64_t min, int64_t max, int otherwise) {
         return m_problems.value_or([&] { return integer_or(item, name, min, max, otherwise); },
                                    otherwise);

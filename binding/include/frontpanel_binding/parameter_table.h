@@ -1,44 +1,64 @@
-// The parameters that the binding rules of a menu may name, and their types.
+// The parameters of the device that a menu declares: names, types, bounds and text lengths.
 //
-// A menu's loader declares them before it compiles rules; `[gain]` then stands for the address that was
-// declared under that name. Menu thread only.
+// One table serves a menu's loader and its rules: declare the parameters, then compile rules that name them.
+// Menu thread only.
 #ifndef FRONTPANEL_BINDING_PARAMETER_TABLE_H
 #define FRONTPANEL_BINDING_PARAMETER_TABLE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
 #include <frontpanel_data/data_interface.h>
 
+#include <frontpanel_binding/parameter_address.h>
+
 namespace frontpanel {
+
+struct Parameter {
+    RETURN_TYPE type = INTEGER;  // or STRING
+    std::uint32_t pid = 0;
+    Index_t index{};                                              // two levels at most
+    std::int32_t min = std::numeric_limits<std::int32_t>::min();  // of a number
+    std::int32_t max = std::numeric_limits<std::int32_t>::max();  // of a number
+    std::size_t length = MAX_STRING_LENGTH;                       // of a text: bytes at most
+
+    var_index_s key() const { return {type, pid, index}; }
+};
 
 class Parameter_table {
 public:
-    // Declares the type of the device variable of `key`, which is INTEGER or STRING; its levels in use are 0 to
-    // 2. `key` with fewer levels, the others being 0, is the same variable. A second declaration replaces the
-    // first.
-    void declare(const var_index_s& key);
-    // Declares the variable and its name. False, and nothing is declared, when the name is taken by another key,
-    // or cannot stand in brackets: it is empty, holds "[", "]" or a control character, or reads as an address.
-    bool declare(std::string_view name, const var_index_s& key);
+    // Declares a parameter. It replaces an earlier declaration of the same device variable, whose names stay:
+    // an index with fewer levels, the others being 0, is the same variable.
+    void declare(const Parameter& parameter);
+    // Declares a parameter and a name for it; a parameter may have several. Returns false, and declares
+    // nothing, when another key has the name, or when it cannot stand in brackets: it is empty, holds "[", "]"
+    // or a control character, or is like an address.
+    bool declare(std::string_view name, const Parameter& parameter);
 
-    // Null when the name is not declared. Valid until the name is declared again.
-    const var_index_s* find(std::string_view name) const;
+    // Each returns null for a parameter that is not declared. The pointers are valid as long as the table; a
+    // new declaration changes what they point to.
+    const Parameter* find(std::uint32_t pid, const Index_t& index) const;
+    const Parameter* find(std::string_view name) const;
+    // Finds what stands in the brackets of a rule or a toggle: a name or an address. An address with "@i" or
+    // "@s" names no declaration.
+    const Parameter* find_reference(std::string_view text) const;
+
     // INVALID_TYPE when the variable is not declared.
     RETURN_TYPE type_of(const var_index_s& key) const;
     // The declared name that differs from `name` in the fewest letters, two at most; empty when there is none.
     std::string_view closest(std::string_view name) const;
 
-    // Whether a text in brackets is taken for an address: digits and dots, and whatever follows an "@".
-    static bool reads_as_address(std::string_view text);
-
 private:
-    std::deque<std::string> m_names;  // what the keys of the map refer to
-    std::unordered_map<std::string_view, var_index_s> m_keys;
-    std::unordered_map<uint64_t, RETURN_TYPE> m_types;
+    std::deque<Parameter> m_parameters;
+    std::unordered_map<std::uint64_t, Parameter*> m_variables;
+    std::deque<std::string>
+        m_names;  // what the keys of the map refer to, in the order of declaration
+    std::unordered_map<std::string_view, const Parameter*> m_named;
 };
 
 }  // namespace frontpanel

@@ -2,31 +2,16 @@
 #ifndef FRONTPANEL_MENU_DECLARED_PARAMETERS_H
 #define FRONTPANEL_MENU_DECLARED_PARAMETERS_H
 
-#include <frontpanel_data/data_interface.h>
+#include <frontpanel_binding/parameter_table.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
 
 namespace frontpanel {
-
-constexpr uint16_t LAST_INDEX = 255;  // of a level: a larger one would overlap the next level
-
-struct Parameter {
-    uint32_t pid;
-    Index_t index;
-    RETURN_TYPE type;
-    int min;        // of a number
-    int max;        // of a number
-    size_t length;  // of a text: the most characters
-};
-
-// The variable index of an index.
-uint32_t varidx_of(const Index_t& index);
 
 class Declared_parameters {
 public:

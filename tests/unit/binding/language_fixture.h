@@ -87,7 +87,7 @@ public:
     }
 
     void declare(const char* name, RETURN_TYPE type, uint32_t pid) {
-        if (!parameters.declare(name, key_of(type, pid, index_of({})))) {
+        if (!parameters.declare(name, {type, pid, index_of({})})) {
             throw std::logic_error(name);
         }
     }
