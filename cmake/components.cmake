@@ -4,6 +4,9 @@
 file(RELATIVE_PATH FRONTPANEL_BIN_TO_LIB /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set(CMAKE_INSTALL_RPATH $ORIGIN/${FRONTPANEL_BIN_TO_LIB})
 
+set(FRONTPANEL_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/frontpanel_data)
+include(pkgconfig)
+
 # Compiler settings shared by all of our targets. Symbols are hidden unless the export macro marks
 # them. Products are never fused with sums, so that an expression yields the same bits on the
 # device as on the workstation where its menu was written.
@@ -17,18 +20,68 @@ function(frontpanel_configure_target target)
         VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
-# frontpanel_add_static_component(<target> SOURCES <file>...
-#                                 [LIBRARIES <library>...] [PRIVATE_LIBRARIES <library>...])
+# frontpanel_add_component(<name> DESCRIPTION <text> SOURCES <file>...
+#                          [LIBRARIES <library>...] [PRIVATE_LIBRARIES <library>...]
+#                          [COMPONENTS <name>...] [PACKAGES <pkg-config package>...])
 #
-# A static library whose public headers stand in include/ beside its sources. LIBRARIES are those
-# that its headers show; the others are private.
-function(frontpanel_add_static_component name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;PRIVATE_LIBRARIES")
-    add_library(${name} STATIC ${arg_SOURCES})
-    add_library(frontpanel_data::${name} ALIAS ${name})
-    frontpanel_configure_target(${name})
-    target_include_directories(${name}
-        PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/include
+# A static library frontpanel_<name> whose public headers stand in include/ beside its sources. It
+# is installed as a component of the package: frontpanel_data::<name> for find_package,
+# frontpanel_<name> for pkg-config. COMPONENTS are the components of ours that it stands on,
+# LIBRARIES what else its headers show, PRIVATE_LIBRARIES what only its sources use. PACKAGES are
+# the pkg-config packages that an executable needs beside it.
+function(frontpanel_add_component name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION"
+        "SOURCES;COMPONENTS;LIBRARIES;PRIVATE_LIBRARIES;PACKAGES")
+    set(target frontpanel_${name})
+    list(TRANSFORM arg_COMPONENTS PREPEND frontpanel_ OUTPUT_VARIABLE components)
+
+    # For the package's configuration: what has to be found first.
+    set(below ${arg_COMPONENTS})
+    list(REMOVE_ITEM below data)
+    set_property(GLOBAL APPEND PROPERTY FRONTPANEL_COMPONENTS ${name})
+    set_property(GLOBAL PROPERTY FRONTPANEL_BELOW_${name} ${below})
+    set_property(GLOBAL APPEND_STRING PROPERTY FRONTPANEL_COMPONENT_TABLE
+        "set(_frontpanel_data_${name}_needs ${below})\n")
+
+    add_library(${target} STATIC ${arg_SOURCES})
+    add_library(frontpanel_data::${name} ALIAS ${target})
+    frontpanel_configure_target(${target})
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${name}
+        POSITION_INDEPENDENT_CODE ON)
+    target_include_directories(${target}
+        PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+               $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
         PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
-    target_link_libraries(${name} PUBLIC ${arg_LIBRARIES} PRIVATE ${arg_PRIVATE_LIBRARIES})
+    target_link_libraries(${target}
+        PUBLIC ${components} ${arg_LIBRARIES}
+        PRIVATE ${arg_PRIVATE_LIBRARIES})
+
+    install(TARGETS ${target}
+        EXPORT ${target}Targets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT ${name})
+    install(DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/include/frontpanel_${name}
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        COMPONENT ${name}
+        FILES_MATCHING PATTERN "*.h")
+    install(EXPORT ${target}Targets
+        NAMESPACE frontpanel_data::
+        DESTINATION ${FRONTPANEL_PACKAGE_DIR}
+        COMPONENT ${name})
+    frontpanel_install_pkgconfig(${target} COMPONENT ${name}
+        DESCRIPTION ${arg_DESCRIPTION}
+        REQUIRES ${components} ${arg_PACKAGES})
+endfunction()
+
+# frontpanel_components_below(<variable> [<component>...]): the components and all that they stand on.
+function(frontpanel_components_below out)
+    set(all "")
+    foreach(component IN LISTS ARGN)
+        get_property(below GLOBAL PROPERTY FRONTPANEL_BELOW_${component})
+        frontpanel_components_below(more ${below})
+        list(APPEND all ${more} ${component})
+    endforeach()
+    list(REMOVE_DUPLICATES all)
+    set(${out} ${all} PARENT_SCOPE)
 endfunction()

@@ -1,7 +1,6 @@
-# Installs the library, its headers and its descriptions for find_package and pkg-config.
+# Installs the library, its headers and its descriptions for find_package and pkg-config. The other
+# components install themselves: see frontpanel_add_component.
 include(CMakePackageConfigHelpers)
-
-set(FRONTPANEL_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/frontpanel_data)
 
 install(TARGETS frontpanel_data
     EXPORT frontpanel_dataTargets
@@ -21,6 +20,7 @@ install(EXPORT frontpanel_dataTargets
     NAMESPACE frontpanel_data::
     DESTINATION ${FRONTPANEL_PACKAGE_DIR}
     COMPONENT Development)
+get_property(FRONTPANEL_COMPONENT_TABLE GLOBAL PROPERTY FRONTPANEL_COMPONENT_TABLE)
 configure_package_config_file(
     ${CMAKE_CURRENT_LIST_DIR}/frontpanel_dataConfig.cmake.in
     ${PROJECT_BINARY_DIR}/frontpanel_dataConfig.cmake
@@ -35,13 +35,6 @@ install(FILES
     DESTINATION ${FRONTPANEL_PACKAGE_DIR}
     COMPONENT Development)
 
-# The prefix is worked out from the file's own place, so an installed tree can be moved.
-file(RELATIVE_PATH FRONTPANEL_PKGCONFIG_PREFIX
-    /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(
-    ${CMAKE_CURRENT_LIST_DIR}/frontpanel_data.pc.in
-    ${PROJECT_BINARY_DIR}/frontpanel_data.pc
-    @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/frontpanel_data.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-    COMPONENT Development)
+frontpanel_install_pkgconfig(frontpanel_data COMPONENT Development
+    DESCRIPTION ${PROJECT_DESCRIPTION}
+    REQUIRES RapidJSON)
