@@ -1,42 +1,25 @@
 #include <frontpanel_displays/key_map.h>
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_base/numbers.h>
+#include <frontpanel_display/key_table.h>
 
 namespace frontpanel {
 namespace {
 
-constexpr int LAST_BUTTON = 99;
 constexpr size_t LONGEST_NAME = 40;
 constexpr size_t MOST_KEYS = 32;  // a server takes no more with one command
 
-struct Key_word {
-    const char* word;
-    Key::Kind kind;
-};
-constexpr Key_word KEY_WORDS[] = {
-    {"up", Key::UP},         {"down", Key::DOWN},       {"select", Key::SELECT},
-    {"back", Key::BACK},     {"coarser", Key::COARSER}, {"finer", Key::FINER},
-    {"left", Key::LEFT},     {"right", Key::RIGHT},     {"erase", Key::ERASE},
-    {"insert", Key::INSERT}, {"delete", Key::DELETE},   {"diagnostics", Key::DIAGNOSTICS},
-};
-
-std::optional<Key> key_of(const std::string& word) {
-    for (const Key_word& known : KEY_WORDS) {
-        if (word == known.word) {
-            return Key{known.kind};
-        }
+// Of a word of the keys, or of the number of a shortcut button.
+std::optional<Key> key_of(const std::string& text) {
+    if (const std::optional<Key::Kind> kind = key_of_word(text)) {
+        return Key{*kind};
     }
-    int button = 0;
-    const char* const end = word.data() + word.size();
-    const auto [stopped, error] = std::from_chars(word.data(), end, button);
-    if (error != std::errc() || stopped != end || button < 1 || button > LAST_BUTTON) {
-        return std::nullopt;
-    }
-    return Key{Key::SHORTCUT, button};
+    const std::optional<int> button = parse_number(text, FIRST_SHORTCUT, LAST_SHORTCUT);
+    return button ? std::optional<Key>(Key{Key::SHORTCUT, *button}) : std::nullopt;
 }
 
 bool is_name(const std::string& name) {
@@ -51,10 +34,9 @@ void add_key(Key_map& keys, const std::string& assignment) {
     const std::optional<Key> key =
         middle == std::string::npos ? std::nullopt : key_of(assignment.substr(middle + 1));
     if (!key || !is_name(name)) {
-        throw Input_error(
-            "expected KEY=up, down, left, right, select, back, coarser, finer, insert, delete, erase, diagnostics or "
-            "1 to 99, found \"" +
-            assignment + "\"");
+        throw Input_error("expected KEY=" + key_words() + " or " + std::to_string(FIRST_SHORTCUT) +
+                          " to " + std::to_string(LAST_SHORTCUT) + ", found \"" + assignment +
+                          "\"");
     }
     if (!keys.insert({name, *key}).second) {
         throw Input_error("key \"" + name + "\" is there twice");
@@ -65,7 +47,13 @@ void add_key(Key_map& keys, const std::string& assignment) {
 
 // A pad of six keys can do all of an editor: left and right move its cursor there.
 Key_map usual_keys() {
-    return parse_key_map("Up=up,Down=down,Enter=select,Escape=back,Left=left,Right=right");
+    Key_map keys;
+    for (const Key_row& row : KEY_TABLE) {
+        if (row.is_usual) {
+            keys[row.keyboard] = {row.kind};
+        }
+    }
+    return keys;
 }
 
 Key_map parse_key_map(const std::string& text) {

@@ -11,6 +11,7 @@
 
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
+#include "terminal_keys.h"
 
 namespace frontpanel {
 namespace {
@@ -18,9 +19,6 @@ namespace {
 constexpr int BORDER = 1;
 constexpr int LED_ROWS = 1;
 constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the rest of an arrow key
-constexpr int ESCAPE = 27;
-constexpr int DELETE_CHARACTER = 127;  // what most terminals send for Backspace
-constexpr int LAST_FUNCTION_KEY = 12;
 
 constexpr const char* LEGEND[] = {
     "Up / Down      move, change a value",         "Enter / Esc    open, accept / back, discard",
@@ -77,54 +75,6 @@ Lcd_size terminal_size_for(Lcd_size lcd) {
     }
     return {std::max(lcd.columns + 2 * BORDER, static_cast<int>(legend)),
             lcd.rows + 2 * BORDER + LED_ROWS + static_cast<int>(std::size(LEGEND))};
-}
-
-std::optional<Front_event> event_of(int code) {
-    if (code >= '1' && code <= '9') {
-        return Front_event{Front_event::KEY, {Key::SHORTCUT, code - '0'}};
-    }
-    if (code > KEY_F0 && code <= KEY_F0 + LAST_FUNCTION_KEY) {
-        return Front_event{Front_event::KEY, {Key::SHORTCUT, code - KEY_F0}};
-    }
-    const auto key = [](Key::Kind kind) { return Front_event{Front_event::KEY, {kind}}; };
-    switch (code) {
-        case KEY_UP:
-            return key(Key::UP);
-        case KEY_DOWN:
-            return key(Key::DOWN);
-        case KEY_LEFT:
-            return key(Key::LEFT);
-        case KEY_RIGHT:
-            return key(Key::RIGHT);
-        case KEY_ENTER:
-        case '\r':
-        case '\n':
-            return key(Key::SELECT);
-        case ESCAPE:
-            return key(Key::BACK);
-        case '+':
-            return key(Key::COARSER);
-        case '-':
-            return key(Key::FINER);
-        case KEY_IC:
-            return key(Key::INSERT);
-        case KEY_DC:
-            return key(Key::DELETE);
-        case KEY_BACKSPACE:
-        case DELETE_CHARACTER:
-        case '\b':
-            return key(Key::ERASE);
-        case 'd':
-        case 'D':
-            return key(Key::DIAGNOSTICS);
-        case 'q':
-        case 'Q':
-            return Front_event{Front_event::QUIT};
-        case KEY_RESIZE:
-            return Front_event{Front_event::REDRAW};
-        default:
-            return std::nullopt;
-    }
 }
 
 Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nullptr) {

@@ -20,30 +20,23 @@ constexpr const char* LIMITS_MOVED_VALUE = "limits: new value";
 constexpr const char* OPTIONS_MOVED_CHOICE = "options: new choice";
 constexpr const char* OPTIONS_KEPT_CHOICE = "options: choice kept";
 
+// The keys that an open editor takes; any other means one of these in every place, or nothing.
+struct Editing_key {
+    Key::Kind panel;
+    Editor_key editor;
+};
+constexpr Editing_key EDITING_KEYS[] = {
+    {Key::UP, Editor_key::UP},           {Key::DOWN, Editor_key::DOWN},
+    {Key::SELECT, Editor_key::SELECT},   {Key::BACK, Editor_key::ESCAPE},
+    {Key::COARSER, Editor_key::COARSER}, {Key::FINER, Editor_key::FINER},
+    {Key::INSERT, Editor_key::INSERT},   {Key::DELETE, Editor_key::DELETE},
+};
+
 std::optional<Editor_key> editor_key_of(Key::Kind kind) {
-    switch (kind) {
-        case Key::UP:
-            return Editor_key::UP;
-        case Key::DOWN:
-            return Editor_key::DOWN;
-        case Key::SELECT:
-            return Editor_key::SELECT;
-        case Key::BACK:
-            return Editor_key::ESCAPE;
-        case Key::COARSER:
-            return Editor_key::COARSER;
-        case Key::FINER:
-            return Editor_key::FINER;
-        case Key::INSERT:
-            return Editor_key::INSERT;
-        case Key::DELETE:
-            return Editor_key::DELETE;
-        case Key::SHORTCUT:
-        case Key::DIAGNOSTICS:
-        case Key::LEFT:  // meant as other keys wherever they are pressed
-        case Key::RIGHT:
-        case Key::ERASE:
-            break;
+    for (const Editing_key& key : EDITING_KEYS) {
+        if (key.panel == kind) {
+            return key.editor;
+        }
     }
     return std::nullopt;
 }

@@ -1,10 +1,11 @@
 #include <frontpanel_ui/key_message.h>
 
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+
+#include <frontpanel_display/key_table.h>
 
 namespace frontpanel {
 namespace {
@@ -13,15 +14,7 @@ using FrontPanel::Message;
 using FrontPanel::PayloadMessage;
 
 constexpr int NO_BUTTON = FrontPanel::BYTE_MASK;  // the shortcut that nobody pushed
-constexpr int LAST_SHORTCUT = NO_BUTTON - 1;
-constexpr unsigned char COARSER_CODE = 14;
-constexpr unsigned char FINER_CODE = 15;
-constexpr unsigned char INSERT_CODE = 16;
-constexpr unsigned char DELETE_CODE = 17;
-constexpr unsigned char DIAGNOSTICS_CODE = 18;
-constexpr unsigned char LEFT_CODE = 19;
-constexpr unsigned char RIGHT_CODE = 20;
-constexpr unsigned char ERASE_CODE = 21;
+constexpr int LAST_BUTTON = NO_BUTTON - 1;
 
 Message_pointer shaft_message(int8_t steps) {
     auto message = std::make_unique<PayloadMessage>(static_cast<unsigned short>(sizeof steps));
@@ -38,7 +31,7 @@ Message_pointer button_message(unsigned char code) {
 }
 
 Message_pointer shortcut_message(int button) {
-    if (button < 0 || button > LAST_SHORTCUT) {
+    if (button < 0 || button > LAST_BUTTON) {
         return nullptr;
     }
     auto message = std::make_unique<FrontPanel::UserInputTimeoutShortcutMessage>();
@@ -61,35 +54,6 @@ std::optional<unsigned char> button_code(const Message& message) {
     return message.payload[code];
 }
 
-std::optional<Key::Kind> key_of_code(unsigned char code) {
-    if (code == button_code(FrontPanel::SelectPressMessage)) {
-        return Key::SELECT;
-    }
-    if (code == button_code(FrontPanel::EscapePressMessage)) {
-        return Key::BACK;
-    }
-    switch (code) {
-        case COARSER_CODE:
-            return Key::COARSER;
-        case FINER_CODE:
-            return Key::FINER;
-        case INSERT_CODE:
-            return Key::INSERT;
-        case DELETE_CODE:
-            return Key::DELETE;
-        case DIAGNOSTICS_CODE:
-            return Key::DIAGNOSTICS;
-        case LEFT_CODE:
-            return Key::LEFT;
-        case RIGHT_CODE:
-            return Key::RIGHT;
-        case ERASE_CODE:
-            return Key::ERASE;
-        default:
-            return std::nullopt;
-    }
-}
-
 std::vector<Key> steps_of(const Message& message) {
     int8_t steps = 0;
     std::memcpy(&steps, message.payload, sizeof steps);
@@ -100,35 +64,11 @@ std::vector<Key> steps_of(const Message& message) {
 }  // namespace
 
 Message_pointer message_of(const Key& key) {
-    switch (key.kind) {
-        case Key::UP:
-            return shaft_message(1);
-        case Key::DOWN:
-            return shaft_message(-1);
-        case Key::SELECT:
-            return std::make_unique<FrontPanel::SelectPressMessageClass>();
-        case Key::BACK:
-            return std::make_unique<FrontPanel::EscapePressMessageClass>();
-        case Key::COARSER:
-            return button_message(COARSER_CODE);
-        case Key::FINER:
-            return button_message(FINER_CODE);
-        case Key::INSERT:
-            return button_message(INSERT_CODE);
-        case Key::DELETE:
-            return button_message(DELETE_CODE);
-        case Key::DIAGNOSTICS:
-            return button_message(DIAGNOSTICS_CODE);
-        case Key::LEFT:
-            return button_message(LEFT_CODE);
-        case Key::RIGHT:
-            return button_message(RIGHT_CODE);
-        case Key::ERASE:
-            return button_message(ERASE_CODE);
-        case Key::SHORTCUT:
-            return shortcut_message(key.button);
+    const Key_row* const row = row_of(key.kind);
+    if (row == nullptr) {
+        return shortcut_message(key.button);
     }
-    return nullptr;
+    return row->detents != 0 ? shaft_message(row->detents) : button_message(row->code);
 }
 
 std::vector<Key> keys_of(const Message& message) {

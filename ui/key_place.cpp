@@ -1,19 +1,23 @@
 #include <frontpanel_ui/key_place.h>
 
+#include <frontpanel_display/key_table.h>
+
 namespace frontpanel {
 
 Key meant_key(const Key& key, Key_place place) {
-    const bool has_cursor = place != Key_place::LIST;
-    switch (key.kind) {
-        case Key::LEFT:
-            return {has_cursor ? Key::COARSER : Key::BACK};
-        case Key::RIGHT:
-            return {has_cursor ? Key::FINER : Key::SELECT};
-        case Key::ERASE:
-            return {place == Key_place::TEXT ? Key::DELETE : Key::BACK};
-        default:
-            return key;
+    const Key_row* const row = row_of(key.kind);
+    if (row == nullptr) {
+        return key;
     }
+    switch (place) {
+        case Key_place::LIST:
+            return {row->in_list};
+        case Key_place::CURSOR:
+            return {row->at_cursor};
+        case Key_place::TEXT:
+            return {row->in_text};
+    }
+    return key;
 }
 
 }  // namespace frontpanel

@@ -1,11 +1,12 @@
 #include <frontpanel_ui/script.h>
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <sstream>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_base/numbers.h>
+#include <frontpanel_display/key_table.h>
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_menu/entry_access.h>
 
@@ -13,7 +14,6 @@ namespace frontpanel {
 namespace {
 
 constexpr int MOST_REPEATS = 1000;
-constexpr int LAST_BUTTON = 99;
 constexpr int LAST_SLOT = 15;
 constexpr uint32_t LAST_LEVEL = 255;
 
@@ -41,8 +41,8 @@ public:
     }
     int number(int min, int max, const std::string& what) {
         const std::string word = this->word(what);
-        const std::optional<int> number = parsed<int>(word);
-        if (!number || *number < min || *number > max) {
+        const std::optional<int> number = parse_number(word, min, max);
+        if (!number) {
             fail("expected " + what + " from " + std::to_string(min) + " to " +
                  std::to_string(max) + ", found \"" + word + "\"");
         }
@@ -59,17 +59,6 @@ public:
     }
     Parameter_name parameter();
 
-    template <typename Number>
-    static std::optional<Number> parsed(const std::string& word) {
-        Number number{};
-        const char* const end = word.data() + word.size();
-        const auto [stopped, error] = std::from_chars(word.data(), end, number);
-        if (error != std::errc() || stopped != end) {
-            return std::nullopt;
-        }
-        return number;
-    }
-
 private:
     std::string m_place;
     std::istringstream m_words;
@@ -82,7 +71,7 @@ Parameter_name Line::parameter() {
     std::istringstream parts(word);
     std::string part;
     while (std::getline(parts, part, '.')) {
-        const std::optional<uint32_t> number = parsed<uint32_t>(part);
+        const std::optional<uint32_t> number = parse_number<uint32_t>(part);
         if (!number || (!numbers.empty() && *number > LAST_LEVEL)) {
             fail("expected a parameter such as 100 or 100.1.2, found \"" + word + "\"");
         }
@@ -95,72 +84,27 @@ Parameter_name Line::parameter() {
     return {numbers[0], numbers[1] | numbers[2] << 8};
 }
 
-void read_press(Line& line, Step& step, Key::Kind kind) {
-    step.kind = Step::PRESS;
-    step.key = {kind, 0};
+// What is pressed or let pass may be repeated.
+void read_count(Line& line, Step& step) {
     if (!line.at_end()) {
         step.count = line.number(1, MOST_REPEATS, "a number of times");
     }
 }
 
-void read_up(Line& line, Step& step) {
-    read_press(line, step, Key::UP);
-}
-
-void read_down(Line& line, Step& step) {
-    read_press(line, step, Key::DOWN);
-}
-
-void read_select(Line& line, Step& step) {
-    read_press(line, step, Key::SELECT);
-}
-
-void read_back(Line& line, Step& step) {
-    read_press(line, step, Key::BACK);
-}
-
-void read_left(Line& line, Step& step) {
-    read_press(line, step, Key::LEFT);
-}
-
-void read_right(Line& line, Step& step) {
-    read_press(line, step, Key::RIGHT);
-}
-
-void read_erase(Line& line, Step& step) {
-    read_press(line, step, Key::ERASE);
-}
-
-void read_coarser(Line& line, Step& step) {
-    read_press(line, step, Key::COARSER);
-}
-
-void read_finer(Line& line, Step& step) {
-    read_press(line, step, Key::FINER);
-}
-
-void read_insert(Line& line, Step& step) {
-    read_press(line, step, Key::INSERT);
-}
-
-void read_delete(Line& line, Step& step) {
-    read_press(line, step, Key::DELETE);
-}
-
-void read_diagnostics(Line& line, Step& step) {
-    read_press(line, step, Key::DIAGNOSTICS);
+void read_press(Line& line, Step& step, Key::Kind kind) {
+    step.kind = Step::PRESS;
+    step.key = {kind, 0};
+    read_count(line, step);
 }
 
 void read_shortcut(Line& line, Step& step) {
     step.kind = Step::PRESS;
-    step.key = {Key::SHORTCUT, line.number(1, LAST_BUTTON, "a button")};
+    step.key = {Key::SHORTCUT, line.number(FIRST_SHORTCUT, LAST_SHORTCUT, "a button")};
 }
 
 void read_tick(Line& line, Step& step) {
     step.kind = Step::TICK;
-    if (!line.at_end()) {
-        step.count = line.number(1, MOST_REPEATS, "a number of times");
-    }
+    read_count(line, step);
 }
 
 void read_say(Line& line, Step& step) {
@@ -233,19 +177,8 @@ struct Word {
     void (*read)(Line& line, Step& step);
 };
 
-constexpr Word WORDS[] = {{"up", read_up},
-                          {"down", read_down},
-                          {"select", read_select},
-                          {"back", read_back},
-                          {"left", read_left},
-                          {"right", read_right},
-                          {"erase", read_erase},
-                          {"coarser", read_coarser},
-                          {"finer", read_finer},
-                          {"insert", read_insert},
-                          {"delete", read_delete},
-                          {"diagnostics", read_diagnostics},
-                          {"shortcut", read_shortcut},
+// Beside the words of the keys.
+constexpr Word WORDS[] = {{"shortcut", read_shortcut},
                           {"tick", read_tick},
                           {"say", read_say},
                           {"expect", read_expect},
@@ -256,18 +189,26 @@ constexpr Word WORDS[] = {{"up", read_up},
                           {"fail", read_fail},
                           {"set", read_set}};
 
-Step parse_step(const std::string& file, int number, const std::string& text) {
-    Line line(file + ":" + std::to_string(number), text);
-    Step step;
-    step.line = number;
-    step.source = text;
-    const std::string name = line.word("a word");
+void read_step(const std::string& name, Line& line, Step& step) {
+    if (const std::optional<Key::Kind> key = key_of_word(name)) {
+        read_press(line, step, *key);
+        return;
+    }
     const auto word = std::find_if(std::begin(WORDS), std::end(WORDS),
                                    [&name](const Word& known) { return name == known.name; });
     if (word == std::end(WORDS)) {
         line.fail("unknown word \"" + name + "\"");
     }
     word->read(line, step);
+}
+
+Step parse_step(const std::string& file, int number, const std::string& text) {
+    Line line(file + ":" + std::to_string(number), text);
+    Step step;
+    step.line = number;
+    step.source = text;
+    const std::string name = line.word("a word");
+    read_step(name, line, step);
     if (!line.at_end()) {
         line.fail("nothing is expected behind \"" + name + "\" but \"" + line.rest() +
                   "\" is there");

@@ -1,9 +1,8 @@
 #include <frontpanel_ui/script_player.h>
 
-#include <charconv>
-
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
@@ -29,13 +28,6 @@ std::string description_of(const Memory_device::Write& write) {
 std::string lit(bool edit, bool alarm) {
     const std::string names = std::string(edit ? " edit" : "") + (alarm ? " alarm" : "");
     return names.empty() ? " none" : names;
-}
-
-std::optional<int32_t> number_of(const std::string& text) {
-    int32_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stopped, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stopped == end ? std::optional<int32_t>(number) : std::nullopt;
 }
 
 }  // namespace
@@ -163,7 +155,7 @@ void Script_player::set_fault(const Step& step) {
 
 void Script_player::set_value(const Script& script, const Step& step) {
     const auto [pid, varidx] = step.parameter;
-    const std::optional<int32_t> number = number_of(step.text);
+    const std::optional<int32_t> number = parse_number<int32_t>(step.text);
     const bool is_text = m_device.type(pid, varidx) == STRING;
     int result = Memory_device::WRONG_TYPE;
     if (is_text) {

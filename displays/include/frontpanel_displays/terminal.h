@@ -45,9 +45,6 @@ private:
     std::optional<Signal_cleanup> m_last_act;
 };
 
-// What a key of the terminal means; nothing for one without a meaning. `code` is as the curses library has it.
-std::optional<Front_event> event_of(int code);
-
 // Terminal rows and columns that a display of this size takes, with its legend.
 Lcd_size terminal_size_for(Lcd_size lcd);
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <deque>
 
 #include "support/panel_fixture.h"
@@ -176,6 +177,22 @@ TEST_F(Main_loop_test, AQuitDuringASlowCommitCounts) {
     front.events.push_back({Front_event::QUIT});
     turn_until_idle();
     EXPECT_TRUE(loop.is_over());
+}
+
+[[noreturn]] void loop_until_a_signal() {
+    const End_watch watch{std::chrono::hours(1)};
+    Menu_panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
+    const auto clock = [] { return std::chrono::steady_clock::now(); };
+    Session session{panel.controller(), panel.device(), std::nullopt, clock()};
+    Fake_front front;
+    Main_loop loop{session, front, clock};
+    kill(getpid(), SIGTERM);
+    _exit(loop.run(watch));
+}
+
+// In a process of its own: signals are the whole process's.
+TEST(Main_loopDeathTest, EndsWithTheStatusOfASignal) {
+    EXPECT_EXIT(loop_until_a_signal(), testing::ExitedWithCode(128 + SIGTERM), "");
 }
 
 TEST(Main_loop_run, WaitsForItsFrontAndEndsWithTheQuit) {

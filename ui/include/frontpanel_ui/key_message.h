@@ -1,16 +1,11 @@
 // Keys as messages of the front panel, the form in which they travel from where they are read to the controller.
 //
-// | what a hand does | type            | payload                                                     |
-// |------------------|-----------------|-------------------------------------------------------------|
-// | turns the shaft  | ShaftEncoderUIT | the steps in one byte, as a signed number; clockwise is up  |
-// | select, back     | PushButtonUIT   | of SelectPressMessage, EscapePressMessage: 2, 0, 1, 11 or 13 |
-// | coarser, finer   | PushButtonUIT   | 2, 0, 1, 14 or 15                                           |
-// | insert, delete   | PushButtonUIT   | 2, 0, 1, 16 or 17                                           |
-// | diagnostics      | PushButtonUIT   | 2, 0, 1, 18                                                 |
-// | left, right      | PushButtonUIT   | 2, 0, 1, 19 or 20                                           |
-// | erase            | PushButtonUIT   | 2, 0, 1, 21                                                 |
-// | a shortcut       | PushButtonUIT   | the button's number in one byte, 0 to 254                   |
-// | nothing          | UserInputTimeoutT, none; or PushButtonUIT, the byte 255                       |
+// | what a hand does | type            | payload                                                      |
+// |------------------|-----------------|--------------------------------------------------------------|
+// | turns the shaft  | ShaftEncoderUIT | the steps in one byte, as a signed number; clockwise is up   |
+// | pushes a button  | PushButtonUIT   | of SelectPressMessage, with the code of `Key_row` at the end |
+// | a shortcut       | PushButtonUIT   | the button's number in one byte, 0 to 254                    |
+// | nothing          | UserInputTimeoutT, none; or PushButtonUIT, the byte 255                        |
 #ifndef FRONTPANEL_UI_KEY_MESSAGE_H
 #define FRONTPANEL_UI_KEY_MESSAGE_H
 

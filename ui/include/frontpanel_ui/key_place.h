@@ -1,10 +1,4 @@
-// What keys do that depend on where they are pressed: the arrows to the sides, and the one that erases.
-//
-// | key     | in a list, a question, the PIN | where a cursor moves sideways | in a text that is edited |
-// |---------|--------------------------------|-------------------------------|--------------------------|
-// | LEFT    | BACK                           | COARSER                       | COARSER                  |
-// | RIGHT   | SELECT                         | FINER                         | FINER                    |
-// | ERASE   | BACK                           | BACK                          | DELETE                   |
+// Where a key is pressed, which decides what some of them mean: see `Key_row`.
 #ifndef FRONTPANEL_UI_KEY_PLACE_H
 #define FRONTPANEL_UI_KEY_PLACE_H
 

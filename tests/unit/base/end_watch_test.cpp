@@ -8,8 +8,6 @@
 #include <cstdlib>
 
 #include <frontpanel_base/signal_cleanup.h>
-#include <frontpanel_ui/main_loop.h>
-#include "support/panel_fixture.h"
 
 namespace frontpanel {
 namespace {
@@ -26,28 +24,6 @@ void say_good_bye() {
     if (write(STDERR_FILENO, "bye", 3) != 3) {
         _exit(1);
     }
-}
-
-// Neither shows anything nor has keys.
-class Blind_front : public Front {
-public:
-    void show(const Frame&) override {}
-    std::optional<Front_event> next(Time) override { return std::nullopt; }
-    pollfd source() const override { return {-1, 0, 0}; }
-    Time due() const override { return Time::max(); }
-};
-
-[[noreturn]] void loop_until_a_signal() {
-    const End_watch watch{hours(1)};
-    Menu_panel panel{menu_text(R"({"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5})",
-                               R"({"type": "range", "name": "Gain", "pid": 1})"),
-                     {16, 2}};
-    const auto clock = [] { return std::chrono::steady_clock::now(); };
-    Session session{panel.controller(), panel.device(), std::nullopt, clock()};
-    Blind_front front;
-    Main_loop loop{session, front, clock};
-    kill(getpid(), SIGTERM);
-    _exit(loop.run(watch));
 }
 
 // The command ends when the process does, whose end of the pipe it reads from.
@@ -129,10 +105,6 @@ TEST(End_watchDeathTest, AnIgnoredSignalStaysIgnored) {
             _exit(watch.signal_number() == SIGTERM ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
-}
-
-TEST(End_watchDeathTest, TheLoopEndsWithTheSignalsStatus) {
-    EXPECT_EXIT(loop_until_a_signal(), testing::ExitedWithCode(128 + SIGTERM), "");
 }
 
 }  // namespace
