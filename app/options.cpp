@@ -2,37 +2,23 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_base/numbers.h>
 #include "output_log.h"
 #include "shipped.h"
 
 namespace frontpanel {
 namespace {
 
-std::optional<int> dimension(const std::string& text, int min, int max) {
-    int number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stopped, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || stopped != end || number < min || number > max) {
-        return std::nullopt;
-    }
-    return number;
-}
-
-std::string size_text(Lcd_size size) {
-    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
-}
-
 // "20x2". Returns an empty text, or what is wrong, as CLI11 wants it.
 std::string parse_size(const std::string& text, Lcd_size& size) {
     const size_t middle = std::min(text.find('x'), text.size());
     const auto columns =
-        dimension(text.substr(0, middle), SMALLEST_LCD.columns, LARGEST_LCD.columns);
-    const auto rows = dimension(text.substr(std::min(middle + 1, text.size())), SMALLEST_LCD.rows,
-                                LARGEST_LCD.rows);
+        parse_number(text.substr(0, middle), SMALLEST_LCD.columns, LARGEST_LCD.columns);
+    const auto rows = parse_number(text.substr(std::min(middle + 1, text.size())),
+                                   SMALLEST_LCD.rows, LARGEST_LCD.rows);
     if (!columns || !rows) {
         return "expected COLUMNSxROWS from " + size_text(SMALLEST_LCD) + " to " +
                size_text(LARGEST_LCD) + ", found \"" + text + "\"";
@@ -88,7 +74,7 @@ CLI::Option* add_parsed(CLI::App& app, const std::string& name, Value& value, Pa
 
 int parse_time_out(const std::string& text) {
     constexpr int LONGEST = 86400;
-    const std::optional<int> seconds = dimension(text, 0, LONGEST);
+    const std::optional<int> seconds = parse_number(text, 0, LONGEST);
     if (!seconds) {
         throw Input_error("expected seconds from 0 to " + std::to_string(LONGEST) + ", found \"" +
                           text + "\"");

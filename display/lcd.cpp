@@ -6,6 +6,10 @@
 
 namespace frontpanel {
 
+std::string size_text(Lcd_size size) {
+    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
+}
+
 Lcd::Lcd(Lcd_size size)
     : m_size(size),
       m_lines(static_cast<size_t>(size.rows), std::string(static_cast<size_t>(size.columns), ' ')) {

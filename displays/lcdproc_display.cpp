@@ -8,10 +8,6 @@
 namespace frontpanel {
 namespace {
 
-std::string size_text(Lcd_size size) {
-    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
-}
-
 Lcd_size panel_size_for(Lcd_size server) {
     return {std::clamp(server.columns, SMALLEST_LCD.columns, LARGEST_LCD.columns),
             std::clamp(server.rows, SMALLEST_LCD.rows, LARGEST_LCD.rows)};

@@ -1,8 +1,9 @@
 #include <frontpanel_displays/lcdproc_protocol.h>
 
 #include <algorithm>
-#include <charconv>
 #include <sstream>
+
+#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
@@ -29,11 +30,7 @@ int number_behind(const Words& words, const char* name) {
     if (found == words.end() || found + 1 == words.end()) {
         return 0;
     }
-    const std::string& text = *(found + 1);
-    int number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stopped, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stopped == end ? number : 0;
+    return parse_number<int>(*(found + 1)).value_or(0);
 }
 
 Lcdproc_answer greeting(const Words& words) {

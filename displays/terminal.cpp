@@ -62,10 +62,6 @@ std::string terminal_text(const std::string& cells) {
     return text;
 }
 
-std::string size_text(Lcd_size size) {
-    return std::to_string(size.columns) + "x" + std::to_string(size.rows);
-}
-
 }  // namespace
 
 Lcd_size terminal_size_for(Lcd_size lcd) {

@@ -19,9 +19,17 @@ struct Named_key {
     const char* keyboard;  // as in `Key_row`
 };
 constexpr Named_key NAMED_KEYS[] = {
-    {KEY_UP, "Up"},        {KEY_DOWN, "Down"},           {KEY_LEFT, "Left"}, {KEY_RIGHT, "Right"},
-    {KEY_ENTER, "Enter"},  {'\r', "Enter"},              {'\n', "Enter"},    {27, "Escape"},
-    {KEY_IC, "Insert"},    {KEY_DC, "Delete"},           {'\b', "Backspace"},
+    {KEY_UP, "Up"},
+    {KEY_DOWN, "Down"},
+    {KEY_LEFT, "Left"},
+    {KEY_RIGHT, "Right"},
+    {KEY_ENTER, "Enter"},
+    {'\r', "Enter"},
+    {'\n', "Enter"},
+    {27, "Escape"},
+    {KEY_IC, "Insert"},
+    {KEY_DC, "Delete"},
+    {'\b', "Backspace"},
     {127, "Backspace"},  // what most terminals send
     {KEY_BACKSPACE, "Backspace"},
 };

@@ -15,9 +15,10 @@ struct Key_row {
     Key::Kind kind;
     const char* word;      // in scripts and key maps
     const char* keyboard;  // the key of a keyboard that presses it
-    bool is_usual;         // a display with keys of its own presses it by the key of that name, unless mapped
-    int8_t detents;        // of the shaft encoder, clockwise; 0 for a push button
-    uint8_t code;          // of a push button in its message
+    bool
+        is_usual;  // a display with keys of its own presses it by the key of that name, unless mapped
+    int8_t detents;  // of the shaft encoder, clockwise; 0 for a push button
+    uint8_t code;    // of a push button in its message
     // The key that it counts as where no cursor moves sideways (lists, questions, the PIN), where one does (edited
     // values, diagnostics), and in an edited text. Itself for a key that means the same everywhere.
     Key::Kind in_list;

@@ -14,6 +14,9 @@ struct Lcd_size {
     int rows = 2;
 };
 
+// "20x2".
+std::string size_text(Lcd_size size);
+
 // What a display of ours may measure: below, an editor has no room for a name over a value; above, no
 // character display of this kind is made.
 inline constexpr Lcd_size SMALLEST_LCD{16, 2};

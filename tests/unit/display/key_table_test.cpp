@@ -70,8 +70,9 @@ TEST(KeyTable, AMeaningHasNoOtherMeaning) {
 }
 
 TEST(KeyTable, ListsItsWords) {
-    EXPECT_EQ(key_words(),
-              "up, down, left, right, select, back, coarser, finer, insert, delete, erase, diagnostics");
+    EXPECT_EQ(
+        key_words(),
+        "up, down, left, right, select, back, coarser, finer, insert, delete, erase, diagnostics");
 }
 
 TEST(KeyTable, EveryWordIsInTheManual) {

@@ -68,5 +68,10 @@ TEST(Lcd, RemembersItsCursor) {
     EXPECT_EQ(lcd.cursor_column(), 15);
 }
 
+TEST(Lcd, ASizeIsColumnsByRows) {
+    EXPECT_EQ(size_text({20, 2}), "20x2");
+    EXPECT_EQ(size_text(LARGEST_LCD), "80x16");
+}
+
 }  // namespace
 }  // namespace frontpanel

@@ -19,27 +19,13 @@ struct Key_case {
 
 TEST(TerminalKeys, KeysMeanWhatTheLegendSays) {
     const Key_case CASES[] = {
-        {KEY_UP, Key::UP, 0},
-        {KEY_DOWN, Key::DOWN, 0},
-        {'\r', Key::SELECT, 0},
-        {'\n', Key::SELECT, 0},
-        {KEY_ENTER, Key::SELECT, 0},
-        {KEY_RIGHT, Key::RIGHT, 0},
-        {27, Key::BACK, 0},
-        {KEY_LEFT, Key::LEFT, 0},
-        {'+', Key::COARSER, 0},
-        {'-', Key::FINER, 0},
-        {'d', Key::DIAGNOSTICS, 0},
-        {'D', Key::DIAGNOSTICS, 0},
-        {'1', Key::SHORTCUT, 1},
-        {'9', Key::SHORTCUT, 9},
-        {KEY_IC, Key::INSERT, 0},
-        {KEY_DC, Key::DELETE, 0},
-        {KEY_BACKSPACE, Key::ERASE, 0},
-        {127, Key::ERASE, 0},
-        {'\b', Key::ERASE, 0},
-        {KEY_F(1), Key::SHORTCUT, 1},
-        {KEY_F(12), Key::SHORTCUT, 12},
+        {KEY_UP, Key::UP, 0},     {KEY_DOWN, Key::DOWN, 0},       {'\r', Key::SELECT, 0},
+        {'\n', Key::SELECT, 0},   {KEY_ENTER, Key::SELECT, 0},    {KEY_RIGHT, Key::RIGHT, 0},
+        {27, Key::BACK, 0},       {KEY_LEFT, Key::LEFT, 0},       {'+', Key::COARSER, 0},
+        {'-', Key::FINER, 0},     {'d', Key::DIAGNOSTICS, 0},     {'D', Key::DIAGNOSTICS, 0},
+        {'1', Key::SHORTCUT, 1},  {'9', Key::SHORTCUT, 9},        {KEY_IC, Key::INSERT, 0},
+        {KEY_DC, Key::DELETE, 0}, {KEY_BACKSPACE, Key::ERASE, 0}, {127, Key::ERASE, 0},
+        {'\b', Key::ERASE, 0},    {KEY_F(1), Key::SHORTCUT, 1},   {KEY_F(12), Key::SHORTCUT, 12},
     };
     for (const Key_case& expected : CASES) {
         const std::optional<Front_event> event = event_of(expected.code);
