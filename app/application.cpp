@@ -14,10 +14,8 @@
 #include <frontpanel_base/atomic_file.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/problems.h>
-#include <frontpanel_displays/lcdproc_display.h>
+#include <frontpanel_displays/display_table.h>
 #include <frontpanel_displays/picture.h>
-#include <frontpanel_displays/terminal.h>
-#include <frontpanel_displays/text_display.h>
 #include <frontpanel_menu/explain.h>
 #include <frontpanel_menu/menu_dump.h>
 #include <frontpanel_menu/menu_graph.h>
@@ -103,25 +101,21 @@ bool has_terminal(const Output_log& log) {
     return isatty(log.out_descriptor()) != 0;
 }
 
-// Whether a person uses the panel; otherwise a script is played.
-bool is_interactive(const Options& options, const Output_log& log) {
-    switch (options.display.kind) {
-        case Display_choice::TERMINAL:
-        case Display_choice::LCDPROC:
-            return true;
-        case Display_choice::TEXT:
-            return false;
-        case Display_choice::USUAL:
-            break;
+// The display that was named. Otherwise the usual one: of a person at a terminal, unless a script is played.
+const Display_row& display_of(const Options& options, const Output_log& log) {
+    if (options.display.display != nullptr) {
+        return *options.display.display;
     }
-    return options.script.empty() && options.screenshot.empty() && has_terminal(log);
+    return default_display(options.script.empty() && options.screenshot.empty() &&
+                           has_terminal(log));
 }
 
-void check_terminal(const Options& options, const Output_log& log) {
+// Whether a person can use the panel on the display.
+void check_front(const Options& options, const Display_row& display, const Output_log& log) {
     if (!options.script.empty() || !options.screenshot.empty()) {
         throw Input_error("scripts and pictures are for the display \"text\"");
     }
-    if (options.display.kind == Display_choice::LCDPROC) {
+    if (!display.takes_terminal) {
         return;
     }
     if (!has_terminal(log)) {
@@ -168,20 +162,16 @@ Script script_to_play(const Options& options) {
     return parse_script(file, read_input_file(file));
 }
 
-std::unique_ptr<Front> open_front(const Options& options, const Output_log& log) {
-    if (options.display.kind == Display_choice::LCDPROC) {
-        const std::optional<Lcd_size> size =
-            options.has_size ? std::optional<Lcd_size>(options.size) : std::nullopt;
-        return std::make_unique<Lcdproc_display>(options.display, options.keys, size, std::cerr);
-    }
-    return std::make_unique<Terminal>(log.out_descriptor());
+Display_setup setup_of(const Options& options, Output_log& log) {
+    const auto size = options.has_size ? std::optional<Lcd_size>(options.size) : std::nullopt;
+    return {options.display.argument, size,      options.keys,
+            log.out_descriptor(),     log.out(), std::cerr};
 }
 
 // A terminal that shows the panel has no room for what is said to standard error meanwhile.
-int use_front(const Options& options, Controller& controller, Data_interface& device,
-              Output_log& log, const End_watch& end) {
-    const bool on_terminal = options.display.kind != Display_choice::LCDPROC;
-    if (on_terminal) {
+int use_front(const Options& options, const Display_row& display, Controller& controller,
+              Data_interface& device, Output_log& log, const End_watch& end) {
+    if (display.takes_terminal) {
         log.take_errors();
     }
     device.time_for_timeout = options.time_out;
@@ -191,8 +181,9 @@ int use_front(const Options& options, Controller& controller, Data_interface& de
         return std::chrono::duration_cast<std::chrono::milliseconds>(now);
     });
     Session session(controller, device, pin_of(options), clock());
-    const int status = Main_loop(session, *open_front(options, log), clock).run(end);
-    if (on_terminal) {
+    const std::unique_ptr<Front> front = display.open_front(setup_of(options, log));
+    const int status = Main_loop(session, *front, clock).run(end);
+    if (display.takes_terminal) {
         log.return_errors();
     }
     return status;
@@ -204,8 +195,8 @@ Encoder_settings encoder_of(const Options& options, Menu& menu) {
     return encoder;
 }
 
-int use(const Options& options, const std::optional<Script>& script, Menu& menu, Output_log& log,
-        const std::optional<End_watch>& end) {
+int use(const Options& options, const Display_row& display, const std::optional<Script>& script,
+        Menu& menu, Output_log& log, const std::optional<End_watch>& end) {
     Controller controller(menu.root(), link_to(menu), options.size);
     controller.show_home(home_of(menu));
     controller.set_log(log.lines());
@@ -214,13 +205,13 @@ int use(const Options& options, const std::optional<Script>& script, Menu& menu,
         [&controller](const std::string& text) { controller.warn(text); });
     controller.set_warning_armer([&menu] { menu.bindings()->arm_warnings(); });
     if (end) {
-        return use_front(options, controller, menu.access(), log, *end);
+        return use_front(options, display, controller, menu.access(), log, *end);
     }
     if (!options.screenshot.empty()) {
         return take_picture(options, *script, controller, menu);
     }
-    Text_display display(log.out());
-    return play(*script, controller, menu, display, log.out());
+    return play(*script, controller, menu, *display.open_display(setup_of(options, log)),
+                log.out());
 }
 
 void warn(const std::string& line) {
@@ -276,8 +267,9 @@ int report(const Options& options) {
 
 int show(const Options& options, Output_log& log) {
     std::optional<End_watch> end;  // for a person at the panel
-    if (is_interactive(options, log)) {
-        check_terminal(options, log);
+    const Display_row& display = display_of(options, log);
+    if (display.is_interactive()) {
+        check_front(options, display, log);
         end.emplace();
     }
     const Loaded_menu loaded = load(options, log, Cards::ON);
@@ -288,7 +280,8 @@ int show(const Options& options, Output_log& log) {
     Menu& menu = *loaded.menu;
     const std::optional<Curl_home> curl_home = prepare_transfers(menu);
     VarIdDataInfStore::m_pDataAccessInf = &menu.access();
-    return use_keeping_values(options, menu, [&] { return use(options, script, menu, log, end); });
+    return use_keeping_values(options, menu,
+                              [&] { return use(options, display, script, menu, log, end); });
 }
 
 // A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to

@@ -83,8 +83,7 @@ int parse_time_out(const std::string& text) {
 }
 
 void describe_front(CLI::App& app, Options& options) {
-    add_parsed(app, "--display", options.display, parse_display,
-               "terminal, text, lcdproc[:ADDRESS[:PORT]]")
+    add_parsed(app, "--display", options.display, parse_display, display_names())
         ->type_name("DISPLAY");
     add_parsed(app, "--keys", options.keys, parse_key_map,
                "Keys of lcdproc, such as Enter=select,F1=1")

@@ -8,7 +8,7 @@
 #include <variant>
 
 #include <frontpanel_display/lcd.h>
-#include <frontpanel_displays/display_choice.h>
+#include <frontpanel_displays/display_table.h>
 #include <frontpanel_displays/key_map.h>
 
 namespace frontpanel {

@@ -1,9 +1,14 @@
 #include <frontpanel_displays/lcdproc_display.h>
 
 #include <algorithm>
+#include <set>
+#include <string>
+#include <utility>
 
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
+#include "lcdproc_protocol.h"
+#include "line_socket.h"
 
 namespace frontpanel {
 namespace {
@@ -15,23 +20,68 @@ Lcd_size panel_size_for(Lcd_size server) {
 
 }  // namespace
 
-Lcdproc_display::Lcdproc_display(const Display_choice& server, Key_map keys,
-                                 std::optional<Lcd_size> fixed, std::ostream& log)
+class Lcdproc_display::Client {
+public:
+    Client(const Lcdproc_server& server, Key_map keys, std::optional<Lcd_size> fixed,
+           std::ostream& log);
+    ~Client();
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+
+    void show(const Frame& frame);
+    std::optional<Front_event> next(Time now);
+    pollfd source() const { return m_socket.source(); }
+    Time due() const;
+
+private:
+    enum class Phase { AWAY, CONNECTING, GREETING, READY };
+
+    void advance(Time now);
+    void lose(std::string reason, Time now);
+    std::optional<Front_event> take(const std::string& line);
+    std::optional<Front_event> take_greeting(Lcd_size size);
+    std::optional<Front_event> take_key(const std::string& name) const;
+    void take_fence();
+    void send_frame();
+    void say(const std::string& text);
+    void complain(const std::string& text);
+    void tell_lost_characters(const Lcd& lcd);
+
+    Lcdproc_server m_server;
+    Key_map m_keys;
+    std::optional<Lcd_size> m_fixed;
+    std::ostream& m_log;
+    Line_socket m_socket;
+    Phase m_phase = Phase::AWAY;
+    Time m_now;
+    Time m_deadline;  // of the phase; while READY, of the answer that is awaited
+    std::chrono::milliseconds m_pause = FIRST_PAUSE;
+    std::optional<Lcdproc_screen> m_screen;  // what the server has; nothing before the greeting
+    std::optional<Frame> m_frame;            // to be shown
+    bool m_fenced = false;                   // the server has not done yet
+    bool m_hidden = false;                   // behind another client's screen
+    bool m_absence_told = false;
+    int m_complaints = 0;
+    std::set<char32_t> m_lost;  // characters that were told
+};
+
+Lcdproc_display::Client::Client(const Lcdproc_server& server, Key_map keys,
+                                std::optional<Lcd_size> fixed, std::ostream& log)
     : m_server(server), m_keys(std::move(keys)), m_fixed(fixed), m_log(log) {}
 
-Lcdproc_display::~Lcdproc_display() {
+Lcdproc_display::Client::~Client() {
     m_socket.send("bye");
     m_socket.service();
 }
 
-void Lcdproc_display::show(const Frame& frame) {
+void Lcdproc_display::Client::show(const Frame& frame) {
     tell_lost_characters(frame.lcd);
     m_frame = frame;
     send_frame();
     m_socket.service();
 }
 
-std::optional<Front_event> Lcdproc_display::next(Time now) {
+std::optional<Front_event> Lcdproc_display::Client::next(Time now) {
     advance(now);
     while (const std::optional<std::string> line = m_socket.next_line()) {
         if (const std::optional<Front_event> event = take(*line)) {
@@ -46,7 +96,7 @@ std::optional<Front_event> Lcdproc_display::next(Time now) {
     return std::nullopt;
 }
 
-void Lcdproc_display::advance(Time now) {
+void Lcdproc_display::Client::advance(Time now) {
     m_now = now;
     if (m_phase == Phase::AWAY && now >= m_deadline) {
         m_socket.connect(m_server.host, m_server.port);
@@ -63,7 +113,7 @@ void Lcdproc_display::advance(Time now) {
     }
 }
 
-void Lcdproc_display::lose(std::string reason, Time now) {
+void Lcdproc_display::Client::lose(std::string reason, Time now) {
     m_socket.close("");
     m_phase = Phase::AWAY;
     m_deadline = now + m_pause;
@@ -76,11 +126,11 @@ void Lcdproc_display::lose(std::string reason, Time now) {
     }
 }
 
-Time Lcdproc_display::due() const {
+Time Lcdproc_display::Client::due() const {
     return m_socket.has_line() ? Time::min() : m_deadline;
 }
 
-std::optional<Front_event> Lcdproc_display::take(const std::string& line) {
+std::optional<Front_event> Lcdproc_display::Client::take(const std::string& line) {
     const Lcdproc_answer answer = parse_lcdproc_answer(line);
     switch (answer.kind) {
         case Lcdproc_answer::CONNECT:
@@ -110,7 +160,7 @@ std::optional<Front_event> Lcdproc_display::take(const std::string& line) {
     return std::nullopt;
 }
 
-std::optional<Front_event> Lcdproc_display::take_greeting(Lcd_size size) {
+std::optional<Front_event> Lcdproc_display::Client::take_greeting(Lcd_size size) {
     if (m_phase != Phase::GREETING) {
         return std::nullopt;
     }
@@ -136,7 +186,7 @@ std::optional<Front_event> Lcdproc_display::take_greeting(Lcd_size size) {
                    : Front_event{Front_event::SIZE, {Key::UP}, panel_size_for(size)};
 }
 
-std::optional<Front_event> Lcdproc_display::take_key(const std::string& name) const {
+std::optional<Front_event> Lcdproc_display::Client::take_key(const std::string& name) const {
     const auto found = m_keys.find(name);
     if (m_phase != Phase::READY || found == m_keys.end()) {
         return std::nullopt;
@@ -145,7 +195,7 @@ std::optional<Front_event> Lcdproc_display::take_key(const std::string& name) co
 }
 
 // Only a server that does what it is told is worth being asked again soon when it goes away.
-void Lcdproc_display::take_fence() {
+void Lcdproc_display::Client::take_fence() {
     if (!m_fenced) {
         return;
     }
@@ -156,7 +206,7 @@ void Lcdproc_display::take_fence() {
     m_socket.service();
 }
 
-void Lcdproc_display::send_frame() {
+void Lcdproc_display::Client::send_frame() {
     if (m_phase != Phase::READY || m_fenced || m_hidden || !m_frame) {
         return;
     }
@@ -172,25 +222,47 @@ void Lcdproc_display::send_frame() {
     m_deadline = m_now + PATIENCE;
 }
 
-void Lcdproc_display::say(const std::string& text) {
+void Lcdproc_display::Client::say(const std::string& text) {
     m_log << "frontpanel: display server " << m_server.host << " port " << m_server.port << ' '
           << one_line(text) << std::endl;
 }
 
-void Lcdproc_display::complain(const std::string& text) {
+void Lcdproc_display::Client::complain(const std::string& text) {
     if (m_complaints < MOST_COMPLAINTS) {
         ++m_complaints;
         say("answered \"" + text + "\"");
     }
 }
 
-void Lcdproc_display::tell_lost_characters(const Lcd& lcd) {
+void Lcdproc_display::Client::tell_lost_characters(const Lcd& lcd) {
     constexpr size_t MOST_TOLD = 256;
     for (const char32_t character : lcd.lost()) {
         if (m_lost.size() < MOST_TOLD && m_lost.insert(character).second) {
             say("cannot show the character " + code_point_name(character));
         }
     }
+}
+
+Lcdproc_display::Lcdproc_display(const Lcdproc_server& server, Key_map keys,
+                                 std::optional<Lcd_size> fixed, std::ostream& log)
+    : m_client(std::make_unique<Client>(server, std::move(keys), fixed, log)) {}
+
+Lcdproc_display::~Lcdproc_display() = default;
+
+void Lcdproc_display::show(const Frame& frame) {
+    m_client->show(frame);
+}
+
+std::optional<Front_event> Lcdproc_display::next(Time now) {
+    return m_client->next(now);
+}
+
+pollfd Lcdproc_display::source() const {
+    return m_client->source();
+}
+
+Time Lcdproc_display::due() const {
+    return m_client->due();
 }
 
 }  // namespace frontpanel

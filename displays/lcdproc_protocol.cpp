@@ -1,4 +1,4 @@
-#include <frontpanel_displays/lcdproc_protocol.h>
+#include "lcdproc_protocol.h"
 
 #include <algorithm>
 #include <sstream>

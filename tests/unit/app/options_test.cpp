@@ -134,7 +134,7 @@ TEST(Options, TheVersionIsOneLine) {
 TEST(Options, TellDisplayKeysTimeOutAndPin) {
     const Options usual = options_of({});
     EXPECT_FALSE(usual.has_size);
-    EXPECT_EQ(usual.display.kind, Display_choice::USUAL);
+    EXPECT_EQ(usual.display.display, nullptr);
     EXPECT_EQ(usual.keys.size(), 6U);
     EXPECT_EQ(usual.time_out, 300);
     EXPECT_EQ(usual.pin_file, "");
@@ -143,8 +143,9 @@ TEST(Options, TellDisplayKeysTimeOutAndPin) {
         options_of({"--display", "lcdproc:localhost:2000", "--keys", "A=select,B=1", "--timeout",
                     "0", "--pin-file", "pin", "--size", "16x2"});
     EXPECT_TRUE(options.has_size);
-    EXPECT_EQ(options.display.kind, Display_choice::LCDPROC);
-    EXPECT_EQ(options.display.port, 2000);
+    ASSERT_NE(options.display.display, nullptr);
+    EXPECT_STREQ(options.display.display->name, "lcdproc");
+    EXPECT_EQ(options.display.argument, "localhost:2000");
     EXPECT_EQ(options.keys.at("B").button, 1);
     EXPECT_EQ(options.time_out, 0);
     EXPECT_EQ(options.pin_file, "pin");

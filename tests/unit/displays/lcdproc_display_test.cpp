@@ -28,7 +28,7 @@ Frame frame_of(const std::string& first, const std::string& second, Lcd_size siz
 
 class Lcdproc_display_test : public testing::Test {
 protected:
-    Display_choice choice() const { return {Display_choice::LCDPROC, "127.0.0.1", server.port()}; }
+    Lcdproc_server choice() const { return {"127.0.0.1", server.port()}; }
     std::string place() const {
         return "frontpanel: display server 127.0.0.1 port " + std::to_string(server.port()) + " ";
     }

@@ -1,4 +1,4 @@
-#include <frontpanel_displays/line_socket.h>
+#include "line_socket.h"
 
 #include <gtest/gtest.h>
 

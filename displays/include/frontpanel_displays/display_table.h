@@ -1,0 +1,62 @@
+// The displays by name, a row each: what an application offers its users to choose from.
+//
+// An application that knows its display needs none of this: it creates a Terminal, Lcdproc_display or Text_display.
+#ifndef FRONTPANEL_DISPLAYS_DISPLAY_TABLE_H
+#define FRONTPANEL_DISPLAYS_DISPLAY_TABLE_H
+
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <frontpanel_display/front.h>
+#include <frontpanel_displays/key_map.h>
+
+namespace frontpanel {
+
+// What a display is opened with, of which each takes what it needs.
+struct Display_setup {
+    std::string argument;  // of `Display_choice`
+    std::optional<Lcd_size>
+        size;                     // which the panel keeps; without one it takes that of the display
+    Key_map keys = usual_keys();  // of a display with keys of its own
+    int terminal;                 // the descriptor of a terminal
+    std::ostream& out;            // for frames as text; outlives the display
+    std::ostream& messages;       // status messages, a line each; outlives the display
+};
+
+struct Display_row {
+    const char* name;
+    const char*
+        syntax;  // of the argument behind the name, for the help; empty for a display that has none
+    // Whether it takes the argument; null for a display that has none.
+    bool (*accepts)(const std::string& argument);
+    // Whether it takes the terminal and standard input for itself, so that nothing else may be printed meanwhile.
+    bool takes_terminal;
+    // One of both; the other is null. A display with keys is for a person, one without for scripts. Input_error when
+    // it cannot be opened.
+    std::unique_ptr<Front> (*open_front)(const Display_setup& setup);
+    std::unique_ptr<Display> (*open_display)(const Display_setup& setup);
+
+    bool is_interactive() const { return open_front != nullptr; }
+};
+
+// A display that somebody named.
+struct Display_choice {
+    const Display_row* display = nullptr;  // null: none was named
+    std::string argument;
+};
+
+// All displays. The first with keys and the first without are the defaults.
+const std::vector<Display_row>& display_table();
+const Display_row& default_display(bool interactive);
+
+// "NAME" or "NAME:ARGUMENT" of a row. Input_error, which lists the displays, for any other text.
+Display_choice parse_display(const std::string& text);
+// The names with the syntax of their arguments, for the help: "terminal, text" with `last` before the last one.
+std::string display_names(const std::string& last = ", ");
+
+}  // namespace frontpanel
+
+#endif
