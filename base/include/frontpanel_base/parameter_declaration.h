@@ -1,0 +1,38 @@
+// The parameters of a device as an input file declares them: the menu that shows them and a simulator that holds them
+// read the same declaration.
+//
+// All operations throw Placed_error as `Json_value` does.
+#ifndef FRONTPANEL_BASE_PARAMETER_DECLARATION_H
+#define FRONTPANEL_BASE_PARAMETER_DECLARATION_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <frontpanel_base/json_value.h>
+
+namespace frontpanel {
+
+constexpr uint16_t LAST_INDEX = 255;   // of a level: a larger one would overlap the next level
+constexpr size_t LONGEST_TEXT = 256;   // characters
+constexpr size_t LONGEST_INDEX = 2;    // levels
+
+// "pid" of a parameter, or of an item that shows one.
+uint32_t pid_of(const Json_value& owner);
+// "index": its levels, at most `LONGEST_INDEX`, each at most `LAST_INDEX`; none when it is missing.
+std::vector<uint16_t> levels_of(const Json_value& owner);
+// Whether "type" is "text"; otherwise it is "integer".
+bool is_text_parameter(const Json_value& parameter);
+
+struct Number_limits {
+    int32_t min;
+    int32_t max;
+};
+// "min" and "max" of a number. What is wrong becomes one of `problems`, and the widest limit takes its place.
+Number_limits number_limits_of(const Json_value& parameter, Problems& problems);
+// "length" of a text: its most characters. The same of what is wrong.
+size_t text_limit_of(const Json_value& parameter, Problems& problems);
+
+}  // namespace frontpanel
+
+#endif
