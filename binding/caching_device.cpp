@@ -21,6 +21,10 @@ Caching_device::~Caching_device() {
     m_registry->core().parameters.end_caching_interface(this);
 }
 
+bool Caching_device::last_read_failed(uint32_t pid, uint32_t varidx) const {
+    return m_failed_reads.count(address(pid, varidx)) > 0;
+}
+
 void Caching_device::Init() {
     m_device.Init();
 }
@@ -28,8 +32,10 @@ void Caching_device::Init() {
 int Caching_device::Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) {
     const int result = m_device.Get(pid, varidx, buffer, length);
     if (result == 0) {
+        m_failed_reads.erase(address(pid, varidx));
         m_registry->core().parameters.keep_read(pid, varidx, buffer, length);
     } else {
+        m_failed_reads.insert(address(pid, varidx));
         m_registry->core().parameters.note_failure(pid, varidx, result);
     }
     return result;

@@ -12,7 +12,9 @@
 #ifndef FRONTPANEL_BINDING_CACHING_DEVICE_H
 #define FRONTPANEL_BINDING_CACHING_DEVICE_H
 
+#include <cstdint>
 #include <memory>
+#include <unordered_set>
 
 #include <frontpanel_binding/binding_registry.h>
 #include <frontpanel_data/pdt_data_access.h>
@@ -29,6 +31,9 @@ public:
     Caching_device(const Caching_device&) = delete;
     Caching_device& operator=(const Caching_device&) = delete;
 
+    // Whether the latest `Get` of the parameter through this wrapper failed; false for one that was never read.
+    bool last_read_failed(uint32_t pid, uint32_t varidx) const;
+
     void Init() override;
     int Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) override;
     int Set(unsigned int pid, unsigned int varidx, const void* buffer,
@@ -44,9 +49,12 @@ public:
 private:
     static constexpr int LOCAL_SOCKET = 0;
 
+    static uint64_t address(uint32_t pid, uint32_t varidx) { return uint64_t{pid} << 32 | varidx; }
+
     Data_interface& m_device;
     Pdt_data_access* m_sockets;  // the device; null when it has no sockets
     std::shared_ptr<Binding_registry> m_registry;
+    std::unordered_set<uint64_t> m_failed_reads;
 };
 
 }  // namespace frontpanel

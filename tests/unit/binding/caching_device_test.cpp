@@ -93,6 +93,20 @@ public:
     int Get_prod_alias_name(char*, prod_id_t) override { return 0; }
 };
 
+TEST_F(Caching_device_test, TheResultOfTheLatestReadOfEachParameterIsKnown) {
+    EXPECT_FALSE(cache.last_read_failed(MODE, 2));
+    device.expect_get_integer(MODE, 2, 7, 3);
+    read_number(MODE, 2);
+    EXPECT_TRUE(cache.last_read_failed(MODE, 2));
+    EXPECT_FALSE(cache.last_read_failed(MODE, 0));
+    device.expect_set_integer(MODE, 2, 8, 0);
+    write_number(MODE, 2, 8);
+    EXPECT_TRUE(cache.last_read_failed(MODE, 2)) << "a write is no read";
+    device.expect_get_integer(MODE, 2, 8, 0);
+    read_number(MODE, 2);
+    EXPECT_FALSE(cache.last_read_failed(MODE, 2));
+}
+
 TEST_F(Caching_device_test, ADeviceWithoutSocketsStaysAtTheLocalUnit) {
     Plain_interface plain;
     plain.go_home = 1;
