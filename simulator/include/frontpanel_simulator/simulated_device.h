@@ -1,0 +1,57 @@
+// A device in memory with what a menu file says of it: the start values of its parameters, the products in its slots
+// with their aliases, and the documents of its cards. docs/menu-file.md describes the file.
+#ifndef FRONTPANEL_SIMULATOR_SIMULATED_DEVICE_H
+#define FRONTPANEL_SIMULATOR_SIMULATED_DEVICE_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include <frontpanel_base/json_value.h>
+#include <frontpanel_simulator/card_service.h>
+#include <frontpanel_simulator/memory_device.h>
+
+namespace frontpanel {
+
+// Whether the web service of the cards runs.
+enum class Cards { OFF, ON };
+
+class Simulated_device {
+public:
+    // Reads the member "device" of `file`. What is wrong with it becomes one of `problems`, and work goes on behind it;
+    // a device with problems is not meant to be used. With `Cards::ON` a file that has cards gets their service, on a
+    // free port of loopback; Input_error when it cannot be started.
+    Simulated_device(const Json_value& file, Problems& problems, Cards cards = Cards::OFF);
+    Simulated_device(const Simulated_device&) = delete;
+    Simulated_device& operator=(const Simulated_device&) = delete;
+
+    Memory_device& memory() { return m_memory; }
+    // Null when no service runs. Lives as long as the device.
+    Card_service* cards() { return m_cards.get(); }
+
+    // What a menu over the device cannot know by itself. The product options that the products in the slots bring, one
+    // object for each product that has some; valid as long as the file's document.
+    const std::vector<Json_value>& product_options() const { return m_product_options; }
+    // Whether the card in a slot has a tree, or a combo box, of that parameter id.
+    bool has_document(int slot, uint32_t pid, bool is_tree) const;
+    // Pid and variable index of the parameters whose start value is wrong, which has been reported.
+    const std::set<std::pair<uint32_t, uint32_t>>& wrong_parameters() const {
+        return m_wrong_parameters;
+    }
+
+private:
+    class Reader;
+
+    Memory_device m_memory;
+    std::unique_ptr<Card_service> m_cards;
+    std::vector<Json_value> m_product_options;
+    std::map<std::pair<int, uint32_t>, bool> m_documents;  // by slot and pid: whether it is a tree
+    std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;
+};
+
+}  // namespace frontpanel
+
+#endif
