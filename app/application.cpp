@@ -19,7 +19,6 @@
 #include <frontpanel_menu/explain.h>
 #include <frontpanel_menu/menu_dump.h>
 #include <frontpanel_menu/menu_graph.h>
-#include <frontpanel_menu/menu_loader.h>
 #include <frontpanel_simulator/state_file.h>
 #include <frontpanel_simulator/state_keeper.h>
 #include <frontpanel_ui/controller.h>
@@ -28,6 +27,7 @@
 #include <frontpanel_ui/script_player.h>
 #include <frontpanel_ui/session.h>
 #include "curl_home.h"
+#include "loaded_panel.h"
 #include "options.h"
 #include "output_log.h"
 #include "shipped.h"
@@ -36,15 +36,15 @@ namespace frontpanel {
 namespace {
 
 // The library tells what is wrong with an expression on standard error, where the panel has one line to say.
-Loaded_menu load(const Options& options, Output_log& log, Cards cards) {
+Loaded_panel load(const Options& options, Output_log& log, Cards cards) {
     log.take_errors();
-    Loaded_menu loaded = load_menu(options.menu, {cards, options.size.columns});
+    Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns);
     log.return_errors();
     return loaded;
 }
 
 int check(const Options& options, Output_log& log) {
-    const Loaded_menu loaded = load(options, log, Cards::OFF);
+    const Loaded_panel loaded = load(options, log, Cards::OFF);
     if (!options.script.empty()) {
         parse_script(options.script, read_input_file(options.script));
     }
@@ -61,9 +61,9 @@ void check_written(bool failed) {
     }
 }
 
-int play(const Script& script, Controller& controller, Menu& menu, Display& display,
+int play(const Script& script, Controller& controller, Simulated_device& device, Display& display,
          std::ostream& out) {
-    Script_player player(controller, menu.device(), menu.cards(), display, out, std::cerr);
+    Script_player player(controller, device.memory(), device.cards(), display, out, std::cerr);
     const int differences = player.play(script);
     if (differences != 0) {
         std::cerr << script.file << ": " << differences << " expectation"
@@ -75,11 +75,12 @@ int play(const Script& script, Controller& controller, Menu& menu, Display& disp
 }
 
 // The picture is taken when the script is over, also of what should have been otherwise.
-int take_picture(const Options& options, const Script& script, Controller& controller, Menu& menu) {
+int take_picture(const Options& options, const Script& script, Controller& controller,
+                 Simulated_device& device) {
     check_writable(options.screenshot);
     Picture_display display(options.screenshot);
     std::ostringstream unseen;
-    const int status = play(script, controller, menu, display, unseen);
+    const int status = play(script, controller, device, display, unseen);
     display.finish();
     return status;
 }
@@ -143,8 +144,8 @@ std::optional<std::string> pin_of(const Options& options) {
 }
 
 // What the transfers of live data need while the cards run.
-std::optional<Curl_home> prepare_transfers(Menu& menu) {
-    if (menu.cards() == nullptr) {
+std::optional<Curl_home> prepare_transfers(Simulated_device& device) {
+    if (device.cards() == nullptr) {
         return std::nullopt;
     }
     if (!can_post()) {
@@ -196,7 +197,8 @@ Encoder_settings encoder_of(const Options& options, Menu& menu) {
 }
 
 int use(const Options& options, const Display_row& display, const std::optional<Script>& script,
-        Menu& menu, Output_log& log, const std::optional<End_watch>& end) {
+        const Loaded_panel& loaded, Output_log& log, const std::optional<End_watch>& end) {
+    Menu& menu = *loaded.menu;
     Controller controller(menu.root(), link_to(menu), options.size);
     controller.show_home(home_of(menu));
     controller.set_log(log.lines());
@@ -208,9 +210,9 @@ int use(const Options& options, const Display_row& display, const std::optional<
         return use_front(options, display, controller, menu.access(), log, *end);
     }
     if (!options.screenshot.empty()) {
-        return take_picture(options, *script, controller, menu);
+        return take_picture(options, *script, controller, *loaded.device);
     }
-    return play(*script, controller, menu, *display.open_display(setup_of(options, log)),
+    return play(*script, controller, *loaded.device, *display.open_display(setup_of(options, log)),
                 log.out());
 }
 
@@ -219,11 +221,12 @@ void warn(const std::string& line) {
 }
 
 // Where the values cannot be written the panel can be used all the same; the end tells what was not kept.
-int use_keeping_values(const Options& options, Menu& menu, const std::function<int()>& use) {
+int use_keeping_values(const Options& options, Simulated_device& device,
+                       const std::function<int()>& use) {
     if (options.state.empty()) {
         return use();
     }
-    State_file file(options.state, menu.device(), menu.cards());
+    State_file file(options.state, device.memory(), device.cards());
     for (const std::string& line : file.restore()) {
         warn(line);
     }
@@ -232,7 +235,7 @@ int use_keeping_values(const Options& options, Menu& menu, const std::function<i
     } catch (const Input_error& error) {
         warn(error.what());
     }
-    State_keeper keeper(file, menu.device(), menu.cards());
+    State_keeper keeper(file, device.memory(), device.cards());
     const int status = use();
     keeper.finish();
     return status;
@@ -244,7 +247,7 @@ bool is_report(const Options& options) {
 
 // What the library prints while the menu is read goes to the log as ever, so that standard output is the report.
 int report(const Options& options) {
-    Loaded_menu loaded;
+    Loaded_panel loaded;
     {
         Output_log log(options.log);
         debug = options.debug;
@@ -272,16 +275,15 @@ int show(const Options& options, Output_log& log) {
         check_front(options, display, log);
         end.emplace();
     }
-    const Loaded_menu loaded = load(options, log, Cards::ON);
+    const Loaded_panel loaded = load(options, log, Cards::ON);
     std::optional<Script> script;
     if (!end) {
         script = script_to_play(options);
     }
-    Menu& menu = *loaded.menu;
-    const std::optional<Curl_home> curl_home = prepare_transfers(menu);
-    VarIdDataInfStore::m_pDataAccessInf = &menu.access();
-    return use_keeping_values(options, menu,
-                              [&] { return use(options, display, script, menu, log, end); });
+    const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device);
+    VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
+    return use_keeping_values(options, *loaded.device,
+                              [&] { return use(options, display, script, loaded, log, end); });
 }
 
 // A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to

@@ -1,15 +1,13 @@
 #include <frontpanel_menu/menu.h>
 
 #include <algorithm>
-#include <stdexcept>
 
-#include <frontpanel_base/input_error.h>
 #include <frontpanel_menu/entry_access.h>
 
 namespace frontpanel {
 
-Menu::Menu()
-    : m_bindings(std::make_shared<Binding_registry>(&m_device)), m_access(m_device, m_bindings) {}
+Menu::Menu(Data_interface& device)
+    : m_bindings(std::make_shared<Binding_registry>(&device)), m_access(device, m_bindings) {}
 
 // An entry's destructor leaves the list that its card sent last to whoever may still show it.
 Menu::~Menu() {
@@ -20,19 +18,11 @@ Menu::~Menu() {
     }
 }
 
-void Menu::start_cards() {
-    try {
-        m_cards = std::make_unique<Card_service>();
-    } catch (const std::runtime_error& error) {
-        throw Input_error(std::string("the cards cannot be started: ") + error.what());
-    }
-}
-
 Live_Data_Processor* Menu::add_processor(int slot) {
-    if (m_cards == nullptr) {
+    if (m_card_service.empty()) {
         return nullptr;
     }
-    std::string address = m_cards->address();
+    std::string address = m_card_service;
     m_processors.push_back(std::make_unique<Live_Data_Processor>(0, address.data(), slot));
     return m_processors.back().get();
 }

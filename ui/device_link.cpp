@@ -12,7 +12,7 @@ bool can_post() {
 }
 
 Device_link link_to(Menu& menu) {
-    const auto read_failed = [&device = menu.device()](const Data_entry& entry) {
+    const auto read_failed = [&device = menu.access()](const Data_entry& entry) {
         if (is_live(entry) || entry.Get_pid() == Data_entry::PID_NONE) {
             return false;
         }

@@ -6,7 +6,7 @@
 namespace frontpanel {
 namespace {
 
-constexpr int MOST_SLOTS = Memory_device::SLOT_COUNT - 1;
+constexpr int MOST_SLOTS = 15;  // a product list has 16 records; record 0 is no slot
 // What a slot list writes to each of its texts, terminator included.
 constexpr size_t SLOT_LINE_ROOM = 31;
 constexpr const char* ALWAYS = "*";  // a product option that holds on every product

@@ -52,8 +52,12 @@ public:
     static constexpr size_t MOST_ITEMS =
         1000;  // of one menu: the library walks its list for each of them
 
-    Loader(Menu& menu, Problems& problems, Loading loading)
-        : m_menu(menu), m_problems(problems), m_loading(loading), m_device(m_menu, problems) {}
+    // All outlive the loader.
+    Loader(Menu& menu, Problems& problems, const Loading& loading)
+        : m_menu(menu),
+          m_problems(problems),
+          m_loading(loading),
+          m_device(m_menu, problems, loading) {}
 
     void load(const Json_value& file);
 
@@ -156,7 +160,7 @@ private:
 
     Menu& m_menu;
     Problems& m_problems;
-    Loading m_loading;
+    const Loading& m_loading;
     Device_description m_device;
     std::map<std::string, unsigned int> m_options;
     std::map<std::string, Place> m_option_places;

@@ -1,4 +1,4 @@
-#include "file/menu_document.h"
+#include <frontpanel_menu/menu_document.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -60,7 +60,15 @@ Json_node number_node(int64_t number) {
 
 }  // namespace
 
-const Json_node& Menu_document::read(const std::string& file, const std::string& text) {
+Menu_document::Menu_document(const std::string& file)
+    : Menu_document(file, read_input_file(file)) {}
+
+Menu_document::Menu_document(const std::string& file, const std::string& text) {
+    m_root.kind = Kind::WRONG;  // until it is known better
+    m_problems.attempt([&] { m_root = read(file, text); });
+}
+
+Json_node Menu_document::read(const std::string& file, const std::string& text) {
     const Source& source = m_sources.emplace_back(Source{file, m_sources.size()});
     Json_node written = parse_json(source, text);
     m_including.push_back(fs::weakly_canonical(fs::absolute(file)).string());
@@ -72,9 +80,9 @@ const Json_node& Menu_document::read(const std::string& file, const std::string&
         written.members.erase(templates);
         load_templates(m_templates_text);
     }
-    m_root = expand(written, Scope());
+    Json_node whole = expand(written, Scope());
     warn_of_unused_templates();
-    return m_root;
+    return whole;
 }
 
 // An object of templates, or a list of such objects; any of them may be a file's.

@@ -8,7 +8,6 @@
 #include <frontpanel_menu/list_line.h>
 #include "file/editor_items.h"
 #include "file/loader.h"
-#include "file/menu_document.h"
 
 namespace frontpanel {
 namespace {
@@ -59,16 +58,16 @@ void Loader::load(const Json_value& file) {
     if (const auto options = file.find("options")) {
         load_options(*options);
     }
-    m_problems.attempt([&] {
-        const Json_value device = file.member("device");
-        if (m_loading.cards == Cards::ON && device.find("cards")) {
-            m_menu.start_cards();
+    m_problems.attempt([&] { m_device.load(file.member("device")); });
+    if (m_loading.simulator) {
+        for (const Json_value& options : m_loading.simulator->product_options) {
+            load_options(options);
         }
-        m_device.load(device);
-    });
-    for (const Json_value& options : m_device.product_options()) {
-        load_options(options);
     }
+    for (const auto& [name, value] : m_loading.product_options) {
+        m_options[name] = std::max(m_options[name], value);
+    }
+    m_menu.set_card_service(m_loading.card_service);
     m_menu.bindings()->set_product_options(m_options);
     m_problems.attempt([&] { load_root(file.member("menu")); });
     place_links();
@@ -341,26 +340,30 @@ void Loader::warn_of_options() {
         const bool has_instance = std::any_of(
             m_used_options.begin(), m_used_options.end(),
             [&pattern = name](const std::string& used) { return is_instance_of(used, pattern); });
-        if (is_pattern && !has_instance) {
+        const auto place = m_option_places.find(name);
+        if (is_pattern && !has_instance && place != m_option_places.end()) {
             m_problems.warn(
-                m_option_places.at(name),
+                place->second,
                 "the letter 'n' makes this option a pattern in which 'n' stands for a number");
         }
     }
 }
 
-Loaded_menu load_menu(const std::string& file, Loading loading) {
-    return load_menu_text(file, read_input_file(file), loading);
+Loaded_menu load_menu(const std::string& file, Data_interface& device, const Loading& loading) {
+    Menu_document document(file);
+    return load_menu(document, device, loading);
 }
 
-Loaded_menu load_menu_text(const std::string& file, const std::string& text, Loading loading) {
-    Loaded_menu loaded{std::make_unique<Menu>(), {}};
-    Problems problems;
-    Menu_document document(problems);
-    problems.attempt([&] {
-        const Json_value root(document.read(file, text), problems);
-        Loader(*loaded.menu, problems, loading).load(root);
-    });
+Loaded_menu load_menu_text(const std::string& file, const std::string& text, Data_interface& device,
+                           const Loading& loading) {
+    Menu_document document(file, text);
+    return load_menu(document, device, loading);
+}
+
+Loaded_menu load_menu(Menu_document& document, Data_interface& device, const Loading& loading) {
+    Loaded_menu loaded{std::make_unique<Menu>(device), {}};
+    Problems& problems = document.problems();
+    problems.attempt([&] { Loader(*loaded.menu, problems, loading).load(document.root()); });
     loaded.warnings = problems.warnings();
     if (problems.error_count() > 0) {
         std::vector<std::string> lines = problems.errors();

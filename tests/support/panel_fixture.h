@@ -10,9 +10,9 @@
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/problems.h>
-#include <frontpanel_menu/menu_loader.h>
 #include <frontpanel_ui/controller.h>
 #include "support/json_places.h"
+#include "support/simulated_menu.h"
 
 namespace frontpanel {
 
@@ -36,7 +36,7 @@ inline std::string menu_text(const std::string& parameters, const std::string& i
 // All that is told of a menu file that does not load; empty when it does.
 inline Lines complaints_of(const std::string& text) {
     try {
-        load_menu_text("menu.json", text);
+        simulated_text(text);
     } catch (const Input_errors& errors) {
         return errors.lines();
     }
@@ -63,7 +63,7 @@ struct Error_case {
 class Menu_panel {
 public:
     explicit Menu_panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
-        : m_loaded(load_menu_text("menu.json", text, {cards, size.columns})),
+        : m_loaded(simulated_text(text, size.columns, cards)),
           m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(
             [this](const std::string& warning) { m_controller.warn(warning); });
@@ -72,7 +72,8 @@ public:
         m_controller.show_home(home_of(menu()));
     }
 
-    Memory_device& device() { return m_loaded.menu->device(); }
+    Memory_device& device() { return m_loaded.device(); }
+    Card_service* cards() { return m_loaded.cards(); }
     Menu& menu() { return *m_loaded.menu; }
     Data_entry& root() { return m_loaded.menu->root(); }
     Controller& controller() { return m_controller; }
@@ -124,7 +125,7 @@ private:
     }
 
     bool m_may_post = true;
-    Loaded_menu m_loaded;
+    Simulated_menu m_loaded;
     Controller m_controller;
 };
 

@@ -13,13 +13,11 @@
 
 namespace frontpanel {
 
-constexpr uint16_t LAST_INDEX = 255;   // of a level: a larger one would overlap the next level
-constexpr size_t LONGEST_TEXT = 256;   // characters
-constexpr size_t LONGEST_INDEX = 2;    // levels
+constexpr size_t LONGEST_TEXT = 256;  // characters
 
 // "pid" of a parameter, or of an item that shows one.
 uint32_t pid_of(const Json_value& owner);
-// "index": its levels, at most `LONGEST_INDEX`, each at most `LAST_INDEX`; none when it is missing.
+// "index": its levels, at most 2, each at most 255; none when it is missing.
 std::vector<uint16_t> levels_of(const Json_value& owner);
 // Whether "type" is "text"; otherwise it is "integer".
 bool is_text_parameter(const Json_value& parameter);

@@ -1,4 +1,4 @@
-// A menu with everything it stands on: the device's parameters, the binding engines and the entries.
+// A menu over a device: the device's parameters, the binding engines and the entries.
 //
 // The order of the members is the order of building: entries go first at the end, then what they refer to.
 #ifndef FRONTPANEL_MENU_MENU_H
@@ -9,8 +9,6 @@
 #include <frontpanel_data/data_entry.h>
 #include <frontpanel_data/live_data_processor.h>
 #include <frontpanel_editors/editor_settings.h>
-#include <frontpanel_simulator/card_service.h>
-#include <frontpanel_simulator/memory_device.h>
 
 #include <deque>
 #include <map>
@@ -29,13 +27,12 @@ namespace frontpanel {
 
 class Menu {
 public:
-    Menu();
+    // `device` outlives the menu; only the menu thread uses it through the menu.
+    explicit Menu(Data_interface& device);
     ~Menu();
     Menu(const Menu&) = delete;
     Menu& operator=(const Menu&) = delete;
 
-    // The device itself, past whatever its values are kept in: for its faults, records and own changes.
-    Memory_device& device() { return m_device; }
     // The device as everything of the menu reads and writes it, so that the rules see what passes.
     Caching_device& access() { return m_access; }
     Declared_parameters& parameters() { return m_parameters; }
@@ -67,11 +64,10 @@ public:
         return m_mounted_menus;
     }
 
-    // Starts the web service of the device's cards on a free port of loopback. Input_error when there is none.
-    void start_cards();
-    // Null until started.
-    Card_service* cards() { return m_cards.get(); }
-    // What fetches the live data of the card in a slot, one for each call; null without cards.
+    // Where the web service of the device's cards is, such as "127.0.0.1:8080", at most 15 characters of it.
+    // Empty, the default: there is none, and live options are never fetched.
+    void set_card_service(const std::string& address) { m_card_service = address; }
+    // What fetches the live data of the card in a slot, one for each call; null without a service.
     Live_Data_Processor* add_processor(int slot);
 
     // How the values of entries are edited, and how the encoder works.
@@ -103,11 +99,10 @@ private:
         std::vector<char*> array;
     };
 
-    Memory_device m_device;
     Declared_parameters m_parameters;
     std::shared_ptr<Binding_registry> m_bindings;
     Caching_device m_access;
-    std::unique_ptr<Card_service> m_cards;
+    std::string m_card_service;
     std::vector<std::unique_ptr<Live_Data_Processor>> m_processors;
     std::deque<Texts> m_texts;
     std::deque<Index_t> m_indices;

@@ -9,20 +9,26 @@
 #include <string>
 #include <vector>
 
-#include <frontpanel_base/json_document.h>
+#include <frontpanel_base/json_value.h>
+#include <frontpanel_base/problems.h>
 
 namespace frontpanel {
 
 class Menu_document {
 public:
-    // What is found wrong becomes one of `problems`, whose places refer to the document.
-    explicit Menu_document(Problems& problems) : m_problems(problems) {}
+    // Reads a file with all that it includes. Mistakes in it, invalid JSON included, become problems of the document.
+    // Input_error when the file cannot be read, Input_errors when its values grow beyond any menu.
+    explicit Menu_document(const std::string& file);
+    // The same from the text of a file: names of included files are relative to the folder of `file`.
+    Menu_document(const std::string& file, const std::string& text);
     Menu_document(const Menu_document&) = delete;
     Menu_document& operator=(const Menu_document&) = delete;
 
-    // `text` is the text of `file`, on whose folder the names of included files are based. Placed_error when
-    // it is no JSON, or grows beyond any menu. The values live as long as the document.
-    const Json_node& read(const std::string& file, const std::string& text);
+    // The whole document; valid as long as the document lives. Where the file is no JSON, access to it throws, so
+    // read it within `Problems::attempt`.
+    Json_value root() { return {m_root, m_problems}; }
+    // Whoever reads a part of the document reports here what is wrong with it.
+    Problems& problems() { return m_problems; }
 
 private:
     struct Template {
@@ -39,6 +45,7 @@ private:
         size_t depth = 0;                         // of templates in templates
     };
 
+    Json_node read(const std::string& file, const std::string& text);
     void load_templates(const Json_node& templates);
     void load_template(const Json_member& member);
     void warn_of_unused_templates();
@@ -57,7 +64,7 @@ private:
     void count(const Place& place, size_t values);
     void expect_members(const Json_node& node, const std::vector<const char*>& known);
 
-    Problems& m_problems;
+    Problems m_problems;
     std::deque<Source> m_sources;
     std::deque<std::string> m_copies;
     std::map<std::string, Json_node> m_files;  // by their full names; WRONG for one that is

@@ -1,12 +1,20 @@
-// Builds a menu from a menu file. docs/menu-file.md describes the file.
+// Builds a menu over any device from a menu file. docs/menu-file.md describes the file.
 #ifndef FRONTPANEL_MENU_MENU_LOADER_H
 #define FRONTPANEL_MENU_MENU_LOADER_H
 
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <frontpanel_base/json_value.h>
 #include <frontpanel_menu/menu.h>
+#include <frontpanel_menu/menu_document.h>
 
 namespace frontpanel {
 
@@ -16,20 +24,38 @@ struct Loaded_menu {
     std::vector<std::string> warnings;
 };
 
-// Whether the cards that the file describes run. Without them live options are never fetched.
-enum class Cards { OFF, ON };
+// What a simulator that has read the same document knows of its device.
+struct Simulator_facts {
+    // What products bring, one object each: see "options" of a product.
+    std::vector<Json_value> product_options;
+    // Whether the card in a slot has a tree, or a combo box, of that parameter id.
+    std::function<bool(int slot, uint32_t pid, bool is_tree)> has_document;
+    // Pid and variable index of parameters whose start value is wrong, which it has reported.
+    std::set<std::pair<uint32_t, uint32_t>> wrong_parameters;
+};
 
 // How a menu is loaded.
 struct Loading {
-    Cards cards = Cards::OFF;
     // Of the display that the menu is for: a name that does not fit is warned of.
     int columns = 20;
+    // Product options beside those of the file; of one that both have, the higher value counts.
+    std::map<std::string, unsigned int> product_options = {};
+    // Where the web service of the device's cards is: see `Menu::set_card_service`.
+    std::string card_service = {};
+    // Without a simulator "value", "products" and "cards" of the file's device are ignored with a warning, and any
+    // card may have any document.
+    std::optional<Simulator_facts> simulator = std::nullopt;
 };
 
-// Input_errors with all that is wrong with the file, the warnings last, or Input_error when it cannot be read.
-Loaded_menu load_menu(const std::string& file, Loading loading = {});
-// The same from the text of a file; `file` only names it.
-Loaded_menu load_menu_text(const std::string& file, const std::string& text, Loading loading = {});
+// Builds the menu of a file over `device`, which outlives it and is not accessed while loading. Input_errors with all
+// that is wrong with the file, the warnings last, or Input_error when it cannot be read.
+Loaded_menu load_menu(const std::string& file, Data_interface& device, const Loading& loading = {});
+// The same from the text of a file; `file` only names it and is what included files are relative to.
+Loaded_menu load_menu_text(const std::string& file, const std::string& text, Data_interface& device,
+                           const Loading& loading = {});
+// The same from a document whose other parts, such as a simulator's, were read before: problems that it has by then
+// are among the errors and warnings. The menu does not need the document.
+Loaded_menu load_menu(Menu_document& document, Data_interface& device, const Loading& loading = {});
 
 }  // namespace frontpanel
 

@@ -44,7 +44,7 @@ public:
         }
     }
     Menu_panel* operator->() { return &m_panel; }
-    Card_service& card() { return *m_panel.menu().cards(); }
+    Card_service& card() { return *m_panel.cards(); }
 
 private:
     int m_pid;

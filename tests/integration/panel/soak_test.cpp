@@ -105,7 +105,7 @@ public:
     size_t demanded_writes() const { return m_demanded_writes; }
     size_t failed_writes() const { return m_failed_writes; }
     size_t opened_editors() const { return m_opened_editors; }
-    size_t requests() { return m_panel.menu().cards()->requests().size(); }
+    size_t requests() { return m_panel.cards()->requests().size(); }
     const std::set<std::string>& screens() const { return m_screens; }
 
 private:
@@ -176,8 +176,8 @@ private:
     std::string disturb_cards() {
         constexpr double PROBABILITIES[] = {0, 0, 0.3, 1};
         const double probability = PROBABILITIES[below(std::size(PROBABILITIES))];
-        m_panel.menu().cards()->set_random_faults(static_cast<uint32_t>(m_random()), probability,
-                                                  std::chrono::milliseconds(5));
+        m_panel.cards()->set_random_faults(static_cast<uint32_t>(m_random()), probability,
+                                           std::chrono::milliseconds(5));
         return "cards fail with probability " + std::to_string(probability);
     }
 

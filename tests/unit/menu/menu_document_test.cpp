@@ -30,12 +30,12 @@ std::string tree_of(Data_entry& menu) {
 }
 
 std::string tree_of(const std::string& text) {
-    return tree_of(load_menu_text("menu.json", text).menu->root());
+    return tree_of(simulated_text(text).menu->root());
 }
 
 TEST(MenuDocument, ARepetitionCountsInTextsAndNumbers) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json", with_items(R"({"type": "range", "name": "Gain {n}", "pid": "{n*10+100}",
+    Simulated_menu loaded =
+        simulated_text(with_items(R"({"type": "range", "name": "Gain {n}", "pid": "{n*10+100}",
                                     "index": ["{n-1}"], "description": "{n}{n}, {n+10}",
                                     "repeat": {"counter": "n", "from": 1, "to": 3}})"));
     EXPECT_EQ(tree_of(loaded.menu->root()), "Gain 1, Gain 2, Gain 3");
@@ -43,7 +43,7 @@ TEST(MenuDocument, ARepetitionCountsInTextsAndNumbers) {
     EXPECT_EQ(second.Get_pid(), 120U);
     EXPECT_EQ(second.Get_index()->m_index[0], 1);
     EXPECT_STREQ(second.Get_description(), "22, 12");
-    EXPECT_EQ(loaded.menu->device().integer(130, 2), 3);
+    EXPECT_EQ(loaded.device().integer(130, 2), 3);
 }
 
 TEST(MenuDocument, RepetitionsStandInEachOther) {
@@ -141,7 +141,7 @@ TEST(MenuDocument, AnErrorNamesPlaceCopyAndExpectation) {
 TEST(MenuDocument, AnUnusedTemplateIsWarnedOf) {
     const std::string text = with_items(R"({"type": "range", "name": "G", "parameter": "gain 1"})",
                                         R"({"spare": {"content": []}})");
-    EXPECT_EQ(load_menu_text("menu.json", text).warnings,
+    EXPECT_EQ(simulated_text(text).warnings,
               (Lines{placed(text,
                             "menu.json: /templates/spare@: warning: template \"spare\" is not "
                             "used, so its content is not checked")}));
@@ -178,7 +178,8 @@ protected:
     std::string errors() {
         std::string all;
         try {
-            m_loaded = load_menu(m_folder.file("menu.json"));
+            m_loaded.menu.reset();
+            m_loaded = simulated_file(m_folder.file("menu.json"));
         } catch (const Input_errors& errors) {
             for (const std::string& line : errors.lines()) {
                 all += (all.empty() ? "" : "\n") + line;
@@ -191,7 +192,7 @@ protected:
         return all;
     }
     support::Folder m_folder;
-    Loaded_menu m_loaded;
+    Simulated_menu m_loaded;
 };
 
 TEST_F(Menu_files, AreReadFromTheFolderOfTheFileThatIncludesThem) {

@@ -53,10 +53,10 @@ Link_entry& link_in(Data_entry& menu, size_t position) {
 }
 
 TEST(MenuLinks, ALinkStandsInItsPlaceThoughItsTargetComesLater) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json", with_items(R"({"type": "range", "name": "Mute", "parameter": "mute"},
+    Simulated_menu loaded =
+        simulated_text(with_items(R"({"type": "range", "name": "Mute", "parameter": "mute"},
                                    {"type": "link", "target": "Audio/Gain 2"},)" +
-                                std::string(AUDIO) + R"(, {"type": "link", "target": "first"})"));
+                                  std::string(AUDIO) + R"(, {"type": "link", "target": "first"})"));
     Data_entry& root = loaded.menu->root();
     EXPECT_EQ(names_of(root), (Lines{"Mute", "Audio.Gain 2", "Audio", "Audio.Gain 1"}));
     Link_entry& link = link_in(root, 1);
@@ -69,8 +69,7 @@ TEST(MenuLinks, ALinkStandsInItsPlaceThoughItsTargetComesLater) {
 }
 
 TEST(MenuLinks, OnlyLinksOrLinksAloneMakeAMenuToo) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json",
+    Simulated_menu loaded = simulated_text(
         with_items(std::string(AUDIO) + R"(, {"type": "node", "name": "Short", "items": [
             {"type": "link", "target": "Audio/Gain 1"}, {"type": "link", "target": "Audio"}]})"));
     Data_entry& shortcuts = *children_of(loaded.menu->root())[1];
@@ -78,7 +77,7 @@ TEST(MenuLinks, OnlyLinksOrLinksAloneMakeAMenuToo) {
 }
 
 TEST(MenuLinks, ALinkBehavesAndEscapesAsItsItemTells) {
-    const Loaded_menu loaded = load_menu_text("menu.json", with_items(std::string(AUDIO) + R"(,
+    Simulated_menu loaded = simulated_text(with_items(std::string(AUDIO) + R"(,
             {"type": "link", "target": "first", "id": "short", "behaviour": "skip", "shortcut": 7,
              "escape": {"redraw": "Audio", "escape": "later"}},
             {"type": "link", "target": "first", "id": "later", "behaviour": "stay",
@@ -99,7 +98,7 @@ TEST(MenuLinks, ALinkWhoseNameIsLostIsWarnedOf) {
     const std::string text = with_items(R"({"type": "node", "name": "Audio processing", "items": [
                        {"type": "range", "name": "Gain of 1", "parameter": "gain 1"}]},
                       {"type": "link", "target": "Audio processing/Gain of 1"})");
-    EXPECT_EQ(load_menu_text("menu.json", text, {Cards::OFF, 40}).warnings,
+    EXPECT_EQ(simulated_text(text, 40).warnings,
               (Lines{placed(text,
                             "menu.json: /menu/items/1/target: warning: this link is named \"Audio "
                             "processing.(null)\": with those of the menus around it, the name of "
@@ -107,8 +106,8 @@ TEST(MenuLinks, ALinkWhoseNameIsLostIsWarnedOf) {
 }
 
 TEST(MenuLinks, ABridgeOwnsWhatItLeadsTo) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json", with_items(R"({"type": "bridge", "id": "bridge", "behaviour": "skip",
+    Simulated_menu loaded =
+        simulated_text(with_items(R"({"type": "bridge", "id": "bridge", "behaviour": "skip",
                        "item": {"type": "range", "parameter": "gain 2", "format": "%d dB"}},
                       {"type": "range", "name": "Mute", "parameter": "mute"})"));
     Data_entry& root = loaded.menu->root();
@@ -195,8 +194,8 @@ TEST(MenuLinks, AnErrorNamesPlaceAndExpectation) {
 }
 
 TEST(MenuLinks, AToggleInNamesBecomesOneInAddresses) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json", with_home(R"({"target": "first", "toggle": "[mute] == 0 && [gain 2] > 3"},
+    Simulated_menu loaded =
+        simulated_text(with_home(R"({"target": "first", "toggle": "[mute] == 0 && [gain 2] > 3"},
                                   {"target": "first", "toggle": "a=[101]; a=a+[100.2]==5"},
                                   {"target": "first", "toggle": ""},
                                   {"target": "first"})"));
@@ -218,29 +217,28 @@ TEST(MenuLinks, AToggleWithoutAParameterIsWarnedOf) {
                                   {"target": "first", "toggle": "3 == [mute]"})");
     const std::string warning =
         "/toggle: warning: this toggle names no parameter, so it never changes";
-    EXPECT_EQ(load_menu_text("menu.json", text, {Cards::OFF, 40}).warnings,
+    EXPECT_EQ(simulated_text(text, 40).warnings,
               (Lines{placed(text, "menu.json: /homescreen/0" + warning),
                      placed(text, "menu.json: /homescreen/1" + warning)}));
 }
 
 TEST(MenuLinks, AHomescreenLinkFollowsItsToggle) {
-    const Loaded_menu loaded =
-        load_menu_text("menu.json", with_home(R"({"target": "first", "toggle": "[mute] == 1"})"));
+    Simulated_menu loaded =
+        simulated_text(with_home(R"({"target": "first", "toggle": "[mute] == 1"})"));
     Menu& menu = *loaded.menu;
     Link_entry& link = link_in(*menu.homescreen(), 0);
     menu.bindings()->poll();
     EXPECT_EQ(link.isVisible(true, &menu.access()), VIS_FALSE);
-    menu.device().set_integer(101, 0, 1);
+    loaded.device().set_integer(101, 0, 1);
     menu.bindings()->poll();
     EXPECT_EQ(link.isVisible(true, &menu.access()), VIS_TRUE);
 }
 
 TEST(MenuLinks, AToggleTakesNumbersBelowZero) {
-    const Loaded_menu loaded =
-        load_menu_text("menu.json", with_home(R"({"target": "first", "toggle": "![gain 1]"},
+    Simulated_menu loaded = simulated_text(with_home(R"({"target": "first", "toggle": "![gain 1]"},
                                   {"target": "first", "toggle": "[gain 1] ** 2 == 9"})"));
     Menu& menu = *loaded.menu;
-    menu.device().set_integer(100, 1, -3);
+    loaded.device().set_integer(100, 1, -3);
     menu.bindings()->poll();
     EXPECT_EQ(link_in(*menu.homescreen(), 0).CheckToggleState(), 0);
     EXPECT_EQ(link_in(*menu.homescreen(), 1).CheckToggleState(), 1);
@@ -265,8 +263,7 @@ TEST(MenuLinks, ADisplayExpressionMayNotTakeTheTogglesResultAway) {
 }
 
 TEST(MenuLinks, FavouritesAreAMenuOfTheirOwn) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json",
+    Simulated_menu loaded = simulated_text(
         with_items(AUDIO, R"("favourites": [{"target": "Audio"}, {"target": "Audio/Gain 2"}])"));
     Data_entry& favourites = *loaded.menu->favourites();
     EXPECT_EQ(names_of(favourites), (Lines{"Audio", "Audio.Gain 2"}));
@@ -280,10 +277,12 @@ protected:
         std::ofstream(m_folder.file("presets/" + name)) << text;
     }
     Menu& load() {
-        m_loaded = load_menu_text(m_folder.file("menu.json"),
-                                  with_items(R"({"type": "mount", "name": "Presets",
-                                                 "folder": "presets"},)" +
-                                             std::string(AUDIO)));
+        Menu_document document(m_folder.file("menu.json"),
+                               with_items(R"({"type": "mount", "name": "Presets",
+                                              "folder": "presets"},)" +
+                                          std::string(AUDIO)));
+        m_loaded.menu.reset();
+        m_loaded = simulate(document);
         return *m_loaded.menu;
     }
     Link_entry& link() { return link_in(m_loaded.menu->root(), 0); }
@@ -291,7 +290,7 @@ protected:
     Data_entry* leave() { return neighbour(link(), Data_entry::OPERATION_PARENT); }
 
     support::Folder m_folder;
-    Loaded_menu m_loaded;
+    Simulated_menu m_loaded;
 
 private:
     void SetUp() override { std::filesystem::create_directory(m_folder.file("presets")); }
@@ -321,13 +320,13 @@ TEST_F(Mounted_presets, WriteTheirValuesWhenTheyAreCommitted) {
     Menu& menu = load();
     Data_entry& preset = *enter();
     EXPECT_EQ(commit(preset, menu.access()), 0);
-    EXPECT_EQ(menu.device().integer(100, 1), 3);
+    EXPECT_EQ(m_loaded.device().integer(100, 1), 3);
     preset.Inc_value(1, 0);
     EXPECT_EQ(display_value(preset, 8), "load");
     EXPECT_EQ(commit(preset, menu.access()), 0);
-    EXPECT_EQ(menu.device().integer(100, 1), -10);
-    EXPECT_EQ(menu.device().integer(100, 2), 7);
-    EXPECT_EQ(menu.device().text(102, 0), "Sport");
+    EXPECT_EQ(m_loaded.device().integer(100, 1), -10);
+    EXPECT_EQ(m_loaded.device().integer(100, 2), 7);
+    EXPECT_EQ(m_loaded.device().text(102, 0), "Sport");
     EXPECT_EQ(display_value(preset, 8), "-");
 }
 
@@ -342,7 +341,7 @@ TEST_F(Mounted_presets, TellWhichFilesCannotBeUsed) {
         EXPECT_EQ(preset->Get_access_type(), Data_entry::READ_ONLY);
         EXPECT_EQ(commit(*preset, menu.access()), 0);
     }
-    EXPECT_EQ(menu.device().integer(101, 0), 0);
+    EXPECT_EQ(m_loaded.device().integer(101, 0), 0);
     const std::string folder = m_folder.file("presets");
     EXPECT_EQ(menu.mounted_menus().at(0)->problems(),
               (Lines{folder + "/Broken.json:1:2: Missing a name for object member.",

@@ -256,14 +256,14 @@ TEST(MenuLoader, ANameThatTheDisplayHasNoRoomForIsWarnedOf) {
                {"type": "range", "name": "Ten lettrs", "pid": 5}]},
            {"type": "node", "name": "Sixteen letters.:x", "items": [
                {"type": "range", "name": "Level", "pid": 5}]})");
-    EXPECT_EQ(load_menu_text("menu.json", text, {Cards::OFF, 20}).warnings,
+    EXPECT_EQ(simulated_text(text, 20).warnings,
               (Lines{placed(text,
                             "menu.json: /menu/items/0/name: warning: a display of 20 columns "
                             "shows this name as \"Temperatur\""),
                      placed(text,
                             "menu.json: /menu/items/2/name: warning: a display of 20 columns "
                             "shows this name as \"Sixteen letters\"")}));
-    EXPECT_TRUE(load_menu_text("menu.json", text, {Cards::OFF, 40}).warnings.empty());
+    EXPECT_TRUE(simulated_text(text, 40).warnings.empty());
 }
 
 TEST(MenuLoader, WarningsAreToldWithTheErrors) {
@@ -309,7 +309,7 @@ TEST(MenuLoader, ItemsThatNoWayLeadsToAreWarnedOf) {
     };
     const char* const EMPTY = "this menu is never shown, since none of its items is";
     EXPECT_EQ(
-        load_menu_text("menu.json", text).warnings,
+        simulated_text(text).warnings,
         (Lines{warning("1/shortcut", "this button leads to an item that is never shown"),
                warning("2/options", "none of these options is declared, so this is never shown"),
                warning("3", EMPTY), warning("3/items/0", EMPTY),
@@ -324,7 +324,7 @@ TEST(MenuLoader, PlacesCountFromTheByteOrderMarkAndBehindEscapes) {
 
 TEST(MenuLoader, AMissingFileIsNamed) {
     try {
-        load_menu("no-such-menu.json");
+        simulated_file("no-such-menu.json");
         FAIL();
     } catch (const Input_error& error) {
         EXPECT_STREQ(error.what(),
@@ -334,7 +334,7 @@ TEST(MenuLoader, AMissingFileIsNamed) {
 
 TEST(MenuLoader, AnEndlessFileIsRefused) {
     try {
-        load_menu("/dev/zero");
+        simulated_file("/dev/zero");
         FAIL();
     } catch (const Input_error& error) {
         EXPECT_STREQ(error.what(), "/dev/zero: is larger than 4 MiB");
@@ -343,7 +343,7 @@ TEST(MenuLoader, AnEndlessFileIsRefused) {
 
 TEST(MenuLoader, AFolderIsRefused) {
     try {
-        load_menu(FRONTPANEL_SOURCE_DIR "/menus");
+        simulated_file(FRONTPANEL_SOURCE_DIR "/menus");
         FAIL();
     } catch (const Input_error& error) {
         EXPECT_STREQ(error.what(), FRONTPANEL_SOURCE_DIR "/menus: cannot be read: Is a directory");
@@ -351,7 +351,7 @@ TEST(MenuLoader, AFolderIsRefused) {
 }
 
 TEST(MenuLoader, ARangeTakesItsBoundsFromTheParameter) {
-    const Loaded_menu loaded = load_menu_text("menu.json", with_range(R"("description": "d")"));
+    Simulated_menu loaded = simulated_text(with_range(R"("description": "d")"));
     auto* const range = dynamic_cast<Range_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(range, nullptr);
     EXPECT_EQ(range->Get_min(), 0);
@@ -362,8 +362,8 @@ TEST(MenuLoader, ARangeTakesItsBoundsFromTheParameter) {
 }
 
 TEST(MenuLoader, ABoundRangeHasAllowedValuesBeforeItsFirstRefresh) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json", with_range(R"("min": 5, "max": 60, "binding": "range 10..20 if [5] == 7")"));
+    Simulated_menu loaded =
+        simulated_text(with_range(R"("min": 5, "max": 60, "binding": "range 10..20 if [5] == 7")"));
     auto* const range = dynamic_cast<Range_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(range, nullptr);
     EXPECT_EQ(range->Get_min(), 5);
@@ -380,7 +380,7 @@ TEST(MenuLoader, WarnsOfAnOptionThatIsAPatternByAccident) {
         LEVEL, R"({"type": "range", "name": "Level", "pid": 5, "options": ["slot2", "tone"]})",
         R"({"slotn": 4, "tone": 1, "dolby": 1})");
     EXPECT_EQ(
-        load_menu_text("menu.json", text).warnings,
+        simulated_text(text).warnings,
         (Lines{placed(
             text,
             "menu.json: /options/tone@: warning: the letter 'n' makes this option a pattern in which "
@@ -388,7 +388,7 @@ TEST(MenuLoader, WarnsOfAnOptionThatIsAPatternByAccident) {
 }
 
 TEST(MenuLoader, TheShippedMenuLoadsWithoutWarning) {
-    const Loaded_menu loaded = load_menu(FRONTPANEL_SOURCE_DIR "/menus/demo.json");
+    Simulated_menu loaded = simulated_file(FRONTPANEL_SOURCE_DIR "/menus/demo.json");
     EXPECT_TRUE(loaded.warnings.empty());
     EXPECT_GE(loaded.menu->entry_count(), 20U);
 }

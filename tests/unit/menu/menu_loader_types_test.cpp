@@ -146,8 +146,7 @@ TEST(MenuLoaderTypes, EveryTypeBuildsItsEntry) {
         {"slot", R"("pid": 7)", Data_entry::SLOT_ENUM, 7, Data_entry::READ_WRITE},
     };
     for (const Type_case& expected : CASES) {
-        const Loaded_menu loaded =
-            load_menu_text("menu.json", with_item(expected.type, expected.members));
+        Simulated_menu loaded = simulated_text(with_item(expected.type, expected.members));
         const Data_entry* const entry = loaded.menu->root().Get_child();
         ASSERT_NE(entry, nullptr) << expected.type;
         EXPECT_EQ(entry->Get_entry_type(), expected.built) << expected.type;
@@ -158,7 +157,7 @@ TEST(MenuLoaderTypes, EveryTypeBuildsItsEntry) {
 }
 
 TEST(MenuLoaderTypes, ATextIsAsLongAsItsParameter) {
-    const Loaded_menu loaded = load_menu_text("menu.json", with_item("text", R"("pid": 20)"));
+    Simulated_menu loaded = simulated_text(with_item("text", R"("pid": 20)"));
     auto* const text = dynamic_cast<String_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(text->Get_max_length(), 8U);
@@ -168,7 +167,7 @@ TEST(MenuLoaderTypes, AChoiceWithoutProductOptionsStaysBesideThoseThatHaveSome) 
     const std::string text = with_item("enum", R"("pid": 5,
         "choices": ["Off", {"text": "Modem", "options": ["modem"]},
                     {"text": "GPS", "options": ["gps"]}])");
-    const Loaded_menu loaded = load_menu_text("menu.json", text);
+    Simulated_menu loaded = simulated_text(text);
     auto* const entry = dynamic_cast<Enum_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(entry, nullptr);
     EXPECT_EQ(entry->optionControls(), (ControlsT{0, 2}));
@@ -179,7 +178,7 @@ TEST(MenuLoaderTypes, AChoiceWithoutProductOptionsStaysBesideThoseThatHaveSome) 
 }
 
 TEST(MenuLoaderTypes, HiddenChoicesAtTheEndOfTheListAreNotWarnedOf) {
-    const Loaded_menu loaded = load_menu_text("menu.json", with_item("enum", R"("pid": 5,
+    Simulated_menu loaded = simulated_text(with_item("enum", R"("pid": 5,
         "choices": ["Off", {"text": "GPS", "options": ["gps"]},
                     {"text": "Modem", "options": ["modem"]}])"));
     EXPECT_TRUE(loaded.warnings.empty());

@@ -36,7 +36,7 @@ protected:
         return "";
     }
 
-    Loaded_menu m_loaded = load_menu_text("menu.json", MENU);
+    Simulated_menu m_loaded = simulated_text(MENU);
 };
 
 TEST_F(Menu_reports, TheTreeHasALineForEachEntryWithATabForEachMenuAround) {
@@ -108,7 +108,7 @@ TEST_F(Menu_reports, AHiddenEntryIsExplainedByItsRulesAndTheValuesTheySaw) {
               "  access: read-only\n"
               "  allowed: range={  [0, 100] }\n");
     EXPECT_EQ(explained("gain"), explained("Audio/Gain"));
-    menu().device().set_integer(101, 0, 1);
+    m_loaded.device().set_integer(101, 0, 1);
     EXPECT_EQ(explained("gain"),
               "Audio: shown\n"
               "Audio/Gain: shown\n"
@@ -164,9 +164,9 @@ TEST_F(Menu_reports, AnEntryThatIsNotThereIsTold) {
 }
 
 TEST(Menu_tree, APathOfSeveralEntriesIsNone) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json", menu_text(R"({"pid": 100, "type": "integer", "min": 0, "max": 9, "value": 3})",
-                               R"({"type": "range", "name": "Gain", "pid": 100},
+    Simulated_menu loaded = simulated_text(
+        menu_text(R"({"pid": 100, "type": "integer", "min": 0, "max": 9, "value": 3})",
+                  R"({"type": "range", "name": "Gain", "pid": 100},
                                   {"type": "range", "name": "Gain", "pid": 100, "id": "two"})"));
     EXPECT_EQ(find_entry(*loaded.menu, "two").entry, loaded.menu->root().Get_child()->Get_next());
     try {

@@ -38,13 +38,13 @@ constexpr const char* NODE = R"({"type": "node", "name": "Node",
     "items": [{"type": "range", "name": "Mode", "parameter": "mode"}])";
 
 TEST(MenuRules, ParametersGoByTheirNames) {
-    const Loaded_menu loaded =
-        load_menu_text("menu.json", with_rules("visible if [mode] == 1 and [6.1] > 2; "
-                                               "range -10..5 if [input 1 gain] == 3"));
+    Simulated_menu loaded =
+        simulated_text(with_rules("visible if [mode] == 1 and [6.1] > 2; "
+                                  "range -10..5 if [input 1 gain] == 3"));
     Data_entry& gain = *loaded.menu->root().Get_child();
     EXPECT_GE(gain.isVisible(true, &loaded.menu->access()), 0);
     EXPECT_EQ(static_cast<Range_entry&>(gain).Get_max(), 5);
-    loaded.menu->device().set_integer(5, 0, 2);
+    loaded.device().set_integer(5, 0, 2);
     loaded.menu->bindings()->poll();
     EXPECT_LT(gain.isVisible(true, &loaded.menu->access()), 0);
 }
@@ -138,7 +138,7 @@ TEST(MenuRules, WhatElseIsWrongWithRulesOfAWrongParameterIsTold) {
 
 TEST(MenuRules, TheEndsOfARangeStandInEitherOrder) {
     Menu_panel panel(with_rules("range 3..-1 if [mode]"));
-    EXPECT_TRUE(load_menu_text("menu.json", with_rules("range 3..-1 if [mode]")).warnings.empty());
+    EXPECT_TRUE(simulated_text(with_rules("range 3..-1 if [mode]")).warnings.empty());
     auto& gain = static_cast<Range_entry&>(panel.item(0));
     gain.Refresh(&panel.menu().access(), true);
     EXPECT_EQ(gain.Get_min(), -1);
@@ -216,7 +216,7 @@ TEST(MenuRules, AllThatDoesNotFitIsToldAtOnce) {
 
 TEST(MenuRules, ConditionsThatReadNothingAreWarnedOfWhereTheyStand) {
     const std::string text = with_rules("visible if 5 == 1");
-    const Loaded_menu loaded = load_menu_text("menu.json", text);
+    Simulated_menu loaded = simulated_text(text);
     ASSERT_EQ(loaded.warnings.size(), 1U);
     const std::string place = error_at(text, 12, "warning: ");
     EXPECT_EQ(loaded.warnings[0].substr(0, place.size()), place);
@@ -236,7 +236,7 @@ TEST(MenuRules, CirclesOfWritesAreErrorsAndThoseOfLimitsWarnings) {
          "binding": "range 0..[input 1 gain]"},
         {"type": "range", "name": "Gain", "parameter": "input 1 gain",
          "binding": "range [mode]..12"})");
-    const Loaded_menu loaded = load_menu_text("menu.json", limits);
+    Simulated_menu loaded = simulated_text(limits);
     ASSERT_EQ(loaded.warnings.size(), 1U);
     EXPECT_NE(loaded.warnings[0].find("warning: rules limit each other in a circle: "),
               std::string::npos)

@@ -82,12 +82,15 @@ TEST(SimulatedDevice, AWrongStartValueIsReportedAndItsParameterKnown) {
         {"pid": 7, "index": [1], "type": "text", "length": 4, "value": "MUTED"}]}})";
     Simulation device(text);
     EXPECT_EQ(device.errors(),
-              placed(text, "menu.json: /device/parameters/0/value: expected a whole number from 0 "
-                           "to 9, found 10") +
-                  "\n" + placed(text, "menu.json: /device/parameters/1: expected a member \"value\"") +
+              placed(text,
+                     "menu.json: /device/parameters/0/value: expected a whole number from 0 "
+                     "to 9, found 10") +
                   "\n" +
-                  placed(text, "menu.json: /device/parameters/2/value: expected a text of 0 to 4 "
-                               "characters, found 5"));
+                  placed(text, "menu.json: /device/parameters/1: expected a member \"value\"") +
+                  "\n" +
+                  placed(text,
+                         "menu.json: /device/parameters/2/value: expected a text of 0 to 4 "
+                         "characters, found 5"));
     EXPECT_EQ(device->wrong_parameters(),
               (std::set<std::pair<uint32_t, uint32_t>>{{5, 0}, {6, 0}, {7, 1}}));
 }
@@ -165,7 +168,8 @@ TEST(SimulatedDevice, ATreeThatIsTooDeepIsRefused) {
 }
 
 TEST(SimulatedDevice, ProductsStandInTheirSlotsWithTheirAliases) {
-    Simulation device(with_product(R"("id": 7, "name": "DEC-4", "family": "Decoder", "alias": "Main")"));
+    Simulation device(
+        with_product(R"("id": 7, "name": "DEC-4", "family": "Decoder", "alias": "Main")"));
     PROD_LIST_S list[Memory_device::SLOT_COUNT] = {};
     ASSERT_EQ(device->memory().Get_prod_list(list, false, true), 0);
     EXPECT_EQ(list[2].prod_id, 7);

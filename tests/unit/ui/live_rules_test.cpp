@@ -27,7 +27,7 @@ std::string differences(Menu_panel& panel, const std::string& script) {
     std::ostringstream out;
     std::ostringstream differences;
     Text_display display(out);
-    Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
+    Script_player player(panel.controller(), panel.device(), panel.cards(), display, out,
                          differences);
     player.play(parse_script("a.script", script));
     return differences.str();

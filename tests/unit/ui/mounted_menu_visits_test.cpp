@@ -157,9 +157,9 @@ TEST_F(Mounted_menu_visits, LeaveNothingBehindHoweverOftenAndByWhicheverWay) {
 
 // The builder and its counterpart come in pairs, also when the panel ends inside the menu.
 TEST(Mount_links, AreLeftWhenThePanelEnds) {
-    const Loaded_menu loaded = load_menu_text(
-        "menu.json", menu_text(R"({"pid": 100, "type": "integer", "min": 0, "max": 9, "value": 3})",
-                               R"({"type": "range", "name": "Gain", "pid": 100})"));
+    Simulated_menu loaded = simulated_text(
+        menu_text(R"({"pid": 100, "type": "integer", "min": 0, "max": 9, "value": 3})",
+                  R"({"type": "range", "name": "Gain", "pid": 100})"));
     Data_entry& root = loaded.menu->root();
     Data_entry& gain = *root.Get_child();
     Link_entry link(&gain);

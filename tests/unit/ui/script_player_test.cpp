@@ -25,7 +25,7 @@ Outcome play(const std::string& script) {
     std::ostringstream out;
     std::ostringstream differences;
     Text_display display(out);
-    Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
+    Script_player player(panel.controller(), panel.device(), panel.cards(), display, out,
                          differences);
     const int failures = player.play(parse_script("a.script", script));
     return {failures, out.str(), differences.str()};
@@ -148,8 +148,7 @@ TEST(ScriptPlayer, AParameterThatTheDeviceLacksIsAnErrorBeforeAnythingIsPlayed) 
         std::ostringstream out;
         Menu_panel panel(menu_text(PARAMETERS, ITEMS), {16, 2});
         Text_display display(out);
-        Script_player player(panel.controller(), panel.device(), panel.menu().cards(), display, out,
-                             out);
+        Script_player player(panel.controller(), panel.device(), panel.cards(), display, out, out);
         try {
             player.play(parse_script("a.script", std::string("select\n") + step));
             ADD_FAILURE() << step;

@@ -31,7 +31,7 @@ bool can_post();
 
 class Menu;
 
-// A link to the in-memory device of a menu, which outlives it and has no network beyond loopback.
+// A link to the device of a menu, which outlives it. Only loopback addresses belong to its network.
 Device_link link_to(Menu& menu);
 
 }  // namespace frontpanel
