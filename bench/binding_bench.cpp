@@ -16,9 +16,9 @@
 #include <rapidjson/document.h>
 
 #include <frontpanel_base/json_document.h>
-#include "binding_compiler.h"
-#include "machine.h"
-#include "program.h"
+#include "language/compiler.h"
+#include "language/machine.h"
+#include "language/program.h"
 
 using namespace frontpanel;
 

@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "binding_compiler.h"
-#include "binding_core.h"
-#include "binding_engine.h"
-#include "dependency_cycles.h"
+#include "engine/core.h"
+#include "engine/dependency_cycles.h"
+#include "engine/engine.h"
+#include "language/compiler.h"
 
 namespace frontpanel {
 

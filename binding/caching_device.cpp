@@ -3,7 +3,7 @@
 #include <string_view>
 #include <utility>
 
-#include "binding_core.h"
+#include "engine/core.h"
 
 namespace frontpanel {
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "binding_core.h"
-#include "binding_engine.h"
+#include "engine/core.h"
+#include "engine/engine.h"
 
 namespace frontpanel {
 

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "binding_compiler.h"
-#include "machine.h"
-#include "program.h"
-#include "unit/binding/program_exercise.h"
+#include "language/compiler.h"
+#include "language/machine.h"
+#include "language/program.h"
+#include "unit/binding/language/program_exercise.h"
 
 using namespace frontpanel;
 

@@ -5,8 +5,8 @@
 
 #include <vector>
 
-#include "binding_fixture.h"
 #include "support/fake_device.h"
+#include "unit/binding/binding_fixture.h"
 
 using namespace frontpanel;
 

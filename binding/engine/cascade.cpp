@@ -1,0 +1,220 @@
+#include "engine/cascade.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <frontpanel_data/enum_entry.h>
+
+#include "engine/engine.h"
+#include "engine/parameter_cache.h"
+
+namespace frontpanel::binding_engine {
+namespace {
+
+std::string joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : " -> ") + name;
+    }
+    return text;
+}
+
+// A commit locks its entry while it refreshes what depends on it.
+bool is_being_committed(const Cached_parameter& parameter) {
+    return std::any_of(parameter.owners.begin(), parameter.owners.end(), [](const Engine* owner) {
+        return owner->entry()->GetBindRefreshIsLocked();
+    });
+}
+
+}  // namespace
+
+void Cascade::add(Engine& engine) {
+    engine.cascade_state().number = ++m_last_number;
+    m_engines[m_last_number] = &engine;
+}
+
+void Cascade::remove(Engine& engine) {
+    const Cascade_state& state = engine.cascade_state();
+    m_engines.erase(state.number);
+    if (state.is_listed) {
+        const auto first = m_waiting.begin() + static_cast<std::ptrdiff_t>(m_next);
+        m_waiting.erase(std::remove(first, m_waiting.end(), state.number), m_waiting.end());
+    }
+}
+
+Engine* Cascade::engine_of(const Data_entry* entry) const {
+    const auto found = std::find_if(m_engines.begin(), m_engines.end(), [&](const auto& numbered) {
+        return numbered.second->entry() == entry;
+    });
+    return entry != nullptr && found != m_engines.end() ? found->second : nullptr;
+}
+
+bool Cascade::is_within_turn() const {
+    return m_turn_began_with != nullptr && is_being_committed(*m_turn_began_with);
+}
+
+void Cascade::end_commits() {
+    while (!m_commits.empty() && !is_being_committed(*m_commits.back())) {
+        m_commits.pop_back();
+    }
+}
+
+bool Cascade::is_too_deep() {
+    end_commits();
+    return m_commits.size() > DEEPEST_COMMITS;
+}
+
+void Cascade::written(Cached_parameter& parameter) {
+    end_commits();
+    m_commits.push_back(&parameter);
+    if (!is_within_turn()) {
+        ++m_turn;
+        m_turn_began_with = &parameter;
+        m_is_frozen = false;
+    }
+    if (parameter.written_in != m_turn) {
+        parameter.written_in = m_turn;
+        parameter.writes = 0;
+    }
+    if (++parameter.writes > MOST_REFRESHES && !m_is_frozen) {
+        m_is_frozen = true;
+        const auto writer = m_engines.find(m_last_evaluated);
+        m_frozen_circle = writer != m_engines.end() ? circle_of(*writer->second) : "";
+    }
+}
+
+void Cascade::write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result) {
+    const auto writer = m_engines.find(m_last_evaluated);
+    if (writer != m_engines.end()) {
+        writer->second->write_failed(pid, varidx, bytes, result);
+    }
+}
+
+// An entry that was never refreshed asks for its parameters when it first is.
+void Cascade::input_changed(Engine& engine) {
+    if (engine.was_evaluated()) {
+        mark(engine);
+    }
+}
+
+void Cascade::mark(Engine& engine) {
+    Cascade_state& state = engine.cascade_state();
+    state.cause = m_last_evaluated;
+    state.is_marked = engine.entry() != nullptr;
+    if (state.is_marked && !state.is_listed) {
+        state.is_listed = true;
+        m_waiting.push_back(state.number);
+    }
+}
+
+// Writes come from an engine whose entry was just refreshed, right after it was evaluated.
+void Cascade::evaluated(Engine& engine) {
+    engine.cascade_state().is_marked = false;
+    m_last_evaluated = engine.cascade_state().number;
+    if (engine.has_new_options()) {
+        mark(engine);  // whoever refreshed the entry may leave its options as they were
+    }
+}
+
+// Null when nobody waits any more. One that was evaluated since it was marked is listed without waiting.
+Engine* Cascade::take_next() {
+    while (m_next < m_waiting.size()) {
+        Engine* const engine = m_engines.at(m_waiting[m_next++]);
+        Cascade_state& state = engine->cascade_state();
+        state.is_listed = false;
+        if (std::exchange(state.is_marked, false)) {
+            return engine;
+        }
+    }
+    m_waiting.clear();
+    m_next = 0;
+    return nullptr;
+}
+
+Binding_settlement Cascade::settle(Data_interface* iface) {
+    Binding_settlement settlement;
+    if (m_is_settling) {
+        return settlement;
+    }
+    if (!m_frozen_circle.empty()) {
+        settlement.at_rest = false;
+        settlement.path.swap(m_frozen_circle);
+    }
+    m_is_frozen = false;
+    m_is_settling = true;
+    ++m_round;
+    run_round(iface, settlement);
+    m_is_settling = false;
+    return settlement;
+}
+
+void Cascade::run_round(Data_interface* iface, Binding_settlement& settlement) {
+    while (Engine* const engine = take_next()) {
+        Cascade_state& state = engine->cascade_state();
+        if (state.round != m_round) {
+            state.round = m_round;
+            state.refreshes = 0;
+        }
+        if (state.refreshes == MOST_REFRESHES) {
+            if (settlement.at_rest) {
+                settlement.at_rest = false;
+                settlement.path = circle_of(*engine);
+                engine->report_cascade(settlement.path);
+            }
+            continue;
+        }
+        ++state.refreshes;
+        ++settlement.refreshes;
+        refresh(*engine, iface);
+    }
+}
+
+// A refresh leaves an option that is hidden: which are is told before, so that it leaves none that is allowed again.
+// Both steps may end any engine, this one included.
+void Cascade::refresh(Engine& engine, Data_interface* iface) {
+    const uint64_t number = engine.cascade_state().number;
+    Data_entry* const entry = engine.entry();
+    if (engine.limits_options()) {
+        engine.evaluate(true, false);
+        tell_options(number);
+    }
+    if (m_engines.count(number) == 0 || engine.entry() != entry) {
+        return;
+    }
+    Data_entry::EntryTypeSpecificOperation(entry, iface, nullptr, true,
+                                           Data_entry::OPERATION_REFRESH, nullptr);
+    if (tell_options(number)) {
+        mark(engine);
+    }
+}
+
+bool Cascade::tell_options(uint64_t number) {
+    const auto found = m_engines.find(number);
+    if (found == m_engines.end() || !found->second->has_new_options()) {
+        return false;
+    }
+    static_cast<Enum_entry*>(found->second->entry())->updateControlOptionMap();
+    return true;
+}
+
+// From the engine back through what marked it, until one comes up again; told in the order of the writes.
+std::string Cascade::circle_of(const Engine& engine) const {
+    std::vector<uint64_t> numbers;
+    uint64_t number = engine.cascade_state().number;
+    while (m_engines.count(number) != 0 &&
+           std::find(numbers.begin(), numbers.end(), number) == numbers.end()) {
+        numbers.push_back(number);
+        number = m_engines.at(number)->cascade_state().cause;
+    }
+    const auto first = std::find(numbers.begin(), numbers.end(), number);
+    std::vector<std::string> names;
+    if (first != numbers.end()) {
+        names.push_back(m_engines.at(*first)->name());
+        numbers.erase(numbers.begin(), first);
+    }
+    std::for_each(numbers.rbegin(), numbers.rend(),
+                  [&](uint64_t each) { names.push_back(m_engines.at(each)->name()); });
+    return joined(names);
+}
+
+}  // namespace frontpanel::binding_engine

@@ -1,0 +1,91 @@
+// Which engines have to look at their parameters again, and the bounded round that lets them.
+//
+// A parameter that changes marks the engines that read it. `settle` refreshes their entries one after the
+// other, with what their writes mark in turn, until nothing is left. Engines are known by number, so that one
+// that ends meanwhile is passed over. Menu thread only.
+#ifndef FRONTPANEL_BINDING_ENGINE_CASCADE_H
+#define FRONTPANEL_BINDING_ENGINE_CASCADE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <frontpanel_binding/binding_report.h>
+
+namespace frontpanel::binding_engine {
+
+class Engine;
+struct Cached_parameter;
+
+// What the cascade remembers of an engine.
+struct Cascade_state {
+    uint64_t number = 0;     // of the engine; never used again
+    bool is_marked = false;  // a parameter changed since it was evaluated
+    bool is_listed = false;  // among those that wait for a round
+    uint64_t cause = 0;      // the engine whose writes marked it last; 0: none
+    uint64_t round = 0;      // the round of `refreshes`
+    int refreshes = 0;
+};
+
+class Cascade {
+public:
+    // How often one entry is refreshed in a round, and one parameter written in a turn. A longer chain of changes than that means a circle: an
+    // entry is refreshed again only when a parameter changes once more after the last refresh.
+    static constexpr int MOST_REFRESHES = 32;
+    // How many commits may be under way within each other. A chain of entries that limit each other is as long as a
+    // menu, and would take the stack of its thread.
+    static constexpr std::size_t DEEPEST_COMMITS = 32;
+
+    void add(Engine& engine);
+    void remove(Engine& engine);
+    const std::map<uint64_t, Engine*>& engines() const { return m_engines; }
+    // Null when there is none. The first when there are several.
+    Engine* engine_of(const Data_entry* entry) const;
+
+    // The writes of one commit and all that follows from it are a turn. While entries that limit each other
+    // write one parameter over and over within a turn, their suggestions are frozen: then they come to rest.
+    void written(Cached_parameter& parameter);
+    bool is_frozen() const { return m_is_frozen; }
+    // What follows from now on is left to the next round.
+    bool is_too_deep();
+    // A write that the device refused: whoever asked for it asks again at the next evaluation.
+    void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
+
+    void input_changed(Engine& engine);
+    void mark(Engine& engine);
+    // The engine answered with what the parameters are now.
+    void evaluated(Engine& engine);
+    bool is_at_rest() const { return m_next == m_waiting.size(); }
+
+    // Nothing within a round: what a refresh marks is the round's already.
+    Binding_settlement settle(Data_interface* iface);
+
+private:
+    Engine* take_next();
+    bool is_within_turn() const;
+    void end_commits();
+    void refresh(Engine& engine, Data_interface* iface);
+    bool tell_options(uint64_t number);
+    void run_round(Data_interface* iface, Binding_settlement& settlement);
+    std::string circle_of(const Engine& engine) const;
+
+    std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
+    std::vector<uint64_t> m_waiting;
+    std::size_t m_next = 0;  // the first of `m_waiting` that was not taken yet
+    uint64_t m_last_number = 0;
+    uint64_t m_last_evaluated = 0;
+    uint64_t m_round = 0;
+    uint64_t m_turn = 1;
+    Cached_parameter* m_turn_began_with = nullptr;
+    std::vector<const Cached_parameter*> m_commits;  // under way, the outermost first
+    bool m_is_frozen = false;
+    bool m_is_settling = false;
+    std::string m_frozen_circle;  // not yet told by a round
+};
+
+}  // namespace frontpanel::binding_engine
+
+#endif

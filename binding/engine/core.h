@@ -1,0 +1,63 @@
+// What the engines of one registry share: parameters, the cascade, the machine that runs rules, and memory
+// for one evaluation at a time. Menu thread only.
+#ifndef FRONTPANEL_BINDING_ENGINE_CORE_H
+#define FRONTPANEL_BINDING_ENGINE_CORE_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <frontpanel_data/binding.h>
+
+#include "engine/cascade.h"
+#include "engine/parameter_cache.h"
+#include "language/machine.h"
+
+namespace frontpanel::binding_engine {
+
+// Both ends inclusive.
+struct Interval {
+    int32_t low;
+    int32_t high;
+};
+inline bool operator==(const Interval& left, const Interval& right) {
+    return left.low == right.low && left.high == right.high;
+}
+
+// The options of the product, judged as entries judge them.
+class Product_options {
+public:
+    void set(std::map<std::string, unsigned int> options);
+    // Whether the product has it. Never of an option that is not known.
+    bool has(std::string_view name);
+    // Counts the calls of `set`.
+    uint64_t version() const { return m_version; }
+
+private:
+    // An entry that is in no menu.
+    Node_entry m_judge{
+        "",      nullptr, nullptr, nullptr, Data_entry::VISIBLE_NONE, Data_entry::SHORTCUT_NONE,
+        nullptr, nullptr, nullptr};
+    uint64_t m_version = 0;
+};
+
+struct Core {
+    explicit Core(Data_interface* iface) : parameters(iface, cascade) {}
+
+    Cascade cascade;
+    Parameter_cache parameters;
+    Product_options options;
+    binding_language::Machine machine;
+    // Results of the evaluation that is under way, kept for their memory.
+    std::vector<Interval> intervals;
+    std::vector<int> keys;
+    std::vector<GetSetS> requests;
+    // Which time the warnings are armed: those of an earlier time are new again.
+    unsigned int warning_round = 0;
+};
+
+}  // namespace frontpanel::binding_engine
+
+#endif

@@ -1,0 +1,176 @@
+#include "engine/reading.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace frontpanel::binding_engine {
+namespace {
+
+using binding_language::Fault;
+using binding_language::Value_type;
+
+std::string value_text(const binding_language::Value& value) {
+    return value.type == Value_type::TEXT ? quoted(value.text) : std::to_string(value.number);
+}
+
+std::string failure_text(int failure) {
+    return failure == NO_INTERFACE ? "no data interface"
+                                   : "device result " + std::to_string(failure);
+}
+
+// A rule of many ends would hide what is said about it.
+std::string shown(std::string_view source) {
+    constexpr std::size_t LONGEST = 100;
+    return source.size() <= LONGEST ? std::string(source)
+                                    : std::string(source.substr(0, LONGEST)) + "...";
+}
+
+}  // namespace
+
+std::string quoted(std::string_view text) {
+    std::string result = "\"";
+    for (const char byte : text) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (byte == '"' || byte == '\\') {
+            result += '\\';
+            result += byte;
+        } else if (code < ' ' || code == 0x7F) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\x%02x", code);
+            result += escape;
+        } else {
+            result += byte;
+        }
+    }
+    return result + '"';
+}
+
+std::string bracketed(std::string_view name) {
+    return "[" + std::string(name) + "]";
+}
+
+Reading::Reading(Engine& engine, bool is_try)
+    : m_engine(engine),
+      m_tried(is_try ? engine.overridden() : nullptr),
+      m_list(nullptr),
+      m_seen(nullptr) {
+    engine.m_core.parameters.begin_evaluation();
+}
+
+void Reading::enter(Bound_list& list) {
+    m_list = &list;
+    m_engine.refresh_options(list);
+}
+
+bool Reading::condition(const Rule& rule, bool& holds) {
+    holds = true;
+    if (rule.condition.empty()) {
+        return true;
+    }
+    Value result;
+    if (!value(rule, rule.condition, result)) {
+        return false;
+    }
+    holds = result.number != 0;
+    return true;
+}
+
+bool Reading::value(const Rule& rule, Code code, Value& value) {
+    const Fault fault = m_engine.m_core.machine.run(m_list->program, code, *this, value);
+    if (fault == Fault::NONE) {
+        return true;
+    }
+    report(rule, fault == Fault::UNREADABLE ? m_failure : fault_text(fault));
+    return false;
+}
+
+bool Reading::interval(const Rule& rule, std::size_t number, int64_t& low, int64_t& high) {
+    Value first;
+    Value last;
+    if (!value(rule, m_list->program.operand(rule, number), first)) {
+        return false;
+    }
+    const Code end = m_list->program.operand(rule, number + 1);
+    if (end.empty()) {
+        last = first;
+    } else if (!value(rule, end, last)) {
+        return false;
+    }
+    low = std::min(first.number, last.number);
+    high = std::max(first.number, last.number);
+    return true;
+}
+
+void Reading::report(const Rule& rule, const std::string& mistake) {
+    m_last_mistake = mistake;
+    m_engine.m_errors.push_back("line " + std::to_string(rule.line) + ", " + shown(rule.source) +
+                                ": " + mistake);
+}
+
+bool Reading::read(std::size_t parameter, Value& value) {
+    const bool is_readable = fetch(*m_list->parameters[parameter], value);
+    if (!is_readable || m_seen != nullptr) {
+        const std::string name = bracketed(m_list->program.parameter(parameter).name);
+        note(name, is_readable, value);
+        return is_readable || fail("cannot read " + name + ": " +
+                                   failure_text(m_list->parameters[parameter]->failure));
+    }
+    return true;
+}
+
+bool Reading::read_own(Value& value) {
+    Cached_parameter* const own = m_engine.m_own;
+    const RETURN_TYPE wanted = m_list->program.own_type() == Value_type::TEXT ? STRING : INTEGER;
+    if (own == nullptr || own->rt != wanted) {
+        note("value", false, value);
+        return fail(own == nullptr     ? "the entry has no value"
+                    : wanted == STRING ? "the entry's value is no text"
+                                       : "the entry's value is no number");
+    }
+    const bool is_readable = fetch(*own, value);
+    note("value", is_readable, value);
+    return is_readable || fail("cannot read the entry's value: " + failure_text(own->failure));
+}
+
+bool Reading::has_option(std::size_t option) {
+    const bool has = m_list->options[option];
+    if (m_seen != nullptr) {
+        Value value;
+        value.number = has ? 1 : 0;
+        note("has_option(" + quoted(m_list->program.option_name(option)) + ")", true, value);
+    }
+    return has;
+}
+
+bool Reading::fetch(Cached_parameter& parameter, Value& value) {
+    value.type = parameter.rt == STRING ? Value_type::TEXT : Value_type::INTEGER;
+    if (&parameter == m_tried) {
+        value.number = m_engine.m_override_value.i;
+        value.text = m_engine.m_override_value.s;
+        return true;
+    }
+    if (!m_engine.m_core.parameters.bring_up_to_date(parameter)) {
+        return false;
+    }
+    value.number = parameter.number;
+    value.text = parameter.text;
+    return true;
+}
+
+bool Reading::fail(std::string mistake) {
+    m_failure = std::move(mistake);
+    return false;
+}
+
+void Reading::note(std::string name, bool is_readable, const Value& value) {
+    if (m_seen == nullptr) {
+        return;
+    }
+    const auto known = std::find_if(m_seen->begin(), m_seen->end(),
+                                    [&](const auto& seen) { return seen.name == name; });
+    if (known == m_seen->end()) {
+        m_seen->push_back({std::move(name), is_readable ? value_text(value) : "unreadable"});
+    }
+}
+
+}  // namespace frontpanel::binding_engine

@@ -1,0 +1,69 @@
+// What the rules of an engine see while they are evaluated.
+//
+// Each parameter is read at most once in an evaluation, so that all rules judge the same state of the device.
+#ifndef FRONTPANEL_BINDING_ENGINE_READING_H
+#define FRONTPANEL_BINDING_ENGINE_READING_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/engine.h"
+#include "language/machine.h"
+#include "language/program.h"
+
+namespace frontpanel::binding_engine {
+
+// `text` in quotes, with escapes for quotes and backslashes and "\xNN" for what is not printable.
+std::string quoted(std::string_view text);
+// "[gain]"
+std::string bracketed(std::string_view name);
+
+class Reading : public binding_language::Value_source {
+public:
+    using Rule = binding_language::Rule;
+    using Code = binding_language::Code;
+    using Value = binding_language::Value;
+
+    // With `is_try` the engine's override stands for its parameter.
+    Reading(Engine& engine, bool is_try);
+
+    // The list whose rules are asked for next.
+    void enter(Bound_list& list);
+    const binding_language::Program& program() const { return m_list->program; }
+
+    // What follows is false when there is a fault, which has become an error of the engine.
+    bool condition(const Rule& rule, bool& holds);
+    bool value(const Rule& rule, Code code, Value& value);
+    // The two ends of operand `number` and the next, the lesser one first.
+    bool interval(const Rule& rule, std::size_t number, int64_t& low, int64_t& high);
+    // Makes a mistake of `rule` an error of the engine.
+    void report(const Rule& rule, const std::string& mistake);
+
+    // Notes every value that is read from now on; null ends it.
+    void note_values(std::vector<Rule_explanation::Seen>* seen) { m_seen = seen; }
+    // What the last fault was.
+    const std::string& last_mistake() const { return m_last_mistake; }
+
+    bool read(std::size_t parameter, Value& value) override;
+    bool read_own(Value& value) override;
+    bool has_option(std::size_t option) override;
+
+private:
+    bool fetch(Cached_parameter& parameter, Value& value);
+    bool fail(std::string mistake);
+    void note(std::string name, bool is_readable, const Value& value);
+
+    Engine& m_engine;
+    Cached_parameter* m_tried;  // what the override stands for
+    Bound_list* m_list;
+    std::string m_failure;  // why the last read failed
+    std::string m_last_mistake;
+    std::vector<Rule_explanation::Seen>* m_seen;
+};
+
+}  // namespace frontpanel::binding_engine
+
+#endif

@@ -1,0 +1,39 @@
+// From the source text of binding rules to a compiled list.
+#ifndef FRONTPANEL_BINDING_LANGUAGE_COMPILER_H
+#define FRONTPANEL_BINDING_LANGUAGE_COMPILER_H
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include <frontpanel_binding/binding_registry.h>
+#include <frontpanel_binding/parameter_table.h>
+
+namespace frontpanel::binding_language {
+
+struct Compile_context {
+    const Parameter_table& parameters;
+    RETURN_TYPE own_type;  // of `value`; INVALID_TYPE for an entry that has none
+};
+
+// Keeps its working memory from text to text. Menu thread only.
+class Compiler {
+public:
+    Compiler();
+    ~Compiler();
+    Compiler(const Compiler&) = delete;
+    Compiler& operator=(const Compiler&) = delete;
+
+    // The list of a text of one rule at least, or the mistakes of its rules.
+    Compile_result compile(std::string_view source, const Compile_context& context);
+
+private:
+    struct Tables;
+    class Parser;
+
+    std::unique_ptr<Tables> m_tables;
+};
+
+}  // namespace frontpanel::binding_language
+
+#endif

@@ -1,0 +1,532 @@
+// Rounds of refreshes: what they reach, in which order, and where they end.
+#include <frontpanel_binding/caching_device.h>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <random>
+
+#include "support/leaf.h"
+#include "unit/binding/binding_fixture.h"
+
+using namespace frontpanel;
+
+namespace {
+
+using binding_fixture::Binding_fixture;
+using binding_fixture::Number_entry;
+using binding_fixture::Option_entry;
+using support::capture;
+using support::Leaf;
+using support::Leaf_options;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Cascade_test : public Binding_fixture {
+protected:
+    Cascade_test() {
+        for (unsigned int pid = 100; pid < 110; ++pid) {
+            device.add_integer(pid, 0, -1000000, 1000000, 0);
+        }
+    }
+
+    Binding_settlement settle() {
+        Binding_settlement settlement;
+        capture(0, [&] { settlement = registry->settle(&cache); });
+        return settlement;
+    }
+    // What the panel does in a turn: look at the device, then let the menu follow.
+    Binding_settlement turn() {
+        registry->poll();
+        return settle();
+    }
+    void write(unsigned int pid, int32_t value) { cache.Set(pid, 0, &value, sizeof value); }
+
+    Caching_device cache{device, registry};
+};
+
+// A leaf that evaluates its binding when it is refreshed, and logs it.
+class Logged_leaf : public Leaf {
+public:
+    Logged_leaf(const char* name, std::vector<std::string>& log, unsigned int pid = 120)
+        : Leaf(name, nullptr, options(log, pid)) {
+        refreshes_base = true;
+    }
+    std::function<void()> on_refresh;
+
+    int Refresh(Data_interface* iface, bool eval_binding) override {
+        const int result = Leaf::Refresh(iface, eval_binding);
+        if (on_refresh) {
+            on_refresh();
+        }
+        return result;
+    }
+
+private:
+    static Leaf_options options(std::vector<std::string>& log, unsigned int pid) {
+        Leaf_options options;
+        options.log = &log;
+        options.pid = pid;
+        return options;
+    }
+};
+
+std::string refreshed(const std::string& name) {
+    return "Refresh " + name + " interface=1 eval=1";
+}
+
+TEST_F(Cascade_test, AChangeOfTheDeviceReachesWhoDependsOnIt) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Logged_leaf level("Level", log);
+    bind(gain, "visible if [100] == 1");
+    bind(level, "visible if [101] == 1");
+    refresh(gain, &cache);
+    refresh(level, &cache);
+    log.clear();
+
+    EXPECT_EQ(turn().refreshes, 0u);
+    device.set_integer(100, 0, 1);
+    const Binding_settlement settlement = turn();
+
+    EXPECT_TRUE(settlement.at_rest);
+    EXPECT_EQ(settlement.refreshes, 1u);
+    EXPECT_THAT(log, ElementsAre(refreshed("Gain")));
+    EXPECT_EQ(gain.Get_bind_vis(), VIS_TRUE);
+    EXPECT_EQ(turn().refreshes, 0u);
+}
+
+TEST_F(Cascade_test, AnEntryThatWasNeverRefreshedWaitsUntilItIs) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "visible if [100] == 1");
+    device.set_integer(100, 0, 1);
+
+    EXPECT_EQ(turn().refreshes, 0u);
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(Cascade_test, AnEntryFollowsItsOwnValueWhoeverChangesIt) {
+    Number_entry gain("Gain", 100, no_level, -9, 9);
+    bind(gain, "set [101] = 7 if value == 3");
+    refresh(gain, &cache);
+    device.set_integer(100, 0, 3);
+    EXPECT_EQ(turn().refreshes, 1u);
+    EXPECT_EQ(device.integer(101, 0), 7);
+    write(100, 4);
+    EXPECT_EQ(settle().refreshes, 1u);
+}
+
+// The value that is tried is not the device's: nothing has to be asked for before.
+TEST_F(Cascade_test, AWarningDoesNotLetAnEntryFollowItsOwnValue) {
+    Number_entry gain("Gain", 100, no_level, -9, 9);
+    bind(gain, "warn \"high\" if value > 2");
+    refresh(gain, &cache);
+    device.set_integer(100, 0, 3);
+    EXPECT_THAT(registry->poll(), IsEmpty());
+    EXPECT_EQ(settle().refreshes, 0u);
+}
+
+// Whoever refreshes an entry for its value need not know that it has options.
+TEST_F(Cascade_test, OptionsFollowARefreshThatLeftThem) {
+    Option_entry source("Source", 100, no_level);
+    bind(source, "keys 0..1 if [101] == 1");
+    write(101, 1);
+    refresh(source, &cache);
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+    EXPECT_TRUE(registry->has_unsettled());
+    EXPECT_TRUE(settle().at_rest);
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1));
+    EXPECT_FALSE(registry->has_unsettled());
+}
+
+// Its old keys would let it leave the value.
+TEST_F(Cascade_test, AKeyThatIsAllowedAgainIsNotLeft) {
+    Option_entry source("Source", 100, no_level);
+    bind(source, "keys 0 if [101] == 1");
+    device.set_integer(101, 0, 1);
+    refresh(source, &cache);
+    EXPECT_TRUE(turn().at_rest);
+    EXPECT_THAT(source.shown(), ElementsAre(0));
+    device.set_integer(100, 0, 2);
+    device.set_integer(101, 0, 0);
+    EXPECT_TRUE(turn().at_rest);
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+    EXPECT_EQ(device.integer(100, 0), 2);
+}
+
+TEST_F(Cascade_test, APollWithALimitGoesOnWhereTheLastOneEnded) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "visible if [100] + [101] + [102] == 0");
+    refresh(gain, &cache);
+    for (unsigned int pid = 100; pid < 103; ++pid) {
+        device.set_integer(pid, 0, 5);
+    }
+    const auto changed = [&](std::size_t at_most) {
+        std::vector<uint32_t> pids;
+        for (const var_index_s& key : registry->poll(at_most)) {
+            pids.push_back(key.var);
+        }
+        return pids;
+    };
+    EXPECT_THAT(changed(0), IsEmpty());
+    EXPECT_THAT(changed(2), ElementsAre(100, 101));
+    device.set_integer(100, 0, 6);
+    EXPECT_THAT(changed(2), ElementsAre(102, 100));
+    device.set_integer(101, 0, 6);
+    EXPECT_THAT(changed(9), ElementsAre(101)) << "each once";
+}
+
+TEST_F(Cascade_test, WritesDoNotWaitUntilTheirEntryIsShown) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [101] = [100] * 2");
+    device.set_integer(100, 0, 21);
+
+    EXPECT_EQ(turn().refreshes, 1u);
+    EXPECT_EQ(device.integer(101, 0), 42);
+}
+
+TEST_F(Cascade_test, AWriteReachesWhoDependsOnWhatItWrote) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    Logged_leaf second("Second", log);
+    Logged_leaf third("Third", log);
+    bind(third, "visible if [102] == 3");
+    bind(second, "set [102] = [101] + 1");
+    bind(first, "set [101] = [100] + 1");
+    settle();
+    refresh(third, &cache);
+    log.clear();
+
+    write(100, 1);
+    EXPECT_EQ(settle().refreshes, 3u);
+
+    EXPECT_EQ(device.integer(102, 0), 3);
+    EXPECT_EQ(third.Get_bind_vis(), VIS_TRUE);
+    EXPECT_EQ(log.size(), 3u);
+    EXPECT_EQ(log.back(), refreshed("Third"));
+}
+
+TEST_F(Cascade_test, AnEntryWithoutEngineIsFollowedToo) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "visible if [100] == 1");
+    refresh(gain, &cache);
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    commit(mode, 1, &cache);
+
+    EXPECT_EQ(settle().refreshes, 1u);
+    EXPECT_EQ(gain.Get_bind_vis(), VIS_TRUE);
+}
+
+TEST_F(Cascade_test, WhatACommitRefreshedIsAtRest) {
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    Number_entry gain("Gain", 103, no_level, 0, 100);
+    bind(mode, "");
+    bind(gain, "range 0..40 if [100] == 1");
+    refresh(mode, &cache);
+    refresh(gain, &cache);
+    commit(mode, 1, &cache);
+
+    EXPECT_EQ(gain.Get_max(), 40);
+    EXPECT_EQ(settle().refreshes, 0u);
+}
+
+TEST_F(Cascade_test, ACommitReachesDependantsThatNameTheVariableOtherwise) {
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    Number_entry gain("Gain", 103, no_level, 0, 100);
+    bind(mode, "");
+    bind(gain, "range 0..40 if [100.0] == 1");
+    refresh(gain, &cache);
+    commit(mode, 1, &cache);
+
+    EXPECT_EQ(gain.Get_max(), 40);
+}
+
+TEST_F(Cascade_test, AllowedKeysThatChangeRebuildTheOptionsAndLeaveAHiddenOne) {
+    Option_entry source("Source", 103, no_level);
+    bind(source, "keys 0, 2 if [100] == 1");
+    device.set_integer(103, 0, 3);
+    refresh(source, &cache);
+    settle();
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+
+    write(100, 1);
+    settle();
+    EXPECT_THAT(source.shown(), ElementsAre(0, 2));
+    EXPECT_EQ(device.integer(103, 0), 0);
+    write(100, 0);
+    settle();
+    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
+}
+
+// Parameters 100 to 104 are changed by the device and by commits, the others follow from those before them.
+TEST_F(Cascade_test, RandomChangesLeaveEveryWriteAsItsRuleSays) {
+    constexpr unsigned int SOURCES = 105;
+    constexpr unsigned int END = 140;
+    std::mt19937 random(20240229);
+    const auto any = [&](unsigned int first, unsigned int end) {
+        return first + static_cast<unsigned int>(random() % (end - first));
+    };
+    struct Follower {
+        unsigned int pid, left, right;
+    };
+    std::vector<std::string> log;
+    std::vector<Follower> followers;
+    std::deque<Logged_leaf> leaves;
+    for (unsigned int pid = SOURCES; pid < END; ++pid) {
+        device.add_integer(pid, 0, -1000, 1000, -1);
+        followers.push_back({pid, any(100, pid), any(100, pid)});
+    }
+    std::shuffle(followers.begin(), followers.end(), random);
+    for (const Follower& each : followers) {
+        leaves.emplace_back("Follower", log);
+        bind(leaves.back(), "set [" + std::to_string(each.pid) + "] = ([" +
+                                std::to_string(each.left) + "] * 2 + [" +
+                                std::to_string(each.right) + ".0]) % 100");
+    }
+    for (int turns = 0; turns < 200; ++turns) {
+        const auto value = static_cast<int32_t>(any(0, 50));
+        if (any(0, 2) == 0) {
+            device.set_integer(any(100, SOURCES), 0, value);
+        } else {
+            write(any(100, SOURCES), value);
+        }
+        ASSERT_TRUE(turn().at_rest);
+        for (const Follower& each : followers) {
+            ASSERT_EQ(device.integer(each.pid, 0),
+                      (*device.integer(each.left, 0) * 2 + *device.integer(each.right, 0)) % 100);
+        }
+        for (auto& [key, record] : *registry->var_index_map()) {
+            if (key.var < END && key.var != 120) {
+                ASSERT_EQ(record.getInt(), *device.integer(key.var, 0)) << key.var;
+            }
+        }
+    }
+    EXPECT_TRUE(registry->find_cycles().empty());
+}
+
+// ---- circles end
+
+TEST_F(Cascade_test, WritesThatGoInACircleEndAndNameTheirPath) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Logged_leaf level("Level", log);
+    bind(gain, "set [101] = [100] + 1");
+    Expression_binding* const engine = bind(level, "set [100] = [101] + 1");
+    const Binding_settlement settlement = settle();
+
+    EXPECT_FALSE(settlement.at_rest);
+    EXPECT_THAT(settlement.path, testing::AnyOf("Gain -> Level -> Gain", "Level -> Gain -> Level"));
+    EXPECT_LE(log.size(), 64u);
+    EXPECT_GE(log.size(), 32u);
+    EXPECT_TRUE(settle().at_rest);
+    EXPECT_THAT(engine->errors().size() + log.size(), testing::Gt(0u));
+}
+
+TEST_F(Cascade_test, AWriteThatDrivesItselfEnds) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Expression_binding* const engine = bind(gain, "set [100] = [100] + 1");
+    const Binding_settlement settlement = settle();
+
+    EXPECT_FALSE(settlement.at_rest);
+    EXPECT_EQ(settlement.path, "Gain -> Gain");
+    EXPECT_EQ(settlement.refreshes, 32u);
+    EXPECT_EQ(device.integer(100, 0), 32);
+    EXPECT_THAT(engine->errors(), ElementsAre("the writes do not come to rest: Gain -> Gain"));
+}
+
+TEST_F(Cascade_test, ACircleDoesNotKeepOthersFromTheirRefresh) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    Logged_leaf last("Last", log);
+    bind(gain, "set [100] = [100] + 1; set [101] = [100] / 10");
+    bind(last, "set [102] = [101]");
+    EXPECT_FALSE(settle().at_rest);
+
+    EXPECT_EQ(device.integer(102, 0), device.integer(101, 0));
+}
+
+TEST_F(Cascade_test, AWriteThatFindsItsValueComesToRest) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [100] = min([100] + 1, 5)");
+    const Binding_settlement settlement = settle();
+
+    EXPECT_TRUE(settlement.at_rest);
+    EXPECT_EQ(settlement.path, "");
+    EXPECT_EQ(device.integer(100, 0), 5);
+}
+
+// Each wants to be larger by one than another, up to a limit, then all start again: without an end to it the
+// commits within commits would try every order of the entries.
+TEST_F(Cascade_test, EntriesThatLimitEachOtherWithoutEndAreFrozen) {
+    constexpr unsigned int COUNT = 9;
+    std::vector<std::unique_ptr<Number_entry>> entries;
+    for (unsigned int i = 0; i < COUNT; ++i) {
+        entries.push_back(std::make_unique<Number_entry>(("E" + std::to_string(i)).c_str(), 100 + i,
+                                                         no_level, 0, 9));
+        std::string sum = "0";
+        for (unsigned int other = 0; other < COUNT; ++other) {
+            sum += other != i ? " + [" + std::to_string(100 + other) + "]" : "";
+        }
+        bind(*entries.back(), "range (" + sum + ") % 10..(" + sum + ") % 10");
+    }
+    int writes = 0;
+    device.set_write_listener([&](const Memory_device::Write&) { ++writes; });
+    commit(*entries[0], 1, &cache);
+
+    EXPECT_LT(writes, 2000);
+    const Binding_settlement settlement = settle();
+    EXPECT_FALSE(settlement.at_rest);
+    EXPECT_THAT(settlement.path, testing::HasSubstr(" -> "));
+    EXPECT_LT(writes, 20000);
+}
+
+TEST_F(Cascade_test, ManyEntriesThatFollowOneCommitAreNotFrozen) {
+    Number_entry mode("Mode", 100, no_level, 0, 10);
+    bind(mode, "");
+    std::vector<std::unique_ptr<Number_entry>> entries;
+    for (unsigned int i = 0; i < 200; ++i) {
+        device.add_integer(1000 + i, 0, 0, 100, 50);
+        entries.push_back(std::make_unique<Number_entry>("Gain", 1000 + i, no_level, 0, 100));
+        bind(*entries.back(), "range 0..40 if [100] == 1");
+        refresh(*entries.back(), &cache);
+    }
+    for (const int value : {1, 0, 1}) {
+        commit(mode, value, &cache);
+    }
+    EXPECT_EQ(device.integer(1199, 0), 40);
+    EXPECT_TRUE(settle().at_rest);
+}
+
+// Each correction commits within the commit before it: all of them at once would take the whole stack.
+TEST_F(Cascade_test, ALongRowOfLimitsFollowsOneCommit) {
+    constexpr unsigned int COUNT = 10000;
+    std::deque<Number_entry> entries;
+    for (unsigned int i = 0; i < COUNT; ++i) {
+        device.add_integer(1000 + i, 0, 0, 100, 50);
+        entries.emplace_back("Gain", 1000 + i, no_level, 0, 100);
+        bind(entries.back(), i == 0 ? "" : "range 0..[" + std::to_string(999 + i) + "]");
+    }
+    capture(0, [&] {
+        for (Number_entry& entry : entries) {
+            entry.Refresh(&cache, true);
+        }
+    });
+    commit(entries.front(), 10, &cache);
+    EXPECT_EQ(device.integer(1000 + 10, 0), 10);
+    const Binding_settlement settlement = settle();
+    EXPECT_TRUE(settlement.at_rest);
+    EXPECT_LT(settlement.refreshes, 2 * COUNT);
+    EXPECT_EQ(device.integer(1000 + COUNT - 1, 0), 10);
+    EXPECT_EQ(entries.back().Get_max(), 10);
+}
+
+TEST_F(Cascade_test, ARoundWithinARoundDoesNothing) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [100] = [100] + 1");
+    std::size_t inner = 0;
+    gain.on_refresh = [&] { inner += registry->settle(&cache).refreshes; };
+
+    EXPECT_EQ(settle().refreshes, 32u);
+    EXPECT_EQ(inner, 0u);
+    EXPECT_EQ(device.integer(100, 0), 32);
+}
+
+// ---- writes that fail
+
+TEST_F(Cascade_test, AWriteThatTheDeviceRefusesIsMadeAgainAtTheNextRefresh) {
+    std::vector<std::string> log;
+    Logged_leaf gain("Gain", log);
+    bind(gain, "set [101] = 5; set [102] = 6");
+    device.set_fault([](const Memory_device::Operation& asked) {
+        return asked.kind == Memory_device::Operation_kind::WRITE && asked.pid == 101 ? 42 : 0;
+    });
+    const std::string printed = capture(0x20, [&] { registry->settle(&cache); }).out;
+    EXPECT_THAT(
+        printed,
+        testing::HasSubstr("Binding error in [Gain]: cannot write [101] = 5: device result 42\n"));
+    EXPECT_EQ(device.integer(102, 0), 6);
+
+    device.set_fault(nullptr);
+    refresh(gain, &cache);
+    EXPECT_EQ(device.integer(101, 0), 5);
+    device.set_integer(101, 0, 1);
+    refresh(gain, &cache);
+    EXPECT_EQ(device.integer(101, 0), 1) << "what was written is not written again";
+}
+
+// ---- the structure changes meanwhile
+
+TEST_F(Cascade_test, AnEntryThatEndsMeanwhileIsNotRefreshed) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    auto second = std::make_unique<Logged_leaf>("Second", log);
+    Logged_leaf third("Third", log);
+    bind(first, "visible if [100] == 1");
+    bind(*second, "visible if [100] == 1");
+    bind(third, "visible if [100] == 1");
+    refresh(first, &cache);
+    refresh(*second, &cache);
+    refresh(third, &cache);
+    log.clear();
+    first.on_refresh = [&] { second.reset(); };
+    write(100, 1);
+
+    EXPECT_EQ(settle().refreshes, 2u);
+    EXPECT_THAT(log, ElementsAre(refreshed("First"), refreshed("Third")));
+}
+
+TEST_F(Cascade_test, AnEngineThatEndsDuringItsOwnRefreshIsLeftAlone) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    Expression_binding* const engine = bind(first, "visible if [100] == 1");
+    refresh(first, &cache);
+    first.on_refresh = [&] {
+        first.on_refresh = nullptr;
+        first.Set_binding_object(nullptr);
+        delete engine;
+    };
+    write(100, 1);
+
+    EXPECT_EQ(settle().refreshes, 1u);
+    EXPECT_TRUE(settle().at_rest);
+}
+
+TEST_F(Cascade_test, EntriesThatEndWaitingLeaveNothingBehind) {
+    std::vector<std::string> log;
+    for (int visit = 0; visit < 1000; ++visit) {
+        Logged_leaf passing("Passing", log);
+        bind(passing, "set [101] = [100]");
+        EXPECT_TRUE(registry->has_unsettled());
+    }
+    EXPECT_FALSE(registry->has_unsettled());
+    EXPECT_EQ(settle().refreshes, 0u);
+}
+
+TEST_F(Cascade_test, AnEntryThatMakesAnotherMeanwhileGetsItRefreshed) {
+    std::vector<std::string> log;
+    Logged_leaf first("First", log);
+    std::unique_ptr<Logged_leaf> mounted;
+    bind(first, "visible if [100] == 1");
+    refresh(first, &cache);
+    first.on_refresh = [&] {
+        if (!mounted) {
+            mounted = std::make_unique<Logged_leaf>("Mounted", log);
+            bind(*mounted, "set [101] = 7");
+        }
+    };
+    write(100, 1);
+    settle();
+
+    EXPECT_EQ(device.integer(101, 0), 7);
+}
+
+}  // namespace
