@@ -11,6 +11,8 @@
 
 namespace frontpanel::binding_language {
 
+struct List_tables;
+
 struct Compile_context {
     const Parameter_table& parameters;
     RETURN_TYPE own_type;  // of `value`; INVALID_TYPE for an entry that has none
@@ -28,10 +30,7 @@ public:
     Compile_result compile(std::string_view source, const Compile_context& context);
 
 private:
-    struct Tables;
-    class Parser;
-
-    std::unique_ptr<Tables> m_tables;
+    std::unique_ptr<List_tables> m_tables;
 };
 
 }  // namespace frontpanel::binding_language

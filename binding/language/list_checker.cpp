@@ -1,13 +1,13 @@
 #include "language/list_checker.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
 
-#include <frontpanel_data/binding.h>
-
 #include "language/list_format.h"
 #include "language/program.h"
+#include "rule_kinds.h"
 
 namespace frontpanel::binding_language {
 
@@ -378,41 +378,39 @@ private:
         require(fields[RULE_OPERANDS] >= 0 &&
                     fields[RULE_OPERANDS] < m_list[HEADER_SEGMENTS] - m_segment,
                 "bad operands of rule", number);
-        check_shape(fields, number);
+        const Rule_kind* const kind = find_rule_kind(fields[RULE_KIND]);
+        require(kind != nullptr && has_shape(*kind, fields), "bad shape of rule", number);
         for (int i = 0; i < fields[RULE_OPERANDS]; ++i) {
-            const bool may_be_empty = fields[RULE_KIND] == SUGGESTION_KEYS && i % 2 == 1;
-            check_segment(operand_type(fields), may_be_empty, number);
+            const bool may_be_empty = kind->operands == Rule_operands::KEYS && i % 2 == 1;
+            check_segment(operand_type(*kind, fields), may_be_empty, number);
         }
-        check_segment(Value_type::INTEGER, fields[RULE_KIND] != SUGGESTION_VISIBILITY, number);
+        check_segment(Value_type::INTEGER, !kind->needs_condition, number);
     }
 
-    // The number of operands and the detail that a rule of its kind has.
-    void check_shape(const int* fields, int number) const {
+    // Whether a rule has the number of operands and the detail of its kind.
+    bool has_shape(const Rule_kind& kind, const int* fields) const {
         const int operands = fields[RULE_OPERANDS];
         const int detail = fields[RULE_DETAIL];
-        bool is_right = false;
-        switch (fields[RULE_KIND]) {
-            case SUGGESTION_VISIBILITY:
-                is_right = operands == 0 && detail == 0;
-                break;
-            case SUGGESTION_RANGE:
-            case SUGGESTION_KEYS:
-                is_right = operands >= 2 && operands % 2 == 0 && detail == 0;
-                break;
-            case SUGGESTION_SET:
-                is_right = operands == 1 && is_written(detail);
-                break;
-            case SUGGESTION_WARNING:
-                is_right = operands == 1 && detail == 0;
-                break;
-            case SUGGESTION_ACCESS:
-                is_right = operands == 0 && detail >= Data_entry::READ_ONLY &&
-                           detail <= Data_entry::WRITE_ONLY;
-                break;
-            default:
-                break;
+        switch (kind.operands) {
+            case Rule_operands::NONE:
+                return operands == 0 && is_choice(kind, detail);
+            case Rule_operands::INTERVALS:
+            case Rule_operands::KEYS:
+                return operands >= 2 && operands % 2 == 0 && detail == 0;
+            case Rule_operands::TEXT:
+                return operands == 1 && detail == 0;
+            case Rule_operands::WRITTEN_VALUE:
+                return operands == 1 && is_written(detail);
         }
-        require(is_right, "bad shape of rule", number);
+        return false;
+    }
+
+    static bool is_choice(const Rule_kind& kind, int detail) {
+        return kind.choices == nullptr ? detail == 0
+                                       : std::any_of(kind.begin_choices(), kind.end_choices(),
+                                                     [&](const Rule_choice& choice) {
+                                                         return choice.number == detail;
+                                                     });
     }
 
     bool is_written(int parameter) const {
@@ -421,13 +419,13 @@ private:
                 PARAMETER_IS_WRITTEN) != 0;
     }
 
-    Value_type operand_type(const int* fields) const {
-        const bool is_text =
-            fields[RULE_KIND] == SUGGESTION_WARNING ||
-            (fields[RULE_KIND] == SUGGESTION_SET &&
-             m_list[row(m_sections.parameters, fields[RULE_DETAIL], PARAMETER_SIZE) +
-                    PARAMETER_TYPE] == STRING);
-        return is_text ? Value_type::TEXT : Value_type::INTEGER;
+    Value_type operand_type(const Rule_kind& kind, const int* fields) const {
+        if (kind.operands == Rule_operands::WRITTEN_VALUE) {
+            return value_type(static_cast<RETURN_TYPE>(
+                m_list[row(m_sections.parameters, fields[RULE_DETAIL], PARAMETER_SIZE) +
+                       PARAMETER_TYPE]));
+        }
+        return kind.operands == Rule_operands::TEXT ? Value_type::TEXT : Value_type::INTEGER;
     }
 
     void check_segment(Value_type type, bool may_be_empty, int rule) {

@@ -84,7 +84,7 @@ Program_parameter Program::parameter(std::size_t number) const {
 
 Value_type Program::parameter_type(std::size_t number) const {
     const int type = m_list[m_parameters + number * PARAMETER_SIZE + PARAMETER_TYPE];
-    return type == STRING ? Value_type::TEXT : Value_type::INTEGER;
+    return value_type(static_cast<RETURN_TYPE>(type));
 }
 
 void Program::append_reads(const Rule& rule, std::vector<std::size_t>& parameters) const {

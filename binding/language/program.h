@@ -21,6 +21,14 @@ class Run;
 
 enum class Value_type : uint8_t { INTEGER, TEXT };
 
+inline Value_type value_type(RETURN_TYPE type) {
+    return type == STRING ? Value_type::TEXT : Value_type::INTEGER;
+}
+// As errors have it: "an integer".
+inline const char* name_of(Value_type type) {
+    return type == Value_type::TEXT ? "a text" : "an integer";
+}
+
 // The longest text that an expression may yield or read, in bytes: the longest of a string parameter.
 inline constexpr std::size_t LONGEST_TEXT = MAX_STRING_LENGTH;
 

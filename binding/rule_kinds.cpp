@@ -1,0 +1,54 @@
+#include "rule_kinds.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace frontpanel {
+namespace {
+
+constexpr Rule_choice ACCESS_RIGHTS[] = {
+    {"read-only", Data_entry::READ_ONLY},
+    {"read-write", Data_entry::READ_WRITE},
+    {"write-only", Data_entry::WRITE_ONLY},
+};
+
+constexpr bool NEEDS_CONDITION = true;
+constexpr bool JUDGES_TRIES = true;
+
+constexpr Rule_kind KINDS[] = {
+    {SUGGESTION_VISIBILITY, "visible", Rule_operands::NONE, nullptr, 0, NEEDS_CONDITION,
+     !JUDGES_TRIES, Rule_effect::NONE, Rule_entries::ALL},
+    {SUGGESTION_RANGE, "range", Rule_operands::INTERVALS, nullptr, 0, !NEEDS_CONDITION,
+     !JUDGES_TRIES, Rule_effect::LIMITS_ENTRY, Rule_entries::RANGES},
+    {SUGGESTION_KEYS, "keys", Rule_operands::KEYS, nullptr, 0, !NEEDS_CONDITION, !JUDGES_TRIES,
+     Rule_effect::LIMITS_ENTRY, Rule_entries::ENUMERATIONS},
+    {SUGGESTION_SET, "set", Rule_operands::WRITTEN_VALUE, nullptr, 0, !NEEDS_CONDITION,
+     !JUDGES_TRIES, Rule_effect::WRITES, Rule_entries::ALL},
+    {SUGGESTION_WARNING, "warn", Rule_operands::TEXT, nullptr, 0, !NEEDS_CONDITION, JUDGES_TRIES,
+     Rule_effect::NONE, Rule_entries::WITH_VALUE},
+    {SUGGESTION_ACCESS, "access", Rule_operands::NONE, ACCESS_RIGHTS, std::size(ACCESS_RIGHTS),
+     !NEEDS_CONDITION, !JUDGES_TRIES, Rule_effect::NONE, Rule_entries::WITH_VALUE},
+};
+
+}  // namespace
+
+Rule_kinds rule_kinds() {
+    return {KINDS, std::size(KINDS)};
+}
+
+const Rule_kind* find_rule_kind(int suggestion) {
+    const auto* const found =
+        std::find_if(std::begin(KINDS), std::end(KINDS),
+                     [&](const Rule_kind& kind) { return kind.suggestion == suggestion; });
+    return found != std::end(KINDS) ? found : nullptr;
+}
+
+std::string_view rule_word(Suggestion_kind kind) {
+    return find_rule_kind(kind)->word;
+}
+
+Rule_entries rule_entries(Suggestion_kind kind) {
+    return find_rule_kind(kind)->entries;
+}
+
+}  // namespace frontpanel
