@@ -5,6 +5,7 @@
 #include "engine/core.h"
 #include "engine/dependency_cycles.h"
 #include "engine/engine.h"
+#include "engine/explanation.h"
 #include "language/compiler.h"
 
 namespace frontpanel {
@@ -96,7 +97,7 @@ std::optional<Binding_explanation> Binding_registry::explain(const Data_entry& e
     if (engine == nullptr) {
         return std::nullopt;
     }
-    return engine->explain();
+    return binding_engine::explain(*engine);
 }
 
 }  // namespace frontpanel

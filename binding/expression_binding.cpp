@@ -4,6 +4,7 @@
 
 #include "engine/core.h"
 #include "engine/engine.h"
+#include "engine/explanation.h"
 
 namespace frontpanel {
 
@@ -24,7 +25,7 @@ const std::vector<std::string>& Expression_binding::errors() const {
 }
 
 Binding_explanation Expression_binding::explain() {
-    return m_engine->explain();
+    return binding_engine::explain(*m_engine);
 }
 
 // ---- the entry and its lists

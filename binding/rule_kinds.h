@@ -4,11 +4,17 @@
 #define FRONTPANEL_BINDING_RULE_KINDS_H
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 
 #include <frontpanel_binding/rule_kind.h>
 
 namespace frontpanel {
+
+namespace binding_engine {
+class Engine;
+class Suggestion_maker;
+}  // namespace binding_engine
 
 // What stands between the word of a rule and its condition.
 enum class Rule_operands {
@@ -38,6 +44,8 @@ struct Rule_kind {
     bool judges_tries;  // when a value is tried, and at no other time
     Rule_effect effect;
     Rule_entries entries;
+    std::unique_ptr<binding_engine::Suggestion_maker> (*make)(binding_engine::Engine& engine,
+                                                              const Rule_kind& kind);
 
     const Rule_choice* begin_choices() const { return choices; }
     const Rule_choice* end_choices() const { return choices + choice_count; }

@@ -12,19 +12,11 @@
 #include <frontpanel_data/binding.h>
 
 #include "engine/cascade.h"
+#include "engine/interval.h"
 #include "engine/parameter_cache.h"
 #include "language/machine.h"
 
 namespace frontpanel::binding_engine {
-
-// Both ends inclusive.
-struct Interval {
-    int32_t low;
-    int32_t high;
-};
-inline bool operator==(const Interval& left, const Interval& right) {
-    return left.low == right.low && left.high == right.high;
-}
 
 // The options of the product, judged as entries judge them.
 class Product_options {

@@ -9,6 +9,7 @@
 
 #include "engine/engine.h"
 #include "engine/reading.h"
+#include "rule_kinds.h"
 
 namespace frontpanel::binding_engine {
 namespace {
@@ -80,10 +81,15 @@ private:
     void add_rules(const Engine& engine, const Bound_list& list) {
         for (std::size_t number = 0; number < list.program.rule_count(); ++number) {
             const Rule rule = list.program.rule(number);
-            if (rule.kind == SUGGESTION_SET) {
-                add_edges(engine, list, rule, engine.find_written(list, rule), true);
-            } else if (rule.kind == SUGGESTION_RANGE || rule.kind == SUGGESTION_KEYS) {
-                add_edges(engine, list, rule, engine.own(), false);
+            switch (find_rule_kind(rule.kind)->effect) {
+                case Rule_effect::WRITES:
+                    add_edges(engine, list, rule, engine.find_written(list, rule), true);
+                    break;
+                case Rule_effect::LIMITS_ENTRY:
+                    add_edges(engine, list, rule, engine.own(), false);
+                    break;
+                case Rule_effect::NONE:
+                    break;
             }
         }
     }
@@ -103,7 +109,7 @@ private:
             m_from.push_back(node_of(engine.own(), {}));
         }
         const std::size_t to = node_of(
-            driven, is_write ? list.program.parameter(rule.target).name : std::string_view());
+            driven, is_write ? list.program.parameter(rule.target()).name : std::string_view());
         for (const std::size_t from : m_from) {
             m_nodes[from].edges.push_back({to, is_write, &engine, rule.line});
         }

@@ -4,19 +4,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include <frontpanel_binding/binding_report.h>
 #include <frontpanel_data/binding.h>
 #include <frontpanel_data/enum_entry.h>
 
 #include "engine/cascade.h"
 #include "engine/core.h"
 #include "engine/parameter_cache.h"
-#include "language/machine.h"
 #include "language/program.h"
 
 namespace frontpanel::binding_engine {
@@ -29,23 +29,7 @@ struct Bound_list {
     uint64_t options_version = 0;
 };
 
-template <typename Value>
-struct Suggestion {
-    Value value{};
-    bool is_known = false;
-    bool is_updated = false;
-
-    // Takes `suggested` if it is another value, and leaves the former one there.
-    void suggest(Value& suggested) {
-        if (!is_known || !(value == suggested)) {
-            std::swap(value, suggested);
-            is_known = true;
-            is_updated = true;
-        }
-    }
-};
-
-class Reading;
+class Suggestion_maker;
 
 class Engine {
 public:
@@ -64,19 +48,24 @@ public:
     bool evaluate(bool updates, bool tries);
     bool offers(int mask) const { return (offered() & mask) != 0; }
     bool is_updated(int mask) const { return (updated() & mask) != 0; }
-    void get(int mask, void* out) const;
+    void get(int mask, void* out);
     void clear(int mask);
     void set_override(const var_index_s& key, return_s value);
     void clear_override() { m_override_key.reset(); }
     std::vector<var_index_s> keys() const;
     const std::vector<std::string>& errors() const { return m_errors; }
     void clear_errors() { m_errors.clear(); }
-    // Both print under the diagnostic mask of bindings.
+    void add_error(std::string error) { m_errors.push_back(std::move(error)); }
+    // Takes the errors out, and puts `errors` in their place.
+    std::vector<std::string> exchange_errors(std::vector<std::string> errors) {
+        return std::exchange(m_errors, std::move(errors));
+    }
+    // All print under the diagnostic mask of bindings.
+    void print_error(const std::string& error) const;
     void print_errors() const;
     void print_suggestions() const;
     // One line for each kind that has a suggestion: "range 0..4, 10..14 (new)".
     std::vector<std::string> suggestion_lines() const;
-    Binding_explanation explain();
 
     // For the cascade and the search for cycles.
     Cascade_state& cascade_state() { return m_cascade_state; }
@@ -89,53 +78,45 @@ public:
     bool limits_options() const {
         return m_options != nullptr && (m_rule_kinds & SUGGESTION_KEYS) != 0;
     }
-    // Whether the entry is enumerated and was not told its allowed keys yet.
-    bool has_new_options() const { return m_announces_keys && m_options != nullptr; }
+    // Whether the entry is enumerated and has not taken its allowed keys yet.
+    bool has_new_options() const;
     void report_cascade(const std::string& path);
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
-    const std::vector<Bound_list>& lists() const { return m_lists; }
     // The parameter that a write rule of the list writes; null when nobody refers to it otherwise.
     const Cached_parameter* find_written(const Bound_list& list,
                                          const binding_language::Rule& rule) const;
+
+    // For readings, the makers of suggestions and explanations.
+    Core& core() const { return m_core; }
+    const std::vector<Bound_list>& lists() const { return m_lists; }
+    std::vector<Bound_list>& lists() { return m_lists; }
+    // Looks the options of a list up again if the product's have changed.
+    void refresh_options(Bound_list& list) const;
     // The entry's own parameter; null for an entry without one.
     Cached_parameter* own() const { return m_own; }
+    // The entry as one with options; null for others.
+    Enum_entry* options() const { return m_options; }
+    // What is suggested while no range rule holds.
+    const std::optional<Interval>& fallback_range() const {
+        return m_fallback_range ? m_fallback_range : m_entry_range;
+    }
+    // What the override stands for, and its value. Null when nobody refers to it, or the value is of another
+    // type than its key.
+    Cached_parameter* overridden() const;
+    const return_s& override_value() const { return m_override_value; }
+    // Null when no list has a rule of that kind.
+    Suggestion_maker* find_maker(int kind) const;
 
 private:
-    std::vector<std::string>::const_iterator end_of_warnings() const;
-    friend class Reading;
-
-    enum class Step { NEXT, LAST, FAILED };
-
     int offered() const;
     int updated() const;
+    void add_makers();
     void bind_parameters(Bound_list& list);
+    void note_kinds(const binding_language::Program& program);
     void attach();
     void detach();
     std::vector<Cached_parameter*> parameters() const;
     Cached_parameter* find_own();
-    Cached_parameter* overridden();
-    void refresh_options(Bound_list& list);
-
-    void update_suggestions(Reading& reading, bool updates);
-    template <typename Take>
-    bool each_rule_that_holds(Suggestion_kind kind, Reading& reading, Take take);
-    bool decide_visibility(Reading& reading, int& visibility);
-    bool decide_ranges(Reading& reading);
-    bool fall_back_to_range();
-    bool decide_keys(Reading& reading);
-    void fall_back_to_keys();
-    bool decide_requests(Reading& reading);
-    bool decide_access(Reading& reading, Data_entry::Data_access& access);
-    void decide_warnings(Reading& reading);
-    Step take_intervals(Reading& reading, const binding_language::Rule& rule);
-    Step take_keys(Reading& reading, const binding_language::Rule& rule);
-    Step take_request(Reading& reading, const binding_language::Rule& rule);
-    void take_keys(int64_t low, int64_t high);
-    bool list_keys();
-    void print_error(const std::string& error) const;
-    std::string request_text(const GetSetS& request) const;
-    Rule_explanation explain_rule(Reading& reading, const binding_language::Rule& rule);
-    std::optional<std::string> demand_text(Reading& reading, const binding_language::Rule& rule);
 
     Core& m_core;
     const var_index_s& m_control;
@@ -144,7 +125,7 @@ private:
     Data_entry::Entry_type m_entry_type = Data_entry::INVALID_ENTRY_TYPE;
     Enum_entry* m_options = nullptr;  // the entry, when it has options
     std::vector<Bound_list> m_lists;
-    int m_rule_kinds = 0;
+    int m_rule_kinds = 0;                   // bits of Suggestion_kind
     std::vector<Cached_parameter*> m_read;  // all that some rule reads, once each
     Cached_parameter* m_own = nullptr;
     bool m_reads_own = false;
@@ -156,17 +137,8 @@ private:
     return_s m_override_value;
 
     bool m_was_evaluated = false;
-    Suggestion<int> m_visibility;
-    Suggestion<std::vector<Interval>> m_ranges;
-    Suggestion<std::vector<int>> m_keys;
-    bool m_announces_keys = false;  // by the kind that enumerated entries ask for
-    Suggestion<std::vector<GetSetS>> m_requests;
-    Suggestion<Data_entry::Data_access> m_access;
-    std::vector<std::string> m_warnings;  // the first `m_warning_count` count
-    std::size_t m_warning_count = 0;
-    std::vector<std::string> m_warnings_before;  // of the try before; keeps its memory
-    bool m_warns_anew = false;
-    unsigned int m_warning_round = 0;  // of the core, at the last try
+    // Of each kind that a list has rules of, in the order of the table of kinds.
+    std::vector<std::unique_ptr<Suggestion_maker>> m_makers;
     std::vector<std::string> m_errors;
 };
 

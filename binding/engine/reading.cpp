@@ -54,7 +54,7 @@ Reading::Reading(Engine& engine, bool is_try)
       m_tried(is_try ? engine.overridden() : nullptr),
       m_list(nullptr),
       m_seen(nullptr) {
-    engine.m_core.parameters.begin_evaluation();
+    engine.core().parameters.begin_evaluation();
 }
 
 void Reading::enter(Bound_list& list) {
@@ -76,7 +76,7 @@ bool Reading::condition(const Rule& rule, bool& holds) {
 }
 
 bool Reading::value(const Rule& rule, Code code, Value& value) {
-    const Fault fault = m_engine.m_core.machine.run(m_list->program, code, *this, value);
+    const Fault fault = m_engine.core().machine.run(m_list->program, code, *this, value);
     if (fault == Fault::NONE) {
         return true;
     }
@@ -103,8 +103,8 @@ bool Reading::interval(const Rule& rule, std::size_t number, int64_t& low, int64
 
 void Reading::report(const Rule& rule, const std::string& mistake) {
     m_last_mistake = mistake;
-    m_engine.m_errors.push_back("line " + std::to_string(rule.line) + ", " + shown(rule.source) +
-                                ": " + mistake);
+    m_engine.add_error("line " + std::to_string(rule.line) + ", " + shown(rule.source) + ": " +
+                       mistake);
 }
 
 bool Reading::read(std::size_t parameter, Value& value) {
@@ -119,7 +119,7 @@ bool Reading::read(std::size_t parameter, Value& value) {
 }
 
 bool Reading::read_own(Value& value) {
-    Cached_parameter* const own = m_engine.m_own;
+    Cached_parameter* const own = m_engine.own();
     const RETURN_TYPE wanted = m_list->program.own_type() == Value_type::TEXT ? STRING : INTEGER;
     if (own == nullptr || own->rt != wanted) {
         note("value", false, value);
@@ -145,11 +145,11 @@ bool Reading::has_option(std::size_t option) {
 bool Reading::fetch(Cached_parameter& parameter, Value& value) {
     value.type = parameter.rt == STRING ? Value_type::TEXT : Value_type::INTEGER;
     if (&parameter == m_tried) {
-        value.number = m_engine.m_override_value.i;
-        value.text = m_engine.m_override_value.s;
+        value.number = m_engine.override_value().i;
+        value.text = m_engine.override_value().s;
         return true;
     }
-    if (!m_engine.m_core.parameters.bring_up_to_date(parameter)) {
+    if (!m_engine.core().parameters.bring_up_to_date(parameter)) {
         return false;
     }
     value.number = parameter.number;

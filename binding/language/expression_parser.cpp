@@ -12,8 +12,7 @@ namespace frontpanel::binding_language {
 
 namespace {
 
-constexpr const char* A_PRIMARY =
-    "a number, a text, a [parameter], \"value\", a function or \"(\"";
+constexpr const char* A_PRIMARY = "a number, a text, a [parameter], \"value\", a function or \"(\"";
 
 }  // namespace
 
@@ -94,14 +93,14 @@ Operand Expression_parser::binary(Level least) {
         if (with.level == COMPARISON_LEVEL && m_code.reads() == reads_before) {
             m_warnings.warn_of(left.place);
         }
-        if (with.level == COMPARISON_LEVEL && operator_of(m_cursor.token()).level == COMPARISON_LEVEL) {
+        if (with.level == COMPARISON_LEVEL &&
+            operator_of(m_cursor.token()).level == COMPARISON_LEVEL) {
             m_cursor.fail(m_cursor.place(), "comparisons do not chain; \"and\" joins them");
         }
     }
 }
 
-Operand Expression_parser::combine(const Operand& left,
-                                                    const Binary_operator& with) {
+Operand Expression_parser::combine(const Operand& left, const Binary_operator& with) {
     const char* const operator_place = m_cursor.place();
     m_cursor.advance();
     switch (with.level) {
@@ -120,8 +119,7 @@ Operand Expression_parser::combine(const Operand& left,
     }
 }
 
-Operand Expression_parser::logic(const Operand& left,
-                                                  const Binary_operator& with) {
+Operand Expression_parser::logic(const Operand& left, const Binary_operator& with) {
     require_integer(left);
     const int to_end = m_code.emit_jump(with.operation, 0, -1);
     const Operand right = require_integer(binary(static_cast<Level>(with.level + 1)));
@@ -132,8 +130,7 @@ Operand Expression_parser::logic(const Operand& left,
     return {Value_type::INTEGER, true, left.place};
 }
 
-Operand Expression_parser::comparison(const Operand& left, Operation operation,
-                                                       const char* place) {
+Operand Expression_parser::comparison(const Operand& left, Operation operation, const char* place) {
     const bool is_equality = operation == Operation::EQUAL || operation == Operation::NOT_EQUAL;
     if (left.type == Value_type::TEXT && !is_equality) {
         m_cursor.fail(place, "a text is compared with == or != only");
@@ -276,7 +273,8 @@ void Expression_parser::fail_unknown_word(const Token& name) const {
 
 Operand Expression_parser::own_value() {
     if (m_context.own_type != INTEGER && m_context.own_type != STRING) {
-        m_cursor.fail(m_cursor.last_end() - std::strlen("value"), "this entry has no value of its own");
+        m_cursor.fail(m_cursor.last_end() - std::strlen("value"),
+                      "this entry has no value of its own");
     }
     const Value_type type = value_type(m_context.own_type);
     m_tables.own_type = 1 + static_cast<int>(type);
@@ -315,7 +313,7 @@ Operand Expression_parser::has_option() {
     const Scanner::Text_part part = m_cursor.text_part(quote);
     if (!part.ends_text || part.source.empty()) {
         m_cursor.fail(quote, part.ends_text ? "the name of an option is empty"
-                                   : "the name of an option holds no placeholders");
+                                            : "the name of an option holds no placeholders");
     }
     m_cursor.advance();
     m_cursor.expect(Token::CLOSE, "\")\"");
@@ -382,7 +380,8 @@ int Expression_parser::text_reference(const Scanner::Text_part& part) {
         add_reference(m_tables.texts, part.source);
     }
     if (m_tables.texts.back() > static_cast<int>(LONGEST_TEXT)) {
-        m_cursor.fail(part.source.data(), "text longer than " + std::to_string(LONGEST_TEXT) + " bytes");
+        m_cursor.fail(part.source.data(),
+                      "text longer than " + std::to_string(LONGEST_TEXT) + " bytes");
     }
     return number;
 }
@@ -405,8 +404,8 @@ Operand Expression_parser::read_parameter() {
 
 void Expression_parser::require_type(const Operand& operand, Value_type type) const {
     if (operand.type != type) {
-        m_cursor.fail(operand.place,
-             std::string("expected ") + name_of(type) + ", found " + name_of(operand.type));
+        m_cursor.fail(operand.place, std::string("expected ") + name_of(type) + ", found " +
+                                         name_of(operand.type));
     }
 }
 

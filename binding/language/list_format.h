@@ -59,7 +59,7 @@ enum Rule_field {
     RULE_LINE,
     RULE_SOURCE,
     RULE_SOURCE_LENGTH,
-    RULE_DETAIL,  // of SET the parameter, of ACCESS the right, else 0
+    RULE_DETAIL,  // of SET the parameter, else the number of the chosen word, else 0
     RULE_FIRST_SEGMENT,
     RULE_OPERANDS,  // their segments come first, the condition's follows
     RULE_SIZE

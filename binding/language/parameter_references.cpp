@@ -37,9 +37,9 @@ std::optional<int> Parameter_references::known_row(std::string_view name) const 
     const BindingListT& rows = m_tables.parameters;
     const auto tried = static_cast<std::size_t>(TRIED_ROWS) * PARAMETER_SIZE;
     for (std::size_t at = 0; at < std::min(rows.size(), tried); at += PARAMETER_SIZE) {
-        const std::string_view known = m_cursor.source().substr(
-            static_cast<std::size_t>(rows[at + PARAMETER_NAME]),
-            static_cast<std::size_t>(rows[at + PARAMETER_NAME_LENGTH]));
+        const std::string_view known =
+            m_cursor.source().substr(static_cast<std::size_t>(rows[at + PARAMETER_NAME]),
+                                     static_cast<std::size_t>(rows[at + PARAMETER_NAME_LENGTH]));
         if (known == name) {
             return static_cast<int>(at / PARAMETER_SIZE);
         }
@@ -49,8 +49,8 @@ std::optional<int> Parameter_references::known_row(std::string_view name) const 
 
 void Parameter_references::fail_unknown(std::string_view name) const {
     const std::string_view closest = m_declared.closest(name);
-    Compile_error error = m_cursor.error(
-        m_cursor.place(), "unknown parameter " + m_cursor.token().description());
+    Compile_error error =
+        m_cursor.error(m_cursor.place(), "unknown parameter " + m_cursor.token().description());
     if (!closest.empty()) {
         error.message += "; did you mean [" + std::string(closest) + "]?";
     }
@@ -94,8 +94,8 @@ int Parameter_references::row(const var_index_s& key, std::string_view name) {
                       "more than " + std::to_string(MOST_PARAMETERS) + " parameters");
     }
     rows.insert(rows.end(), std::begin(address), std::end(address));
-    rows.insert(rows.end(), {static_cast<int>(m_cursor.offset(name.data())),
-                             static_cast<int>(name.size()), 0});
+    rows.insert(rows.end(),
+                {static_cast<int>(m_cursor.offset(name.data())), static_cast<int>(name.size()), 0});
     if (count >= TRIED_ROWS) {
         m_tables.later_rows.emplace(variable, count);
     }
@@ -105,9 +105,8 @@ int Parameter_references::row(const var_index_s& key, std::string_view name) {
 // `address` is the beginning of a row.
 std::optional<int> Parameter_references::known_row(const int* address, uint64_t variable) const {
     const auto is_at = [&](int row) {
-        return std::equal(
-            address, address + PARAMETER_NAME,
-            &m_tables.parameters[static_cast<std::size_t>(row) * PARAMETER_SIZE]);
+        return std::equal(address, address + PARAMETER_NAME,
+                          &m_tables.parameters[static_cast<std::size_t>(row) * PARAMETER_SIZE]);
     };
     const int count = static_cast<int>(m_tables.parameters.size() / PARAMETER_SIZE);
     for (int row = 0; row < std::min(count, TRIED_ROWS); ++row) {

@@ -45,11 +45,7 @@ Rule Program::rule(std::size_t number) const {
     rule.operand_count = index_of(fields[RULE_OPERANDS]);
     rule.first_segment = static_cast<uint32_t>(fields[RULE_FIRST_SEGMENT]);
     rule.condition = segment(rule.first_segment + rule.operand_count);
-    if (rule.kind == SUGGESTION_SET) {
-        rule.target = index_of(fields[RULE_DETAIL]);
-    } else if (rule.kind == SUGGESTION_ACCESS) {
-        rule.access = static_cast<Data_entry::Data_access>(fields[RULE_DETAIL]);
-    }
+    rule.detail = fields[RULE_DETAIL];
     return rule;
 }
 

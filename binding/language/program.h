@@ -62,9 +62,10 @@ struct Rule {
     // RANGE and KEYS: pairs of integers, low and high, in either order; an empty high end of KEYS stands for
     // the low one. SET: the value. WARNING: the text. The others have none.
     std::size_t operand_count;
-    uint32_t first_segment;          // private to the program
-    std::size_t target;              // of SET: the number of the parameter
-    Data_entry::Data_access access;  // of ACCESS
+    uint32_t first_segment;  // private to the program
+    int detail;  // of SET the number of the parameter, else that of the chosen word, else 0
+
+    std::size_t target() const { return static_cast<std::size_t>(detail); }
 };
 
 class Program {

@@ -86,10 +86,9 @@ void Rule_parser::rule() {
 
 const Rule_kind& Rule_parser::kind_of_rule() {
     const Rule_kinds kinds = rule_kinds();
-    const auto* const found =
-        std::find_if(kinds.begin(), kinds.end(), [&](const Rule_kind& kind) {
-            return m_cursor.token().is_word(kind.word);
-        });
+    const auto* const found = std::find_if(kinds.begin(), kinds.end(), [&](const Rule_kind& kind) {
+        return m_cursor.token().is_word(kind.word);
+    });
     if (found == kinds.end()) {
         m_cursor.fail_expected(alternatives(kinds.begin(), kinds.end()));
     }
@@ -179,10 +178,9 @@ void Rule_parser::choice(const Rule_kind& kind) {
     if (m_cursor.is(Token::WORD)) {
         m_cursor.extend_over_hyphens();
     }
-    const auto* const found =
-        std::find_if(kind.begin_choices(), kind.end_choices(), [&](const Rule_choice& choice) {
-            return m_cursor.token().is_word(choice.word);
-        });
+    const auto* const found = std::find_if(
+        kind.begin_choices(), kind.end_choices(),
+        [&](const Rule_choice& choice) { return m_cursor.token().is_word(choice.word); });
     if (found == kind.end_choices()) {
         m_cursor.fail_expected(alternatives(kind.begin_choices(), kind.end_choices()));
     }
@@ -246,8 +244,7 @@ Rule_note& Rule_parser::note(Suggestion_kind kind) {
     if (m_notes.empty()) {
         m_notes.reserve(USUAL_NOTES);
     }
-    return m_notes.emplace_back(
-        Rule_note{kind, m_cursor.offset(m_cursor.place()), {}, {}, {}});
+    return m_notes.emplace_back(Rule_note{kind, m_cursor.offset(m_cursor.place()), {}, {}, {}});
 }
 
 void Rule_parser::note_rule(Suggestion_kind kind) {

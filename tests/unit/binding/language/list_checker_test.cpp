@@ -57,10 +57,10 @@ TEST(Binding_list, RulesAreTheSourcesRulesInItsOrder) {
         EXPECT_EQ(rule.operand_count, RULES[i].operands);
         EXPECT_EQ(rule.condition.empty(), !RULES[i].has_condition);
     }
-    EXPECT_EQ(program.parameter(program.rule(3).target).name, "title");
-    EXPECT_EQ(program.parameter(program.rule(4).target).name, "mode");
-    EXPECT_EQ(program.rule(6).access, Data_entry::WRITE_ONLY);
-    EXPECT_EQ(program.rule(7).access, Data_entry::READ_ONLY);
+    EXPECT_EQ(program.parameter(program.rule(3).target()).name, "title");
+    EXPECT_EQ(program.parameter(program.rule(4).target()).name, "mode");
+    EXPECT_EQ(program.rule(6).detail, Data_entry::WRITE_ONLY);
+    EXPECT_EQ(program.rule(7).detail, Data_entry::READ_ONLY);
 }
 
 TEST(Binding_list, OperandsAreTheEndsOfTheRulesRanges) {

@@ -83,7 +83,7 @@ inline void exercise(const binding_language::Program& program, binding_language:
         sum += touch(rule.source);
         program.append_reads(rule, reads);
         program.reads_own_value(rule);
-        require(rule.kind != SUGGESTION_SET || rule.target < program.parameter_count());
+        require(rule.kind != SUGGESTION_SET || rule.target() < program.parameter_count());
         for (std::size_t part = 0; part <= rule.operand_count; ++part) {
             const bool is_condition = part == rule.operand_count;
             const Code code = is_condition ? rule.condition : program.operand(rule, part);
@@ -97,7 +97,7 @@ inline void exercise(const binding_language::Program& program, binding_language:
                         !is_condition &&
                         (rule.kind == SUGGESTION_WARNING ||
                          (rule.kind == SUGGESTION_SET &&
-                          program.parameter_type(rule.target) == Value_type::TEXT));
+                          program.parameter_type(rule.target()) == Value_type::TEXT));
                     require((value.type == Value_type::TEXT) == is_text);
                     require(!is_text || value.text.size() <= LONGEST_TEXT);
                     sum += is_text ? touch(value.text) : 1;

@@ -1,0 +1,156 @@
+#include "engine/suggestions/suggestion_maker.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <frontpanel_binding/parameter_address.h>
+
+namespace frontpanel::binding_engine {
+namespace {
+
+using binding_language::Value_type;
+
+std::string_view bytes_of(const GetSetS& request) {
+    return std::string_view(reinterpret_cast<const char*>(request.buffer), request.length);
+}
+
+std::string written_text(const GetSetS& request) {
+    if (request.rt == STRING) {
+        return quoted(bytes_of(request));
+    }
+    int32_t value = 0;
+    std::memcpy(&value, request.buffer, sizeof value);
+    return std::to_string(value);
+}
+
+// The writes of all rules that hold, in their order.
+class Write_maker : public Suggestion_maker {
+public:
+    using Suggestion_maker::Suggestion_maker;
+
+    void decide(Reading& reading, bool updates) override {
+        std::vector<GetSetS>& requests = m_engine.core().requests;
+        requests.clear();
+        const bool is_decided =
+            each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); });
+        if (is_decided && updates) {
+            m_suggestion.is_known = true;  // to write nothing is no news
+            m_suggestion.suggest(requests);
+        }
+    }
+
+    std::optional<std::string> demand(Reading& reading, const Rule& rule) override {
+        m_engine.core().requests.clear();
+        if (take(reading, rule) == Step::FAILED) {
+            return std::nullopt;
+        }
+        return request_text(m_engine.core().requests.back());
+    }
+
+    int updated() const override { return m_suggestion.is_updated ? SUGGESTION_SET : 0; }
+
+    void clear(int mask) override {
+        if ((mask & SUGGESTION_SET) != 0) {
+            m_suggestion.is_updated = false;
+        }
+    }
+
+    void get(void* out) const override {
+        *static_cast<std::vector<GetSetS>*>(out) = m_suggestion.value;
+    }
+
+    std::vector<std::string> lines() const override {
+        if (m_suggestion.value.empty()) {
+            return {};
+        }
+        std::vector<std::string> requests;
+        for (const GetSetS& request : m_suggestion.value) {
+            requests.push_back(request_text(request));
+        }
+        return {"set " + comma_joined(requests)};
+    }
+
+    // The list is forgotten, so that the next evaluation finds it new and the entry writes again.
+    void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result) override {
+        std::vector<GetSetS>& requests = m_suggestion.value;
+        const auto failed =
+            std::find_if(requests.begin(), requests.end(), [&](const GetSetS& request) {
+                return request.varid == pid && request.varidx == varidx &&
+                       bytes_of(request) == bytes;
+            });
+        if (failed != requests.end()) {
+            m_engine.print_error("cannot write " + request_text(*failed) + ": device result " +
+                                 std::to_string(result));
+            requests.clear();
+        }
+    }
+
+private:
+    Step take(Reading& reading, const Rule& rule) {
+        Value value;
+        if (!reading.value(rule, reading.program().operand(rule, 0), value)) {
+            return Step::FAILED;
+        }
+        const auto target = reading.program().parameter(rule.target());
+        GetSetS request{};
+        request.varid = target.key.var;
+        request.varidx = varidx_of(target.key.index);
+        request.rt = target.key.rt;
+        const bool is_filled = value.type == Value_type::TEXT
+                                   ? fill_text(reading, rule, value.text, request)
+                                   : fill_number(reading, rule, value.number, request);
+        if (!is_filled) {
+            return Step::FAILED;
+        }
+        m_engine.core().requests.push_back(request);
+        return Step::NEXT;
+    }
+
+    static bool fill_text(Reading& reading, const Rule& rule, std::string_view text,
+                          GetSetS& request) {
+        if (text.size() > sizeof request.buffer) {
+            reading.report(rule, "a text of " + std::to_string(text.size()) +
+                                     " bytes cannot be written, at most " +
+                                     std::to_string(sizeof request.buffer));
+            return false;
+        }
+        request.length = static_cast<uint32_t>(text.size());
+        std::copy(text.begin(), text.end(), request.buffer);
+        return true;
+    }
+
+    static bool fill_number(Reading& reading, const Rule& rule, int64_t value, GetSetS& request) {
+        if (value < LOWEST || value > HIGHEST) {
+            reading.report(rule, std::to_string(value) + " is no number of 32 bits");
+            return false;
+        }
+        const auto number = static_cast<int32_t>(value);
+        request.length = sizeof number;
+        std::memcpy(request.buffer, &number, sizeof number);
+        return true;
+    }
+
+    // By the name that a rule of the entry gives the parameter.
+    std::string request_text(const GetSetS& request) const {
+        for (const Bound_list& list : m_engine.lists()) {
+            for (std::size_t number = 0; number < list.program.parameter_count(); ++number) {
+                const auto parameter = list.program.parameter(number);
+                if (parameter.is_written && parameter.key.var == request.varid &&
+                    varidx_of(parameter.key.index) == request.varidx) {
+                    return bracketed(parameter.name) + " = " + written_text(request);
+                }
+            }
+        }
+        return "parameter " + std::to_string(request.varid) + " = " + written_text(request);
+    }
+
+    Suggestion<std::vector<GetSetS>> m_suggestion;
+};
+
+}  // namespace
+
+std::unique_ptr<Suggestion_maker> make_set(Engine& engine, const Rule_kind& kind) {
+    return std::make_unique<Write_maker>(engine, kind);
+}
+
+}  // namespace frontpanel::binding_engine
