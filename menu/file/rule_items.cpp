@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include <frontpanel_binding/rule_kind.h>
 #include <frontpanel_menu/entry_access.h>
 #include "file/loader.h"
 
@@ -56,23 +57,17 @@ std::string interval_text(int low, int high) {
     return low == high ? std::to_string(low) : std::to_string(low) + ".." + std::to_string(high);
 }
 
-// Why rules of that kind do nothing for the entry; null when they do something.
-const char* misfit(Suggestion_kind kind, const Data_entry& entry) {
-    const Data_entry::Entry_type type = entry.Get_entry_type();
-    switch (kind) {
-        case SUGGESTION_RANGE:
-            return type == Data_entry::RANGE_LEAF ? nullptr
-                                                  : "\"range\" is for items of type \"range\"";
-        case SUGGESTION_KEYS:
-            return type == Data_entry::ENUM_LEAF ? nullptr
-                                                 : "\"keys\" is for items of type \"enum\"";
-        case SUGGESTION_WARNING:
-            return type == Data_entry::NODE ? "\"warn\" is for items that have a value" : nullptr;
-        case SUGGESTION_ACCESS:
-            return type == Data_entry::NODE ? "\"access\" is for items that have a value" : nullptr;
-        case SUGGESTION_VISIBILITY:
-        case SUGGESTION_SET:
+// The entries that rules are for, as errors have it; null when they are for this one.
+const char* misfit(Rule_entries entries, Data_entry::Entry_type type) {
+    switch (entries) {
+        case Rule_entries::ALL:
             break;
+        case Rule_entries::WITH_VALUE:
+            return type == Data_entry::NODE ? "items that have a value" : nullptr;
+        case Rule_entries::RANGES:
+            return type == Data_entry::RANGE_LEAF ? nullptr : "items of type \"range\"";
+        case Rule_entries::ENUMERATIONS:
+            return type == Data_entry::ENUM_LEAF ? nullptr : "items of type \"enum\"";
     }
     return nullptr;
 }
@@ -139,8 +134,9 @@ void Loader::check_rule_parameter(const Json_value& source, const Named_paramete
 // What a rule asks for in vain, or what nobody can give it.
 void Loader::check_rule(const Json_value& source, const Rule_note& note, const Data_entry& entry,
                         std::optional<Bounds> bounds) const {
-    if (const char* const why = misfit(note.kind, entry)) {
-        fail_in(source, note.offset, why);
+    if (const char* const others = misfit(rule_entries(note.kind), entry.Get_entry_type())) {
+        fail_in(source, note.offset,
+                "\"" + std::string(rule_word(note.kind)) + "\" is for " + others);
     }
     if (note.kind == SUGGESTION_KEYS && !is_live(entry)) {
         const auto& choices = static_cast<const Enum_entry&>(entry);
