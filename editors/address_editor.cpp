@@ -4,6 +4,8 @@
 #include <sstream>
 #include <vector>
 
+#include "entry_text.h"
+
 namespace frontpanel {
 namespace {
 

@@ -1,8 +1,6 @@
-#include <frontpanel_data/string_entry.h>
 #include <frontpanel_editors/line_text.h>
 #include <frontpanel_editors/value_editor.h>
 
-#include <array>
 #include <utility>
 
 namespace frontpanel {
@@ -11,16 +9,6 @@ namespace {
 constexpr int HOLD_CALLS = 2;
 
 }  // namespace
-
-std::string text_of(String_entry& entry) {
-    std::array<char, MAX_STRING_LENGTH + 1> text = {};
-    entry.Get_value(text.data(), text.size());
-    return text.data();
-}
-
-bool store_text(String_entry& entry, const std::string& text) {
-    return entry.Set_value(text.c_str(), static_cast<unsigned int>(text.size())) == 0;
-}
 
 void Scrolling_text::set(std::string text) {
     m_text = std::move(text);

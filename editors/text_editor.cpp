@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "entry_text.h"
+
 namespace frontpanel {
 namespace {
 

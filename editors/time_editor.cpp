@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "entry_text.h"
+
 namespace frontpanel {
 namespace {
 

@@ -1,5 +1,7 @@
 #include <frontpanel_editors/warning_editor.h>
 
+#include "entry_text.h"
+
 namespace frontpanel {
 
 Warning_editor::Warning_editor() = default;

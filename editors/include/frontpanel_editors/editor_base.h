@@ -1,4 +1,5 @@
-// The part that the concrete editors share, on top of the library's abstract editor of each kind.
+// The part that the concrete editors share, on top of the library's abstract editor of each kind. An editor of your
+// own derives from it as well, with `Field_line` and `Scrolling_text` for its line.
 #ifndef FRONTPANEL_EDITORS_EDITOR_BASE_H
 #define FRONTPANEL_EDITORS_EDITOR_BASE_H
 
@@ -30,7 +31,7 @@ public:
 
     Data_entry* entry() const override { return m_entry; }
     bool can_change() const final { return m_entry != nullptr && is_editable(); }
-    // Where the panel goes after escape and after select; null for the edited entry's own place.
+    // Where to go after escape and after select; null for the edited entry's own place. Not owned.
     Data_entry* escape_entry() const { return m_escape_entry; }
     Data_entry* select_entry() const { return m_select_entry; }
 

@@ -1,21 +1,13 @@
-// The texts of entries as editors take and store them, and how they bring them onto a display line that may
-// be too short.
+// Texts on a display line that may be too short for them.
 #ifndef FRONTPANEL_EDITORS_LINE_TEXT_H
 #define FRONTPANEL_EDITORS_LINE_TEXT_H
 
 #include <cstddef>
 #include <string>
 
-class String_entry;
-
 namespace frontpanel {
 
 struct Editor_view;
-
-// The whole text of an entry.
-std::string text_of(String_entry& entry);
-// Stores a text; false when the entry refuses it.
-bool store_text(String_entry& entry, const std::string& text);
 
 // A text without cursor: one that is too long is held at its start for two calls, then moves left by one
 // character a call, with one blank between its end and its start, as the entries' own texts do.
@@ -25,7 +17,7 @@ public:
     void set(std::string text);
     // Takes another text, and goes on with one that is shown already.
     void update(std::string text);
-    // At most `columns` characters.
+    // The part to show now, at most `columns` characters. Each call moves on.
     std::string show(int columns);
 
 private:

@@ -1,9 +1,10 @@
-// What every value editor has in common towards the panel: it takes key events and tells what it shows.
+// The interface of every value editor: it takes key events, and returns the text, cursor and LED to show.
 //
-// An editor draws nothing. The panel opens and closes it through the library's dispatcher, hands it the
-// keys while it is open, and puts its text, cursor and LEDs wherever its display has them. An editor changes
-// its entry's value when SELECT accepts it, or at each step of an entry with preview; writing the value to the
-// device is the panel's. Used from the menu thread.
+// An editor draws nothing. The application opens and closes it through the library's dispatcher (`Prepare` and
+// `ExitLEDs` of the abstract editors in <frontpanel_data/selection.h>), hands it the keys while it is open, and
+// puts its view on its display. An editor changes its entry's value when SELECT accepts it, or at each step of an
+// entry with preview; the application then commits the entry. The application owns editor and entry; the entry
+// outlives the time for which it is open. Errors are results; nothing is thrown. Menu thread only.
 #ifndef FRONTPANEL_EDITORS_VALUE_EDITOR_H
 #define FRONTPANEL_EDITORS_VALUE_EDITOR_H
 
@@ -28,7 +29,7 @@ enum class Editor_result {
     NOT_RESTORED  // left, but the entry refuses the value that it was opened with
 };
 
-// What has become of a proposed value when what the entry allows has changed.
+// What became of the proposed value when the values that the entry allows changed.
 enum class Editor_change {
     NONE,     // nothing that the editor shows
     KEPT,     // other values are allowed, and the proposed one is still among them
@@ -52,19 +53,20 @@ public:
     Value_editor(const Value_editor&) = delete;
     Value_editor& operator=(const Value_editor&) = delete;
 
-    // How the next entry is edited; before the editor opens.
+    // How the next entry is edited. Call it before the editor opens; the settings stay until the next call.
     virtual void configure(const Editor_settings& settings) = 0;
-    // `steps`, at least 1, is what a detent counts for where numbers are turned. A closed editor ignores keys
-    // and answers DISCARDED.
+    // `steps`, at least 1, is what a detent counts for when a number is turned. A closed editor ignores keys and
+    // returns DISCARDED.
     virtual Editor_result press(Editor_key key, int steps = 1) = 0;
-    // Tries once more to store what was refused: a warning of the entry's binding refuses a value once. The answer is what the refused key's would have been.
+    // Tries once more to store what was refused: a warning of the entry's binding refuses a value once. Returns what
+    // the refused key would have returned.
     virtual Editor_result retry() = 0;
-    // Gives the entry the value back that it was opened with; the proposed value stays. False when the entry
+    // Gives the entry the value back that it was opened with; the proposed value stays. Returns false when the entry
     // refuses it.
     virtual bool restore() = 0;
     // Proposes what the entry holds.
     virtual void propose_held() = 0;
-    // Looks at the entry again after it was refreshed. The entry must be open.
+    // Brings the proposed value in line with what the entry allows after a refresh. Requires: the editor is open.
     virtual Editor_change follow() = 0;
     // What the editor shows on a line of `columns` characters (at least 2). A text that does not fit scrolls
     // by one character a call. A closed editor shows nothing.
