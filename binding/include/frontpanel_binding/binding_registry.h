@@ -1,8 +1,10 @@
 // What the binding engines of one menu share: compiled rules, dependants and the device.
 //
-// A source text is compiled here into a binding list; the list is given to the `Expression_binding` of an
-// entry. The registry knows which entries depend on which parameter, so that a commit refreshes them. Menu
-// thread only.
+// `compile` makes a binding list of a source text, and the `Expression_binding` of an entry takes the list. The
+// registry knows which entries depend on which parameter, so that a commit refreshes them.
+//
+// Keep the registry in a `std::shared_ptr`: every engine shares it. No operation throws anything but what the
+// standard library throws; errors are results. Menu thread only.
 #ifndef FRONTPANEL_BINDING_BINDING_REGISTRY_H
 #define FRONTPANEL_BINDING_BINDING_REGISTRY_H
 
@@ -30,28 +32,28 @@ namespace binding_language {
 class Compiler;
 }
 
-// Why a source text was refused, and where. Lines and columns count from 1, columns in bytes.
+// Why a source text was rejected, and where. Lines and columns count from 1, columns in bytes.
 struct Compile_error {
     std::size_t line;
     std::size_t column;
     std::string message;  // "expected a comparison (== != < <= > >=), found \"3\""
-    // The name in brackets when that is what is not declared: for whoever knows why it is not. Else empty.
+    // The name in brackets when it is not declared, for an application that knows the reason. Else empty.
     std::string unknown_name = {};
 
     std::string text() const;  // "line 1, column 12: MESSAGE"
 };
 
-// What a rule says as far as it is plain in the text: for whoever knows the entry and the device. A rule has a note
-// for each of its ranges, or of its keys, and one otherwise.
+// What a rule says as far as it is plain in the text, for an application that checks it against its entries and its
+// device. A rule has a note for each of its ranges, or of its keys, and one otherwise.
 struct Rule_note {
     Suggestion_kind kind;
     std::size_t
         offset;  // in the text, in bytes: of the range, the key or the written value; else of the rule
-    // The ends of a range or of a run of keys, low first, or twice the number that is written; none when they are
-    // not plain numbers.
+    // The ends of a range or of a run of keys, low first, or twice the number that is written. Empty unless they
+    // are plain numbers.
     std::optional<std::pair<std::int32_t, std::int32_t>> numbers;
     std::optional<std::size_t>
-        text_length;      // of a written text, in bytes; none when it is no plain text
+        text_length;      // of a written text, in bytes; empty unless it is a plain text
     var_index_s written;  // of a rule that writes
 };
 
@@ -66,7 +68,7 @@ struct Compile_result {
     BindingListT list;
     std::vector<Rule_note> notes;             // in the order of the text
     std::vector<Named_parameter> parameters;  // each once, read or written
-    // What is right and surely not meant: conditions and comparisons that read nothing. One for a rule at most.
+    // Valid, but probably a mistake: conditions and comparisons that read nothing. One for a rule at most.
     std::vector<Compile_error> warnings;
     std::optional<Compile_error> error;  // the first of `errors`
     // In the order of the text: one for a rule at most, and 100 for a text.
@@ -86,12 +88,13 @@ public:
     Binding_registry(const Binding_registry&) = delete;
     Binding_registry& operator=(const Binding_registry&) = delete;
 
-    // Compiles rules such as "visible if [gain] > 3; range 0..[limit] if [102] == 1": docs/bindings.md has the
+    // Compiles rules such as "visible if [gain] > 3; range 0..[limit] if [102] == 1"; docs/bindings.md describes the
     // language. `own_type` is the type of the entry's own value: INTEGER, STRING, or INVALID_TYPE for an entry
-    // without one. Work goes on behind a rule that is wrong, to tell all errors at once. A list is complete in itself: it depends on no registry.
+    // without one. Every rule is checked, so that all errors are reported at once. A list is complete: it depends on
+    // no registry, and may be stored.
     Compile_result compile(std::string_view source, RETURN_TYPE own_type = INTEGER);
 
-    // The names and types that texts may use; declare them before compiling.
+    // The parameters that texts may name. Declare them before compiling.
     Parameter_table& parameters() { return m_parameters; }
 
     // Null only when neither the registry nor the process has an interface. While a `Caching_device` lives for
@@ -101,48 +104,46 @@ public:
     // Called with each warning that an engine shows. Without one, warnings are dropped.
     void set_warning_listener(Warning_listener listener);
     void show_warning(const std::string& text) const;
-    // Warnings that were raised already are new at the next try that raises them, in every engine: for a user
-    // interface whose user took none of them, or begins with another value.
+    // The warnings that were raised already appear again at the next try that raises them, in every engine. Call it
+    // when the user declines a warning, or starts with another value.
     void arm_warnings();
 
-    // Every parameter that a rule reads, an entry with an engine controls, or somebody watches, with the value
-    // last seen and the entries that depend on it; lives as long as the registry. A device variable that goes
-    // by several keys has a record for each, all of them kept alike.
+    // Every parameter that a rule reads, that an entry with an engine controls or that is watched, with the value
+    // last seen and the entries that depend on it. Owned by the registry. A device variable that goes by several keys
+    // has a record for each, all of them with the same value.
     var_index_map_t* var_index_map();
-    // Keeps the value of a parameter current though no rule may read it: a toggle's, for one. The key is then
-    // in the map, and `poll` asks for it until it is unwatched as often as it was watched.
+    // Keeps the value of a parameter current that no rule may read, such as a toggle's. The key is then in the map,
+    // and `poll` reads it until `unwatch` was called as often as `watch`.
     void watch(const var_index_s& key);
     void unwatch(const var_index_s& key);
-    // The value last seen, a text in full; the map's records hold 31 characters. Nothing when the parameter is
-    // not in the map, or was never read. `rt` of the key selects number or text.
+    // The value last seen, a text in full; the map's records hold 31 characters. Empty when the parameter is not in
+    // the map, or was never read. `rt` of the key selects number or text.
     std::optional<return_s> value(const var_index_s& key) const;
 
-    // Asks the device for every parameter that a rule reads or somebody watches, once each. Returns a key for
-    // each that changed, or can be read again after a failure; valid until the next call. What depends on them
-    // waits for `settle`.
-    // With a limit, each call goes on where the last one ended, so that it costs no more in a large menu.
+    // Reads every parameter from the device that a rule reads or that is watched, once each. Returns a key for each
+    // that changed, recovery after a failed read included; valid until the next call. What depends on them waits for
+    // `settle`. With a limit, each call continues where the last one ended, so that a large menu costs no more.
     const std::vector<var_index_s>& poll(std::size_t at_most = SIZE_MAX);
     // Whether `settle` has something to do.
     bool has_unsettled() const;
     // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last
-    // evaluated them, what these refreshes change included, until all are at rest. An entry that was never
-    // refreshed is left until it is, unless it has write rules. Also rebuilds the visible options of entries
-    // whose allowed keys changed. An entry is refreshed at most 32 times: then the circle is told in the result
-    // and in its engine's errors. Entries and engines may end meanwhile, and a call from within a refresh does
-    // nothing.
+    // evaluated them, until what these refreshes change is settled as well. An entry that was never refreshed waits
+    // until it is, unless it has write rules. Also rebuilds the visible options of entries whose allowed keys changed.
+    // An entry is refreshed 32 times at most; beyond that, the result and its engine's errors name the circle. Entries
+    // and engines may end meanwhile. A call from within a refresh does nothing.
     Binding_settlement settle(Data_interface* iface = nullptr);
 
-    // The product's options for `has_option`, judged as `Data_entry::isOptionStatic` judges them. Whatever is
-    // evaluated afterwards sees them.
+    // The product's options for `has_option`, with the test that `Data_entry::isOptionStatic` has. Later evaluations
+    // see them.
     void set_product_options(std::map<std::string, unsigned int> options);
 
     // The circles in which rules drive each other, one for each group of parameters, those that write first.
-    // Conditions are not looked into. Call it when the menu is complete.
+    // Conditions are ignored. Call it when the menu is complete.
     std::vector<Binding_cycle> find_cycles() const;
-    // Why `entry` is as it is; nothing for an entry without an engine of this registry.
+    // Why `entry` is as it is. Empty for an entry without an engine of this registry.
     std::optional<Binding_explanation> explain(const Data_entry& entry);
 
-    // For the engines and the caching device.
+    // Internal: for the engines and the caching device. The type is private to the component.
     binding_engine::Core& core() { return *m_core; }
 
 private:

@@ -1,5 +1,5 @@
-// What the engines of a menu report about their rules: why a suggestion is as it is, which bindings drive
-// each other in circles, and whether a cascade of writes came to rest.
+// Reports of a menu's engines about their rules: why a suggestion is as it is, which bindings drive each other in
+// circles, and whether a cascade of writes came to rest.
 #ifndef FRONTPANEL_BINDING_BINDING_REPORT_H
 #define FRONTPANEL_BINDING_BINDING_REPORT_H
 
@@ -34,14 +34,14 @@ struct Binding_explanation {
     std::vector<Rule_explanation> rules;
     std::vector<std::string> suggestions;  // "range 10..40", one line each
 
-    // The whole as lines for a person, each with a line end.
+    // The report as lines to read, each with a line end.
     std::string text() const;
 };
 
 // Parameters that drive each other in a circle.
 struct Binding_cycle {
     enum class Kind {
-        WRITES,  // a rule writes a parameter on which it depends: need not come to rest
+        WRITES,  // a rule writes a parameter on which it depends: may never come to rest
         LIMITS   // only ranges and keys that limit each other: usual for a pair of bounds
     };
 

@@ -1,14 +1,16 @@
 // The device as a menu's bindings see it: passes every access on, and keeps the registry's values current.
 //
 // Hand it to every refresh and commit in place of the device. While it lives, engines take the values that
-// have passed through it from the registry instead of asking the device; what the device changes by itself
-// shows at the next `Binding_registry::poll`. A failing access leaves the values as they were.
+// have passed through it from the registry instead of reading the device. What the device changes by itself
+// shows at the next `Binding_registry::poll`. A failing access leaves the values as they were, and its result is
+// the caller's.
 //
-// It also sees when entries that limit each other write a parameter over and over within one commit: then the
-// registry freezes their suggestions until the commit is over, and the next `Binding_registry::settle` tells.
+// It also detects entries that limit each other and write a parameter over and over within one commit: the
+// registry freezes their suggestions until the commit is over, and the next `Binding_registry::settle` reports
+// them.
 //
 // It is a `Pdt_data_access`, so that slot entries keep selecting sockets. Values are those of the selected
-// socket: after another is selected, each is asked for anew. Menu thread only.
+// socket: after another is selected, each is read again. Menu thread only.
 #ifndef FRONTPANEL_BINDING_CACHING_DEVICE_H
 #define FRONTPANEL_BINDING_CACHING_DEVICE_H
 
@@ -26,7 +28,7 @@ public:
     // `device` outlives the wrapper; `registry` must not be null and has one wrapper at a time.
     // The application's own fields of the interface start with the device's values, and are not passed on.
     Caching_device(Data_interface& device, std::shared_ptr<Binding_registry> registry);
-    // The registry asks its own interface again.
+    // The registry reads from its own interface again.
     ~Caching_device() override;
     Caching_device(const Caching_device&) = delete;
     Caching_device& operator=(const Caching_device&) = delete;

@@ -1,7 +1,8 @@
 // The binding engine of one entry: evaluates compiled rules and keeps the suggestions that follow.
 //
 // Give the engine its lists and its fallback range, then hand it to `Data_entry::Set_binding_object`; the
-// entry owns it from then on. It makes all six kinds of suggestion. Menu thread only.
+// entry owns it from then on. It makes all six kinds of suggestion. Its operations throw nothing but what the
+// standard library throws; errors are kept for `errors`. Menu thread only.
 #ifndef FRONTPANEL_BINDING_EXPRESSION_BINDING_H
 #define FRONTPANEL_BINDING_EXPRESSION_BINDING_H
 
@@ -29,7 +30,7 @@ public:
     ~Expression_binding() override;
 
     // The range that is suggested while no condition of a range rule holds, both ends inclusive and in either
-    // order. Unless told, it is what a range entry allows when the engine is attached to it: its constructor's
+    // order. The default is what a range entry allows when the engine is attached to it: its constructor's
     // range, or what `setValidRangeAndValues` left of it. An empty suggestion would leave the entry with its
     // last, narrower range. For other entries without a fallback range the last suggestion stays, and the
     // evaluation reports an error.
@@ -39,7 +40,7 @@ public:
     // "line 2, visible if [gain] > 3: cannot read [gain]: device result 1".
     const std::vector<std::string>& errors() const;
 
-    // Evaluates every rule and tells what it saw and what follows. Suggestions and errors stay as they are.
+    // Evaluates every rule, and returns what it read and what follows. Suggestions and errors stay as they are.
     Binding_explanation explain();
 
     // Levels of `index` that are not in use become 0 in `self_control_info`, so that the entry's key is the
@@ -60,8 +61,8 @@ public:
     //
     // - Visibility: VIS_TRUE while any rule holds.
     // - Range: the ranges of all rules that hold; without one, the fallback range.
-    // - Keys: those of all rules that hold; without one, all keys of the entry, told one by one. Keys that the
-    //   entry does not have are left out.
+    // - Keys: those of all rules that hold; without one, all keys of the entry, one by one. Keys that the entry
+    //   does not have are left out.
     // - Writes: those of all rules that hold, in the order of the rules. They are new only when the list as a
     //   whole differs from the last one, or the device refused one of them through a `Caching_device`.
     // - Warnings: those of all rules that hold, new when they differ from those of the try before. So a value
@@ -82,8 +83,8 @@ public:
     // `clearSuggestion` clears each. Entries with options ask for kind 2 and read kind 4: kind 2 is offered
     // along with 4, counts as updated when 4 changes, and clears 4 when it is cleared.
     bool offersSuggestion(int mask) override;
-    // The first evaluation that yields the suggestion counts as a change, but for writes and warnings, where
-    // none is no news.
+    // The first evaluation that yields the suggestion counts as a change, except for writes and warnings when
+    // there are none.
     bool suggestionUpdated(int mask) override;
     // `mask` is a single kind. Before the first evaluation visibility is VIS_TRUE, access is left as it is in
     // `out`, and the others are empty. Ranges are sorted and do not touch; keys are sorted.
