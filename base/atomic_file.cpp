@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <thread>
 
 #include <frontpanel_base/input_error.h>
 
@@ -17,10 +18,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t MODE = 0644;
+constexpr mode_t NEW_MODE = 0644;
+constexpr mode_t PRIVATE_MODE = 0600;  // until the mode of the old file is known to be in force
+constexpr mode_t MODE_BITS = 07777;
+
+[[noreturn]] void fail(const std::string& file, const std::string& reason) {
+    throw Input_error(file + ": cannot be written: " + reason);
+}
 
 [[noreturn]] void fail(const std::string& file, int error) {
-    throw Input_error(file + ": cannot be written: " + std::strerror(error));
+    fail(file, std::strerror(error));
 }
 
 // A descriptor that is closed with the object.
@@ -50,7 +57,7 @@ fs::path target_of(const std::string& file) {
         fail(file, error.value());
     }
     if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
-        throw Input_error(file + ": cannot be written: it is no file");
+        fail(file, "it is no file");
     }
     return target;
 }
@@ -62,19 +69,74 @@ bool is_same_file(int descriptor, const std::string& name) {
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-// The one that holds the lock on the temporary file is the only one to write it. Whoever waited for the lock may
+// The lock of a stopped process must not hold this one for good.
+bool lock(int descriptor, std::chrono::steady_clock::time_point end) {
+    constexpr std::chrono::milliseconds PAUSE{10};
+    int result = 0;
+    while ((result = flock(descriptor, LOCK_EX | LOCK_NB)) != 0 &&
+           (errno == EWOULDBLOCK || errno == EINTR) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(PAUSE);
+    }
+    return result == 0;
+}
+
+// A file of that name may be somebody's trap: the text would go to a file that has another name, too, or stay in
+// the hands of another user.
+void check_ours(const std::string& file, const std::string& temporary, int descriptor,
+                const struct stat* replaced) {
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0) {
+        fail(file, errno);
+    }
+    if (status.st_nlink > 1) {
+        fail(file, temporary + " is a hard link");
+    }
+    if (status.st_uid != geteuid() && (replaced == nullptr || status.st_uid != replaced->st_uid)) {
+        fail(file, temporary + " belongs to another user");
+    }
+}
+
+int open_without_waiting(const std::string& file, const std::string& temporary, mode_t mode) {
+    const int descriptor =
+        open(temporary.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, mode);
+    struct stat status = {};
+    const bool is_pipe_without_reader = descriptor < 0 && errno == ENXIO;
+    if (descriptor < 0 && !is_pipe_without_reader) {
+        fail(file, errno);
+    }
+    if (is_pipe_without_reader || fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(descriptor);
+        fail(file, temporary + " is no file");
+    }
+    return descriptor;
+}
+
+// Only the process that holds the lock on the temporary file writes it. A process that waited for the lock may
 // hold it on a file that was renamed meanwhile, and begins again.
-Descriptor open_temporary(const std::string& file, const std::string& temporary) {
+Descriptor open_temporary(const std::string& file, const std::string& temporary,
+                          const struct stat* replaced, std::chrono::milliseconds patience) {
+    const auto end = std::chrono::steady_clock::now() + patience;
     for (;;) {
         Descriptor descriptor(
-            open(temporary.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, MODE));
-        if (descriptor.number() < 0 || flock(descriptor.number(), LOCK_EX) != 0) {
-            fail(file, errno);
+            open_without_waiting(file, temporary, replaced == nullptr ? NEW_MODE : PRIVATE_MODE));
+        if (!lock(descriptor.number(), end)) {
+            fail(file, errno == EWOULDBLOCK ? "another process is writing " + temporary
+                                            : std::strerror(errno));
         }
         if (is_same_file(descriptor.number(), temporary)) {
+            check_ours(file, temporary, descriptor.number(), replaced);
             return descriptor;
         }
     }
+}
+
+// A file whose group cannot be kept grants nothing to the group that it has instead.
+void keep_owner_and_mode(int descriptor, const struct stat& replaced) {
+    const bool is_kept = fchown(descriptor, replaced.st_uid, replaced.st_gid) == 0 ||
+                         fchown(descriptor, static_cast<uid_t>(-1), replaced.st_gid) == 0;
+    const mode_t mode = replaced.st_mode & MODE_BITS;
+    // A file system without modes has kept none for the old file either.
+    static_cast<void>(fchmod(descriptor, is_kept ? mode : mode & ~mode_t{S_IRWXG}));
 }
 
 bool write_all(int descriptor, const std::string& text) {
@@ -97,27 +159,54 @@ void sync_folder(const fs::path& folder) {
     }
 }
 
+// The temporary file of a file, open and locked.
+class Temporary_file {
+public:
+    Temporary_file(const std::string& file, std::chrono::milliseconds patience)
+        : m_target(target_of(file)),
+          m_name(temporary_of(m_target.string())),
+          m_replaces(stat(m_target.c_str(), &m_replaced) == 0),
+          m_descriptor(open_temporary(file, m_name, m_replaces ? &m_replaced : nullptr, patience)) {
+    }
+
+    bool replace_target(const std::string& text) const {
+        const int descriptor = m_descriptor.number();
+        if (m_replaces) {
+            keep_owner_and_mode(descriptor, m_replaced);
+        }
+        return ftruncate(descriptor, 0) == 0 && write_all(descriptor, text) &&
+               fsync(descriptor) == 0 && rename(m_name.c_str(), m_target.c_str()) == 0;
+    }
+    void remove() const { unlink(m_name.c_str()); }
+    fs::path folder() const { return m_target.parent_path(); }
+
+private:
+    fs::path m_target;
+    std::string m_name;
+    struct stat m_replaced = {};
+    bool m_replaces;
+    Descriptor m_descriptor;
+};
+
 }  // namespace
 
-void write_whole_file(const std::string& file, const std::string& text) {
-    const fs::path target = target_of(file);
-    const std::string temporary = target.string() + ".new";
-    const Descriptor descriptor = open_temporary(file, temporary);
-    const bool is_written =
-        ftruncate(descriptor.number(), 0) == 0 && write_all(descriptor.number(), text) &&
-        fsync(descriptor.number()) == 0 && rename(temporary.c_str(), target.c_str()) == 0;
-    if (!is_written) {
+void write_whole_file(const std::string& file, const std::string& text,
+                      std::chrono::milliseconds patience) {
+    const Temporary_file temporary(file, patience);
+    if (!temporary.replace_target(text)) {
         const int error = errno;
-        unlink(temporary.c_str());
+        temporary.remove();
         fail(file, error);
     }
-    sync_folder(target.parent_path());
+    sync_folder(temporary.folder());
 }
 
-void check_writable(const std::string& file) {
-    const std::string temporary = target_of(file).string() + ".new";
-    const Descriptor descriptor = open_temporary(file, temporary);
-    unlink(temporary.c_str());
+void check_writable(const std::string& file, std::chrono::milliseconds patience) {
+    Temporary_file(file, patience).remove();
+}
+
+std::string temporary_of(const std::string& file) {
+    return file + ".new";
 }
 
 }  // namespace frontpanel

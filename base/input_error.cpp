@@ -10,7 +10,12 @@ namespace frontpanel {
 namespace {
 
 constexpr size_t LONGEST_LINE = 1000;  // a message may quote what somebody wrote, however long
-constexpr size_t LARGEST_FILE = size_t{4} * 1024 * 1024;
+
+std::string size_text(size_t bytes) {
+    constexpr size_t KIB = 1024;
+    return bytes % (KIB * KIB) == 0 ? std::to_string(bytes / (KIB * KIB)) + " MiB"
+                                    : std::to_string(bytes / KIB) + " KiB";
+}
 
 }  // namespace
 
@@ -23,7 +28,7 @@ std::string one_line(std::string text) {
     return text;
 }
 
-std::string read_input_file(const std::string& path) {
+std::string read_input_file(const std::string& path, size_t largest) {
     if (path.empty()) {
         throw Input_error("a file without a name cannot be opened");
     }
@@ -38,8 +43,8 @@ std::string read_input_file(const std::string& path) {
         file.read(piece.data(), piece.size());
         text.append(piece.data(), static_cast<size_t>(file.gcount()));
         // An endless file ends here, too.
-        if (text.size() > LARGEST_FILE) {
-            throw Input_error(path + ": is larger than 4 MiB");
+        if (text.size() > largest) {
+            throw Input_error(path + ": is larger than " + size_text(largest));
         }
     } while (file.gcount() > 0);
     if (file.bad() || (text.empty() && errno == EISDIR)) {

@@ -2,6 +2,7 @@
 #ifndef FRONTPANEL_BASE_INPUT_ERROR_H
 #define FRONTPANEL_BASE_INPUT_ERROR_H
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 
@@ -17,8 +18,11 @@ public:
     explicit Input_error(const std::string& text) : std::runtime_error(one_line(text)) {}
 };
 
-// The text of a file. Input_error when it cannot be read or is larger than any file of ours.
-std::string read_input_file(const std::string& path);
+// Bytes of a menu file, a script or a file with a PIN.
+inline constexpr std::size_t LARGEST_INPUT = std::size_t{4} * 1024 * 1024;
+
+// The text of a file. Input_error when it cannot be read or has more than `largest` bytes, a whole number of KiB.
+std::string read_input_file(const std::string& path, std::size_t largest = LARGEST_INPUT);
 
 }  // namespace frontpanel
 

@@ -1,7 +1,10 @@
 #include <frontpanel_base/atomic_file.h>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/ptrace.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -191,6 +194,108 @@ TEST(WholeFile, AReadOnlyFolderIsToldAndItsFileStays) {
         EXPECT_EQ(refused.what(), error);
     }
     EXPECT_EQ(read_input_file(file), "old");
+}
+
+mode_t mode_of(const std::string& file) {
+    struct stat status = {};
+    EXPECT_EQ(stat(file.c_str(), &status), 0) << file;
+    return status.st_mode & 07777U;
+}
+
+TEST(WholeFile, AFileThatIsReplacedKeepsItsMode) {
+    const Folder folder;
+    const std::string file = folder.file("values");
+    for (const mode_t mode : {0600U, 0640U, 0664U, 0444U}) {
+        write_whole_file(file, "old");
+        ASSERT_EQ(chmod(file.c_str(), mode), 0);
+        write_whole_file(file, "new");
+        EXPECT_EQ(mode_of(file), mode);
+        EXPECT_EQ(read_input_file(file), "new");
+    }
+}
+
+TEST(WholeFile, ALeftTemporaryFileDoesNotSpreadItsMode) {
+    const Folder folder;
+    const std::string file = folder.file("values");
+    write_whole_file(file, "old");
+    ASSERT_EQ(chmod(file.c_str(), 0600), 0);
+    std::ofstream(file + ".new") << "left by a loss of power";
+    ASSERT_EQ(chmod((file + ".new").c_str(), 0666), 0);
+    write_whole_file(file, "new");
+    EXPECT_EQ(mode_of(file), 0600U);
+}
+
+TEST(WholeFile, TheSuperuserKeepsTheOwnerAndGroup) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the superuser can give files away";
+    }
+    const Folder folder;
+    const std::string file = folder.file("values");
+    write_whole_file(file, "old");
+    ASSERT_EQ(chown(file.c_str(), 65534, 65533), 0);
+    write_whole_file(file, "new");
+    struct stat status = {};
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 65534U);
+    EXPECT_EQ(status.st_gid, 65533U);
+}
+
+TEST(WholeFile, APipeInThePlaceOfTheTemporaryFileIsRefusedWithoutWaiting) {
+    const Folder folder;
+    const std::string file = folder.file("values");
+    write_whole_file(file, "old");
+    ASSERT_EQ(mkfifo((file + ".new").c_str(), 0600), 0);
+    const std::string error = file + ": cannot be written: " + file + ".new is no file";
+    EXPECT_EQ(error_of_writing(file), error);
+    EXPECT_THROW(check_writable(file), Input_error);
+    const int reader = open((file + ".new").c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_EQ(error_of_writing(file), error);
+    close(reader);
+    EXPECT_EQ(read_input_file(file), "old");
+}
+
+TEST(WholeFile, AHardLinkInThePlaceOfTheTemporaryFileIsRefusedAndItsFileStays) {
+    const Folder folder;
+    const std::string file = folder.file("values");
+    std::ofstream(folder.file("victim")) << "precious";
+    fs::create_hard_link(folder.file("victim"), file + ".new");
+    EXPECT_EQ(error_of_writing(file),
+              file + ": cannot be written: " + file + ".new is a hard link");
+    EXPECT_THROW(check_writable(file), Input_error);
+    EXPECT_EQ(read_input_file(folder.file("victim")), "precious");
+}
+
+TEST(WholeFile, ATemporaryFileOfAnotherUserIsRefused) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the superuser can give files away";
+    }
+    const Folder folder;
+    const std::string file = folder.file("values");
+    std::ofstream(file + ".new") << "trap";
+    ASSERT_EQ(chown((file + ".new").c_str(), 65534, 65534), 0);
+    EXPECT_EQ(error_of_writing(file),
+              file + ": cannot be written: " + file + ".new belongs to another user");
+    // The owner of the file itself may have left it.
+    std::ofstream(file.c_str()) << "old";
+    ASSERT_EQ(chown(file.c_str(), 65534, 65534), 0);
+    EXPECT_EQ(error_of_writing(file), "");
+    EXPECT_EQ(read_input_file(file), "new");
+}
+
+TEST(WholeFile, AProcessThatKeepsTheTemporaryFileIsNotWaitedForForever) {
+    const Folder folder;
+    const std::string file = folder.file("values");
+    const int descriptor = open((file + ".new").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(flock(descriptor, LOCK_EX), 0);
+    try {
+        write_whole_file(file, "new", std::chrono::milliseconds(1));
+        ADD_FAILURE() << "the temporary file is locked";
+    } catch (const Input_error& error) {
+        EXPECT_EQ(error.what(),
+                  file + ": cannot be written: another process is writing " + file + ".new");
+    }
+    close(descriptor);
+    EXPECT_EQ(error_of_writing(file), "");
 }
 
 TEST(WholeFile, ACheckLeavesNothingBehind) {
