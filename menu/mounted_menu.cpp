@@ -14,6 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t MOST_PRESETS = 200;
+constexpr size_t LARGEST_PRESET = size_t{64} * 1024;  // bytes: all are read when the menu is entered
 constexpr const char* EXTENSION = ".json";
 constexpr int KEEP = 0;
 constexpr int LOAD = 1;
@@ -49,7 +50,7 @@ Value value_of(const Json_value::Member& member, const Declared_parameters& para
 std::vector<Value> read_preset(const std::string& file, const Declared_parameters& parameters) {
     const Source source{file, 0};
     Problems problems;
-    const Json_node document = parse_json(source, read_input_file(file));
+    const Json_node document = parse_json(source, read_input_file(file, LARGEST_PRESET));
     std::vector<Value> values;
     for (const Json_value::Member& member : Json_value(document, problems).members()) {
         values.push_back(value_of(member, parameters));

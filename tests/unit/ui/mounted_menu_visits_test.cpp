@@ -108,6 +108,16 @@ TEST_F(Mounted_menu_visits, AMenuThatIsHiddenFromOutsideIsLeftWithItsEditor) {
     EXPECT_EQ(panel().device().integer(100, 0), 3);
 }
 
+TEST_F(Mounted_menu_visits, APresetOfMoreThan64KibibytesShowsAsDamaged) {
+    const std::string largest = "{" + std::string(64 * 1024 - 2, ' ') + "}";
+    write("Film.json", largest);
+    write("Hide.json", largest + " ");
+    panel().press(Key::SELECT);
+    EXPECT_EQ(panel().lines(), (Lines{">Film              -", " Hide        damaged"}));
+    EXPECT_EQ(panel().menu().mounted_menus().at(0)->problems(),
+              Lines{m_folder.file("presets/Hide.json") + ": is larger than 64 KiB"});
+}
+
 TEST_F(Mounted_menu_visits, AFolderThatIsGoneIsTold) {
     std::filesystem::remove_all(m_folder.file("presets"));
     capture();
