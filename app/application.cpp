@@ -231,7 +231,7 @@ int use_keeping_values(const Options& options, Simulated_device& device,
         warn(line);
     }
     try {
-        check_writable(options.state);
+        file.check_savable();
     } catch (const Input_error& error) {
         warn(error.what());
     }

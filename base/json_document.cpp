@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <limits>
 
+#include <frontpanel_base/json_allocator.h>
+
 namespace frontpanel {
 namespace {
 
@@ -134,7 +136,7 @@ Json_node parse_json(const Source& source, const std::string& text) {
     rapidjson::MemoryStream bytes(text.data(), text.size());
     Stream stream(bytes);
     Builder builder(source, text, stream);
-    rapidjson::Reader reader;
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator> reader;
     // Iterative, so that no depth of nesting can exhaust the stack.
     const rapidjson::ParseResult result =
         reader.Parse<rapidjson::kParseIterativeFlag>(stream, builder);

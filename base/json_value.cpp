@@ -6,11 +6,14 @@
 #include <algorithm>
 #include <set>
 
+#include <frontpanel_base/json_allocator.h>
+
 namespace frontpanel {
 namespace {
 
 using Kind = Json_node::Kind;
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
+using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, Json_allocator>;
+using Writer = rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator>;
 
 const char* name_of(Kind kind) {
     switch (kind) {
@@ -255,7 +258,7 @@ size_t Json_value::choice(const std::vector<const char*>& known) const {
 }
 
 std::string Json_value::json() const {
-    rapidjson::StringBuffer buffer;
+    Buffer buffer;
     Writer writer(buffer);
     write(writer, *m_node);
     return {buffer.GetString(), buffer.GetSize()};

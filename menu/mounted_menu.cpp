@@ -14,7 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t MOST_PRESETS = 200;
-constexpr size_t LARGEST_PRESET = size_t{64} * 1024;  // bytes: all are read when the menu is entered
+constexpr size_t LARGEST_PRESET =
+    size_t{64} * 1024;  // bytes: all are read when the menu is entered
 constexpr const char* EXTENSION = ".json";
 constexpr int KEEP = 0;
 constexpr int LOAD = 1;

@@ -1,8 +1,5 @@
 #include <frontpanel_simulator/state_file.h>
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -36,27 +33,49 @@ bool is_printable(const std::string& text) {
     return true;
 }
 
+constexpr const char* HEX_DIGITS = "0123456789abcdef";
+constexpr unsigned HEX_BITS = 4;
+
 std::string to_hex(const std::string& bytes) {
-    constexpr const char* DIGITS = "0123456789abcdef";
     std::string text;
+    text.reserve(2 * bytes.size());
     for (const char byte : bytes) {
         const auto value = static_cast<unsigned char>(byte);
-        text += DIGITS[value >> 4U];
-        text += DIGITS[value & 0xFU];
+        text += HEX_DIGITS[value >> HEX_BITS];
+        text += HEX_DIGITS[value & 0xFU];
     }
     return text;
 }
 
+unsigned value_of_digit(char digit) {
+    return static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'a' + 10);
+}
+
 std::string from_hex(const Json_value& value) {
     const std::string text = value.text_of_length(0, LONGEST_HEX);
-    if (text.size() % 2 != 0 || text.find_first_not_of("0123456789abcdef") != std::string::npos) {
+    if (text.size() % 2 != 0 || text.find_first_not_of(HEX_DIGITS) != std::string::npos) {
         value.fail("expected pairs of the digits 0 to 9 and a to f");
     }
     std::string bytes;
+    bytes.reserve(text.size() / 2);
     for (size_t i = 0; i < text.size(); i += 2) {
-        bytes += static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16));
+        bytes +=
+            static_cast<char>(value_of_digit(text[i]) << HEX_BITS | value_of_digit(text[i + 1]));
     }
     return bytes;
+}
+
+// A text of printable ASCII in quotation marks.
+std::string quoted(const std::string& text) {
+    std::string quoted = "\"";
+    quoted.reserve(text.size() + 2);
+    for (const char byte : text) {
+        if (byte == '"' || byte == '\\') {
+            quoted += '\\';
+        }
+        quoted += byte;
+    }
+    return quoted += '"';
 }
 
 int int_of(const Json_value& value) {
@@ -83,39 +102,22 @@ Memory_device::Value value_of(const Json_value& entry) {
 }
 
 std::string line_of(const Memory_device::Value& value) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-    writer.StartObject();
-    writer.Key("pid");
-    writer.Uint(value.pid);
-    writer.Key("index");
-    writer.Uint(value.varidx);
+    std::string line =
+        "{\"pid\":" + std::to_string(value.pid) + ",\"index\":" + std::to_string(value.varidx);
     if (value.type == INTEGER) {
-        writer.Key("integer");
-        writer.Int(value.number);
+        line += ",\"integer\":" + std::to_string(value.number);
+    } else if (is_printable(value.text)) {
+        line += ",\"text\":" + quoted(value.text);
     } else {
-        const bool is_text = is_printable(value.text);
-        writer.Key(is_text ? "text" : "hex");
-        writer.String((is_text ? value.text : to_hex(value.text)).c_str());
+        line += ",\"hex\":\"" + to_hex(value.text) + '"';
     }
-    writer.EndObject();
-    return {buffer.GetString(), buffer.GetSize()};
+    return line += '}';
 }
 
 std::string line_of(const std::pair<int, int>& document, int option) {
     return "{\"slot\":" + std::to_string(document.first) +
            ",\"pid\":" + std::to_string(document.second) + ",\"option\":" + std::to_string(option) +
            "}";
-}
-
-std::string list_of(const std::vector<std::string>& lines) {
-    std::string text = "[";
-    const char* separator = "\n";
-    for (const std::string& line : lines) {
-        text += separator + line;
-        separator = ",\n";
-    }
-    return text + "\n]";
 }
 
 std::string shown(const Memory_device::Value& value) {
@@ -130,23 +132,51 @@ int give(Memory_device& device, const Memory_device::Value& value) {
                                  : device.set_text(value.pid, value.varidx, value.text);
 }
 
+// What is left of a state file after a loss of power: its beginning, or as many zeros. Any other file was named by
+// mistake.
+bool is_left_of_ours(const std::string& text) {
+    static const std::string BEGINNING =
+        "{\"version\":" + std::to_string(VERSION) + ",\"values\":[";
+    if (text.find_first_not_of('\0') == std::string::npos) {
+        return true;
+    }
+    std::string found;
+    for (const char byte : text) {
+        if (found.size() == BEGINNING.size()) {
+            break;
+        }
+        if (byte != ' ' && byte != '\t' && byte != '\r' && byte != '\n') {
+            found += byte;
+        }
+    }
+    return BEGINNING.rfind(found, 0) == 0;
+}
+
 }  // namespace
 
-State_file::State_file(std::string file, Memory_device& device, Card_service* cards)
-    : m_file(std::move(file)), m_device(device), m_cards(cards) {}
+State_file::State_file(std::string file, Memory_device& device, Card_service* cards,
+                       std::size_t largest)
+    : m_file(std::move(file)), m_device(device), m_cards(cards), m_largest(largest) {}
 
 std::vector<std::string> State_file::restore() {
     std::vector<std::string> lines;
     std::error_code error;
-    if (const auto status = fs::status(m_file, error); status.type() == fs::file_type::not_found) {
+    const fs::file_type type = fs::status(m_file, error).type();
+    if (type == fs::file_type::not_found) {
         return lines;
-    } else if (status.type() != fs::file_type::regular) {
-        throw Input_error(m_file + ": cannot be read: it is no file");
     }
-    const std::string text = read_input_file(m_file);
+    if (type != fs::file_type::regular) {
+        throw Input_error(m_file +
+                          ": cannot be read: " + (error ? error.message() : "it is no file"));
+    }
+    const std::string text = read_input_file(m_file, m_largest);
     try {
         apply(read(text), lines);
     } catch (const Input_error& damage) {
+        if (!is_left_of_ours(text)) {
+            throw Input_error(damage.what() + std::string("; this is no state file of version ") +
+                              std::to_string(VERSION) + " and stays as it is");
+        }
         lines.push_back(damage.what() + std::string("; ") + put_aside());
     }
     return lines;
@@ -191,7 +221,8 @@ std::string State_file::put_aside() const {
     std::string aside;
     for (int i = 1; i <= MOST_ASIDE; ++i) {
         aside = m_file + ".damaged" + (i == 1 ? "" : "-" + std::to_string(i));
-        if (!fs::exists(fs::symlink_status(aside))) {
+        std::error_code error;  // a name that is too long is refused below
+        if (!fs::exists(fs::symlink_status(aside, error))) {
             break;
         }
     }
@@ -245,19 +276,37 @@ State_file::Content State_file::content() const {
     return content;
 }
 
-void State_file::save() const {
+std::string State_file::text() const {
     const Content kept = content();
-    std::vector<std::string> values;
+    std::string text = "{\"version\": " + std::to_string(VERSION) + ", \"values\": [";
+    const char* separator = "\n";
     for (const auto& [key, value] : kept.values) {
-        values.push_back(line_of(value));
+        text.append(separator).append(line_of(value));
+        separator = ",\n";
     }
-    std::vector<std::string> selections;
+    text += "\n]";
+    separator = ", \"selections\": [\n";
     for (const auto& [document, option] : kept.selections) {
-        selections.push_back(line_of(document, option));
+        text.append(separator).append(line_of(document, option));
+        separator = ",\n";
     }
-    write_whole_file(
-        m_file, "{\"version\": " + std::to_string(VERSION) + ", \"values\": " + list_of(values) +
-                    (selections.empty() ? "" : ", \"selections\": " + list_of(selections)) + "}\n");
+    text += kept.selections.empty() ? "}\n" : "\n]}\n";
+    // A file that the next start refuses would lock the device out of all its values.
+    if (text.size() > m_largest) {
+        throw Input_error(m_file + ": cannot be written: the values need " +
+                          std::to_string(text.size()) + " bytes, more than " +
+                          std::to_string(m_largest));
+    }
+    return text;
+}
+
+void State_file::save() const {
+    write_whole_file(m_file, text());
+}
+
+void State_file::check_savable() const {
+    check_writable(m_file);
+    text();
 }
 
 }  // namespace frontpanel

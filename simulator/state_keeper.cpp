@@ -1,8 +1,7 @@
 #include <frontpanel_simulator/state_keeper.h>
 
 #include <csignal>
-
-#include <frontpanel_base/input_error.h>
+#include <exception>
 
 namespace frontpanel {
 namespace {
@@ -45,8 +44,8 @@ void State_keeper::note_change() {
 State_keeper::~State_keeper() {
     try {
         finish();
-    } catch (const Input_error&) {
-        // Whoever wants to know asks before.
+    } catch (const std::exception&) {
+        // A caller who needs to know calls `finish` first.
     }
 }
 
@@ -93,7 +92,7 @@ void State_keeper::run() {
         bool is_saved = true;
         try {
             m_file.save();
-        } catch (const Input_error&) {
+        } catch (const std::exception&) {  // also when memory runs out, perhaps only for now
             is_saved = false;
         }
         lock.lock();

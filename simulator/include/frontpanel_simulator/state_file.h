@@ -6,6 +6,7 @@
 #include <frontpanel_simulator/card_service.h>
 #include <frontpanel_simulator/memory_device.h>
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <tuple>
@@ -18,20 +19,28 @@ class Json_value;
 
 class State_file {
 public:
-    // Device and cards outlive the object; `cards` is null where none run.
-    State_file(std::string file, Memory_device& device, Card_service* cards = nullptr);
+    // Bytes of a file: room for about 110,000 of the longest texts.
+    static constexpr std::size_t LARGEST = std::size_t{64} * 1024 * 1024;
+
+    // Device and cards outlive the object; `cards` is null where none run. `largest` is the most bytes of the file,
+    // written or read, a whole number of KiB.
+    State_file(std::string file, Memory_device& device, Card_service* cards = nullptr,
+               std::size_t largest = LARGEST);
 
     const std::string& name() const { return m_file; }
 
     // Gives the device the values that the file keeps. What the device does not have is kept for the device that
     // has it; a value that a parameter cannot hold any more is dropped. A damaged file is put aside under another
-    // name, and the start values stay. The lines that tell of these. Input_error, and nothing happened, when there
-    // is a file that cannot be read: its values are not to be lost.
+    // name, and the start values stay. Returns the lines that report these. Input_error, and nothing happened, when
+    // there is a file that cannot be read, since its values are not to be lost, or one that does not begin as a
+    // file of values: it was named by mistake.
     std::vector<std::string> restore();
 
     // Writes the device's values, and what is kept for others. Input_error when that cannot be done; then the file
-    // is as it was. On any thread, one at a time.
+    // is as it was, also when the values need more bytes than `largest`. On any thread, one at a time.
     void save() const;
+    // Input_error when `save` would have to fail.
+    void check_savable() const;
 
 private:
     using Key = std::tuple<uint32_t, uint32_t, RETURN_TYPE>;
@@ -48,10 +57,12 @@ private:
     void apply(const Memory_device::Value& value, std::vector<std::string>& lines);
     void apply(const Slot_and_pid& document, int option, std::vector<std::string>& lines);
     Content content() const;
+    std::string text() const;
 
     std::string m_file;
     Memory_device& m_device;
     Card_service* m_cards;
+    std::size_t m_largest;
     Content m_for_others;  // what this device does not have
 };
 

@@ -32,6 +32,9 @@ protected:
         device.add_integer(GAIN, 0x0201, -600, 120, -35);
         device.add_text(LABEL, 0, 16, "Studio A");
     }
+    static std::string damage(int number) {
+        return R"({"version": 1, "values": [)" + std::to_string(number);
+    }
     const std::string& file() const { return m_file; }
     void write(const std::string& text) { std::ofstream(m_file) << text; }
     std::string content() const { return read_input_file(m_file); }
@@ -147,20 +150,17 @@ TEST_F(State_file_test, ADamagedFileIsPutAsideAndNothingOfItIsUsed) {
 
 TEST_F(State_file_test, ADamagedFileThatWasPutAsideStays) {
     for (int i = 1; i <= 10; ++i) {
-        write("damage " + std::to_string(i));
+        write(damage(i));
         restore(m_device);
     }
-    EXPECT_EQ(read_input_file(file() + ".damaged"), "damage 1");
-    EXPECT_EQ(read_input_file(file() + ".damaged-8"), "damage 8");
-    EXPECT_EQ(read_input_file(file() + ".damaged-9"), "damage 10");
+    EXPECT_EQ(read_input_file(file() + ".damaged"), damage(1));
+    EXPECT_EQ(read_input_file(file() + ".damaged-8"), damage(8));
+    EXPECT_EQ(read_input_file(file() + ".damaged-9"), damage(10));
 }
 
 TEST_F(State_file_test, EveryKindOfDamageIsTold) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", ":1:1: The document is empty."},
-        {"[]", ": /: expected an object"},
-        {R"({"values": []})", ": /: expected a member \"version\""},
-        {R"({"version": 2, "values": []})", ": /version: expected"},
         {R"({"version": 1, "values": [], "x": 1})", ": /x@: unknown member \"x\""},
         {R"({"version": 1, "values": [7]})", ": /values/0: expected an object"},
         {R"({"version": 1, "values": [{"pid": -1, "index": 0, "integer": 1}]})",
@@ -184,19 +184,43 @@ TEST_F(State_file_test, EveryKindOfDamageIsTold) {
         {R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071, "option": 1},
                                                         {"slot": 3, "pid": 9071, "option": 1}]})",
          ": /selections/1: this list is there twice"},
-        {std::string(5000, '['), ":"},
+        {std::string(5000, '\0'), ":1:1: The document is empty."},
+        {R"({"ver)", ":1:6: Missing a closing quotation mark in string."},
+        {R"({"version": 1, "values": [)" + std::string(5000, '['), ":"},
     };
     for (const auto& [text, problem] : cases) {
         write(text);
         const std::vector<std::string> lines = restore(m_device);
         ASSERT_EQ(lines.size(), 1U) << text;
         const std::string line = file() + placed(text, "menu.json" + problem).substr(9);
-        EXPECT_EQ(lines[0].rfind(line, 0), 0U) << lines[0] << "\nfor " << text;
-        EXPECT_EQ(m_device.integer(GAIN, 1), 0) << text;
+        EXPECT_EQ(lines[0].rfind(line, 0), 0U) << lines[0] << "\nfor " << text.substr(0, 200);
+        EXPECT_EQ(m_device.integer(GAIN, 1), 0) << text.substr(0, 200);
     }
 }
 
-TEST_F(State_file_test, AFileWithAMistakeAnywhereIsTakenOrPutAside) {
+TEST_F(State_file_test, AFileThatNeverHeldValuesIsRefusedAndStays) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"[]", ": /: expected an object, found a list"},
+        {R"({"values": []})", ": /: expected a member \"version\""},
+        {R"({"version": 2, "values": []})",
+         ": /version: expected a whole number from 1 to 1, found 2"},
+        {R"({"device": {"parameters": []}, "menu": {"name": "Main", "items": []}})",
+         ": /: expected a member \"version\""},
+        {R"({"version": "1.0.3", "dependencies": {}})",
+         ": /version: expected a whole number from 1 to 1, found a text"},
+        {"A letter", ":1:1: Invalid value."},
+        {std::string(5000, '['), ":1:101: values are nested more than 100 deep"},
+    };
+    for (const auto& [text, problem] : cases) {
+        write(text);
+        EXPECT_EQ(refusal(), file() + placed(text, "menu.json" + problem).substr(9) +
+                                 "; this is no state file of version 1 and stays as it is");
+        EXPECT_EQ(content(), text);
+        EXPECT_FALSE(fs::exists(file() + ".damaged"));
+    }
+}
+
+TEST_F(State_file_test, AFileWithAMistakeAnywhereIsTakenPutAsideOrLeftAsItIs) {
     State_file(file(), m_device).save();
     const std::string whole = content();
     std::mt19937 random(7);
@@ -204,7 +228,9 @@ TEST_F(State_file_test, AFileWithAMistakeAnywhereIsTakenOrPutAside) {
         std::string text = whole;
         text[at] = static_cast<char>(random() % 256);
         write(text);
-        restore(m_device);
+        if (!refusal().empty()) {
+            EXPECT_EQ(content(), text);
+        }
         write(whole.substr(0, at));
         restore(m_device);
         for (const fs::directory_entry& entry : fs::directory_iterator(m_folder.path())) {
@@ -219,16 +245,91 @@ TEST_F(State_file_test, WhatIsNoFileOrTooLargeIsRefusedAndStays) {
     fs::create_directory(file());
     EXPECT_EQ(refusal(), file() + ": cannot be read: it is no file");
     fs::remove(file());
-    write(std::string(5 << 20, ' '));
-    EXPECT_EQ(refusal(), file() + ": is larger than 4 MiB");
-    EXPECT_EQ(fs::file_size(file()), size_t{5} << 20);
+    write("");
+    fs::resize_file(file(), State_file::LARGEST + 1);
+    EXPECT_EQ(refusal(), file() + ": is larger than 64 MiB");
+    EXPECT_EQ(fs::file_size(file()), State_file::LARGEST + 1);
 }
 
 TEST_F(State_file_test, ADamagedFileThatCannotBePutAsideIsRefused) {
-    write("damage");
+    write(damage(1));
     const support::Read_only_folder read_only(m_folder.path());
     EXPECT_EQ(refusal(), file() + ": is damaged and cannot be put aside: Permission denied");
-    EXPECT_EQ(content(), "damage");
+    EXPECT_EQ(content(), damage(1));
+}
+
+TEST_F(State_file_test, ADamagedFileWhoseNameLeavesNoRoomForAnotherIsRefused) {
+    const std::string name = m_folder.file(std::string(248, 'x'));
+    std::ofstream(name) << damage(1);
+    try {
+        State_file(name, m_device).restore();
+        ADD_FAILURE() << "the file cannot be put aside";
+    } catch (const Input_error& error) {
+        EXPECT_EQ(error.what(), name + ": is damaged and cannot be put aside: File name too long");
+    }
+    EXPECT_EQ(read_input_file(name), damage(1));
+}
+
+TEST_F(State_file_test, AFileThatCannotBeReachedIsRefusedWithItsReason) {
+    const std::string name = m_folder.file(std::string(300, 'x'));
+    EXPECT_THROW(State_file(name, m_device).restore(), Input_error);
+    try {
+        State_file(name, m_device).restore();
+    } catch (const Input_error& error) {
+        EXPECT_EQ(error.what(), name + ": cannot be read: File name too long");
+    }
+}
+
+// ---- as many values as a device may have
+
+constexpr uint32_t MANY = 20480;
+
+void declare_many(Memory_device& device, uint32_t count, const std::string& text) {
+    for (uint32_t i = 0; i < count; ++i) {
+        ASSERT_EQ(device.add_text(1000 + i, 0, MAX_STRING_LENGTH, text), Memory_device::DONE);
+    }
+}
+
+TEST_F(State_file_test, WhatADeviceOfManyLongTextsWritesIsReadAgain) {
+    const std::string texts[] = {std::string(MAX_STRING_LENGTH, '"'),
+                                 std::string(MAX_STRING_LENGTH, '\xE9')};
+    Memory_device device;
+    declare_many(device, MANY, texts[0]);
+    for (uint32_t i = 0; i < MANY; i += 2) {
+        ASSERT_EQ(device.set_text(1000 + i, 0, texts[1]), Memory_device::DONE);
+    }
+    State_file(file(), device).save();
+    EXPECT_GT(fs::file_size(file()), size_t{8} << 20);
+    Memory_device restarted;
+    declare_many(restarted, MANY, "");
+    EXPECT_THAT(restore(restarted), IsEmpty());
+    for (uint32_t i = 0; i < MANY; ++i) {
+        ASSERT_EQ(restarted.text(1000 + i, 0), texts[(i + 1) % 2]) << i;
+    }
+}
+
+TEST_F(State_file_test, ValuesThatCouldNotBeReadAgainAreNotWritten) {
+    constexpr size_t KIB = 1024;
+    State_file(file(), m_device).save();
+    std::string before = content();
+    std::string refused;
+    Memory_device device;
+    for (uint32_t i = 0; refused.empty(); ++i) {
+        ASSERT_EQ(device.add_text(i, 0, MAX_STRING_LENGTH, std::string(256, '\xE9')), 0);
+        State_file state(file(), device, nullptr, KIB);
+        try {
+            state.check_savable();
+            state.save();
+            before = content();
+            EXPECT_THAT(state.restore(), IsEmpty());
+        } catch (const Input_error& error) {
+            refused = error.what();
+            EXPECT_THROW(state.save(), Input_error);
+        }
+    }
+    EXPECT_THAT(refused, testing::MatchesRegex(file() + ": cannot be written: the values need "
+                                                        "[0-9]* bytes, more than 1024"));
+    EXPECT_EQ(content(), before);
 }
 
 // ---- what is selected on cards
