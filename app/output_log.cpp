@@ -2,21 +2,25 @@
 
 #include <fcntl.h>
 #include <frontpanel_data/data_interface.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <optional>
+#include <utility>
 
 #include <frontpanel_base/input_error.h>
 
 namespace frontpanel {
 namespace {
 
-constexpr const char* NAME = "frontpanel.log";
+constexpr const char* NAME = "frontpanel";
 Log_lines* listening_lines = nullptr;  // the library's listener has no argument for them
 
 // A file is read by the panel too. Reading a pipe or a terminal would take what is meant for somebody else.
@@ -28,16 +32,83 @@ int access_of(const std::string& file) {
                : O_WRONLY;
 }
 
-int open_log(const std::string& named) {
-    const std::string file = named.empty() ? default_log_file() : named;
-    // The folder for temporary files is everybody's: a link that lies there already is not followed.
-    const int flags =
-        access_of(file) | O_CREAT | O_TRUNC | O_CLOEXEC | (named.empty() ? O_NOFOLLOW : 0);
-    const int descriptor = open(file.c_str(), flags, 0600);
-    if (descriptor < 0) {
-        throw Input_error(file + ": cannot be written: " + std::strerror(errno));
+[[noreturn]] void fail(const std::string& file, const std::string& reason) {
+    throw Input_error(file + ": cannot be written: " + reason);
+}
+
+// Whether other users may have put something of their own in the place of the file.
+bool is_in_shared_folder(const std::string& file) {
+    const std::string folder = std::filesystem::path(file).parent_path().string();
+    struct stat status {};
+    return stat(folder.empty() ? "." : folder.c_str(), &status) == 0 &&
+           (status.st_mode & S_IWOTH) != 0;
+}
+
+// Empties nothing yet. A pipe that nobody reads is an error, since opening it would wait for a reader.
+Descriptor open_without_waiting(const std::string& file, bool follows_link) {
+    const int flags = access_of(file) | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    Descriptor opened(open(file.c_str(), flags | (follows_link ? 0 : O_NOFOLLOW), 0600));
+    if (!opened.is_open()) {
+        fail(file, errno == ENXIO                    ? "nobody reads the pipe"
+                   : errno == ELOOP && !follows_link ? "it is a link"
+                                                     : std::strerror(errno));
     }
-    return descriptor;
+    fcntl(opened.number(), F_SETFL, fcntl(opened.number(), F_GETFL) & ~O_NONBLOCK);
+    return opened;
+}
+
+struct stat status_of(const std::string& file, const Descriptor& descriptor) {
+    struct stat status {};
+    if (fstat(descriptor.number(), &status) != 0) {
+        fail(file, std::strerror(errno));
+    }
+    return status;
+}
+
+struct Opened_log {
+    Descriptor log;
+    Descriptor lock;  // not open for what is no file
+};
+
+// Opens and empties the log, unless another panel has it. The lock is on a descriptor of its own: commands inherit
+// the log, and may outlive the panel.
+std::optional<Opened_log> open_if_free(const std::string& file, bool is_named) {
+    // In a folder that others can write, a link may lead anywhere. The default file is never a link.
+    const bool is_shared = is_in_shared_folder(file);
+    const bool follows_link = is_named && !is_shared;
+    Opened_log opened{open_without_waiting(file, follows_link), Descriptor()};
+    const struct stat status = status_of(file, opened.log);
+    if (!S_ISREG(status.st_mode)) {
+        return opened;
+    }
+    if (is_shared && status.st_uid != geteuid()) {
+        fail(file, "it belongs to another user");
+    }
+    if (is_shared && status.st_nlink > 1) {
+        fail(file, "it is a hard link");
+    }
+    opened.lock = open_without_waiting(file, follows_link);
+    const struct stat locked = status_of(file, opened.lock);
+    if (locked.st_dev != status.st_dev || locked.st_ino != status.st_ino ||
+        flock(opened.lock.number(), LOCK_EX | LOCK_NB) != 0) {
+        return std::nullopt;
+    }
+    if (ftruncate(opened.log.number(), 0) != 0) {
+        fail(file, std::strerror(errno));
+    }
+    return opened;
+}
+
+Opened_log open_log(const std::string& named) {
+    constexpr int MOST_PANELS = 9;
+    const int candidates = named.empty() ? MOST_PANELS : 1;
+    for (int number = 1; number <= candidates; ++number) {
+        if (auto opened =
+                open_if_free(named.empty() ? default_log_file(number) : named, !named.empty())) {
+            return std::move(*opened);
+        }
+    }
+    fail(named.empty() ? default_log_file() : named, "another panel is writing it");
 }
 
 int duplicate(int descriptor) {
@@ -50,29 +121,29 @@ int duplicate(int descriptor) {
 
 }  // namespace
 
-std::string default_log_file() {
+std::string default_log_file(int number) {
+    const std::string suffix = number == 1 ? ".log" : "-" + std::to_string(number) + ".log";
     const char* const state = std::getenv("XDG_STATE_HOME");
     std::error_code error;
     if (state != nullptr && std::filesystem::is_directory(state, error)) {
-        return std::string(state) + "/" + NAME;
+        return std::string(state) + "/" + NAME + suffix;
     }
     const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    const std::string name = "frontpanel-" + std::to_string(getuid()) + ".log";
+    const std::string name = std::string(NAME) + "-" + std::to_string(getuid()) + suffix;
     return ((error ? std::filesystem::path("/tmp") : folder) / name).string();
 }
 
 Output_log::Output_log(const std::string& file)
     : m_buffer(duplicate(STDOUT_FILENO)), m_out(&m_buffer), m_lines(STDOUT_FILENO) {
-    int log = -1;
     try {
-        log = open_log(file);
+        Opened_log opened = open_log(file);
+        std::fflush(stdout);
+        dup2(opened.log.number(), STDOUT_FILENO);
+        m_lock = std::move(opened.lock);
     } catch (...) {
         close(m_buffer.descriptor());
         throw;
     }
-    std::fflush(stdout);
-    dup2(log, STDOUT_FILENO);
-    close(log);
     // A log that is read after a crash must be complete, and in order with what commands print. With a buffer of
     // its own the stream begins afresh: one that was written to before would keep single characters, line ends
     // among them, until its old buffer is full.
@@ -117,6 +188,10 @@ std::streamsize Output_log::Descriptor_buffer::xsputn(const char* text, std::str
     while (written < length) {
         const ssize_t result =
             ::write(m_descriptor, text + written, static_cast<size_t>(length - written));
+        if (result < 0 && errno == EPIPE) {
+            // Where the signal of the write itself is held back, the whole process is to hear of it.
+            kill(getpid(), SIGPIPE);
+        }
         if (result < 0 && errno != EINTR) {
             break;
         }

@@ -6,19 +6,22 @@
 #include <streambuf>
 #include <string>
 
+#include <frontpanel_base/descriptor.h>
 #include <frontpanel_ui/log_lines.h>
 
 namespace frontpanel {
 
 // Where diagnostics go unless a file is named: the user's state folder, or else the folder for temporary
-// files.
-std::string default_log_file();
+// files. Of panels that run at the same time each has a number of its own, from 1.
+std::string default_log_file(int number = 1);
 
 // While it lives, whatever is printed to standard output goes to a file; the panel itself prints to `out`. One
 // at a time: it is the library's listener.
 class Output_log {
 public:
-    // An empty name stands for the default file. Input_error when it cannot be written.
+    // An empty name stands for the default file. Input_error when it cannot be written: also when another panel is
+    // writing it, when it is a pipe that nobody reads, and, in a folder that others can write, when it is a link or
+    // another user's file. Nothing is emptied then.
     explicit Output_log(const std::string& file);
     ~Output_log();
     Output_log(const Output_log&) = delete;
@@ -52,6 +55,7 @@ private:
     std::ostream m_out;
     int m_errors = -1;  // what was standard error, once taken
     Log_lines m_lines;
+    Descriptor m_lock;  // of the file, for as long as the panel writes it
 };
 
 }  // namespace frontpanel

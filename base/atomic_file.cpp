@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <thread>
 
+#include <frontpanel_base/descriptor.h>
 #include <frontpanel_base/input_error.h>
 
 namespace frontpanel {
@@ -29,25 +30,6 @@ constexpr mode_t MODE_BITS = 07777;
 [[noreturn]] void fail(const std::string& file, int error) {
     fail(file, std::strerror(error));
 }
-
-// A descriptor that is closed with the object.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() {
-        if (m_number >= 0) {
-            close(m_number);
-        }
-    }
-    Descriptor(Descriptor&& other) noexcept : m_number(other.m_number) { other.m_number = -1; }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int number() const { return m_number; }
-
-private:
-    int m_number;
-};
 
 // The file itself, if the name is that of a link, so that the link stays.
 fs::path target_of(const std::string& file) {
@@ -96,16 +78,17 @@ void check_ours(const std::string& file, const std::string& temporary, int descr
     }
 }
 
-int open_without_waiting(const std::string& file, const std::string& temporary, mode_t mode) {
-    const int descriptor =
-        open(temporary.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, mode);
-    struct stat status = {};
-    const bool is_pipe_without_reader = descriptor < 0 && errno == ENXIO;
-    if (descriptor < 0 && !is_pipe_without_reader) {
+Descriptor open_without_waiting(const std::string& file, const std::string& temporary,
+                                mode_t mode) {
+    Descriptor descriptor(
+        open(temporary.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, mode));
+    const bool is_pipe_without_reader = !descriptor.is_open() && errno == ENXIO;
+    if (!descriptor.is_open() && !is_pipe_without_reader) {
         fail(file, errno);
     }
-    if (is_pipe_without_reader || fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
-        close(descriptor);
+    struct stat status = {};
+    if (is_pipe_without_reader || fstat(descriptor.number(), &status) != 0 ||
+        !S_ISREG(status.st_mode)) {
         fail(file, temporary + " is no file");
     }
     return descriptor;
@@ -117,8 +100,8 @@ Descriptor open_temporary(const std::string& file, const std::string& temporary,
                           const struct stat* replaced, std::chrono::milliseconds patience) {
     const auto end = std::chrono::steady_clock::now() + patience;
     for (;;) {
-        Descriptor descriptor(
-            open_without_waiting(file, temporary, replaced == nullptr ? NEW_MODE : PRIVATE_MODE));
+        Descriptor descriptor =
+            open_without_waiting(file, temporary, replaced == nullptr ? NEW_MODE : PRIVATE_MODE);
         if (!lock(descriptor.number(), end)) {
             fail(file, errno == EWOULDBLOCK ? "another process is writing " + temporary
                                             : std::strerror(errno));
@@ -154,7 +137,7 @@ bool write_all(int descriptor, const std::string& text) {
 // Without it the new name may not outlive a loss of power. A file system that cannot do it is none that keeps more.
 void sync_folder(const fs::path& folder) {
     const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor.number() >= 0) {
+    if (descriptor.is_open()) {
         fsync(descriptor.number());
     }
 }

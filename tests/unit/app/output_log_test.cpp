@@ -1,6 +1,9 @@
 #include "output_log.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -100,6 +103,108 @@ TEST_F(OutputLog, TheDefaultIsTheUsersStateFolder) {
     EXPECT_EQ(default_log_file(),
               file(("frontpanel-" + std::to_string(getuid()) + ".log").c_str()));
     unsetenv("TMPDIR");
+}
+
+// What a log of that name is refused for; empty when it is opened.
+std::string refusal_of(const std::string& name) {
+    try {
+        Output_log log(name);
+    } catch (const Input_error& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST_F(OutputLog, APipeThatNobodyReadsIsRefusedWithoutWaiting) {
+    ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(refusal_of(file("pipe")),
+              file("pipe") + ": cannot be written: nobody reads the pipe");
+}
+
+TEST_F(OutputLog, APipeThatIsReadIsALog) {
+    ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
+    const int reader = open(file("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+    support::capture(0, [this] {
+        Output_log log(file("pipe"));
+        std::printf("library\n");
+    });
+    char text[20] = {};
+    EXPECT_EQ(read(reader, text, sizeof text), 8);
+    EXPECT_STREQ(text, "library\n");
+    close(reader);
+}
+
+TEST_F(OutputLog, InASharedFolderLinksAndFilesOfOthersAreRefusedAndStay) {
+    fs::permissions(m_folder, fs::perms::others_write, fs::perm_options::add);
+    std::ofstream(file("victim")) << "precious";
+    fs::create_hard_link(file("victim"), file("hard"));
+    fs::create_symlink("victim", file("symbolic"));
+    EXPECT_EQ(refusal_of(file("hard")), file("hard") + ": cannot be written: it is a hard link");
+    EXPECT_EQ(refusal_of(file("symbolic")), file("symbolic") + ": cannot be written: it is a link");
+    if (geteuid() == 0) {
+        std::ofstream(file("foreign")) << "precious";
+        ASSERT_EQ(chown(file("foreign").c_str(), 65534, 65534), 0);
+        EXPECT_EQ(refusal_of(file("foreign")),
+                  file("foreign") + ": cannot be written: it belongs to another user");
+        EXPECT_EQ(content(file("foreign")), "precious");
+    }
+    EXPECT_EQ(content(file("victim")), "precious");
+}
+
+TEST_F(OutputLog, InAFolderOfTheUsersALinkIsFollowed) {
+    fs::create_symlink("kept", file("symbolic"));
+    EXPECT_EQ(refusal_of(file("symbolic")), "");
+    EXPECT_TRUE(fs::exists(file("kept")));
+}
+
+// Another panel, which has a log of its own as long as the test's keeps one.
+TEST_F(OutputLog, TwoPanelsDoNotShareALog) {
+    setenv("XDG_STATE_HOME", m_folder.c_str(), 1);
+    for (const std::string& name : {std::string(), file("named")}) {
+        support::capture(0, [this, &name] {
+            Output_log log(name);
+            std::printf("first\n");
+            const pid_t other = fork();
+            if (other == 0) {
+                const std::string refused = refusal_of(name);
+                const std::string expected =
+                    name.empty() ? "" : name + ": cannot be written: another panel is writing it";
+                _exit(refused == expected ? 0 : 1);
+            }
+            int status = 0;
+            waitpid(other, &status, 0);
+            EXPECT_EQ(status, 0);
+        });
+    }
+    unsetenv("XDG_STATE_HOME");
+    EXPECT_EQ(content(file("frontpanel.log")), "first\n");
+    EXPECT_TRUE(fs::exists(file("frontpanel-2.log")));
+    EXPECT_EQ(content(file("named")), "first\n");
+}
+
+TEST_F(OutputLog, ACommandThatOutlivesThePanelDoesNotKeepTheLog) {
+    ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
+    const int gate = open(file("pipe").c_str(), O_RDWR);
+    int started[2];
+    ASSERT_EQ(pipe2(started, O_CLOEXEC), 0);
+    pid_t command = 0;
+    support::capture(0, [this, &command, &started] {
+        Output_log log(file("log"));
+        command = fork();
+        if (command == 0) {
+            execl("/bin/sh", "sh", "-c", "read -r line <\"$0\"", file("pipe").c_str(), nullptr);
+            _exit(1);
+        }
+        // Closed by the command's start.
+        close(started[1]);
+        char byte = 0;
+        EXPECT_EQ(read(started[0], &byte, 1), 0);
+        close(started[0]);
+    });
+    EXPECT_EQ(refusal_of(file("log")), "");
+    EXPECT_EQ(write(gate, "\n", 1), 1);
+    waitpid(command, nullptr, 0);
+    close(gate);
 }
 
 TEST_F(OutputLog, ALinkInTheDefaultPlaceIsNotFollowed) {
