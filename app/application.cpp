@@ -28,6 +28,7 @@
 #include <frontpanel_ui/session.h>
 #include "curl_home.h"
 #include "loaded_panel.h"
+#include "file_roles.h"
 #include "options.h"
 #include "output_log.h"
 #include "shipped.h"
@@ -309,6 +310,7 @@ int run(int argc, const char* const* argv) {
     }
     const Options& options = std::get<Options>(parsed);
     try {
+        check_files(options);
         if (is_report(options)) {
             return report(options);
         }
