@@ -4,6 +4,8 @@
 #include <frontpanel_data/data_entry.h>
 #include <unistd.h>
 
+#include <cstring>
+#include <exception>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -14,6 +16,7 @@
 #include <frontpanel_base/atomic_file.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/problems.h>
+#include <frontpanel_base/signal_cleanup.h>
 #include <frontpanel_displays/display_table.h>
 #include <frontpanel_displays/picture.h>
 #include <frontpanel_menu/explain.h>
@@ -197,8 +200,9 @@ Encoder_settings encoder_of(const Options& options, Menu& menu) {
     return encoder;
 }
 
+// With `end` for a person, otherwise the script is played.
 int use(const Options& options, const Display_row& display, const std::optional<Script>& script,
-        const Loaded_panel& loaded, Output_log& log, const std::optional<End_watch>& end) {
+        const Loaded_panel& loaded, Output_log& log, const End_watch* end) {
     Menu& menu = *loaded.menu;
     Controller controller(menu.root(), link_to(menu), options.size);
     controller.show_home(home_of(menu));
@@ -207,7 +211,7 @@ int use(const Options& options, const Display_row& display, const std::optional<
     menu.bindings()->set_warning_listener(
         [&controller](const std::string& text) { controller.warn(text); });
     controller.set_warning_armer([&menu] { menu.bindings()->arm_warnings(); });
-    if (end) {
+    if (end != nullptr) {
         return use_front(options, display, controller, menu.access(), log, *end);
     }
     if (!options.screenshot.empty()) {
@@ -221,12 +225,38 @@ void warn(const std::string& line) {
     std::cerr << "warning: " << line << '\n';
 }
 
-// Where the values cannot be written the panel can be used all the same; the end tells what was not kept.
-int use_keeping_values(const Options& options, Simulated_device& device,
-                       const std::function<int()>& use) {
-    if (options.state.empty()) {
-        return use();
+// Saves the values at its end, and when a signal ends the process before. The first is silent: a caller who needs to
+// know finishes the keeper.
+class Save_at_any_end {
+public:
+    Save_at_any_end(End_watch& watch, State_keeper& keeper) : m_watch(watch), m_keeper(keeper) {
+        m_watch.set_forced_end([this] { save("frontpanel: "); });
     }
+    ~Save_at_any_end() {
+        save(nullptr);
+        m_watch.set_forced_end(nullptr);
+    }
+    Save_at_any_end(const Save_at_any_end&) = delete;
+    Save_at_any_end& operator=(const Save_at_any_end&) = delete;
+
+private:
+    void save(const char* complaint) {
+        try {
+            m_keeper.save_now();
+        } catch (const std::exception& error) {
+            if (complaint != nullptr) {
+                std::cerr << complaint << error.what() << '\n';
+            }
+        }
+    }
+
+    End_watch& m_watch;
+    State_keeper& m_keeper;
+};
+
+// Where the values cannot be written the panel can be used all the same; the end tells what was not kept.
+int use_keeping_values(const Options& options, Simulated_device& device, End_watch& watch,
+                       const std::function<int()>& use) {
     State_file file(options.state, device.memory(), device.cards());
     for (const std::string& line : file.restore()) {
         warn(line);
@@ -237,8 +267,12 @@ int use_keeping_values(const Options& options, Simulated_device& device,
         warn(error.what());
     }
     State_keeper keeper(file, device.memory(), device.cards());
-    const int status = use();
-    keeper.finish();
+    int status = 0;
+    {
+        const Save_at_any_end save(watch, keeper);
+        status = use();
+        keeper.finish();
+    }
     return status;
 }
 
@@ -269,28 +303,46 @@ int report(const Options& options) {
     return EXIT_PLAYED;
 }
 
-int show(const Options& options, Output_log& log) {
-    std::optional<End_watch> end;  // for a person at the panel
-    const Display_row& display = display_of(options, log);
-    if (display.is_interactive()) {
-        check_front(options, display, log);
-        end.emplace();
+// A person's panel ends by itself when a signal asks for it. A script is ended at once, but its values are kept.
+void watch_for_the_end(std::optional<End_watch>& watch, bool interactive, bool keeps_values) {
+    if (interactive) {
+        watch.emplace();
+    } else if (keeps_values) {
+        watch.emplace(std::chrono::milliseconds(0));
     }
+}
+
+int show(const Options& options, Output_log& log) {
+    const Display_row& display = display_of(options, log);
+    const bool interactive = display.is_interactive();
+    if (interactive) {
+        check_front(options, display, log);
+    }
+    const bool keeps_values = !options.state.empty();
+    std::optional<End_watch> end;
+    watch_for_the_end(end, interactive, keeps_values);
     const Loaded_panel loaded = load(options, log, Cards::ON);
     std::optional<Script> script;
-    if (!end) {
+    if (!interactive) {
         script = script_to_play(options);
     }
     const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device);
     VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
-    return use_keeping_values(options, *loaded.device,
-                              [&] { return use(options, display, script, loaded, log, end); });
+    const auto use_panel = [&] {
+        return use(options, display, script, loaded, log, interactive ? &*end : nullptr);
+    };
+    return keeps_values ? use_keeping_values(options, *loaded.device, *end, use_panel)
+                        : use_panel();
 }
+
+// Standard error as the panel was given it, whatever takes its place meanwhile.
+int first_errors = -1;
 
 // A descriptor that is closed becomes the next file or connection that is opened, which whatever is said to
 // standard error would then disturb.
 void hold_standard_error() {
-    if (fcntl(STDERR_FILENO, F_GETFD) >= 0) {
+    first_errors = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (first_errors >= 0) {
         return;
     }
     const int nothing = open("/dev/null", O_WRONLY);
@@ -300,23 +352,59 @@ void hold_standard_error() {
     }
 }
 
-}  // namespace
+// Takes no memory: there may be none left.
+void say(int descriptor, const char* text) {
+    static_cast<void>(!write(descriptor, text, std::strlen(text)));
+}
 
-int run(int argc, const char* const* argv) {
-    hold_standard_error();
+// What the exception that is being handled says, which is memory, a thread or another resource that ran out.
+void complain_of_exception(int descriptor) {
+    say(descriptor, "frontpanel: ");
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        say(descriptor, "out of memory");
+    } catch (const std::exception& error) {
+        say(descriptor, error.what());
+    } catch (...) {
+        say(descriptor, "unexpected error");
+    }
+    say(descriptor, "\n");
+}
+
+// For an exception on a thread of a library's own, which nobody can catch.
+[[noreturn]] void end_after_exception() {
+    do_last_acts();
+    if (std::current_exception() != nullptr) {
+        complain_of_exception(first_errors);
+    } else {
+        say(first_errors, "frontpanel: ended by a fault in the program\n");
+    }
+    _exit(EXIT_EXHAUSTED);
+}
+
+int run_options(int argc, const char* const* argv) {
     const auto parsed = parse_options(argc, argv, std::cout, std::cerr);
     if (const int* const status = std::get_if<int>(&parsed)) {
         return *status;
     }
     const Options& options = std::get<Options>(parsed);
+    check_files(options);
+    if (is_report(options)) {
+        return report(options);
+    }
+    Output_log log(options.log);
+    debug = options.debug;
+    return options.check ? check(options, log) : show(options, log);
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+    hold_standard_error();
+    std::set_terminate(end_after_exception);
     try {
-        check_files(options);
-        if (is_report(options)) {
-            return report(options);
-        }
-        Output_log log(options.log);
-        debug = options.debug;
-        return options.check ? check(options, log) : show(options, log);
+        return run_options(argc, argv);
     } catch (const Input_errors& errors) {
         for (const std::string& line : errors.lines()) {
             std::cerr << line << '\n';
@@ -325,6 +413,9 @@ int run(int argc, const char* const* argv) {
     } catch (const Input_error& error) {
         std::cerr << "frontpanel: " << error.what() << '\n';
         return EXIT_BAD_INPUT;
+    } catch (...) {
+        complain_of_exception(STDERR_FILENO);
+        return EXIT_EXHAUSTED;
     }
 }
 

@@ -16,6 +16,7 @@ namespace frontpanel {
 // Exit statuses of the application.
 inline constexpr int EXIT_PLAYED = 0;      // all went well
 inline constexpr int EXIT_DIFFERENCE = 1;  // the script's expectations were not met
+inline constexpr int EXIT_EXHAUSTED = 1;   // memory, threads or another resource ran out
 inline constexpr int EXIT_BAD_INPUT = 2;   // an option, the menu or the script is wrong
 
 struct Options {

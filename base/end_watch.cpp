@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/signal_cleanup.h>
@@ -14,7 +15,7 @@
 namespace frontpanel {
 namespace {
 
-constexpr int WATCHED[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int WATCHED[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 constexpr int STOP = SIGUSR2;  // sent only to the watch's thread, by its owner
 
 timespec span_of(std::chrono::milliseconds time) {
@@ -42,7 +43,13 @@ End_watch::End_watch(std::chrono::milliseconds patience) : m_patience(patience) 
     sigfillset(&all);
     sigset_t of_caller;
     pthread_sigmask(SIG_SETMASK, &all, &of_caller);
-    m_thread = std::thread([this] { watch(); });
+    try {
+        m_thread = std::thread([this] { watch(); });
+    } catch (...) {
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+        close_pipe();
+        throw;
+    }
     pthread_sigmask(SIG_SETMASK, &of_caller, nullptr);
 }
 
@@ -51,8 +58,26 @@ End_watch::~End_watch() {
     pthread_kill(m_thread.native_handle(), STOP);
     m_thread.join();
     pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+    close_pipe();
+}
+
+void End_watch::close_pipe() const {
     close(m_wake[0]);
     close(m_wake[1]);
+}
+
+void End_watch::set_forced_end(std::function<void()> act) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_forced_end = std::move(act);
+}
+
+// The mutex stays locked: an act that has begun is finished before the owner can withdraw it.
+void End_watch::force_end(int signal_number) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_forced_end) {
+        m_forced_end();
+    }
+    end_by_signal(signal_number);
 }
 
 void End_watch::watch() {
@@ -66,13 +91,13 @@ void End_watch::watch() {
     }
     m_signal = taken;
     if (write(m_wake[1], "", 1) != 1) {
-        end_by_signal(taken);
+        force_end(taken);
     }
     const timespec patience = span_of(m_patience);
     while (sigtimedwait(&awaited, nullptr, &patience) < 0 && errno == EINTR) {
     }
     if (!m_stopped) {
-        end_by_signal(taken);
+        force_end(taken);
     }
 }
 

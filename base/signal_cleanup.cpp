@@ -20,9 +20,7 @@ constexpr int REQUESTS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM, 
 constexpr int CRASHES[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS};
 
 extern "C" void act_and_end(int signal_number) {
-    for (int i = act_count - 1; i >= 0; --i) {
-        acts[i].load()();
-    }
+    do_last_acts();
     std::signal(signal_number, SIG_DFL);
     std::raise(signal_number);
 }
@@ -63,6 +61,12 @@ Signal_cleanup::~Signal_cleanup() {
         handle(REQUESTS, SIG_DFL);
     }
     --act_count;
+}
+
+void do_last_acts() {
+    for (int i = act_count - 1; i >= 0; --i) {
+        acts[i].load()();
+    }
 }
 
 void end_by_signal(int signal_number) {

@@ -66,11 +66,7 @@ void State_keeper::end_thread() {
 
 void State_keeper::finish() {
     end_thread();
-    if (m_is_dirty) {
-        m_file.save();
-        m_is_dirty = false;
-        ++m_save_count;
-    }
+    save_now();
 }
 
 int State_keeper::save_count() const {
@@ -78,8 +74,28 @@ int State_keeper::save_count() const {
     return m_save_count;
 }
 
-// A change that comes while the file is written makes it be written again. A failure is told at the end, if the file
-// cannot be written then either.
+// A change that comes while the file is written makes it be written again.
+void State_keeper::save_now() {
+    const std::lock_guard<std::mutex> saving(m_saving);
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_is_dirty) {
+            return;
+        }
+        m_is_dirty = false;
+    }
+    try {
+        m_file.save();
+    } catch (...) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_is_dirty = true;
+        throw;
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_save_count;
+}
+
+// A failure, of memory too, may be over later. It is reported at the end, if the file cannot be written then either.
 void State_keeper::run() {
     std::unique_lock<std::mutex> lock(m_mutex);
     for (;;) {
@@ -87,17 +103,12 @@ void State_keeper::run() {
         if (m_changed.wait_for(lock, m_delay, [this] { return m_ends; })) {
             return;
         }
-        m_is_dirty = false;
         lock.unlock();
-        bool is_saved = true;
         try {
-            m_file.save();
-        } catch (const std::exception&) {  // also when memory runs out, perhaps only for now
-            is_saved = false;
+            save_now();
+        } catch (const std::exception&) {
         }
         lock.lock();
-        m_is_dirty = m_is_dirty || !is_saved;
-        m_save_count += is_saved ? 1 : 0;
     }
 }
 

@@ -65,7 +65,8 @@ void Loader::build_mount(const Json_value& item, Data_entry* parent, unsigned in
     const Json_value place = item.member("folder");
     const std::string folder =
         (std::filesystem::path(place.place().source->name).parent_path() / place.text()).string();
-    if (!std::filesystem::is_directory(folder)) {
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error)) {
         place.warn("there is no folder \"" + folder + "\"");
     }
     Mounted_menu& mounted = m_menu.add_mounted_menu(folder);

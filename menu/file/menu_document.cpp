@@ -58,6 +58,14 @@ Json_node number_node(int64_t number) {
     return node;
 }
 
+// One name for each file, however it is reached. In a working folder that is gone it is the name as given.
+std::string full_name_of(const fs::path& file) {
+    std::error_code error;
+    const fs::path absolute = fs::absolute(file, error);
+    const fs::path full = error ? file : fs::weakly_canonical(absolute, error);
+    return (error ? file : full).string();
+}
+
 }  // namespace
 
 Menu_document::Menu_document(const std::string& file)
@@ -71,7 +79,7 @@ Menu_document::Menu_document(const std::string& file, const std::string& text) {
 Json_node Menu_document::read(const std::string& file, const std::string& text) {
     const Source& source = m_sources.emplace_back(Source{file, m_sources.size()});
     Json_node written = parse_json(source, text);
-    m_including.push_back(fs::weakly_canonical(fs::absolute(file)).string());
+    m_including.push_back(full_name_of(file));
     const auto templates =
         std::find_if(written.members.begin(), written.members.end(),
                      [](const Json_member& member) { return member.name == "templates"; });
@@ -364,7 +372,7 @@ void Menu_document::in_file(const Json_node& name,
     const fs::path path =
         (fs::path(name.place.source->name).parent_path() / name.text).lexically_normal();
     std::error_code error;
-    const std::string full_name = fs::weakly_canonical(fs::absolute(path), error).string();
+    const std::string full_name = full_name_of(path);
     if (name.text.empty() || !fs::is_regular_file(path, error)) {
         throw Placed_error(name.place, "there is no file \"" + path.string() + "\"");
     }

@@ -8,15 +8,18 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
+#include <functional>
+#include <mutex>
 #include <thread>
 
 namespace frontpanel {
 
 class End_watch {
 public:
-    // From now on SIGINT, SIGTERM and SIGHUP are noted. The loop has `patience` to end after the first of them:
-    // then, or with a second one, the process ends at once, after the last acts. One watch at a time, created
-    // before any other thread.
+    // From now on SIGINT, SIGTERM, SIGHUP and a SIGPIPE that is sent to the process are noted; a write to a closed
+    // pipe only fails. The loop has `patience` to end after the first of them: then, or with a second one, the
+    // process ends at once, after the act below and the last acts. One watch at a time, created before any other
+    // thread. std::system_error when the thread cannot be created.
     explicit End_watch(std::chrono::milliseconds patience = std::chrono::seconds(1));
     ~End_watch();
     End_watch(const End_watch&) = delete;
@@ -24,11 +27,17 @@ public:
 
     // The signal that came; 0 for none.
     int signal_number() const { return m_signal; }
+    // What is done on the watch's thread before the process ends at once; an empty function for nothing. Unlike
+    // the last acts it may do anything, but must not throw, nor wait for the menu thread. Once this returns, the
+    // act that was set before is not called any more.
+    void set_forced_end(std::function<void()> act);
     // Readable once a signal came.
     int descriptor() const { return m_wake[0]; }
 
 private:
     void watch();
+    void force_end(int signal_number);
+    void close_pipe() const;
 
     std::chrono::milliseconds m_patience;
     sigset_t m_watched{};
@@ -36,6 +45,8 @@ private:
     int m_wake[2];
     std::atomic<int> m_signal{0};
     std::atomic<bool> m_stopped{false};
+    std::mutex m_mutex;
+    std::function<void()> m_forced_end;
     std::thread m_thread;
 };
 

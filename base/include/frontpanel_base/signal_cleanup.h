@@ -25,6 +25,9 @@ private:
     Ending m_ending;
 };
 
+// Calls the acts, youngest first, for a process that is about to end otherwise. From any thread.
+void do_last_acts();
+
 // Ends the process as the signal does that was taken otherwise: the acts are called first. From any thread.
 [[noreturn]] void end_by_signal(int signal_number);
 

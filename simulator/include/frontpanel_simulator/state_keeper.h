@@ -28,6 +28,8 @@ public:
 
     // Writes what was not written yet and ends. Input_error when that cannot be done.
     void finish();
+    // Writes what was not written yet, at once, on any thread. Input_error when that cannot be done.
+    void save_now();
 
     // How often the file was written.
     int save_count() const;
@@ -41,6 +43,7 @@ private:
     Memory_device& m_device;
     Card_service* m_cards;
     std::chrono::milliseconds m_delay;
+    std::mutex m_saving;  // held while the file is written; locked before the other
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_is_dirty = false;

@@ -87,13 +87,59 @@ for lines in 1 2000 8000; do
     expect 0 "" --script any.script --state values
 done
 
+# A signal that ends a script leaves the value of a moment ago, also when nobody takes the output.
+rm values
+printf 'set 7 8\n' >long.script
+for i in {1..40}; do printf 'tick 1000\n'; done >>long.script
+for signal in INT:130 TERM:143 HUP:129; do
+    rm -f values
+    env --default-signal "$PANEL" --menu menu.json --script long.script --state values >output 2>errors &
+    exec 3<output
+    for _ in {1..8}; do read -r -u 3 _; done
+    kill -s "${signal%:*}" $!
+    status=0
+    wait $! || status=$?
+    exec 3<&-
+    [ "$status" -eq "${signal#*:}" ] || fail "status $status after SIG${signal%:*}"
+    grep -q '"integer":8' values || fail "after SIG${signal%:*} in a script the values are $(cat values)"
+    [ ! -e values.new ] || fail "a temporary file was left"
+done
+rm -f values
+env --default-signal bash -c '"$0" --menu menu.json --script long.script --state values; echo "$?" >status' "$PANEL" | head -n 8 >/dev/null
+[ "$(cat status)" -eq 141 ] || fail "status $(cat status) when nobody reads any more"
+grep -q '"integer":8' values || fail "when nobody reads any more the values are $(cat values)"
+
+# The working folder may be gone.
+mkdir gone
+cd gone || exit 1
+rmdir ../gone
+for arguments in "0 edit" "2 edit --state values" "2 start --log log" "2 start --screenshot a.svg"; do
+    read -r wanted script option <<<"$arguments"
+    status=0
+    # shellcheck disable=SC2086 # an option with its argument
+    "$PANEL" --menu ../menu.json --script "../$script.script" $option >/dev/null 2>../errors || status=$?
+    [ "$status" -eq "$wanted" ] || fail "status $status in a folder that is gone with '$option': $(cat ../errors)"
+done
+cd "$FOLDER" || exit 1
+
+# A file is not overwritten because it was named by mistake.
+menu 9
+cp menu.json before.json
+for option in --log --state --screenshot; do
+    expect 2 "frontpanel: menu.json: --menu and $option name the same file" --script start.script "$option" menu.json
+done
+expect 2 "frontpanel: both: --log and --state name the same file" --script start.script --log both --state both
+printf '{"presets": []}' >other.json
+expect 2 'frontpanel: other.json:1:1: expected a member "version"; this is no state file of version 1 and stays as it is' --script start.script --state other.json
+cmp -s menu.json before.json || fail "the menu file was overwritten"
+
 # At a terminal too, however the panel ends: the user quits, or a signal asks it to end.
 # edit_at_terminal LAST_KEY: opens the number, turns it up by two, stores it and presses a last key.
 edit_at_terminal() {
     printf '\r\033OA\033OA\r%s' "$1"
 }
 export TERM=xterm
-rm values
+rm -f values
 edit_at_terminal q | script -qec "'$PANEL' --menu menu.json --state values" /dev/null >/dev/null || fail "status $? after q"
 grep -q '"integer":3' values || fail "after q at the terminal the values are $(cat values)"
 

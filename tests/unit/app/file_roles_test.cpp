@@ -72,8 +72,7 @@ TEST_F(File_roles, AFileThatIsReadIsNotWritten) {
     for (const auto& [reader, name] : read) {
         for (const auto& [writer, member] : written) {
             m_options.*member = name;
-            EXPECT_EQ(refusal(),
-                      name + ": " + reader + " and " + writer + " name the same file");
+            EXPECT_EQ(refusal(), name + ": " + reader + " and " + writer + " name the same file");
             m_options.*member = "";
         }
     }
@@ -106,7 +105,8 @@ TEST_F(File_roles, TheFileThatIsWrittenFirstIsNoOther) {
     EXPECT_EQ(refusal(), m_options.menu + ": --menu names a file that --state replaces");
     m_options.menu = file("menu.json");
     m_options.screenshot = file("menu.new");
-    EXPECT_EQ(refusal(), m_options.screenshot + ": --screenshot names a file that --state replaces");
+    EXPECT_EQ(refusal(),
+              m_options.screenshot + ": --screenshot names a file that --state replaces");
 }
 
 }  // namespace

@@ -107,5 +107,53 @@ TEST(End_watchDeathTest, AnIgnoredSignalStaysIgnored) {
         testing::ExitedWithCode(0), "");
 }
 
+// A write to a closed pipe only fails while there is a watch.
+TEST(End_watchDeathTest, AClosedPipeDoesNotEndTheProcessUnlessItIsSentTheSignal) {
+    EXPECT_EXIT(
+        {
+            const End_watch watch{hours(1)};
+            int ends[2];
+            const bool has_pipe = pipe2(ends, O_CLOEXEC) == 0 && close(ends[0]) == 0;
+            const bool fails = has_pipe && write(ends[1], "", 1) == -1;
+            const bool quiet = watch.signal_number() == 0;
+            kill(getpid(), SIGPIPE);
+            _exit(fails && quiet && is_told(watch) && watch.signal_number() == SIGPIPE ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(End_watchDeathTest, AForcedEndDoesItsActBeforeTheLastActs) {
+    EXPECT_EXIT(
+        {
+            const Signal_cleanup act(Ending::REQUESTED, say_good_bye);
+            End_watch watch{milliseconds(0)};
+            std::string text = "saved ";
+            watch.set_forced_end([&text] {
+                if (write(STDERR_FILENO, text.data(), text.size()) < 0) {
+                    _exit(1);
+                }
+            });
+            kill(getpid(), SIGTERM);
+            for (;;) {
+                pause();
+            }
+        },
+        testing::KilledBySignal(SIGTERM), "^saved bye$");
+}
+
+TEST(End_watchDeathTest, AnActThatWasWithdrawnIsNotDone) {
+    EXPECT_EXIT(
+        {
+            End_watch watch{milliseconds(0)};
+            watch.set_forced_end([] { _exit(1); });
+            watch.set_forced_end(nullptr);
+            kill(getpid(), SIGTERM);
+            for (;;) {
+                pause();
+            }
+        },
+        testing::KilledBySignal(SIGTERM), "");
+}
+
 }  // namespace
 }  // namespace frontpanel

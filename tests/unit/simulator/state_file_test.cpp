@@ -414,6 +414,27 @@ TEST_F(State_file_test, WithoutAChangeNothingIsWritten) {
     EXPECT_FALSE(fs::exists(file()));
 }
 
+TEST_F(State_file_test, AChangeIsWrittenAtOnceWhenThatIsAskedFor) {
+    State_file state(file(), m_device);
+    State_keeper keeper(state, m_device, nullptr, NOT_NOW);
+    m_device.set_integer(GAIN, 1, 5);
+    std::thread([&keeper] { keeper.save_now(); }).join();
+    EXPECT_NE(content().find("\"index\":1,\"integer\":5"), std::string::npos);
+    keeper.save_now();
+    keeper.finish();
+    EXPECT_EQ(keeper.save_count(), 1);
+}
+
+TEST_F(State_file_test, WhatCouldNotBeWrittenAtOnceIsWrittenAtTheEnd) {
+    State_file state(m_folder.file("late/values"), m_device);
+    State_keeper keeper(state, m_device, nullptr, NOT_NOW);
+    m_device.set_integer(GAIN, 1, 5);
+    EXPECT_THROW(keeper.save_now(), Input_error);
+    fs::create_directory(m_folder.file("late"));
+    keeper.finish();
+    EXPECT_EQ(keeper.save_count(), 1);
+}
+
 TEST_F(State_file_test, TheEndTellsWhatCouldNotBeWritten) {
     const std::string absent = m_folder.file("absent/values");
     State_file state(absent, m_device);
