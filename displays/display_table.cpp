@@ -23,8 +23,7 @@ bool is_lcdproc_server(const std::string& argument) {
 }
 
 std::unique_ptr<Front> open_lcdproc(const Display_setup& setup) {
-    const Lcdproc_server server =
-        parse_lcdproc_server(setup.argument).value_or(Lcdproc_server());
+    const Lcdproc_server server = parse_lcdproc_server(setup.argument).value_or(Lcdproc_server());
     return std::make_unique<Lcdproc_display>(server, setup.keys, setup.size, setup.messages);
 }
 

@@ -38,10 +38,10 @@ Expression_parser::Binary_operator Expression_parser::operator_of(const Token& t
     if (token.kind >= Token::PLUS) {
         return SYMBOL_OPERATORS[token.kind - Token::PLUS];
     }
-    if (token.is_word("and")) {
+    if (token.kind == Token::BOTH || token.is_word("and")) {
         return {AND_LEVEL, Operation::AND};
     }
-    if (token.is_word("or")) {
+    if (token.kind == Token::EITHER || token.is_word("or")) {
         return {OR_LEVEL, Operation::OR};
     }
     if (token.is_word("in")) {
@@ -185,12 +185,20 @@ void Expression_parser::set_element(const Operand& left, int& last_jump) {
 Operand Expression_parser::unary(Level least) {
     const char* const begin = m_cursor.place();
     if (least <= NOT_LEVEL && m_cursor.accept_word("not")) {
-        const Nesting nesting(*this);
-        require_integer(binary(NOT_LEVEL));
-        m_code.emit(Operation::NOT, 0, 0);
-        return {Value_type::INTEGER, true, begin};
+        return denial(begin, NOT_LEVEL);
+    }
+    if (m_cursor.accept(Token::DENY)) {
+        return denial(begin, SIGN_LEVEL);
     }
     return m_cursor.accept(Token::MINUS) ? negative(begin) : primary();
+}
+
+// "not" takes a whole comparison, "!" binds as a sign does.
+Operand Expression_parser::denial(const char* begin, Level least) {
+    const Nesting nesting(*this);
+    require_integer(least == SIGN_LEVEL ? unary(SIGN_LEVEL) : binary(least));
+    m_code.emit(Operation::NOT, 0, 0);
+    return {Value_type::INTEGER, true, begin};
 }
 
 Operand Expression_parser::negative(const char* begin) {

@@ -76,6 +76,7 @@ private:
     Operand conditional(Operand condition);
     Operand binary(Level least);
     Operand unary(Level least);
+    Operand denial(const char* place, Level least);
     Operand negative(const char* place);
     Operand primary();
     Operand number();

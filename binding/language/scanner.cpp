@@ -174,13 +174,16 @@ Token Scanner::symbol() {
         case '>':
             return two_or_one('=', Token::GREATER_EQUAL, Token::GREATER);
         case '!':
-            if (peek(1) == '=') {
-                return token(Token::NOT_EQUAL, 2);
-            }
-            throw error(m_at, "\"!\" is written \"not\"");
+            return two_or_one('=', Token::NOT_EQUAL, Token::DENY);
         case '&':
+            if (peek(1) == '&') {
+                return token(Token::BOTH, 2);
+            }
             throw error(m_at, "\"&\" is no operator; \"and\" joins conditions");
         case '|':
+            if (peek(1) == '|') {
+                return token(Token::EITHER, 2);
+            }
             throw error(m_at, "\"|\" is no operator; \"or\" joins conditions");
         case '.':
             if (peek(1) == '.') {

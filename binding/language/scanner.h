@@ -28,6 +28,9 @@ struct Token {
         TO,  // ".."
         QUESTION,
         COLON,
+        BOTH,    // "&&"
+        EITHER,  // "||"
+        DENY,    // "!"
         PLUS,
         MINUS,
         TIMES,

@@ -12,9 +12,12 @@ TEST(LcdprocServer, IsAnAddressAndAPort) {
         int port;
     };
     const Server_case CASES[] = {
-        {"localhost", "127.0.0.1", 13666},     {"localhost:1", "127.0.0.1", 1},
-        {"127.0.0.2:65535", "127.0.0.2", 65535}, {"127.0.0.2", "127.0.0.2", 13666},
-        {"[::1]", "::1", 13666},               {"[::1]:2000", "::1", 2000},
+        {"localhost", "127.0.0.1", 13666},
+        {"localhost:1", "127.0.0.1", 1},
+        {"127.0.0.2:65535", "127.0.0.2", 65535},
+        {"127.0.0.2", "127.0.0.2", 13666},
+        {"[::1]", "::1", 13666},
+        {"[::1]:2000", "::1", 2000},
     };
     for (const Server_case& expected : CASES) {
         const std::optional<Lcdproc_server> server = parse_lcdproc_server(expected.text);

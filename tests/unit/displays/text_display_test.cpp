@@ -11,14 +11,17 @@ TEST(TextDisplay, PrintsTheLinesWithinABorderAndTheLedsBelow) {
     Frame frame{Lcd({16, 2}), Leds()};
     frame.lcd.put(0, 0, ">Gain");
     frame.lcd.put_right(0, "-3 dB");
-    frame.lcd.put(1, 0, " 20 \xC2\xB0" "C");
+    frame.lcd.put(1, 0,
+                  " 20 \xC2\xB0"
+                  "C");
     std::ostringstream out;
     Text_display display(out);
     display.show(frame);
     EXPECT_EQ(out.str(),
               "+----------------+\n"
               "|>Gain      -3 dB|\n"
-              "| 20 \xC2\xB0" "C          |\n"
+              "| 20 \xC2\xB0"
+              "C          |\n"
               "+----------------+\n"
               "( ) Edit  ( ) Alarm\n");
 }

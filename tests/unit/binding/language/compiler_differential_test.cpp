@@ -422,7 +422,8 @@ private:
             case NEGATE:
                 return "-" + blank() + child(node, 0, SIGN);
             case NOT:
-                return "not " + child(node, 0, DENIAL);
+                return m_chance.below(2) == 0 ? "not " + child(node, 0, DENIAL)
+                                              : "!" + blank() + child(node, 0, SIGN);
             case ABS:
                 return "abs(" + child(node, 0, CHOICE) + ")";
             case LENGTH:
@@ -434,9 +435,11 @@ private:
                        child(node, 1, own == RELATION ? SUM : own + 1);
             }
             case AND:
-                return child(node, 0, BOTH) + " and " + child(node, 1, DENIAL);
+                return child(node, 0, BOTH) + (m_chance.below(2) == 0 ? " and " : "&&") +
+                       child(node, 1, DENIAL);
             case OR:
-                return child(node, 0, EITHER) + " or " + child(node, 1, BOTH);
+                return child(node, 0, EITHER) + (m_chance.below(2) == 0 ? " or " : "||") +
+                       child(node, 1, BOTH);
             case CONDITIONAL:
                 return child(node, 0, EITHER) + " ? " + child(node, 1, CHOICE) + " : " +
                        child(node, 2, CHOICE);

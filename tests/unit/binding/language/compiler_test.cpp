@@ -130,9 +130,14 @@ TEST(Binding_mistakes, ExpressionsHaveTheirShape) {
         {"visible if 1 in {1 2}",
          "line 1, column 20: expected an operator, \"..\", \",\" or \"}\", found \"2\""},
         {"visible if 1 = 1", "line 1, column 14: expected an operator or end of rule, found \"=\""},
-        {"visible if 1 && 1", "line 1, column 14: \"&\" is no operator; \"and\" joins conditions"},
-        {"visible if 1 || 1", "line 1, column 14: \"|\" is no operator; \"or\" joins conditions"},
-        {"visible if !1", "line 1, column 12: \"!\" is written \"not\""},
+        {"visible if 1 & 1", "line 1, column 14: \"&\" is no operator; \"and\" joins conditions"},
+        {"visible if 1 | 1", "line 1, column 14: \"|\" is no operator; \"or\" joins conditions"},
+        {"visible if 1 &&& 1", "line 1, column 16: \"&\" is no operator; \"and\" joins conditions"},
+        {"visible if 1 &&", "line 1, column 16: " + VALUE + "end of text"},
+        {"visible if || 1", "line 1, column 12: " + VALUE + "\"||\""},
+        {"visible if 1 ! 1", "line 1, column 14: expected an operator or end of rule, found \"!\""},
+        {"visible if !\"a\"", "line 1, column 13: expected an integer, found a text"},
+        {"visible if !not 1", "line 1, column 13: " + VALUE + "\"not\""},
         {"visible if min 1", "line 1, column 16: expected \"(\", found \"1\""},
         {"visible if min(1)", "line 1, column 17: expected an operator or \",\", found \")\""},
         {"visible if min(1, 2",
@@ -418,7 +423,9 @@ TEST(Binding_mistakes, TheMistakesOfAllRulesAreToldInTheirOrder) {
               "line 1, column 39: " +
                   RULES + "\"frobnicate\"\n" + "line 2, column 9: " + VALUE + "\";\"\n" +
                   "line 2, column 25: expected an integer, found a text\n"
-                  "line 3, column 1: \"!\" is written \"not\"\n"
+                  "line 3, column 1: " +
+                  RULES +
+                  "\"!\"\n"
                   "line 3, column 33: \"40x\" is not a number\n");
     EXPECT_EQ(language.error_of(source),
               "line 1, column 12: unknown parameter \"[mouse]\"; did you mean [mode]?");

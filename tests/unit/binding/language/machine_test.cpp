@@ -112,6 +112,40 @@ TEST(Binding_language, OperatorsBindAsInArithmetic) {
     });
 }
 
+// gain 5, mode 1
+TEST(Binding_language, SignsStandForTheWordsOfConditions) {
+    expect_outcomes({
+        {"[mode] == 1 && [gain] == 5", "1"},
+        {"[mode] == 1&&[gain] == 4", "0"},
+        {"[mode] == 0 || [gain] == 5", "1"},
+        {"[mode] == 0||[gain] == 4", "0"},
+        {"1 || 0 && 0", "1"},
+        {"1 or 0 && 0", "1"},
+        {"(1 || 0) && 0", "0"},
+        {"0 && 1 / 0", "0"},
+        {"1 || 1 / 0", "1"},
+        {"7 && 5", "1"},
+        {"!0", "1"},
+        {"![gain]", "0"},
+        {"!!7", "1"},
+        {"-!0", "-1"},
+        {"!-1", "0"},
+        {"!([gain] == 5)", "0"},
+        {"!0 && !0", "1"},
+        {"1 != 2", "1"},
+    });
+}
+
+// As in the languages that have it; "not" denies the whole comparison.
+TEST(Binding_language, AnExclamationMarkBindsAsASignDoes) {
+    expect_outcomes({
+        {"![gain] == 1", "0"},
+        {"not [gain] == 1", "1"},
+        {"![gain] + 1", "1"},
+        {"2 * !0", "2"},
+    });
+}
+
 TEST(Binding_language, DivisionTruncatesTowardsZero) {
     expect_outcomes({
         {"7 / 2", "3"},
