@@ -108,12 +108,13 @@ void Reading::report(const Rule& rule, const std::string& mistake) {
 }
 
 bool Reading::read(std::size_t parameter, Value& value) {
-    const bool is_readable = fetch(*m_list->parameters[parameter], value);
+    Cached_parameter& known = *m_list->parameters[parameter];
+    const bool is_tried = &known == m_tried && &known != m_engine.own();
+    const bool is_readable = is_tried ? take_tried(known, value) : fetch(known, value);
     if (!is_readable || m_seen != nullptr) {
         const std::string name = bracketed(m_list->program.parameter(parameter).name);
         note(name, is_readable, value);
-        return is_readable || fail("cannot read " + name + ": " +
-                                   failure_text(m_list->parameters[parameter]->failure));
+        return is_readable || fail("cannot read " + name + ": " + failure_text(known.failure));
     }
     return true;
 }
@@ -127,7 +128,7 @@ bool Reading::read_own(Value& value) {
                     : wanted == STRING ? "the entry's value is no text"
                                        : "the entry's value is no number");
     }
-    const bool is_readable = fetch(*own, value);
+    const bool is_readable = own == m_tried ? take_tried(*own, value) : fetch(*own, value);
     note("value", is_readable, value);
     return is_readable || fail("cannot read the entry's value: " + failure_text(own->failure));
 }
@@ -142,13 +143,15 @@ bool Reading::has_option(std::size_t option) {
     return has;
 }
 
+bool Reading::take_tried(const Cached_parameter& parameter, Value& value) const {
+    value.type = binding_language::value_type(parameter.rt);
+    value.number = m_engine.override_value().i;
+    value.text = m_engine.override_value().s;
+    return true;
+}
+
 bool Reading::fetch(Cached_parameter& parameter, Value& value) {
-    value.type = parameter.rt == STRING ? Value_type::TEXT : Value_type::INTEGER;
-    if (&parameter == m_tried) {
-        value.number = m_engine.override_value().i;
-        value.text = m_engine.override_value().s;
-        return true;
-    }
+    value.type = binding_language::value_type(parameter.rt);
     if (!m_engine.core().parameters.bring_up_to_date(parameter)) {
         return false;
     }

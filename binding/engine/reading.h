@@ -27,7 +27,8 @@ public:
     using Code = binding_language::Code;
     using Value = binding_language::Value;
 
-    // With `is_try` the engine's override stands for its parameter.
+    // With `is_try` the engine's override stands for its parameter; for the entry's own one it stands for `value`
+    // only, and the name of the parameter for what the device holds.
     Reading(Engine& engine, bool is_try);
 
     // The list whose rules are asked for next.
@@ -52,6 +53,7 @@ public:
     bool has_option(std::size_t option) override;
 
 private:
+    bool take_tried(const Cached_parameter& parameter, Value& value) const;
     bool fetch(Cached_parameter& parameter, Value& value);
     bool fail(std::string mistake);
     void note(std::string name, bool is_readable, const Value& value);

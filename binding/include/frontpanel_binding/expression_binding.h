@@ -91,7 +91,8 @@ public:
     void getSuggestion(int mask, void* out) override;
     void clearSuggestion(int mask) override;
 
-    // A second override replaces the first. It stands for the parameter under all of its names.
+    // A second override replaces the first. It stands for the parameter under all of its names. An override of the
+    // entry's own parameter stands for `value` alone: a rule that names the parameter sees what the device holds.
     void setOverrideVarid(var_index_s key, return_s value) override;
     void clearOverrideVarid() override;
     void displayWarning(std::string text) override;

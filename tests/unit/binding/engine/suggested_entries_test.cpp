@@ -169,6 +169,22 @@ TEST_F(Suggested_entries, AValueThatIsWarnedOfIsRefusedAndNothingIsStored) {
     EXPECT_THAT(written(), IsEmpty());
 }
 
+TEST_F(Suggested_entries, AWarningComparesTheTriedValueWithTheDevices) {
+    Number_entry gain("Gain", GAIN, no_level, 0, 100);
+    bind(gain, "warn \"from {[101]} to {value}\" if value != [101]");
+    device.set_integer(GAIN, 0, 40);
+    refresh(gain);
+    const auto attempt = [&](int value) { return gain.Set_value(&value, sizeof value); };
+
+    EXPECT_EQ(attempt(40), 0);
+    EXPECT_NE(attempt(55), 0);
+    EXPECT_THAT(shown_warnings, ElementsAre("from 40 to 55"));
+    EXPECT_EQ(attempt(55), 0);
+    EXPECT_EQ(gain.value(), 55) << "stored in the entry, and still 40 in the device";
+    EXPECT_NE(attempt(60), 0);
+    EXPECT_EQ(shown_warnings.back(), "from 40 to 60");
+}
+
 TEST_F(Suggested_entries, ATriedTextIsSeenByTheWarnings) {
     String_entry title = text_entry();
     const BindingListT list =
