@@ -31,6 +31,16 @@ private:
         }                                                                              \
     } while (false)
 
+std::vector<Data_entry*> dependants_of(var_index_map_t& map, const var_index_s& key,
+                                       bool adds_record) {
+    if (adds_record) {
+        return map[key].binding_dependant_entries;
+    }
+    const auto record = map.find(key);
+    return record != map.end() ? record->second.binding_dependant_entries
+                               : std::vector<Data_entry*>();
+}
+
 bool is_listed(const var_index_map_t& map, const var_index_s& key, const Data_entry* entry) {
     const auto record = map.find(key);
     if (record == map.end()) {
@@ -75,7 +85,7 @@ void refresh(Data_entry& committed, Binding* binding, Data_interface* iface,
     }
     const Bind_refresh_lock lock(committed);
     const var_index_s key = binding->self_control_info;
-    const std::vector<Data_entry*> snapshot = (*map)[key].binding_dependant_entries;
+    const std::vector<Data_entry*> snapshot = dependants_of(*map, key, lines.adds_record);
     if (lines.announces_walk) {
         COMMIT_LINE(lines, "About to see if I have any dependants...\n");
     }

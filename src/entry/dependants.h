@@ -16,6 +16,7 @@ struct Commit_lines {
     uint32_t mask;                 // category of the lines, leaf gate
     bool reports_missing_binding;  // says when there is no binding (ranges do)
     bool announces_walk;           // says that it looks for dependants (ranges and texts do)
+    bool adds_record;  // a parameter that the map lacks gets an empty record (texts add none)
 };
 
 // Refreshes, through the dispatcher, every dependant of the parameter that `binding` controls whose bind

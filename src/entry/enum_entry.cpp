@@ -406,7 +406,8 @@ int Enum_entry::Commit(Data_interface* pDataAccessInf) {
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "Commit", "Calling m_model commit...\n");
     const bool posts = is_live_data() && m_LiveDataProcessor != nullptr;
     const int result = posts ? commit_live_data() : m_model.Commit(pDataAccessInf);
-    dependants::refresh(*this, binding, pDataAccessInf,
-                        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::GENERAL, false, false});
+    dependants::refresh(
+        *this, binding, pDataAccessInf,
+        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::GENERAL, false, false, true});
     return result;
 }

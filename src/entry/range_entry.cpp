@@ -229,8 +229,9 @@ int Range_entry::Get_display_string(char* buffer, unsigned int length, int overr
 int Range_entry::Commit(Data_interface* pDataAccessInf) {
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "Commit", "Calling m_model commit...\n");
     const int result = m_model.Commit(pDataAccessInf);
-    dependants::refresh(*this, binding, pDataAccessInf,
-                        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::GENERAL, true, true});
+    dependants::refresh(
+        *this, binding, pDataAccessInf,
+        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::GENERAL, true, true, true});
     return result;
 }
 

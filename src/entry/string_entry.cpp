@@ -89,7 +89,8 @@ int String_entry::Inc_value(int value, int position) {
 int String_entry::Commit(Data_interface* pDataAccessInf) {
     LEAF_LINE(COMMIT, FUNCTION_FIRST, "Commit", "Calling m_model commit...\n");
     const int result = m_model.Commit(pDataAccessInf);
-    dependants::refresh(*this, binding, pDataAccessInf,
-                        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::BINDING, false, true});
+    dependants::refresh(
+        *this, binding, pDataAccessInf,
+        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::BINDING, false, true, false});
     return result;
 }

@@ -67,7 +67,7 @@ protected:
     Refreshing c{"C", nullptr, logged(&log)};
     Fake_binding* binding = nullptr;  // the committed entry's
     var_index_s key;
-    dependants::Commit_lines lines = {{"Commit", "range_entry.cpp", 1}, 0x1, true, true};
+    dependants::Commit_lines lines = {{"Commit", "range_entry.cpp", 1}, 0x1, true, true, true};
 };
 
 TEST_F(Dependants, AreRefreshedInOrderWithTheirBindings) {
@@ -94,10 +94,24 @@ TEST_F(Dependants, OfOtherParametersAreNotRefreshed) {
     EXPECT_EQ(log, Log{});
 }
 
-TEST_F(Dependants, AMissingRecordIsInserted) {
+TEST_F(Dependants, AMissingRecordIsInsertedForAClassThatAddsRecords) {
     refresh();
     EXPECT_EQ(binding->own_map.count(key), 1u);
     EXPECT_TRUE(listed().empty());
+}
+
+TEST_F(Dependants, AMissingRecordStaysMissingForAClassThatAddsNone) {
+    lines.adds_record = false;
+    const std::string text = capture(0x1, [&] { refresh(); }).out;
+    EXPECT_TRUE(binding->own_map.empty());
+    EXPECT_NE(text.find("About to see if I have any dependants...\n"), std::string::npos);
+}
+
+TEST_F(Dependants, OfAKnownRecordAreRefreshedByAClassThatAddsNone) {
+    lines.adds_record = false;
+    listed() = {&a, &b};
+    capture(0, [&] { refresh(); });
+    EXPECT_EQ(log, (Log{"Refresh A interface=1 eval=1", "Refresh B interface=1 eval=1"}));
 }
 
 TEST_F(Dependants, ALockedEntryIsPassedOver) {

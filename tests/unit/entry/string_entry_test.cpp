@@ -333,13 +333,26 @@ TEST_F(Text, LinesHaveTheirCategoriesAndTheLeafGate) {
     support::expect_line_gate("Var index map is null. ", 0x21, Gate::LEAF, commit);
 }
 
-TEST_F(Text, CommitAddsAnEmptyRecordForAnUnknownKey) {
-    auto* const binding = new Fake_binding;
-    entry.Set_binding_object(binding);
-    Fake_device device;
-    device.expect_set(PID, 2, "");
-    entry.Commit(&device);
-    EXPECT_EQ(binding->own_map.size(), 1u);
+TEST_F(Text, CommitLeavesTheMapOfTheApplicationAsItIs) {
+    Ip_entry address("Address", "An address", PID, &index, nullptr, Data_entry::READ_WRITE,
+                     Data_entry::VISIBLE_ALL, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
+                     nullptr);
+    Time_entry time("Time", "A time", PID, &index, 16, nullptr, Data_entry::READ_WRITE,
+                    Data_entry::VISIBLE_ALL, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
+                    nullptr);
+    for (String_entry* const text :
+         {static_cast<String_entry*>(&entry), static_cast<String_entry*>(&address),
+          static_cast<String_entry*>(&time)}) {
+        SCOPED_TRACE(text->Get_name());
+        auto* const binding = new Fake_binding;
+        text->Set_binding_object(binding);
+        binding->own_map[key_of(STRING, PID + 1, index)].value_int = 7;
+        Fake_device device;
+        device.expect_set(PID, 2, "");
+        text->Commit(&device);
+        EXPECT_EQ(binding->own_map.size(), 1u);
+        EXPECT_EQ(binding->own_map.count(key_of(STRING, PID + 1, index)), 1u);
+    }
 }
 
 TEST_F(Text, NewOperationsAreNotTheBases) {
