@@ -25,8 +25,9 @@ inline constexpr int BYTE_MASK = 255;
 extern FRONTPANEL_DATA_EXPORT uint32_t debug;
 
 // Tells an application that keeps the diagnostic output which lines are which: called with a line's mask
-// before the line is printed, and with 0 after it. Lines that print whatever `debug` holds are not told. Null
-// (the start value) for nobody.
+// before the line is printed, and with 0 after it. Lines that print whatever `debug` holds are not reported.
+// Null (the start value) for nobody. The library holds no mutex meanwhile, so the listener may ask any entry;
+// an operation that prints lines itself calls the listener again.
 extern FRONTPANEL_DATA_EXPORT void (*debug_listener)(uint32_t mask);
 
 // The index of a parameter: which of several equal parameters is meant (a channel, a card, ...).

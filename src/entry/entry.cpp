@@ -61,6 +61,40 @@ void print_heading(const char* name, const char* description) {
     std::printf("Description:\n%s\n", description);
 }
 
+// Where a child stands in a child list.
+enum class Place { ELSEWHERE, ONLY, FIRST, LAST, BETWEEN };
+
+Place place_between(const Data_entry* previous, const Data_entry* next) {
+    if (next == nullptr) {
+        return previous == nullptr ? Place::ONLY : Place::LAST;
+    }
+    return previous == nullptr ? Place::FIRST : Place::BETWEEN;
+}
+
+void report_removal(const Data_entry& child, const Data_entry& parent, Place place) {
+    switch (place) {
+        case Place::ELSEWHERE:
+            return;
+        case Place::ONLY:
+        case Place::LAST:
+            LEAF_LINE(GENERAL, NONE, "Remove", "[%s] may be the last or only child of parent... ",
+                      child.Get_name());
+            LEAF_LINE(GENERAL, NONE, "Remove", "%s child\n",
+                      place == Place::ONLY ? "Only" : "Last");
+            return;
+        case Place::FIRST:
+            LEAF_LINE(GENERAL, NONE, "Remove",
+                      "Getting rid of first child named [%s] from parent [%s]\n", child.Get_name(),
+                      parent.Get_name());
+            return;
+        case Place::BETWEEN:
+            LEAF_LINE(GENERAL, NONE, "Remove",
+                      "Must sow two children together to remove child [%s] from parent [%s]\n",
+                      child.Get_name(), parent.Get_name());
+            return;
+    }
+}
+
 const char* or_empty(const char* text) {
     return text != nullptr ? text : "";
 }
@@ -300,35 +334,26 @@ int Data_entry::Remove(Data_entry* child) {
     LEAF_LINE(GENERAL, NONE, "Remove",
               "Child named [%s][%p] sent for removal from parent [%s][%p] \n", child->Get_name(),
               static_cast<void*>(child), Get_name(), static_cast<void*>(this));
-    const Lock_guard lock(m_entry_mutex);
-    if (!holds(*child)) {
+    Place place = Place::ELSEWHERE;
+    {
+        const Lock_guard lock(m_entry_mutex);
+        if (holds(*child)) {
+            place = place_between(child->m_previous, child->m_next);
+            unlink(*child);
+        }
+    }
+    // Printed after the mutex is released, so that a listener may ask the entry.
+    if (place == Place::ELSEWHERE) {
         std::printf("Could not find child named [%s][%p] from parent [%s][%p]\n", child->Get_name(),
                     static_cast<void*>(child), Get_name(), static_cast<void*>(this));
-        return 0;
+    } else {
+        report_removal(*child, *this, place);
     }
-    unlink(*child);
     return 0;
 }
 
 // The removed child keeps its own sibling links: a walk that stands on it still finds its former siblings.
 void Data_entry::unlink(Data_entry& child) {
-    if (child.m_next == nullptr) {
-        LEAF_LINE(GENERAL, NONE, "Remove", "[%s] may be the last or only child of parent... ",
-                  child.Get_name());
-        if (child.m_previous == nullptr) {
-            LEAF_LINE(GENERAL, NONE, "Remove", "Only child\n");
-        } else {
-            LEAF_LINE(GENERAL, NONE, "Remove", "Last child\n");
-        }
-    } else if (child.m_previous == nullptr) {
-        LEAF_LINE(GENERAL, NONE, "Remove",
-                  "Getting rid of first child named [%s] from parent [%s]\n", child.Get_name(),
-                  Get_name());
-    } else {
-        LEAF_LINE(GENERAL, NONE, "Remove",
-                  "Must sow two children together to remove child [%s] from parent [%s]\n",
-                  child.Get_name(), Get_name());
-    }
     join_neighbours_of(child);
     child.m_parent = nullptr;
 }

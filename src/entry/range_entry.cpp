@@ -172,15 +172,17 @@ int Range_entry::Refresh(Data_interface* pDataAccessInf, bool eval_binding) {
 
 // The device must not keep a value that the menu cannot show as chosen.
 int Range_entry::correct_value(int value, Data_interface* pDataAccessInf) {
+    const int stored = value;
+    Span allowed;
     {
         const Lock lock(min_max_mutex);
-        const int stored = value;
-        value = stored > m_max ? m_max : m_min;
-        LEAF_LINE(GENERAL, FUNCTION_FIRST, "Refresh",
-                  "Value stored on product[%d] is not in range [%d,%d]. "
-                  "Setting/Commiting product to the value [%d]\n",
-                  stored, m_min, m_max, value);
+        allowed = {m_min, m_max};
     }
+    value = stored > allowed.max ? allowed.max : allowed.min;
+    LEAF_LINE(GENERAL, FUNCTION_FIRST, "Refresh",
+              "Value stored on product[%d] is not in range [%d,%d]. "
+              "Setting/Commiting product to the value [%d]\n",
+              stored, allowed.min, allowed.max, value);
     Set_value(&value, sizeof value);
     Commit(pDataAccessInf);
     return ERROR;
@@ -338,11 +340,14 @@ int Range_entry::updateRange() {
             span.include(common);
         }
     }
-    // Intended: without a common value the bounds cross, and every value reads as out of range.
-    const Lock lock(min_max_mutex);
-    m_min = span.min;
-    m_max = span.max;
-    LEAF_LINE(GENERAL, FUNCTION_FIRST, "updateRange", "final min[%d] max[%d]\n", m_min, m_max);
+    {
+        // Intended: without a common value the bounds cross, and every value reads as out of range.
+        const Lock lock(min_max_mutex);
+        m_min = span.min;
+        m_max = span.max;
+    }
+    LEAF_LINE(GENERAL, FUNCTION_FIRST, "updateRange", "final min[%d] max[%d]\n", span.min,
+              span.max);
     return OK;
 }
 

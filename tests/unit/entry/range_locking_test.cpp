@@ -10,6 +10,7 @@
 
 #include "range_fixture.h"
 #include "support/allocation_counter.h"
+#include "support/capture.h"
 #include "support/fake_binding.h"
 #include "support/fake_device.h"
 
@@ -93,6 +94,52 @@ TEST_F(Range_locking, OptionsAreEvaluatedWithoutTheMutex) {
 TEST_F(Range_locking, StepsDoNotTakeTheMutex) {
     EXPECT_EQ(takes([&] { entry.increment(5, 7); }), 0);
     EXPECT_EQ(takes([&] { entry.Inc_value(1, 0); }), 0);
+}
+
+// The listener is given the lines while nothing is locked: it may ask the entry for its bounds.
+struct Listening {
+    explicit Listening(Open_range& entry) {
+        asked = &entry;
+        debug_listener = [](uint32_t) {
+            ++lines;
+            lines_under_mutex += held;
+            if (held == 0) {
+                asked->Get_min();
+            }
+        };
+    }
+    ~Listening() { debug_listener = nullptr; }
+
+    static Open_range* asked;
+    static int lines;
+    static int lines_under_mutex;
+};
+
+Open_range* Listening::asked = nullptr;
+int Listening::lines = 0;
+int Listening::lines_under_mutex = 0;
+
+TEST_F(Range_locking, NoLineIsPrintedUnderTheMutex) {
+    auto* binding = new Fake_binding;
+    entry.Set_binding_object(binding);
+    const Listening listening(entry);
+    for (const int value : {-1, 101}) {
+        Fake_device device;
+        device.expect_get_integer(120, 3, value);
+        device.expect_set_integer(120, 3, value < 0 ? 0 : 40);
+        const std::string out = support::capture(0xFFFFFFFF, [&] {
+                                    entry.setValidRangeAndValues({{0, 41, {}}});
+                                    binding->suggest_range({{0, 50}});
+                                    entry.Refresh(&device, true);
+                                    entry.getProperties(0);
+                                    entry.increment(5, 7);
+                                }).out;
+        EXPECT_NE(out.find("final min[0] max[40]\n"), std::string::npos);
+        EXPECT_NE(out.find("is not in range [0,40]. Setting/Commiting product to the value ["),
+                  std::string::npos);
+    }
+    EXPECT_GT(Listening::lines, 0);
+    EXPECT_EQ(Listening::lines_under_mutex, 0);
 }
 
 // A device that reads the bounds back while it is written to, as another thread might.

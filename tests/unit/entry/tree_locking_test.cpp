@@ -102,6 +102,50 @@ TEST_F(Tree_locking, PrintingHoldsTheParentWhileChildrenLockThemselves) {
     EXPECT_EQ(order, (Order{"+Parent", "+First", "-First", "+Second", "-Second", "-Parent"}));
 }
 
+// Every line of a removal names the child, so asking for its name stands for printing.
+class Named_leaf : public Watched_node {
+public:
+    using Watched_node::Watched_node;
+    const char* Get_name() const override {
+        ++asked;
+        asked_under_mutex += !order.empty() && order.back() == "+Menu" ? 1 : 0;
+        return Watched_node::Get_name();
+    }
+    static int asked;
+    static int asked_under_mutex;
+};
+
+int Named_leaf::asked = 0;
+int Named_leaf::asked_under_mutex = 0;
+
+TEST_F(Tree_locking, NoLineOfARemovalIsPrintedUnderTheMutex) {
+    Watched_node menu("Menu");
+    Named_leaf one("One");
+    Named_leaf two("Two");
+    Named_leaf three("Three");
+    Named_leaf four("Four");
+    Named_leaf stranger("Stranger");
+    for (Named_leaf* const child : {&one, &two, &three, &four}) {
+        menu.Add_child(*child);
+    }
+    const std::string out =
+        support::capture(0x1, [&] {
+            for (Named_leaf* const child : {&two, &one, &four, &three, &stranger}) {
+                menu.Remove(child);
+            }
+        }).out;
+    for (const char* const line :
+         {"Must sow two children together to remove child [Two] from parent [Menu]\n",
+          "Getting rid of first child named [One] from parent [Menu]\n",
+          "[Four] may be the last or only child of parent... Last child\n",
+          "[Three] may be the last or only child of parent... Only child\n",
+          "Could not find child named [Stranger]["}) {
+        EXPECT_NE(out.find(line), std::string::npos) << line;
+    }
+    EXPECT_GE(Named_leaf::asked, 10);
+    EXPECT_EQ(Named_leaf::asked_under_mutex, 0);
+}
+
 TEST_F(Tree_locking, ReadingAndSettingLinksLocksNothing) {
     parent.Get_child();
     first.Get_next();
