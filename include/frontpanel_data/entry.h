@@ -121,9 +121,16 @@ public:
     virtual void Set_dynamic_previous(Data_entry* previous);
 
     // Makes `child` the last child of this entry; a child that it is already moves to the end. Returns 0.
+    // Requires: `child` is another entry (asserted) and in no other entry's child list. A child of another
+    // parent is removed there first, or that parent's list ends at the child and loses those behind it; a
+    // build without NDEBUG asserts, for which the parent that the child remembers must exist.
+    //
+    // A `Link_entry` as `child` joins the list, but answers for its neighbours by what its own setters stored,
+    // or by the entry it houses: `Set_parent`, `Set_next` and `Set_previous` give it its place.
     virtual int Add_child(Data_entry& child);
-    // Makes this entry the last child of `parent`, which must be another entry (asserted). Returns what the
-    // parent's `Add_child` returns.
+    // Makes this entry the last child of `parent`, which must be another entry (asserted), with the
+    // requirements of `Add_child`. Returns what the parent's `Add_child` returns. Of a link, the entry that it
+    // houses is attached.
     virtual int Attach(Data_entry& parent);
     // Takes a child out of the child list. Its parent becomes null; its own sibling links stay, so that a
     // walk that stands on it can go on. 0, also when it is no child of this entry; -1 for null.

@@ -308,8 +308,12 @@ int Data_entry::Add_child(Data_entry& child) {
     FRONTPANEL_ASSERT(&child != this, "&child!=this");
     const Lock_guard lock(m_entry_mutex);
     if (holds(child)) {
-        join_neighbours_of(
-            child);  // added again it moves: linked twice it would end or close the list
+        // Added again it moves: linked twice it would end or close the list.
+        join_neighbours_of(child);
+    } else {
+        // The sibling links of a child are those of one list: another parent's would end at the child.
+        FRONTPANEL_DEBUG_ASSERT(child.m_parent == nullptr || !child.m_parent->holds(child),
+                                "!child.m_parent->holds(child)");
     }
     Data_entry* const last = last_child();
     child.m_parent = this;

@@ -483,6 +483,31 @@ TEST(EntryTreeDeathTest, AnEntryIsNeverAttachedToItself) {
     EXPECT_DEATH(menu.Attach(menu), "Assertion");
 }
 
+// In a release build the child ends the list of its other parent.
+TEST(EntryTreeDeathTest, AChildOfAnotherParentIsRemovedThereFirst) {
+    Menu other("Other");
+    Leaf first("First", &other);
+    Leaf second("Second", &other);
+    Menu menu;
+#ifdef NDEBUG
+    menu.Add_child(first);
+    EXPECT_EQ(children_of(menu), (Entries{&first}));
+    EXPECT_EQ(children_of(other), (Entries{&first}));
+#else
+    EXPECT_DEATH(menu.Add_child(first), "Assertion `!child.m_parent->holds\\(child\\)' failed");
+    EXPECT_DEATH(first.Attach(menu), "Assertion `!child.m_parent->holds\\(child\\)' failed");
+#endif
+}
+
+TEST(EntryTree, AnEntryThatOnlyRemembersAParentIsAddedToAnother) {
+    Menu remembered("Remembered");
+    Leaf child("Child", &remembered, visibility(0));
+    Menu menu;
+    menu.Add_child(child);
+    EXPECT_EQ(child.Get_parent(), &menu);
+    EXPECT_EQ(children_of(menu), (Entries{&child}));
+}
+
 TEST(EntryTree, RemovingTheOnlyChildLeavesNone) {
     Menu menu;
     Leaf a("A", &menu);

@@ -105,6 +105,8 @@ public:
         }
         if (holds(parent, child)) {
             join_neighbours_of(parent, child);
+        } else if (at(child).base[PARENT] != NONE && holds(at(child).base[PARENT], child)) {
+            return false;  // the caller removes it there first
         }
         int last = NONE;
         for (int sibling = at(parent).base[CHILD]; sibling != NONE;

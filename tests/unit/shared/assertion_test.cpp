@@ -35,4 +35,16 @@ TEST(AssertionDeathTest, ThatFailsLosesNoOutput) {
         testing::KilledBySignal(SIGABRT), "printed before; assertion_test");
 }
 
+TEST(DebugAssertionDeathTest, IsTestedOnlyInDebugBuilds) {
+    int evaluations = 0;
+    FRONTPANEL_DEBUG_ASSERT(++evaluations == 1, "evaluations");
+#ifdef NDEBUG
+    EXPECT_EQ(evaluations, 0);
+    FRONTPANEL_DEBUG_ASSERT(evaluations == 1, "evaluations");
+#else
+    EXPECT_EQ(evaluations, 1);
+    EXPECT_DEATH(FRONTPANEL_DEBUG_ASSERT(evaluations == 2, "evaluations"), "`evaluations' failed");
+#endif
+}
+
 }  // namespace
