@@ -60,9 +60,9 @@ public:
     int Set_value(const void* value, unsigned int length) override;
     // Reads the key from the device, or every eleventh time the options of live data from the card, then
     // applies the binding; `eval_binding` has it evaluate its expressions first. A hidden current option is
-    // replaced by the one at position `Get_min()`, if there is one, which is committed. A key that the map of
-    // positions lacks is added to it with position 0, allowed or not, unless it is negative. 0, or the error
-    // of the read. A failed fetch is no error and leaves the options as they are.
+    // replaced by the one at position `Get_min()`, which is committed, if there is one and its key is allowed.
+    // A key that the map of positions lacks is added to it with position 0, allowed or not, unless it is
+    // negative. 0, or the error of the read. A failed fetch is no error and leaves the options as they are.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
     // Moves the selection by `value` visible positions; `position` is not used. Returns 0. -1, and the
     // selection is as before, when no option is visible there: stepping does not wrap.
@@ -107,9 +107,9 @@ public:
     virtual Live_Data_Processor* GetLiveDataProcessor();
     // The current key.
     virtual int Get_integer();
-    // Delivers the key of a visible position; one outside `Get_min()` to `Get_max()` counts as `Get_min()`.
-    // Returns 0. 1, and nothing is delivered, when no allowed key has that position; the option at position
-    // `Get_min()`, if there is one, is then selected.
+    // Delivers the key of a visible position; one outside `Get_min()` to `Get_max()`, which are keys, counts as
+    // `Get_min()`. Returns 0. 1, and nothing is delivered, when no allowed key has that position; the option at
+    // position `Get_min()` is then selected, if there is one and its key is allowed.
     virtual int Get_value(void* value, unsigned int length, int index);
 
     // Installs the control options: for a key, product options one of which must hold. A key without options

@@ -233,10 +233,10 @@ int Enum_entry::Get_value(void* value, unsigned int length, int index) {
     return 1;
 }
 
-// Whether a key may be selected in place of one that cannot stay. What names no option would reach the device
-// with the next commit.
+// Whether a key may be selected in place of one that cannot stay. What names no option or is not allowed would
+// reach the device with the next commit.
 bool Enum_entry::is_option(int key) const {
-    return 0 <= key && key < m_size_enum;
+    return is_within(key, 0, m_size_enum - 1) && is_within(key, m_min_enum, m_max_enum);
 }
 
 // Without a map positions are keys, and looking one up would begin a map.
@@ -387,7 +387,7 @@ void Enum_entry::leave_hidden_option(Data_interface* pDataAccessInf) {
     }
     const int safe_key = valueToKey(map_enum_to_options, Get_min());
     if (!is_option(safe_key)) {
-        return;  // no option is visible there: there is no key that the device could be given
+        return;  // no allowed option is visible there: there is no key that the device could be given
     }
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "Refresh",
               "Will commit a new and safe value for enum. new enum key[%d] \n", safe_key);

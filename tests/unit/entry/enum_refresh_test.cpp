@@ -157,13 +157,32 @@ TEST(EnumRefresh, NeverCommitsAKeyThatNamesNoOption) {
     }
 }
 
-TEST(EnumRefresh, CommitsAVisibleOptionEvenIfItIsNotAllowed) {
-    Fake_device device;
-    device.expect_get_integer(PID, VARIDX, 1);
-    device.expect_set_integer(PID, VARIDX, 3);
-    Open_enum entry(Enum_arguments().min(1).max(2).default_value(1));
-    entry.map_enum_to_options = {{0, 0}, {1, -1}, {2, -1}, {3, 1}};
-    EXPECT_EQ(entry.Refresh(&device, false), 0);
+// The smallest position is that of key 3 above the allowed keys, then of key 0 below them.
+TEST(EnumRefresh, NeverCommitsAVisibleOptionThatIsNotAllowed) {
+    const std::map<int, int> cases[] = {{{0, 0}, {1, -1}, {2, -1}, {3, 1}},
+                                        {{0, 1}, {1, -1}, {2, 2}, {3, 3}}};
+    for (const auto& positions : cases) {
+        SCOPED_TRACE(positions.at(0));
+        Fake_device device;
+        device.expect_get_integer(PID, VARIDX, 1);
+        Open_enum entry(Enum_arguments().min(1).max(2).default_value(1));
+        entry.map_enum_to_options = positions;
+        EXPECT_EQ(entry.Refresh(&device, false), 0);
+        EXPECT_EQ(entry.stored(), 1);
+    }
+}
+
+TEST(EnumRefresh, CommitsTheAllowedOptionsAtBothEnds) {
+    for (const int safe_key : {1, 2}) {
+        SCOPED_TRACE(safe_key);
+        const int hidden = 3 - safe_key;
+        Fake_device device;
+        device.expect_get_integer(PID, VARIDX, hidden);
+        device.expect_set_integer(PID, VARIDX, safe_key);
+        Open_enum entry(Enum_arguments().min(1).max(2).default_value(1));
+        entry.map_enum_to_options = {{0, 0}, {hidden, -1}, {safe_key, 1}, {3, 2}};
+        EXPECT_EQ(entry.Refresh(&device, false), 0);
+    }
 }
 
 TEST(EnumRefresh, WritesNothingWhenNoVisibleOptionHasTheSmallestPosition) {

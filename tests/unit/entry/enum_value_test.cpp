@@ -292,6 +292,17 @@ TEST(EnumGetValueOfPosition, NeverSelectsAKeyThatNamesNoOption) {
     }
 }
 
+TEST(EnumGetValueOfPosition, NeverSelectsAKeyThatIsNotAllowed) {
+    for (const int outside : {0, 3}) {
+        SCOPED_TRACE(outside);
+        Open_enum entry(Enum_arguments().min(1).max(2).default_value(2));
+        entry.map_enum_to_options = {{outside, 1}, {2, 0}};
+        int key = -99;
+        EXPECT_EQ(entry.Get_value(&key, sizeof key, 2), 1);
+        EXPECT_EQ(entry.stored(), 2);
+    }
+}
+
 TEST(EnumGetValueOfPosition, RefusesAKeyThatIsNotAllowed) {
     Open_enum entry(Enum_arguments().min(1).max(2).default_value(1));
     entry.map_enum_to_options = {{0, 1}, {1, 0}, {2, 2}};
