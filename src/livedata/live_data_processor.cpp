@@ -117,15 +117,17 @@ Live_Data_Processor::~Live_Data_Processor() = default;
 void Live_Data_Processor::updateLDP(int local, char* ip, int slot) {
     m_slot = slot;
     m_local = local != 0;
-    std::memset(m_ip, 0, sizeof m_ip);
+    // Made beside the old address, of which `ip` may be a part.
+    char address[sizeof m_ip] = "";
     if (m_local) {
-        std::strcpy(m_ip, "127.0.0.1");
+        std::strcpy(address, "127.0.0.1");
     } else if (ip == nullptr) {
         LIVE_LINE("updateLDP", "NULL IP Recieved in LDP for slot[%d]\n", slot);
-    } else if (std::strlen(ip) < sizeof m_ip) {
+    } else if (std::strlen(ip) < sizeof address) {
         // A longer text stays out whole: its beginning could be the address of another card.
-        std::strcpy(m_ip, ip);
+        std::strcpy(address, ip);
     }
+    std::memcpy(m_ip, address, sizeof m_ip);
 }
 
 int Live_Data_Processor::getDataFromCard(int varId, char dataformat, char* filepath) try {

@@ -127,6 +127,18 @@ TEST_F(Live_data_processor, FifteenCharactersFitAndSixteenLeaveNoAddress) {
     EXPECT_EQ(std::string(processor.m_ip, sizeof processor.m_ip), std::string(16, '\0'));
 }
 
+TEST_F(Live_data_processor, ItsOwnAddressOrAPartOfItIsKept) {
+    Open_processor processor(0, m_ip, 5);
+    processor.updateLDP(0, processor.m_ip, 6);
+    EXPECT_STREQ(processor.m_ip, "192.0.2.7");
+    EXPECT_EQ(processor.m_slot, 6);
+    processor.updateLDP(0, processor.m_ip + 1, 6);
+    EXPECT_EQ(std::string(processor.m_ip, sizeof processor.m_ip),
+              std::string("92.0.2.7") + std::string(8, '\0'));
+    processor.updateLDP(1, processor.m_ip, 6);
+    EXPECT_STREQ(processor.m_ip, "127.0.0.1");
+}
+
 // Fetching
 
 TEST_F(Live_data_processor, FetchesByThreeCommands) {
