@@ -14,6 +14,10 @@ extern FRONTPANEL_DATA_EXPORT char message[150];
 
 class FRONTPANEL_DATA_EXPORT LiveJSDataParser {
 public:
+    // What `parseEachSubTree` throws when an object has the wrong shape: the number of the source line that
+    // found it. The other operations catch it and report the number.
+    typedef int Shape_error;
+
     enum JS_TYPE { MIN_JS_TYPE = 0, COMBOBOX = 0, TREE = 1, MAX_JS_TYPE = 2 };
 
     struct actionbody {

@@ -1,6 +1,8 @@
 #include <frontpanel_data/live_data_parser.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
@@ -21,6 +23,7 @@ namespace {
 
 using rapidjson::Document;
 using rapidjson::Value;
+using Shape_error = LiveJSDataParser::Shape_error;
 
 constexpr off_t MAX_DOCUMENT_BYTES = off_t{64} * 1024 * 1024;
 // A value takes up to 34 bytes for as little as one byte of the document, and the JSON library crashes when
@@ -30,6 +33,9 @@ constexpr std::size_t MAX_VALUES = std::size_t{6} * 1024 * 1024;
 constexpr unsigned int MAX_DEPTH = 255;
 // A node takes two kilobytes for as little as three bytes of the document.
 constexpr std::size_t MAX_NODES = 65536;
+
+// Lines about single members that one run writes: a card must not flood the system log.
+constexpr std::size_t MAX_MEMBER_LINES = 32;
 
 // What a document is refused for without its parser's help.
 const char* const NOT_OPENED = "The file could not be opened.";
@@ -112,11 +118,21 @@ void report_unparsed(const char* name) {
     syslog(LOG_ERR, "Could not parse JSON file \"%s\"\n", name);
 }
 
+// Without waiting: the name may be that of a FIFO, which nobody writes to.
+File open_for_reading(const char* name) {
+    const int descriptor = open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    std::FILE* const file = descriptor >= 0 ? fdopen(descriptor, "r") : nullptr;
+    if (file == nullptr && descriptor >= 0) {
+        close(descriptor);
+    }
+    return File(file);
+}
+
 // Null on failure; `error` is then the reason.
 std::unique_ptr<Document> read_document(const char* filename, const char*& error) {
     const char* const name = printable(filename);
     LIVE_TEXT("Parsing JSON file (\"%s\")...\n", name);
-    const File file(filename != nullptr ? std::fopen(filename, "r") : nullptr);
+    const File file = filename != nullptr ? open_for_reading(filename) : File();
     if (!file) {
         report_unopened(name);
         error = NOT_OPENED;
@@ -166,7 +182,7 @@ Text* field_of(LiveJSDataParser::treenode& node, const Value::Member& member) {
 }
 
 void read_action(const Value& action, unsigned int depth, LiveJSDataParser::actionnode& node) {
-    if (!action.IsObject()) throw __LINE__;
+    if (!action.IsObject()) throw Shape_error{__LINE__};
     write_text_of(action, "id", depth, node.id);
     write_text_of(action, "type", depth, node.type);
     const auto body = action.FindMember("action_body");
@@ -178,12 +194,19 @@ void read_action(const Value& action, unsigned int depth, LiveJSDataParser::acti
 
 }  // namespace
 
-// One run over a document on behalf of one operation, whose name its lines carry. Structural errors are
-// thrown as the number of the line that found them.
+// One run over a document on behalf of one operation, whose name its lines carry. It ends with the number of
+// the lines that it left out, if any.
 class __attribute__((visibility("hidden"))) LiveJSDataParser::Reader {
 public:
     Reader(LiveJSDataParser& parser, const char* operation)
-        : m_parser(parser), m_operation(operation), m_node_count(0), m_error(nullptr) {}
+        : m_parser(parser),
+          m_operation(operation),
+          m_node_count(0),
+          m_line_count(0),
+          m_error(nullptr) {}
+    ~Reader() { report_left_out(); }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
 
     void load();
     void clear_list();
@@ -200,6 +223,9 @@ public:
     const char* reason(int number);
 
 private:
+    // Whether the run may write one more line about a member.
+    bool has_line() { return ++m_line_count <= MAX_MEMBER_LINES; }
+    void report_left_out() const;
     void read_combo_box();
     displaylistStruct* report_combo_box(const char* why) const;
     int report_tree(const char* why) const;
@@ -216,6 +242,7 @@ private:
     LiveJSDataParser& m_parser;
     const char* const m_operation;
     std::size_t m_node_count;
+    std::size_t m_line_count;  // lines about members, also those that were left out
     const char* m_error;
     char m_number[32];
 };
@@ -227,7 +254,7 @@ void LiveJSDataParser::Reader::load() {
         std::snprintf(message, sizeof message,
                       "Could not create radpidJSON document [function=%s][line=%d]\n", m_operation,
                       __LINE__);
-        throw __LINE__;
+        throw Shape_error{__LINE__};
     }
 }
 
@@ -259,6 +286,13 @@ const char* LiveJSDataParser::Reader::reason(int number) {
     return m_number;
 }
 
+void LiveJSDataParser::Reader::report_left_out() const {
+    if (m_line_count > MAX_MEMBER_LINES) {
+        LIVE_ERROR(m_operation, "%zu more lines left out for jsonfile[%s]\n",
+                   m_line_count - MAX_MEMBER_LINES, printable(m_parser.filename));
+    }
+}
+
 void LiveJSDataParser::Reader::allocate_list(std::size_t size) {
     m_parser.dlistStruct->dlist = new char*[size]();
     m_parser.dlistStruct->size = static_cast<int>(size);
@@ -281,7 +315,7 @@ LiveJSDataParser::displaylistStruct* LiveJSDataParser::Reader::run_combo_box() t
     load();
     read_combo_box();
     return m_parser.dlistStruct;
-} catch (int number) {
+} catch (Shape_error number) {
     return report_combo_box(reason(number));
 } catch (const std::bad_alloc&) {
     return report_combo_box(NO_MEMORY);
@@ -289,7 +323,7 @@ LiveJSDataParser::displaylistStruct* LiveJSDataParser::Reader::run_combo_box() t
 
 void LiveJSDataParser::Reader::read_combo_box() {
     const Document& document = *m_parser.jsondocument;
-    if (!document.IsObject()) throw __LINE__;
+    if (!document.IsObject()) throw Shape_error{__LINE__};
     bool has_state = false;
     bool has_options = false;
     for (auto itr = document.MemberBegin(); itr != document.MemberEnd(); ++itr) {
@@ -310,19 +344,24 @@ void LiveJSDataParser::Reader::read_combo_box() {
 }
 
 void LiveJSDataParser::Reader::read_state(const Value& state) {
+    const bool reports = has_line();
     if (!state.IsObject() || !state.HasMember("value")) {
-        LIVE_LINE(m_operation, "state value not found in combobox jsonfile[%s]\n",
-                  m_parser.filename);
+        if (reports) {
+            LIVE_LINE(m_operation, "state value not found in combobox jsonfile[%s]\n",
+                      m_parser.filename);
+        }
         return;
     }
     const Value& value = state["value"];
     FRONTPANEL_ASSERT(value.IsString(), "itr->value[\"value\"].IsString()");
     m_parser.dlistStruct->state = to_state(value.GetString());
-    LIVE_LINE(m_operation, "cbnode->state[%d]\n", m_parser.dlistStruct->state);
+    if (reports) {
+        LIVE_LINE(m_operation, "cbnode->state[%d]\n", m_parser.dlistStruct->state);
+    }
 }
 
 void LiveJSDataParser::Reader::read_options(const Value& options) {
-    if (!options.IsArray()) throw __LINE__;
+    if (!options.IsArray()) throw Shape_error{__LINE__};
     const int state = m_parser.dlistStruct->state;
     clear_list();
     m_parser.dlistStruct->state = state;
@@ -347,9 +386,11 @@ char* LiveJSDataParser::Reader::read_option(const Value& option) {
         }
     }
     if (!has_value || label == nullptr || !label->IsString()) {
-        LIVE_ERROR(m_operation,
-                   "value/label not found inside option item in combobox jsonfile[%s]\n",
-                   m_parser.filename);
+        if (has_line()) {
+            LIVE_ERROR(m_operation,
+                       "value/label not found inside option item in combobox jsonfile[%s]\n",
+                       m_parser.filename);
+        }
         return nullptr;
     }
     return copy_text(label->GetString(), label->GetStringLength());
@@ -376,7 +417,7 @@ int LiveJSDataParser::Reader::run_tree(bool as_list) try {
         store_lines(lines);
     }
     return 0;
-} catch (int number) {
+} catch (Shape_error number) {
     return report_tree(reason(number));
 } catch (const std::bad_alloc&) {
     return report_tree(NO_MEMORY);
@@ -385,8 +426,8 @@ int LiveJSDataParser::Reader::run_tree(bool as_list) try {
 void LiveJSDataParser::Reader::read_tree(const Value& value, jsontree* node, unsigned int depth,
                                          std::vector<char*>& list) {
     m_parser.initialiseJT(node);
-    if (!value.IsObject()) throw __LINE__;
-    if (depth > MAX_DEPTH) throw __LINE__;
+    if (!value.IsObject()) throw Shape_error{__LINE__};
+    if (depth > MAX_DEPTH) throw Shape_error{__LINE__};
     for (const Value::Member& member : value.GetObject()) {
         read_member(member, node, depth, list);
     }
@@ -402,18 +443,18 @@ void LiveJSDataParser::Reader::read_member(const Value::Member& member, jsontree
         read_action(member.value, depth, node->action);
     } else if (is_named(member, "children")) {
         read_children(member.value, node, depth, list);
-    } else {
+    } else if (has_line()) {
         LIVE_ERROR(m_operation, "Unknown field[%s] in tree json file\n", member.name.GetString());
     }
 }
 
 void LiveJSDataParser::Reader::read_children(const Value& children, jsontree* node,
                                              unsigned int depth, std::vector<char*>& list) {
-    if (!children.IsArray()) throw __LINE__;
+    if (!children.IsArray()) throw Shape_error{__LINE__};
     // A second array would have to drop nodes that the list points into.
-    if (node->children != nullptr) throw __LINE__;
+    if (node->children != nullptr) throw Shape_error{__LINE__};
     m_node_count += children.Size();
-    if (m_node_count > MAX_NODES) throw __LINE__;
+    if (m_node_count > MAX_NODES) throw Shape_error{__LINE__};
     node->children = new treenode*[children.Size()]();
     node->size = static_cast<int>(children.Size());
     treenode** child = node->children;

@@ -1,8 +1,11 @@
 #include <frontpanel_data/live_data_parser.h>
 
+#include <sys/stat.h>
+
 #include <climits>
 #include <cstring>
 #include <memory>
+#include <type_traits>
 
 #include "livedata_support.h"
 #include "support/line_gates.h"
@@ -237,6 +240,29 @@ TEST(Live_data_parser, APipeIsNoDocument) {
     LiveJSDataParser parser(name.data(), LiveJSDataParser::COMBOBOX, 0);
     EXPECT_EQ(parser.parseComboBox(), nullptr);
     close(ends[0]);
+}
+
+// Without a writer, opening it to read would wait for one.
+TEST(Live_data_parser, AFifoIsNoDocumentAndIsNotWaitedFor) {
+    std::string name = ::testing::TempDir() + "livedata-fifo-" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+    LiveJSDataParser parser(name.data(), LiveJSDataParser::COMBOBOX, 0);
+    EXPECT_EQ(parser.ParseJSON(name.c_str()), nullptr);
+    EXPECT_EQ(message, "Could not parse JSON file \"" + name + "\"\n");
+    EXPECT_EQ(parser.parseComboBox(), nullptr);
+    unlink(name.c_str());
+}
+
+TEST(Live_data_parser, LeavesNoFileOpen) {
+    const int before = dup(0);
+    close(before);
+    Combo_box box("{}");
+    box.parser.parseComboBox();
+    char missing[] = "/nonexistent";
+    box.parser.ParseJSON(missing);
+    const int after = dup(0);
+    close(after);
+    EXPECT_EQ(after, before);
 }
 
 TEST(Live_data_parser, TheMessageIsCutToItsBuffer) {
@@ -608,6 +634,88 @@ TEST(Live_data_tree, AnUnknownMemberIsReportedAndSkipped) {
     EXPECT_EQ(take_system_log(), log);
 }
 
+constexpr std::size_t MOST_LINES = 32;
+
+TEST(Live_data_tree, OfManyUnknownMembersTheFirstAreReportedAndTheRestCounted) {
+    for (const std::size_t unknown : {MOST_LINES, MOST_LINES + 1, std::size_t{100000}}) {
+        SCOPED_TRACE(unknown);
+        std::string document = "{\"label\":\"Top\"";
+        for (std::size_t i = 0; i < unknown; ++i) {
+            document += ",\"u\":1";
+        }
+        Tree tree(document + "}");
+        const std::string out =
+            output_of(LIVE_DATA_MASK, [&] { EXPECT_THAT(tree.lines(), ElementsAre("Top")); });
+        Texts expected(MOST_LINES, std::string(LEAD) +
+                                       "[parseTreeAsList][#] Unknown field[u] in tree json file\n");
+        if (unknown > MOST_LINES) {
+            expected.push_back(std::string(LEAD) + "[parseTreeAsList][#] " +
+                               std::to_string(unknown - MOST_LINES) +
+                               " more lines left out for jsonfile[" + tree.name() + "]\n");
+        }
+        std::string lines = tree.parsing();
+        Texts log;
+        for (const std::string& line : expected) {
+            lines += line;
+            log.push_back("3 " + line);
+        }
+        EXPECT_EQ(out, lines);
+        EXPECT_EQ(take_system_log(), log);
+    }
+}
+
+TEST(Live_data_tree, ADocumentThatFailsCountsItsLinesAsWell) {
+    std::string document = "{";
+    for (std::size_t i = 0; i < MOST_LINES + 7; ++i) {
+        document += "\"u\":1,";
+    }
+    Tree tree(document + "\"children\":7}");
+    EXPECT_EQ(tree.parser.parseTree(), -1);
+    const Texts log = take_system_log();
+    ASSERT_EQ(log.size(), MOST_LINES + 2);
+    EXPECT_EQ(log[MOST_LINES], "3 " + tree.failure("parseTree", "Exception Nr.[#]"));
+    EXPECT_EQ(log.back(), "3 " + std::string(LEAD) + "[parseTree][#] 7 more lines left out for " +
+                              "jsonfile[" + tree.name() + "]\n");
+}
+
+TEST(Live_data_combo_box, OfManySkippedOptionsTheFirstAreReportedAndTheRestCounted) {
+    std::string document = "{\"options\":[{}";
+    for (std::size_t i = 1; i < MOST_LINES + 9; ++i) {
+        document += ",{}";
+    }
+    Combo_box box(document + "]}");
+    const List* const list = box.parser.parseComboBox();
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->size, static_cast<int>(MOST_LINES) + 9);
+    const Texts log = take_system_log();
+    ASSERT_EQ(log.size(), MOST_LINES + 1);
+    EXPECT_EQ(log.back(), "3 " + std::string(LEAD) + "[parseComboBox][#] 9 more lines left out " +
+                              "for jsonfile[" + box.name() + "]\n");
+}
+
+// The lines of states are no errors: only their number goes to the system log.
+TEST(Live_data_combo_box, OfManyStatesTheFirstAreReportedAndTheLastHolds) {
+    std::string document = "{";
+    for (std::size_t i = 0; i < MOST_LINES + 5; ++i) {
+        document += R"("state":{"value":"0"},)";
+    }
+    Combo_box box(document + R"("state":{"value":"1"},"options":[]})");
+    const List* list = nullptr;
+    const std::string out = output_of(LIVE_DATA_MASK, [&] { list = box.parser.parseComboBox(); });
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->state, 1);
+    const std::string line = std::string(LEAD) + "[parseComboBox][#] cbnode->state[0]\n";
+    std::string lines = box.parsing();
+    for (std::size_t i = 0; i < MOST_LINES; ++i) {
+        lines += line;
+    }
+    const std::string rest = std::string(LEAD) +
+                             "[parseComboBox][#] 6 more lines left out for jsonfile[" + box.name() +
+                             "]\n";
+    EXPECT_EQ(out, lines + rest);
+    EXPECT_THAT(take_system_log(), ElementsAre("3 " + rest));
+}
+
 TEST(Live_data_tree, ANodeOfAnotherShapeAbortsTheParse) {
     for (const char* document :
          {"[]", "5", "null", R"({"children":{}})", R"({"children":"x"})", R"({"children":null})",
@@ -797,7 +905,8 @@ TEST(Live_data_nodes, ABadShapeIsThrownAsALineNumber) {
     document.Parse(R"({"children":[{"children":7}]})");
     auto* const node = new LiveJSDataParser::treenode;
     std::vector<char*> list;
-    EXPECT_THROW(parser.parseEachSubTree(&document, node, 0, list), int);
+    static_assert(std::is_same_v<LiveJSDataParser::Shape_error, int>);
+    EXPECT_THROW(parser.parseEachSubTree(&document, node, 0, list), LiveJSDataParser::Shape_error);
     parser.deleteJT(node);
 }
 
