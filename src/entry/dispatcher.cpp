@@ -79,7 +79,11 @@ bool operate_on_housed(Call& call) {
     call.result =
         Entry::EntryTypeSpecificOperation(link->Get_housed_entry(), call.iface, call.selection,
                                           call.eval_binding, call.flags, call.link);
-    return call.iface != nullptr;
+    if (call.iface == nullptr) {
+        call.result = -1;  // also when it houses an entry whose type performs nothing
+        return false;
+    }
+    return true;
 }
 
 template <Entry* (Entry::*neighbour)() const>

@@ -63,6 +63,15 @@ TEST_F(Dispatched_link, WithoutAnInterfaceFailsAndEndsTheOperation) {
     EXPECT_EQ(log, Log{});
 }
 
+TEST_F(Dispatched_link, WithoutAnInterfaceFailsWhateverItHouses) {
+    housed.type = Data_entry::PANEL_HS;
+    EXPECT_EQ(support::capture(0, [&] { EXPECT_EQ(run(0x1 | 0x8), -1); }).err,
+              "Refresher::Refresh, unhandled type 8\n");
+    EXPECT_EQ(fetched, &untouched);
+    EXPECT_EQ(support::capture(0, [&] { EXPECT_EQ(run(0x1 | 0x8, &device), 0); }).err,
+              "Refresher::Refresh, unhandled type 8\n");
+}
+
 // The editor is that of the housed entry, which is what it edits.
 TEST_F(Dispatched_link, RunsTheWholeOperationOnTheHousedEntry) {
     support::Fake_range_editor editor(&log);
