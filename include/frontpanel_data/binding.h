@@ -16,8 +16,13 @@
 #include <frontpanel_data/export.h>
 
 // The kinds of suggestion, with the type that `Binding::getSuggestion` fills. Each is a bit of a mask.
+//
+// An enumerated entry asks for its allowed keys under the kind of ranges: it tests and clears SUGGESTION_RANGE
+// (`offersSuggestion`, `suggestionUpdated`, `clearSuggestion`) and reads SUGGESTION_KEYS (`getSuggestion`). So
+// an engine that suggests keys offers and updates SUGGESTION_RANGE. Keys that it marks only as SUGGESTION_KEYS
+// are never applied.
 enum Suggestion_kind {
-    SUGGESTION_VISIBILITY = 1,  // int; below 1 is hidden
+    SUGGESTION_VISIBILITY = 1,  // int; below 1 is hidden; never cleared
     SUGGESTION_RANGE = 2,  // std::vector<std::vector<int>>, each the two ends of a closed range
     SUGGESTION_KEYS = 4,   // std::vector<std::vector<int>>, the first holds the allowed enum keys
     SUGGESTION_SET = 8,    // std::vector<GetSetS>
@@ -27,10 +32,16 @@ enum Suggestion_kind {
 
 enum VIS_TYPE { VIS_FALSE = -1, VIS_TRUE = 1 };
 
+// The bits of the flags of `Binding::evaluateAllBindingExpressions`. A refresh sets the first alone; a value
+// that is tried (`Data_entry::Set_value`) sets both.
+enum Evaluation_flag {
+    EVALUATION_UPDATE = 0x1,   // update the suggestions
+    EVALUATION_OVERRIDE = 0x4  // evaluate against the override
+};
+
 class FRONTPANEL_DATA_EXPORT Binding {
 public:
-    // Flags of `evaluateAllBindingExpressions`: bit 1 updates the suggestions, bit 4 evaluates against the
-    // override.
+    // EVALUATION_UPDATE, the flags of a refresh.
     static const int EXECUTE_FLAG;
 
     Binding();
@@ -46,13 +57,15 @@ public:
     virtual void setDataEntry(Data_entry* entry) = 0;
     virtual void addBindingList(BindingListT list) = 0;
     virtual int numBindingLists() = 0;
-    // Evaluates every expression. `*flags` is the caller's copy and may be changed.
+    // Evaluates every expression. `*flags` holds bits of `Evaluation_flag`; it is the caller's copy and may be
+    // changed.
     virtual int evaluateAllBindingExpressions(int* flags) = 0;
     // Print and forget the errors of the last evaluation.
     virtual int printBindErrors() = 0;
     virtual void clearBindErrors() = 0;
     virtual void printSuggestions() = 0;
-    // Whether the engine can make this kind of suggestion at all.
+    // Whether the engine can make this kind of suggestion at all. An enumerated entry asks for SUGGESTION_RANGE
+    // when it means its keys, here, in `suggestionUpdated` and in `clearSuggestion`.
     virtual bool offersSuggestion(int mask) = 0;
     // Whether that suggestion changed since it was last cleared.
     virtual bool suggestionUpdated(int mask) = 0;

@@ -18,10 +18,36 @@ inline constexpr int MAX_STRING_LENGTH = 256;
 // Selects the low byte of an integer.
 inline constexpr int BYTE_MASK = 255;
 
+// The bits of `debug`: the categories of diagnostic lines and the verbosity. A category holds the general bit
+// and bits of its own, which some categories share.
+enum Diagnostic_mask : uint32_t {
+    DIAGNOSTIC_GENERAL = 0x1,     // selects every category
+    DIAGNOSTIC_MODEL_READ = 0x3,  // values read from a model
+    DIAGNOSTIC_COMMIT = 0x5,      // numbers, texts and slot selections written to the device
+    DIAGNOSTIC_OPTIONS = 0x11,    // product options
+    DIAGNOSTIC_BINDING = 0x21,    // bindings, their suggestions and dependants
+    DIAGNOSTIC_WRITE = 0x25,      // values set in a model or tried against a binding
+    DIAGNOSTIC_ENTRY_REFRESH = 0x35,
+    DIAGNOSTIC_CONSTRUCTION = 0x101,
+    DIAGNOSTIC_VISIBILITY = 0x401,
+    DIAGNOSTIC_BINDING_VISIBILITY = 0x421,
+    DIAGNOSTIC_REFRESH = 0x10001,   // texts, slot lists, and refreshes through the dispatcher
+    DIAGNOSTIC_DISPATCH = 0x10431,  // each operation of the dispatcher
+    DIAGNOSTIC_LINK_NAVIGATION = 0x80001,
+    DIAGNOSTIC_SHORTCUT = 0x200001,
+    DIAGNOSTIC_LINK_VISIBILITY = 0x400001,  // toggles included
+    DIAGNOSTIC_LINK_CREATION = 0x480001,
+    DIAGNOSTIC_LIVE_DATA = 0x1000001,
+
+    DIAGNOSTIC_QUIET = 0x4000,   // verbosity, see `debug`
+    DIAGNOSTIC_VERBOSE = 0x8000  // likewise
+};
+
 // Selects diagnostic output on standard output; 0 (the start value) is silent. A line prints when the word
-// shares a bit with the line's mask and the verbosity bits allow it: most lines are quiet while bit 0x4000
-// is set and bit 0x8000 is clear; the lines of entry refresh, set and visibility need one of the two bits.
-// Read without locking.
+// shares a bit with the line's category and the verbosity bits allow it: most lines are quiet while
+// DIAGNOSTIC_QUIET is set and DIAGNOSTIC_VERBOSE is clear; the lines of entry refresh, set and visibility
+// need one of the two. To select one category without the general lines, clear the general bit, as in
+// `DIAGNOSTIC_SHORTCUT & ~DIAGNOSTIC_GENERAL`; categories that share another bit print too. Not locked.
 extern FRONTPANEL_DATA_EXPORT uint32_t debug;
 
 // Tells an application that keeps the diagnostic output which lines are which: called with a line's mask
@@ -32,8 +58,8 @@ extern FRONTPANEL_DATA_EXPORT void (*debug_listener)(uint32_t mask);
 
 // The index of a parameter: which of several equal parameters is meant (a channel, a card, ...).
 struct Index_t {
-    uint32_t m_index_num;  // levels in use, 0 to 8
-    uint16_t m_index[8];   // level 0 first
+    uint32_t m_index_num = 0;  // levels in use, 0 to 8
+    uint16_t m_index[8] = {};  // level 0 first
 };
 
 // Equal when the same number of levels is in use and these levels are equal; unused levels do not count.
@@ -52,8 +78,8 @@ typedef return_s return_t;
 
 // Names one parameter instance.
 struct var_index_s {
-    RETURN_TYPE rt;
-    uint32_t var;  // parameter id
+    RETURN_TYPE rt = INVALID_TYPE;
+    uint32_t var = 0;  // parameter id
     Index_t index;
 };
 typedef var_index_s var_and_index_t;
@@ -66,11 +92,11 @@ struct FRONTPANEL_DATA_EXPORT cmp_var_index_t {
 
 // One parameter write that a binding engine asks an entry to perform.
 struct GetSetS {
-    uint32_t varid;
-    uint32_t varidx;  // as `Data_model::Index_convert` makes it
-    RETURN_TYPE rt;
-    unsigned char buffer[128];  // a 32-bit integer or the characters of a text
-    uint32_t length;            // meaningful bytes of `buffer`, at most 128
+    uint32_t varid = 0;
+    uint32_t varidx = 0;  // as `Data_model::Index_convert` makes it
+    RETURN_TYPE rt = INVALID_TYPE;
+    unsigned char buffer[128] = {};  // a 32-bit integer or the characters of a text
+    uint32_t length = 0;             // meaningful bytes of `buffer`, at most 128
 };
 
 // Equal when the same bytes go to the same parameter.

@@ -105,7 +105,7 @@ public:
     // `position` counts from the right end of the text, 0 is its last character. Steps that character by
     // `value`; INVALID, and the text unchanged, when the result is not printable. A position left of the text
     // pads it with blanks on the left, one right of it (negative) on the right, without stepping; INVALID
-    // when the text would exceed its maximum.
+    // when the text would exceed its maximum, and on the left also when it would reach it exactly.
     int Inc_value(int value, int position) override;
     // A window for scrolling: `length` characters from `offset` (from 0 when it lies beyond the text), going
     // on after one blank at the start of the text. Writes no terminator. A text shorter than `length` is

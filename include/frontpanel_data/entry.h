@@ -84,7 +84,8 @@ public:
 
     // The order of the virtual operations below is a binary contract: never insert, remove or reorder.
 
-    // One line that describes the entry; with bit 0x8 of `flags` only its name and a blank.
+    // One line that describes the entry; with bit 0x8 of `flags` only its name and a blank. The report of a
+    // range entry consumes the binding's range suggestion.
     virtual std::string getProperties(int flags);
 
     // The static tree; null where there is none.
@@ -236,45 +237,54 @@ public:
     virtual void Set_entry_visible(int visible);
     virtual int Get_entry_visible() const;
 
-    // Flag bits of `EntryTypeSpecificOperation`. Bits without a name here do nothing.
+    // Flag bits of `EntryTypeSpecificOperation`. Bits without a name here do nothing. The comment is what the
+    // step does with `*flag_specific`; a step without one ignores it.
     enum Operation_flag {
         OPERATION_REFRESH = 0x1,
         OPERATION_PREPARE = 0x2,
-        OPERATION_PARENT = 0x8,
-        OPERATION_PARENT_LINK = 0x10,
-        OPERATION_CHILD = 0x20,
-        OPERATION_CHILD_LINK = 0x40,
-        OPERATION_PREVIOUS = 0x80,
-        OPERATION_NEXT = 0x100,
-        OPERATION_SET_PARENT = 0x200,
-        OPERATION_SET_CHILD = 0x400,
+        OPERATION_PARENT = 0x8,        // delivers the parent; of a mount link, leaves its menu
+        OPERATION_PARENT_LINK = 0x10,  // delivers the parent; of a link, the one that was set
+        OPERATION_CHILD = 0x20,        // delivers the first child; of a mount link, enters its menu
+        OPERATION_CHILD_LINK = 0x40,   // delivers the first child; of a link, the one that was set
+        OPERATION_PREVIOUS = 0x80,     // delivers the previous sibling
+        OPERATION_NEXT = 0x100,        // delivers the next sibling
+        OPERATION_SET_PARENT = 0x200,  // takes the new parent, or null
+        OPERATION_SET_CHILD = 0x400,   // takes the new first child, or null
         OPERATION_EXIT_LEDS = 0x1000,
-        OPERATION_ESCAPE = 0x2000,
-        OPERATION_SET_ESCAPE_ENTRY = 0x8000,
-        OPERATION_SET_SELECT_ENTRY = 0x10000,
-        OPERATION_SET_SELECTED = 0x20000,
-        OPERATION_SET_SELECTED_LINE = 0x40000,
-        OPERATION_SET_USE_LINE_INFO = 0x80000,
+        OPERATION_ESCAPE = 0x2000,              // delivers the parent, or the entry itself to stay
+        OPERATION_SET_ESCAPE_ENTRY = 0x8000,    // takes an entry, or null
+        OPERATION_SET_SELECT_ENTRY = 0x10000,   // takes an entry, or null
+        OPERATION_SET_SELECTED = 0x20000,       // takes the address of an int32_t
+        OPERATION_SET_SELECTED_LINE = 0x40000,  // takes the address of an int32_t
+        OPERATION_SET_USE_LINE_INFO = 0x80000,  // takes the address of a one-byte flag
         OPERATION_COARSER_STEP = 0x100000,
         OPERATION_FINER_STEP = 0x200000,
-        OPERATION_DYNAMIC = 0x400000
+        OPERATION_DYNAMIC = 0x400000  // with PREVIOUS or NEXT: the dynamic sibling
     };
 
     // Performs, in the way that suits the entry's type, every step whose bit is set in `flags`: refresh;
-    // deliver parent, child, previous or next (with OPERATION_DYNAMIC the dynamic sibling) in
-    // `*flag_specific`; set parent or child from it; leave, step and open the editor. Steps run in a fixed
-    // order of their own, with opening the editor last. A step that needs `flag_specific` or an editor that
-    // is not given, or is an editor for another type, is skipped.
+    // deliver a neighbour; set parent or child; leave, step and open the editor. Steps run in a fixed order:
+    // the refresh; parent, child, previous and next; setting parent and child; leaving the editor and its
+    // entries; steps; line information before the selected option and its line; opening the editor. A step
+    // that needs `flag_specific` or an editor that is not given, or is an editor for another type, is skipped.
     //
-    // `specific_selection_obj` is null or points to a `Selection`. `*flag_specific` is a `Data_entry*`, or
-    // points to the int32_t or the one-byte flag that an editor step reads. Returns the result of the refresh
-    // (0 when none was asked); -1 for a null entry, and for a refresh without interface, after which no other
-    // step is made.
+    // `specific_selection_obj` is null or points to a `Selection`. Returns the result of the refresh (0 when
+    // none was asked); -1 for a null entry, and for a refresh without interface, after which no other step is
+    // made.
     //
-    // A refresh of a link runs the whole operation on the entry it houses and returns its result; the link's
-    // own steps follow, so that a neighbour delivered is the link's. Without a housed entry the refresh is
-    // -1 and the steps follow all the same. Of a link, OPERATION_PARENT and OPERATION_CHILD leave and enter
-    // a mounted menu, while the forms with _LINK deliver only what was set. A link has no dynamic siblings.
+    // All steps share the one `*flag_specific`, which a `Data_entry*` or an address fills: `Operation_flag`
+    // lists which. Therefore:
+    // - Of several steps that deliver, the last one in the order above wins. On a link both forms run, and the
+    //   form with _LINK wins.
+    // - A step that takes an entry takes what a step before it delivered.
+    // - Requires: the steps that take an address (0x20000, 0x40000, 0x80000) stand with no step that delivers
+    //   or takes an entry: they would read the entry as a number. Two of them in one call read one address.
+    //
+    // A refresh of a link runs the whole operation, with all its steps and the same `*flag_specific`, on the
+    // entry it houses and returns its result; the link's own steps follow, so that a neighbour delivered is
+    // the link's, and setting parent or child sets both entries'. Without a housed entry the refresh is -1 and
+    // the steps follow all the same. Editor steps reach the housed entry only in this way. A link has no
+    // dynamic siblings.
     static int EntryTypeSpecificOperation(Data_entry* data_entry, Data_interface* m_pDataAccessInf,
                                           void* specific_selection_obj, bool eval_binding,
                                           int flags, void** flag_specific);

@@ -51,8 +51,8 @@ public:
     // The text of the current option, as the operation with a position shows it.
     int Get_display_string(char* buffer, unsigned int length) override;
     // Delivers the visible position of the current option, or `Get_min()` when it is hidden or the position
-    // is outside `Get_min()` to `Get_max()`. At most 4 bytes are written; neither argument may be null or 0
-    // (asserted). Returns 0.
+    // is outside `Get_min()` to `Get_max()`, which are keys. At most 4 bytes are written; neither argument may
+    // be null or 0 (asserted). Returns 0.
     int Get_value(void* value, unsigned int length) override;
     // Selects the option at a visible position, an int of which at most 4 bytes are read. Nothing is sent to
     // the device. 1, and the selection is as before, when there is no such position, the binding warns of
@@ -71,7 +71,9 @@ public:
     // position and key of the model. The number of keys stays: a key beyond the list shows as "-". Texts
     // that came from a card are freed.
     void Update_value(char** enum_array, int size) override;
-    // The smallest and the largest allowed key.
+    // The smallest and the largest allowed key. `Get_value`, the display with a position and `Refresh` compare
+    // visible positions with these keys, on purpose: with a smallest key above 0, a lower position counts as
+    // `Get_min()`.
     int Get_min() const override;
     int Get_max() const override;
 
@@ -92,8 +94,8 @@ public:
     virtual int updateControlOptionMap();
     // The keys that have a control option which holds, in ascending order.
     virtual ControlsT optionControls();
-    // The keys that the binding last allowed; a new suggestion is consumed. `use_binding` tells whether the
-    // binding can suggest keys at all.
+    // The keys that the binding last allowed; a new suggestion is consumed. The binding is asked for them
+    // under SUGGESTION_RANGE, see `Suggestion_kind`. `use_binding` receives whether it can suggest keys at all.
     virtual ControlsT bindingControls(bool& use_binding);
     // The keys in all of the lists that are used, in ascending order; none when neither is used.
     virtual ControlsT commonControls(std::vector<int> op, bool use_op, std::vector<int> bind,
@@ -101,7 +103,9 @@ public:
     // Writes the selected key to the device, or posts it to the card for live data, then refreshes every
     // entry whose binding depends on it. Returns the result of the write: 0, ERROR, or for live data the
     // status of writing the document to post (the post itself is not reported). Live data that was read-only
-    // at construction is not written.
+    // at construction is not written. Before and after each dependant a line that ends in "here 14" goes to
+    // standard output, whatever `debug` holds. A parameter that the binding's map lacks is added to it with an
+    // empty record.
     virtual int Commit(Data_interface* pDataAccessInf);
     // Null when the entry has no live data.
     virtual Live_Data_Processor* GetLiveDataProcessor();

@@ -51,9 +51,10 @@ public:
     explicit Link_entry(Data_entry* housed_entry);
     ~Link_entry() override;
 
-    // Forwarded to the housed entry, unless told otherwise below. Children attached to a link become
-    // children of the housed entry, and attaching a link attaches the housed entry. A link takes its place by
-    // `Set_parent`, `Set_next` and the like.
+    // Forwarded to the housed entry, unless told otherwise below. `Add_child`, `Attach` and `Remove` are
+    // forwarded too: children attached to a link become children of the housed entry, and attaching a link
+    // attaches the housed entry. A link takes its place by `Set_parent`, `Set_next`, `Set_previous` and
+    // `Set_child`. The menu's `Add_child(link)` only puts it on the menu's list and is no substitute for them.
 
     Entry_type Get_entry_type() const override;  // LINK_ENTRY
     // INVALID_TYPE without a housed entry.
@@ -79,7 +80,7 @@ public:
     int setProductOptions(std::map<std::string, unsigned int> options) override;
     int isVisible() override;  // isVisible(false, null)
     // 1 when the housed entry is visible and the toggle of a homescreen entry is on, else -1; the setup link
-    // is always visible. `Set_visible(bool)` takes no part.
+    // is always visible. `Set_visible(bool)` takes no part: to hide a link, hide the housed entry.
     int isVisible(bool if_control_refresh, Data_interface* m_pDataAccessInf) override;
     int Get_value(void* buffer, unsigned int length) override;
     int Set_value(const void* buffer, unsigned int length) override;
@@ -114,12 +115,17 @@ public:
     // Stores a destination for every bit of `Escape_code` that is set.
     virtual void Set_escape_node(int coming_from, Data_entry* teleport_destination);
     virtual Data_entry* Get_housed_entry();
-    // A flag of the link's own, which takes no part in `isVisible`. Returns the previous value.
+    // Stores a flag of the link's own for the application. Does not hide or show the link: no operation of the
+    // library asks for the flag. (`Set_invisible` hides the housed entry, wherever it stands.) Returns the
+    // previous value.
     virtual bool Set_visible(bool visible);
     // The neighbour that was set, else the housed entry's; null without a housed entry. Entering a mount link
     // (`Get_child`) builds its menu and delivers the first entry, or the link's parent when none is built;
     // leaving it (`Get_parent`) takes the menu down and delivers the link's parent. Each call builds or takes
-    // down anew, so callers pair them. Without its callback a mount link reports it and delivers null.
+    // down anew, so callers pair them: `Get_parent` of a mount link whose menu is already down runs the
+    // callback once more, and delivers the same parent (null unless `Set_parent` set one, never the housed
+    // entry's). `Get_parent_link` asks without that. Without its callback a mount link reports it and delivers
+    // null.
     virtual Data_entry* Get_next();
     virtual Data_entry* Get_previous();
     // Only what was set, whatever the role of the link.
@@ -142,7 +148,10 @@ public:
     // reported on standard error.
     virtual int CheckToggleState();
     // Copies the cached integer of a parameter that the toggle expression names to `buffer`, at most 4 bytes;
-    // what follows up to `length` is cleared. 0, or -1 and all cleared for a name without such a value.
+    // what follows up to `length` is cleared. 0, or -1 and all cleared for a name without such a value. That
+    // is then printed to standard output whatever `debug` holds ("[NOT FOUND]", "[NOT INTEGER RETURN]"), with
+    // each call. An unknown name is kept as the name of an empty key, which `Get_var_index_map_keys` of a
+    // homescreen entry lists from then on.
     virtual int GetGetRequest(std::string name, void* buffer, int length);
     virtual int* Get_value_visible_mask();
     virtual int Get_min();
@@ -168,8 +177,8 @@ public:
     virtual int getBehaviour();
     // Stores LINK_STAY or LINK_SKIP and nothing else. Returns the previous behaviour.
     virtual int setBehaviour(int stay_or_skip);
-    // Whether `Get_parent` answers with the link's own parent: after `Set_parent`, until a mounted menu is
-    // left.
+    // Whether a parent was set: true after `Set_parent`, false again once a mounted menu was left. Then
+    // `Get_parent` of a mount link still delivers the parent that was set.
     virtual bool isValidParentLink();
 
 protected:

@@ -9,7 +9,10 @@
 
 #include <frontpanel_data/export.h>
 
-// The last error text of the live-data classes, cut to fit and zero-terminated; empty until an error occurs.
+// The error text of the last document that could not be read, cut to fit and zero-terminated. Empty until
+// then, and never cleared. Two failures set it: `ParseJSON` cannot open the file, or cannot parse it (a document
+// beyond the limits included); and a parse operation cannot read its document, which replaces that text by one
+// that names the operation. Documents of the wrong shape, transfers and posts leave it as it was.
 extern FRONTPANEL_DATA_EXPORT char message[150];
 
 class FRONTPANEL_DATA_EXPORT LiveJSDataParser {
@@ -60,10 +63,15 @@ public:
     LiveJSDataParser(const LiveJSDataParser&) = delete;
     LiveJSDataParser& operator=(const LiveJSDataParser&) = delete;
 
-    // Reads a regular file of at most 64 MiB and six million values. The caller owns the result, which needs
-    // the file no longer, and hands it to `FreeDocument`. Null when the file cannot be opened or is not one
-    // JSON text; `message` then says which.
+    // Reads a regular file of at most 64 MiB. It may hold 6 x 2^20 (6,291,456) of the characters that can begin
+    // a value or a member: comma, colon, opening bracket and opening brace, those within texts included. The
+    // caller owns the result, which needs the file no longer, and hands it to `FreeDocument`. Null when the file
+    // cannot be opened, is not one JSON text or is beyond the limits; `message` then reports that it could not
+    // be opened, or else that it could not be parsed. Waits for no FIFO: that reads as an empty file.
     rapidjson::Document* ParseJSON(const char* filename);
+
+    // Each of the following writes at most 32 lines about single members of its document, and then one with
+    // the number of those that it left out.
 
     // Reads the options of a combo-box document. The list belongs to the parser and is valid until the next
     // parse; to keep its texts, take `dlist` and leave null and a `size` of 0. `state` is not checked
@@ -72,16 +80,18 @@ public:
     displaylistStruct* parseComboBox();
 
     // Reads a tree document into a list, in document order; `state` is 0. Ownership as for `parseComboBox`.
-    // Null on failure, also for a tree deeper than 255 levels or of more than 65536 nodes.
+    // Null on failure, also for a tree of more than 255 levels or 65536 nodes. The root counts as neither: its
+    // children are the first level.
     displaylistStruct* parseTreeAsList();
 
     // Reads a tree document into nodes alone. 0, or -1 on failure.
     int parseTree();
 
     // Reads one object and what is below it into `node`, which is initialised first, and appends a pointer
-    // to each text of a node to `list`; the pointers live as long as the nodes. `depth` is 0 at the root.
-    // Does nothing without a node, and only initialises it without a value. Throws an int (a line number)
-    // when an object has the wrong shape; what was read until then can be released.
+    // to each text of a node to `list`; the pointers live as long as the nodes. `depth` is 0 at the root; 255
+    // is the deepest that may be read. Does nothing without a node, and only initialises it without a value.
+    // Throws `Shape_error` when an object has the wrong shape or the tree exceeds a limit; what was read until
+    // then can be released.
     void parseEachSubTree(const rapidjson::Value* value, jsontree* node, unsigned int depth,
                           std::vector<char*>& list);
 

@@ -17,7 +17,8 @@ public:
 
     // Points the processor at the card in `slot`. `local` other than 0: the service of this unit, `ip` is
     // ignored. Otherwise `ip` is copied: a dotted IPv4 address with an optional ":port", at most 15
-    // characters. A null or longer text leaves no address, and every transfer fails until the next call.
+    // characters. It may be the processor's own. A null or longer text leaves no address, and every transfer
+    // fails until the next call.
     void updateLDP(int local, char* ip, int slot);
 
     // Fetches the document of `varId`. `dataformat` is one letter or digit that the card understands.

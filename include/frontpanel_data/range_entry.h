@@ -36,8 +36,9 @@ enum RANGE_TYPE { RANGE_TYPE_INVALID = -1, RANGE_TYPE_RANGE = 0, RANGE_TYPE_ENUM
 class FRONTPANEL_DATA_EXPORT Range_entry : public Data_entry {
 public:
     // `min` <= `default_value` <= `max` (asserted); neither format may be null (asserted), and both are
-    // copied. Call `setValidRangeAndValues` before the first refresh of an entry whose binding suggests
-    // ranges.
+    // copied. Requires: `setValidRangeAndValues` is called before the first refresh of an entry whose binding
+    // suggests ranges. Without it a suggestion allows no value, and the refresh writes the lowest `int` to the
+    // device.
     //
     // `val_fmt` is an expression in the variable "v", the raw value; its result is the number shown. `fmt` is
     // the printf format of that number, with at most one conversion (flags, width and precision of up to
@@ -56,8 +57,8 @@ public:
                 Data_entry* previous, Data_entry* child);
     ~Range_entry() override;
 
-    // The base's line followed by the allowed ranges with inclusive ends and their options, after a fresh
-    // suggestion of the binding has been applied.
+    // The base's line followed by the allowed ranges with inclusive ends and their options. A new suggestion
+    // of the binding is applied before, and thereby consumed, as by `updateRange`.
     std::string getProperties(int flags) override;
     Entry_type Get_entry_type() const override;
     RETURN_TYPE Get_return_type_int_or_string() const override;
@@ -70,8 +71,13 @@ public:
     int Set_value(const void* buffer, unsigned int length) override;
     // Reads the value from the device and lets the binding narrow the bounds; `eval_binding` has it evaluate
     // its expressions first. A value outside the bounds is replaced by the nearer bound (the lower one counts
-    // as nearer unless the value is above the upper one) and committed: the result is then 1, and the device
-    // holds another value than before. Otherwise 0, or the error of the read. The interface must not be null.
+    // as nearer unless the value is above the upper one) and committed. A binding that warns of the bound
+    // keeps the value from being replaced: the old one is then committed. While no value is allowed the bounds
+    // are crossed, and the lowest `int` is committed (for the lowest `int` itself, the highest).
+    //
+    // Returns 0, or 1 for two reasons: the read failed, and nothing else was done; or the value was outside
+    // the bounds, and a value was committed. The result of that write is not reported. The interface must not
+    // be null.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
     // Steps the value within the constructor's bounds; `position` is not used.
     int Inc_value(int value, int position) override;
@@ -94,29 +100,33 @@ public:
     // As above, for `override_value`.
     virtual int Get_display_string(char* buffer, unsigned int length, int override_value);
     // Writes the value to the device, then refreshes every entry whose binding depends on it. Returns the
-    // result of the write, ERROR when it failed; the dependants are refreshed all the same. The interface
-    // must not be null.
+    // result of the write, ERROR when it failed; the dependants are refreshed all the same. Before and after
+    // each of them a line that ends in "here 14" goes to standard output, whatever `debug` holds. A parameter
+    // that the binding's map lacks is added to it with an empty record. The interface must not be null.
     virtual int Commit(Data_interface* pDataAccessInf);
     // The lowest and the highest allowed value. When nothing is allowed, the largest and the smallest `int`.
     virtual int Get_min();
     virtual int Get_max();
     // Installs the allowed ranges, drops those whose options do not hold (call it after
     // `setProductOptions`) and sets the bounds. A suggestion that is new narrows them at once; one that was
-    // consumed before does not, until the binding suggests again. Returns 0.
+    // consumed before does not, until the binding suggests again. Until this is called there are no ranges,
+    // and a suggestion allows no value: see the constructor. Returns 0.
     virtual int setValidRangeAndValues(std::vector<range_s> ranges);
     // Drops the installed ranges none of whose options holds and sets the bounds from the others, without
     // taking the mutex. Returns 0.
     virtual int evaluateOptions();
-    // Cuts the allowed ranges to those that the binding newly suggests and sets the bounds; without a new
-    // suggestion everything stays as it is. When they have nothing in common no value is allowed. Returns 0.
+    // Cuts the allowed ranges to those that the binding newly suggests, which consumes the suggestion, and
+    // sets the bounds; without a new suggestion everything stays as it is. When they have nothing in common no
+    // value is allowed. Returns 0.
     virtual int updateRange();
     // The value that an editor moves to from `old_value` when the user asks for `new_value`: `new_value`,
     // limited to the bounds after a new suggestion of the binding has been applied. A value in a gap between
     // two ranges is allowed.
     virtual int increment(int old_value, int new_value);
 
-    // The ranges that the binding newly suggests, which marks the suggestion as consumed; empty when there is
-    // none. A suggestion that is not a pair of numbers is reported and left out.
+    // The ranges that the binding newly suggests; empty when there are none. This consumes the suggestion: it
+    // no longer narrows the bounds of this entry, unless the caller hands the ranges on. A suggestion that is
+    // not a pair of numbers is reported and left out.
     std::vector<range_s> getBindingRange();
 
 protected:

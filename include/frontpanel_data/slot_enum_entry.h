@@ -36,13 +36,15 @@ public:
     Entry_type Get_entry_type() const override;
     RETURN_TYPE Get_return_type_int_or_string() const override;
     // Without an address entry, as `Enum_entry`. With one, its address as `Ip_entry::Get_display_string`
-    // shows it, which is also remembered for `Commit`: `buffer` holds `length` + 1 bytes, and neither
-    // argument may be null or 0 (asserted).
+    // shows it. What `Commit` writes is remembered here: the address from its start, cut to `length`
+    // characters, so a line that is too short for it commits a cut address. `buffer` holds `length` + 1 bytes,
+    // and neither argument may be null or 0 (asserted).
     int Get_display_string(char* buffer, unsigned int length) override;
     // As below, with the panel at the top of the list.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
-    // With an address entry and any pid but 65544, writes the address that was last shown to this entry's
-    // parameter. Otherwise commits the selected slot as `Enum_entry` does. Returns the result of the write.
+    // With an address entry and any pid but 65544, writes the address that was last shown, as far as it was
+    // shown, to this entry's parameter; before the first display, an empty text. That refreshes no dependants.
+    // Otherwise commits the selected slot as `Enum_entry` does. Returns the result of the write.
     int Commit(Data_interface* pDataAccessInf) override;
 
     // The order of the virtual operations below is a binary contract: never insert, remove or reorder.

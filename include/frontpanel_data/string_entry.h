@@ -44,14 +44,16 @@ public:
     int Set_value(const void* buffer, unsigned int length) override;
     // Reads the text from the device, then applies the binding. 0, or 1 when the read failed.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
-    // Steps the character at `position` from the right end, or widens the text: see `String_model`.
+    // Steps the character at `position` from the right end, or widens the text, on the left to less than its
+    // maximum: see `String_model`.
     int Inc_value(int value, int position) override;
 
     // A window of `length` characters from `offset`, going on after one blank at the start of the text,
     // without terminator. 0, or 1 when the model fails.
     virtual int Get_value(void* buffer, unsigned int length, unsigned int offset);
     // Writes the text, then refreshes the entries whose bindings depend on it, whether the write succeeded
-    // or not. Returns the write's result: 0, or 1.
+    // or not. Before and after each of them a line that ends in "here 14" goes to standard output, whatever
+    // `debug` holds. The binding's map stays as it is. Returns the write's result: 0, or 1.
     virtual int Commit(Data_interface* pDataAccessInf);
 
     // The most characters that the text can have.

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-const int Binding::EXECUTE_FLAG = 1;
+const int Binding::EXECUTE_FLAG = EVALUATION_UPDATE;
 
 Binding::Binding() : self_control_info() {}
 

@@ -9,8 +9,7 @@
 
 namespace {
 
-// Updates the suggestions (1) against the overridden parameter (4).
-constexpr int TRY_FLAGS = 5;
+constexpr int TRY_FLAGS = EVALUATION_UPDATE | EVALUATION_OVERRIDE;
 
 return_s value_for_binding(RETURN_TYPE type, const void* buffer, unsigned int length) {
     return_s value;

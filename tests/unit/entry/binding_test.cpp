@@ -22,6 +22,8 @@ TEST(SuggestionKinds, HaveTheValuesThatEnginesWereBuiltWith) {
     EXPECT_EQ(SUGGESTION_ACCESS, 32);
     EXPECT_EQ(VIS_FALSE, -1);
     EXPECT_EQ(VIS_TRUE, 1);
+    EXPECT_EQ(EVALUATION_UPDATE, 1);
+    EXPECT_EQ(EVALUATION_OVERRIDE, 4);
     EXPECT_EQ(Binding::EXECUTE_FLAG, 1);
 }
 

@@ -3,7 +3,11 @@
 #include <frontpanel_data/entry.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <map>
+#include <new>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "support/fake_binding.h"
@@ -202,6 +206,92 @@ TEST(Constants, HaveTheValuesThatClientsWereBuiltWith) {
     EXPECT_EQ(INVALID_TYPE, 0);
     EXPECT_EQ(INTEGER, 1);
     EXPECT_EQ(STRING, 2);
+}
+
+TEST(DiagnosticMask, NamesTheCategoriesAndTheVerbosityOfLines) {
+    const std::pair<uint32_t, uint32_t> masks[] = {
+        {DIAGNOSTIC_GENERAL, 0x1},
+        {DIAGNOSTIC_MODEL_READ, 0x3},
+        {DIAGNOSTIC_COMMIT, 0x5},
+        {DIAGNOSTIC_OPTIONS, 0x11},
+        {DIAGNOSTIC_BINDING, 0x21},
+        {DIAGNOSTIC_WRITE, 0x25},
+        {DIAGNOSTIC_ENTRY_REFRESH, 0x35},
+        {DIAGNOSTIC_CONSTRUCTION, 0x101},
+        {DIAGNOSTIC_VISIBILITY, 0x401},
+        {DIAGNOSTIC_BINDING_VISIBILITY, 0x421},
+        {DIAGNOSTIC_REFRESH, 0x10001},
+        {DIAGNOSTIC_DISPATCH, 0x10431},
+        {DIAGNOSTIC_LINK_NAVIGATION, 0x80001},
+        {DIAGNOSTIC_SHORTCUT, 0x200001},
+        {DIAGNOSTIC_LINK_VISIBILITY, 0x400001},
+        {DIAGNOSTIC_LINK_CREATION, 0x480001},
+        {DIAGNOSTIC_LIVE_DATA, 0x1000001},
+        {DIAGNOSTIC_QUIET, 0x4000},
+        {DIAGNOSTIC_VERBOSE, 0x8000},
+    };
+    for (const auto& [name, value] : masks) {
+        EXPECT_EQ(name, value);
+    }
+}
+
+TEST(DiagnosticMask, OneCategoryIsSelectedWithoutTheGeneralBit) {
+    const uint32_t shortcuts = DIAGNOSTIC_SHORTCUT & ~DIAGNOSTIC_GENERAL;
+    EXPECT_EQ(shortcuts & DIAGNOSTIC_LINK_NAVIGATION, 0u);
+    EXPECT_NE(shortcuts & DIAGNOSTIC_SHORTCUT, 0u);
+}
+
+// A record made where other values stood, as on a stack.
+template <class Record>
+class On_used_memory {
+public:
+    On_used_memory() {
+        std::memset(m_memory, 0xA5, sizeof m_memory);
+        m_record = new (m_memory) Record;
+    }
+    const Record* operator->() const { return m_record; }
+
+private:
+    alignas(Record) unsigned char m_memory[sizeof(Record)];
+    Record* m_record;
+};
+
+void expect_empty(const Index_t& index) {
+    EXPECT_EQ(index.m_index_num, 0u);
+    for (const uint16_t level : index.m_index) {
+        EXPECT_EQ(level, 0);
+    }
+}
+
+TEST(Records, StartEmpty) {
+    expect_empty(*On_used_memory<Index_t>().operator->());
+    const On_used_memory<var_index_s> key;
+    EXPECT_EQ(key->rt, INVALID_TYPE);
+    EXPECT_EQ(key->var, 0u);
+    expect_empty(key->index);
+    const On_used_memory<GetSetS> request;
+    EXPECT_EQ(request->varid, 0u);
+    EXPECT_EQ(request->varidx, 0u);
+    EXPECT_EQ(request->rt, INVALID_TYPE);
+    EXPECT_EQ(request->length, 0u);
+    for (const unsigned char byte : request->buffer) {
+        EXPECT_EQ(byte, 0);
+    }
+}
+
+TEST(Records, AreWrittenAsListsOfTheirMembers) {
+    const Index_t index = {1, {3}};
+    EXPECT_TRUE(index == index_of({3}));
+    const var_index_s key = {INTEGER, 120, {1, {3}}};
+    EXPECT_EQ(key.var, 120u);
+    EXPECT_TRUE(key.index == index);
+    const GetSetS request = {120, 3, STRING, {'a'}, 1};
+    EXPECT_EQ(request.buffer[0], 'a');
+    EXPECT_EQ(request.length, 1u);
+    static_assert(std::is_trivially_copyable_v<Index_t> &&
+                  std::is_trivially_copyable_v<var_index_s> &&
+                  std::is_trivially_copyable_v<GetSetS>);
+    static_assert(std::is_standard_layout_v<var_index_s> && std::is_standard_layout_v<GetSetS>);
 }
 
 TEST(RecordLayout, IsWhatClientsWereBuiltWith) {
