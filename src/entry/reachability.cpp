@@ -20,10 +20,15 @@ bool names_a_host(const char* ip) {
 
 // The probe's output must not reach the panel. Closing its streams for writing would be enough for that, but
 // a ping that checks at its end whether its summary could be written then fails although the address
-// answered; the null device takes the summary and leaves the exit status to the answer.
+// answered; the null device takes the summary and leaves the exit status to the answer. Without a null device
+// the stream ends up closed, which silences it as well.
+void silence(std::FILE* stream) {
+    [[maybe_unused]] const std::FILE* const reopened = std::freopen("/dev/null", "w", stream);
+}
+
 [[noreturn]] void run_ping(const char* ip) {
-    static_cast<void>(std::freopen("/dev/null", "w", stdout));
-    static_cast<void>(std::freopen("/dev/null", "w", stderr));
+    silence(stdout);
+    silence(stderr);
     execl("/bin/ping", "ping", "-q", "-c", "1", "-w", "1", ip, static_cast<char*>(nullptr));
     _exit(CANNOT_EXECUTE);
 }
