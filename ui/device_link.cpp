@@ -1,5 +1,6 @@
 #include <frontpanel_ui/device_link.h>
 
+#include <arpa/inet.h>
 #include <unistd.h>
 
 #include <frontpanel_menu/entry_access.h>
@@ -11,6 +12,13 @@ bool can_post() {
     return ::access("/dev/NULL", W_OK) == 0 || ::access("/dev", W_OK) == 0;
 }
 
+// A name is never asked, also one that begins like an address: to look it up would leave the device.
+bool is_loopback(const std::string& address) {
+    in_addr parsed{};
+    return inet_pton(AF_INET, address.c_str(), &parsed) == 1 &&
+           ntohl(parsed.s_addr) >> IN_CLASSA_NSHIFT == IN_LOOPBACKNET;
+}
+
 Device_link link_to(Menu& menu) {
     const auto read_failed = [&device = menu.access()](const Data_entry& entry) {
         if (is_live(entry) || entry.Get_pid() == Data_entry::PID_NONE) {
@@ -19,9 +27,6 @@ Device_link link_to(Menu& menu) {
         unsigned int varidx = 0;
         Data_model::Index_convert(entry.Get_index(), varidx);
         return device.last_read_failed(entry.Get_pid(), varidx);
-    };
-    const auto is_loopback = [](const std::string& address) {
-        return address.rfind("127.", 0) == 0;
     };
     const auto poll = [&menu](size_t at_most) { menu.bindings()->poll(at_most); };
     const auto settle = [&menu] { return menu.bindings()->settle(); };

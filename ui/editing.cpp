@@ -101,7 +101,8 @@ void Editing::open(Data_entry& entry, const std::string& name) {
     m_was_changing = is_changing();
 }
 
-// An address is asked for an answer once, when it is opened: that takes up to a second.
+// An address is asked for an answer once, when it is opened: that takes up to a second. The entry itself would ask
+// the text that its line shows, so the panel asks the address that was just read.
 std::string Editing::title_of(Data_entry& entry) const {
     if (entry.Get_entry_type() != Data_entry::IP_LEAF) {
         return m_name;
@@ -112,8 +113,7 @@ std::string Editing::title_of(Data_entry& entry) const {
     if (!m_device.may_probe(text.data())) {
         return m_name;
     }
-    const std::string probed = address.Get_name();
-    return probed.substr(0, probed.rfind(entry.Get_name())) + m_name;
+    return (Data_entry::isRemoteConnected(text.data()) ? "[C]" : "[ ]") + m_name;
 }
 
 void Editing::press(const Key& key) {

@@ -72,6 +72,19 @@ TEST(ControllerTypes, AnAddressBeyondTheDevicesNetworkIsNotAsked) {
     EXPECT_EQ(panel.lines(), (Lines{"Address             ", "192.0.2.1           "}));
 }
 
+// What the line shows of a long text could be an address, or the name of somebody else's host.
+TEST(ControllerTypes, ATextThatIsNoAddressIsNotAsked) {
+    for (const char* const text :
+         {"127.host.example", "127.0.0.1.example.net", "127.0.0.1 is away"}) {
+        Menu_panel panel(menu_text(
+            R"({"pid": 21, "type": "text", "length": 40, "value": "127.0.0.1"})", ADDRESS));
+        panel.device().set_text(21, 0, text);
+        panel.controller().tick();
+        panel.press(Key::SELECT);
+        EXPECT_EQ(panel.lines()[0], "Address             ") << text;
+    }
+}
+
 TEST(ControllerTypes, ATimeIsEditedAndWritten) {
     Menu_panel panel(menu_text(PARAMETERS, TIME));
     EXPECT_EQ(panel.lines()[0], ">Clock         12:30");
