@@ -3,31 +3,31 @@
 
 #include <frontpanel_simulator/card_service.h>
 
-#include <httplib.h>
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <charconv>
-#include <condition_variable>
+#include <csignal>
 #include <cstdio>
 #include <deque>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 #include "chance.h"
+#include "http_service.h"
 
 namespace frontpanel {
 namespace {
 
-constexpr const char* HOST = "127.0.0.1";
 constexpr int OK = 200;
 constexpr int BAD_REQUEST = 400;
+constexpr int FORBIDDEN = 403;
 constexpr int NOT_FOUND = 404;
 constexpr int UNAVAILABLE = 503;
 
@@ -50,12 +50,6 @@ bool has_option(const Live_document& document, int index) {
     return index >= 0 &&
            (document.is_tree || static_cast<std::size_t>(index) < document.options.size());
 }
-
-struct Answer {
-    int status;
-    std::string body;
-    const char* type;
-};
 
 std::string target_of(const char* verb, const char* time, const Document_key& key, char format) {
     char text[256];
@@ -143,29 +137,28 @@ std::optional<int> posted_index(const std::string& body) {
     return index;
 }
 
-// Sends the first half of what it announces.
-void cut_off(const std::string& body, const char* type, httplib::Response& response) {
-    response.set_content_provider(
-        body.size(), type,
-        [half = body.substr(0, body.size() / 2)](size_t, size_t, httplib::DataSink& sink) {
-            sink.write(half.data(), half.size());
-            return false;
-        });
-}
-
-void set_reuse_address(socket_t socket) {
-    const int yes = 1;
-    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+// Whether a target's path is that of the documents, whatever its query.
+bool is_of_documents(const std::string& target) {
+    constexpr std::size_t MOST_DIGITS = 9;
+    const std::string before = "/slot/";
+    const std::string behind = "/htdocs/cgi-bin/cfgjson";
+    if (target.compare(0, before.size(), before) != 0) {
+        return false;
+    }
+    const std::string rest = target.substr(before.size(), target.find('?') - before.size());
+    const std::size_t start = rest.substr(0, 1) == "-" ? 1 : 0;
+    const std::size_t end = std::min(rest.find_first_not_of("0123456789", start), rest.size());
+    return end > start && end - start <= MOST_DIGITS && rest.substr(end) == behind;
 }
 
 }  // namespace
 
-class Card_service::Server {
+class Card_service::Server : private Http_service::Handler {
 public:
     explicit Server(int port);
     ~Server();
 
-    int port() const { return m_port; }
+    int port() const { return m_http.port(); }
     void declare(const Document_key& key, Live_document document);
     int selected(const Document_key& key) const;
     std::vector<Selection> selections() const;
@@ -180,8 +173,8 @@ public:
 private:
     typedef std::unique_lock<std::mutex> Lock;
 
-    void listen(int port);
-    void answer(const httplib::Request& request, httplib::Response& response);
+    std::optional<Http_answer> answer(const Http_request& request,
+                                      Http_service::Wait& wait) override;
     struct Trouble {
         Fault fault;
         std::chrono::milliseconds delay;
@@ -192,14 +185,15 @@ private:
         std::chrono::milliseconds longest_delay;
     };
     Trouble next_trouble();
-    Fault wait_if_late(Lock& lock);
-    Answer make_answer(const httplib::Request& request, Fault fault);
-    Answer send_document(const httplib::Request& request, Fault fault) const;
-    Answer keep_selection(const httplib::Request& request);
-    void remember(const httplib::Request& request, int status);
+    std::optional<Fault> fault_of(Http_service::Wait& wait);
+    void change_order();
+    bool is_foreign(const Http_request& request) const;
+    Http_answer make_answer(const Http_request& request, Fault fault);
+    Http_answer send_document(const Http_request& request, Fault fault) const;
+    Http_answer keep_selection(const Http_request& request);
+    void remember(const Http_request& request, int status);
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_fault_changed;
     std::map<Document_key, Live_document> m_documents;
     std::deque<Request> m_requests;
     std::function<void()> m_change_listener;
@@ -207,49 +201,19 @@ private:
     std::optional<Dice> m_dice;  // while the faults are drawn
     int m_orders = 0;            // how often other faults were asked for
 
-    int m_port = 0;
-    httplib::Server m_http;
-    std::thread m_thread;
+    Http_service m_http;  // the last: its thread uses the others
 };
 
-Card_service::Server::Server(int port) {
-    const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
-        answer(request, response);
-    };
-    const char* const path = R"(/slot/-?\d{1,9}/htdocs/cgi-bin/cfgjson)";
-    m_http.Get(path, handler);
-    m_http.Post(path, handler);
-    m_http.new_task_queue = [] { return new httplib::ThreadPool(4); };
-    // Two services must not share a port, as they could by default.
-    m_http.set_socket_options(set_reuse_address);
-    // A connection that stays open would hold up the end of the service.
-    m_http.set_keep_alive_max_count(1);
-    m_http.set_keep_alive_timeout(1);
-    m_http.set_read_timeout(1);
-    listen(port);
+Card_service::Server::Server(int port) try : m_http(port, *this) {
+    // Whoever reads what the process writes may be gone: that is the writer's to notice.
+    std::signal(SIGPIPE, SIG_IGN);
+} catch (const std::runtime_error& error) {
+    throw std::runtime_error(std::string("the card service ") + error.what());
 }
 
+// Requests that wait have their answer before the service ends.
 Card_service::Server::~Server() {
     set_fault(Fault::NONE, {});
-    m_http.stop();
-    m_thread.join();
-}
-
-void Card_service::Server::listen(int port) {
-    if (port == 0) {
-        m_port = m_http.bind_to_any_port(HOST);
-    } else {
-        m_port = m_http.bind_to_port(HOST, port) ? port : -1;
-    }
-    if (m_port <= 0) {
-        throw std::runtime_error("the card service cannot listen at " + std::string(HOST) + ":" +
-                                 std::to_string(port));
-    }
-    m_thread = std::thread([this] { m_http.listen_after_bind(); });
-    // `stop` has no effect on a server that does not run yet.
-    while (!m_http.is_running()) {
-        std::this_thread::yield();
-    }
 }
 
 void Card_service::Server::declare(const Document_key& key, Live_document document) {
@@ -294,19 +258,25 @@ void Card_service::Server::set_change_listener(std::function<void()> listener) {
 
 void Card_service::Server::set_fault(Fault fault, std::chrono::milliseconds delay) {
     const Lock lock(m_mutex);
-    m_orders += m_dice || m_trouble.fault != fault ? 1 : 0;
+    if (m_dice || m_trouble.fault != fault) {
+        change_order();
+    }
     m_dice.reset();
     m_trouble = {fault, delay};
-    m_fault_changed.notify_all();
 }
 
 void Card_service::Server::set_random_faults(uint32_t seed, double probability,
                                              std::chrono::milliseconds longest_delay) {
     const Lock lock(m_mutex);
-    ++m_orders;
+    change_order();
     m_dice.emplace(Dice{Chance(seed), probability, longest_delay});
     m_trouble = {Fault::NONE, std::chrono::milliseconds(0)};
-    m_fault_changed.notify_all();
+}
+
+// Requests that wait for the former order go on.
+void Card_service::Server::change_order() {
+    ++m_orders;
+    m_http.wake();
 }
 
 std::vector<Card_service::Request> Card_service::Server::requests() const {
@@ -314,11 +284,12 @@ std::vector<Card_service::Request> Card_service::Server::requests() const {
     return {m_requests.begin(), m_requests.end()};
 }
 
-void Card_service::Server::remember(const httplib::Request& request, int status) {
+void Card_service::Server::remember(const Http_request& request, int status) {
     if (m_requests.size() == REMEMBERED) {
         m_requests.pop_front();
     }
-    m_requests.push_back({request.method, request.target, request.body, status});
+    m_requests.push_back({request.method, request.target.substr(0, LONGEST_REMEMBERED),
+                          request.body.substr(0, LONGEST_REMEMBERED), status});
 }
 
 Card_service::Server::Trouble Card_service::Server::next_trouble() {
@@ -332,39 +303,48 @@ Card_service::Server::Trouble Card_service::Server::next_trouble() {
             std::chrono::milliseconds(m_dice->chance.below(m_dice->longest_delay.count() + 1))};
 }
 
-// Returns the fault that holds for the answer.
-Card_service::Fault Card_service::Server::wait_if_late(Lock& lock) {
+// The fault that holds for the answer; nothing while the request is to wait.
+std::optional<Card_service::Fault> Card_service::Server::fault_of(Http_service::Wait& wait) {
+    const auto now = std::chrono::steady_clock::now();
+    if (wait.has_begun) {
+        if (wait.order != m_orders) {
+            return m_trouble.fault;
+        }
+        return now >= wait.due ? std::optional<Fault>(Fault::LATE) : std::nullopt;
+    }
     const Trouble trouble = next_trouble();
     if (trouble.fault != Fault::LATE) {
         return trouble.fault;
     }
-    const int orders = m_orders;
-    const bool is_changed = m_fault_changed.wait_for(lock, trouble.delay,
-                                                     [this, orders] { return m_orders != orders; });
-    return is_changed ? m_trouble.fault : Fault::LATE;
+    wait = {true, m_orders, now + trouble.delay};
+    return trouble.delay.count() > 0 ? std::nullopt : std::optional<Fault>(Fault::LATE);
 }
 
-void Card_service::Server::answer(const httplib::Request& request, httplib::Response& response) {
-    Lock lock(m_mutex);
-    const Fault fault = wait_if_late(lock);
-    const Answer made = make_answer(request, fault);
-    remember(request, made.status);
-    response.status = made.status;
-    if (fault == Fault::CUT_OFF) {
-        cut_off(made.body, made.type, response);
-    } else {
-        response.set_content(made.body, made.type);
+std::optional<Http_answer> Card_service::Server::answer(const Http_request& request,
+                                                        Http_service::Wait& wait) {
+    const bool is_known = request.method == "GET" || request.method == "POST";
+    if (!is_known || !is_of_documents(request.target)) {
+        return Http_answer{NOT_FOUND, "There is no such document.\n", "text/plain"};
     }
+    const Lock lock(m_mutex);
+    const std::optional<Fault> fault = fault_of(wait);
+    if (!fault) {
+        return std::nullopt;
+    }
+    Http_answer made = make_answer(request, *fault);
+    made.is_cut = *fault == Fault::CUT_OFF;
+    remember(request, made.status);
+    return made;
 }
 
-Answer Card_service::Server::make_answer(const httplib::Request& request, Fault fault) {
+Http_answer Card_service::Server::make_answer(const Http_request& request, Fault fault) {
     if (fault == Fault::ERROR_STATUS) {
         return {UNAVAILABLE, "The card is busy.\n", "text/plain"};
     }
     return request.method == "POST" ? keep_selection(request) : send_document(request, fault);
 }
 
-Answer Card_service::Server::send_document(const httplib::Request& request, Fault fault) const {
+Http_answer Card_service::Server::send_document(const Http_request& request, Fault fault) const {
     const auto key = key_of(request.target, "Get", GET_TIME);
     const auto found = key ? m_documents.find(*key) : m_documents.end();
     if (found == m_documents.end()) {
@@ -381,7 +361,20 @@ Answer Card_service::Server::send_document(const httplib::Request& request, Faul
     return {OK, gzip(text), "application/gzip"};
 }
 
-Answer Card_service::Server::keep_selection(const httplib::Request& request) {
+// Whether a page of somebody else made a browser of this machine send it, or a name that was made to lead here did.
+bool Card_service::Server::is_foreign(const Http_request& request) const {
+    const std::string port = ":" + std::to_string(m_http.port());
+    const auto is_ours = [&port](const std::string& place, const std::string& lead) {
+        return place == lead + Http_service::HOST + port || place == lead + "localhost" + port;
+    };
+    return (request.origin && !is_ours(*request.origin, "http://")) ||
+           (request.host && !is_ours(*request.host, ""));
+}
+
+Http_answer Card_service::Server::keep_selection(const Http_request& request) {
+    if (is_foreign(request)) {
+        return {FORBIDDEN, "Only the panel selects.\n", "text/plain"};
+    }
     const auto key = key_of(request.target, "Set", SET_TIME);
     const auto found = key ? m_documents.find(*key) : m_documents.end();
     if (found == m_documents.end()) {
@@ -409,7 +402,7 @@ int Card_service::port() const {
 }
 
 std::string Card_service::address() const {
-    return HOST + (":" + std::to_string(port()));
+    return Http_service::HOST + (":" + std::to_string(port()));
 }
 
 void Card_service::add_combo_box(int slot, int varid, std::vector<Option> options, int selected) {

@@ -1,7 +1,10 @@
 // The web service of slot cards, in process and on loopback: it answers the requests for live-data documents
 // that the panel's tools make, and keeps the selections that they post.
 //
-// Thread-safe. Its threads end with the object. From the first one on the process ignores SIGPIPE.
+// Requests may have a head of 16 KiB and a body of 64 KiB; clients that are idle or slow hold up nobody. A post that a
+// web page of another origin makes a browser send is refused.
+//
+// Thread-safe. Its thread ends with the object. From the first one on the process ignores SIGPIPE.
 #ifndef FRONTPANEL_SIMULATOR_CARD_SERVICE_H
 #define FRONTPANEL_SIMULATOR_CARD_SERVICE_H
 
@@ -18,6 +21,8 @@ namespace frontpanel {
 class Card_service {
 public:
     static constexpr std::size_t REMEMBERED = 256;  // requests kept, newest
+    static constexpr std::size_t LONGEST_REMEMBERED =
+        1024;  // bytes kept of a target, and of a body
 
     struct Option {
         std::string value;
@@ -43,7 +48,7 @@ public:
 
     struct Request {
         std::string method;  // "GET" or "POST"
-        std::string target;  // path and query as they came
+        std::string target;  // path and query as they came; cut, as is the body
         std::string body;
         int status;  // of the answer
     };
