@@ -17,7 +17,7 @@ namespace {
 constexpr const char* VARIABLE = "CURL_HOME";
 constexpr const char* SETTINGS =
     "connect-timeout = 1\n"
-    "max-time = 2\n"
+    "max-time = 1.5\n"
     "max-filesize = 1048576\n"
     "proto = \"=http\"\n"
     "noproxy = \"*\"\n";

@@ -1,5 +1,7 @@
-// Settings of the panel's own for the `curl` commands that fetch and post live data: they end soon, take no
-// endless answer and ask no proxy, so that a card that hangs does not stop the panel.
+// Settings of the panel's own for the `curl` commands that fetch and post live data: they end within two seconds, take
+// no answer that announces more than a megabyte and ask no proxy, so that a card that hangs does not stop the panel.
+//
+// An answer may announce no length, and is packed: how much of it is written to files is bounded by `Live_entry`.
 #ifndef FRONTPANEL_APP_CURL_HOME_H
 #define FRONTPANEL_APP_CURL_HOME_H
 

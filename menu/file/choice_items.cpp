@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/live_entry.h>
 #include "file/loader.h"
 
 namespace frontpanel {
@@ -112,7 +113,7 @@ void Loader::build_live_enum(const Json_value& item, Data_entry* parent, unsigne
                   std::to_string(leaf.pid));
     }
     char** const texts = m_menu.keep_texts({NO_OPTION_YET, LIBRARY_TYPES[type], "list"});
-    Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
+    Live_entry& entry = m_menu.add(std::make_unique<Live_entry>(
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, 0, 0, texts, 1U,
         parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
         nullptr, texts[1], texts[2], m_menu.add_processor(slot)));
