@@ -42,8 +42,10 @@ private:
     std::optional<Front_event> take_greeting(Lcd_size size);
     std::optional<Front_event> take_key(const std::string& name) const;
     void take_fence();
+    void settle();
     void send_frame();
     void say(const std::string& text);
+    void tell_size();
     void complain(const std::string& text);
     void tell_lost_characters(const Lcd& lcd);
 
@@ -55,12 +57,15 @@ private:
     Phase m_phase = Phase::AWAY;
     Time m_now;
     Time m_deadline;  // of the phase; while READY, of the answer that is awaited
+    Time m_steady;    // when this connection has lasted, while READY; Time::max() once it has
     std::chrono::milliseconds m_pause = FIRST_PAUSE;
+    Lcd_size m_server_size;
     std::optional<Lcdproc_screen> m_screen;  // what the server has; nothing before the greeting
     std::optional<Frame> m_frame;            // to be shown
     bool m_fenced = false;                   // the server has not done yet
     bool m_hidden = false;                   // behind another client's screen
     bool m_absence_told = false;
+    bool m_flaps = false;  // went away before it was steady, and has not been since
     int m_complaints = 0;
     std::set<char32_t> m_lost;  // characters that were told
 };
@@ -88,6 +93,9 @@ std::optional<Front_event> Lcdproc_display::Client::next(Time now) {
             return event;
         }
     }
+    if (m_phase == Phase::READY && now >= m_steady) {
+        settle();
+    }
     if (m_phase != Phase::AWAY && m_socket.state() == Line_socket::State::CLOSED) {
         lose(m_socket.reason(), now);
     } else if (m_phase != Phase::AWAY && now >= m_deadline) {
@@ -107,13 +115,13 @@ void Lcdproc_display::Client::advance(Time now) {
     if (m_phase == Phase::CONNECTING && m_socket.state() == Line_socket::State::OPEN) {
         m_phase = Phase::GREETING;
         m_deadline = now + PATIENCE;
-        m_complaints = 0;
         m_socket.send("hello");
         m_socket.service();
     }
 }
 
 void Lcdproc_display::Client::lose(std::string reason, Time now) {
+    m_flaps = m_flaps || (m_phase == Phase::READY && m_steady != Time::max());
     m_socket.close("");
     m_phase = Phase::AWAY;
     m_deadline = now + m_pause;
@@ -126,8 +134,23 @@ void Lcdproc_display::Client::lose(std::string reason, Time now) {
     }
 }
 
+// A server that greets and goes, over and over, is told of once, and asked less and less often, until it is steady.
+void Lcdproc_display::Client::settle() {
+    m_steady = Time::max();
+    m_pause = FIRST_PAUSE;
+    m_complaints = 0;
+    if (m_flaps) {
+        m_flaps = false;
+        m_absence_told = false;
+        tell_size();
+    }
+}
+
 Time Lcdproc_display::Client::due() const {
-    return m_socket.has_line() ? Time::min() : m_deadline;
+    if (m_socket.has_line()) {
+        return Time::min();
+    }
+    return m_phase == Phase::READY && m_flaps ? std::min(m_deadline, m_steady) : m_deadline;
 }
 
 std::optional<Front_event> Lcdproc_display::Client::take(const std::string& line) {
@@ -180,8 +203,12 @@ std::optional<Front_event> Lcdproc_display::Client::take_greeting(Lcd_size size)
     m_fenced = true;
     m_deadline = m_now + PATIENCE;
     m_socket.service();
-    say("shows the panel on " + size_text(size));
-    m_absence_told = false;
+    m_steady = m_now + STEADY;
+    m_server_size = size;
+    if (!m_flaps) {
+        m_absence_told = false;
+        tell_size();
+    }
     return m_fixed ? Front_event{Front_event::REDRAW}
                    : Front_event{Front_event::SIZE, {Key::UP}, panel_size_for(size)};
 }
@@ -194,14 +221,12 @@ std::optional<Front_event> Lcdproc_display::Client::take_key(const std::string& 
     return Front_event{Front_event::KEY, found->second};
 }
 
-// Only a server that does what it is told is worth being asked again soon when it goes away.
 void Lcdproc_display::Client::take_fence() {
     if (!m_fenced) {
         return;
     }
     m_fenced = false;
     m_deadline = Time::max();
-    m_pause = FIRST_PAUSE;
     send_frame();
     m_socket.service();
 }
@@ -225,6 +250,10 @@ void Lcdproc_display::Client::send_frame() {
 void Lcdproc_display::Client::say(const std::string& text) {
     m_log << "frontpanel: display server " << m_server.host << " port " << m_server.port << ' '
           << one_line(text) << std::endl;
+}
+
+void Lcdproc_display::Client::tell_size() {
+    say("shows the panel on " + size_text(m_server_size));
 }
 
 void Lcdproc_display::Client::complain(const std::string& text) {

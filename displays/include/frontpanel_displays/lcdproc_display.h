@@ -21,7 +21,9 @@ public:
     static constexpr std::chrono::milliseconds FIRST_PAUSE{250};  // before it connects again
     static constexpr std::chrono::milliseconds LONGEST_PAUSE{10000};
     static constexpr std::chrono::seconds PATIENCE{5};  // for a connection, and for any answer
-    static constexpr int MOST_COMPLAINTS = 10;          // about one connection
+    // A connection that lasts so long is steady: the next loss is told again, and the next pause is short.
+    static constexpr std::chrono::seconds STEADY{10};
+    static constexpr int MOST_COMPLAINTS = 10;  // about answers, until a connection is steady
 
     // Connects when it is first asked for what happened. With `fixed` the panel keeps that size, and is cut or has
     // blank room on another display; without, it takes that of the display, within what a panel can be. What a

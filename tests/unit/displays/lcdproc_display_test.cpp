@@ -366,6 +366,76 @@ TEST_F(Lcdproc_display_test, AServerThatOnlyGreetsIsTriedLessAndLessOften) {
     }
 }
 
+// Nor one that does all that it is told, and goes. Of either nobody wants to hear four times a second.
+TEST_F(Lcdproc_display_test, AServerThatAnswersAndGoesIsTriedLessAndLessOftenAndToldOnce) {
+    open();
+    for (const int pause : {250, 500, 1000, 2000, 4000, 8000, 10000, 10000}) {
+        start();
+        server.say("huh? " + std::to_string(pause) + "\n");
+        server.hang_up();
+        while (display->source().fd >= 0) {
+            wait_next();
+        }
+        while (next()) {
+        }
+        EXPECT_EQ(display->due(), now + milliseconds(pause));
+        now = display->due();
+    }
+    const std::string told = log.str();
+    const std::string before = place() + "shows the panel on 20x2\n" + place() + "answered \"huh? ";
+    EXPECT_EQ(told.substr(0, before.size()), before);
+    size_t losses = 0;
+    for (size_t at = told.find("is away"); at != std::string::npos;
+         at = told.find("is away", at + 1)) {
+        ++losses;
+    }
+    EXPECT_EQ(losses, 1U) << told;
+    EXPECT_EQ(told.find("shows the panel", before.size()), std::string::npos) << told;
+
+    log.str("");
+    start();
+    EXPECT_EQ(log.str(), "");
+    EXPECT_EQ(display->due(), now + Lcdproc_display::STEADY);
+    now = display->due();
+    next();
+    EXPECT_EQ(log.str(), place() + "shows the panel on 20x2\n");
+    EXPECT_EQ(display->due(), Time::max());
+    server.hang_up();
+    wait_for_log("is away (it closed the connection)");
+    EXPECT_EQ(display->due(), now + Lcdproc_display::FIRST_PAUSE);
+}
+
+TEST_F(Lcdproc_display_test, ComplaintsAboutAnswersEndAlsoAcrossConnections) {
+    open();
+    for (int i = 0; i < 2 * Lcdproc_display::MOST_COMPLAINTS; ++i) {
+        connect();
+        server.say("huh?\n");
+        server.hang_up();
+        while (display->source().fd >= 0) {
+            wait_next();
+        }
+        while (next()) {
+        }
+        now = display->due();
+    }
+    const std::string told = log.str();
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), Lcdproc_display::MOST_COMPLAINTS + 1)
+        << told;
+}
+
+TEST_F(Lcdproc_display_test, AServerThatComesBackIsToldAtOnce) {
+    open();
+    start();
+    now += Lcdproc_display::STEADY;
+    next();
+    server.hang_up();
+    wait_for_log("is away");
+    now = display->due();
+    log.str("");
+    start();
+    EXPECT_EQ(log.str(), place() + "shows the panel on 20x2\n");
+}
+
 TEST_F(Lcdproc_display_test, AServerThatDoesNotAnswerIsLeft) {
     open();
     connect();
