@@ -2,6 +2,7 @@
 
 #include <curses.h>
 #include <langinfo.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -50,6 +51,29 @@ std::string terminal_type() {
     return "terminal type \"" + std::string(type == nullptr ? "" : type) + "\"";
 }
 
+// The library keeps several copies of the whole screen, of whatever size it is told.
+constexpr int MOST_COLUMNS_OR_ROWS = 1000;
+
+void check_extent(const std::string& source, long extent) {
+    if (extent > MOST_COLUMNS_OR_ROWS) {
+        throw Input_error(source + ": expected at most " + std::to_string(MOST_COLUMNS_OR_ROWS));
+    }
+}
+
+// What the library takes for the terminal's size: the environment before the terminal's own word.
+void check_extents(int output) {
+    for (const char* const name : {"COLUMNS", "LINES"}) {
+        if (const char* const value = std::getenv(name)) {
+            check_extent(name + ("=" + std::string(value)), std::strtol(value, nullptr, 10));
+        }
+    }
+    winsize window{};
+    if (ioctl(output, TIOCGWINSZ, &window) == 0) {
+        check_extent("a terminal of " + std::to_string(window.ws_col) + " columns", window.ws_col);
+        check_extent("a terminal of " + std::to_string(window.ws_row) + " lines", window.ws_row);
+    }
+}
+
 // A terminal of another character set shows what it has of ours.
 std::string terminal_text(const std::string& cells) {
     if (std::string(nl_langinfo(CODESET)) == "UTF-8") {
@@ -74,6 +98,7 @@ Lcd_size terminal_size_for(Lcd_size lcd) {
 }
 
 Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nullptr) {
+    check_extents(output);
     // Characters only: numbers keep their decimal point.
     std::setlocale(LC_CTYPE, "");
     m_screen = m_output ? newterm(nullptr, m_output.get(), stdin) : nullptr;

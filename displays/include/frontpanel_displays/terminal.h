@@ -20,7 +20,7 @@ namespace frontpanel {
 class Terminal : public Front {
 public:
     // `output` is a descriptor of a terminal, which standard input is too. Input_error when the terminal's
-    // type is not known or cannot move its cursor.
+    // type is not known or cannot move its cursor, or its size, also that in COLUMNS and LINES, is absurd.
     explicit Terminal(int output);
     ~Terminal() override;
 
