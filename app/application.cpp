@@ -180,7 +180,11 @@ int use_front(const Options& options, const Display_row& display, Controller& co
         log.take_errors();
     }
     device.time_for_timeout = options.time_out;
-    const auto clock = [] { return std::chrono::steady_clock::now(); };
+    // Each turn of the loop asks the time. Lines that the library prints unasked make the log grow as well.
+    const auto clock = [&log] {
+        log.trim();
+        return std::chrono::steady_clock::now();
+    };
     controller.set_clock([] {
         const auto now = std::chrono::steady_clock::now().time_since_epoch();
         return std::chrono::duration_cast<std::chrono::milliseconds>(now);

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -13,6 +14,7 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include <frontpanel_base/input_error.h>
@@ -21,7 +23,7 @@ namespace frontpanel {
 namespace {
 
 constexpr const char* NAME = "frontpanel";
-Log_lines* listening_lines = nullptr;  // the library's listener has no argument for them
+Output_log* listening_log = nullptr;  // the library's listener has no argument for it
 
 // A file is read by the panel too. Reading a pipe or a terminal would take what is meant for somebody else.
 int access_of(const std::string& file) {
@@ -111,6 +113,38 @@ Opened_log open_log(const std::string& named) {
     fail(named.empty() ? default_log_file() : named, "another panel is writing it");
 }
 
+// The newer half, from the beginning of a line on; nothing of a file that cannot be read.
+std::string end_of_log(off_t size) {
+    std::string text(static_cast<size_t>(Output_log::LARGEST / 2), '\0');
+    const off_t start = size - static_cast<off_t>(text.size());
+    size_t length = 0;
+    ssize_t got = 0;
+    while (length < text.size() && (got = pread(STDOUT_FILENO, &text[length], text.size() - length,
+                                                start + static_cast<off_t>(length))) > 0) {
+        length += static_cast<size_t>(got);
+    }
+    text.resize(length);
+    const size_t line_end = text.find('\n');
+    return line_end == std::string::npos ? "" : text.substr(line_end + 1);
+}
+
+// Returns how much was written before an error.
+size_t write_all(int descriptor, std::string_view text) {
+    size_t written = 0;
+    while (written < text.size()) {
+        const ssize_t result = ::write(descriptor, text.data() + written, text.size() - written);
+        if (result < 0 && errno == EPIPE) {
+            // Where the signal of the write itself is held back, the whole process is to hear of it.
+            kill(getpid(), SIGPIPE);
+        }
+        if (result < 0 && errno != EINTR) {
+            break;
+        }
+        written += result < 0 ? 0 : static_cast<size_t>(result);
+    }
+    return written;
+}
+
 int duplicate(int descriptor) {
     const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     if (copy < 0) {
@@ -149,17 +183,40 @@ Output_log::Output_log(const std::string& file)
     // among them, until its old buffer is full.
     static char buffer[BUFSIZ];
     std::setvbuf(stdout, buffer, _IOLBF, sizeof buffer);
-    listening_lines = &m_lines;
-    debug_listener = [](uint32_t mask) { listening_lines->begin(mask); };
+    listening_log = this;
+    debug_listener = announce;
 }
 
 Output_log::~Output_log() {
     debug_listener = nullptr;
-    listening_lines = nullptr;
+    listening_log = nullptr;
     std::fflush(stdout);
     dup2(m_buffer.descriptor(), STDOUT_FILENO);
     close(m_buffer.descriptor());
     return_errors();
+}
+
+void Output_log::announce(uint32_t mask) {
+    listening_log->trim();
+    listening_log->m_lines.begin(mask);
+}
+
+void Output_log::trim() {
+    std::fflush(stdout);
+    struct stat status {};
+    if (fstat(STDOUT_FILENO, &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_size <= LARGEST) {
+        return;
+    }
+    const std::string kept = end_of_log(status.st_size);
+    const auto dropped = status.st_size - static_cast<off_t>(kept.size());
+    const std::string notice = "frontpanel: the log was full: " + std::to_string(dropped) +
+                               " older bytes were dropped here\n";
+    if (ftruncate(STDOUT_FILENO, 0) != 0 || lseek(STDOUT_FILENO, 0, SEEK_SET) != 0) {
+        return;
+    }
+    write_all(STDOUT_FILENO, notice + kept);
+    m_lines.follow_cut(dropped - static_cast<off_t>(notice.size()));
 }
 
 // Standard error may be closed: then there is nothing to take, and nothing to return.
@@ -184,20 +241,8 @@ int Output_log::Descriptor_buffer::overflow(int character) {
 }
 
 std::streamsize Output_log::Descriptor_buffer::xsputn(const char* text, std::streamsize length) {
-    std::streamsize written = 0;
-    while (written < length) {
-        const ssize_t result =
-            ::write(m_descriptor, text + written, static_cast<size_t>(length - written));
-        if (result < 0 && errno == EPIPE) {
-            // Where the signal of the write itself is held back, the whole process is to hear of it.
-            kill(getpid(), SIGPIPE);
-        }
-        if (result < 0 && errno != EINTR) {
-            break;
-        }
-        written += result < 0 ? 0 : result;
-    }
-    return written;
+    return static_cast<std::streamsize>(
+        write_all(m_descriptor, {text, static_cast<size_t>(length)}));
 }
 
 }  // namespace frontpanel

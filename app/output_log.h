@@ -2,6 +2,9 @@
 #ifndef FRONTPANEL_APP_OUTPUT_LOG_H
 #define FRONTPANEL_APP_OUTPUT_LOG_H
 
+#include <sys/types.h>
+
+#include <cstdint>
 #include <ostream>
 #include <streambuf>
 #include <string>
@@ -27,17 +30,24 @@ public:
     Output_log(const Output_log&) = delete;
     Output_log& operator=(const Output_log&) = delete;
 
+    // What the file may measure before its older half is dropped. A line in its place says how much was.
+    static constexpr off_t LARGEST = off_t{4} * 1024 * 1024;
+
     // What was standard output. Bad once something could not be written there.
     std::ostream& out() { return m_out; }
     int out_descriptor() const { return m_buffer.descriptor(); }
     // What went to the file, as far as it is one that can be read.
     Log_lines& lines() { return m_lines; }
+    // Keeps the file within its bounds. Lines that the library announces do so by themselves; others do not.
+    void trim();
     // Takes standard error into the log too, until it is returned or the object is gone: the terminal has no
     // place for it while the panel is on the screen.
     void take_errors();
     void return_errors();
 
 private:
+    static void announce(uint32_t mask);
+
     class Descriptor_buffer : public std::streambuf {
     public:
         explicit Descriptor_buffer(int descriptor) : m_descriptor(descriptor) {}

@@ -38,13 +38,25 @@ void Log_lines::begin(uint32_t mask) {
     }
 }
 
+void Log_lines::follow_cut(off_t bytes) {
+    for (Mark& mark : m_marks) {
+        mark.place -= bytes;
+    }
+    m_place -= bytes;
+    m_line_place -= bytes;
+    if (m_place < 0) {
+        skip_to(0);
+        m_is_cut = false;
+    }
+}
+
 void Log_lines::read() {
     struct stat status {};
     if (!is_kept() || std::fflush(stdout) != 0 || fstat(m_descriptor, &status) != 0) {
         return;
     }
     if (status.st_size - m_place > MOST_READ) {
-        skip_to_end(status.st_size);
+        skip_to(status.st_size - MOST_READ);
     }
     std::array<char, 4096> bytes{};
     ssize_t length = 0;
@@ -53,11 +65,11 @@ void Log_lines::read() {
     }
 }
 
-void Log_lines::skip_to_end(off_t end) {
+void Log_lines::skip_to(off_t place) {
     m_dropped += m_lines.size();
     m_lines.clear();
     m_line.clear();
-    m_place = end - MOST_READ;
+    m_place = place;
     m_line_place = m_place;
     m_is_cut = true;
 }

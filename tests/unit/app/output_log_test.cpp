@@ -1,6 +1,7 @@
 #include "output_log.h"
 
 #include <fcntl.h>
+#include <frontpanel_data/data_interface.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -8,6 +9,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -213,6 +215,68 @@ TEST_F(OutputLog, ALinkInTheDefaultPlaceIsNotFollowed) {
     EXPECT_THROW(Output_log(""), Input_error);
     EXPECT_FALSE(fs::exists(file("victim")));
     unsetenv("XDG_STATE_HOME");
+}
+
+// How the library prints a line of a kind.
+void print_line(const std::string& text) {
+    debug_listener(0x1);
+    std::printf("%s\n", text.c_str());
+    debug_listener(0);
+}
+
+TEST_F(OutputLog, AFullLogDropsItsOlderHalfAndSaysSo) {
+    const std::string filling(80, 'x');
+    std::string first;
+    std::string last;
+    std::deque<Log_line> shown;
+    {
+        Output_log log(file("log"));
+        for (int i = 0; i < 120000; ++i) {
+            print_line(std::to_string(i) + " " + filling);
+        }
+        print_line("last");
+        EXPECT_LE(fs::file_size(file("log")), static_cast<uintmax_t>(Output_log::LARGEST));
+        log.lines().read();
+        shown = log.lines().lines();
+    }
+    const std::string text = content(file("log"));
+    EXPECT_GT(text.size(), static_cast<size_t>(Output_log::LARGEST) / 4);
+    std::istringstream lines(text);
+    std::getline(lines, first);
+    EXPECT_EQ(first.rfind("frontpanel: the log was full: ", 0), 0U) << first;
+    int number = -1;
+    for (std::string line; std::getline(lines, line) && line != "last";) {
+        const int next = std::stoi(line);
+        EXPECT_TRUE(number < 0 || next == number + 1) << line;
+        EXPECT_EQ(line, std::to_string(next) + " " + filling);
+        number = next;
+    }
+    EXPECT_EQ(number, 119999);
+    ASSERT_FALSE(shown.empty());
+    EXPECT_EQ(shown.back().text, "last");
+    EXPECT_EQ(shown.back().mask, 0x1U);
+}
+
+TEST_F(OutputLog, LinesThatNobodyAnnouncesAreDroppedToo) {
+    Output_log log(file("log"));
+    const std::string filling(999, 'x');
+    for (off_t i = 0; i <= Output_log::LARGEST / 1000; ++i) {
+        std::printf("%s\n", filling.c_str());
+    }
+    log.trim();
+    EXPECT_LE(fs::file_size(file("log")), static_cast<uintmax_t>(Output_log::LARGEST));
+    std::printf("last\n");
+    const std::string text = content(file("log"));
+    EXPECT_EQ(text.substr(text.size() - 7), "x\nlast\n");
+}
+
+TEST_F(OutputLog, ALogWithoutLineEndsIsDroppedWhole) {
+    Output_log log(file("log"));
+    std::printf("%s", std::string(static_cast<size_t>(Output_log::LARGEST) + 1, 'x').c_str());
+    log.trim();
+    EXPECT_EQ(content(file("log")),
+              "frontpanel: the log was full: " + std::to_string(Output_log::LARGEST + 1) +
+                  " older bytes were dropped here\n");
 }
 
 }  // namespace

@@ -30,6 +30,8 @@ public:
     bool is_kept() const;
     // From here on lines have this mask.
     void begin(uint32_t mask);
+    // The file has lost so many bytes at its beginning; what is left stands so much nearer to it.
+    void follow_cut(off_t bytes);
     // Takes what was printed since the last call. Of much, only the end is taken.
     void read();
     // The oldest line is the first. The line at the end of a file that has no line end yet is not among them.
@@ -43,7 +45,7 @@ private:
         uint32_t mask;
     };
 
-    void skip_to_end(off_t end);
+    void skip_to(off_t place);
     void take(const char* text, size_t length);
     void finish_line();
     uint32_t mask_at(off_t place);
