@@ -47,6 +47,12 @@ Loaded_panel load(const Options& options, Output_log& log, Cards cards) {
     return loaded;
 }
 
+void check_written(bool failed) {
+    if (failed) {
+        throw Input_error(OUTPUT_FAILED);
+    }
+}
+
 int check(const Options& options, Output_log& log) {
     const Loaded_panel loaded = load(options, log, Cards::OFF);
     if (!options.script.empty()) {
@@ -55,14 +61,11 @@ int check(const Options& options, Output_log& log) {
     for (const std::string& warning : loaded.warnings) {
         std::cerr << warning << '\n';
     }
-    log.out() << options.menu << ": a menu of " << loaded.menu->entry_count() << " entries\n";
+    log.out() << one_line(options.menu) << ": a menu of " << loaded.menu->entry_count()
+              << " entries\n";
+    log.out().flush();
+    check_written(!log.out());
     return EXIT_PLAYED;
-}
-
-void check_written(bool failed) {
-    if (failed) {
-        throw Input_error("standard output cannot be written");
-    }
 }
 
 int play(const Script& script, Controller& controller, Simulated_device& device, Display& display,
@@ -70,7 +73,7 @@ int play(const Script& script, Controller& controller, Simulated_device& device,
     Script_player player(controller, device.memory(), device.cards(), display, out, std::cerr);
     const int differences = player.play(script);
     if (differences != 0) {
-        std::cerr << script.file << ": " << differences << " expectation"
+        std::cerr << one_line(script.file) << ": " << differences << " expectation"
                   << (differences == 1 ? "" : "s") << " not met\n";
         return EXIT_DIFFERENCE;
     }
@@ -226,7 +229,7 @@ int use(const Options& options, const Display_row& display, const std::optional<
 }
 
 void warn(const std::string& line) {
-    std::cerr << "warning: " << line << '\n';
+    std::cerr << "warning: " << one_line(line) << '\n';
 }
 
 // Saves the values at its end, and when a signal ends the process before. The first is silent: a caller who needs to

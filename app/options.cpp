@@ -158,6 +158,10 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
         app.parse(argc, argv);
     } catch (const CLI::Success& help) {
         app.exit(help, out, errors);
+        if (!out.flush()) {
+            errors << "frontpanel: " << OUTPUT_FAILED << '\n';
+            return EXIT_BAD_INPUT;
+        }
         return EXIT_PLAYED;
     } catch (const CLI::Error& error) {
         errors << "frontpanel: " << one_line(error.what()) << '\n';

@@ -19,6 +19,9 @@ inline constexpr int EXIT_DIFFERENCE = 1;  // the script's expectations were not
 inline constexpr int EXIT_EXHAUSTED = 1;   // memory, threads or another resource ran out
 inline constexpr int EXIT_BAD_INPUT = 2;   // an option, the menu or the script is wrong
 
+// What is said when standard output takes no more.
+inline constexpr const char* OUTPUT_FAILED = "standard output cannot be written";
+
 struct Options {
     std::string menu;        // file; the shipped menu unless another is named
     std::string script;      // file; empty: none was named
@@ -40,7 +43,7 @@ struct Options {
 };
 
 // The options, or the status to exit with: after the help or the version was printed to `out`, or one line that
-// tells what is wrong to `errors`.
+// tells what is wrong, with `out` too, to `errors`.
 std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
                                          std::ostream& errors);
 

@@ -59,6 +59,10 @@ bool has_cell(char32_t character) {
     return (character >= 0x20 && character <= 0x7E) || (character >= 0xA0 && character <= 0xFF);
 }
 
+bool is_control(char32_t character) {
+    return character < 0x20 || (character >= 0x7F && character <= 0x9F);
+}
+
 char cell_of(char32_t character, std::set<char32_t>& lost) {
     if (has_cell(character)) {
         return static_cast<char>(character);
@@ -89,7 +93,9 @@ std::string text_of(std::string_view cells) {
     std::string text;
     for (const char cell : cells) {
         const auto byte = static_cast<unsigned char>(cell);
-        if (byte < 0x80U) {
+        if (!has_cell(byte)) {
+            text += UNKNOWN;
+        } else if (byte < 0x80U) {
             text += cell;
         } else {
             text += static_cast<char>(0xC0U | byte >> 6U);
@@ -97,6 +103,26 @@ std::string text_of(std::string_view cells) {
         }
     }
     return text;
+}
+
+std::string printable(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const std::string_view before = text;
+        const char32_t character = take_character(text);
+        const std::string_view taken = before.substr(0, before.size() - text.size());
+        const char32_t shown =
+            character == DAMAGED ? static_cast<unsigned char>(taken.front()) : character;
+        if (shown == '\t') {
+            result += ' ';
+        } else if (is_control(shown)) {
+            result += UNKNOWN;
+        } else {
+            result += taken;
+        }
+    }
+    return result;
 }
 
 std::string code_point_name(char32_t character) {

@@ -1,10 +1,11 @@
 #include <frontpanel_base/input_error.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+
+#include <frontpanel_base/character_set.h>
 
 namespace frontpanel {
 namespace {
@@ -20,12 +21,10 @@ std::string size_text(size_t bytes) {
 }  // namespace
 
 std::string one_line(std::string text) {
-    const auto is_control = [](char byte) { return (byte >= 0 && byte < ' ') || byte == 0x7F; };
-    std::replace_if(text.begin(), text.end(), is_control, '?');
     if (text.size() > LONGEST_LINE) {
         text.replace(LONGEST_LINE / 2, text.size() - LONGEST_LINE, " ... ");
     }
-    return text;
+    return printable(text);
 }
 
 std::string read_input_file(const std::string& path, size_t largest) {

@@ -90,7 +90,8 @@ int Script_player::play(const Script& script) {
         if (const auto differs = difference(step)) {
             ++failures;
             m_out.flush();
-            m_differences << script.file << ':' << step.line << ": " << *differs << '\n';
+            m_differences << printable(script.file) << ':' << step.line << ": "
+                          << printable(*differs) << '\n';
         }
     }
     return failures;
@@ -115,14 +116,14 @@ void Script_player::perform(const Script& script, const Step& step) {
     switch (step.kind) {
         case Step::PRESS:
         case Step::TICK:
-            m_out << "\n> " << step.source << '\n';
+            m_out << "\n> " << printable(step.source) << '\n';
             for (int i = 0; i < step.count; ++i) {
                 step.kind == Step::TICK ? m_controller.tick() : press(step.key);
                 show();
             }
             break;
         case Step::SAY:
-            m_out << "\n" << step.text << '\n';
+            m_out << "\n" << printable(step.text) << '\n';
             break;
         case Step::FAIL:
             set_fault(step);

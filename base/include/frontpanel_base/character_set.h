@@ -15,8 +15,12 @@ namespace frontpanel {
 // byte. Characters that were lost so are added to `lost`.
 std::string cells_of(std::string_view text, std::set<char32_t>& lost);
 
-// The cells as UTF-8 text.
+// The cells as UTF-8 text; a cell that is no character of a display becomes '?'.
 std::string text_of(std::string_view cells);
+
+// A UTF-8 text that may go to a terminal: control characters, those from U+0080 to U+009F too, and bytes from 0x80 to
+// 0x9F outside a character become '?', which a terminal could otherwise take for commands. A tabulator becomes a blank.
+std::string printable(std::string_view text);
 
 // "U+20AC".
 std::string code_point_name(char32_t character);

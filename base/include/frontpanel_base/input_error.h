@@ -8,8 +8,8 @@
 
 namespace frontpanel {
 
-// A text on one line: control characters, which a quoted input may hold, become '?', and the middle of a
-// text beyond 1000 bytes is left out.
+// A text on one line, as `printable` makes it of one that quotes an input. The middle of a text beyond 1000 bytes is
+// left out.
 std::string one_line(std::string text);
 
 // `what()` is one line: file, place in it, and what was expected.

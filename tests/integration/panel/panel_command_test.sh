@@ -105,6 +105,13 @@ for signal in INT:130 TERM:143 HUP:129 QUIT:131; do
 done
 rmdir temporary || fail "the folder for temporary files is not empty"
 
+# What somebody wrote into a name reaches no terminal as a command.
+control=$(printf '\033[2J \302\2332J \2332J')
+expect 2 'frontpanel: ?[2J ?2J ?2J: cannot be opened: No such file or directory' --menu "$control"
+cp small.json "$control"
+expect 0 "" --check --menu "$control"
+[ "$(cat out)" = "?[2J ?2J ?2J: a menu of 2 entries" ] || fail "--check printed '$(cat -v out)'"
+
 # Reports are all that is on standard output, also with diagnostics.
 expect 0 "" --dump --menu small.json --debug 0xffffffff
 [ "$(cat out)" = "Main varid[-1.0.0@s] num_index_levels=[0] type[0] vis[1] shortcut[-1] 
@@ -123,9 +130,11 @@ if command -v dot >/dev/null; then
 fi
 
 if [ -w /dev/full ]; then
-    for report in --dump --graph "--explain Gain"; do
+    for report in --dump --graph "--explain Gain" --check --help --version; do
         # shellcheck disable=SC2086 # an option with its argument
-        "$PANEL" $report --menu small.json >/dev/full 2>errors && fail "a full device went unnoticed"
+        status=0
+        "$PANEL" $report --menu small.json >/dev/full 2>errors || status=$?
+        [ "$status" -eq 2 ] || fail "status $status of $report on a full device"
         [ "$(cat errors)" = "frontpanel: standard output cannot be written" ] || fail "said '$(cat errors)'"
     done
     "$PANEL" --script good.script >/dev/full 2>errors && fail "a full device went unnoticed"

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <streambuf>
 #include <vector>
 
 #include "shipped.h"
@@ -113,6 +114,22 @@ TEST(Options, HelpFitsATerminal) {
     }
     EXPECT_LE(count, 24) << outcome.out;
     EXPECT_GE(count, 15) << outcome.out;
+}
+
+// A device that is full.
+class Full_buffer : public std::streambuf {
+    int overflow(int) override { return traits_type::eof(); }
+};
+
+TEST(Options, AReportThatCannotBeWrittenIsNoSuccess) {
+    for (const char* const option : {"--help", "--version"}) {
+        const char* const arguments[] = {"frontpanel", option};
+        Full_buffer full;
+        std::ostream out(&full);
+        std::ostringstream errors;
+        EXPECT_EQ(std::get<int>(parse_options(2, arguments, out, errors)), EXIT_BAD_INPUT);
+        EXPECT_EQ(errors.str(), "frontpanel: standard output cannot be written\n") << option;
+    }
 }
 
 TEST(Options, HelpHasALineForEachOption) {

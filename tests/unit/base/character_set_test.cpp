@@ -67,5 +67,29 @@ TEST(CharacterSet, NamesCodePointsAsTheyAreUsuallyWritten) {
     EXPECT_EQ(code_point_name(0x1F50A), "U+1F50A");
 }
 
+TEST(CharacterSet, CellsThatAreNoCharactersNeverBecomeText) {
+    EXPECT_EQ(text_of(std::string("a\0\x1b\x7f\x80\x9b\x9f\xa0", 8)), "a??????\xC2\xA0");
+}
+
+TEST(CharacterSet, APrintableTextHoldsNoControlCharacters) {
+    const std::pair<std::string, std::string> CASES[] = {
+        {"", ""},
+        {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x94\x8A", "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x94\x8A"},
+        {"a\tb\n\x1b[2J\x7F", "a b??[2J?"},
+        {std::string("\0", 1), "?"},
+        // as UTF-8
+        {"\xC2\x80\xC2\x9B\x32J\xC2\x9F\xC2\xA0", "??2J?\xC2\xA0"},
+        // as raw bytes, also at the end of a character that is cut
+        {"\x9B\x32J\x80\x9F", "?2J??"},
+        {"\xE2\x82", "\xE2?"},
+        {"\xC3\xC3\x89", "\xC3\xC3\x89"},
+        {"\xC0\x9B", "\xC0?"},
+        {"\xA0\xFF", "\xA0\xFF"},
+    };
+    for (const auto& [text, expected] : CASES) {
+        EXPECT_EQ(printable(text), expected);
+    }
+}
+
 }  // namespace
 }  // namespace frontpanel

@@ -56,6 +56,18 @@ TEST(ScriptPlayer, ShowsEveryFrame) {
     EXPECT_EQ(outcome.failures, 0);
 }
 
+// A script comes from somewhere, and the terminal that shows it obeys control characters.
+TEST(ScriptPlayer, ControlCharactersOfAScriptAreNotRepeated) {
+    const Outcome outcome = play(
+        "say \x1b[2J \xC2\x9B\x32J \x9B\x32J \xC3\xA9\nup # \x1b\nexpect 1 |\xC2\x9B\x32J             |\n");
+    EXPECT_NE(outcome.out.find("\n?[2J ?2J ?2J \xC3\xA9\n"), std::string::npos) << outcome.out;
+    for (const std::string& text : {outcome.out, outcome.differences}) {
+        EXPECT_EQ(text.find('\x1b'), std::string::npos);
+        EXPECT_EQ(text.find('\x9B'), std::string::npos);
+    }
+    EXPECT_EQ(outcome.failures, 1);
+}
+
 TEST(ScriptPlayer, MetExpectationsSayNothing) {
     const Outcome outcome = play(R"(
         expect 1 |>Level         3|
