@@ -20,7 +20,10 @@ constexpr int STOP = SIGUSR2;  // sent only to the watch's thread, by its owner
 
 timespec span_of(std::chrono::milliseconds time) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
-    return {seconds.count(), std::chrono::nanoseconds(time - seconds).count()};
+    timespec span = {};
+    span.tv_sec = static_cast<time_t>(seconds.count());
+    span.tv_nsec = static_cast<long>(std::chrono::nanoseconds(time - seconds).count());
+    return span;
 }
 
 }  // namespace
