@@ -92,7 +92,7 @@ Place Json_value::place_in_text(size_t offset) const {
         return place;  // what was written is not what stands here
     }
     const std::string before = m_node->text.substr(0, offset);
-    const auto is_escaped = [](char c) { return c == '"' || c == '\\' || (c >= 0 && c < ' '); };
+    const auto is_escaped = [](unsigned char c) { return c == '"' || c == '\\' || c < ' '; };
     place.column += QUOTE + before.size() +
                     static_cast<size_t>(std::count_if(before.begin(), before.end(), is_escaped));
     return place;
