@@ -11,13 +11,13 @@ extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* memory, std::size_t size);
-void* __real__Znwm(std::size_t size);
-void* __real__Znam(std::size_t size);
+void* real_new(std::size_t size) __asm__("__real__Znw" SIZE_TYPE);
+void* real_new_array(std::size_t size) __asm__("__real__Zna" SIZE_TYPE);
 void* __wrap_malloc(std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);
 void* __wrap_realloc(void* memory, std::size_t size);
-void* __wrap__Znwm(std::size_t size);
-void* __wrap__Znam(std::size_t size);
+void* wrap_new(std::size_t size) __asm__("__wrap__Znw" SIZE_TYPE);
+void* wrap_new_array(std::size_t size) __asm__("__wrap__Zna" SIZE_TYPE);
 }
 
 namespace {
@@ -84,12 +84,12 @@ void* __wrap_realloc(void* memory, std::size_t size) {
     return __real_realloc(memory, size);
 }
 
-void* __wrap__Znwm(std::size_t size) {
+void* wrap_new(std::size_t size) {
     ++g_allocations;
-    return __real__Znwm(size);
+    return real_new(size);
 }
 
-void* __wrap__Znam(std::size_t size) {
+void* wrap_new_array(std::size_t size) {
     ++g_allocations;
-    return __real__Znam(size);
+    return real_new_array(size);
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <boost/multiprecision/cpp_int.hpp>
 #include <memory>
 #include <random>
 #include <string>
@@ -57,7 +58,7 @@ struct Node {
 };
 using Tree = std::unique_ptr<Node>;
 
-__extension__ typedef __int128 Wide;
+using Wide = boost::multiprecision::int128_t;
 
 int64_t clamped(Wide number) {
     return static_cast<int64_t>(std::clamp<Wide>(number, INT64_MIN, INT64_MAX));

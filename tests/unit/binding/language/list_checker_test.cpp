@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <utility>
@@ -411,8 +412,10 @@ TEST(Binding_list, AStackThatGrowsTooDeepIsRefused) {
     for (int i = 0; i < 64; ++i) {
         code.insert(code.end(), {static_cast<int>(Operation::ADD), 0});
     }
-    list.erase(list.begin() + sections.code, list.begin() + sections.pool);
-    list.insert(list.begin() + sections.code, code.begin(), code.end());
+    const auto code_begin = static_cast<std::ptrdiff_t>(sections.code);
+    list.erase(list.begin() + code_begin,
+               list.begin() + static_cast<std::ptrdiff_t>(sections.pool));
+    list.insert(list.begin() + code_begin, code.begin(), code.end());
     list[HEADER_INSTRUCTIONS] = 129;
     list[sections.segments] = 129;
     repair(list);
