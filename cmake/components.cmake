@@ -9,13 +9,18 @@ include(pkgconfig)
 
 # Compiler settings shared by all of our targets. Symbols are hidden unless the export macro marks
 # them. Products are never fused with sums, so that an expression yields the same bits on the
-# device as on the workstation where its menu was written.
+# device as on the workstation where its menu was written. Sizes and serial numbers of files have
+# 64 bits on 32-bit devices too; times keep the width that the device's other libraries were built
+# with, since cpp-httplib passes them.
 function(frontpanel_configure_target target)
     frontpanel_enable_warnings(${target})
     target_compile_options(${target} PRIVATE
         -ffp-contract=off
         -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+    target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
+    target_compile_features(${target} PRIVATE cxx_std_17)
     set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
