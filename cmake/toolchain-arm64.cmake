@@ -1,5 +1,5 @@
-# Debian's cross compiler for 64-bit ARM (crossbuild-essential-arm64).
-set(CMAKE_SYSTEM_NAME Linux)
+# 64-bit ARM.
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(FRONTPANEL_TRIPLET aarch64-linux-gnu)
+set(FRONTPANEL_QEMU qemu-aarch64)
+include(${CMAKE_CURRENT_LIST_DIR}/toolchain-debian.cmake)

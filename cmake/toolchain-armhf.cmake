@@ -1,5 +1,7 @@
-# Debian's cross compiler for 32-bit ARM with hardware floating point (crossbuild-essential-armhf).
-set(CMAKE_SYSTEM_NAME Linux)
+# 32-bit ARM with hardware floating point.
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
-set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(FRONTPANEL_TRIPLET arm-linux-gnueabihf)
+set(FRONTPANEL_QEMU qemu-arm)
+# Silences notes on calls that GCC before 7.1 compiled differently.
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
+include(${CMAKE_CURRENT_LIST_DIR}/toolchain-debian.cmake)
