@@ -7,8 +7,28 @@ frontpanel_configure_target(frontpanel_test_headers)
 target_link_libraries(frontpanel_test_headers PUBLIC GTest::gmock GTest::gtest)
 target_precompile_headers(frontpanel_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 
+# Labels name the builds that cannot run a test; the test presets leave it out there.
+#   native          not under an emulator
+#   uninstrumented  not with sanitizers or coverage, whose run-time libraries add to the exports
+
+# frontpanel_program_file(<variable> <target>)
+#
+# The file by which a test's script runs an executable: the executable itself, or a script of its name
+# that runs it under the emulator.
+function(frontpanel_program_file variable target)
+    set(file $<TARGET_FILE:${target}>)
+    if(CMAKE_CROSSCOMPILING_EMULATOR)
+        set(file ${PROJECT_BINARY_DIR}/emulated/${target})
+        list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+        file(GENERATE OUTPUT ${file}
+            CONTENT "#!/bin/sh\nexec ${emulator} '$<TARGET_FILE:${target}>' \"$@\"\n"
+            FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    endif()
+    set(${variable} ${file} PARENT_SCOPE)
+endfunction()
+
 # frontpanel_add_test(NAME <target> SOURCES <file>... [LIBRARIES <library>...] [PRIVATE_OBJECTS]
-#                     [WRAP <function>...] [TIMEOUT <seconds>])
+#                     [WRAP <function>...] [TIMEOUT <seconds>] [LABEL <label>])
 #
 # An executable of GoogleTest cases, each of which CTest runs in a process of its own. It links
 # the shared library as a client does; with PRIVATE_OBJECTS it links the library's objects
@@ -17,7 +37,7 @@ target_precompile_headers(frontpanel_test_headers PRIVATE <gmock/gmock.h> <gtest
 # included by their path under it.
 function(frontpanel_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg
-        "PRIVATE_OBJECTS" "NAME;TIMEOUT" "SOURCES;LIBRARIES;WRAP")
+        "PRIVATE_OBJECTS" "NAME;TIMEOUT;LABEL" "SOURCES;LIBRARIES;WRAP")
     if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|base|menu|display|ui|displays|simulator|app)(;|$)")
         message(FATAL_ERROR "${arg_NAME}: a test with PRIVATE_OBJECTS would hold the library twice "
             "if it also linked a component that links the shared library")
@@ -28,9 +48,15 @@ function(frontpanel_add_test)
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
     endif()
+    set(label "")
+    if(arg_LABEL)
+        set(label LABELS ${arg_LABEL})
+    endif()
 
     add_executable(${arg_NAME} ${arg_SOURCES})
     frontpanel_configure_target(${arg_NAME})
+    # Where GCC inlines, it warns of pointers that are null only for what a test never asks for.
+    target_compile_options(${arg_NAME} PRIVATE -Wno-null-dereference)
     target_precompile_headers(${arg_NAME} REUSE_FROM frontpanel_test_headers)
     target_include_directories(${arg_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_compile_definitions(${arg_NAME} PRIVATE
@@ -51,5 +77,6 @@ function(frontpanel_add_test)
         DISCOVERY_TIMEOUT 60
         PROPERTIES
             TIMEOUT ${arg_TIMEOUT}
+            ${label}
             ENVIRONMENT "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp")
 endfunction()
