@@ -28,16 +28,17 @@ function(frontpanel_program_file variable target)
 endfunction()
 
 # frontpanel_add_test(NAME <target> SOURCES <file>... [LIBRARIES <library>...] [PRIVATE_OBJECTS]
-#                     [WRAP <function>...] [TIMEOUT <seconds>] [LABEL <label>])
+#                     [WRAP <function>...] [TIMEOUT <seconds>]
+#                     [LABEL <label> [LABELLED <case>...]])
 #
 # An executable of GoogleTest cases, each of which CTest runs in a process of its own. It links
 # the shared library as a client does; with PRIVATE_OBJECTS it links the library's objects
 # instead, and may include private headers by their path under src/. WRAP replaces calls of a C
 # function made in those objects: the test defines __wrap_<function>. Headers of tests/ are
-# included by their path under it.
+# included by their path under it. LABEL holds for the cases LABELLED, or for all if none is named.
 function(frontpanel_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg
-        "PRIVATE_OBJECTS" "NAME;TIMEOUT;LABEL" "SOURCES;LIBRARIES;WRAP")
+        "PRIVATE_OBJECTS" "NAME;TIMEOUT;LABEL" "SOURCES;LIBRARIES;WRAP;LABELLED")
     if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|base|menu|display|ui|displays|simulator|app)(;|$)")
         message(FATAL_ERROR "${arg_NAME}: a test with PRIVATE_OBJECTS would hold the library twice "
             "if it also linked a component that links the shared library")
@@ -47,10 +48,6 @@ function(frontpanel_add_test)
     endif()
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
-    endif()
-    set(label "")
-    if(arg_LABEL)
-        set(label LABELS ${arg_LABEL})
     endif()
 
     add_executable(${arg_NAME} ${arg_SOURCES})
@@ -71,12 +68,27 @@ function(frontpanel_add_test)
     foreach(function IN LISTS arg_WRAP)
         target_link_options(${arg_NAME} PRIVATE LINKER:--wrap=${function})
     endforeach()
-    gtest_discover_tests(${arg_NAME}
-        TEST_PREFIX ${arg_NAME}.
+    if(NOT arg_LABEL)
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT})
+    elseif(NOT arg_LABELLED)
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} LABELS ${arg_LABEL})
+    else()
+        list(JOIN arg_LABELLED ":" cases)
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} FILTER -${cases})
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} FILTER ${cases} LABELS ${arg_LABEL})
+    endif()
+endfunction()
+
+# frontpanel_discover_tests(<target> <timeout> [FILTER <pattern>] [<property> <value>]...)
+function(frontpanel_discover_tests target timeout)
+    cmake_parse_arguments(PARSE_ARGV 2 arg "" "FILTER" "")
+    gtest_discover_tests(${target}
+        TEST_PREFIX ${target}.
+        TEST_FILTER "${arg_FILTER}"
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
         PROPERTIES
-            TIMEOUT ${arg_TIMEOUT}
-            ${label}
+            TIMEOUT ${timeout}
+            ${arg_UNPARSED_ARGUMENTS}
             ENVIRONMENT "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp")
 endfunction()
