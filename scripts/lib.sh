@@ -26,6 +26,18 @@ CI_PACKAGES=(
     clang clang-format clang-tidy libclang-rt-dev llvm
 )
 
+# For scripts/test --arch: what it needs on this machine, the compiler of each architecture, and the
+# packages of that architecture that the panel and the tests link.
+# shellcheck disable=SC2034
+CROSS_PACKAGES=("${TEST_PACKAGES[@]}" qemu-user)
+declare -A CROSS_COMPILERS=(
+    [armhf]=g++-arm-linux-gnueabihf
+    [arm64]=g++-aarch64-linux-gnu
+    [s390x]=g++-s390x-linux-gnu
+)
+# shellcheck disable=SC2034
+DEVICE_PACKAGES=(libcpp-httplib-dev libgmock-dev libgtest-dev libncurses-dev zlib1g-dev)
+
 say() {
     printf '%s: %s\n' "$(basename "$0")" "$*" >&2
 }
@@ -80,6 +92,70 @@ ensure_packages() {
         run_logged "$log" "${apt_get[@]}" install --no-install-recommends "${missing[@]}"
 }
 
+# download_packages ARCHITECTURE FOLDER PACKAGE...: downloads packages of another architecture and all that
+# they depend on to FOLDER/archives. The machine's own packages and its list of architectures stay as they are,
+# and nothing needs root.
+download_packages() {
+    local architecture=$1 folder=$2 apt_get=()
+    shift 2
+    mkdir -p "$folder/lists/partial" "$folder/archives/partial"
+    apt_get=(apt-get --yes
+        -o Acquire::Retries=3
+        -o APT::Architecture="$architecture" -o APT::Architectures::="$architecture"
+        -o Debug::NoLocking=true
+        -o Dir::Cache="$folder" -o Dir::State="$folder" -o Dir::State::status=/dev/null)
+    # A source that cannot be read does not matter if the others have the packages.
+    "${apt_get[@]}" update >"$folder/update.log" 2>&1 </dev/null || true
+    run_logged "$folder/download.log" \
+        "${apt_get[@]}" install --download-only --no-install-recommends "$@" || {
+        cat "$folder/update.log" >&2
+        return 1
+    }
+}
+
+# unpack_packages ARCHIVES SYSROOT
+unpack_packages() {
+    local archive link
+    for archive in "$1"/*.deb; do
+        dpkg-deb --extract "$archive" "$2" || return 1
+    done
+    # Links that start at the root would lead out of the folder.
+    while read -r link; do
+        ln --symbolic --force --no-dereference --relative "$2$(readlink "$link")" "$link" || return 1
+    done < <(find "$2" -type l -lname '/*')
+}
+
+# fetch_sysroot ARCHITECTURE FOLDER PACKAGE...
+fetch_sysroot() {
+    local architecture=$1 folder=$2
+    shift 2
+    [ "$(cat "$folder/sysroot.stamp" 2>/dev/null)" != "$*" ] || return 0
+    say "fetching the libraries for $architecture"
+    rm -rf "$folder/sysroot" "$folder/sysroot.stamp" "$folder/configured.stamp" "$folder/packages"
+    mkdir -p "$folder/sysroot"
+    download_packages "$architecture" "$folder/packages" "$@" &&
+        unpack_packages "$folder/packages/archives" "$folder/sysroot" &&
+        rm -rf "$folder/packages" &&
+        printf '%s\n' "$*" >"$folder/sysroot.stamp"
+}
+
+# ensure_sysroot ARCHITECTURE PRESET PACKAGE...: unpacks the packages and all that they depend on to the root
+# folder that the preset's toolchain file expects, unless they are there.
+ensure_sysroot() {
+    local architecture=$1 folder="$SOURCE_DIR/build/$2"
+    shift 2
+    mkdir -p "$folder"
+    {
+        flock 9 && fetch_sysroot "$architecture" "$folder" "$@"
+    } 9>"$folder/build.lock"
+}
+
+# prepare_architecture ARCHITECTURE: installs and fetches what the preset ARCHITECTURE-tests needs.
+prepare_architecture() {
+    ensure_packages "${CROSS_PACKAGES[@]}" "${CROSS_COMPILERS[$1]}" &&
+        ensure_sysroot "$1" "$1-tests" "${DEVICE_PACKAGES[@]}"
+}
+
 # configure_preset PRESET FOLDER: configures if the folder is new or the presets have changed since.
 # All other changes to the build files are seen by the build itself.
 configure_preset() {
@@ -87,7 +163,7 @@ configure_preset() {
     # A folder that was configured elsewhere, as in a copied tree, is of no use here.
     if [ -f "$folder/CMakeCache.txt" ] &&
         ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$SOURCE_DIR" "$folder/CMakeCache.txt"; then
-        find "$folder" -mindepth 1 ! -name build.lock -delete
+        find "$folder" -mindepth 1 -maxdepth 1 ! -name build.lock ! -name 'sysroot*' -exec rm -rf {} +
     fi
     if [ -f "$stamp" ] && [ ! "$SOURCE_DIR/CMakePresets.json" -nt "$stamp" ]; then
         return 0
@@ -109,7 +185,10 @@ build_preset() {
     } 9>"$folder/build.lock"
 }
 
-# Runs the tests of a preset; CTest's summary comes last.
+# run_tests PRESET [CTEST_ARGUMENT]...: runs those tests of a preset that its build can run; CTest's summary
+# comes last.
 run_tests() {
-    ctest --test-dir "$SOURCE_DIR/build/$1" --output-on-failure --parallel "$(nproc)"
+    local preset=$1
+    shift
+    (cd "$SOURCE_DIR" && ctest --preset "$preset" --parallel "$(nproc)" "$@")
 }
