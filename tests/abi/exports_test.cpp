@@ -217,7 +217,7 @@ TEST(Library, IsNamedByItsMajorVersion) {
 
 TEST(Library, NeedsTheRuntimeOnly) {
     static const std::regex RUNTIME(
-        R"((libstdc\+\+|libm|libgcc_s|libc|libpthread|ld-linux.*|lib\w*san|libclang_rt.*)\.so.*)");
+        R"((libstdc\+\+|libm|libgcc_s|libc|libpthread|ld(-linux|64).*|lib\w*san|libclang_rt.*)\.so.*)");
     const std::vector<std::string> needed = dynamic_values("NEEDED");
     EXPECT_FALSE(needed.empty());
     for (const std::string& library : needed) {

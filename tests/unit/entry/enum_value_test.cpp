@@ -1,5 +1,6 @@
 // Keys and visible positions: construction, reading, selecting and stepping.
 #include <climits>
+#include <cstring>
 
 #include "enum_fixture.h"
 #include "support/capture.h"
@@ -151,14 +152,19 @@ TEST(EnumKeys, NamesTheOperationThatWasAsked) {
               "[Get_integer_enum][enum_entry.cpp][#] int=[2]\n");
 }
 
+// Its bytes have the order of the processor.
+constexpr int TWO = 2;
+
 TEST(EnumKeys, DeliversAtMostTheBytesAskedFor) {
     Open_enum entry(Enum_arguments().default_value(2));
     unsigned char bytes[8] = {9, 9, 9, 9, 9, 9, 9, 9};
+    unsigned char key[sizeof(int)];
+    std::memcpy(key, &TWO, sizeof key);
     EXPECT_EQ(entry.Get_key_enum(bytes, 1), 0);
-    EXPECT_EQ(bytes[0], 2);
+    EXPECT_EQ(bytes[0], key[0]);
     EXPECT_EQ(bytes[1], 9);
     EXPECT_EQ(entry.Get_value(bytes, 8), 0);
-    EXPECT_EQ(bytes[3], 0);
+    EXPECT_EQ(std::memcmp(bytes, key, sizeof key), 0);
     EXPECT_EQ(bytes[4], 9);
 }
 
@@ -379,9 +385,18 @@ TEST(EnumSetValue, ReportsWithoutAMap) {
 
 TEST(EnumSetValue, ReadsAtMostTheBytesThatItIsGiven) {
     Open_enum entry;
-    const unsigned char bytes[2] = {2, 0xFF};
-    EXPECT_EQ(entry.Set_value(bytes, 1), 0);
-    EXPECT_EQ(entry.stored(), 2);
+    unsigned char bytes[2 * sizeof TWO];
+    std::memset(bytes, 0xFF, sizeof bytes);
+    std::memcpy(bytes, &TWO, sizeof TWO);
+    EXPECT_EQ(entry.Set_value(bytes, sizeof bytes), 0);
+    EXPECT_EQ(entry.stored(), TWO);
+
+    int leading = 0;
+    std::memcpy(&leading, bytes, 1);
+    bytes[1] = 0xFF;
+    Open_enum other;
+    EXPECT_EQ(other.Set_value(bytes, 1), 0);
+    EXPECT_EQ(other.stored(), leading);
 }
 
 TEST(EnumSetValue, RefusesAValueThatTheBindingWarnsOf) {
