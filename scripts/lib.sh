@@ -27,7 +27,7 @@ CI_PACKAGES=(
 )
 
 # For scripts/test --arch: what it needs on this machine, the compiler of each architecture, and the
-# packages of that architecture that the panel and the tests link.
+# packages of that architecture that the panel and the tests use (libc-bin holds a locale).
 # shellcheck disable=SC2034
 CROSS_PACKAGES=("${TEST_PACKAGES[@]}" qemu-user)
 declare -A CROSS_COMPILERS=(
@@ -36,7 +36,7 @@ declare -A CROSS_COMPILERS=(
     [s390x]=g++-s390x-linux-gnu
 )
 # shellcheck disable=SC2034
-DEVICE_PACKAGES=(libcpp-httplib-dev libgmock-dev libgtest-dev libncurses-dev zlib1g-dev)
+DEVICE_PACKAGES=(libc-bin libcpp-httplib-dev libgmock-dev libgtest-dev libncurses-dev zlib1g-dev)
 
 say() {
     printf '%s: %s\n' "$(basename "$0")" "$*" >&2
