@@ -52,12 +52,12 @@ Data_entry* Menu::release_last() {
 }
 
 Mounted_menu& Menu::add_mounted_menu(const std::string& folder) {
-    m_mounted_menus.push_back(std::make_unique<Mounted_menu>(folder, m_parameters, *m_bindings));
+    m_mounted_menus.push_back(std::make_unique<Mounted_menu>(folder, parameters(), *m_bindings));
     return *m_mounted_menus.back();
 }
 
 void Menu::watch(const Parameter& parameter) {
-    m_bindings->watch({parameter.type, parameter.pid, parameter.index});
+    m_bindings->watch(parameter.key());
 }
 
 void Menu::make_homescreen_entry(Link_entry& link, const std::string& toggle) {

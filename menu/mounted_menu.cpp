@@ -35,7 +35,7 @@ struct Value {
     std::string text;
 };
 
-Value value_of(const Json_value::Member& member, const Declared_parameters& parameters) {
+Value value_of(const Json_value::Member& member, const Parameter_table& parameters) {
     const Parameter* const parameter = parameters.find_reference(member.name);
     if (parameter == nullptr) {
         throw Placed_error(member.place, "the device has no parameter \"" + member.name + "\"");
@@ -48,7 +48,7 @@ Value value_of(const Json_value::Member& member, const Declared_parameters& para
 }
 
 // All of a preset's values, or an error: none is used of a preset of which one is wrong.
-std::vector<Value> read_preset(const std::string& file, const Declared_parameters& parameters) {
+std::vector<Value> read_preset(const std::string& file, const Parameter_table& parameters) {
     const Source source{file, 0};
     Problems problems;
     const Json_node document = parse_json(source, read_input_file(file, LARGEST_PRESET));
@@ -124,8 +124,7 @@ private:
                                    : static_cast<unsigned int>(value.text.size()));
     }
     void refresh_dependants(Data_interface& iface, const Parameter& parameter) {
-        const auto record = m_bindings.var_index_map()->find(
-            var_index_s{parameter.type, parameter.pid, parameter.index});
+        const auto record = m_bindings.var_index_map()->find(parameter.key());
         if (record == m_bindings.var_index_map()->end()) {
             return;
         }
@@ -152,7 +151,7 @@ int Mount_node::isVisible(bool if_control_refresh, Data_interface* iface) {
     return visible;
 }
 
-Mounted_menu::Mounted_menu(std::string folder, const Declared_parameters& parameters,
+Mounted_menu::Mounted_menu(std::string folder, const Parameter_table& parameters,
                            Binding_registry& bindings)
     : m_folder(std::move(folder)), m_parameters(parameters), m_bindings(bindings) {}
 

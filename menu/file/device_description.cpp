@@ -44,26 +44,32 @@ void Device_description::warn_of_simulation(const Json_value& device) const {
     }
 }
 
-const Parameter* Device_description::parameter(uint32_t pid, uint32_t varidx) const {
-    const Parameter* const found = m_menu.parameters().find(pid, varidx);
-    if (found == nullptr &&
-        (m_has_unknown_parameters || m_wrong_parameters.count({pid, varidx}) > 0)) {
+bool Device_description::is_wrong(const Parameter& parameter) const {
+    return m_wrong_parameters.count({parameter.pid, varidx_of(parameter.index)}) > 0;
+}
+
+const Parameter* Device_description::parameter(uint32_t pid, const Index_t& index) const {
+    const Parameter* const found = m_table.find(pid, index);
+    const bool is_known_to_be_wrong = m_wrong_parameters.count({pid, varidx_of(index)}) > 0;
+    if (is_known_to_be_wrong || (found == nullptr && m_has_unknown_parameters)) {
         throw Told_already();
     }
     return found;
 }
 
 const Parameter* Device_description::parameter(const std::string& name) const {
-    const Parameter* const found = m_menu.parameters().find(name);
-    if (found == nullptr && (m_has_unknown_parameters || m_wrong_names.count(name) > 0)) {
+    const Parameter* const found = m_table.find(name);
+    const bool is_known_to_be_wrong =
+        m_wrong_names.count(name) > 0 || (found != nullptr && is_wrong(*found));
+    if (is_known_to_be_wrong || (found == nullptr && m_has_unknown_parameters)) {
         throw Told_already();
     }
     return found;
 }
 
 const Parameter* Device_description::reference(const std::string& text) const {
-    const Parameter* const found = m_menu.parameters().find_reference(text);
-    return found == nullptr ? parameter(text) : found;
+    const Parameter* const found = is_like_address(text) ? m_table.find_reference(text) : nullptr;
+    return found != nullptr && !is_wrong(*found) ? found : parameter(text);
 }
 
 bool Device_description::has_document(int slot, uint32_t pid, bool is_tree) const {
@@ -80,18 +86,19 @@ void Device_description::load_parameter(const Json_value& parameter) {
         throw Told_already();
     }
     const auto name = parameter.find("name");
-    if (name && name->is_text()) {
+    const bool is_new_name = name && name->is_text() && m_table.find(name->text()) == nullptr;
+    if (is_new_name) {
         m_wrong_names.insert(name->text());
     }
     const std::pair<uint32_t, uint32_t> key(declared.pid, varidx_of(declared.index));
-    if (m_menu.parameters().find(key.first, key.second) != nullptr ||
+    if (m_table.find(declared.pid, declared.index) != nullptr ||
         !m_wrong_parameters.insert(key).second) {
         parameter.fail("parameter " + std::to_string(declared.pid) +
                        " with this index is declared twice");
     }
     const size_t errors = m_problems.error_count();
     declared.type = is_text_parameter(parameter) ? STRING : INTEGER;
-    declare_for_rules(declared, name);
+    declare(declared, name);
     load_limits(parameter, declared);
     const bool has_wrong_value =
         m_loading.simulator && m_loading.simulator->wrong_parameters.count(key) > 0;
@@ -99,29 +106,29 @@ void Device_description::load_parameter(const Json_value& parameter) {
         throw Told_already();
     }
     m_wrong_parameters.erase(key);
-    m_menu.parameters().add(declared);
+    m_table.declare(declared);
     if (name) {
-        load_name(*name, declared);
+        check_name(*name, declared);
     }
 }
 
 // Before the rest is known to be right, so that whatever else is wrong with rules that name it is told.
-void Device_description::declare_for_rules(const Parameter& declared,
-                                           const std::optional<Json_value>& name) {
-    m_menu.bindings()->parameters().declare(declared);
+void Device_description::declare(const Parameter& declared, const std::optional<Json_value>& name) {
+    m_table.declare(declared);
     if (name && name->is_text()) {
-        m_menu.bindings()->parameters().declare(name->text(), declared);
+        m_table.declare(name->text(), declared);
     }
 }
 
 // A name begins with a letter, so that it cannot be taken for an address.
-void Device_description::load_name(const Json_value& name, const Parameter& declared) {
+void Device_description::check_name(const Json_value& name, const Parameter& declared) {
     const std::string text = name.text_of_length(1, LONGEST_PARAMETER_NAME);
     if (std::isalpha(static_cast<unsigned char>(text[0])) == 0 ||
         text.find_first_of("[]\"{}") != std::string::npos) {
         name.fail("expected a name that begins with a letter and has none of []\"{}");
     }
-    if (!m_menu.parameters().add_name(text, declared)) {
+    const Parameter* const named = m_table.find(text);
+    if (named != m_table.find(declared.pid, declared.index) && !is_wrong(*named)) {
         name.fail("another parameter is named \"" + text + "\"");
     }
     m_wrong_names.erase(text);

@@ -18,16 +18,16 @@ namespace frontpanel {
 
 class Device_description {
 public:
-    // The parameters are declared in `menu`. What is wrong becomes one of `problems`. All outlive the description.
-    Device_description(Menu& menu, Problems& problems, const Loading& loading)
-        : m_menu(menu), m_problems(problems), m_loading(loading) {}
+    // The parameters are declared in `table`. What is wrong becomes one of `problems`. All outlive the description.
+    Device_description(Parameter_table& table, Problems& problems, const Loading& loading)
+        : m_table(table), m_problems(problems), m_loading(loading) {}
 
     void load(const Json_value& device);
 
     // Null when the device has no such parameter. Told_already when its declaration is, or may be, wrong.
-    const Parameter* parameter(uint32_t pid, uint32_t varidx) const;
+    const Parameter* parameter(uint32_t pid, const Index_t& index) const;
     const Parameter* parameter(const std::string& name) const;
-    // As `Declared_parameters::find_reference` finds them.
+    // As `Parameter_table::find_reference` finds them.
     const Parameter* reference(const std::string& text) const;
     // Whether the card in a slot has a tree, or a combo box, of that parameter id, as far as that is known.
     bool has_document(int slot, uint32_t pid, bool is_tree) const;
@@ -35,11 +35,12 @@ public:
 private:
     void load_parameter(const Json_value& parameter);
     void load_limits(const Json_value& parameter, Parameter& declared);
-    void declare_for_rules(const Parameter& declared, const std::optional<Json_value>& name);
-    void load_name(const Json_value& name, const Parameter& declared);
+    void declare(const Parameter& declared, const std::optional<Json_value>& name);
+    void check_name(const Json_value& name, const Parameter& declared);
+    bool is_wrong(const Parameter& parameter) const;
     void warn_of_simulation(const Json_value& device) const;
 
-    Menu& m_menu;
+    Parameter_table& m_table;
     Problems& m_problems;
     const Loading& m_loading;
     std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;  // by pid and variable index

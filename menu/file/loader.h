@@ -57,7 +57,7 @@ public:
         : m_menu(menu),
           m_problems(problems),
           m_loading(loading),
-          m_device(m_menu, problems, loading) {}
+          m_device(m_menu.parameters(), problems, loading) {}
 
     void load(const Json_value& file);
 

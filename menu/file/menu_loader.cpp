@@ -306,7 +306,7 @@ const Parameter& Loader::parameter_of(const Json_value& item, const Index_t& ind
 
 const Parameter& Loader::parameter_of(const Json_value& place, uint32_t pid, const Index_t& index,
                                       RETURN_TYPE type) const {
-    const Parameter* const found = m_device.parameter(pid, varidx_of(index));
+    const Parameter* const found = m_device.parameter(pid, index);
     if (found == nullptr) {
         place.fail("the device has no parameter " + std::to_string(pid) + " with this index");
     }

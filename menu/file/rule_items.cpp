@@ -7,13 +7,6 @@
 namespace frontpanel {
 namespace {
 
-// Whether every level is one that a parameter of a menu can have. `100.256` would be read as `100.0.1` is, and
-// never be evaluated again when that one is written.
-bool is_index_of_menu(const Index_t& index) {
-    return std::all_of(index.m_index, index.m_index + index.m_index_num,
-                       [](uint16_t level) { return level <= LAST_INDEX; });
-}
-
 // "line 2, column 7: ", counted from 1.
 std::string place_within(const std::string& text, size_t offset) {
     const size_t end_before = text.rfind('\n', offset - 1);
@@ -120,8 +113,8 @@ void Loader::report_in(const Json_value& source, const std::vector<Compile_error
 
 void Loader::check_rule_parameter(const Json_value& source, const Named_parameter& named) const {
     const var_index_s& key = named.key;
-    const Parameter* const parameter = m_device.parameter(key.var, varidx_of(key.index));
-    if (parameter == nullptr || !is_index_of_menu(key.index)) {
+    const Parameter* const parameter = m_device.parameter(key.var, key.index);
+    if (parameter == nullptr) {
         fail_in(source, named.offset,
                 "the device has no parameter " + std::to_string(key.var) + " with this index");
     }
@@ -165,7 +158,7 @@ void Loader::check_interval(const Json_value& source, const Rule_note& note, Bou
 
 void Loader::check_written_value(const Json_value& source, const Rule_note& note) const {
     const var_index_s& key = note.written;
-    const Parameter* const parameter = m_device.parameter(key.var, varidx_of(key.index));
+    const Parameter* const parameter = m_device.parameter(key.var, key.index);
     if (parameter == nullptr || parameter->type != key.rt) {
         return;  // told where it is named
     }

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include <frontpanel_menu/declared_parameters.h>
+#include <frontpanel_binding/parameter_table.h>
 
 namespace frontpanel {
 

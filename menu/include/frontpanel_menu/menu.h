@@ -16,7 +16,6 @@
 #include <string>
 #include <vector>
 
-#include <frontpanel_menu/declared_parameters.h>
 #include <frontpanel_menu/encoder_settings.h>
 #include <frontpanel_menu/mounted_menu.h>
 
@@ -35,7 +34,8 @@ public:
 
     // The device as everything of the menu reads and writes it, so that the rules see what passes.
     Caching_device& access() { return m_access; }
-    Declared_parameters& parameters() { return m_parameters; }
+    // The parameters that the menu file declares.
+    Parameter_table& parameters() { return m_bindings->parameters(); }
     const std::shared_ptr<Binding_registry>& bindings() { return m_bindings; }
     // The top of the tree: the first entry that was added.
     Data_entry& root() { return *m_entries.front(); }
@@ -99,7 +99,6 @@ private:
         std::vector<char*> array;
     };
 
-    Declared_parameters m_parameters;
     std::shared_ptr<Binding_registry> m_bindings;
     Caching_device m_access;
     std::string m_card_service;

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include <frontpanel_menu/declared_parameters.h>
+#include <frontpanel_binding/parameter_table.h>
 
 namespace frontpanel {
 
@@ -27,8 +27,7 @@ public:
 class Mounted_menu {
 public:
     // `parameters` and `bindings` outlive the menu.
-    Mounted_menu(std::string folder, const Declared_parameters& parameters,
-                 Binding_registry& bindings);
+    Mounted_menu(std::string folder, const Parameter_table& parameters, Binding_registry& bindings);
     Mounted_menu(const Mounted_menu&) = delete;
     Mounted_menu& operator=(const Mounted_menu&) = delete;
 
@@ -42,7 +41,7 @@ public:
 
 private:
     std::string m_folder;
-    const Declared_parameters& m_parameters;
+    const Parameter_table& m_parameters;
     Binding_registry& m_bindings;
     std::vector<std::unique_ptr<Data_entry>> m_presets;
     std::vector<std::string> m_problems;
