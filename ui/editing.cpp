@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/entry_kind.h>
 
 namespace frontpanel {
 namespace {
@@ -59,7 +60,7 @@ bool is_read_only(const Data_entry& entry) {
 
 // A rule may leave a number without any allowed value.
 bool has_no_value(Data_entry& entry) {
-    return entry.Get_entry_type() == Data_entry::RANGE_LEAF && !display_value(entry, SOME_COLUMNS);
+    return kind_of(entry).has(Entry_kind::IS_NUMBER) && !display_value(entry, SOME_COLUMNS);
 }
 
 }  // namespace
@@ -104,7 +105,7 @@ void Editing::open(Data_entry& entry, const std::string& name) {
 // An address is asked for an answer once, when it is opened: that takes up to a second. The entry itself would ask
 // the text that its line shows, so the panel asks the address that was just read.
 std::string Editing::title_of(Data_entry& entry) const {
-    if (entry.Get_entry_type() != Data_entry::IP_LEAF) {
+    if (!kind_of(entry).has(Entry_kind::IS_PROBED)) {
         return m_name;
     }
     auto& address = static_cast<Ip_entry&>(entry);
@@ -227,7 +228,7 @@ void Editing::follow() {
         end(NO_VALUE);
         return;
     }
-    const bool is_number = entry().Get_entry_type() == Data_entry::RANGE_LEAF;
+    const bool is_number = kind_of(entry()).has(Entry_kind::IS_NUMBER);
     switch (m_editor->follow()) {
         case Editor_change::NONE:
             break;

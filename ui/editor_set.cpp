@@ -1,6 +1,6 @@
 #include <frontpanel_ui/editor_set.h>
 
-#include <frontpanel_menu/entry_access.h>
+#include <frontpanel_data/selection.h>
 
 namespace frontpanel {
 namespace {
@@ -29,48 +29,42 @@ void tell_line(Data_entry& entry, Selection* selection) {
 
 }  // namespace
 
-Editor_set::Editor Editor_set::editor_of(const Data_entry& entry) {
-    switch (entry.Get_entry_type()) {
-        case Data_entry::RANGE_LEAF:
-            return {&m_number, &m_number};
-        case Data_entry::ENUM_LEAF:
-        case Data_entry::SLOT_ENUM:
-            return {&m_option, &m_option};
-        case Data_entry::STRING_LEAF:
-            return is_warning(entry) ? Editor{&m_warning, &m_warning} : Editor{&m_text, &m_text};
-        case Data_entry::IP_LEAF:
-            return {&m_address, &m_address};
-        case Data_entry::TIME_LEAF:
-            return {&m_time, &m_time};
-        default:
-            return {};
+Value_editor* Editor_set::editor_of(const Data_entry& entry) {
+    const Entry_kind& kind = kind_of(entry);
+    if (kind.make_editor == nullptr) {
+        return nullptr;
     }
+    std::unique_ptr<Value_editor>& editor = m_editors[&kind];
+    if (editor == nullptr) {
+        editor = kind.make_editor();
+    }
+    return editor.get();
 }
 
 Value_editor* Editor_set::open(Data_entry& entry, const Editor_settings& settings) {
-    const Editor editor = editor_of(entry);
-    if (editor.selection == nullptr) {
+    Value_editor* const editor = editor_of(entry);
+    if (editor == nullptr) {
         return nullptr;
     }
-    editor.value->configure(settings);
-    operate(entry, editor.selection,
+    editor->configure(settings);
+    auto* const selection = dynamic_cast<Selection*>(editor);
+    operate(entry, selection,
             Data_entry::OPERATION_SET_ESCAPE_ENTRY | Data_entry::OPERATION_SET_SELECT_ENTRY,
             &entry);
-    if (entry.Get_entry_type() == Data_entry::SLOT_ENUM) {
-        tell_line(entry, editor.selection);
+    if (kind_of(entry).has(Entry_kind::HAS_LINES)) {
+        tell_line(entry, selection);
     }
-    operate(entry, editor.selection, Data_entry::OPERATION_PREPARE, nullptr);
-    return editor.value->entry() == &entry ? editor.value : nullptr;
+    operate(entry, selection, Data_entry::OPERATION_PREPARE, nullptr);
+    return editor->entry() == &entry ? editor : nullptr;
 }
 
 Data_entry* Editor_set::close(Data_entry& entry) {
-    const Editor editor = editor_of(entry);
-    Data_entry* const target =
-        operate(entry, editor.selection, Data_entry::OPERATION_ESCAPE, &entry);
-    operate(entry, editor.selection, Data_entry::OPERATION_EXIT_LEDS, nullptr);
+    auto* const selection = dynamic_cast<Selection*>(editor_of(entry));
+    Data_entry* const target = operate(entry, selection, Data_entry::OPERATION_ESCAPE, &entry);
+    operate(entry, selection, Data_entry::OPERATION_EXIT_LEDS, nullptr);
     // The dispatcher closes no editor of options or times.
-    if (editor.selection != nullptr) {
-        editor.selection->ExitLEDs();
+    if (selection != nullptr) {
+        selection->ExitLEDs();
     }
     return target;
 }

@@ -2,7 +2,9 @@
 
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/live_entry.h>
-#include "file/loader.h"
+#include "file/builders.h"
+#include "file/item_builder.h"
+#include "file/item_rules.h"
 
 namespace frontpanel {
 namespace {
@@ -12,62 +14,33 @@ constexpr int MOST_SLOTS = 15;  // a product list has 16 records; record 0 is no
 constexpr size_t SLOT_LINE_ROOM = 31;
 constexpr const char* ALWAYS = "*";  // a product option that holds on every product
 
-}  // namespace
+// An option of an enumeration.
+struct Choice {
+    std::string text;
+    std::vector<std::string> options;  // the product options that it needs one of; none for no need
+};
+constexpr const char* TEXT = "text";
 
-void Loader::build_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
-    if (item.find("live")) {
-        build_live_enum(item, parent, level);
-        return;
-    }
-    const Leaf leaf = leaf_of(item, INTEGER);
-    if (is_live_pid(leaf.pid)) {
-        parameter_place(item).fail("parameters 9000 to 9100 are of items with \"live\"");
-    }
-    const Json_value list = item.member("choices");
-    const std::vector<Choice> choices = choices_of(list);
-    const int last = static_cast<int>(choices.size()) - 1;
-    if (leaf.parameter && (last < 0 || leaf.parameter->min != 0 || leaf.parameter->max != last)) {
-        list.report("expected a choice for each value of the parameter, " +
-                    std::to_string(leaf.parameter->min) + " to " +
-                    std::to_string(leaf.parameter->max) + ", counted from 0, found " +
-                    std::to_string(choices.size()));
-    }
-    if (choices.empty()) {
-        throw Told_already();
-    }
-    std::vector<std::string> texts(choices.size());
-    std::transform(choices.begin(), choices.end(), texts.begin(),
-                   [](const Choice& choice) { return choice.text; });
-    Enum_entry& entry = m_menu.add(std::make_unique<Enum_entry>(
-        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, last, 0,
-        m_menu.keep_texts(texts), static_cast<unsigned int>(texts.size()), parent, leaf.access,
-        leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr, nullptr, nullptr,
-        nullptr));
-    finish(item, entry, level);
-    set_choices(list, entry, choices);
-    bind(item, entry, std::nullopt);
-}
-
-std::vector<Choice> Loader::choices_of(const Json_value& list) {
+std::vector<Choice> choices_of(Load_context& context, const Json_value& list) {
     std::vector<Choice> choices;
     for (const Json_value& item : list.items()) {
         Choice& choice = choices.emplace_back();
-        m_problems.attempt([&] {
+        context.problems.attempt([&] {
             if (item.is_text()) {
                 choice.text = item.text_of_length(1, LONGEST_TEXT);
                 return;
             }
-            item.expect_members({"text", "options"});
-            choice.text = item.member("text").text_of_length(1, LONGEST_TEXT);
-            choice.options = option_names(item.member("options"));
+            item.expect_members({TEXT, member::OPTIONS});
+            choice.text = item.member(TEXT).text_of_length(1, LONGEST_TEXT);
+            choice.options = context.options.use(item.member(member::OPTIONS));
         });
     }
     return choices;
 }
 
 // As soon as one choice needs product options, the entry shows only choices whose options hold.
-void Loader::set_choices(const Json_value& list, Enum_entry& entry,
-                         const std::vector<Choice>& choices) {
+void set_choices(Load_context& context, const Json_value& list, Enum_entry& entry,
+                 const std::vector<Choice>& choices) {
     const auto has_options = [](const Choice& choice) { return !choice.options.empty(); };
     if (std::none_of(choices.begin(), choices.end(), has_options)) {
         return;
@@ -77,7 +50,7 @@ void Loader::set_choices(const Json_value& list, Enum_entry& entry,
         const auto key = static_cast<int>(options.size());
         options[key] = has_options(choice) ? choice.options : std::vector<std::string>{ALWAYS};
     }
-    std::map<std::string, unsigned int> product_options = m_options;
+    std::map<std::string, unsigned int> product_options = context.options.values();
     product_options[ALWAYS] = 1;
     entry.setProductOptions(product_options);
     entry.Set_control_options(options);
@@ -92,39 +65,76 @@ void Loader::set_choices(const Json_value& list, Enum_entry& entry,
     entry.updateControlOptionMap();
 }
 
-void Loader::build_live_enum(const Json_value& item, Data_entry* parent, unsigned int level) {
+}  // namespace
+
+void build_enum(Load_context& context, const Json_value& item, const Spot& spot) {
+    if (item.find(member::LIVE)) {
+        build_live(context, item, spot);
+        return;
+    }
+    const Leaf leaf = leaf_of(context, item, spot, INTEGER);
+    if (is_live_pid(leaf.pid)) {
+        parameter_place(item).fail("parameters 9000 to 9100 are of items with \"live\"");
+    }
+    const Json_value list = item.member(member::CHOICES);
+    const std::vector<Choice> choices = choices_of(context, list);
+    const int last = static_cast<int>(choices.size()) - 1;
+    if (leaf.parameter && (last < 0 || leaf.parameter->min != 0 || leaf.parameter->max != last)) {
+        list.report("expected a choice for each value of the parameter, " +
+                    std::to_string(leaf.parameter->min) + " to " +
+                    std::to_string(leaf.parameter->max) + ", counted from 0, found " +
+                    std::to_string(choices.size()));
+    }
+    if (choices.empty()) {
+        throw Told_already();
+    }
+    std::vector<std::string> texts(choices.size());
+    std::transform(choices.begin(), choices.end(), texts.begin(),
+                   [](const Choice& choice) { return choice.text; });
+    Enum_entry& entry = context.menu.add(std::make_unique<Enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), 0,
+        last, 0, context.menu.keep_texts(texts), static_cast<unsigned int>(texts.size()),
+        spot.parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
+        nullptr, nullptr, nullptr, nullptr));
+    finish(context, item, entry, spot);
+    set_choices(context, list, entry, choices);
+    bind(context, item, entry);
+}
+
+void build_live(Load_context& context, const Json_value& item, const Spot& spot) {
     static const std::vector<const char*> WEB_TYPES{"combobox", "tree"};
     static const std::vector<std::string> LIBRARY_TYPES{"json-dynamic-combobox", "jsontree"};
-    if (const auto name = item.find("parameter")) {
+    if (const auto name = item.find(member::PARAMETER)) {
         name->report("an item with \"live\" names the list of its card by \"pid\"");
     }
-    Leaf leaf = entry_of(item);
-    leaf.pid = static_cast<uint32_t>(item.member("pid").integer(FIRST_LIVE_PID, LAST_LIVE_PID));
-    const Json_value live = item.member("live");
+    Leaf leaf = entry_of(context, item, spot);
+    leaf.pid =
+        static_cast<uint32_t>(item.member(member::PID).integer(FIRST_LIVE_PID, LAST_LIVE_PID));
+    const Json_value live = item.member(member::LIVE);
     live.expect_members({"slot", "web-type"});
-    if (const auto choices = item.find("choices")) {
+    if (const auto choices = item.find(member::CHOICES)) {
         choices->report("the choices of an item with \"live\" come from its card");
     }
     const int slot = static_cast<int>(live.member("slot").integer(1, MOST_SLOTS));
     const size_t type = live.member("web-type").choice(WEB_TYPES);
     const std::string type_name = WEB_TYPES[type];
-    if (!m_device.has_document(slot, leaf.pid, type_name == "tree")) {
+    if (!context.device.has_document(slot, leaf.pid, type_name == "tree")) {
         live.fail("no card in slot " + std::to_string(slot) + " has a " + type_name + " " +
                   std::to_string(leaf.pid));
     }
-    char** const texts = m_menu.keep_texts({NO_OPTION_YET, LIBRARY_TYPES[type], "list"});
-    Live_entry& entry = m_menu.add(std::make_unique<Live_entry>(
-        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, 0, 0, texts, 1U,
-        parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
-        nullptr, texts[1], texts[2], m_menu.add_processor(slot)));
-    finish(item, entry, level);
-    bind(item, entry, std::nullopt);
+    char** const texts = context.menu.keep_texts({NO_OPTION_YET, LIBRARY_TYPES[type], "list"});
+    Live_entry& entry = context.menu.add(std::make_unique<Live_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), 0,
+        0, 0, texts, 1U, spot.parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE,
+        nullptr, nullptr, nullptr, texts[1], texts[2], context.menu.add_processor(slot)));
+    finish(context, item, entry, spot);
+    bind(context, item, entry);
 }
 
-void Loader::build_slot(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const Leaf leaf = leaf_of(item, INTEGER);
+void build_slot(Load_context& context, const Json_value& item, const Spot& spot) {
+    const Leaf leaf = leaf_of(context, item, spot, INTEGER);
     // Such an entry refreshes its lines and never its rules.
-    if (const auto rules = item.find("binding")) {
+    if (const auto rules = item.find(member::BINDING)) {
         rules->report("a slot list follows no rules: its node can");
     }
     const Parameter parameter = leaf.parameter.value_or(Parameter{INTEGER, 0, {}, 0, 0});
@@ -136,12 +146,12 @@ void Loader::build_slot(const Json_value& item, Data_entry* parent, unsigned int
     for (int slot = 1; slot <= parameter.max + 1; ++slot) {
         lines.push_back(std::to_string(slot));
     }
-    Slot_enum_entry& entry = m_menu.add(std::make_unique<Slot_enum_entry>(
-        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, 0, parameter.max, 0,
-        nullptr, m_menu.keep_texts(lines, SLOT_LINE_ROOM), static_cast<unsigned int>(lines.size()),
-        nullptr, parent, leaf.access, nullptr, leaf.visible, true, Data_entry::SHORTCUT_NONE,
-        nullptr, nullptr, nullptr));
-    finish(item, entry, level);
+    Slot_enum_entry& entry = context.menu.add(std::make_unique<Slot_enum_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), 0,
+        parameter.max, 0, nullptr, context.menu.keep_texts(lines, SLOT_LINE_ROOM),
+        static_cast<unsigned int>(lines.size()), nullptr, spot.parent, leaf.access, nullptr,
+        leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
+    finish(context, item, entry, spot);
 }
 
 }  // namespace frontpanel

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <frontpanel_menu/entry_access.h>
+#include <frontpanel_base/json_members.h>
+#include <frontpanel_menu/entry_kind.h>
 
 namespace frontpanel {
 namespace {
@@ -12,33 +13,6 @@ namespace {
 constexpr int LARGEST_STEP = 1000000000;
 constexpr int LARGEST_ACCELERATION = 1000;
 constexpr size_t MOST_CHARACTERS = 95;  // as many as are printable
-
-std::vector<const char*> members_of(const Data_entry& entry) {
-    switch (entry.Get_entry_type()) {
-        case Data_entry::RANGE_LEAF:
-            return {"preview", "wrap", "step", "acceleration"};
-        case Data_entry::STRING_LEAF:
-            return is_warning(entry) ? std::vector<const char*>()
-                                     : std::vector<const char*>{"preview", "wrap", "characters"};
-        case Data_entry::ENUM_LEAF:
-        case Data_entry::SLOT_ENUM:
-        case Data_entry::IP_LEAF:
-        case Data_entry::TIME_LEAF:
-            return {"preview", "wrap"};
-        default:
-            return {};
-    }
-}
-
-bool boolean_or(const Json_value& owner, const char* name, bool otherwise) {
-    const auto member = owner.find(name);
-    return member ? member->boolean() : otherwise;
-}
-
-int number_or(const Json_value& owner, const char* name, int most, int otherwise) {
-    const auto member = owner.find(name);
-    return member ? static_cast<int>(member->integer(1, most)) : otherwise;
-}
 
 std::string characters_of(const Json_value& list) {
     std::string characters = list.text_of_length(1, MOST_CHARACTERS);
@@ -51,20 +25,21 @@ std::string characters_of(const Json_value& list) {
 }  // namespace
 
 Editor_settings editor_settings_of(const Json_value& editor, const Data_entry& entry) {
-    const std::vector<const char*> members = members_of(entry);
+    using namespace editor_member;
+    const std::vector<const char*>& members = kind_of(entry).editor_members;
     if (members.empty()) {
         editor.fail("this item is not edited");
     }
     editor.expect_members(members);
     Editor_settings settings;
-    settings.preview = boolean_or(editor, "preview", settings.preview);
-    settings.step = number_or(editor, "step", LARGEST_STEP, settings.step);
+    settings.preview = boolean_or(editor, PREVIEW, settings.preview);
+    settings.step = integer_or(editor, STEP, 1, LARGEST_STEP, settings.step);
     settings.acceleration =
-        number_or(editor, "acceleration", LARGEST_ACCELERATION, settings.acceleration);
-    if (const auto wrap = editor.find("wrap")) {
+        integer_or(editor, ACCELERATION, 1, LARGEST_ACCELERATION, settings.acceleration);
+    if (const auto wrap = editor.find(WRAP)) {
         settings.wrap = wrap->boolean();
     }
-    if (const auto characters = editor.find("characters")) {
+    if (const auto characters = editor.find(CHARACTERS)) {
         settings.characters = characters_of(*characters);
     }
     return settings;

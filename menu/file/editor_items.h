@@ -1,4 +1,4 @@
-// The members of a menu file that tell how values are edited. They throw Placed_error as `Json_value` does.
+// The members of a menu file that say how values are edited. They throw Placed_error as `Json_value` does.
 #ifndef FRONTPANEL_MENU_EDITOR_ITEMS_H
 #define FRONTPANEL_MENU_EDITOR_ITEMS_H
 
@@ -10,7 +10,18 @@
 
 namespace frontpanel {
 
-// "editor" of an item: how this entry is edited. An entry takes what its editor can use.
+// The members of "editor": each name is written here alone.
+namespace editor_member {
+
+constexpr const char* PREVIEW = "preview";
+constexpr const char* WRAP = "wrap";
+constexpr const char* STEP = "step";
+constexpr const char* ACCELERATION = "acceleration";
+constexpr const char* CHARACTERS = "characters";
+
+}  // namespace editor_member
+
+// "editor" of an item: how this entry is edited. An entry takes what its kind lists.
 Editor_settings editor_settings_of(const Json_value& editor, const Data_entry& entry);
 // "encoder" of the menu file.
 Encoder_settings encoder_settings_of(const Json_value& encoder);

@@ -19,8 +19,8 @@ Index_t index_of(const Json_value& owner) {
 }
 
 Json_value parameter_place(const Json_value& item) {
-    const auto name = item.find("parameter");
-    return name ? *name : item.member("pid");
+    const auto name = item.find(member::PARAMETER);
+    return name ? *name : item.member(member::PID);
 }
 
 std::string shown_name(const std::string& name) {
@@ -28,7 +28,7 @@ std::string shown_name(const std::string& name) {
 }
 
 std::string name_of(const Json_value& item) {
-    const Json_value name = item.member("name");
+    const Json_value name = item.member(member::NAME);
     const std::string shown = shown_name(name.text());
     if (shown.empty() || shown.size() > LONGEST_NAME) {
         name.fail("expected a name of 1 to 24 characters before any ':', found " +
@@ -38,14 +38,15 @@ std::string name_of(const Json_value& item) {
 }
 
 int visible_of(const Json_value& item) {
-    return boolean_or(item, "visible", true) ? Data_entry::VISIBLE_ALL : Data_entry::VISIBLE_NONE;
+    return boolean_or(item, member::VISIBLE, true) ? Data_entry::VISIBLE_ALL
+                                                   : Data_entry::VISIBLE_NONE;
 }
 
 Data_entry::Data_access access_of(const Json_value& item) {
     static const std::vector<const char*> NAMES{"read-only", "read-write", "write-only"};
     constexpr Data_entry::Data_access ACCESSES[] = {Data_entry::READ_ONLY, Data_entry::READ_WRITE,
                                                     Data_entry::WRITE_ONLY};
-    const std::optional<Json_value> access = item.find("access");
+    const std::optional<Json_value> access = item.find(member::ACCESS);
     return access ? ACCESSES[access->choice(NAMES)] : Data_entry::READ_WRITE;
 }
 

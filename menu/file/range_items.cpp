@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "file/loader.h"
+#include "file/builders.h"
+#include "file/item_builder.h"
+#include "file/item_rules.h"
 #include "file/range_format.h"
 
 namespace frontpanel {
@@ -15,9 +17,9 @@ constexpr int64_t HIGHEST_IN_RANGE = int64_t{std::numeric_limits<int32_t>::max()
 
 // The entry's own display text for a number, checked, with what makes sense where half of it is missing.
 std::string format_of(const Json_value& item) {
-    const std::optional<Json_value> format = item.find("format");
+    const std::optional<Json_value> format = item.find(member::FORMAT);
     if (!format) {
-        return item.find("value_format") ? "%d" : "";
+        return item.find(member::VALUE_FORMAT) ? "%d" : "";
     }
     if (const auto error = range_format_error(format->text())) {
         format->fail(*error);
@@ -33,9 +35,9 @@ bool converts(const std::string& expression, int raw_value) {
 
 // An expression may have no value for one number, as in a division, but must have it for some.
 std::string value_format_of(const Json_value& item, int min, int max) {
-    const std::optional<Json_value> expression = item.find("value_format");
+    const std::optional<Json_value> expression = item.find(member::VALUE_FORMAT);
     if (!expression) {
-        return item.find("format") ? "v" : "";
+        return item.find(member::FORMAT) ? "v" : "";
     }
     std::string text = expression->text();
     if (!text.empty() && !converts(text, min) && !converts(text, max)) {
@@ -44,45 +46,29 @@ std::string value_format_of(const Json_value& item, int min, int max) {
     return text;
 }
 
-}  // namespace
-
-void Loader::build_range(const Json_value& item, Data_entry* parent, unsigned int level) {
-    const Leaf leaf = leaf_of(item, INTEGER);
-    const Parameter parameter = leaf.parameter.value_or(
-        Parameter{INTEGER, 0, {}, static_cast<int>(LOWEST), static_cast<int>(HIGHEST_IN_RANGE)});
-    const auto bound = [&](const char* name, int64_t min, int64_t max, int otherwise) {
-        return m_problems.value_or([&] { return integer_or(item, name, min, max, otherwise); },
-                                   otherwise);
-    };
-    const int min = bound("min", LOWEST, HIGHEST_IN_RANGE, parameter.min);
-    const int max = bound("max", min, HIGHEST_IN_RANGE,
-                          static_cast<int>(std::min<int64_t>(parameter.max, HIGHEST_IN_RANGE)));
-    if (min > max) {
-        item.fail("no number lies between \"min\" and \"max\"");
+std::vector<range_s> ranges_of(Load_context& context, const Json_value& list, int min, int max) {
+    std::vector<range_s> ranges;
+    for (const Json_value& item : list.items()) {
+        item.expect_members({member::MIN, member::MAX, member::OPTIONS});
+        const auto first = static_cast<int>(item.member(member::MIN).integer(min, max));
+        const auto last = static_cast<int>(item.member(member::MAX).integer(first, max));
+        const std::optional<Json_value> options = item.find(member::OPTIONS);
+        ranges.push_back({first, last + 1,
+                          options ? context.options.use(*options) : std::vector<std::string>()});
     }
-    const int start = bound("default", min, max, std::clamp(0, min, max));
-    std::string format = m_problems.value_or([&] { return format_of(item); }, std::string());
-    std::string value_format =
-        m_problems.value_or([&] { return value_format_of(item, min, max); }, std::string());
-    if (const auto expression = item.find("value_format")) {
-        m_display_expressions.emplace_back(*expression, value_format);
+    if (ranges.empty()) {
+        list.fail("expected at least one range");
     }
-    Range_entry& range = m_menu.add(std::make_unique<Range_entry>(
-        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, leaf.index, min, max, start,
-        format.data(), value_format.data(), parent, leaf.access, leaf.visible, true,
-        Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
-    finish(item, range, level);
-    m_problems.attempt([&] { set_ranges(item, range, min, max); });
-    bind(item, range, Bounds{min, max});
+    return ranges;
 }
 
 // Without allowed ranges of its own an entry allows what lies between its bounds. It must always have some:
 // the first suggestion of a binding would leave it none.
-void Loader::set_ranges(const Json_value& item, Range_entry& entry, int min, int max) {
-    const std::optional<Json_value> list = item.find("ranges");
-    std::vector<range_s> ranges{{min, max + 1, {}}};
+void set_ranges(Load_context& context, const Json_value& item, Range_entry& entry, Bounds bounds) {
+    const std::optional<Json_value> list = item.find(member::RANGES);
+    std::vector<range_s> ranges{{bounds.min, bounds.max + 1, {}}};
     if (list) {
-        ranges = ranges_of(*list, min, max);
+        ranges = ranges_of(context, *list, bounds.min, bounds.max);
     }
     entry.setValidRangeAndValues(ranges);
     if (entry.Get_min() > entry.Get_max()) {
@@ -90,20 +76,46 @@ void Loader::set_ranges(const Json_value& item, Range_entry& entry, int min, int
     }
 }
 
-std::vector<range_s> Loader::ranges_of(const Json_value& list, int min, int max) {
-    std::vector<range_s> ranges;
-    for (const Json_value& item : list.items()) {
-        item.expect_members({"min", "max", "options"});
-        const auto first = static_cast<int>(item.member("min").integer(min, max));
-        const auto last = static_cast<int>(item.member("max").integer(first, max));
-        const std::optional<Json_value> options = item.find("options");
-        ranges.push_back(
-            {first, last + 1, options ? option_names(*options) : std::vector<std::string>()});
+// "min" and "max" of an item, or those of its parameter.
+Bounds bounds_of(Load_context& context, const Json_value& item, const Parameter& parameter) {
+    const auto bound = [&](const char* name, int64_t min, int otherwise) {
+        return context.problems.value_or(
+            [&] { return integer_or(item, name, min, HIGHEST_IN_RANGE, otherwise); }, otherwise);
+    };
+    const int min = bound(member::MIN, LOWEST, parameter.min);
+    const int max = bound(member::MAX, min,
+                          static_cast<int>(std::min<int64_t>(parameter.max, HIGHEST_IN_RANGE)));
+    if (min > max) {
+        item.fail("no number lies between \"min\" and \"max\"");
     }
-    if (ranges.empty()) {
-        list.fail("expected at least one range");
+    return {min, max};
+}
+
+}  // namespace
+
+void build_range(Load_context& context, const Json_value& item, const Spot& spot) {
+    Problems& problems = context.problems;
+    const Leaf leaf = leaf_of(context, item, spot, INTEGER);
+    const auto [min, max] = bounds_of(context, item, leaf.parameter.value_or(Parameter{}));
+    const int start = problems.value_or(
+        [&, low = min, high = max] {
+            return integer_or(item, member::DEFAULT, low, high, std::clamp(0, low, high));
+        },
+        std::clamp(0, min, max));
+    std::string format = problems.value_or([&] { return format_of(item); }, std::string());
+    std::string value_format = problems.value_or(
+        [&, low = min, high = max] { return value_format_of(item, low, high); }, std::string());
+    if (const auto expression = item.find(member::VALUE_FORMAT)) {
+        context.built.display_expressions.push_back({*expression, value_format});
     }
-    return ranges;
+    Range_entry& range = context.menu.add(std::make_unique<Range_entry>(
+        leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), min,
+        max, start, format.data(), value_format.data(), spot.parent, leaf.access, leaf.visible,
+        true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
+    const Bounds bounds{min, max};
+    finish(context, item, range, spot);
+    problems.attempt([&] { set_ranges(context, item, range, bounds); });
+    bind(context, item, range, bounds);
 }
 
 }  // namespace frontpanel

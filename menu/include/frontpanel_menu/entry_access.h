@@ -1,5 +1,5 @@
 // How the panel reaches into an entry whatever its type: neighbours and refresh through the library's
-// dispatcher, display and commit by the type, since each leaf class brings its own.
+// dispatcher, display and commit by the entry's kind, since each leaf class brings its own.
 #ifndef FRONTPANEL_MENU_ENTRY_ACCESS_H
 #define FRONTPANEL_MENU_ENTRY_ACCESS_H
 
@@ -36,8 +36,6 @@ int refresh(Data_entry& entry, Data_interface& device);
 
 // Whether selecting the entry, or the link, opens a menu.
 bool is_menu(const Data_entry& entry);
-// Whether the entry is a warning text, which is shown until it is acknowledged.
-bool is_warning(const Data_entry& entry);
 // Whether the entry's options come from a card and not its value from the device.
 bool is_live_pid(uint32_t pid);
 bool is_live(const Data_entry& entry);

@@ -6,7 +6,8 @@
 #include <optional>
 #include <set>
 
-#include "file/loader.h"
+#include <frontpanel_menu/entry_kind.h>
+#include "file/item_builder.h"
 #include "support/panel_fixture.h"
 
 namespace frontpanel {
@@ -58,13 +59,16 @@ TEST_F(Menu_schema, HoldsForTheShippedMenu) {
 TEST_F(Menu_schema, NamesTheMembersOfEveryTypeOfItem) {
     const rapidjson::Value& definitions = m_text["definitions"];
     std::set<std::string> types;
-    for (const Loader::Item_type& type : Loader::item_types()) {
-        const std::string name = std::string("item-") + type.name;
+    for (const Entry_kind& kind : entry_kinds()) {
+        if (kind.name == nullptr) {
+            continue;
+        }
+        const std::string name = std::string("item-") + kind.name;
         types.insert(name);
         ASSERT_TRUE(definitions.HasMember(name.c_str())) << name;
         std::set<std::string> described = names_in(definitions[name.c_str()]["properties"]);
         EXPECT_EQ(described.erase("repeat"), 1U) << name;
-        const std::vector<const char*> known = Loader::members_of(type);
+        const std::vector<const char*> known = members_of(kind);
         EXPECT_EQ(described, std::set<std::string>(known.begin(), known.end())) << name;
     }
     for (const std::string& definition : names_in(definitions)) {

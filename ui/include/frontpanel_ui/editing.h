@@ -14,6 +14,7 @@
 #include <frontpanel_display/key.h>
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_menu/encoder_settings.h>
+#include <frontpanel_menu/entry_kind.h>
 #include <frontpanel_ui/device_link.h>
 #include <frontpanel_ui/editor_set.h>
 #include <frontpanel_ui/encoder_speed.h>
@@ -47,7 +48,7 @@ public:
     bool is_changing() const { return is_open() && m_editor->can_change(); }
     // Whether that value is a text.
     bool is_changing_text() const {
-        return is_changing() && entry().Get_entry_type() == Data_entry::STRING_LEAF;
+        return is_changing() && kind_of(entry()).has(Entry_kind::IS_TYPED);
     }
     // The entry of the open editor.
     Data_entry& entry() const { return *m_editor->entry(); }

@@ -1,8 +1,10 @@
+#include "file/item_rules.h"
+
 #include <algorithm>
 
 #include <frontpanel_binding/rule_kind.h>
-#include <frontpanel_menu/entry_access.h>
-#include "file/loader.h"
+#include <frontpanel_menu/entry_kind.h>
+#include "file/item_members.h"
 
 namespace frontpanel {
 namespace {
@@ -51,69 +53,37 @@ std::string interval_text(int low, int high) {
 }
 
 // The entries that rules are for, as errors have it; null when they are for this one.
-const char* misfit(Rule_entries entries, Data_entry::Entry_type type) {
+const char* misfit(Rule_entries entries, const Entry_kind& kind) {
     switch (entries) {
         case Rule_entries::ALL:
             break;
         case Rule_entries::WITH_VALUE:
-            return type == Data_entry::NODE ? "items that have a value" : nullptr;
+            return kind.has(Entry_kind::HAS_VALUE) ? nullptr : "items that have a value";
         case Rule_entries::RANGES:
-            return type == Data_entry::RANGE_LEAF ? nullptr : "items of type \"range\"";
+            return kind.has(Entry_kind::IS_NUMBER) ? nullptr : "items of type \"range\"";
         case Rule_entries::ENUMERATIONS:
-            return type == Data_entry::ENUM_LEAF ? nullptr : "items of type \"enum\"";
+            return kind.has(Entry_kind::HAS_KEYS) ? nullptr : "items of type \"enum\"";
     }
     return nullptr;
 }
 
-}  // namespace
-
-// The engine gets all it needs before the entry takes it over.
-void Loader::bind(const Json_value& item, Data_entry& entry, std::optional<Bounds> bounds) {
-    const std::optional<Json_value> source = item.find("binding");
-    if (!source) {
-        return;
-    }
-    m_problems.attempt([&] {
-        const Compile_result compiled = m_menu.bindings()->compile(
-            source->text_with_lines(), entry.Get_return_type_int_or_string());
-        if (!compiled.ok()) {
-            report_in(*source, compiled.errors);
-            return;
-        }
-        for (const Compile_error& warning : compiled.warnings) {
-            warn_in(*source, warning, m_problems);
-        }
-        auto binding = std::make_unique<Expression_binding>(m_menu.bindings());
-        binding->addBindingList(compiled.list);
-        if (bounds) {
-            binding->set_fallback_range(bounds->min, bounds->max);
-        }
-        entry.Set_binding_object(binding.release());
-        m_binding_places.emplace(&entry, source->place());
-        for (const Named_parameter& parameter : compiled.parameters) {
-            m_problems.attempt([&] { check_rule_parameter(*source, parameter); });
-        }
-        for (const Rule_note& note : compiled.notes) {
-            m_problems.attempt([&] { check_rule(*source, note, entry, bounds); });
-        }
-    });
-}
-
 // A name that is unknown because its declaration is wrong has been told there.
-void Loader::report_in(const Json_value& source, const std::vector<Compile_error>& errors) const {
+void report_in(Load_context& context, const Json_value& source,
+               const std::vector<Compile_error>& errors) {
     for (const Compile_error& error : errors) {
-        m_problems.attempt([&] {
+        context.problems.attempt([&] {
             if (!error.unknown_name.empty()) {
-                (void)m_device.parameter(error.unknown_name);
+                (void)context.device.parameter(error.unknown_name);
             }
             fail_in(source, error);
         });
     }
 }
 
-void Loader::check_rule_parameter(const Json_value& source, const Named_parameter& named) const {
+void check_rule_parameter(const Load_context& context, const Json_value& source,
+                          const Named_parameter& named) {
     const var_index_s& key = named.key;
-    const Parameter* const parameter = m_device.parameter(key.var, key.index);
+    const Parameter* const parameter = context.device.parameter(key.var, key.index);
     if (parameter == nullptr) {
         fail_in(source, named.offset,
                 "the device has no parameter " + std::to_string(key.var) + " with this index");
@@ -124,27 +94,9 @@ void Loader::check_rule_parameter(const Json_value& source, const Named_paramete
     }
 }
 
-// What a rule asks for in vain, or what nobody can give it.
-void Loader::check_rule(const Json_value& source, const Rule_note& note, const Data_entry& entry,
-                        std::optional<Bounds> bounds) const {
-    if (const char* const others = misfit(rule_entries(note.kind), entry.Get_entry_type())) {
-        fail_in(source, note.offset,
-                "\"" + std::string(rule_word(note.kind)) + "\" is for " + others);
-    }
-    if (note.kind == SUGGESTION_KEYS && !is_live(entry)) {
-        const auto& choices = static_cast<const Enum_entry&>(entry);
-        bounds = Bounds{0, static_cast<int>(choices.Get_size_enum()) - 1};
-    }
-    if (note.kind == SUGGESTION_SET) {
-        check_written_value(source, note);
-    } else if (bounds && note.numbers) {
-        check_interval(source, note, *bounds);
-    }
-}
-
 // The ends of a range are cut to those of the entry, so that one may be beyond them; a key that no choice has
 // is a mistake.
-void Loader::check_interval(const Json_value& source, const Rule_note& note, Bounds bounds) {
+void check_interval(const Json_value& source, const Rule_note& note, Bounds bounds) {
     const auto [low, high] = *note.numbers;
     const bool is_key = note.kind == SUGGESTION_KEYS;
     if (high < bounds.min || low > bounds.max || (is_key && high > bounds.max)) {
@@ -156,9 +108,10 @@ void Loader::check_interval(const Json_value& source, const Rule_note& note, Bou
     }
 }
 
-void Loader::check_written_value(const Json_value& source, const Rule_note& note) const {
+void check_written_value(const Load_context& context, const Json_value& source,
+                         const Rule_note& note) {
     const var_index_s& key = note.written;
-    const Parameter* const parameter = m_device.parameter(key.var, key.index);
+    const Parameter* const parameter = context.device.parameter(key.var, key.index);
     if (parameter == nullptr || parameter->type != key.rt) {
         return;  // told where it is named
     }
@@ -177,24 +130,58 @@ void Loader::check_written_value(const Json_value& source, const Rule_note& note
     }
 }
 
-// A circle of writes may never come to rest. Limits that follow each other do, and are often meant so.
-void Loader::check_cycles() {
-    for (const Binding_cycle& cycle : m_menu.bindings()->find_cycles()) {
-        const auto place = std::find_if(cycle.steps.begin(), cycle.steps.end(),
-                                        [this](const Binding_cycle::Step& step) {
-                                            return m_binding_places.count(step.entry) > 0;
-                                        });
-        if (place == cycle.steps.end()) {
-            continue;
-        }
-        if (cycle.kind == Binding_cycle::Kind::WRITES) {
-            m_problems.report(m_binding_places.at(place->entry),
-                              "rules that write drive each other in a circle: " + cycle.text());
-        } else {
-            m_problems.warn(m_binding_places.at(place->entry),
-                            "rules limit each other in a circle: " + cycle.text());
-        }
+// What a rule asks for in vain, or what nobody can give it.
+void check_rule(const Load_context& context, const Json_value& source, const Rule_note& note,
+                const Data_entry& entry, std::optional<Bounds> bounds) {
+    const Entry_kind& kind = kind_of(entry);
+    if (const char* const others = misfit(rule_entries(note.kind), kind)) {
+        fail_in(source, note.offset,
+                "\"" + std::string(rule_word(note.kind)) + "\" is for " + others);
     }
+    if (note.kind == SUGGESTION_KEYS && !kind.has(Entry_kind::IS_FETCHED)) {
+        const auto& choices = static_cast<const Enum_entry&>(entry);
+        bounds = Bounds{0, static_cast<int>(choices.Get_size_enum()) - 1};
+    }
+    if (note.kind == SUGGESTION_SET) {
+        check_written_value(context, source, note);
+    } else if (bounds && note.numbers) {
+        check_interval(source, note, *bounds);
+    }
+}
+
+}  // namespace
+
+// The engine gets all it needs before the entry takes it over.
+void bind(Load_context& context, const Json_value& item, Data_entry& entry,
+          std::optional<Bounds> bounds) {
+    const std::optional<Json_value> source = item.find(member::BINDING);
+    if (!source) {
+        return;
+    }
+    context.problems.attempt([&] {
+        const Compile_result compiled = context.menu.bindings()->compile(
+            source->text_with_lines(), entry.Get_return_type_int_or_string());
+        if (!compiled.ok()) {
+            report_in(context, *source, compiled.errors);
+            return;
+        }
+        for (const Compile_error& warning : compiled.warnings) {
+            warn_in(*source, warning, context.problems);
+        }
+        auto binding = std::make_unique<Expression_binding>(context.menu.bindings());
+        binding->addBindingList(compiled.list);
+        if (bounds) {
+            binding->set_fallback_range(bounds->min, bounds->max);
+        }
+        entry.Set_binding_object(binding.release());
+        context.built.rules.emplace(&entry, source->place());
+        for (const Named_parameter& parameter : compiled.parameters) {
+            context.problems.attempt([&] { check_rule_parameter(context, *source, parameter); });
+        }
+        for (const Rule_note& note : compiled.notes) {
+            context.problems.attempt([&] { check_rule(context, *source, note, entry, bounds); });
+        }
+    });
 }
 
 }  // namespace frontpanel

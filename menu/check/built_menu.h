@@ -1,0 +1,56 @@
+// A menu as it was built, with the places in the file that the checks of the whole name in their messages.
+#ifndef FRONTPANEL_MENU_BUILT_MENU_H
+#define FRONTPANEL_MENU_BUILT_MENU_H
+
+#include <frontpanel_data/data_entry.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <frontpanel_base/json_value.h>
+#include <frontpanel_menu/menu.h>
+#include "file/product_options.h"
+
+namespace frontpanel {
+
+struct Built_menu {
+    // An item that is no link, and stands in a menu.
+    struct Item {
+        Data_entry* entry;
+        Json_value item;
+    };
+    // A menu with what stands in it; null for a link that could not be placed.
+    struct Submenu {
+        Data_entry* entry;
+        std::vector<Data_entry*> children;
+    };
+    struct Name {
+        Json_value place;
+        const Data_entry* entry;
+    };
+    struct Link {
+        Json_value reference;  // that names the target
+        const Data_entry* target;
+        const Link_entry* link;
+    };
+    struct Display_expression {
+        Json_value place;
+        std::string text;
+    };
+
+    Menu& menu;
+    const Product_options& options;
+    int columns;  // of the display
+    std::vector<Item> items;
+    std::vector<Submenu> menus;  // each before those in it
+    std::vector<Name> names;     // that the display shows
+    std::vector<Link> links;
+    std::map<const Data_entry*, Place> rules;
+    std::vector<Display_expression> display_expressions;
+    bool has_toggles = false;
+};
+
+}  // namespace frontpanel
+
+#endif

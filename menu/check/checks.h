@@ -1,0 +1,25 @@
+// What can be judged only of a menu as a whole: one pass a question, over the menu as it was built. What a pass finds
+// becomes one of `problems`.
+#ifndef FRONTPANEL_MENU_CHECKS_H
+#define FRONTPANEL_MENU_CHECKS_H
+
+#include <frontpanel_base/problems.h>
+#include "check/built_menu.h"
+
+namespace frontpanel {
+
+// Warns of names that a line of the display cuts.
+void check_name_widths(const Built_menu& built);
+// Warns of items that are never shown, whatever the device does, and of what leads to them in vain.
+void check_reach(const Built_menu& built);
+// Reports rules that drive each other in a circle of writes, and warns of limits that follow each other in one.
+void check_circles(const Built_menu& built, Problems& problems);
+// Reports display expressions that would take the toggles' result away.
+void check_toggle_names(const Built_menu& built);
+// Warns of options that are patterns by accident. Without errors only: else the item that uses the option may be the
+// wrong one.
+void check_options(const Built_menu& built, Problems& problems);
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,105 @@
+#include <algorithm>
+#include <map>
+
+#include "check/checks.h"
+#include "file/item_members.h"
+
+namespace frontpanel {
+namespace {
+
+bool is_within(const Data_entry* entry, const Data_entry* menu) {
+    while (entry != nullptr && entry != menu) {
+        entry = entry->Get_parent();
+    }
+    return entry == menu;
+}
+
+class Reach {
+public:
+    explicit Reach(const Built_menu& built) : m_built(built) {
+        for (const Built_menu::Item& item : built.items) {
+            m_items.insert({item.entry, {item.item, is_never_shown(item)}});
+        }
+    }
+
+    void warn() {
+        for (const auto& [entry, reach] : m_items) {
+            if (reach.is_never_shown) {
+                warn_of_hidden_item(*entry, reach.item);
+            }
+        }
+        std::for_each(
+            m_built.menus.rbegin(), m_built.menus.rend(),
+            [this](const Built_menu::Submenu& menu) { warn_of_menu_without_items(menu); });
+        for (const Built_menu::Link& link : m_built.links) {
+            if (hides(link.target)) {
+                link.reference.warn("this item is never shown, and neither is a link to it");
+            }
+        }
+    }
+
+private:
+    struct Item {
+        Json_value item;
+        bool is_never_shown;
+    };
+
+    // By its own members: an option that is declared may hold on another device, any other never does.
+    static bool is_never_shown(const Built_menu::Item& item) {
+        Data_entry& entry = *item.entry;
+        if (entry.Get_visible() < 0) {
+            return true;
+        }
+        const std::vector<std::string> options = entry.Get_options();
+        const auto is_unknown = [&entry](const std::string& option) {
+            return entry.isOptionStatic(option, false).isStatic < 0;
+        };
+        const bool is_never =
+            !options.empty() && std::all_of(options.begin(), options.end(), is_unknown);
+        if (is_never) {
+            item.item.member(member::OPTIONS)
+                .warn("none of these options is declared, so this is never shown");
+        }
+        return is_never;
+    }
+
+    bool hides(const Data_entry* entry) const {
+        const auto found = m_items.find(entry);
+        return found != m_items.end() && found->second.is_never_shown;
+    }
+
+    void warn_of_hidden_item(const Data_entry& entry, const Json_value& item) const {
+        if (const auto shortcut = item.find(member::SHORTCUT)) {
+            shortcut->warn("this button leads to an item that is never shown");
+        }
+        const auto leads_into = [&entry](const Built_menu::Link& link) {
+            return link.target != &entry && is_within(link.target, &entry);
+        };
+        if (entry.Get_entry_type() == Data_entry::NODE &&
+            std::none_of(m_built.links.begin(), m_built.links.end(), leads_into)) {
+            item.warn("this menu is never shown, and no link leads into it");
+        }
+    }
+
+    void warn_of_menu_without_items(const Built_menu::Submenu& menu) {
+        const auto found = m_items.find(menu.entry);
+        if (found == m_items.end() || found->second.is_never_shown || menu.children.empty() ||
+            !std::all_of(menu.children.begin(), menu.children.end(),
+                         [this](const Data_entry* child) { return hides(child); })) {
+            return;
+        }
+        found->second.is_never_shown = true;
+        found->second.item.warn("this menu is never shown, since none of its items is");
+    }
+
+    const Built_menu& m_built;
+    std::map<const Data_entry*, Item> m_items;
+};
+
+}  // namespace
+
+void check_reach(const Built_menu& built) {
+    Reach(built).warn();
+}
+
+}  // namespace frontpanel

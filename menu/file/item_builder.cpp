@@ -1,0 +1,183 @@
+#include "file/item_builder.h"
+
+#include <algorithm>
+
+#include <frontpanel_menu/entry_kind.h>
+#include "file/editor_items.h"
+
+namespace frontpanel {
+namespace {
+
+constexpr int64_t LAST_BUTTON = 99;
+constexpr size_t LONGEST_ID = 63;
+// A link owns what it houses by this name alone.
+constexpr const char* BRIDGE_NAME = "Bridge Entry";
+
+// A wrong name is reported, and the item goes on under another.
+std::string checked_name(Load_context& context, const Json_value& item, const Spot& spot) {
+    return spot.bridge != nullptr
+               ? BRIDGE_NAME
+               : context.problems.value_or([&item] { return name_of(item); }, std::string("?"));
+}
+
+// `place` is where an error is reported.
+const Parameter& expect_type(const Json_value& place, const Parameter* parameter,
+                             const std::string& what, RETURN_TYPE type) {
+    if (parameter == nullptr) {
+        place.fail("the device has no parameter " + what);
+    }
+    if (parameter->type != type) {
+        place.fail("parameter " + what + " is of another type");
+    }
+    return *parameter;
+}
+
+const Parameter& parameter_of(const Load_context& context, const Json_value& item,
+                              const Index_t& index, RETURN_TYPE type) {
+    const auto name = item.find(member::PARAMETER);
+    if (!name) {
+        return parameter_at(context, item.member(member::PID), pid_of(item), index, type);
+    }
+    for (const char* const other : {member::PID, member::INDEX}) {
+        if (const auto superfluous = item.find(other)) {
+            superfluous->report("\"parameter\" names the parameter already");
+        }
+    }
+    const std::string text = name->text();
+    return expect_type(*name, context.device.parameter(text), "\"" + text + "\"", type);
+}
+
+}  // namespace
+
+const Entry_kind& kind_of_item(const Json_value& item) {
+    std::vector<const Entry_kind*> kinds;
+    std::vector<const char*> names;
+    for (const Entry_kind& kind : entry_kinds()) {
+        if (kind.name != nullptr) {
+            kinds.push_back(&kind);
+            names.push_back(kind.name);
+        }
+    }
+    return *kinds[item.member(member::TYPE).choice(names)];
+}
+
+std::vector<const char*> members_of(const Entry_kind& kind) {
+    std::vector<const char*> members{member::TYPE, member::ID};
+    if (!kind.has(Entry_kind::HAS_OWN_MEMBERS)) {
+        members.insert(members.end(),
+                       {member::NAME, member::DESCRIPTION, member::INDEX, member::VISIBLE,
+                        member::SHORTCUT, member::OPTIONS, member::BINDING, member::EDITOR});
+    }
+    members.insert(members.end(), kind.members.begin(), kind.members.end());
+    return members;
+}
+
+std::vector<const char*> bridged_members_of(const Entry_kind& kind) {
+    std::vector<const char*> members{member::TYPE,    member::DESCRIPTION, member::INDEX,
+                                     member::OPTIONS, member::BINDING,     member::EDITOR};
+    members.insert(members.end(), kind.members.begin(), kind.members.end());
+    return members;
+}
+
+Leaf entry_of(Load_context& context, const Json_value& item, const Spot& spot) {
+    Problems& problems = context.problems;
+    const std::string name = checked_name(context, item, spot);
+    const Index_t index = problems.value_or([&item] { return index_of(item); }, Index_t{});
+    return {name,
+            problems.value_or([&] { return text_or(item, member::DESCRIPTION, name); }, name),
+            Data_entry::PID_NONE,
+            index,
+            problems.value_or([&item] { return access_of(item); }, Data_entry::READ_WRITE),
+            problems.value_or([&item] { return visible_of(item); }, Data_entry::VISIBLE_ALL),
+            std::nullopt};
+}
+
+Leaf leaf_of(Load_context& context, const Json_value& item, const Spot& spot, RETURN_TYPE type) {
+    Leaf leaf = entry_of(context, item, spot);
+    leaf.pid = 0;
+    context.problems.attempt([&] {
+        leaf.parameter = parameter_of(context, item, leaf.index, type);
+        leaf.pid = leaf.parameter->pid;
+        if (item.find(member::PARAMETER)) {
+            leaf.index = leaf.parameter->index;
+        }
+    });
+    return leaf;
+}
+
+const Parameter& parameter_at(const Load_context& context, const Json_value& place, uint32_t pid,
+                              const Index_t& index, RETURN_TYPE type) {
+    const Parameter* const found = context.device.parameter(pid, index);
+    if (found == nullptr) {
+        place.fail("the device has no parameter " + std::to_string(pid) + " with this index");
+    }
+    return expect_type(place, found, std::to_string(pid), type);
+}
+
+const Index_t* kept_index(Load_context& context, const Leaf& leaf, const Spot& spot) {
+    if (spot.bridge == nullptr) {
+        return context.menu.keep_index(leaf.index);
+    }
+    *spot.bridge = std::make_unique<const Index_t>(leaf.index);
+    return spot.bridge->get();
+}
+
+void finish(Load_context& context, const Json_value& item, Data_entry& entry, const Spot& spot) {
+    set_properties(context, item, entry, spot);
+    if (spot.bridge != nullptr) {
+        return;
+    }
+    enlist(context, item, entry);
+    if (const auto shortcut = item.find(member::SHORTCUT)) {
+        context.problems.attempt([&] { set_shortcut(context, *shortcut, entry); });
+    }
+    if (const auto name = item.find(member::NAME)) {
+        context.built.names.push_back({*name, &entry});
+    }
+}
+
+void set_properties(Load_context& context, const Json_value& item, Data_entry& entry,
+                    const Spot& spot) {
+    entry.setNodeLevel(spot.level);
+    entry.setProductOptions(context.options.values());
+    if (const auto options = item.find(member::OPTIONS)) {
+        context.problems.attempt([&] { entry.setOrOptions(context.options.use(*options)); });
+    }
+    if (const auto editor = item.find(member::EDITOR)) {
+        context.problems.attempt(
+            [&] { context.menu.editor_settings()[&entry] = editor_settings_of(*editor, entry); });
+    }
+}
+
+void enlist(Load_context& context, const Json_value& item, Data_entry& entry) {
+    Built_menu::Submenu* const menu = context.open_menu();
+    if (menu == nullptr) {
+        return;  // the top menu
+    }
+    menu->children.push_back(&entry);
+    if (entry.Get_entry_type() != Data_entry::LINK_ENTRY) {
+        context.built.items.push_back({&entry, item});
+    }
+    context.names.add(entry.Get_name(), &entry);
+    if (const auto id = item.find(member::ID)) {
+        context.problems.attempt([&] { add_id(context, *id, entry); });
+    }
+}
+
+void add_id(Load_context& context, const Json_value& id, Data_entry& entry) {
+    const std::string text = id.text_of_length(1, LONGEST_ID);
+    if (!context.names.add_id(text, &entry)) {
+        id.fail("another item has the id \"" + text + "\"");
+    }
+    context.menu.add_id(text, &entry);
+}
+
+void set_shortcut(Load_context& context, const Json_value& button, Data_entry& entry) {
+    const int number = static_cast<int>(button.integer(1, LAST_BUTTON));
+    entry.Set_shortcut(number);
+    if (!context.menu.add_shortcut(number, entry)) {
+        button.fail("shortcut button " + std::to_string(number) + " is taken");
+    }
+}
+
+}  // namespace frontpanel

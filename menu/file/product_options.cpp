@@ -1,0 +1,42 @@
+#include "file/product_options.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <frontpanel_base/parameter_declaration.h>
+
+namespace frontpanel {
+
+void Product_options::declare(const Json_value& options) {
+    m_problems.attempt([&] {
+        for (const Json_value::Member& option : options.members()) {
+            m_problems.attempt([&] { declare(option); });
+        }
+    });
+}
+
+void Product_options::declare(const Json_value::Member& option) {
+    constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
+    const std::string& name = option.name;
+    const auto is_printable = [](char byte) { return byte >= ' ' && byte <= '~'; };
+    if (name.empty() || !std::all_of(name.begin(), name.end(), is_printable)) {
+        throw Placed_error(option.place, "expected an option name of printable ASCII characters");
+    }
+    declare(name, static_cast<unsigned int>(option.value.integer(0, HIGHEST)));
+    m_places.emplace(name, option.place);
+}
+
+void Product_options::declare(const std::string& name, unsigned int value) {
+    m_values[name] = std::max(m_values[name], value);
+}
+
+std::vector<std::string> Product_options::use(const Json_value& list) {
+    std::vector<std::string> names;
+    for (const Json_value& item : list.items()) {
+        m_problems.attempt([&] { names.push_back(item.text_of_length(1, LONGEST_TEXT)); });
+    }
+    m_used.insert(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace frontpanel
