@@ -30,8 +30,8 @@
 #include <frontpanel_ui/script_player.h>
 #include <frontpanel_ui/session.h>
 #include "curl_home.h"
-#include "loaded_panel.h"
 #include "file_roles.h"
+#include "loaded_panel.h"
 #include "options.h"
 #include "output_log.h"
 #include "shipped.h"
@@ -287,26 +287,24 @@ bool is_report(const Options& options) {
     return options.dump || options.graph || !options.explain.empty();
 }
 
+std::string report_of(const Options& options, Menu& menu) {
+    if (options.dump) {
+        debug = 0;
+        return dump_of(menu);
+    }
+    return options.graph ? graph_of(menu) : explain(menu, options.explain);
+}
+
 // What the library prints while the menu is read goes to the log as ever, so that standard output is the report.
 int report(const Options& options) {
-    Loaded_panel loaded;
-    {
-        Output_log log(options.log);
-        debug = options.debug;
-        loaded = load(options, log, Cards::OFF);
-        Menu& menu = *loaded.menu;
-        VarIdDataInfStore::m_pDataAccessInf = &menu.access();
-        refresh_all(menu);
-        if (!options.dump) {
-            log.out() << (options.graph ? graph_of(menu) : explain(menu, options.explain));
-            log.out().flush();
-            check_written(!log.out());
-            return EXIT_PLAYED;
-        }
-        debug = 0;
-    }
-    print_tree(*loaded.menu);
-    check_written(std::fflush(stdout) != 0 || std::ferror(stdout) != 0);
+    Output_log log(options.log);
+    debug = options.debug;
+    const Loaded_panel loaded = load(options, log, Cards::OFF);
+    VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
+    refresh_all(*loaded.menu);
+    log.out() << report_of(options, *loaded.menu);
+    log.out().flush();
+    check_written(!log.out());
     return EXIT_PLAYED;
 }
 

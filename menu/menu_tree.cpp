@@ -9,13 +9,14 @@
 namespace frontpanel {
 namespace {
 
-void add_below(Data_entry& menu, const std::string& path, std::vector<Placed_entry>& entries) {
+void add_below(Data_entry& menu, const std::string& path, int depth,
+               std::vector<Placed_entry>& entries) {
     for (Data_entry* child = neighbour(menu, Data_entry::OPERATION_CHILD); child != nullptr;
          child = neighbour(*child, Data_entry::OPERATION_NEXT)) {
         const std::string name = path + shown_name(child->Get_name());
-        entries.push_back({child, &menu, name});
+        entries.push_back({child, &menu, name, depth});
         if (child->Get_entry_type() == Data_entry::NODE) {
-            add_below(*child, name + "/", entries);
+            add_below(*child, name + "/", depth + 1, entries);
         }
     }
 }
@@ -26,8 +27,9 @@ std::vector<Placed_entry> entries_of(Menu& menu) {
     std::vector<Placed_entry> entries;
     for (Data_entry* const top : {&menu.root(), menu.homescreen(), menu.favourites()}) {
         if (top != nullptr) {
-            entries.push_back({top, nullptr, top->Get_name()});
-            add_below(*top, top == &menu.root() ? "" : std::string(top->Get_name()) + "/", entries);
+            entries.push_back({top, nullptr, top->Get_name(), 0});
+            add_below(*top, top == &menu.root() ? "" : std::string(top->Get_name()) + "/", 1,
+                      entries);
         }
     }
     return entries;

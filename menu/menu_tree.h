@@ -15,6 +15,7 @@ struct Placed_entry {
     Data_entry* entry;
     Data_entry* menu;  // the menu around it; null for a top
     std::string path;  // "Audio/Gain 1"; a top's own name for a top
+    int depth;         // the menus around it; 0 for a top
 };
 
 // Every entry in the order of the menu, then the homescreen with its links, then the favourites with theirs.

@@ -1,7 +1,5 @@
 #include <frontpanel_menu/menu_dump.h>
 
-#include <cstdio>
-
 #include <frontpanel_menu/entry_access.h>
 #include "menu_tree.h"
 
@@ -17,16 +15,14 @@ void refresh_all(Menu& menu) {
     menu.bindings()->settle();
 }
 
-void print_tree(Menu& menu) {
-    constexpr int PRINT = 0x4;
+std::string dump_of(Menu& menu) {
     constexpr int REPORT = 4;
-    for (Data_entry* const top : {&menu.root(), menu.homescreen(), menu.favourites()}) {
-        if (top != nullptr) {
-            std::printf("%s\n", top->getProperties(REPORT).c_str());
-            int depth = 1;
-            Data_entry::TraverseMenuTree(top, PRINT, &depth);
-        }
+    std::string text;
+    for (const Placed_entry& placed : entries_of(menu)) {
+        text += std::string(static_cast<size_t>(placed.depth), '\t') +
+                placed.entry->getProperties(REPORT) + "\n";
     }
+    return text;
 }
 
 }  // namespace frontpanel

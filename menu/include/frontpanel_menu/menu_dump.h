@@ -2,6 +2,8 @@
 #ifndef FRONTPANEL_MENU_MENU_DUMP_H
 #define FRONTPANEL_MENU_MENU_DUMP_H
 
+#include <string>
+
 #include <frontpanel_menu/menu.h>
 
 namespace frontpanel {
@@ -10,9 +12,9 @@ namespace frontpanel {
 // Live lists are left out: they would be fetched.
 void refresh_all(Menu& menu);
 
-// Prints the menu to standard output, then the homescreen and the favourites: a line for each entry, with a tab
-// for each menu around it. What links lead to stands in its own place only; mounted menus are not built.
-void print_tree(Menu& menu);
+// The menu, then the homescreen and the favourites: a line for each entry, with a tab for each menu around it. What
+// links lead to stands in its own place only; mounted menus are not built. Reads nothing: see `refresh_all`.
+std::string dump_of(Menu& menu);
 
 }  // namespace frontpanel
 

@@ -41,10 +41,8 @@ protected:
 
 TEST_F(Menu_reports, TheTreeHasALineForEachEntryWithATabForEachMenuAround) {
     refresh_all(menu());
-    testing::internal::CaptureStdout();
-    print_tree(menu());
     EXPECT_EQ(
-        testing::internal::GetCapturedStdout(),
+        dump_of(menu()),
         "Main \"A&B\" \\n varid[-1.0.0@s] num_index_levels=[0] type[0] vis[1] shortcut[-1] \n"
         "\tAudio varid[-1.0.0@s] num_index_levels=[0] type[0] vis[1] shortcut[-1] \n"
         "\t\tGain varid[100.1.0@i] num_index_levels=[1] type[1] vis[1] shortcut[-1] range={  [0, 100] }\n"
