@@ -1,120 +1,101 @@
-#include "support/panel_fixture.h"
+#include "file/item_builder.h"
+
+#include "unit/menu/kinds_fixture.h"
 
 namespace frontpanel {
 namespace {
 
-constexpr const char* PARAMETERS = R"(
-    {"pid": 5, "type": "integer", "min": 0, "max": 2, "value": 1},
-    {"pid": 6, "type": "integer", "min": 1, "max": 2, "value": 1},
-    {"pid": 7, "type": "integer", "min": 0, "max": 14, "value": 4},
-    {"pid": 8, "type": "integer", "min": 0, "max": 15, "value": 0},
-    {"pid": 9001, "type": "integer", "min": 0, "max": 1, "value": 0},
-    {"pid": 20, "type": "text", "length": 8, "value": "abc"},
-    {"pid": 21, "type": "text", "length": 15, "value": "127.0.0.1"},
-    {"pid": 65549, "type": "text", "length": 40, "value": "Fan stopped"})";
-
-constexpr const char* CARDS = R"("cards": [{"slot": 3,
-    "combo-boxes": [{"pid": 9001, "options": ["A", "B"]}],
-    "trees": [{"pid": 9002, "tree": {"label": "T"}}]}])";
-
-std::string with_item(const std::string& type, const std::string& members) {
-    return R"({"options": {"gps": 1, "modem": 0}, "device": {"parameters": [)" +
-           std::string(PARAMETERS) + "], " + CARDS +
-           R"(}, "menu": {"name": "Main", "items": [{"name": "Item", "type": ")" + type + "\"" +
-           (members.empty() ? "" : ", ") + members + "}]}}";
-}
-
-TEST(MenuLoaderTypes, AnErrorNamesPlaceAndExpectation) {
+TEST(ItemBuilder, AnErrorNamesPlaceAndExpectation) {
     const Error_case CASES[] = {
-        {with_item("text", ""), "menu.json: /menu/items/0: expected a member \"pid\""},
-        {with_item("text", R"("pid": 20)"), ""},
-        {with_item("text", R"("pid": 5)"),
+        {with_item_of("text", ""), "menu.json: /menu/items/0: expected a member \"pid\""},
+        {with_item_of("text", R"("pid": 20)"), ""},
+        {with_item_of("text", R"("pid": 5)"),
          "menu.json: /menu/items/0/pid: parameter 5 is of another type"},
-        {with_item("text", R"("pid": 99)"),
+        {with_item_of("text", R"("pid": 99)"),
          "menu.json: /menu/items/0/pid: the device has no parameter 99 with this index"},
-        {with_item("text", R"("pid": 65549)"),
+        {with_item_of("text", R"("pid": 65549)"),
          "menu.json: /menu/items/0/pid: parameter 65549 is shown by items of type \"warning\""},
-        {with_item("text", R"("pid": 20, "format": "%d")"),
+        {with_item_of("text", R"("pid": 20, "format": "%d")"),
          "menu.json: /menu/items/0/format@: unknown member \"format\""},
-        {with_item("text", R"("pid": 20, "access": "none")"),
+        {with_item_of("text", R"("pid": 20, "access": "none")"),
          "menu.json: /menu/items/0/access: expected one of \"read-only\", \"read-write\", \"write-only\", found \"none\""},
-        {with_item("address", R"("pid": 21)"), ""},
-        {with_item("address", R"("pid": 20)"),
+        {with_item_of("address", R"("pid": 21)"), ""},
+        {with_item_of("address", R"("pid": 20)"),
          "menu.json: /menu/items/0/pid: expected a parameter of at least 15 characters for an address"},
-        {with_item("address", R"("pid": 5)"),
+        {with_item_of("address", R"("pid": 5)"),
          "menu.json: /menu/items/0/pid: parameter 5 is of another type"},
-        {with_item("time", R"("pid": 20)"), ""},
-        {with_item("time", R"("pid": 5)"),
+        {with_item_of("time", R"("pid": 20)"), ""},
+        {with_item_of("time", R"("pid": 5)"),
          "menu.json: /menu/items/0/pid: parameter 5 is of another type"},
-        {with_item("warning", ""), ""},
-        {with_item("warning", R"("pid": 65549)"),
+        {with_item_of("warning", ""), ""},
+        {with_item_of("warning", R"("pid": 65549)"),
          "menu.json: /menu/items/0/pid@: unknown member \"pid\""},
-        {with_item("warning", R"("index": [1])"),
+        {with_item_of("warning", R"("index": [1])"),
          "menu.json: /menu/items/0: the device has no parameter 65549 with this index"},
-        {with_item("enum", R"("pid": 5, "choices": ["A", "B", "C"])"), ""},
-        {with_item("enum", R"("pid": 5)"),
+        {with_item_of("enum", R"("pid": 5, "choices": ["A", "B", "C"])"), ""},
+        {with_item_of("enum", R"("pid": 5)"),
          "menu.json: /menu/items/0: expected a member \"choices\""},
-        {with_item("enum", R"("pid": 20, "choices": ["A"])"),
+        {with_item_of("enum", R"("pid": 20, "choices": ["A"])"),
          "menu.json: /menu/items/0/pid: parameter 20 is of another type"},
-        {with_item("enum", R"("pid": 5, "choices": "A")"),
+        {with_item_of("enum", R"("pid": 5, "choices": "A")"),
          "menu.json: /menu/items/0/choices: expected a list, found a text"},
-        {with_item("enum", R"("pid": 5, "choices": [])"),
+        {with_item_of("enum", R"("pid": 5, "choices": [])"),
          "menu.json: /menu/items/0/choices: expected a choice for each value of the parameter, 0 to "
          "2, counted from 0, found 0"},
-        {with_item("enum", R"("pid": 5, "choices": ["A", "B"])"),
+        {with_item_of("enum", R"("pid": 5, "choices": ["A", "B"])"),
          "menu.json: /menu/items/0/choices: expected a choice for each value of the parameter, 0 to "
          "2, counted from 0, found 2"},
-        {with_item("enum", R"("pid": 6, "choices": ["A", "B", "C"])"),
+        {with_item_of("enum", R"("pid": 6, "choices": ["A", "B", "C"])"),
          "menu.json: /menu/items/0/choices: expected a choice for each value of the parameter, 1 to "
          "2, counted from 0, found 3"},
-        {with_item("enum", R"("pid": 5, "choices": ["A", 3, "C"])"),
+        {with_item_of("enum", R"("pid": 5, "choices": ["A", 3, "C"])"),
          "menu.json: /menu/items/0/choices/1: expected an object, found a whole number"},
-        {with_item("enum", R"("pid": 5, "choices": ["A", "", "C"])"),
+        {with_item_of("enum", R"("pid": 5, "choices": ["A", "", "C"])"),
          "menu.json: /menu/items/0/choices/1: expected a text of 1 to 256 characters, found 0"},
-        {with_item("enum", R"("pid": 5, "choices": ["A", {"text": "B"}, "C"])"),
+        {with_item_of("enum", R"("pid": 5, "choices": ["A", {"text": "B"}, "C"])"),
          "menu.json: /menu/items/0/choices/1: expected a member \"options\""},
-        {with_item("enum", R"("pid": 5, "choices": ["A", {"text": "B", "option": []}, "C"])"),
+        {with_item_of("enum", R"("pid": 5, "choices": ["A", {"text": "B", "option": []}, "C"])"),
          "menu.json: /menu/items/0/choices/1: expected a member \"options\"\n"
          "menu.json: /menu/items/0/choices/1/option@: unknown member \"option\""},
-        {with_item("enum", R"("pid": 5, "choices": ["A", {"text": "B", "options": [""]}, "C"])"),
+        {with_item_of("enum", R"("pid": 5, "choices": ["A", {"text": "B", "options": [""]}, "C"])"),
          "menu.json: /menu/items/0/choices/1/options/0: expected a text of 1 to 256 characters, "
          "found 0"},
-        {with_item("enum", R"("pid": 5, "choices": [{"text": "A", "options": ["modem"]},
+        {with_item_of("enum", R"("pid": 5, "choices": [{"text": "A", "options": ["modem"]},
              {"text": "B", "options": ["modem"]}, {"text": "C", "options": ["absent"]}])"),
          "menu.json: /menu/items/0/choices: expected at least one choice that is allowed with these "
          "product options"},
-        {with_item("enum", R"("pid": 9001, "choices": ["A", "B"])"),
+        {with_item_of("enum", R"("pid": 9001, "choices": ["A", "B"])"),
          "menu.json: /menu/items/0/pid: parameters 9000 to 9100 are of items with \"live\""},
-        {with_item("enum", R"("pid": 9001, "live": {"slot": 3, "web-type": "combobox"})"), ""},
-        {with_item("enum", R"("pid": 9002, "live": {"slot": 3, "web-type": "tree"})"), ""},
-        {with_item("enum", R"("pid": 5, "live": {"slot": 3, "web-type": "tree"})"),
+        {with_item_of("enum", R"("pid": 9001, "live": {"slot": 3, "web-type": "combobox"})"), ""},
+        {with_item_of("enum", R"("pid": 9002, "live": {"slot": 3, "web-type": "tree"})"), ""},
+        {with_item_of("enum", R"("pid": 5, "live": {"slot": 3, "web-type": "tree"})"),
          "menu.json: /menu/items/0/pid: expected a whole number from 9000 to 9100, found 5"},
-        {with_item("enum", R"("pid": 9001, "choices": [], "live": {"slot": 3})"),
+        {with_item_of("enum", R"("pid": 9001, "choices": [], "live": {"slot": 3})"),
          "menu.json: /menu/items/0/choices: the choices of an item with \"live\" come from its card\n"
          "menu.json: /menu/items/0/live: expected a member \"web-type\""},
-        {with_item("enum", R"("pid": 9001, "live": {"slot": 16})"),
+        {with_item_of("enum", R"("pid": 9001, "live": {"slot": 16})"),
          "menu.json: /menu/items/0/live/slot: expected a whole number from 1 to 15, found 16"},
-        {with_item("enum", R"("pid": 9001, "live": {"slot": 3})"),
+        {with_item_of("enum", R"("pid": 9001, "live": {"slot": 3})"),
          "menu.json: /menu/items/0/live: expected a member \"web-type\""},
-        {with_item("enum", R"("pid": 9001, "live": {"slot": 3, "web-type": "list"})"),
+        {with_item_of("enum", R"("pid": 9001, "live": {"slot": 3, "web-type": "list"})"),
          "menu.json: /menu/items/0/live/web-type: expected \"combobox\" or \"tree\", found \"list\""},
-        {with_item("enum", R"("pid": 9001, "live": {"slot": 3, "web-type": "tree"})"),
+        {with_item_of("enum", R"("pid": 9001, "live": {"slot": 3, "web-type": "tree"})"),
          "menu.json: /menu/items/0/live: no card in slot 3 has a tree 9001"},
-        {with_item("enum", R"("pid": 9003, "live": {"slot": 3, "web-type": "combobox"})"),
+        {with_item_of("enum", R"("pid": 9003, "live": {"slot": 3, "web-type": "combobox"})"),
          "menu.json: /menu/items/0/live: no card in slot 3 has a combobox 9003"},
-        {with_item("enum", R"("pid": 9001, "live": {"slot": 3, "webtype": "tree"})"),
+        {with_item_of("enum", R"("pid": 9001, "live": {"slot": 3, "webtype": "tree"})"),
          "menu.json: /menu/items/0/live: expected a member \"web-type\"\n"
          "menu.json: /menu/items/0/live/webtype@: unknown member \"webtype\""},
-        {with_item("slot", R"("pid": 7)"), ""},
-        {with_item("slot", R"("pid": 8)"),
+        {with_item_of("slot", R"("pid": 7)"), ""},
+        {with_item_of("slot", R"("pid": 8)"),
          "menu.json: /menu/items/0/pid: expected a parameter from 0 to at most 14 for a slot list"},
-        {with_item("slot", R"("pid": 6)"),
+        {with_item_of("slot", R"("pid": 6)"),
          "menu.json: /menu/items/0/pid: expected a parameter from 0 to at most 14 for a slot list"},
-        {with_item("slot", R"("pid": 20)"),
+        {with_item_of("slot", R"("pid": 20)"),
          "menu.json: /menu/items/0/pid: parameter 20 is of another type"},
-        {with_item("slot", R"("pid": 7, "binding": "visible if [5] == 1")"),
+        {with_item_of("slot", R"("pid": 7, "binding": "visible if [5] == 1")"),
          "menu.json: /menu/items/0/binding: a slot list follows no rules: its node can"},
-        {with_item("slot", R"("pid": 7, "slots": 3)"),
+        {with_item_of("slot", R"("pid": 7, "slots": 3)"),
          "menu.json: /menu/items/0/slots@: unknown member \"slots\""},
     };
     for (const Error_case& expected : CASES) {
@@ -131,7 +112,7 @@ struct Type_case {
     Data_entry::Data_access access;
 };
 
-TEST(MenuLoaderTypes, EveryTypeBuildsItsEntry) {
+TEST(ItemBuilder, EveryTypeBuildsItsEntry) {
     const Type_case CASES[] = {
         {"text", R"("pid": 20)", Data_entry::STRING_LEAF, 20, Data_entry::READ_WRITE},
         {"text", R"("pid": 20, "access": "read-only")", Data_entry::STRING_LEAF, 20,
@@ -146,7 +127,7 @@ TEST(MenuLoaderTypes, EveryTypeBuildsItsEntry) {
         {"slot", R"("pid": 7)", Data_entry::SLOT_ENUM, 7, Data_entry::READ_WRITE},
     };
     for (const Type_case& expected : CASES) {
-        Simulated_menu loaded = simulated_text(with_item(expected.type, expected.members));
+        Simulated_menu loaded = simulated_text(with_item_of(expected.type, expected.members));
         const Data_entry* const entry = loaded.menu->root().Get_child();
         ASSERT_NE(entry, nullptr) << expected.type;
         EXPECT_EQ(entry->Get_entry_type(), expected.built) << expected.type;
@@ -156,35 +137,7 @@ TEST(MenuLoaderTypes, EveryTypeBuildsItsEntry) {
     }
 }
 
-TEST(MenuLoaderTypes, ATextIsAsLongAsItsParameter) {
-    Simulated_menu loaded = simulated_text(with_item("text", R"("pid": 20)"));
-    auto* const text = dynamic_cast<String_entry*>(loaded.menu->root().Get_child());
-    ASSERT_NE(text, nullptr);
-    EXPECT_EQ(text->Get_max_length(), 8U);
-}
-
-TEST(MenuLoaderTypes, AChoiceWithoutProductOptionsStaysBesideThoseThatHaveSome) {
-    const std::string text = with_item("enum", R"("pid": 5,
-        "choices": ["Off", {"text": "Modem", "options": ["modem"]},
-                    {"text": "GPS", "options": ["gps"]}])");
-    Simulated_menu loaded = simulated_text(text);
-    auto* const entry = dynamic_cast<Enum_entry*>(loaded.menu->root().Get_child());
-    ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->optionControls(), (ControlsT{0, 2}));
-    EXPECT_EQ(loaded.warnings,
-              (Lines{placed(text,
-                            "menu.json: /menu/items/0/choices: warning: a choice behind a "
-                            "hidden one may show as ---")}));
-}
-
-TEST(MenuLoaderTypes, HiddenChoicesAtTheEndOfTheListAreNotWarnedOf) {
-    Simulated_menu loaded = simulated_text(with_item("enum", R"("pid": 5,
-        "choices": ["Off", {"text": "GPS", "options": ["gps"]},
-                    {"text": "Modem", "options": ["modem"]}])"));
-    EXPECT_TRUE(loaded.warnings.empty());
-}
-
-TEST(MenuLoaderTypes, BindingsShowAndHideEveryType) {
+TEST(ItemBuilder, BindingsShowAndHideEveryType) {
     for (const char* const item :
          {R"({"type": "text", "name": "T", "pid": 20, "binding": "visible if [5] == 2"})",
           R"({"type": "warning", "name": "T", "binding": "visible if [5] == 2"})",

@@ -37,7 +37,7 @@ constexpr const char* LABEL = R"({"type": "text", "name": "Label", "parameter": 
 constexpr const char* NODE = R"({"type": "node", "name": "Node",
     "items": [{"type": "range", "name": "Mode", "parameter": "mode"}])";
 
-TEST(MenuRules, ParametersGoByTheirNames) {
+TEST(ItemRules, ParametersGoByTheirNames) {
     Simulated_menu loaded =
         simulated_text(with_rules("visible if [mode] == 1 and [6.1] > 2; "
                                   "range -10..5 if [input 1 gain] == 3"));
@@ -49,7 +49,7 @@ TEST(MenuRules, ParametersGoByTheirNames) {
     EXPECT_LT(gain.isVisible(true, &loaded.menu->access()), 0);
 }
 
-TEST(MenuRules, EveryKindOfRuleReachesItsItem) {
+TEST(ItemRules, EveryKindOfRuleReachesItsItem) {
     Menu_panel panel(with_items(R"(
         {"type": "enum", "name": "Mode", "parameter": "mode", "choices": ["A", "B", "C"],
          "binding": "keys 1..2 if [input 1 gain] == 3"},
@@ -66,7 +66,7 @@ TEST(MenuRules, EveryKindOfRuleReachesItsItem) {
     EXPECT_EQ(mode.Get_next()->Get_next()->Set_value("", 1), 1);
 }
 
-TEST(MenuRules, AMistakeIsToldWhereItStands) {
+TEST(ItemRules, AMistakeIsToldWhereItStands) {
     const std::string unknown = with_rules("visible if [mood] == 1");
     const std::string unknown_place = error_at(unknown, 12, "");
     EXPECT_EQ(error_of(unknown).substr(0, unknown_place.size()), unknown_place);
@@ -75,13 +75,13 @@ TEST(MenuRules, AMistakeIsToldWhereItStands) {
     EXPECT_EQ(error_of(escaped).substr(0, place.size()), place);
 }
 
-TEST(MenuRules, AMistakeOnALaterLineIsToldWithIt) {
+TEST(ItemRules, AMistakeOnALaterLineIsToldWithIt) {
     const std::string text = with_rules(R"(visible if [mode] == 1\nrange 1..)");
     const std::string place = placed(text, "menu.json: /menu/items/0/binding: line 2, column 10: ");
     EXPECT_EQ(error_of(text).substr(0, place.size()), place);
 }
 
-TEST(MenuRules, TheMistakesOfAllRulesAreTold) {
+TEST(ItemRules, TheMistakesOfAllRulesAreTold) {
     const std::string text = with_rules("visible if [unheard] == 1; range 0..9; frobnicate");
     const std::string place = error_at(text, 40, "expected \"visible\"");
     const std::string errors = error_of(text);
@@ -101,7 +101,7 @@ std::string beside_wrong(const std::string& parameter, const std::string& rules)
                      std::string(GAIN) + R"(, "binding": ")" + rules + "\"}");
 }
 
-TEST(MenuRules, AParameterThatIsDeclaredWronglyIsToldThereAlone) {
+TEST(ItemRules, AParameterThatIsDeclaredWronglyIsToldThereAlone) {
     for (const char* const wrong : {
              R"({"name": "d", "pid": 9, "type": "integer", "min": 0, "max": 9})",
              R"({"name": "d", "pid": 9})",
@@ -126,7 +126,7 @@ TEST(MenuRules, AParameterThatIsDeclaredWronglyIsToldThereAlone) {
               error_of(beside_wrong(again, "visible if [5]")));
 }
 
-TEST(MenuRules, WhatElseIsWrongWithRulesOfAWrongParameterIsTold) {
+TEST(ItemRules, WhatElseIsWrongWithRulesOfAWrongParameterIsTold) {
     const std::string wrong = R"({"name": "d", "pid": 9, "type": "integer", "min": 0, "max": 9})";
     const std::string errors =
         error_of(beside_wrong(wrong, "visible if [d] and [unheard]; keys [d]; visible if [mood]"));
@@ -136,7 +136,7 @@ TEST(MenuRules, WhatElseIsWrongWithRulesOfAWrongParameterIsTold) {
         << errors;
 }
 
-TEST(MenuRules, TheEndsOfARangeStandInEitherOrder) {
+TEST(ItemRules, TheEndsOfARangeStandInEitherOrder) {
     Menu_panel panel(with_rules("range 3..-1 if [mode]"));
     EXPECT_TRUE(simulated_text(with_rules("range 3..-1 if [mode]")).warnings.empty());
     auto& gain = static_cast<Range_entry&>(panel.item(0));
@@ -156,7 +156,7 @@ void expect_error(const std::string& item, const std::string& rules, size_t colu
     EXPECT_EQ(error_of(text), error_at(text, column, message)) << rules;
 }
 
-TEST(MenuRules, ParametersMustBeDeclared) {
+TEST(ItemRules, ParametersMustBeDeclared) {
     expect_error(GAIN, R"(set [99] = 1 if [label] == \"set [98] \")", 6,
                  "the device has no parameter 99 with this index");
     expect_error(GAIN, "visible if [mode] and [6.2] > 1", 24,
@@ -166,7 +166,7 @@ TEST(MenuRules, ParametersMustBeDeclared) {
     expect_error(GAIN, "visible if [7@i] > 1", 12, "parameter \"[7@i]\" is declared as a text");
 }
 
-TEST(MenuRules, RulesMustFitTheItem) {
+TEST(ItemRules, RulesMustFitTheItem) {
     expect_error(MODE, "visible if 1; range 0..1", 21, "\"range\" is for items of type \"range\"");
     expect_error(LABEL, "range 0..[mode]", 7, "\"range\" is for items of type \"range\"");
     expect_error(GAIN, "keys [mode]", 6, "\"keys\" is for items of type \"enum\"");
@@ -180,13 +180,13 @@ TEST(MenuRules, RulesMustFitTheItem) {
               "");
 }
 
-TEST(MenuRules, KeysMustBeThoseOfChoices) {
+TEST(ItemRules, KeysMustBeThoseOfChoices) {
     expect_error(MODE, "keys 0, 3 if [label] == \\\"a\\\"", 9, "keys 3: the choices are 0..2");
     expect_error(MODE, "keys 1..3", 6, "keys 1..3: the choices are 0..2");
     EXPECT_EQ(error_of(with_items(std::string(MODE) + R"(, "binding": "keys 0..2"})")), "");
 }
 
-TEST(MenuRules, RangesMustHoldAValueOfTheItem) {
+TEST(ItemRules, RangesMustHoldAValueOfTheItem) {
     expect_error(GAIN, "range 0..1, 13..20", 13, "range 13..20 holds no value from -60 to 12");
     expect_error(GAIN, "range -80..-61 if [mode]", 7,
                  "range -80..-61 holds no value from -60 to 12");
@@ -195,7 +195,7 @@ TEST(MenuRules, RangesMustHoldAValueOfTheItem) {
     EXPECT_EQ(error_of(with_rules("range -80..-60; range 12..20")), "");
 }
 
-TEST(MenuRules, WhatIsWrittenMustFitTheParameter) {
+TEST(ItemRules, WhatIsWrittenMustFitTheParameter) {
     expect_error(GAIN, "set [mode] = 3", 14, "parameter 5 holds 0 to 2, not 3");
     expect_error(GAIN, "set [mode] = -1 if value", 14, "parameter 5 holds 0 to 2, not -1");
     expect_error(GAIN, R"(set [label] = \"123456789\")", 15,
@@ -205,7 +205,7 @@ TEST(MenuRules, WhatIsWrittenMustFitTheParameter) {
               "");
 }
 
-TEST(MenuRules, AllThatDoesNotFitIsToldAtOnce) {
+TEST(ItemRules, AllThatDoesNotFitIsToldAtOnce) {
     const std::string text =
         with_items(std::string(MODE) + R"(, "binding": "keys 3; range 1..2\nset [mode] = 7"})");
     const std::string place = placed(text, "menu.json: /menu/items/0/binding: ");
@@ -214,33 +214,12 @@ TEST(MenuRules, AllThatDoesNotFitIsToldAtOnce) {
                                   place + "line 2, column 14: parameter 5 holds 0 to 2, not 7");
 }
 
-TEST(MenuRules, ConditionsThatReadNothingAreWarnedOfWhereTheyStand) {
+TEST(ItemRules, ConditionsThatReadNothingAreWarnedOfWhereTheyStand) {
     const std::string text = with_rules("visible if 5 == 1");
     Simulated_menu loaded = simulated_text(text);
     ASSERT_EQ(loaded.warnings.size(), 1U);
     const std::string place = error_at(text, 12, "warning: ");
     EXPECT_EQ(loaded.warnings[0].substr(0, place.size()), place);
-}
-
-TEST(MenuRules, CirclesOfWritesAreErrorsAndThoseOfLimitsWarnings) {
-    const std::string writes = with_items(R"(
-        {"type": "range", "name": "Mode", "parameter": "mode",
-         "binding": "set [input 1 gain] = value if value > 1"},
-        {"type": "range", "name": "Gain", "parameter": "input 1 gain",
-         "binding": "set [mode] = 0 if value > 3"})");
-    EXPECT_NE(error_of(writes).find("rules that write drive each other in a circle: "),
-              std::string::npos)
-        << error_of(writes);
-    const std::string limits = with_items(R"(
-        {"type": "range", "name": "Mode", "parameter": "mode",
-         "binding": "range 0..[input 1 gain]"},
-        {"type": "range", "name": "Gain", "parameter": "input 1 gain",
-         "binding": "range [mode]..12"})");
-    Simulated_menu loaded = simulated_text(limits);
-    ASSERT_EQ(loaded.warnings.size(), 1U);
-    EXPECT_NE(loaded.warnings[0].find("warning: rules limit each other in a circle: "),
-              std::string::npos)
-        << loaded.warnings[0];
 }
 
 }  // namespace

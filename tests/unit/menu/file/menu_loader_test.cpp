@@ -1,20 +1,9 @@
 #include <frontpanel_menu/menu_loader.h>
 
-#include "support/panel_fixture.h"
+#include "unit/menu/items_fixture.h"
 
 namespace frontpanel {
 namespace {
-
-constexpr const char* LEVEL = R"({"pid": 5, "type": "integer", "min": 0, "max": 100, "value": 7})";
-constexpr const char* NOTE = R"({"pid": 6, "type": "text", "length": 8, "value": "abc"})";
-
-std::string with_item(const std::string& item) {
-    return menu_text(std::string(LEVEL) + "," + NOTE, item);
-}
-
-std::string with_range(const std::string& members) {
-    return with_item(R"({"type": "range", "name": "Level", "pid": 5, )" + members + "}");
-}
 
 std::string with_parameter(const std::string& parameter) {
     return menu_text(parameter, R"({"type": "range", "name": "Level", "pid": 5})");
@@ -249,23 +238,6 @@ TEST(MenuLoader, AnAvalancheOfErrorsIsCutShort) {
     EXPECT_EQ(errors.substr(errors.rfind('\n') + 1), "menu.json: 1800 more like these");
 }
 
-TEST(MenuLoader, ANameThatTheDisplayHasNoRoomForIsWarnedOf) {
-    const std::string text = with_item(
-        R"({"type": "range", "name": "Temperature", "pid": 5},
-           {"type": "node", "name": "Sixteen letters:x", "items": [
-               {"type": "range", "name": "Ten lettrs", "pid": 5}]},
-           {"type": "node", "name": "Sixteen letters.:x", "items": [
-               {"type": "range", "name": "Level", "pid": 5}]})");
-    EXPECT_EQ(simulated_text(text, 20).warnings,
-              (Lines{placed(text,
-                            "menu.json: /menu/items/0/name: warning: a display of 20 columns "
-                            "shows this name as \"Temperatur\""),
-                     placed(text,
-                            "menu.json: /menu/items/2/name: warning: a display of 20 columns "
-                            "shows this name as \"Sixteen letters\"")}));
-    EXPECT_TRUE(simulated_text(text, 40).warnings.empty());
-}
-
 TEST(MenuLoader, WarningsAreToldWithTheErrors) {
     const std::string text = with_item(
         R"({"type": "range", "name": "Temperature", "pid": 5},
@@ -281,40 +253,6 @@ TEST(MenuLoader, WarningsAreToldWithTheErrors) {
     EXPECT_EQ(complaints[2], placed(text,
                                     "menu.json: /menu/items/1/options: warning: none of these "
                                     "options is declared, so this is never shown"));
-}
-
-// The item that is wrong may be the one that uses the option as it is meant.
-TEST(MenuLoader, AnOptionIsNotTakenForAnAccidentalPatternWhileItemsAreWrong) {
-    const std::string wrong =
-        menu_text(LEVEL, R"({"type": "range", "name": "Slot", "pid": 6, "options": ["slot1"]})",
-                  R"({"slotn": 2})");
-    EXPECT_EQ(complaints_of(wrong), Lines{error_of(wrong)});
-}
-
-TEST(MenuLoader, ItemsThatNoWayLeadsToAreWarnedOf) {
-    const std::string text = with_item(
-        R"({"type": "range", "name": "Spare", "pid": 5, "visible": false},
-           {"type": "range", "name": "Button", "pid": 5, "visible": false, "shortcut": 3},
-           {"type": "range", "name": "Modem", "pid": 5, "options": ["modem", "fax"]},
-           {"type": "node", "name": "Lost", "items": [
-               {"type": "node", "name": "Deeper", "items": [
-                   {"type": "range", "name": "Level", "pid": 5, "visible": false}]}]},
-           {"type": "node", "name": "Store", "visible": false, "items": [
-               {"type": "range", "name": "Level", "pid": 5}]},
-           {"type": "node", "name": "Shut", "visible": false, "items": [
-               {"type": "range", "name": "Level", "pid": 5}]},
-           {"type": "link", "target": "Store/Level"}, {"type": "link", "target": "Spare"})");
-    const auto warning = [&text](const std::string& path, const std::string& message) {
-        return placed(text, "menu.json: /menu/items/" + path + ": warning: " + message);
-    };
-    const char* const EMPTY = "this menu is never shown, since none of its items is";
-    EXPECT_EQ(
-        simulated_text(text).warnings,
-        (Lines{warning("1/shortcut", "this button leads to an item that is never shown"),
-               warning("2/options", "none of these options is declared, so this is never shown"),
-               warning("3", EMPTY), warning("3/items/0", EMPTY),
-               warning("5", "this menu is never shown, and no link leads into it"),
-               warning("7/target", "this item is never shown, and neither is a link to it")}));
 }
 
 TEST(MenuLoader, PlacesCountFromTheByteOrderMarkAndBehindEscapes) {
@@ -348,43 +286,6 @@ TEST(MenuLoader, AFolderIsRefused) {
     } catch (const Input_error& error) {
         EXPECT_STREQ(error.what(), FRONTPANEL_SOURCE_DIR "/menus: cannot be read: Is a directory");
     }
-}
-
-TEST(MenuLoader, ARangeTakesItsBoundsFromTheParameter) {
-    Simulated_menu loaded = simulated_text(with_range(R"("description": "d")"));
-    auto* const range = dynamic_cast<Range_entry*>(loaded.menu->root().Get_child());
-    ASSERT_NE(range, nullptr);
-    EXPECT_EQ(range->Get_min(), 0);
-    EXPECT_EQ(range->Get_max(), 100);
-    EXPECT_STREQ(range->Get_description(), "d");
-    EXPECT_EQ(range->Get_access_type(), Data_entry::READ_WRITE);
-    EXPECT_EQ(loaded.menu->entry_count(), 2U);
-}
-
-TEST(MenuLoader, ABoundRangeHasAllowedValuesBeforeItsFirstRefresh) {
-    Simulated_menu loaded =
-        simulated_text(with_range(R"("min": 5, "max": 60, "binding": "range 10..20 if [5] == 7")"));
-    auto* const range = dynamic_cast<Range_entry*>(loaded.menu->root().Get_child());
-    ASSERT_NE(range, nullptr);
-    EXPECT_EQ(range->Get_min(), 5);
-    EXPECT_EQ(range->Get_max(), 60);
-    range->Refresh(&loaded.menu->access(), true);
-    EXPECT_EQ(range->Get_min(), 10);
-    EXPECT_EQ(range->Get_max(), 20);
-    range->Refresh(&loaded.menu->access(), true);
-    EXPECT_EQ(range->Get_max(), 60);
-}
-
-TEST(MenuLoader, WarnsOfAnOptionThatIsAPatternByAccident) {
-    const std::string text = menu_text(
-        LEVEL, R"({"type": "range", "name": "Level", "pid": 5, "options": ["slot2", "tone"]})",
-        R"({"slotn": 4, "tone": 1, "dolby": 1})");
-    EXPECT_EQ(
-        simulated_text(text).warnings,
-        (Lines{placed(
-            text,
-            "menu.json: /options/tone@: warning: the letter 'n' makes this option a pattern in which "
-            "'n' stands for a number")}));
 }
 
 TEST(MenuLoader, TheShippedMenuLoadsWithoutWarning) {

@@ -1,0 +1,52 @@
+#include "file/product_options.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace frontpanel {
+namespace {
+
+class Product_options_test : public testing::Test {
+protected:
+    Json_value value(const std::string& text) {
+        m_node = parse_json(m_source, text);
+        return {m_node, m_problems};
+    }
+
+    Source m_source{"menu.json", 0};
+    Json_node m_node;
+    Problems m_problems;
+    Product_options m_options{m_problems};
+};
+
+TEST_F(Product_options_test, TheHighestValueOfAnOptionCounts) {
+    m_options.declare(value(R"({"gps": 1, "slots": 4})"));
+    m_options.declare("gps", 3);
+    m_options.declare("slots", 2);
+    EXPECT_EQ(m_options.values(),
+              (std::map<std::string, unsigned int>{{"gps", 3U}, {"slots", 4U}}));
+}
+
+TEST_F(Product_options_test, AnOptionOfTheFileKnowsItsPlace) {
+    m_options.declare(value(R"({"gps": 1})"));
+    m_options.declare("dolby", 1);
+    EXPECT_EQ(m_options.places().size(), 1U);
+    EXPECT_EQ(m_options.places().at("gps").column, 2U);
+}
+
+TEST_F(Product_options_test, AMistakeIsReportedAndTheOthersCount) {
+    m_options.declare(value(R"({"": 1, "gps": -1, "dolby": 1})"));
+    EXPECT_EQ(m_options.values(), (std::map<std::string, unsigned int>{{"dolby", 1U}}));
+    EXPECT_EQ(m_problems.error_count(), 2U);
+}
+
+TEST_F(Product_options_test, UsedNamesAreRemembered) {
+    EXPECT_EQ(m_options.use(value(R"(["gps", 3, "dolby"])")),
+              (std::vector<std::string>{"gps", "dolby"}));
+    EXPECT_EQ(m_options.used(), (std::set<std::string>{"dolby", "gps"}));
+    EXPECT_EQ(m_problems.error_count(), 1U);
+}
+
+}  // namespace
+}  // namespace frontpanel
