@@ -24,17 +24,15 @@
 #include <frontpanel_menu/menu_graph.h>
 #include <frontpanel_simulator/state_file.h>
 #include <frontpanel_simulator/state_keeper.h>
-#include <frontpanel_ui/controller.h>
-#include <frontpanel_ui/device_link.h>
-#include <frontpanel_ui/main_loop.h>
+#include <frontpanel_ui/panel.h>
 #include <frontpanel_ui/script_player.h>
-#include <frontpanel_ui/session.h>
 #include "curl_home.h"
 #include "file_roles.h"
 #include "loaded_panel.h"
 #include "options.h"
 #include "output_log.h"
 #include "shipped.h"
+#include "simulated_script_device.h"
 
 namespace frontpanel {
 namespace {
@@ -68,9 +66,10 @@ int check(const Options& options, Output_log& log) {
     return EXIT_PLAYED;
 }
 
-int play(const Script& script, Controller& controller, Simulated_device& device, Display& display,
+int play(const Script& script, Panel& panel, Simulated_device& device, Display& display,
          std::ostream& out) {
-    Script_player player(controller, device.memory(), device.cards(), display, out, std::cerr);
+    Simulated_script_device played(device.memory(), device.cards());
+    Script_player player(panel, played, display, out, std::cerr);
     const int differences = player.play(script);
     if (differences != 0) {
         std::cerr << one_line(script.file) << ": " << differences << " expectation"
@@ -82,12 +81,12 @@ int play(const Script& script, Controller& controller, Simulated_device& device,
 }
 
 // The picture is taken when the script is over, also of what should have been otherwise.
-int take_picture(const Options& options, const Script& script, Controller& controller,
+int take_picture(const Options& options, const Script& script, Panel& panel,
                  Simulated_device& device) {
     check_writable(options.screenshot);
     Picture_display display(options.screenshot);
     std::ostringstream unseen;
-    const int status = play(script, controller, device, display, unseen);
+    const int status = play(script, panel, device, display, unseen);
     display.finish();
     return status;
 }
@@ -176,56 +175,60 @@ Display_setup setup_of(const Options& options, Output_log& log) {
             log.out_descriptor(),     log.out(), std::cerr};
 }
 
-// A terminal that shows the panel has no room for what is said to standard error meanwhile.
-int use_front(const Options& options, const Display_row& display, Controller& controller,
-              Data_interface& device, Output_log& log, const End_watch& end) {
-    if (display.takes_terminal) {
-        log.take_errors();
-    }
-    device.time_for_timeout = options.time_out;
+Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& log) {
+    Panel_options panel;
+    panel.size = options.size;
+    panel.encoder = menu.encoder_settings();
+    panel.log = &log.lines();
+    return panel;
+}
+
+// Each step of a script's encoder is one, however fast the script is played.
+Panel_options options_for_script(const Options& options, Menu& menu, Output_log& log) {
+    Panel_options panel = panel_options_of(options, menu, log);
+    panel.encoder->acceleration = false;
+    return panel;
+}
+
+Panel_options options_for_person(const Options& options, Menu& menu, Output_log& log) {
+    Panel_options panel = panel_options_of(options, menu, log);
+    panel.encoder->acceleration = panel.encoder->acceleration && !options.no_acceleration;
+    panel.idle_timeout = std::chrono::seconds(options.time_out);
+    panel.pin = pin_of(options);
     // Each turn of the loop asks the time. Lines that the library prints unasked make the log grow as well.
-    const auto clock = [&log] {
+    panel.clock = [&log] {
         log.trim();
         return std::chrono::steady_clock::now();
     };
-    controller.set_clock([] {
-        const auto now = std::chrono::steady_clock::now().time_since_epoch();
-        return std::chrono::duration_cast<std::chrono::milliseconds>(now);
-    });
-    Session session(controller, device, pin_of(options), clock());
-    const std::unique_ptr<Front> front = display.open_front(setup_of(options, log));
-    const int status = Main_loop(session, *front, clock).run(end);
+    return panel;
+}
+
+// A terminal that shows the panel has no room for what is said to standard error meanwhile.
+int use_front(const Options& options, const Display_row& display, Menu& menu, Output_log& log,
+              const End_watch& end) {
+    Panel panel(menu, options_for_person(options, menu, log));
+    if (display.takes_terminal) {
+        log.take_errors();
+    }
+    const int status = panel.run(*display.open_front(setup_of(options, log)), end);
     if (display.takes_terminal) {
         log.return_errors();
     }
     return status;
 }
 
-Encoder_settings encoder_of(const Options& options, Menu& menu) {
-    Encoder_settings encoder = menu.encoder_settings();
-    encoder.acceleration = encoder.acceleration && !options.no_acceleration;
-    return encoder;
-}
-
 // With `end` for a person, otherwise the script is played.
 int use(const Options& options, const Display_row& display, const std::optional<Script>& script,
         const Loaded_panel& loaded, Output_log& log, const End_watch* end) {
     Menu& menu = *loaded.menu;
-    Controller controller(menu.root(), link_to(menu), options.size);
-    controller.show_home(home_of(menu));
-    controller.set_log(log.lines());
-    controller.configure(encoder_of(options, menu), &menu.editor_settings());
-    menu.bindings()->set_warning_listener(
-        [&controller](const std::string& text) { controller.warn(text); });
-    controller.set_warning_armer([&menu] { menu.bindings()->arm_warnings(); });
     if (end != nullptr) {
-        return use_front(options, display, controller, menu.access(), log, *end);
+        return use_front(options, display, menu, log, *end);
     }
+    Panel panel(menu, options_for_script(options, menu, log));
     if (!options.screenshot.empty()) {
-        return take_picture(options, *script, controller, *loaded.device);
+        return take_picture(options, *script, panel, *loaded.device);
     }
-    return play(*script, controller, *loaded.device, *display.open_display(setup_of(options, log)),
-                log.out());
+    return play(*script, panel, *loaded.device, *display.open_display(setup_of(options, log)), log.out());
 }
 
 void warn(const std::string& line) {
@@ -332,12 +335,10 @@ int show(const Options& options, Output_log& log) {
         script = script_to_play(options);
     }
     const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device);
-    VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
-    const auto use_panel = [&] {
+    const auto use_it = [&] {
         return use(options, display, script, loaded, log, interactive ? &*end : nullptr);
     };
-    return keeps_values ? use_keeping_values(options, *loaded.device, *end, use_panel)
-                        : use_panel();
+    return keeps_values ? use_keeping_values(options, *loaded.device, *end, use_it) : use_it();
 }
 
 // Standard error as the panel was given it, whatever takes its place meanwhile.

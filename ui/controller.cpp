@@ -1,4 +1,4 @@
-#include <frontpanel_ui/controller.h>
+#include "controller.h"
 
 #include <cstdint>
 #include <cstdio>

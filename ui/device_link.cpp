@@ -1,16 +1,12 @@
-#include <frontpanel_ui/device_link.h>
+#include "device_link.h"
 
 #include <arpa/inet.h>
-#include <unistd.h>
 
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/menu.h>
+#include <frontpanel_ui/panel.h>
 
 namespace frontpanel {
-
-bool can_post() {
-    return ::access("/dev/NULL", W_OK) == 0 || ::access("/dev", W_OK) == 0;
-}
 
 // A name is never asked, also one that begins like an address: to look it up would leave the device.
 bool is_loopback(const std::string& address) {

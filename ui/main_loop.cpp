@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <frontpanel_ui/panel.h>
+
 namespace frontpanel {
 namespace {
 
@@ -17,14 +19,10 @@ int milliseconds_between(Time now, Time then) {
 
 }  // namespace
 
-Main_loop::Main_loop(Session& session, Front& front, std::function<Time()> clock)
-    : m_session(session),
-      m_front(front),
-      m_clock(std::move(clock)),
-      m_next_tick(m_clock() + TICK) {}
+Main_loop::Main_loop(Panel& panel, Front& front) : m_panel(panel), m_front(front) {}
 
 void Main_loop::turn() {
-    const std::optional<Front_event> event = m_front.next(m_clock());
+    const std::optional<Front_event> event = m_front.next(m_panel.now());
     m_busy = event.has_value();
     if (event) {
         take(*event);
@@ -32,19 +30,12 @@ void Main_loop::turn() {
     if (m_over) {
         return;
     }
-    const Time now = m_clock();
-    if (now >= m_next_tick) {
-        m_session.tick(now);
-        m_next_tick = now + TICK;
-        m_changed = true;
+    if (m_panel.now() >= m_panel.due()) {
+        m_panel.tick();
     }
-    if (m_changed || !m_frame) {
-        m_frame = m_session.draw(now);
+    if (m_panel.has_changed() || m_redraw) {
+        m_front.show(m_panel.frame());
     }
-    if (m_changed || m_redraw) {
-        m_front.show(*m_frame);
-    }
-    m_changed = false;
     m_redraw = false;
 }
 
@@ -60,17 +51,15 @@ void Main_loop::take(const Front_event& event) {
             m_redraw = true;
             break;
         case Front_event::SIZE:
-            m_session.set_size(event.size);
-            m_changed = true;
+            m_panel.set_size(event.size);
             break;
     }
 }
 
 void Main_loop::press(const Key& key) {
-    const Time before = m_clock();
-    m_session.press(key, before);
-    m_changed = true;
-    if (m_clock() - before > SLOW_KEY) {
+    const Time before = m_panel.now();
+    m_panel.press(key);
+    if (m_panel.now() - before > SLOW_KEY) {
         drop_keys();
     }
 }
@@ -79,7 +68,7 @@ void Main_loop::press(const Key& key) {
 void Main_loop::drop_keys() {
     constexpr int MOST_DROPPED = 10000;
     for (int dropped = 0; dropped < MOST_DROPPED && !m_over; ++dropped) {
-        const std::optional<Front_event> event = m_front.next(m_clock());
+        const std::optional<Front_event> event = m_front.next(m_panel.now());
         if (!event) {
             return;
         }
@@ -90,12 +79,12 @@ void Main_loop::drop_keys() {
 }
 
 Time Main_loop::due() const {
-    return m_busy ? Time::min() : std::min(m_next_tick, m_front.due());
+    return m_busy ? Time::min() : std::min(m_panel.due(), m_front.due());
 }
 
 void Main_loop::wait(const End_watch& end) const {
     pollfd sources[] = {m_front.source(), {end.descriptor(), POLLIN, 0}};
-    const Time now = m_clock();
+    const Time now = m_panel.now();
     // A signal such as that of a resized terminal ends the wait: the front is asked then.
     poll(sources, 2, due() <= now ? 0 : milliseconds_between(now, due()));
 }

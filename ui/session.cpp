@@ -1,7 +1,7 @@
-#include <frontpanel_ui/session.h>
+#include "session.h"
 
 #include <frontpanel_ui/key_message.h>
-#include <frontpanel_ui/key_place.h>
+#include "keys/key_place.h"
 
 namespace frontpanel {
 

@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/problems.h>
-#include <frontpanel_ui/controller.h>
+#include <frontpanel_ui/panel.h>
+#include "controller.h"
 #include "support/json_places.h"
 #include "support/simulated_menu.h"
 
@@ -127,6 +129,19 @@ private:
     bool m_may_post = true;
     Simulated_menu m_loaded;
     Controller m_controller;
+};
+
+// A panel as an application uses it, over a menu that is written in the test.
+struct Application_panel {
+    explicit Application_panel(const std::string& text, Panel_options options = {})
+        : loaded(simulated_text(text, options.size.columns)),
+          panel(*loaded.menu, std::move(options)) {}
+
+    Memory_device& device() { return loaded.device(); }
+    Lines lines() { return lines_of(panel.frame()); }
+
+    Simulated_menu loaded;
+    Panel panel;
 };
 
 }  // namespace frontpanel

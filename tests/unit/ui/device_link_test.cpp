@@ -1,4 +1,4 @@
-#include <frontpanel_ui/device_link.h>
+#include "device_link.h"
 
 #include <gtest/gtest.h>
 

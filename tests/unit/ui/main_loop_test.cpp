@@ -45,6 +45,13 @@ public:
     int pipe_end = -1;
 };
 
+Panel_options with_clock(std::function<Time()> clock) {
+    Panel_options options;
+    options.size = {16, 2};
+    options.clock = std::move(clock);
+    return options;
+}
+
 class Main_loop_test : public testing::Test {
 protected:
     Main_loop_test() { loop.turn(); }
@@ -56,10 +63,9 @@ protected:
     }
 
     Time now{std::chrono::hours(1)};
-    Menu_panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
-    Session session{panel.controller(), panel.device(), std::nullopt, now};
+    Application_panel shown{menu_text(PARAMETERS, ITEMS), with_clock([this] { return now; })};
     Fake_front front;
-    Main_loop loop{session, front, [this] { return now; }};
+    Main_loop loop{shown.panel, front};
 };
 
 TEST_F(Main_loop_test, ShowsTheMenuAtOnce) {
@@ -77,20 +83,20 @@ TEST_F(Main_loop_test, EveryKeyHasItsFrame) {
 }
 
 TEST_F(Main_loop_test, ShowsNothingWhenNothingHappened) {
-    now += Main_loop::TICK - milliseconds(1);
+    now += Panel::TICK - milliseconds(1);
     loop.turn();
     loop.turn();
     EXPECT_EQ(front.frames.size(), 1U);
 }
 
 TEST_F(Main_loop_test, ReadsTheDeviceAgainWithEveryTick) {
-    panel.device().set_integer(1, 0, 42);
-    now += Main_loop::TICK;
+    shown.device().set_integer(1, 0, 42);
+    now += Panel::TICK;
     EXPECT_EQ(loop.due(), now);
     loop.turn();
     ASSERT_EQ(front.frames.size(), 2U);
     EXPECT_EQ(front.frames[1][0], ">Gain         42");
-    EXPECT_EQ(loop.due(), now + Main_loop::TICK);
+    EXPECT_EQ(loop.due(), now + Panel::TICK);
 }
 
 TEST_F(Main_loop_test, IsDueWhenItsFrontIs) {
@@ -100,7 +106,7 @@ TEST_F(Main_loop_test, IsDueWhenItsFrontIs) {
 
 // Drawing would scroll long texts on.
 TEST_F(Main_loop_test, ARedrawShowsTheSameFrameAgain) {
-    panel.device().set_integer(1, 0, 42);
+    shown.device().set_integer(1, 0, 42);
     front.events.push_back({Front_event::REDRAW});
     loop.turn();
     ASSERT_EQ(front.frames.size(), 2U);
@@ -124,8 +130,8 @@ TEST_F(Main_loop_test, EndsWhenThePersonQuits) {
 
 TEST_F(Main_loop_test, AnEndlessRowOfKeysStillLetsTimePass) {
     front.key(Key::DOWN, 100);
-    panel.device().set_integer(1, 0, 42);
-    now += Main_loop::TICK;
+    shown.device().set_integer(1, 0, 42);
+    now += Panel::TICK;
     loop.turn();
     EXPECT_EQ(front.events.size(), 99U);
     EXPECT_EQ(front.frames.back()[1], ">Level        42");
@@ -138,7 +144,7 @@ TEST_F(Main_loop_test, KeysPressedDuringASlowCommitAreNotReplayed) {
     front.key(Key::SELECT);
     front.key(Key::UP);
     turn_until_idle();
-    panel.device().set_fault([this](const Memory_device::Operation& operation) {
+    shown.device().set_fault([this](const Memory_device::Operation& operation) {
         if (operation.kind == Memory_device::Operation_kind::WRITE) {
             now += Main_loop::SLOW_KEY + milliseconds(1);
             front.key(Key::DOWN, 3);
@@ -149,7 +155,7 @@ TEST_F(Main_loop_test, KeysPressedDuringASlowCommitAreNotReplayed) {
     });
     front.key(Key::SELECT);
     turn_until_idle();
-    EXPECT_EQ(panel.device().integer(1, 0), 6);
+    EXPECT_EQ(shown.device().integer(1, 0), 6);
     EXPECT_TRUE(front.events.empty());
     EXPECT_EQ(front.frames.back(),
               (Lines{"Main         1/2", ">Gain          6", " Level         6"}));
@@ -168,7 +174,7 @@ TEST_F(Main_loop_test, AQuitDuringASlowCommitCounts) {
     front.key(Key::SELECT);
     front.key(Key::UP);
     turn_until_idle();
-    panel.device().set_fault([this](const Memory_device::Operation&) {
+    shown.device().set_fault([this](const Memory_device::Operation&) {
         now += std::chrono::seconds(1);
         return 0;
     });
@@ -181,11 +187,9 @@ TEST_F(Main_loop_test, AQuitDuringASlowCommitCounts) {
 
 [[noreturn]] void loop_until_a_signal() {
     const End_watch watch{std::chrono::hours(1)};
-    Menu_panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
-    const auto clock = [] { return std::chrono::steady_clock::now(); };
-    Session session{panel.controller(), panel.device(), std::nullopt, clock()};
+    Application_panel shown{menu_text(PARAMETERS, ITEMS), {{16, 2}}};
     Fake_front front;
-    Main_loop loop{session, front, clock};
+    Main_loop loop{shown.panel, front};
     kill(getpid(), SIGTERM);
     _exit(loop.run(watch));
 }
@@ -198,12 +202,10 @@ TEST(Main_loopDeathTest, EndsWithTheStatusOfASignal) {
 TEST(Main_loop_run, WaitsForItsFrontAndEndsWithTheQuit) {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    Menu_panel panel{menu_text(PARAMETERS, ITEMS), {16, 2}};
-    const auto clock = [] { return std::chrono::steady_clock::now(); };
-    Session session{panel.controller(), panel.device(), std::nullopt, clock()};
+    Application_panel shown{menu_text(PARAMETERS, ITEMS), {{16, 2}}};
     Fake_front front;
     front.pipe_end = ends[0];
-    Main_loop loop{session, front, clock};
+    Main_loop loop{shown.panel, front};
     ASSERT_EQ(write(ends[1], "x", 1), 1);
     const End_watch end;
     front.events.push_back({Front_event::QUIT});

@@ -1,5 +1,5 @@
 // Links, the homescreen and the favourites on the panel.
-#include <frontpanel_ui/navigation.h>
+#include "navigation/navigation.h"
 
 #include "support/panel_fixture.h"
 #include "unit/eval/evaluation.h"

@@ -1,4 +1,4 @@
-#include <frontpanel_ui/pin_lock.h>
+#include "views/pin_lock.h"
 
 #include <gtest/gtest.h>
 

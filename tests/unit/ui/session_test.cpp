@@ -1,4 +1,4 @@
-#include <frontpanel_ui/session.h>
+#include "session.h"
 
 #include <gtest/gtest.h>
 

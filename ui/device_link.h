@@ -26,9 +26,6 @@ struct Device_link {
     std::function<Binding_settlement()> settle;
 };
 
-// The answer to a post is kept in a plain file of /dev, whose name is all capitals: whether it can be written.
-bool can_post();
-
 // Whether the text is an IPv4 address in figures, 127.0.0.0 to 127.255.255.255.
 bool is_loopback(const std::string& address);
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include <frontpanel_display/lcd.h>
-#include <frontpanel_ui/device_link.h>
-#include <frontpanel_ui/menu_path.h>
+#include "device_link.h"
+#include "navigation/menu_path.h"
 
 namespace frontpanel {
 

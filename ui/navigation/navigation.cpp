@@ -1,4 +1,4 @@
-#include <frontpanel_ui/navigation.h>
+#include "navigation/navigation.h"
 
 #include <algorithm>
 

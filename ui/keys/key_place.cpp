@@ -1,4 +1,4 @@
-#include <frontpanel_ui/key_place.h>
+#include "keys/key_place.h"
 
 #include <frontpanel_display/key_table.h>
 

@@ -1,4 +1,4 @@
-#include <frontpanel_ui/menu_path.h>
+#include "navigation/menu_path.h"
 
 #include <algorithm>
 

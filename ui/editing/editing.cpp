@@ -1,4 +1,4 @@
-#include <frontpanel_ui/editing.h>
+#include "editing/editing.h"
 
 #include <array>
 #include <optional>

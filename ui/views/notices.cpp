@@ -1,4 +1,4 @@
-#include <frontpanel_ui/notices.h>
+#include "views/notices.h"
 
 #include <utility>
 

@@ -1,6 +1,4 @@
-#include <frontpanel_ui/pin_lock.h>
-
-#include <algorithm>
+#include "views/pin_lock.h"
 
 namespace frontpanel {
 namespace {
@@ -11,12 +9,6 @@ constexpr int DIGITS = 10;
 constexpr const char* PROMPT = "PIN ";
 
 }  // namespace
-
-bool is_pin(const std::string& text) {
-    const auto is_digit = [](char byte) { return byte >= '0' && byte <= '9'; };
-    return text.size() >= SHORTEST_PIN && text.size() <= LONGEST_PIN &&
-           std::all_of(text.begin(), text.end(), is_digit);
-}
 
 void Pin_lock::ask(Time now) {
     m_taken.clear();

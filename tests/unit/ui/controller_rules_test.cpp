@@ -4,6 +4,7 @@
 
 #include <frontpanel_displays/text_display.h>
 #include <frontpanel_ui/script_player.h>
+#include "simulated_script_device.h"
 #include "support/capture.h"
 #include "support/panel_fixture.h"
 
@@ -23,19 +24,19 @@ constexpr const char* MODE =
     R"({"type": "range", "name": "Mode", "parameter": "mode", "format": "0:off,1:on,2:test,%d"})";
 
 // What differs from the script's expectations, line by line.
-std::string differences(Menu_panel& panel, const std::string& script) {
+std::string differences(Application_panel& shown, const std::string& script) {
     std::ostringstream out;
     std::ostringstream differences;
     Text_display display(out);
-    Script_player player(panel.controller(), panel.device(), panel.cards(), display, out,
-                         differences);
-    player.play(parse_script("a.script", script));
+    Simulated_script_device device(shown.device(), nullptr);
+    Script_player(shown.panel, device, display, out, differences)
+        .play(parse_script("a.script", script));
     return differences.str();
 }
 
 std::string differences(const std::string& items, const std::string& script) {
-    Menu_panel panel(menu_text(PARAMETERS, items, R"({"gps": 1})"), SIZE);
-    return differences(panel, script);
+    Application_panel shown(menu_text(PARAMETERS, items, R"({"gps": 1})"), {SIZE});
+    return differences(shown, script);
 }
 
 std::string with_mode(const std::string& items) {

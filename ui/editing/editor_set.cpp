@@ -1,4 +1,4 @@
-#include <frontpanel_ui/editor_set.h>
+#include "editing/editor_set.h"
 
 #include <frontpanel_data/selection.h>
 

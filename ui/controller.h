@@ -13,13 +13,13 @@
 
 #include <frontpanel_display/key.h>
 #include <frontpanel_display/lcd.h>
-#include <frontpanel_ui/device_link.h>
-#include <frontpanel_ui/editing.h>
-#include <frontpanel_ui/key_place.h>
-#include <frontpanel_ui/log_view.h>
 #include <frontpanel_ui/message_queue.h>
-#include <frontpanel_ui/navigation.h>
-#include <frontpanel_ui/notices.h>
+#include "device_link.h"
+#include "editing/editing.h"
+#include "keys/key_place.h"
+#include "navigation/navigation.h"
+#include "views/log_view.h"
+#include "views/notices.h"
 
 namespace frontpanel {
 

@@ -2,14 +2,12 @@
 
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
-#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
 
-constexpr int FAULT_RESULT = 100;  // none of the device's own
-
-std::string name_of(uint32_t pid, uint32_t varidx) {
+std::string name_of(const Parameter_name& parameter) {
+    const auto [pid, varidx] = parameter;
     std::string name = std::to_string(pid);
     if (varidx != 0) {
         name += "." + std::to_string(varidx & 0xFFU);
@@ -20,9 +18,8 @@ std::string name_of(uint32_t pid, uint32_t varidx) {
     return name;
 }
 
-std::string description_of(const Memory_device::Write& write) {
-    return name_of(write.pid, write.varidx) + " = " + write.value +
-           (write.result == 0 ? "" : " (failed)");
+std::string description_of(const Script_device::Write& write) {
+    return name_of(write.parameter) + " = " + write.value + (write.failed ? " (failed)" : "");
 }
 
 std::string lit(bool edit, bool alarm) {
@@ -54,30 +51,13 @@ bool matches(const std::string& line, const std::string& pattern) {
     return pattern.find_first_not_of('*', in_pattern) == std::string::npos;
 }
 
-Script_player::Script_player(Controller& controller, Memory_device& device,
-                             const Card_service* cards, Display& display, std::ostream& out,
-                             std::ostream& differences)
-    : m_controller(controller),
+Script_player::Script_player(Panel& panel, Script_device& device, Display& display,
+                             std::ostream& out, std::ostream& differences)
+    : m_panel(panel),
       m_device(device),
-      m_cards(cards),
       m_display(display),
       m_out(out),
-      m_differences(differences) {
-    m_device.set_write_listener(
-        [this](const Memory_device::Write& write) { m_writes.push_back(write); });
-    m_device.set_fault([this](const Memory_device::Operation& operation) {
-        const bool write = operation.kind == Memory_device::Operation_kind::WRITE;
-        const bool read = operation.kind == Memory_device::Operation_kind::READ;
-        const bool fails =
-            (read || write) && m_faults.count({write, operation.pid, operation.varidx}) != 0;
-        return fails ? FAULT_RESULT : 0;
-    });
-}
-
-Script_player::~Script_player() {
-    m_device.set_write_listener(nullptr);
-    m_device.set_fault(nullptr);
-}
+      m_differences(differences) {}
 
 int Script_player::play(const Script& script) {
     int failures = 0;
@@ -100,15 +80,14 @@ int Script_player::play(const Script& script) {
 void Script_player::check_parameter(const Script& script, const Step& step) const {
     const bool names_one =
         step.kind == Step::EXPECT_WRITE || step.kind == Step::FAIL || step.kind == Step::SET;
-    const auto [pid, varidx] = step.parameter;
-    if (names_one && m_device.type(pid, varidx) == INVALID_TYPE) {
+    if (names_one && !m_device.has_parameter(step.parameter)) {
         throw Input_error(script.file + ":" + std::to_string(step.line) +
-                          ": the device has no parameter " + name_of(pid, varidx));
+                          ": the device has no parameter " + name_of(step.parameter));
     }
 }
 
 void Script_player::show() {
-    m_frame = m_controller.draw();
+    m_frame = m_panel.frame();
     m_display.show(*m_frame);
 }
 
@@ -118,7 +97,7 @@ void Script_player::perform(const Script& script, const Step& step) {
         case Step::TICK:
             m_out << "\n> " << printable(step.source) << '\n';
             for (int i = 0; i < step.count; ++i) {
-                step.kind == Step::TICK ? m_controller.tick() : press(step.key);
+                step.kind == Step::TICK ? m_panel.tick() : m_panel.press(step.key);
                 show();
             }
             break;
@@ -126,7 +105,7 @@ void Script_player::perform(const Script& script, const Step& step) {
             m_out << "\n" << printable(step.text) << '\n';
             break;
         case Step::FAIL:
-            set_fault(step);
+            m_device.set_fault(step.parameter, step.write, step.on);
             break;
         case Step::SET:
             set_value(script, step);
@@ -140,34 +119,11 @@ void Script_player::perform(const Script& script, const Step& step) {
     }
 }
 
-void Script_player::press(const Key& key) {
-    m_messages.push(message_of(key));
-    m_controller.receive(m_messages);
-}
-
-void Script_player::set_fault(const Step& step) {
-    const Fault fault(step.write, step.parameter.pid, step.parameter.varidx);
-    if (step.on) {
-        m_faults.insert(fault);
-    } else {
-        m_faults.erase(fault);
-    }
-}
-
 void Script_player::set_value(const Script& script, const Step& step) {
-    const auto [pid, varidx] = step.parameter;
-    const std::optional<int32_t> number = parse_number<int32_t>(step.text);
-    const bool is_text = m_device.type(pid, varidx) == STRING;
-    int result = Memory_device::WRONG_TYPE;
-    if (is_text) {
-        result = m_device.set_text(pid, varidx, step.text);
-    } else if (number) {
-        result = m_device.set_integer(pid, varidx, *number);
-    }
-    if (result != 0) {
+    if (const auto reason = m_device.set(step.parameter, step.text)) {
         throw Input_error(script.file + ":" + std::to_string(step.line) + ": parameter " +
-                          name_of(pid, varidx) + " cannot be set to \"" + step.text +
-                          "\": " + Memory_device::result_text(result));
+                          name_of(step.parameter) + " cannot be set to \"" + step.text +
+                          "\": " + *reason);
     }
 }
 
@@ -182,10 +138,7 @@ std::optional<std::string> Script_player::difference(const Step& step) {
         case Step::EXPECT_SELECTED:
             return selection_difference(step);
         case Step::EXPECT_NO_WRITE:
-            if (m_writes.empty()) {
-                return std::nullopt;
-            }
-            return "expected no write, the device got " + description_of(m_writes.front());
+            return no_write_difference();
         default:
             return std::nullopt;
     }
@@ -213,7 +166,7 @@ std::optional<std::string> Script_player::led_difference(const Step& step) const
 
 std::optional<std::string> Script_player::selection_difference(const Step& step) const {
     const auto pid = static_cast<int>(step.parameter.pid);
-    const int selected = m_cards == nullptr ? -1 : m_cards->selected(step.slot, pid);
+    const int selected = m_device.selected_option(step.slot, pid);
     if (selected == step.option) {
         return std::nullopt;
     }
@@ -223,17 +176,25 @@ std::optional<std::string> Script_player::selection_difference(const Step& step)
 }
 
 std::optional<std::string> Script_player::write_difference(const Step& step) {
-    const std::string expected =
-        name_of(step.parameter.pid, step.parameter.varidx) + " = " + step.text;
-    if (m_writes.empty()) {
+    const std::string expected = name_of(step.parameter) + " = " + step.text;
+    const std::optional<Script_device::Write> write = m_device.oldest_write();
+    if (!write) {
         return "expected the write " + expected + ", the device got none";
     }
-    const std::string got = description_of(m_writes.front());
-    m_writes.pop_front();
+    m_device.drop_write();
+    const std::string got = description_of(*write);
     if (got == expected) {
         return std::nullopt;
     }
     return "expected the write " + expected + ", the device got " + got;
+}
+
+std::optional<std::string> Script_player::no_write_difference() const {
+    const std::optional<Script_device::Write> write = m_device.oldest_write();
+    if (!write) {
+        return std::nullopt;
+    }
+    return "expected no write, the device got " + description_of(*write);
 }
 
 }  // namespace frontpanel

@@ -15,10 +15,10 @@
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_menu/encoder_settings.h>
 #include <frontpanel_menu/entry_kind.h>
-#include <frontpanel_ui/device_link.h>
-#include <frontpanel_ui/editor_set.h>
-#include <frontpanel_ui/encoder_speed.h>
-#include <frontpanel_ui/notices.h>
+#include "device_link.h"
+#include "editing/editor_set.h"
+#include "keys/encoder_speed.h"
+#include "views/notices.h"
 
 namespace frontpanel {
 

@@ -1,4 +1,4 @@
-#include <frontpanel_ui/log_view.h>
+#include "views/log_view.h"
 
 #include <frontpanel_data/data_interface.h>
 

@@ -10,12 +10,6 @@
 
 namespace frontpanel {
 
-inline constexpr size_t SHORTEST_PIN = 4;
-inline constexpr size_t LONGEST_PIN = 8;
-
-// Whether the text is 4 to 8 digits.
-bool is_pin(const std::string& text);
-
 class Pin_lock {
 public:
     static constexpr int FREE_TRIES = 3;
@@ -25,7 +19,7 @@ public:
 
     enum class Result { ASKING, OPEN, GIVEN_UP };
 
-    // `pin` is one.
+    // `pin` is one: see `is_pin`.
     explicit Pin_lock(std::string pin) : m_pin(std::move(pin)) {}
 
     // Asks from the first digit on. A wrong try before counts as before.

@@ -15,10 +15,10 @@
 #include <frontpanel_display/key.h>
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_menu/menu.h>
-#include <frontpanel_ui/device_link.h>
-#include <frontpanel_ui/list_view.h>
-#include <frontpanel_ui/menu_path.h>
-#include <frontpanel_ui/notices.h>
+#include "device_link.h"
+#include "navigation/list_view.h"
+#include "navigation/menu_path.h"
+#include "views/notices.h"
 
 namespace frontpanel {
 

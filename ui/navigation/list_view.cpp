@@ -1,4 +1,4 @@
-#include <frontpanel_ui/list_view.h>
+#include "navigation/list_view.h"
 
 #include <algorithm>
 #include <string>

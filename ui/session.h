@@ -14,8 +14,8 @@
 #include <string>
 
 #include <frontpanel_display/front.h>
-#include <frontpanel_ui/controller.h>
-#include <frontpanel_ui/pin_lock.h>
+#include "controller.h"
+#include "views/pin_lock.h"
 
 namespace frontpanel {
 

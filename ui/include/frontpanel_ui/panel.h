@@ -1,0 +1,96 @@
+// A panel over a menu: keys in, frames out. Wires navigation, editing, notices, idle timeout and lock for an
+// application, which either drives it in a loop of its own or calls `run`.
+//
+// Everything runs on the thread that calls it, the menu thread. One panel at a time: while it lives, the menu's
+// `access()` is the library's process-wide data interface, and the panel hears the warnings of the menu's rules.
+//
+// What the application asks of the panel it sets in the fields of `menu.access()`: `go_home`, `lock_and_dim` and
+// `time_for_timeout`, the idle timeout in seconds. docs/panel.md describes them.
+#ifndef FRONTPANEL_UI_PANEL_H
+#define FRONTPANEL_UI_PANEL_H
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <frontpanel_base/end_watch.h>
+#include <frontpanel_display/front.h>
+#include <frontpanel_menu/encoder_settings.h>
+#include <frontpanel_menu/menu.h>
+#include <frontpanel_ui/log_lines.h>
+#include <frontpanel_ui/message_queue.h>
+
+namespace frontpanel {
+
+inline constexpr size_t SHORTEST_PIN = 4;
+inline constexpr size_t LONGEST_PIN = 8;
+
+// Whether the text is 4 to 8 digits.
+bool is_pin(const std::string& text);
+
+// Whether choices can be posted to cards. The answer to a post is kept in a plain file of /dev, whose name is all
+// capitals: /dev must be writable.
+bool can_post();
+
+struct Panel_options {
+    Lcd_size size = {};  // of the display, until `Panel::set_size`
+    std::optional<std::string> pin =
+        std::nullopt;  // locks the panel at the start and whenever it dims: see `is_pin`
+    std::optional<Encoder_settings> encoder = std::nullopt;  // default: those of the menu
+    std::optional<std::chrono::seconds> idle_timeout =
+        std::nullopt;  // default: what the device says; 0 for never
+    // Whether an address belongs to the device's network, so that an opened editor may ping it; default: loopback only.
+    std::function<bool(const std::string& address)> may_probe = nullptr;
+    std::function<Time()> clock = nullptr;  // default: the steady clock
+    Log_lines* log =
+        nullptr;  // what the diagnostics key shows, outlives the panel; null: nothing is kept
+};
+
+class Panel {
+public:
+    // How often what is shown is read again, and long texts scroll.
+    static constexpr std::chrono::milliseconds TICK{400};
+
+    // Shows the menu's homescreen, or else its top menu. The menu outlives the panel. Throws std::invalid_argument
+    // when `options.pin` is no PIN.
+    explicit Panel(Menu& menu, Panel_options options = {});
+    ~Panel();
+    Panel(const Panel&) = delete;
+    Panel& operator=(const Panel&) = delete;
+
+    // In a loop of the application's own: hand over keys as they come, call `tick` when `due` has passed, and show
+    // `frame` when it `has_changed`.
+    //
+    // The key that wakes a dim panel does nothing else; a locked one asks for the PIN.
+    void press(const Key& key);
+    // Keys as messages of the front panel: see key_message.h. Any other message, and a damaged one, is ignored.
+    void receive(const FrontPanel::Message& message);
+    void receive(Message_queue& messages);
+    // Reads what is shown and what rules depend on from the device, scrolls, and watches the idle timeout.
+    void tick();
+    Time due() const;
+    // Whether something happened since `frame` was called last.
+    bool has_changed() const;
+    // What the display shows. The same frame until something happens: drawing scrolls long texts on.
+    const Frame& frame();
+    // From now on frames have this size.
+    void set_size(Lcd_size size);
+    // The time of the panel's clock.
+    Time now() const;
+
+    // Shows the panel on `front` until the person quits or SIGINT, SIGTERM or SIGHUP asks the process to end. Returns
+    // the exit status: 0, or 128 and the signal's number. An application that notes the signals itself hands over its
+    // watch. main_loop.h is the same one turn at a time, beside other descriptors.
+    int run(Front& front);
+    int run(Front& front, const End_watch& end);
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> m_parts;
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,44 @@
+// The device behind a panel that plays a script: what the script changes of it and asks of it.
+//
+// Whoever plays scripts implements it over a device of their own. Menu thread only.
+#ifndef FRONTPANEL_UI_SCRIPT_DEVICE_H
+#define FRONTPANEL_UI_SCRIPT_DEVICE_H
+
+#include <optional>
+#include <string>
+
+#include <frontpanel_ui/script.h>
+
+namespace frontpanel {
+
+class Script_device {
+public:
+    // A value that the panel wrote, or tried to.
+    struct Write {
+        Parameter_name parameter;
+        std::string value;  // as a script writes it: a number in decimal, or the text
+        bool failed;
+    };
+
+    Script_device() = default;
+    virtual ~Script_device() = default;
+    Script_device(const Script_device&) = delete;
+    Script_device& operator=(const Script_device&) = delete;
+
+    // Whether the device has the parameter. The operations below are called with such parameters only.
+    virtual bool has_parameter(const Parameter_name& parameter) const = 0;
+    // Changes the parameter as the device does by itself. Nothing, or why it cannot hold the value.
+    virtual std::optional<std::string> set(const Parameter_name& parameter,
+                                           const std::string& value) = 0;
+    // From now on reads of the parameter by the panel, or writes, fail; or they work again.
+    virtual void set_fault(const Parameter_name& parameter, bool write, bool on) = 0;
+    // The oldest write of the panel that was not dropped yet; nothing when there is none. `drop_write` drops it.
+    virtual std::optional<Write> oldest_write() const = 0;
+    virtual void drop_write() = 0;
+    // The option of list `list` that the card in the slot has selected, from 0; -1 for none.
+    virtual int selected_option(int slot, int list) const = 0;
+};
+
+}  // namespace frontpanel
+
+#endif

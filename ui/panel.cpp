@@ -1,0 +1,156 @@
+#include <frontpanel_ui/panel.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include <frontpanel_data/data_interface.h>
+#include <frontpanel_ui/main_loop.h>
+#include "controller.h"
+#include "session.h"
+
+namespace frontpanel {
+namespace {
+
+Panel_options completed(Panel_options options) {
+    if (options.pin && !is_pin(*options.pin)) {
+        throw std::invalid_argument("a PIN is " + std::to_string(SHORTEST_PIN) + " to " +
+                                    std::to_string(LONGEST_PIN) + " digits");
+    }
+    if (!options.clock) {
+        options.clock = [] { return std::chrono::steady_clock::now(); };
+    }
+    return options;
+}
+
+Device_link link_of(Menu& menu, const Panel_options& options) {
+    Device_link link = link_to(menu);
+    if (options.may_probe) {
+        link.may_probe = options.may_probe;
+    }
+    return link;
+}
+
+}  // namespace
+
+bool is_pin(const std::string& text) {
+    const auto is_digit = [](char byte) { return byte >= '0' && byte <= '9'; };
+    return text.size() >= SHORTEST_PIN && text.size() <= LONGEST_PIN &&
+           std::all_of(text.begin(), text.end(), is_digit);
+}
+
+bool can_post() {
+    return ::access("/dev/NULL", W_OK) == 0 || ::access("/dev", W_OK) == 0;
+}
+
+struct Panel::Parts {
+    Parts(Menu& shown, Panel_options&& given)
+        : menu(shown),
+          options(completed(std::move(given))),
+          interface_before(std::exchange(VarIdDataInfStore::m_pDataAccessInf, &menu.access())),
+          controller(menu.root(), link_of(menu, options), options.size),
+          next_tick(options.clock() + TICK) {
+        controller.show_home(home_of(menu));
+        if (options.log != nullptr) {
+            controller.set_log(*options.log);
+        }
+        controller.configure(options.encoder.value_or(menu.encoder_settings()),
+                             &menu.editor_settings());
+        controller.set_warning_armer([this] { menu.bindings()->arm_warnings(); });
+        controller.set_clock([this] {
+            return std::chrono::duration_cast<std::chrono::milliseconds>(
+                options.clock().time_since_epoch());
+        });
+        menu.bindings()->set_warning_listener(
+            [this](const std::string& text) { controller.warn(text); });
+        if (options.idle_timeout) {
+            menu.access().time_for_timeout = static_cast<int32_t>(options.idle_timeout->count());
+        }
+        session.emplace(controller, menu.access(), options.pin, options.clock());
+    }
+    ~Parts() {
+        menu.bindings()->set_warning_listener(nullptr);
+        VarIdDataInfStore::m_pDataAccessInf = interface_before;
+    }
+    Parts(const Parts&) = delete;
+    Parts& operator=(const Parts&) = delete;
+
+    Menu& menu;
+    Panel_options options;
+    Data_interface* interface_before;
+    Controller controller;
+    std::optional<Session> session;
+    Time next_tick;
+    std::optional<Frame> frame;  // the last one drawn
+    bool has_changed = true;     // since then
+};
+
+Panel::Panel(Menu& menu, Panel_options options)
+    : m_parts(std::make_unique<Parts>(menu, std::move(options))) {}
+
+Panel::~Panel() = default;
+
+void Panel::press(const Key& key) {
+    m_parts->session->press(key, now());
+    m_parts->has_changed = true;
+}
+
+void Panel::receive(const FrontPanel::Message& message) {
+    if (tells_idle(message)) {
+        m_parts->controller.receive(message);
+        m_parts->has_changed = true;
+    }
+    for (const Key& key : keys_of(message)) {
+        press(key);
+    }
+}
+
+void Panel::receive(Message_queue& messages) {
+    while (const Message_pointer message = messages.pop()) {
+        receive(*message);
+    }
+}
+
+void Panel::tick() {
+    const Time time = now();
+    m_parts->session->tick(time);
+    m_parts->next_tick = time + TICK;
+    m_parts->has_changed = true;
+}
+
+Time Panel::due() const {
+    return m_parts->next_tick;
+}
+
+bool Panel::has_changed() const {
+    return m_parts->has_changed;
+}
+
+const Frame& Panel::frame() {
+    if (m_parts->has_changed || !m_parts->frame) {
+        m_parts->frame = m_parts->session->draw(now());
+        m_parts->has_changed = false;
+    }
+    return *m_parts->frame;
+}
+
+void Panel::set_size(Lcd_size size) {
+    m_parts->session->set_size(size);
+    m_parts->has_changed = true;
+}
+
+Time Panel::now() const {
+    return m_parts->options.clock();
+}
+
+int Panel::run(Front& front) {
+    return run(front, End_watch());
+}
+
+int Panel::run(Front& front, const End_watch& end) {
+    return Main_loop(*this, front).run(end);
+}
+
+}  // namespace frontpanel
