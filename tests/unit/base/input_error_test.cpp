@@ -1,5 +1,6 @@
 #include <frontpanel_base/input_error.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -16,6 +17,35 @@ std::string error_of_reading(const std::string& file, size_t largest) {
         return error.what();
     }
     return "";
+}
+
+TEST(InputError, IsOneLineWithoutControlCharacters) {
+    EXPECT_STREQ(Input_error("a\nb\tc\x1B[1m\x7F").what(), "a?b?c?[1m?");
+    EXPECT_EQ(one_line("Gain \xC2\xB0"), "Gain \xC2\xB0");
+}
+
+TEST(InputError, LeavesTheMiddleOfALongTextOut) {
+    EXPECT_EQ(one_line(std::string(1000, 'x')), std::string(1000, 'x'));
+    EXPECT_EQ(one_line(std::string(600, 'a') + std::string(600, 'b')),
+              std::string(500, 'a') + " ... " + std::string(500, 'b'));
+}
+
+TEST(InputFile, IsReadAsItIs) {
+    const support::Folder folder;
+    const std::string text("a\0b\r\n", 5);
+    std::ofstream(folder.file("input"), std::ios::binary) << text;
+    EXPECT_EQ(read_input_file(folder.file("input")), text);
+    std::ofstream(folder.file("empty")).flush();
+    EXPECT_EQ(read_input_file(folder.file("empty")), "");
+}
+
+TEST(InputFile, ThatCannotBeReadIsNamed) {
+    const support::Folder folder;
+    EXPECT_EQ(error_of_reading("", LARGEST_INPUT), "a file without a name cannot be opened");
+    EXPECT_EQ(error_of_reading(folder.file("absent"), LARGEST_INPUT),
+              folder.file("absent") + ": cannot be opened: No such file or directory");
+    EXPECT_THAT(error_of_reading(folder.file(""), LARGEST_INPUT),
+                testing::EndsWith("cannot be read: Is a directory"));
 }
 
 TEST(InputFile, AFileOfTheLargestSizeIsReadAndALargerOneIsRefused) {

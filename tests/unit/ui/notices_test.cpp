@@ -1,0 +1,89 @@
+#include "views/notices.h"
+
+#include <gtest/gtest.h>
+
+#include "support/panel_fixture.h"
+
+namespace frontpanel {
+namespace {
+
+class Notices_test : public testing::Test {
+protected:
+    Frame frame(Lcd_size size = {16, 2}) {
+        Frame frame{Lcd(size), Leds()};
+        notices.draw(frame);
+        return frame;
+    }
+    Lines lines() { return lines_of(frame()); }
+    void ask(const std::vector<std::string>& texts) {
+        notices.ask("Gain", texts, [this](bool accepted) { answers.push_back(accepted); });
+    }
+
+    Notices notices;
+    std::vector<bool> answers;
+};
+
+TEST_F(Notices_test, AnyKeyAcknowledgesAndTheNextOneFollows) {
+    notices.tell("Gain", "write failed", true);
+    notices.tell("Mode", "read only");
+    EXPECT_EQ(lines(), (Lines{"Gain            ", "write failed    "}));
+    EXPECT_TRUE(frame().leds.alarm);
+    notices.press(Key::DOWN);
+    EXPECT_EQ(lines(), (Lines{"Mode            ", "read only       "}));
+    EXPECT_FALSE(frame().leds.alarm);
+    notices.press(Key::BACK);
+    EXPECT_TRUE(notices.empty());
+}
+
+TEST_F(Notices_test, AQuestionIsAcceptedWithItsLastText) {
+    ask({"loud", "very loud"});
+    EXPECT_EQ(lines(), (Lines{"Gain         ok?", "loud            "}));
+    notices.press(Key::UP);
+    notices.press(Key::SELECT);
+    EXPECT_EQ(lines()[1], "very loud       ");
+    EXPECT_TRUE(answers.empty());
+    notices.press(Key::SELECT);
+    EXPECT_EQ(answers, std::vector<bool>{true});
+    EXPECT_TRUE(notices.empty());
+}
+
+TEST_F(Notices_test, BackCancelsAQuestionAtAnyText) {
+    ask({"loud", "very loud"});
+    notices.press(Key::BACK);
+    EXPECT_EQ(answers, std::vector<bool>{false});
+    EXPECT_TRUE(notices.empty());
+}
+
+TEST_F(Notices_test, CancellingLeavesWhatIsOnlyTold) {
+    notices.tell("Mode", "read only");
+    ask({"loud"});
+    notices.cancel();
+    EXPECT_EQ(answers, std::vector<bool>{false});
+    EXPECT_EQ(lines()[0], "Mode            ");
+}
+
+TEST_F(Notices_test, AnAnswerMayBringUpAnotherNotice) {
+    notices.ask("Gain", {"loud"}, [this](bool) { notices.tell("Gain", "write failed"); });
+    notices.press(Key::SELECT);
+    EXPECT_EQ(lines()[1], "write failed    ");
+}
+
+TEST_F(Notices_test, ALongTextScrollsByACharacterAFrame) {
+    notices.tell("Gain", "louder than the hall allows");
+    const std::string start = lines()[1];
+    EXPECT_EQ(start, "louder than the ");
+    std::string next = start;
+    for (int held = 0; held < 20 && next == start; ++held) {
+        next = lines()[1];
+    }
+    EXPECT_EQ(next, "ouder than the h");
+    EXPECT_EQ(lines()[1], "uder than the ha");
+}
+
+TEST_F(Notices_test, ADisplayWithRoomHasAHintOfTheKeys) {
+    ask({"loud"});
+    EXPECT_EQ(lines_of(frame({16, 3}))[2], "     select/back");
+}
+
+}  // namespace
+}  // namespace frontpanel
