@@ -1,0 +1,86 @@
+#include "playing.h"
+
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include <frontpanel_base/atomic_file.h>
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_displays/picture.h>
+#include <frontpanel_ui/panel.h>
+#include <frontpanel_ui/script_player.h>
+#include "reports.h"
+#include "shipped.h"
+#include "simulated_script_device.h"
+#include "using_panel.h"
+
+namespace frontpanel {
+namespace {
+
+int play_on(const Script& script, Panel& panel, Simulated_device& device, Display& display,
+         std::ostream& out) {
+    Simulated_script_device played(device.memory(), device.cards());
+    Script_player player(panel, played, display, out, std::cerr);
+    const int differences = player.play(script);
+    if (differences != 0) {
+        std::cerr << one_line(script.file) << ": " << differences << " expectation"
+                  << (differences == 1 ? "" : "s") << " not met\n";
+        return EXIT_DIFFERENCE;
+    }
+    check_written(!out);
+    return EXIT_PLAYED;
+}
+
+// The picture is taken when the script is over, also of what should have been otherwise.
+int take_picture(const Options& options, const Script& script, Panel& panel,
+                 Simulated_device& device) {
+    check_writable(options.screenshot);
+    Picture_display display(options.screenshot);
+    std::ostringstream unseen;
+    const int status = play_on(script, panel, device, display, unseen);
+    display.finish();
+    return status;
+}
+
+// Without a terminal the shipped menu shows its tour; another menu or display needs a script of its own.
+std::string script_of(const Options& options) {
+    if (!options.script.empty()) {
+        return options.script;
+    }
+    const Lcd_size usual;
+    if (options.menu != shipped_menu() || options.size.columns != usual.columns ||
+        options.size.rows != usual.rows) {
+        throw Input_error("standard output is no terminal: name a script with --script");
+    }
+    return shipped_tour();
+}
+
+// Each step of a script's encoder is one, however fast the script is played.
+Panel_options options_for_script(const Options& options, Menu& menu, Output_log& log) {
+    Panel_options panel = panel_options_of(options, menu, log);
+    panel.encoder->acceleration = false;
+    return panel;
+}
+
+}  // namespace
+
+// What is played while nobody is at the keys. A picture needs no script: then it is of the start.
+Script script_to_play(const Options& options) {
+    if (options.script.empty() && !options.screenshot.empty()) {
+        return {};
+    }
+    const std::string file = script_of(options);
+    return parse_script(file, read_input_file(file));
+}
+
+int play(const Options& options, const Display_row& display, const Script& script,
+         const Loaded_panel& loaded, Output_log& log) {
+    Panel panel(*loaded.menu, options_for_script(options, *loaded.menu, log));
+    if (!options.screenshot.empty()) {
+        return take_picture(options, script, panel, *loaded.device);
+    }
+    return play_on(script, panel, *loaded.device, *display.open_display(setup_of(options, log)),
+                   log.out());
+}
+
+}  // namespace frontpanel

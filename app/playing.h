@@ -1,0 +1,22 @@
+// Plays a script on the panel, for the display that shows it or for a picture.
+#ifndef FRONTPANEL_APP_PLAYING_H
+#define FRONTPANEL_APP_PLAYING_H
+
+#include <frontpanel_displays/display_table.h>
+#include <frontpanel_ui/script.h>
+#include "loaded_panel.h"
+#include "options.h"
+#include "output_log.h"
+
+namespace frontpanel {
+
+// The script that the options ask for. Input_error when it cannot be read, or when one has to be named.
+Script script_to_play(const Options& options);
+
+// Plays the script to its end. The exit status; Input_error when output cannot be written.
+int play(const Options& options, const Display_row& display, const Script& script,
+         const Loaded_panel& loaded, Output_log& log);
+
+}  // namespace frontpanel
+
+#endif

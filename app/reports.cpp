@@ -1,0 +1,72 @@
+#include "reports.h"
+
+#include <iostream>
+#include <string>
+
+#include <frontpanel_base/input_error.h>
+#include <frontpanel_data/data_interface.h>
+#include <frontpanel_menu/explain.h>
+#include <frontpanel_menu/menu_dump.h>
+#include <frontpanel_menu/menu_graph.h>
+#include <frontpanel_ui/script.h>
+
+namespace frontpanel {
+namespace {
+
+std::string report_of(const Options& options, Menu& menu) {
+    if (options.dump) {
+        debug = 0;
+        return dump_of(menu);
+    }
+    return options.graph ? graph_of(menu) : explain(menu, options.explain);
+}
+
+}  // namespace
+
+// The library tells what is wrong with an expression on standard error, where the panel has one line to say.
+Loaded_panel load(const Options& options, Output_log& log, Cards cards) {
+    log.take_errors();
+    Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns);
+    log.return_errors();
+    return loaded;
+}
+
+void check_written(bool failed) {
+    if (failed) {
+        throw Input_error(OUTPUT_FAILED);
+    }
+}
+
+int check(const Options& options, Output_log& log) {
+    const Loaded_panel loaded = load(options, log, Cards::OFF);
+    if (!options.script.empty()) {
+        parse_script(options.script, read_input_file(options.script));
+    }
+    for (const std::string& warning : loaded.warnings) {
+        std::cerr << warning << '\n';
+    }
+    log.out() << one_line(options.menu) << ": a menu of " << loaded.menu->entry_count()
+              << " entries\n";
+    log.out().flush();
+    check_written(!log.out());
+    return EXIT_PLAYED;
+}
+
+bool is_report(const Options& options) {
+    return options.dump || options.graph || !options.explain.empty();
+}
+
+// What the library prints while the menu is read goes to the log as ever, so that standard output is the report.
+int report(const Options& options) {
+    Output_log log(options.log);
+    debug = options.debug;
+    const Loaded_panel loaded = load(options, log, Cards::OFF);
+    VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
+    refresh_all(*loaded.menu);
+    log.out() << report_of(options, *loaded.menu);
+    log.out().flush();
+    check_written(!log.out());
+    return EXIT_PLAYED;
+}
+
+}  // namespace frontpanel

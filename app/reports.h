@@ -1,0 +1,26 @@
+// What the application prints of a menu in place of showing it, and the check of a menu.
+#ifndef FRONTPANEL_APP_REPORTS_H
+#define FRONTPANEL_APP_REPORTS_H
+
+#include "loaded_panel.h"
+#include "options.h"
+#include "output_log.h"
+
+namespace frontpanel {
+
+// Loads the menu of the options. Input_error and Input_errors as `load_panel` throws them.
+Loaded_panel load(const Options& options, Output_log& log, Cards cards);
+
+// Whether the options ask for a report.
+bool is_report(const Options& options);
+// Prints it to standard output. The exit status; Input_error when that cannot be written.
+int report(const Options& options);
+// Checks the menu, and the script if one is named. The exit status; Input_error for what is wrong.
+int check(const Options& options, Output_log& log);
+
+// Input_error when printing to standard output has failed.
+void check_written(bool failed);
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,101 @@
+#include "using_panel.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include <frontpanel_base/input_error.h>
+
+namespace frontpanel {
+namespace {
+
+bool has_terminal(const Output_log& log) {
+    return isatty(log.out_descriptor()) != 0;
+}
+
+// What is in the file is never repeated in a message.
+std::optional<std::string> pin_of(const Options& options) {
+    if (options.pin_file.empty()) {
+        return std::nullopt;
+    }
+    std::string pin = read_input_file(options.pin_file);
+    while (!pin.empty() && (pin.back() == '\n' || pin.back() == '\r')) {
+        pin.pop_back();
+    }
+    if (!is_pin(pin)) {
+        throw Input_error(options.pin_file + ": expected a PIN of " + std::to_string(SHORTEST_PIN) +
+                          " to " + std::to_string(LONGEST_PIN) + " digits");
+    }
+    return pin;
+}
+
+Panel_options options_for_person(const Options& options, Menu& menu, Output_log& log) {
+    Panel_options panel = panel_options_of(options, menu, log);
+    panel.encoder->acceleration = panel.encoder->acceleration && !options.no_acceleration;
+    panel.idle_timeout = std::chrono::seconds(options.time_out);
+    panel.pin = pin_of(options);
+    // Each turn of the loop asks the time. Lines that the library prints unasked make the log grow as well.
+    panel.clock = [&log] {
+        log.trim();
+        return std::chrono::steady_clock::now();
+    };
+    return panel;
+}
+
+}  // namespace
+
+const Display_row& display_of(const Options& options, const Output_log& log) {
+    if (options.display.display != nullptr) {
+        return *options.display.display;
+    }
+    return default_display(options.script.empty() && options.screenshot.empty() &&
+                           has_terminal(log));
+}
+
+void check_front(const Options& options, const Display_row& display, const Output_log& log) {
+    if (!options.script.empty() || !options.screenshot.empty()) {
+        throw Input_error("scripts and pictures are for the display \"text\"");
+    }
+    if (!display.takes_terminal) {
+        return;
+    }
+    if (!has_terminal(log)) {
+        throw Input_error("standard output is no terminal: name a script with --script");
+    }
+    if (isatty(STDIN_FILENO) == 0) {
+        throw Input_error("standard input is no terminal: name a script with --script");
+    }
+}
+
+Display_setup setup_of(const Options& options, Output_log& log) {
+    const auto size = options.has_size ? std::optional<Lcd_size>(options.size) : std::nullopt;
+    return {options.display.argument, size,      options.keys,
+            log.out_descriptor(),     log.out(), std::cerr};
+}
+
+Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& log) {
+    Panel_options panel;
+    panel.size = options.size;
+    panel.encoder = menu.encoder_settings();
+    panel.log = &log.lines();
+    return panel;
+}
+
+// A terminal that shows the panel has no room for what is said to standard error meanwhile.
+int use_panel(const Options& options, const Display_row& display, Menu& menu, Output_log& log,
+              const End_watch& end) {
+    Panel panel(menu, options_for_person(options, menu, log));
+    if (display.takes_terminal) {
+        log.take_errors();
+    }
+    const int status = panel.run(*display.open_front(setup_of(options, log)), end);
+    if (display.takes_terminal) {
+        log.return_errors();
+    }
+    return status;
+}
+
+}  // namespace frontpanel
