@@ -14,7 +14,9 @@ _frontpanel() {
             return
             ;;
         --display)
-            mapfile -t COMPREPLY < <(compgen -W 'terminal text lcdproc' -- "$current")
+            # "terminal, text, lcdproc[:ADDRESS[:PORT]]" of the program's own help
+            mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" --help 2>/dev/null |
+                sed -nE '/^ +--display /{s/^ +--display [A-Z]+ +//;s/,|\[[^ ]*//g;p}')" -- "$current")
             return
             ;;
         --debug | --keys | --timeout | --explain) return ;;

@@ -3,7 +3,8 @@
 # usage: panel_help_test.sh FRONTPANEL PACKAGING_FOLDER
 set -uo pipefail
 
-PANEL=$1 PACKAGING=$2
+export PANEL=$1
+PACKAGING=$2
 FAILURES=0
 
 fail() {
@@ -59,7 +60,7 @@ complete_words() {
     bash -c '
         set -u
         . "$0"
-        COMP_WORDS=(frontpanel "$@") COMP_CWORD=$#
+        COMP_WORDS=("$PANEL" "$@") COMP_CWORD=$#
         _frontpanel
         [ "${#COMPREPLY[@]}" -eq 0 ] || printf "%s|" "${COMPREPLY[@]}"
     ' "$PACKAGING/completion/frontpanel.bash" "$@"
@@ -81,6 +82,8 @@ completes "my.json|" --menu my
 completes "my.script|" --script my
 completes "notes.txt|" --log n
 completes "20x2|20x4|" --size 20
+completes "terminal|text|" --display t
+completes "lcdproc|" --display l
 completes "--script|--screenshot|" --menu my.json --sc
 completes "" --menu absent
 
