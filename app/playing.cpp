@@ -18,7 +18,7 @@ namespace frontpanel {
 namespace {
 
 int play_on(const Script& script, Panel& panel, Simulated_device& device, Display& display,
-         std::ostream& out) {
+            std::ostream& out) {
     Simulated_script_device played(device.memory(), device.cards());
     Script_player player(panel, played, display, out, std::cerr);
     const int differences = player.play(script);

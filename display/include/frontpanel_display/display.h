@@ -1,4 +1,4 @@
-// Where the panel's front is shown: a terminal, a text stream, a real display.
+// A display without keys. An application implements `Display` for one of its own; menu thread only.
 #ifndef FRONTPANEL_DISPLAY_DISPLAY_H
 #define FRONTPANEL_DISPLAY_DISPLAY_H
 
@@ -13,6 +13,8 @@ public:
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;
 
+    // Shows the frame in place of the one before. The frame is valid during the call only. Must not wait for long: the
+    // panel takes no keys meanwhile.
     virtual void show(const Frame& frame) = 0;
 };
 

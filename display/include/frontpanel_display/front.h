@@ -1,4 +1,5 @@
-// A display with keys: what the main loop waits for and draws on.
+// A display with keys. An application implements `Front` for a display of its own; the main loop waits for it and draws
+// on it.
 #ifndef FRONTPANEL_DISPLAY_FRONT_H
 #define FRONTPANEL_DISPLAY_FRONT_H
 
@@ -17,9 +18,9 @@ using Time = std::chrono::steady_clock::time_point;
 struct Front_event {
     enum Kind {
         KEY,
-        QUIT,    // the person asks the panel to end, or is gone
-        REDRAW,  // what was shown is to be shown again
-        SIZE     // the display measures `size`
+        QUIT,    // the user ends the panel, or the display is gone for good
+        REDRAW,  // the display lost its picture: show the last frame again
+        SIZE     // the display has `size` from now on
     };
     Kind kind;
     Key key{Key::UP};  // of KEY
@@ -28,11 +29,11 @@ struct Front_event {
 
 class Front : public Display {
 public:
-    // The next thing that happened; nothing when all is told. Never waits.
+    // The next event, in the order in which they happened; nothing when there is none left. Never waits.
     virtual std::optional<Front_event> next(Time now) = 0;
-    // What tells that something happened. The descriptor is -1 while nothing can.
+    // The descriptor that becomes ready when there may be an event. -1 while there is none to wait for.
     virtual pollfd source() const = 0;
-    // When `next` is to be asked even if the source is silent; Time::max() for never.
+    // When to call `next` even if the source is silent; Time::max() for never.
     virtual Time due() const = 0;
 };
 

@@ -1,4 +1,4 @@
-// What a hand does at the panel's front.
+// The keys of the panel, whatever presses them.
 #ifndef FRONTPANEL_DISPLAY_KEY_H
 #define FRONTPANEL_DISPLAY_KEY_H
 
@@ -15,7 +15,7 @@ struct Key {
         SHORTCUT,     // a shortcut button
         INSERT,       // a blank into an edited text
         DELETE,       // a character of it
-        DIAGNOSTICS,  // shows what the library prints; on a device, select held for long
+        DIAGNOSTICS,  // shows what the library prints; on a device, a long press of select
         LEFT,         // an arrow key: a cursor to the left, or back
         RIGHT,        // an arrow key: a cursor to the right, or select
         ERASE         // a character of an edited text, or back

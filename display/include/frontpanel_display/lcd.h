@@ -27,8 +27,8 @@ public:
     // A blank grid.
     explicit Lcd(Lcd_size size);
 
-    // Writes `text`, which is UTF-8, from `column` on; what does not fit the row is dropped. What a character
-    // display cannot show becomes '?', as character_set.h tells. Nothing happens outside the grid.
+    // Writes `text`, which is UTF-8, from `column` on. Text beyond the end of the row is dropped. A character that no
+    // display has becomes '?': see character_set.h. Outside the grid nothing happens.
     void put(int row, int column, std::string_view text);
     // Writes `text` so that it ends in the row's last column; a longer text keeps its start.
     void put_right(int row, std::string_view text);
@@ -36,12 +36,12 @@ public:
     void set_cursor(int row, int column);
 
     Lcd_size size() const { return m_size; }
-    // The whole line, exactly `columns` cells, one byte each; `row` must be within the grid.
+    // The whole line: exactly `columns` cells, one byte of ISO-8859-1 each. Requires: `row` is within the grid.
     const std::string& line(int row) const { return m_lines.at(static_cast<size_t>(row)); }
     // -1 when no cursor is shown.
     int cursor_row() const { return m_cursor_row; }
     int cursor_column() const { return m_cursor_column; }
-    // The characters that stand as '?' because no display has them.
+    // The characters that became '?' because no display has them.
     const std::set<char32_t>& lost() const { return m_lost; }
 
 private:
@@ -60,11 +60,11 @@ struct Leds {
     bool heart = false;  // changes as long as the panel is alive
 };
 
-// One picture of the panel's front.
+// One picture of the panel's front, which a display shows.
 struct Frame {
     Lcd lcd;
     Leds leds;
-    bool dim = false;  // nobody is there to look at it
+    bool dim = false;  // the panel is idle: reduce or switch off the light
 };
 
 }  // namespace frontpanel

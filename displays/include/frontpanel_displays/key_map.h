@@ -1,4 +1,4 @@
-// Which key of a display server does what on the panel.
+// What the keys of a display do on the panel.
 #ifndef FRONTPANEL_DISPLAYS_KEY_MAP_H
 #define FRONTPANEL_DISPLAYS_KEY_MAP_H
 
@@ -9,14 +9,14 @@
 
 namespace frontpanel {
 
-// By the server's name of the key.
+// By the display's name of the key.
 using Key_map = std::map<std::string, Key>;
 
 // The arrow keys, Enter and Escape.
 Key_map usual_keys();
 
-// "Up=up,Down=down,Enter=select,F1=1": a server's key and a word of a script, or the number of a shortcut button,
-// 1 to 99. Input_error when the text is none, names a key twice or has no key for select.
+// "Up=up,Down=down,Enter=select,F1=1": a key of the display and a word of `KEY_TABLE`, or the number of a shortcut
+// button, 1 to 99. Input_error when the text is invalid, names a key twice or has no key for select.
 Key_map parse_key_map(const std::string& text);
 
 }  // namespace frontpanel

@@ -1,8 +1,8 @@
 // The panel on one of the many character displays that an LCDproc server drives; the display's keys are the
 // panel's.
 //
-// The server may be slow, away, or talk nonsense: nothing here waits for it. While it is away the panel goes on
-// unseen, and its frame is shown whole once the server is back.
+// The server may be slow, unreachable, or send invalid lines: nothing here waits for it. While it is unreachable the panel
+// goes on unseen; once the server is back, the whole frame is shown.
 #ifndef FRONTPANEL_DISPLAYS_LCDPROC_DISPLAY_H
 #define FRONTPANEL_DISPLAYS_LCDPROC_DISPLAY_H
 
@@ -25,15 +25,15 @@ public:
     static constexpr std::chrono::seconds STEADY{10};
     static constexpr int MOST_COMPLAINTS = 10;  // about answers, until a connection is steady
 
-    // Connects when it is first asked for what happened. With `fixed` the panel keeps that size, and is cut or has
-    // blank room on another display; without, it takes that of the display, within what a panel can be. What a
-    // person should know of the server goes to `log`, a line each; `log` outlives the display.
+    // Connects with the first call of `next`. With `fixed` the panel keeps that size: on another display it is cut, or
+    // leaves blank room. Without, it takes the size of the display, from SMALLEST_LCD to LARGEST_LCD. Status messages
+    // go to `log`, a line each; `log` outlives the display.
     Lcdproc_display(const Lcdproc_server& server, Key_map keys, std::optional<Lcd_size> fixed,
                     std::ostream& log);
     ~Lcdproc_display() override;
 
-    // Only what differs from the last frame is sent, and only once the server has done with that: of frames that
-    // come faster the last counts.
+    // Sends only what differs from the last frame, once the server has shown that: of frames that come faster, the last
+    // counts.
     void show(const Frame& frame) override;
     std::optional<Front_event> next(Time now) override;
     pollfd source() const override;

@@ -1,7 +1,7 @@
 // The panel's front on a terminal: a bordered display, LEDs and a legend of the keys.
 //
-// One terminal at a time, from the menu thread. The terminal is as it was before once the object is gone,
-// and also when the process ends by a crash or a signal.
+// One terminal at a time, menu thread only. The destructor restores the terminal, and so does a crash or a signal that
+// ends the process.
 #ifndef FRONTPANEL_DISPLAYS_TERMINAL_H
 #define FRONTPANEL_DISPLAYS_TERMINAL_H
 
@@ -19,16 +19,16 @@ namespace frontpanel {
 
 class Terminal : public Front {
 public:
-    // `output` is a descriptor of a terminal, which standard input is too. Input_error when the terminal's
-    // type is not known or cannot move its cursor, or its size, also that in COLUMNS and LINES, is absurd.
+    // Requires: `output` is a descriptor of a terminal, and so is standard input. The caller keeps `output`.
+    // Input_error when the terminal's type is unknown or cannot move its cursor, or its size, also that in COLUMNS and
+    // LINES, is absurd.
     explicit Terminal(int output);
     ~Terminal() override;
 
-    // On a terminal that is too small a message stands in the frame's place.
+    // On a terminal that is too small, a message replaces the frame.
     void show(const Frame& frame) override;
     std::optional<Front_event> next(Time now) override;
     pollfd source() const override;
-    // Keys come with the source.
     Time due() const override { return Time::max(); }
 
 private:

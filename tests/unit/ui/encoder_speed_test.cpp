@@ -12,7 +12,7 @@ TEST(EncoderSpeed, TheFirstDetentIsOneStep) {
 }
 
 TEST(EncoderSpeed, HalfTheTimeBetweenDetentsDoublesTheSteps) {
-    const std::pair<int, int> CASES[] = {{200, 1}, {120, 1}, {61, 1}, {60, 2},
+    const std::pair<int, int> CASES[] = {{200, 1}, {120, 1}, {61, 1},  {60, 2},
                                          {30, 4},  {15, 8},  {12, 10}, {1, 10}};
     for (const auto& [apart, steps] : CASES) {
         Encoder_speed speed;

@@ -27,7 +27,7 @@ Message_pointer message_of(const Key& key);
 // a message that is no key, and for a damaged one (another length, an unknown code).
 std::vector<Key> keys_of(const FrontPanel::Message& message);
 
-// Whether the message tells that nobody has touched the panel for a while.
+// Whether the message reports that the panel was idle for a while.
 bool tells_idle(const FrontPanel::Message& message);
 
 }  // namespace frontpanel

@@ -23,23 +23,23 @@ class Panel;
 
 class Main_loop {
 public:
-    // A key that takes longer than this, such as a commit to a slow device, takes the keys with it that were
-    // pressed meanwhile: they were meant for what stood on the display then.
+    // Keys that are pressed while a key takes longer than this, such as a commit to a slow device, are dropped: they
+    // were meant for what the display showed then.
     static constexpr std::chrono::milliseconds SLOW_KEY{150};
 
     // Both outlive the loop.
     Main_loop(Panel& panel, Front& front);
 
-    // Does what there is to do, without waiting. One key a turn: what stands where after several keys then does not
-    // depend on how fast they came.
+    // Does what is due, without waiting. One key a turn: the result of several keys does not depend on how fast they
+    // come.
     void turn();
-    // When the next turn is due, unless the front's source tells of something before. Time::min() for at once.
+    // When the next turn is due, unless the front's source is ready before. Time::min() for at once.
     Time due() const;
-    // Whether the person asked the panel to end.
+    // Whether the user ended the panel.
     bool is_over() const { return m_over; }
 
-    // Turns and waits until the person quits or a signal asks the process to end. The exit status: 0, or 128 and
-    // the signal's number.
+    // Turns and waits until the user ends the panel or a signal asks the process to end. Returns the exit status: 0, or
+    // 128 plus the signal's number.
     int run(const End_watch& end);
 
 private:
@@ -51,7 +51,7 @@ private:
     Panel& m_panel;
     Front& m_front;
     bool m_redraw = false;
-    bool m_busy = false;  // the front may have more to tell
+    bool m_busy = false;  // the front may have more events
     bool m_over = false;
 };
 

@@ -1,6 +1,6 @@
 // The device behind a panel that plays a script: what the script changes of it and asks of it.
 //
-// Whoever plays scripts implements it over a device of their own. Menu thread only.
+// An application that plays scripts implements it over its own device. Menu thread only.
 #ifndef FRONTPANEL_UI_SCRIPT_DEVICE_H
 #define FRONTPANEL_UI_SCRIPT_DEVICE_H
 
