@@ -14,10 +14,12 @@ protected:
         return support::capture(0, [this] { status = report(options); }).out;
     }
     std::string check_of() {
-        return support::capture(0, [this] {
-                   Output_log log(options.log);
-                   status = check(options, log);
-               }).out;
+        return support::capture(0,
+                                [this] {
+                                    Output_log log(options.log);
+                                    status = check(options, log);
+                                })
+            .out;
     }
 
     int status = -1;

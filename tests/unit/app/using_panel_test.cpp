@@ -25,9 +25,7 @@ protected:
     std::string front_error(const std::string& display) {
         std::string error;
         with_log([&](Output_log& log) {
-            error = error_of([&] {
-                check_front(options, *parse_display(display).display, log);
-            });
+            error = error_of([&] { check_front(options, *parse_display(display).display, log); });
         });
         return error;
     }

@@ -20,7 +20,7 @@ std::string error_of_reading(const std::string& file, size_t largest) {
 }
 
 TEST(InputError, IsOneLineWithoutControlCharacters) {
-    EXPECT_STREQ(Input_error("a\nb\tc\x1B[1m\x7F").what(), "a?b?c?[1m?");
+    EXPECT_STREQ(Input_error("a\nb\tc\x1B[1m\x7F").what(), "a?b c?[1m?");
     EXPECT_EQ(one_line("Gain \xC2\xB0"), "Gain \xC2\xB0");
 }
 
