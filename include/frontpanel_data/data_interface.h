@@ -131,10 +131,11 @@ public:
     // Writes the zero-terminated alias of a product, at most 99 characters, to `name`. 0 on success.
     virtual int Get_prod_alias_name(char* name, prod_id_t product) = 0;
 
-    // The application's own; they travel with the interface, and the library neither sets nor reads them.
-    int32_t go_home;           // the panel is to return to its home screen
-    int32_t lock_and_dim;      // the panel is to lock and dim
-    int32_t time_for_timeout;  // the time-out setting of the panel
+    // The application's own; they travel with the interface. 0 at the start, so that a panel over an interface that
+    // never sets them neither locks nor dims; afterwards the library neither sets nor reads them.
+    int32_t go_home = 0;           // the panel is to return to its home screen
+    int32_t lock_and_dim = 0;      // the panel is to lock and dim
+    int32_t time_for_timeout = 0;  // the time-out setting of the panel
 
     // Declared for source compatibility and defined nowhere: use `VarIdDataInfStore::m_pDataAccessInf`.
     static Data_interface* m_pDataAccessInf;

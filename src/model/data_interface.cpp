@@ -42,7 +42,7 @@ bool operator==(const GetSetS& left, const GetSetS& right) {
                        std::min<std::size_t>(left.length, sizeof left.buffer)) == 0;
 }
 
-Data_interface::Data_interface() {}  // the public fields are the application's to fill
+Data_interface::Data_interface() = default;
 
 Data_interface::~Data_interface() = default;
 

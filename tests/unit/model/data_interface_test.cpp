@@ -249,6 +249,9 @@ public:
         std::memset(m_memory, 0xA5, sizeof m_memory);
         m_record = new (m_memory) Record;
     }
+    ~On_used_memory() { m_record->~Record(); }
+    On_used_memory(const On_used_memory&) = delete;
+    On_used_memory& operator=(const On_used_memory&) = delete;
     const Record* operator->() const { return m_record; }
 
 private:
@@ -277,6 +280,13 @@ TEST(Records, StartEmpty) {
     for (const unsigned char byte : request->buffer) {
         EXPECT_EQ(byte, 0);
     }
+}
+
+TEST(DataInterface, AsksNothingOfThePanelBeforeTheApplicationDoes) {
+    const On_used_memory<support::Fake_device> device;
+    EXPECT_EQ(device->go_home, 0);
+    EXPECT_EQ(device->lock_and_dim, 0);
+    EXPECT_EQ(device->time_for_timeout, 0);
 }
 
 TEST(Records, AreWrittenAsListsOfTheirMembers) {
