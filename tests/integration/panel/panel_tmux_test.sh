@@ -40,6 +40,10 @@ wait_for() {
     done
 }
 
+shell_is_back() {
+    [ "$(terminal display-message -p '#{pane_current_command}')" = bash ]
+}
+
 screen_line() {
     terminal capture-pane -p | sed -n "$1p"
 }
@@ -220,8 +224,9 @@ terminal send-keys 8
 wait_for "no card is asked" test -e "$FOLDER/fetching"
 STARTED=$SECONDS
 terminal send-keys C-c
+wait_for "Ctrl-C does not end the panel" shell_is_back  # what is typed before is thrown away
 terminal send-keys "clear; stty -g >after; touch done.slow" Enter
-wait_for "Ctrl-C does not end the panel" test -e "$FOLDER/done.slow"
+wait_for "the shell does not go on after Ctrl-C" test -e "$FOLDER/done.slow"
 [ $((SECONDS - STARTED)) -lt 10 ] || fail "Ctrl-C waits for the card"
 cmp "$FOLDER/before" "$FOLDER/after" || fail "Ctrl-C leaves other terminal settings"
 
