@@ -37,44 +37,50 @@ const char* name_of(Kind kind) {
     return "nothing";
 }
 
-bool is_printable(const std::string& text) {
+bool is_printable(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-bool is_integer(const Json_node& node) {
-    return node.kind == Kind::INTEGER || (node.kind == Kind::TEXT && node.is_number);
+// What a message says that a value is.
+std::string description_of(const Json_node& node) {
+    if (const auto number = node.integer()) {
+        return std::to_string(*number);
+    }
+    return node.is(Kind::REAL) ? shown_number(node.text()) : name_of(node.kind());
 }
 
-void write_text(Writer& writer, const std::string& text) {
+void write_text(Writer& writer, std::string_view text) {
     writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
 void write(Writer& writer, const Json_node& node) {
-    switch (node.kind) {
+    switch (node.kind()) {
         case Kind::NOTHING:
-        case Kind::REAL:
         case Kind::WRONG:
             writer.Null();
             break;
+        case Kind::REAL:
+            writer.RawValue(node.text().data(), node.text().size(), rapidjson::kNumberType);
+            break;
         case Kind::BOOLEAN:
-            writer.Bool(node.boolean);
+            writer.Bool(node.boolean());
             break;
         case Kind::INTEGER:
-            writer.Int64(node.number);
+            writer.Int64(node.integer().value_or(0));
             break;
         case Kind::TEXT:
-            write_text(writer, node.text);
+            write_text(writer, node.text());
             break;
         case Kind::LIST:
             writer.StartArray();
-            for (const Json_node& element : node.elements) {
+            for (const Json_node& element : node.elements()) {
                 write(writer, element);
             }
             writer.EndArray();
             break;
         case Kind::OBJECT:
             writer.StartObject();
-            for (const Json_member& member : node.members) {
+            for (const Json_member& member : node.members()) {
                 write_text(writer, member.name);
                 write(writer, member.value);
             }
@@ -87,34 +93,35 @@ void write(Writer& writer, const Json_node& node) {
 
 Place Json_value::place_in_text(size_t offset) const {
     constexpr size_t QUOTE = 1;
-    Place place = m_node->place;
+    Place place = m_node->place();
     if (place.copy != nullptr) {
         return place;  // what was written is not what stands here
     }
-    const std::string before = m_node->text.substr(0, offset);
+    const std::string_view before = m_node->text().substr(0, offset);
     const auto is_escaped = [](unsigned char c) { return c == '"' || c == '\\' || c < ' '; };
-    place.column += QUOTE + before.size() +
-                    static_cast<size_t>(std::count_if(before.begin(), before.end(), is_escaped));
+    place.column += static_cast<uint32_t>(
+        QUOTE + before.size() +
+        static_cast<size_t>(std::count_if(before.begin(), before.end(), is_escaped)));
     return place;
 }
 
 void Json_value::fail(const std::string& text) const {
-    if (m_node->kind == Kind::WRONG) {
+    if (m_node->is(Kind::WRONG)) {
         throw Told_already();
     }
-    throw Placed_error(m_node->place, text);
+    throw Placed_error(m_node->place(), text);
 }
 
 void Json_value::report(const std::string& text) const {
-    m_problems->report(m_node->place, text);
+    m_problems->report(m_node->place(), text);
 }
 
 void Json_value::warn(const std::string& text) const {
-    m_problems->warn(m_node->place, text);
+    m_problems->warn(m_node->place(), text);
 }
 
 void Json_value::fail_type(const char* expected) const {
-    fail(std::string("expected ") + expected + ", found " + name_of(m_node->kind));
+    fail(std::string("expected ") + expected + ", found " + name_of(m_node->kind()));
 }
 
 void Json_value::expect_object() const {
@@ -139,34 +146,54 @@ Json_value Json_value::member(const char* name) const {
 }
 
 std::vector<Json_value::Member> Json_value::members() const {
-    expect_object();
     std::vector<Member> members;
-    std::set<std::string> seen;
-    for (const Json_member& member : m_node->members) {
-        if (seen.insert(member.name).second) {
-            members.push_back({member.name, member.place, Json_value(member.value, *m_problems)});
-        } else {
-            m_problems->report(member.place, "member \"" + member.name + "\" comes twice");
-        }
-    }
+    for_each_member([&](const Json_member& member) {
+        members.push_back(
+            {std::string(member.name), member.place, Json_value(member.value, *m_problems)});
+    });
     return members;
 }
 
 void Json_value::expect_members(const std::vector<const char*>& known) const {
-    for (const Member& member : members()) {
+    for_each_member([&](const Json_member& member) {
         if (std::find(known.begin(), known.end(), member.name) == known.end()) {
-            m_problems->report(member.place, "unknown member \"" + member.name + "\"");
+            m_problems->report(member.place, "unknown member \"" + std::string(member.name) + "\"");
+        }
+    });
+}
+
+// Objects are small but for the wrong ones, so the few names before one are searched without a set.
+template <typename Work>
+void Json_value::for_each_member(Work work) const {
+    constexpr size_t MOST_SEARCHED = 32;
+    expect_object();
+    std::set<std::string_view> seen;
+    const Json_span<Json_member> all = m_node->members();
+    const auto is_new = [&](const Json_member& member) {
+        if (all.size() > MOST_SEARCHED) {
+            return seen.insert(member.name).second;
+        }
+        return std::none_of(all.begin(), &member, [&member](const Json_member& before) {
+            return before.name == member.name;
+        });
+    };
+    for (const Json_member& member : all) {
+        if (is_new(member)) {
+            work(member);
+        } else {
+            m_problems->report(member.place,
+                               "member \"" + std::string(member.name) + "\" comes twice");
         }
     }
 }
 
 std::vector<Json_value> Json_value::items() const {
-    if (m_node->kind != Kind::LIST) {
+    if (!m_node->is(Kind::LIST)) {
         fail_type("a list");
     }
     std::vector<Json_value> items;
-    items.reserve(m_node->elements.size());
-    for (const Json_node& element : m_node->elements) {
+    items.reserve(m_node->elements().size());
+    for (const Json_node& element : m_node->elements()) {
         items.emplace_back(element, *m_problems);
     }
     return items;
@@ -174,7 +201,7 @@ std::vector<Json_value> Json_value::items() const {
 
 std::vector<Json_value> Json_value::some_items(size_t most, const std::string& what) const {
     std::vector<Json_value> items = this->items();
-    if (items.empty() && m_node->is_incomplete) {
+    if (items.empty() && m_node->is_incomplete()) {
         throw Told_already();
     }
     if (items.empty() || items.size() > most) {
@@ -185,50 +212,49 @@ std::vector<Json_value> Json_value::some_items(size_t most, const std::string& w
 }
 
 bool Json_value::is_text() const {
-    return m_node->kind == Kind::TEXT;
+    return m_node->is(Kind::TEXT);
 }
 
 bool Json_value::is_object() const {
-    return m_node->kind == Kind::OBJECT;
+    return m_node->is(Kind::OBJECT);
 }
 
 int64_t Json_value::integer(int64_t min, int64_t max) const {
-    if (!is_integer(*m_node) || m_node->number < min || m_node->number > max) {
-        const std::string found =
-            is_integer(*m_node) ? std::to_string(m_node->number) : name_of(m_node->kind);
+    const std::optional<int64_t> number = m_node->integer();
+    if (!number || *number < min || *number > max) {
         fail("expected a whole number from " + std::to_string(min) + " to " + std::to_string(max) +
-             ", found " + found);
+             ", found " + description_of(*m_node));
     }
-    return m_node->number;
+    return *number;
 }
 
 bool Json_value::boolean() const {
-    if (m_node->kind != Kind::BOOLEAN) {
+    if (!m_node->is(Kind::BOOLEAN)) {
         fail_type("true or false");
     }
-    return m_node->boolean;
+    return m_node->boolean();
 }
 
 std::string Json_value::text() const {
     if (!is_text()) {
         fail_type("a text");
     }
-    if (!is_printable(m_node->text)) {
+    if (!is_printable(m_node->text())) {
         fail("expected printable ASCII characters");
     }
-    return m_node->text;
+    return std::string(m_node->text());
 }
 
 std::string Json_value::text_with_lines() const {
     if (!is_text()) {
         fail_type("a text");
     }
-    std::string on_one_line = m_node->text;
+    std::string on_one_line(m_node->text());
     std::replace(on_one_line.begin(), on_one_line.end(), '\n', ' ');
     if (!is_printable(on_one_line)) {
         fail("expected printable ASCII characters");
     }
-    return m_node->text;
+    return std::string(m_node->text());
 }
 
 std::string Json_value::text_of_length(size_t min, size_t max) const {

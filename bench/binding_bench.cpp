@@ -80,8 +80,8 @@ void read_menu_file(benchmark::State& state) {
     const std::string text = menu_text();
     const frontpanel::Source source{"menu.json", 0};
     for (auto _ : state) {
-        frontpanel::Json_node menu = frontpanel::parse_json(source, text);
-        benchmark::DoNotOptimize(menu);
+        const frontpanel::Json_document menu(source, text);
+        benchmark::DoNotOptimize(&menu.root());
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }

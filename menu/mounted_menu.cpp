@@ -51,9 +51,9 @@ Value value_of(const Json_value::Member& member, const Parameter_table& paramete
 std::vector<Value> read_preset(const std::string& file, const Parameter_table& parameters) {
     const Source source{file, 0};
     Problems problems;
-    const Json_node document = parse_json(source, read_input_file(file, LARGEST_PRESET));
+    const Json_document document(source, read_input_file(file, LARGEST_PRESET));
     std::vector<Value> values;
-    for (const Json_value::Member& member : Json_value(document, problems).members()) {
+    for (const Json_value::Member& member : Json_value(document.root(), problems).members()) {
         values.push_back(value_of(member, parameters));
     }
     if (problems.error_count() > 0) {

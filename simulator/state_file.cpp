@@ -186,8 +186,8 @@ std::vector<std::string> State_file::restore() {
 State_file::Content State_file::read(const std::string& text) const {
     const Source source{m_file, 0};
     Problems problems;
-    const Json_node document = parse_json(source, text);
-    const Json_value root(document, problems);
+    const Json_document document(source, text, text.size());  // all that `save` writes
+    const Json_value root(document.root(), problems);
     root.expect_members({"version", "values", "selections"});
     root.member("version").integer(VERSION, VERSION);
     Content content;

@@ -1,8 +1,9 @@
 #include <frontpanel_menu/menu_document.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <filesystem>
-#include <system_error>
 
 #include <frontpanel_base/json_value.h>
 #include "file/placeholder.h"
@@ -17,9 +18,18 @@ constexpr int64_t MOST_REPETITIONS = 1000;
 constexpr int64_t LAST_COUNT = 1000000;
 constexpr size_t DEEPEST_TEMPLATE = 16;
 constexpr size_t DEEPEST_FILE = 16;
-constexpr size_t MOST_VALUES = 500000;  // of the whole menu, written out
-constexpr size_t COPY_COST = 10;        // of a copy of anything, in values
-constexpr size_t LONGEST_NAME = 32;     // of a counter or an argument
+constexpr size_t DEEPEST_VALUE = 100;  // written out, since values are handled by recursion
+constexpr size_t MOST_VALUES =
+    Json_document::MOST_VALUES;  // of all files, and of the menu written out
+constexpr size_t MOST_BYTES =
+    size_t{16} * 1024 * 1024;  // of all files, and of the texts written out
+constexpr size_t LONGEST_TEXT = Json_document::LONGEST_TEXT;
+constexpr size_t COPY_COST = 10;     // of a copy of anything, in values
+constexpr size_t FILE_COST = 250;    // of finding a file, in values
+constexpr size_t LONGEST_NAME = 32;  // of a counter or an argument
+constexpr size_t LONGEST_FILE_NAME = 255;
+constexpr size_t MOST_ARGUMENTS = 64;
+constexpr size_t LONGEST_SHOWN = 200;  // of what tells a copy apart
 
 bool is_placeholder_name(const std::string& name) {
     const auto found = find_placeholder("{" + name + "}", 0);
@@ -29,41 +39,58 @@ bool is_placeholder_name(const std::string& name) {
 // A member of that name that is a text: where names are free, it may be something else.
 const Json_node* directive(const Json_node& node, const char* name) {
     const Json_node* const found = node.member(name);
-    return found != nullptr && found->kind == Kind::TEXT ? found : nullptr;
+    return found != nullptr && found->is(Kind::TEXT) ? found : nullptr;
 }
 
 std::string shown(const Json_node& value) {
-    return value.kind == Kind::INTEGER ? std::to_string(value.number) : value.text;
+    return value.is(Kind::INTEGER) ? std::to_string(value.integer().value_or(0))
+                                   : std::string(value.text());
 }
 
-// The text of an included file; what keeps it from being read is told at its name.
+std::string shortened(std::string text) {
+    if (text.size() > LONGEST_SHOWN) {
+        text.replace(LONGEST_SHOWN, std::string::npos, "...");
+    }
+    return text;
+}
+
+// The text of an included file; an error of reading it is reported at its name.
 std::string text_of(const Json_node& name, const std::string& path) {
     try {
         return read_input_file(path);
     } catch (const Input_error& error) {
-        throw Placed_error(name.place, error.what());
+        throw Placed_error(name.place(), error.what());
     }
 }
 
 // Takes a file from the list of those that are being read.
+template <typename File>
 struct Inside {
     ~Inside() { files.pop_back(); }
-    std::vector<std::string>& files;
+    std::vector<const File*>& files;
 };
 
-Json_node number_node(int64_t number) {
-    Json_node node;
-    node.kind = Kind::INTEGER;
-    node.number = number;
+int64_t calculated(const Placeholder& placeholder, int64_t number, const Place& place) {
+    int64_t product = 0;
+    int64_t sum = 0;
+    if (placeholder.is_too_large || __builtin_mul_overflow(number, placeholder.factor, &product) ||
+        __builtin_add_overflow(product, placeholder.summand, &sum)) {
+        throw Placed_error(place, "the number of \"" + placeholder.text + "\" is too large, with " +
+                                      placeholder.name + " = " + std::to_string(number));
+    }
+    return sum;
+}
+
+Json_node with_copy(Json_node node, const std::string* copy) {
+    Place place = node.place();
+    place.copy = copy;
+    node.set_place(place);
     return node;
 }
 
-// One name for each file, however it is reached. In a working folder that is gone it is the name as given.
-std::string full_name_of(const fs::path& file) {
-    std::error_code error;
-    const fs::path absolute = fs::absolute(file, error);
-    const fs::path full = error ? file : fs::weakly_canonical(absolute, error);
-    return (error ? file : full).string();
+Place with_copy(Place place, const std::string* copy) {
+    place.copy = copy;
+    return place;
 }
 
 }  // namespace
@@ -72,21 +99,25 @@ Menu_document::Menu_document(const std::string& file)
     : Menu_document(file, read_input_file(file)) {}
 
 Menu_document::Menu_document(const std::string& file, const std::string& text) {
-    m_root.kind = Kind::WRONG;  // until it is known better
+    m_root = Json_node(Kind::WRONG, {});  // until it is known better
     m_problems.attempt([&] { m_root = read(file, text); });
 }
 
 Json_node Menu_document::read(const std::string& file, const std::string& text) {
     const Source& source = m_sources.emplace_back(Source{file, m_sources.size()});
-    Json_node written = parse_json(source, text);
-    m_including.push_back(full_name_of(file));
-    const auto templates =
-        std::find_if(written.members.begin(), written.members.end(),
-                     [](const Json_member& member) { return member.name == "templates"; });
-    if (templates != written.members.end()) {
-        m_templates_text = std::move(templates->value);
-        written.members.erase(templates);
-        load_templates(m_templates_text);
+    File& main_file =
+        m_files.emplace_back(File{file, std::make_unique<Json_document>(source, text)});
+    m_file_values = main_file.document->value_count();
+    m_file_bytes = text.size();
+    struct stat status {};
+    if (stat(file.c_str(), &status) == 0) {
+        m_files_by_id[{status.st_dev, status.st_ino}] = &main_file;
+    }
+    m_including.push_back(&main_file);
+    Json_node written = main_file.document->root();
+    if (const Json_node* const templates = written.member("templates")) {
+        load_templates(*templates);
+        written = without_member(written, "templates");
     }
     Json_node whole = expand(written, Scope());
     warn_of_unused_templates();
@@ -96,17 +127,20 @@ Json_node Menu_document::read(const std::string& file, const std::string& text) 
 // An object of templates, or a list of such objects; any of them may be a file's.
 void Menu_document::load_templates(const Json_node& templates) {
     m_problems.attempt([&] {
+        count(templates.place(), 1);
         const Json_value value(templates, m_problems);
         if (const Json_node* const file = directive(templates, "include")) {
+            count(templates.place(), COPY_COST);
             expect_members(templates, {"include"});
-            in_file(*file, [this](const Json_node& content) { load_templates(content); });
-        } else if (templates.kind == Kind::LIST) {
-            for (const Json_node& element : templates.elements) {
+            in_file(*file, std::string(file->text()),
+                    [this](const Json_node& content) { load_templates(content); });
+        } else if (templates.is(Kind::LIST)) {
+            for (const Json_node& element : templates.elements()) {
                 load_templates(element);
             }
         } else {
-            value.members();
-            for (const Json_member& member : templates.members) {
+            (void)value.members();  // reports what comes twice
+            for (const Json_member& member : templates.members()) {
                 m_problems.attempt([&] { load_template(member); });
             }
         }
@@ -114,22 +148,29 @@ void Menu_document::load_templates(const Json_node& templates) {
 }
 
 void Menu_document::load_template(const Json_member& member) {
-    Template& added = m_templates[member.name];
+    count(member.place, 1);
+    const std::string title(member.name);
+    Template& added = m_templates[title];
     if (added.place.source != nullptr) {
-        throw Placed_error(member.place, "template \"" + member.name + "\" is there already");
+        throw Placed_error(member.place, "template \"" + title + "\" is there already");
     }
     added.place = member.place;
     const Json_value value(member.value, m_problems);
     expect_members(member.value, {"arguments", "content"});
     if (const auto arguments = value.find("arguments")) {
-        for (const Json_value& argument : arguments->items()) {
+        const std::vector<Json_value> names = arguments->items();
+        if (names.size() > MOST_ARGUMENTS) {
+            arguments->fail("expected at most " + std::to_string(MOST_ARGUMENTS) +
+                            " arguments, found " + std::to_string(names.size()));
+        }
+        for (const Json_value& argument : names) {
             added.arguments.push_back(argument.text());
             if (!is_placeholder_name(added.arguments.back())) {
                 argument.fail("expected a name of letters, digits and '_'");
             }
         }
     }
-    value.member("content").items();
+    (void)value.member("content").items();
     added.content = member.value.member("content");
 }
 
@@ -146,85 +187,155 @@ void Menu_document::expect_members(const Json_node& node, const std::vector<cons
     Json_value(node, m_problems).expect_members(known);
 }
 
+// What has been done, whether anything comes of it or not.
 void Menu_document::count(const Place& place, size_t values) {
     m_value_count += values;
     if (m_value_count > MOST_VALUES) {
-        // Ends all work at once: there would be no end to what is wrong behind it.
-        throw Input_errors({line_of(
-            place, "the menu grows beyond " + std::to_string(MOST_VALUES) + " values here")});
+        m_problems.end(place,
+                       "the menu grows beyond " + std::to_string(MOST_VALUES) + " values here");
     }
 }
 
+void Menu_document::count_text(const Place& place, size_t bytes) {
+    m_text_bytes += bytes;
+    if (m_text_bytes > MOST_BYTES) {
+        m_problems.end(place, "the texts of the menu grow beyond " + std::to_string(MOST_BYTES) +
+                                  " bytes here");
+    }
+}
+
+Json_node Menu_document::without_member(const Json_node& node, const char* name) {
+    std::vector<Json_member> rest;
+    rest.reserve(node.members().size());
+    bool is_found = false;
+    for (const Json_member& member : node.members()) {
+        if (is_found || member.name != name) {
+            rest.push_back(member);
+        } else {
+            is_found = true;
+        }
+    }
+    return Json_node::of_members(m_storage.keep(rest.data(), rest.size()), node.place());
+}
+
 Json_node Menu_document::expand(const Json_node& node, const Scope& scope, bool is_rule) {
-    count(node.place, 1);
-    if (node.kind == Kind::OBJECT && directive(node, "include") != nullptr) {
+    count(node.place(), 1);
+    if (node.is(Kind::OBJECT) && directive(node, "include") != nullptr) {
         Json_node content;
         include(node, scope,
                 [&](const Json_node& file) { content = expand(file, scope, is_rule); });
         return content;
     }
-    if (node.kind == Kind::OBJECT) {
-        return expand_members(node, scope);
+    if (node.is(Kind::TEXT)) {
+        return expand_text(node, scope, is_rule);
     }
-    Json_node result;
-    result.kind = node.kind;
-    result.boolean = node.boolean;
-    result.number = node.number;
-    result.place = node.place;
-    result.place.copy = scope.copy;
-    if (node.kind == Kind::TEXT) {
-        const auto all = find_placeholder(node.text, 0);
-        result.text = replaced(node, scope, is_rule);
-        if (all && all->begin == 0 && all->end == node.text.size() &&
-            scope.values.count(all->name) > 0 && scope.values.at(all->name).kind == Kind::INTEGER) {
-            result.is_number = true;
-            result.number = std::stoll(result.text);
-        }
+    if (!node.is(Kind::OBJECT) && !node.is(Kind::LIST)) {
+        return with_copy(node, scope.copy);
     }
-    for (const Json_node& element : node.elements) {
-        result.is_incomplete |=
-            !m_problems.attempt([&] { expand_element(element, scope, result.elements); });
+    if (m_depth == DEEPEST_VALUE) {
+        m_problems.end(with_copy(node.place(), scope.copy),
+                       "values are nested more than " + std::to_string(DEEPEST_VALUE) + " deep");
     }
+    ++m_depth;
+    const Json_node result =
+        node.is(Kind::OBJECT) ? expand_members(node, scope) : expand_elements(node, scope);
+    --m_depth;
+    return result;
+}
+
+Json_node Menu_document::expand_text(const Json_node& node, const Scope& scope, bool is_rule) {
+    if (scope.copy == nullptr) {
+        count_text(node.place(), node.text().size());
+        return node;
+    }
+    const std::string written(node.text());
+    const auto first = find_placeholder(written, 0);
+    const Place place = with_copy(node.place(), scope.copy);
+    if (!first) {
+        count_text(place, written.size());
+        return with_copy(node, scope.copy);
+    }
+    const std::string text = replaced(node, scope, is_rule);
+    count_text(place, text.size());
+    Json_node result = Json_node::of_text(Kind::TEXT, m_storage.keep(text), place);
+    const auto value = scope.values.find(first->name);
+    if (first->begin == 0 && first->end == written.size() && value != scope.values.end() &&
+        value->second.is(Kind::INTEGER)) {
+        result.set_stands_for_number();
+    }
+    return result;
+}
+
+// What stays as it is written stays where it is.
+Json_node Menu_document::expand_elements(const Json_node& node, const Scope& scope) {
+    const size_t start = m_elements.size();
+    bool is_incomplete = false;
+    for (const Json_node& element : node.elements()) {
+        is_incomplete |= !m_problems.attempt([&] { expand_element(element, scope); });
+    }
+    const Json_span<Json_node> added(m_elements.data() + start, m_elements.size() - start);
+    Json_node result = node;
+    if (scope.copy != nullptr || added.size() != node.elements().size() ||
+        !std::equal(added.begin(), added.end(), node.elements().begin(),
+                    [](const Json_node& a, const Json_node& b) { return a.is_same(b); })) {
+        result = Json_node::of_elements(m_storage.keep(added.begin(), added.size()),
+                                        with_copy(node.place(), scope.copy));
+    }
+    if (is_incomplete) {
+        result.set_incomplete();
+    }
+    m_elements.resize(start);
     return result;
 }
 
 Json_node Menu_document::expand_members(const Json_node& node, const Scope& scope) {
-    Json_node result;
-    result.kind = Kind::OBJECT;
-    result.place = node.place;
-    result.place.copy = scope.copy;
-    for (const Json_member& member : node.members) {
-        Json_member& added = result.members.emplace_back();
-        added.name = member.name;
-        added.place = member.place;
-        added.place.copy = scope.copy;
-        added.value.kind = Kind::WRONG;  // until it is known better
-        added.value.place = member.value.place;
-        m_problems.attempt(
-            [&] { added.value = expand(member.value, scope, member.name == "binding"); });
+    const size_t start = m_members.size();
+    bool is_changed = scope.copy != nullptr;
+    for (const Json_member& member : node.members()) {
+        const Place place = with_copy(member.place, scope.copy);
+        count_text(place, member.name.size());
+        Json_node value(Kind::WRONG, member.value.place());  // until it is known better
+        m_problems.attempt([&] { value = expand(member.value, scope, member.name == "binding"); });
+        is_changed = is_changed || !value.is_same(member.value);
+        m_members.push_back({member.name, place, value});
     }
+    const size_t size = m_members.size() - start;
+    const Json_node result =
+        is_changed ? Json_node::of_members(m_storage.keep(m_members.data() + start, size),
+                                           with_copy(node.place(), scope.copy))
+                   : node;
+    m_members.resize(start);
     return result;
 }
 
-// An element of a list: what stands in its place.
-void Menu_document::expand_element(const Json_node& node, const Scope& scope,
-                                   std::vector<Json_node>& out) {
-    if (node.kind == Kind::OBJECT && node.member("repeat") != nullptr) {
-        repeat(node, scope, out);
-    } else if (node.kind == Kind::OBJECT && directive(node, "template") != nullptr) {
-        use_template(node, scope, out);
-    } else if (node.kind == Kind::OBJECT && directive(node, "include") != nullptr) {
-        include_elements(node, scope, out);
+void Menu_document::expand_element(const Json_node& node, const Scope& scope) {
+    if (node.member("repeat") != nullptr) {
+        repeat(node, scope);
+    } else if (directive(node, "template") != nullptr) {
+        use_template(node, scope);
+    } else if (directive(node, "include") != nullptr) {
+        include_elements(node, scope);
     } else {
-        out.push_back(expand(node, scope));
+        const Json_node element = expand(node, scope);
+        m_elements.push_back(element);
     }
 }
 
-void Menu_document::repeat(const Json_node& node, const Scope& scope, std::vector<Json_node>& out) {
-    Json_node once = node;
-    once.members.erase(
-        std::find_if(once.members.begin(), once.members.end(),
-                     [](const Json_member& member) { return member.name == "repeat"; }));
+// An element as it is repeated.
+const Json_node& Menu_document::without_repeat(const Json_node& node) {
+    const auto [found, is_new] = m_repeated.emplace(node.members().begin(), Json_node());
+    if (is_new) {
+        found->second = without_member(node, "repeat");
+    }
+    if (const Json_node* const again = found->second.member("repeat")) {
+        throw Placed_error(again->place(), "member \"repeat\" comes twice");
+    }
+    return found->second;
+}
+
+void Menu_document::repeat(const Json_node& node, const Scope& scope) {
+    count(node.place(), 1);
+    const Json_node& once = without_repeat(node);
     const Json_node written = expand(*node.member("repeat"), scope);
     const Json_value value(written, m_problems);
     value.expect_members({"counter", "from", "to"});
@@ -239,22 +350,21 @@ void Menu_document::repeat(const Json_node& node, const Scope& scope, std::vecto
         value.member("counter").fail("\"" + counter + "\" stands for something else here");
     }
     for (int64_t i = from; i <= to; ++i) {
-        count(node.place, COPY_COST);
-        inner.values[counter] = number_node(i);
+        count(node.place(), COPY_COST + inner.values.size());
+        inner.values[counter] = Json_node::of_integer(i, node.place());
         set_copy(inner);
-        expand_element(once, inner, out);
+        expand_element(once, inner);
     }
 }
 
-void Menu_document::use_template(const Json_node& node, const Scope& scope,
-                                 std::vector<Json_node>& out) {
+void Menu_document::use_template(const Json_node& node, const Scope& scope) {
+    count(node.place(), COPY_COST + node.members().size());
     expect_members(node, {"template", "arguments"});
     const Json_node& name = *directive(node, "template");
-    count(node.place, COPY_COST);
     const std::string title = replaced(name, scope, false);
     const auto found = m_templates.find(title);
     if (found == m_templates.end()) {
-        throw Placed_error(name.place, "there is no template \"" + title + "\"");
+        throw Placed_error(name.place(), "there is no template \"" + title + "\"");
     }
     found->second.is_used = true;
     if (found->second.content == nullptr) {
@@ -262,13 +372,16 @@ void Menu_document::use_template(const Json_node& node, const Scope& scope,
     }
     Scope inner = scope_of_use(node, found->second, scope);
     if (inner.depth > DEEPEST_TEMPLATE) {
-        throw Placed_error(name.place, "templates are used inside each other more than " +
-                                           std::to_string(DEEPEST_TEMPLATE) + " deep");
+        throw Placed_error(name.place(), "templates are used inside each other more than " +
+                                             std::to_string(DEEPEST_TEMPLATE) + " deep");
     }
     inner.title = title;
     set_copy(inner);
-    for (const Json_node& element : found->second.content->elements) {
-        m_problems.attempt([&] { expand_element(element, inner, out); });
+    for (const Json_node& element : found->second.content->elements()) {
+        m_problems.attempt([&] {
+            count(element.place(), 1);
+            expand_element(element, inner);
+        });
     }
 }
 
@@ -278,13 +391,8 @@ Menu_document::Scope Menu_document::scope_of_use(const Json_node& node, const Te
     Scope inner;
     inner.depth = scope.depth + 1;
     const Json_node* const written = node.member("arguments");
-    Json_node arguments;
-    if (written == nullptr) {
-        arguments.kind = Kind::OBJECT;
-        arguments.place = node.place;
-    } else {
-        arguments = expand(*written, scope);
-    }
+    const Json_node arguments =
+        written == nullptr ? Json_node(Kind::OBJECT, node.place()) : expand(*written, scope);
     const Json_value value(arguments, m_problems);
     std::vector<const char*> names(used.arguments.size());
     std::transform(used.arguments.begin(), used.arguments.end(), names.begin(),
@@ -292,11 +400,12 @@ Menu_document::Scope Menu_document::scope_of_use(const Json_node& node, const Te
     value.expect_members(names);
     for (const std::string& name : used.arguments) {
         const Json_value argument = value.member(name.c_str());
-        const Json_node& given = *arguments.member(name.c_str());
-        if (given.kind != Kind::INTEGER && given.kind != Kind::TEXT) {
+        const Json_node& given = *arguments.member(name);
+        if (!given.is(Kind::INTEGER) && !given.is(Kind::TEXT)) {
             argument.fail("expected a whole number or a text");
         }
-        inner.values[name] = given.is_number ? number_node(given.number) : given;
+        const std::optional<int64_t> number = given.integer();
+        inner.values[name] = number ? Json_node::of_integer(*number, given.place()) : given;
     }
     return inner;
 }
@@ -305,40 +414,50 @@ Menu_document::Scope Menu_document::scope_of_use(const Json_node& node, const Te
 void Menu_document::set_copy(Scope& scope) {
     std::string text;
     for (const auto& [name, value] : scope.values) {
-        text += (text.empty() ? "" : ", ") + name + " = " + shown(value);
+        if (text.size() < LONGEST_SHOWN) {
+            text += (text.empty() ? "" : ", ") + name + " = " + shortened(shown(value));
+        }
     }
     if (!scope.title.empty()) {
-        text = "in \"" + scope.title + "\"" + (text.empty() ? "" : " with ") + text;
+        text = "in \"" + shortened(scope.title) + "\"" + (text.empty() ? "" : " with ") + text;
     }
-    scope.copy = text.empty() ? nullptr : &m_copies.emplace_back(text);
+    scope.copy = text.empty() ? nullptr : &m_copies.emplace_back(shortened(std::move(text)));
 }
 
 std::string Menu_document::replaced(const Json_node& text, const Scope& scope, bool is_rule) const {
+    const std::string written(text.text());
     if (scope.copy == nullptr) {
-        return text.text;
+        return written;
     }
-    Place place = text.place;
-    place.copy = scope.copy;
+    const Place place = with_copy(text.place(), scope.copy);
     std::string result;
     size_t done = 0;
-    while (const auto found = find_placeholder(text.text, done)) {
-        result += text.text.substr(done, found->begin - done);
+    while (const auto found = find_placeholder(written, done)) {
+        result.append(written, done, found->begin - done);
         const auto value = scope.values.find(found->name);
         if (value == scope.values.end() && !is_rule) {
             throw Placed_error(place, "\"{" + found->name + "}\" stands for nothing here");
         }
         if (value == scope.values.end()) {
-            result += text.text.substr(found->begin, found->end - found->begin);
+            result.append(written, found->begin, found->end - found->begin);
         } else if (found->is_plain) {
             result += shown(value->second);
-        } else if (value->second.kind == Kind::INTEGER) {
-            result += std::to_string(value->second.number * found->factor + found->summand);
+        } else if (const auto number = value->second.integer()) {
+            result += std::to_string(calculated(*found, *number, place));
         } else {
             throw Placed_error(place, "\"" + found->name + "\" is no whole number here");
         }
         done = found->end;
+        if (result.size() > LONGEST_TEXT) {
+            break;
+        }
     }
-    return result + text.text.substr(done);
+    result.append(written, done, std::string::npos);
+    if (result.size() > LONGEST_TEXT) {
+        throw Placed_error(place,
+                           "the text grows beyond " + std::to_string(LONGEST_TEXT) + " bytes here");
+    }
+    return result;
 }
 
 void Menu_document::include(const Json_node& node, const Scope& scope,
@@ -347,54 +466,94 @@ void Menu_document::include(const Json_node& node, const Scope& scope,
     if (written == nullptr) {
         return;  // callers ask first
     }
+    count(node.place(), COPY_COST + node.members().size());
     expect_members(node, {"include"});
-    Json_node name = *written;
-    name.text = replaced(name, scope, false);
-    in_file(name, work);
+    in_file(*written, replaced(*written, scope, false), work);
 }
 
 // The elements of a list in a file take the place of the element that includes it.
-void Menu_document::include_elements(const Json_node& node, const Scope& scope,
-                                     std::vector<Json_node>& out) {
+void Menu_document::include_elements(const Json_node& node, const Scope& scope) {
     include(node, scope, [&](const Json_node& file) {
-        if (file.kind != Kind::LIST) {
-            expand_element(file, scope, out);
+        if (!file.is(Kind::LIST)) {
+            expand_element(file, scope);
         }
-        for (const Json_node& element : file.elements) {
-            m_problems.attempt([&] { expand_element(element, scope, out); });
+        for (const Json_node& element : file.elements()) {
+            m_problems.attempt([&] {
+                count(element.place(), 1);
+                expand_element(element, scope);
+            });
         }
     });
 }
 
 // Does `work` on what a file holds, which is read once.
-void Menu_document::in_file(const Json_node& name,
+void Menu_document::in_file(const Json_node& name, const std::string& text,
                             const std::function<void(const Json_node&)>& work) {
-    const fs::path path =
-        (fs::path(name.place.source->name).parent_path() / name.text).lexically_normal();
-    std::error_code error;
-    const std::string full_name = full_name_of(path);
-    if (name.text.empty() || !fs::is_regular_file(path, error)) {
-        throw Placed_error(name.place, "there is no file \"" + path.string() + "\"");
-    }
-    if (std::find(m_including.begin(), m_including.end(), full_name) != m_including.end()) {
-        throw Placed_error(name.place, "\"" + path.string() + "\" includes itself");
+    File& file = file_of(name, text);
+    if (std::find(m_including.begin(), m_including.end(), &file) != m_including.end()) {
+        throw Placed_error(name.place(), "\"" + file.path + "\" includes itself");
     }
     if (m_including.size() > DEEPEST_FILE) {
-        throw Placed_error(name.place, "files include each other more than " +
-                                           std::to_string(DEEPEST_FILE) + " deep");
+        throw Placed_error(name.place(), "files include each other more than " +
+                                             std::to_string(DEEPEST_FILE) + " deep");
     }
-    const auto [file, is_new] = m_files.emplace(full_name, Json_node());
-    if (is_new) {
-        file->second.kind = Kind::WRONG;
-        const Source& source = m_sources.emplace_back(Source{path.string(), m_sources.size()});
-        file->second = parse_json(source, text_of(name, path.string()));
-    }
-    if (file->second.kind == Kind::WRONG) {
+    if (file.document == nullptr) {
         throw Told_already();
     }
-    m_including.push_back(full_name);
-    const Inside inside{m_including};
-    work(file->second);
+    m_including.push_back(&file);
+    const Inside<File> inside{m_including};
+    work(file.document->root());
+}
+
+Menu_document::File& Menu_document::file_of(const Json_node& name, const std::string& text) {
+    if (text.empty() || text.size() > LONGEST_FILE_NAME) {
+        throw Placed_error(name.place(), "expected a file name of 1 to " +
+                                             std::to_string(LONGEST_FILE_NAME) + " bytes, found " +
+                                             std::to_string(text.size()));
+    }
+    const std::string path =
+        (fs::path(name.place().source->name).parent_path() / text).lexically_normal().string();
+    const auto [known, is_new] = m_paths.emplace(path, nullptr);
+    if (is_new) {
+        count(name.place(), FILE_COST);
+        known->second = find_file(name, path);
+    }
+    if (known->second == nullptr) {
+        throw Placed_error(name.place(), "there is no file \"" + path + "\"");
+    }
+    return *known->second;
+}
+
+// Null when there is none. A file is the same under each of its names.
+Menu_document::File* Menu_document::find_file(const Json_node& name, const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return nullptr;
+    }
+    File*& file = m_files_by_id[{status.st_dev, status.st_ino}];
+    if (file == nullptr) {
+        file = &m_files.emplace_back(File{path, nullptr});
+        m_problems.attempt([&] { file->document = parse(name, path); });
+    }
+    return file;
+}
+
+std::unique_ptr<Json_document> Menu_document::parse(const Json_node& name,
+                                                    const std::string& path) {
+    std::string text = text_of(name, path);
+    m_file_bytes += text.size();
+    if (m_file_bytes > MOST_BYTES) {
+        m_problems.end(name.place(), "the files of the menu are larger than " +
+                                         std::to_string(MOST_BYTES) + " bytes with this one");
+    }
+    const Source& source = m_sources.emplace_back(Source{path, m_sources.size()});
+    auto document = std::make_unique<Json_document>(source, std::move(text));
+    m_file_values += document->value_count();
+    if (m_file_values > MOST_VALUES) {
+        m_problems.end(name.place(), "the files of the menu have more than " +
+                                         std::to_string(MOST_VALUES) + " values with this one");
+    }
+    return document;
 }
 
 }  // namespace frontpanel

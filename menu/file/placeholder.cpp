@@ -1,11 +1,10 @@
 #include "file/placeholder.h"
 
 #include <cctype>
+#include <charconv>
 
 namespace frontpanel {
 namespace {
-
-constexpr size_t MOST_DIGITS = 9;
 
 bool is_name_start(char c) {
     return std::isalpha(static_cast<unsigned char>(c)) != 0;
@@ -21,15 +20,17 @@ public:
     Reader(const std::string& text, size_t start) : m_text(text), m_at(start) {}
 
     std::optional<Placeholder> read() {
-        Placeholder result{m_at++, 0, take_name()};
+        Placeholder result{};
+        result.begin = m_at++;
+        result.name = take_name();
         bool is_valid = !result.name.empty();
         if (is_valid && take('*')) {
-            is_valid = take_number(result.factor);
+            is_valid = take_number(result.factor, result.is_too_large);
             result.is_plain = false;
         }
         const bool is_minus = at() == '-';
         if (is_valid && (take('+') || take('-'))) {
-            is_valid = take_number(result.summand);
+            is_valid = take_number(result.summand, result.is_too_large);
             result.summand = is_minus ? -result.summand : result.summand;
             result.is_plain = false;
         }
@@ -37,6 +38,7 @@ public:
             return std::nullopt;
         }
         result.end = m_at;
+        result.text = m_text.substr(result.begin, result.end - result.begin);
         return result;
     }
 
@@ -54,14 +56,12 @@ private:
         }
         return m_text.substr(start, m_at - start);
     }
-    bool take_number(int64_t& number) {
-        const size_t start = m_at;
-        number = 0;
-        while (std::isdigit(static_cast<unsigned char>(at())) != 0 && m_at - start < MOST_DIGITS) {
-            number = number * 10 + (at() - '0');
-            ++m_at;
-        }
-        return m_at > start;
+    bool take_number(int64_t& number, bool& is_too_large) {
+        const char* const start = m_text.data() + m_at;
+        const auto [end, error] = std::from_chars(start, m_text.data() + m_text.size(), number);
+        is_too_large = is_too_large || error == std::errc::result_out_of_range;
+        m_at += static_cast<size_t>(end - start);
+        return end > start && *start != '-';
     }
 
     const std::string& m_text;

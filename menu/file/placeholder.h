@@ -9,12 +9,14 @@
 namespace frontpanel {
 
 struct Placeholder {
-    size_t begin;  // of the brace in the text
-    size_t end;    // behind the closing brace
+    size_t begin;      // of the brace in the text
+    size_t end;        // behind the closing brace
+    std::string text;  // with its braces
     std::string name;
     int64_t factor = 1;
     int64_t summand = 0;
-    bool is_plain = true;  // neither of both is written
+    bool is_plain = true;       // neither of both is written
+    bool is_too_large = false;  // factor or summand has more digits than a number
 };
 
 // The first placeholder of a text from `start` on. Braces around anything else are none.

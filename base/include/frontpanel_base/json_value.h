@@ -46,7 +46,7 @@ public:
     // The value as a JSON text.
     std::string json() const;
 
-    const Place& place() const { return m_node->place; }
+    const Place& place() const { return m_node->place(); }
     // The place of a character of a text, from 0; escapes count as they are usually written.
     Place place_in_text(size_t offset) const;
     // Throws an error at this place, or only reports it, or tells what is allowed but probably not meant.
@@ -56,6 +56,9 @@ public:
 
 private:
     void expect_object() const;
+    // Reports duplicates, and leaves them out.
+    template <typename Work>
+    void for_each_member(Work work) const;
     [[noreturn]] void fail_type(const char* expected) const;
 
     const Json_node* m_node;

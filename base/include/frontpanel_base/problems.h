@@ -3,6 +3,7 @@
 #define FRONTPANEL_BASE_PROBLEMS_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,8 @@ struct Source {
 // Where something stands in a file. Lines and columns count from 1, columns in bytes.
 struct Place {
     const Source* source;
-    size_t line;
-    size_t column;
+    uint32_t line;
+    uint32_t column;
     // For what was written once and stands in several places: which of them, such as "n = 3"; null elsewhere.
     const std::string* copy;
 };
@@ -43,6 +44,9 @@ private:
 // Ends work whose reason has been told already. Never leaves the loader.
 struct Told_already {};
 
+// Ends all work on a file. Never leaves the outermost attempt.
+struct All_ended {};
+
 // Everything that is wrong with a file; `what()` is the first line.
 class Input_errors : public Input_error {
 public:
@@ -58,21 +62,28 @@ private:
 class Problems {
 public:
     static constexpr size_t MOST_LINES = 200;  // of errors, and of warnings
+    // More ends the outermost attempt: what is wrong in so many places is wrong as a whole.
+    static constexpr size_t MOST_ERRORS = 10000;
 
     void report(const Place& place, const std::string& text);
     void warn(const Place& place, const std::string& text);
+    // Reports what makes it useless to go on, and ends the outermost attempt. Requires: inside an attempt.
+    [[noreturn]] void end(const Place& place, const std::string& text);
 
     // Does `work`; an error that it throws is reported. Whether it came to its end.
     template <typename Work>
     bool attempt(Work work) {
+        const Inside inside(m_depth);
         try {
             work();
             return true;
         } catch (const Placed_error& error) {
-            add_error(error.place(), error.what());
+            return add_caught(error);
         } catch (const Told_already&) {
+            return false;
+        } catch (const All_ended&) {
+            return leave();
         }
-        return false;
     }
     // What `read` returns, or `otherwise` when it throws an error, which is reported.
     template <typename Read, typename Value>
@@ -91,9 +102,24 @@ private:
         Place place;
         std::string line;
     };
-    void add_error(const Place& place, const std::string& line);
-    static std::vector<std::string> lines(std::vector<Problem> problems);
+    // One attempt inside others.
+    class Inside {
+    public:
+        explicit Inside(size_t& depth) : m_depth(depth) { ++m_depth; }
+        ~Inside() { --m_depth; }
+        Inside(const Inside&) = delete;
+        Inside& operator=(const Inside&) = delete;
 
+    private:
+        size_t& m_depth;
+    };
+    // Both return false, or throw All_ended on to an outer attempt.
+    bool add_caught(const Placed_error& error);
+    bool leave() const;
+    void add_error(const Place& place, const std::string& line);
+    static std::vector<std::string> lines(const std::vector<Problem>& problems);
+
+    size_t m_depth = 0;
     size_t m_error_count = 0;  // those that are not kept included
     std::vector<Problem> m_errors;
     std::vector<Problem> m_warnings;

@@ -3,10 +3,14 @@
 #ifndef FRONTPANEL_MENU_MENU_DOCUMENT_H
 #define FRONTPANEL_MENU_MENU_DOCUMENT_H
 
+#include <sys/types.h>
+
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_base/json_value.h>
@@ -16,16 +20,16 @@ namespace frontpanel {
 
 class Menu_document {
 public:
-    // Reads a file with all that it includes. Mistakes in it, invalid JSON included, become problems of the document.
-    // Input_error when the file cannot be read, Input_errors when its values grow beyond any menu.
+    // Reads a file with all that it includes. Mistakes in it, invalid JSON included, become problems of the document;
+    // so does growth beyond any menu. Input_error when the file cannot be read.
     explicit Menu_document(const std::string& file);
     // The same from the text of a file: names of included files are relative to the folder of `file`.
     Menu_document(const std::string& file, const std::string& text);
     Menu_document(const Menu_document&) = delete;
     Menu_document& operator=(const Menu_document&) = delete;
 
-    // The whole document; valid as long as the document lives. Where the file is no JSON, access to it throws, so
-    // read it within `Problems::attempt`.
+    // The whole document; valid as long as the document lives. Where the file could not be read as a whole, access to
+    // it throws, so read it within `Problems::attempt`.
     Json_value root() { return {m_root, m_problems}; }
     // Whoever reads a part of the document reports here what is wrong with it.
     Problems& problems() { return m_problems; }
@@ -44,6 +48,11 @@ private:
         const std::string* copy = nullptr;        // for places
         size_t depth = 0;                         // of templates in templates
     };
+    using File_id = std::pair<dev_t, ino_t>;
+    struct File {
+        std::string path;
+        std::unique_ptr<Json_document> document;  // null when its error has been reported
+    };
 
     Json_node read(const std::string& file, const std::string& text);
     void load_templates(const Json_node& templates);
@@ -51,27 +60,47 @@ private:
     void warn_of_unused_templates();
     Json_node expand(const Json_node& node, const Scope& scope, bool is_rule = false);
     Json_node expand_members(const Json_node& node, const Scope& scope);
-    void expand_element(const Json_node& node, const Scope& scope, std::vector<Json_node>& out);
-    void repeat(const Json_node& node, const Scope& scope, std::vector<Json_node>& out);
-    void use_template(const Json_node& node, const Scope& scope, std::vector<Json_node>& out);
+    Json_node expand_elements(const Json_node& node, const Scope& scope);
+    Json_node expand_text(const Json_node& node, const Scope& scope, bool is_rule);
+    // What takes the place of an element of a list is appended to m_elements.
+    void expand_element(const Json_node& node, const Scope& scope);
+    void repeat(const Json_node& node, const Scope& scope);
+    const Json_node& without_repeat(const Json_node& node);
+    void use_template(const Json_node& node, const Scope& scope);
     Scope scope_of_use(const Json_node& node, const Template& used, const Scope& scope);
     void set_copy(Scope& scope);
     void include(const Json_node& node, const Scope& scope,
                  const std::function<void(const Json_node&)>& work);
-    void include_elements(const Json_node& node, const Scope& scope, std::vector<Json_node>& out);
-    void in_file(const Json_node& name, const std::function<void(const Json_node&)>& work);
+    void include_elements(const Json_node& node, const Scope& scope);
+    void in_file(const Json_node& name, const std::string& text,
+                 const std::function<void(const Json_node&)>& work);
+    File& file_of(const Json_node& name, const std::string& text);
+    File* find_file(const Json_node& name, const std::string& path);
+    std::unique_ptr<Json_document> parse(const Json_node& name, const std::string& path);
     std::string replaced(const Json_node& text, const Scope& scope, bool is_rule) const;
+    Json_node without_member(const Json_node& node, const char* name);
     void count(const Place& place, size_t values);
+    void count_text(const Place& place, size_t bytes);
     void expect_members(const Json_node& node, const std::vector<const char*>& known);
 
     Problems m_problems;
     std::deque<Source> m_sources;
     std::deque<std::string> m_copies;
-    std::map<std::string, Json_node> m_files;  // by their full names; WRONG for one that is
-    std::vector<std::string> m_including;      // files inside each other
-    Json_node m_templates_text;
+    std::deque<File> m_files;
+    std::map<File_id, File*> m_files_by_id;
+    std::map<std::string, File*> m_paths;  // null where there is no file
+    std::vector<const File*> m_including;  // files inside each other
     std::map<std::string, Template> m_templates;
+    std::map<const Json_member*, Json_node> m_repeated;  // by the members with "repeat"
     size_t m_value_count = 0;
+    size_t m_text_bytes = 0;
+    size_t m_file_values = 0;
+    size_t m_file_bytes = 0;
+    size_t m_depth = 0;  // of values in each other
+    Json_storage m_storage;
+    // Elements and members of what is not complete yet, those of inner values behind those of outer ones.
+    std::vector<Json_node> m_elements;
+    std::vector<Json_member> m_members;
     Json_node m_root;
 };
 

@@ -1,72 +1,176 @@
-#include <frontpanel_base/json_document.h>
-
+// JSON texts with places, and what is refused of them.
 #include <gtest/gtest.h>
+
+#include <frontpanel_base/json_document.h>
+#include <frontpanel_base/json_value.h>
 
 namespace frontpanel {
 namespace {
 
 using Kind = Json_node::Kind;
 
-const Source SOURCE{"menu.json", 0};
+const Source SOURCE{"file.json", 0};
 
 std::string error_of(const std::string& text) {
     try {
-        parse_json(SOURCE, text);
+        const Json_document document(SOURCE, text);
     } catch (const Placed_error& error) {
         return error.what();
     }
     return "";
 }
 
-std::string place_of(const Place& place) {
+std::string place_text(const Place& place) {
     return std::to_string(place.line) + ":" + std::to_string(place.column);
 }
 
-TEST(JsonDocument, KeepsEachKindOfValue) {
-    const Json_node list =
-        parse_json(SOURCE, R"([null, true, -5, 1.5, 99999999999999999999, "a\nb", [], {}])");
-    ASSERT_EQ(list.kind, Kind::LIST);
-    const Kind KINDS[] = {Kind::NOTHING, Kind::BOOLEAN, Kind::INTEGER, Kind::REAL,
-                          Kind::REAL,    Kind::TEXT,    Kind::LIST,    Kind::OBJECT};
-    ASSERT_EQ(list.elements.size(), std::size(KINDS));
-    for (size_t i = 0; i < std::size(KINDS); ++i) {
-        EXPECT_EQ(list.elements[i].kind, KINDS[i]) << i;
+// "line:column" of every value in the order of the file, a member's name before its value.
+std::string places_of(const Json_node& node) {
+    std::string places = place_text(node.place());
+    for (const Json_node& element : node.elements()) {
+        places += " " + places_of(element);
     }
-    EXPECT_TRUE(list.elements[1].boolean);
-    EXPECT_EQ(list.elements[2].number, -5);
-    EXPECT_EQ(list.elements[5].text, "a\nb");
-}
-
-TEST(JsonDocument, EveryValueAndNameKnowsItsPlace) {
-    const Json_node root = parse_json(SOURCE, "{\n  \"a\": [1,\n   \"x,y\", 2],\n  \"b\": {}\n}");
-    EXPECT_EQ(place_of(root.place), "1:1");
-    EXPECT_EQ(place_of(root.members[0].place), "2:3");
-    EXPECT_EQ(place_of(root.members[0].value.place), "2:8");
-    EXPECT_EQ(place_of(root.members[0].value.elements[1].place), "3:4");
-    EXPECT_EQ(place_of(root.members[0].value.elements[2].place), "3:11");
-    EXPECT_EQ(place_of(root.members[1].value.place), "4:8");
-}
-
-TEST(JsonDocument, FindsTheFirstMemberOfAName) {
-    const Json_node root = parse_json(SOURCE, R"({"a": 1, "b": 2, "a": 3})");
-    EXPECT_EQ(root.members.size(), 3U);
-    EXPECT_EQ(root.member("a")->number, 1);
-    EXPECT_EQ(root.member("c"), nullptr);
-    EXPECT_EQ(root.member("a")->member("a"), nullptr);
-}
-
-TEST(JsonDocument, WhatIsNoJsonIsToldWithItsPlace) {
-    EXPECT_EQ(error_of("{}"), "");
-    for (const char* const bad : {"", "{", "{\"a\" 1}", "[1,]", "{}x", "'a'"}) {
-        EXPECT_EQ(error_of(bad).rfind("menu.json:1:", 0), 0U) << bad << ": " << error_of(bad);
+    for (const Json_member& member : node.members()) {
+        places += " " + place_text(member.place) + "=" + places_of(member.value);
     }
-    EXPECT_EQ(error_of("{\n \"a\": tru}").rfind("menu.json:2:", 0), 0U);
+    return places;
 }
 
-TEST(JsonDocument, NestingHasALimitWhateverTheSizeOfTheFile) {
-    EXPECT_EQ(error_of(std::string(100, '[') + std::string(100, ']')), "");
-    EXPECT_EQ(error_of(std::string(100000, '[')),
-              "menu.json:1:101: values are nested more than 100 deep");
+TEST(JsonDocument, EveryValueKnowsItsPlace) {
+    const Json_document document(
+        SOURCE,
+        "[1,\n null , true,false,\n\n  {\"a\\n\\u0041\": \"x\\ty\", \"b\": [\n-2.5e3, {}]}]\n");
+    EXPECT_EQ(places_of(document.root()), "1:1 1:2 2:2 2:9 2:14 4:3 4:4=4:17 4:25=4:30 5:1 5:9");
+    EXPECT_EQ(document.value_count(), 10U);
+}
+
+TEST(JsonDocument, AByteOrderMarkIsSkipped) {
+    const Json_document document(SOURCE, "\xEF\xBB\xBF[7]");
+    EXPECT_EQ(places_of(document.root()), "1:4 1:5");
+}
+
+TEST(JsonDocument, TextsAndNamesAreDecoded) {
+    const Json_document document(SOURCE, R"({"a\"\\\u0042": "\u00e4\n", "": ""})");
+    const Json_span<Json_member> members = document.root().members();
+    ASSERT_EQ(members.size(), 2U);
+    EXPECT_EQ(members[0].name, "a\"\\B");
+    EXPECT_EQ(members[0].value.text(), "\xC3\xA4\n");
+    EXPECT_EQ(members[1].name, "");
+    EXPECT_EQ(members[1].value.text(), "");
+}
+
+TEST(JsonDocument, NumbersOf64BitsAreIntegersAndOthersKeepTheirText) {
+    const Json_document document(
+        SOURCE, "[9223372036854775807, -9223372036854775808, -0, 9223372036854775808, 1.0, 1e2]");
+    const Json_span<Json_node> numbers = document.root().elements();
+    EXPECT_EQ(numbers[0].integer(), std::numeric_limits<int64_t>::max());
+    EXPECT_EQ(numbers[1].integer(), std::numeric_limits<int64_t>::min());
+    EXPECT_EQ(numbers[2].integer(), 0);
+    for (size_t i = 3; i < 6; ++i) {
+        EXPECT_EQ(numbers[i].kind(), Kind::REAL);
+        EXPECT_EQ(numbers[i].integer(), std::nullopt);
+    }
+    EXPECT_EQ(numbers[3].text(), "9223372036854775808");
+    EXPECT_EQ(numbers[4].text(), "1.0");
+    EXPECT_EQ(numbers[5].text(), "1e2");
+}
+
+TEST(JsonDocument, AMemberIsFoundByItsNameAndTheFirstOfTwoCounts) {
+    const Json_document document(SOURCE, R"({"a": 1, "b": 2, "a": 3})");
+    EXPECT_EQ(document.root().member("a")->integer(), 1);
+    EXPECT_EQ(document.root().member("c"), nullptr);
+    EXPECT_EQ(document.root().members().size(), 3U);
+    EXPECT_EQ(document.root().member("b")->member("a"), nullptr);
+}
+
+TEST(JsonDocument, AnErrorNamesItsPlaceAndReason) {
+    const struct {
+        std::string text;
+        std::string error;
+    } CASES[] = {
+        {"[1,\n 2,\n]", "file.json:2:3: unexpected comma before ']'"},
+        {"{\"a\": 1 ,\n\n }", "file.json:1:9: unexpected comma before '}'"},
+        {"{\"a\": [\"x\\n\", {\"b\": 2},]}", "file.json:1:23: unexpected comma before ']'"},
+        {"[,]", "file.json:1:2: Invalid value."},
+        {"[1 2]", "file.json:1:4: Missing a comma or ']' after an array element."},
+        {"", "file.json:1:1: The document is empty."},
+        {"[1e999]", "file.json:1:2: the number 1e999 is too large"},
+        {"[\n 5" + std::string(400, '0') + ".0]",
+         "file.json:2:2: the number 5" + std::string(39, '0') + "... is too large"},
+        {std::string("[1]\n\0 2", 7), "file.json:2:1: unexpected zero byte"},
+        {"[" + std::string(100, '[') + "]",
+         "file.json:1:101: values are nested more than 100 deep"},
+        {std::string(4000000, '['), "file.json:1:101: values are nested more than 100 deep"},
+        {"[1,\n\"" + std::string(65537, 'a') + "\"]",
+         "file.json:2:1: a text is longer than 65536 bytes"},
+        {"{\"" + std::string(65537, 'a') + "\": 1}",
+         "file.json:1:2: a text is longer than 65536 bytes"},
+    };
+    for (const auto& expected : CASES) {
+        EXPECT_EQ(error_of(expected.text), expected.error);
+    }
+}
+
+TEST(JsonDocument, ValuesBeyondAnyMenuAreRefused) {
+    std::string text = "[1";
+    for (size_t i = 2; i < Json_document::MOST_VALUES; ++i) {
+        text += ",1";
+    }
+    EXPECT_EQ(error_of(text + "]"), "");
+    EXPECT_EQ(error_of(text + ",1]"), "file.json:1:1000000: more than 500000 values");
+}
+
+TEST(JsonDocument, StoredContentStaysWhereItIs) {
+    Json_storage storage;
+    const std::string_view first = storage.keep("first");
+    std::vector<Json_node> many(20000, Json_node::of_integer(3, {&SOURCE, 1, 1, nullptr}));
+    const Json_span<Json_node> large = storage.keep(many.data(), many.size());
+    for (int i = 0; i < 100000; ++i) {
+        (void)storage.keep("between");
+    }
+    Json_storage moved = std::move(storage);
+    EXPECT_EQ(first, "first");
+    EXPECT_EQ(large.size(), many.size());
+    EXPECT_EQ(large[19999].integer(), 3);
+    EXPECT_TRUE(moved.keep("").empty());
+}
+
+TEST(JsonValue, ANumberThatDoesNotFitIsShown) {
+    const Json_document document(
+        SOURCE, "[2.5, 1e3, 12345678901234567890, 300, \"x\", " + std::string(50, '1') + "]");
+    Problems problems;
+    for (const Json_value& value : Json_value(document.root(), problems).items()) {
+        problems.attempt([&value] { value.integer(0, 255); });
+    }
+    const std::string expected = "expected a whole number from 0 to 255, found ";
+    EXPECT_EQ(problems.errors(),
+              (std::vector<std::string>{
+                  "file.json:1:2: " + expected + "2.5", "file.json:1:7: " + expected + "1e3",
+                  "file.json:1:12: " + expected + "12345678901234567890",
+                  "file.json:1:34: " + expected + "300", "file.json:1:39: " + expected + "a text",
+                  "file.json:1:44: " + expected + std::string(40, '1') + "..."}));
+}
+
+TEST(JsonValue, DuplicatesAreReportedInLargeObjectsAsInSmallOnes) {
+    for (const int size : {3, 100}) {
+        std::string text = "{\"a\": 1";
+        for (int i = 1; i < size; ++i) {
+            text += ", \"m" + std::to_string(i) + "\": 1";
+        }
+        const Json_document document(SOURCE, text + ",\n\"a\": 2}");
+        Problems problems;
+        const auto members = Json_value(document.root(), problems).members();
+        EXPECT_EQ(members.size(), static_cast<size_t>(size));
+        EXPECT_EQ(problems.errors(),
+                  std::vector<std::string>{"file.json:2:1: member \"a\" comes twice"});
+    }
+}
+
+TEST(JsonValue, AValueIsWrittenAsItWasRead) {
+    const std::string text = R"({"a":[1,-2.50,true,false,null,"x\ny"],"b":{}})";
+    const Json_document document(SOURCE, text);
+    Problems problems;
+    EXPECT_EQ(Json_value(document.root(), problems).json(), text);
 }
 
 }  // namespace

@@ -8,8 +8,8 @@ namespace {
 TEST(JsonMembers, AMissingMemberHasItsDefault) {
     const Source source{"menu.json", 0};
     Problems problems;
-    const Json_node node = parse_json(source, R"({"n": 3, "t": "x", "b": true, "l": [1, 2]})");
-    const Json_value value(node, problems);
+    const Json_document document(source, R"({"n": 3, "t": "x", "b": true, "l": [1, 2]})");
+    const Json_value value(document.root(), problems);
     EXPECT_EQ(integer_or(value, "n", 0, 9, 7), 3);
     EXPECT_EQ(integer_or(value, "none", 0, 9, 7), 7);
     EXPECT_EQ(text_or(value, "t", "y"), "x");

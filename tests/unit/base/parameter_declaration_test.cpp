@@ -9,9 +9,9 @@ namespace {
 
 class Declaration {
 public:
-    explicit Declaration(const std::string& text) : m_node(parse_json(m_source, text)) {}
+    explicit Declaration(const std::string& text) : m_document(m_source, text) {}
 
-    Json_value value() { return {m_node, problems}; }
+    Json_value value() { return {m_document.root(), problems}; }
     // The error that `read` ends with; empty when it does not.
     template <typename Read>
     std::string error_of(Read read) {
@@ -27,7 +27,7 @@ public:
 
 private:
     Source m_source{"menu.json", 0};
-    Json_node m_node;
+    Json_document m_document;
 };
 
 TEST(ParameterDeclaration, AnAddressIsAPidAndUpToTwoLevels) {

@@ -38,8 +38,8 @@ std::string deep_tree(int depth) {
 class Simulation {
 public:
     explicit Simulation(const std::string& text, Cards cards = Cards::OFF)
-        : m_document(parse_json(m_source, text)),
-          m_device(Json_value(m_document, m_problems), m_problems, cards) {}
+        : m_document(m_source, text),
+          m_device(Json_value(m_document.root(), m_problems), m_problems, cards) {}
 
     Simulated_device& operator*() { return m_device; }
     Simulated_device* operator->() { return &m_device; }
@@ -55,7 +55,7 @@ public:
 private:
     Source m_source{"menu.json", 0};
     Problems m_problems;
-    Json_node m_document;
+    Json_document m_document;
     Simulated_device m_device;
 };
 

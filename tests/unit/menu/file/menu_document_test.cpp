@@ -138,6 +138,68 @@ TEST(MenuDocument, AnErrorNamesPlaceCopyAndExpectation) {
     }
 }
 
+// A template with argument n, whose one item is named by `name`.
+std::string named_by_number(const std::string& number, const std::string& name) {
+    return with_items(R"({"template": "a", "arguments": {"n": )" + number + "}}",
+                      R"({"a": {"arguments": ["n"], "content": [{"type": "range", "name": ")" +
+                          name + R"(", "parameter": "gain 1"}]}})");
+}
+
+TEST(MenuDocument, ACalculatedNumberIsOf64Bits) {
+    EXPECT_EQ(tree_of(named_by_number("9223372036", "{n*1000000000+854775807}")),
+              "9223372036854775807");
+    EXPECT_EQ(tree_of(named_by_number("-9223372036854775807", "{n-1}")), "-9223372036854775808");
+    const std::string place = "menu.json: /templates/a/content/0/name: the number of ";
+    const struct {
+        std::string number;
+        std::string name;
+        std::string error;
+    } CASES[] = {
+        {"9223372036854775807", "{n*999999999}",
+         "\"{n*999999999}\" is too large, with n = 9223372036854775807"},
+        {"9223372036854775807", "{n+1}", "\"{n+1}\" is too large, with n = 9223372036854775807"},
+        {"-2", "{n*4611686018427387904-1}",
+         "\"{n*4611686018427387904-1}\" is too large, with n = -2"},
+        {"1", "{n*99999999999999999999}", "\"{n*99999999999999999999}\" is too large, with n = 1"},
+    };
+    for (const auto& wrong : CASES) {
+        const std::string text = named_by_number(wrong.number, wrong.name);
+        EXPECT_EQ(error_of(text),
+                  placed(text, place + wrong.error + " (in \"a\" with n = " + wrong.number + ")"));
+    }
+}
+
+TEST(MenuDocument, ATextThatGrowsTooLongIsRefusedInItsPlace) {
+    const std::string templates = R"({"a": {"arguments": ["x"], "content": [
+        {"type": "range", "name": "G", "description": "{x}{x}{x}{x}", "parameter": "gain 1"}]}})";
+    const auto text_with = [&templates](size_t size) {
+        return with_items(
+            R"({"template": "a", "arguments": {"x": ")" + std::string(size, 'x') + "\"}}",
+            templates);
+    };
+    EXPECT_EQ(error_of(text_with(16384)), "");
+    const std::string text = text_with(16385);
+    EXPECT_EQ(error_of(text),
+              placed(text,
+                     "menu.json: /templates/a/content/0/description: the text grows beyond "
+                     "65536 bytes here (in \"a\" with x = " +
+                         std::string(184, 'x') + "...)"));
+}
+
+TEST(MenuDocument, ErrorsBeforeTheOneThatEndsTheCheckAreReported) {
+    const std::string items = R"({"include": 5, "template": "b"}, {"type": "node", "items": [
+        {"type": "range", "name": "G", "description": ")" +
+                              std::string(20000, 'x') + R"(", "parameter": "gain 1",
+        "repeat": {"counter": "n", "from": 1, "to": 1000}}], "name": "N"})";
+    const std::string text = with_items(items);
+    EXPECT_EQ(error_of(text),
+              placed(text,
+                     "menu.json: /menu/items/0/include@: unknown member \"include\"\n"
+                     "menu.json: /menu/items/0/template: there is no template \"b\"\n"
+                     "menu.json: /menu/items/1/items/0/description: the texts of the menu "
+                     "grow beyond 16777216 bytes here (n = 838)"));
+}
+
 TEST(MenuDocument, AnUnusedTemplateIsWarnedOf) {
     const std::string text = with_items(R"({"type": "range", "name": "G", "parameter": "gain 1"})",
                                         R"({"spare": {"content": []}})");
