@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <map>
+#include <set>
+#include <vector>
 
 #include "check/checks.h"
 #include "file/item_members.h"
@@ -7,16 +9,22 @@
 namespace frontpanel {
 namespace {
 
-bool is_within(const Data_entry* entry, const Data_entry* menu) {
-    while (entry != nullptr && entry != menu) {
-        entry = entry->Get_parent();
+// The menus around the targets of links.
+std::set<const Data_entry*> menus_around_targets(const std::vector<Built_menu::Link>& links) {
+    std::set<const Data_entry*> menus;
+    for (const Built_menu::Link& link : links) {
+        const Data_entry* menu = link.target->Get_parent();
+        while (menu != nullptr && menus.insert(menu).second) {
+            menu = menu->Get_parent();
+        }
     }
-    return entry == menu;
+    return menus;
 }
 
 class Reach {
 public:
-    explicit Reach(const Built_menu& built) : m_built(built) {
+    explicit Reach(const Built_menu& built)
+        : m_built(built), m_led_into(menus_around_targets(built.links)) {
         for (const Built_menu::Item& item : built.items) {
             m_items.insert({item.entry, {item.item, is_never_shown(item)}});
         }
@@ -72,11 +80,7 @@ private:
         if (const auto shortcut = item.find(member::SHORTCUT)) {
             shortcut->warn("this button leads to an item that is never shown");
         }
-        const auto leads_into = [&entry](const Built_menu::Link& link) {
-            return link.target != &entry && is_within(link.target, &entry);
-        };
-        if (entry.Get_entry_type() == Data_entry::NODE &&
-            std::none_of(m_built.links.begin(), m_built.links.end(), leads_into)) {
+        if (entry.Get_entry_type() == Data_entry::NODE && m_led_into.count(&entry) == 0) {
             item.warn("this menu is never shown, and no link leads into it");
         }
     }
@@ -93,6 +97,7 @@ private:
     }
 
     const Built_menu& m_built;
+    std::set<const Data_entry*> m_led_into;
     std::map<const Data_entry*, Item> m_items;
 };
 

@@ -50,7 +50,8 @@ void set_choices(Load_context& context, const Json_value& list, Enum_entry& entr
         const auto key = static_cast<int>(options.size());
         options[key] = has_options(choice) ? choice.options : std::vector<std::string>{ALWAYS};
     }
-    std::map<std::string, unsigned int> product_options = context.options.values();
+    std::map<std::string, unsigned int> product_options =
+        context.options.copy(list, choices.size());
     product_options[ALWAYS] = 1;
     entry.setProductOptions(product_options);
     entry.Set_control_options(options);
@@ -142,6 +143,7 @@ void build_slot(Load_context& context, const Json_value& item, const Spot& spot)
         parameter_place(item).fail("expected a parameter from 0 to at most " +
                                    std::to_string(MOST_SLOTS - 1) + " for a slot list");
     }
+    context.work.take(item.place(), Work_budget::SLOT_LIST_COST);
     std::vector<std::string> lines;
     for (int slot = 1; slot <= parameter.max + 1; ++slot) {
         lines.push_back(std::to_string(slot));

@@ -139,7 +139,10 @@ void finish(Load_context& context, const Json_value& item, Data_entry& entry, co
 void set_properties(Load_context& context, const Json_value& item, Data_entry& entry,
                     const Spot& spot) {
     entry.setNodeLevel(spot.level);
-    entry.setProductOptions(context.options.values());
+    // Each entry has a copy of its own, so only those that test options get one.
+    if (item.find(member::OPTIONS) || item.find(member::RANGES)) {
+        entry.setProductOptions(context.options.copy(item));
+    }
     if (const auto options = item.find(member::OPTIONS)) {
         context.problems.attempt([&] { entry.setOrOptions(context.options.use(*options)); });
     }

@@ -161,6 +161,7 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
     context.problems.attempt([&] {
         const Compile_result compiled = context.menu.bindings()->compile(
             source->text_with_lines(), entry.Get_return_type_int_or_string());
+        context.work.take(source->place(), Work_budget::RULES_COST + compiled.parameters.size());
         if (!compiled.ok()) {
             report_in(context, *source, compiled.errors);
             return;

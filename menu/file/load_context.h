@@ -13,6 +13,7 @@
 #include "file/item_names.h"
 #include "file/link_places.h"
 #include "file/product_options.h"
+#include "file/work_budget.h"
 
 namespace frontpanel {
 
@@ -25,7 +26,8 @@ struct Load_context {
           problems(found),
           loading(how),
           device(menu.parameters(), problems, loading),
-          options(problems),
+          work(problems),
+          options(problems, work),
           built{menu, options, loading.columns, {}, {}, {}, {}, {}, {}} {}
 
     // The menu that items join now; null outside of menus.
@@ -37,6 +39,7 @@ struct Load_context {
     Problems& problems;
     const Loading& loading;
     Device_description device;
+    Work_budget work;
     Product_options options;
     Item_names names;
     Link_places links;

@@ -36,7 +36,14 @@ std::vector<std::string> Product_options::use(const Json_value& list) {
         m_problems.attempt([&] { names.push_back(item.text_of_length(1, LONGEST_TEXT)); });
     }
     m_used.insert(names.begin(), names.end());
+    m_work.take_comparisons(list.place(), names.size() * m_values.size());
     return names;
+}
+
+std::map<std::string, unsigned int> Product_options::copy(const Json_value& item, size_t tests) {
+    constexpr size_t COPY_COST = 4;  // of an option, in comparisons
+    m_work.take_comparisons(item.place(), (COPY_COST + tests) * m_values.size());
+    return m_values;
 }
 
 }  // namespace frontpanel

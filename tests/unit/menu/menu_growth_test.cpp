@@ -1,0 +1,292 @@
+// Whatever a menu file holds, it is accepted or refused soon, and with the memory of a small device.
+#include <gtest/gtest.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <fstream>
+#include <functional>
+
+#include <frontpanel_menu/menu_document.h>
+#include "support/folder.h"
+#include "support/panel_fixture.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define FRONTPANEL_IS_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define FRONTPANEL_IS_SANITIZED 1
+#endif
+#endif
+
+namespace frontpanel {
+namespace {
+
+#if defined(FRONTPANEL_IS_SANITIZED)
+constexpr double MOST_SECONDS = 40;
+constexpr long MOST_KIB = 4L * 1024 * 1024;  // redzones and what was freed, too
+#elif defined(__OPTIMIZE__)
+constexpr double MOST_SECONDS = 2;
+constexpr long MOST_KIB = 256L * 1024;
+#else
+constexpr double MOST_SECONDS = 12;
+constexpr long MOST_KIB = 256L * 1024;
+#endif
+
+struct Outcome {
+    std::string error;  // the line that was looked for
+    double seconds;     // of the processor, whatever else the machine does
+    long kib;
+};
+
+double seconds_of(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+std::string all_of(int file) {
+    std::string text;
+    std::array<char, 4096> piece{};
+    for (ssize_t got = 0; (got = read(file, piece.data(), piece.size())) > 0;) {
+        text.append(piece.data(), static_cast<size_t>(got));
+    }
+    return text;
+}
+
+// In a process of its own, which a menu that grows on ends by its limits.
+Outcome outcome_of(const std::function<std::string()>& load) {
+    int ends[2] = {-1, -1};
+    if (pipe(ends) != 0) {
+        return {"no pipe", 0, 0};
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        const auto seconds = static_cast<rlim_t>(MOST_SECONDS * 2);
+        const rlimit limit{seconds, seconds};
+        setrlimit(RLIMIT_CPU, &limit);
+        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);  // the library prints hidden entries
+        const std::string error = load();
+        const bool is_written =
+            write(ends[1], error.data(), error.size()) == static_cast<ssize_t>(error.size());
+        _exit(is_written ? 0 : 1);
+    }
+    close(ends[1]);
+    const std::string error = all_of(ends[0]);
+    close(ends[0]);
+    int status = 0;
+    rusage used{};
+    const bool is_done = wait4(child, &status, 0, &used) == child && status == 0;
+    return {is_done ? error : "not done", seconds_of(used.ru_utime) + seconds_of(used.ru_stime),
+            used.ru_maxrss};
+}
+
+std::string repeated(const std::string& text, size_t times, const std::string& between = "") {
+    std::string result;
+    for (size_t i = 0; i < times; ++i) {
+        result += (i == 0 ? "" : between) + text;
+    }
+    return result;
+}
+
+// A text for each number, with the number in the place of each '#'.
+std::string numbered(const std::string& pattern, size_t times, const std::string& between = ",") {
+    std::string result;
+    for (size_t i = 0; i < times; ++i) {
+        result += i == 0 ? "" : between;
+        for (const char c : pattern) {
+            result += c == '#' ? std::to_string(i) : std::string(1, c);
+        }
+    }
+    return result;
+}
+
+constexpr const char* PARAMETER =
+    R"({"name": "g", "pid": 100, "type": "integer", "min": 0, "max": 100, "value": 1},
+    {"pid": 101, "type": "integer", "min": 0, "max": 14, "value": 1})";
+
+std::string menu_of(const std::string& items, const std::string& before = "",
+                    const std::string& behind = "") {
+    return "{" + before + R"("device": {"parameters": [)" + PARAMETER +
+           R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}" + behind + "}";
+}
+
+// Menus with as many of an item as a menu holds, whatever the item, up to `count` in all.
+std::string filled(const std::string& item, size_t count) {
+    std::string menus;
+    for (size_t i = 0; i < count / 1000; ++i) {
+        menus += (i == 0 ? "" : ",") + std::string(R"({"type": "node", "name": "N", "items": [)") +
+                 repeated(item, 1000, ",") + "]}";
+    }
+    return menus;
+}
+
+// Templates of which each uses the next one, the last with that content.
+std::string chained(const std::string& argument, size_t uses, const std::string& last) {
+    std::string templates = R"("templates": {)";
+    for (int i = 0; i < 15; ++i) {
+        const std::string use = R"({"template": "t)" + std::to_string(i + 1) +
+                                R"(", "arguments": {"x": ")" + argument + R"("}})";
+        templates += "\"t" + std::to_string(i) + R"(": {"arguments": ["x"], "content": [)" +
+                     repeated(use, uses, ",") + "]},";
+    }
+    return templates + R"("t15": {"arguments": ["x"], "content": [)" + last + "]}},";
+}
+
+struct Shape {
+    const char* name;
+    std::string text;
+    std::string error;  // a part of what it is refused with; empty when it is accepted
+};
+
+std::string use_of_first_template() {
+    return R"({"template": "t0", "arguments": {"x": "aaaa"}})";
+}
+
+std::vector<Shape> exploding_shapes() {
+    const std::string range = R"({"type": "range", "name": "G", "pid": 100)";
+    const std::string described =
+        R"({"type": "range", "name": "G", "pid": 100, "description": "{x}",
+        "repeat": {"counter": "n", "from": 1, "to": 1000}})";
+    const auto argument = [&](size_t size) {
+        return menu_of(
+            R"({"template": "t", "arguments": {"x": ")" + std::string(size, 'a') + "\"}}",
+            R"("templates": {"t": {"arguments": ["x"], "content": [)" + described + "]}},");
+    };
+    return {
+        {"an argument that each template multiplies",
+         menu_of(use_of_first_template(), chained("{x}{x}{x}{x}", 1, described)),
+         "the text grows beyond 65536 bytes here (in \"t7\" with x = aaaa"},
+        {"a long argument repeated", argument(1000000), "a text is longer than 65536 bytes"},
+        {"a less long argument repeated", argument(60000),
+         "the texts of the menu grow beyond 16777216 bytes here"},
+        {"a long text repeated",
+         menu_of(range + R"(, "description": ")" + std::string(60000, 'a') +
+                 R"(", "repeat": {"counter": "n", "from": 1, "to": 1000}})"),
+         "the texts of the menu grow beyond 16777216 bytes here"},
+        {"a large list that nothing comes of",
+         menu_of(R"({"type": "node", "name": "N", "items": [{"x": [)" + repeated("1", 490000, ",") +
+                 R"(], "repeat": {"counter": "n", "from": 1, "to": 1}}],
+                   "repeat": {"counter": "n", "from": 1, "to": 1000}})"),
+         "\"n\" stands for something else here (n = 1)"},
+        {"templates that use each other for nothing",
+         menu_of(use_of_first_template(), chained("", 50, "")),
+         "the menu grows beyond 500000 values here"},
+        {"a use with many members, repeated",
+         menu_of(R"({"template": "t", )" + numbered(R"("m#": 1)", 100000) +
+                     R"(, "repeat": {"counter": "n", "from": 1, "to": 1000}})",
+                 R"("templates": {"t": {"content": []}},)"),
+         "unknown member \"m0\""},
+        {"a use with many arguments",
+         menu_of(R"({"template": "t", "arguments": {)" + numbered(R"("a#": 1)", 100000) + "}}",
+                 R"("templates": {"t": {"content": [], "arguments": [)" +
+                     numbered(R"("a#")", 100000) + "]}},"),
+         "expected at most 64 arguments, found 100000"},
+        {"repetitions in each other without end",
+         menu_of(R"({"type": "node", )" +
+                 numbered(R"("repeat": {"counter": "n#", "from": 1, "to": 1})", 80000) + "}"),
+         "member \"repeat\" comes twice"},
+    };
+}
+
+std::vector<Shape> large_shapes() {
+    const std::string range = R"({"type": "range", "name": "G", "pid": 100)";
+    return {
+        {"as many items as there may be", menu_of(filled(range + "}", 50000)), ""},
+        {"rules on many items",
+         menu_of(filled(range + R"(, "binding": "visible if [g] == 1"})", 20000)), ""},
+        {"rules on too many items",
+         menu_of(filled(range + R"(, "binding": "visible if [g] == 1"})", 50000)),
+         "grow beyond 500000 steps here"},
+        {"slot lists", menu_of(filled(R"({"type": "slot", "name": "S", "pid": 101})", 40000)),
+         "grow beyond 500000 steps here"},
+        {"hidden menus beside links",
+         menu_of(
+             filled(R"({"type": "node", "name": "M", "visible": false, "items": [)" + range + "}]}",
+                    10000) +
+             "," + filled(R"({"type": "link", "target": "z"})", 20000) + "," + range +
+             R"(, "id": "z"})"),
+         ""},
+        {"patterns of options beside their uses",
+         menu_of(range + R"(, "options": [)" + numbered(R"("x#")", 2000) + "]}",
+                 R"("options": {)" + numbered(R"("n#": 1)", 2000) + "},"),
+         ""},
+        {"patterns of options beside more uses",
+         menu_of(range + R"(, "options": [)" + numbered(R"("x#")", 100000) + "]}",
+                 R"("options": {)" + numbered(R"("n#": 1)", 100000) + "},"),
+         "grow beyond 500000 steps here"},
+        {"product options in many items",
+         menu_of(filled(range + R"(, "options": ["o1"]})", 30000),
+                 R"("options": {)" + numbered(R"("o#": 1)", 1000) + "},"),
+         "grow beyond 500000 steps here"},
+        {"wrong values in a list",
+         R"({"device": {"parameters": [)" + repeated("1", 490000, ",") +
+             R"(]}, "menu": {"name": "Main", "items": []}})",
+         "expected an object, found a whole number"},
+        {"unknown members", "{" + numbered(R"("m#": 1)", 400000) + "}", "unknown member \"m0\""},
+        {"duplicate members", "{" + repeated(R"("m": 1)", 400000, ",") + "}",
+         "member \"m\" comes twice"},
+        {"long names", "{" + numbered("\"" + std::string(60000, 'm') + "#\": 1", 60) + "}",
+         "unknown member \"mmm"},
+        {"lines", std::string(4000000, '\n'), "The document is empty"},
+    };
+}
+
+// The first line with that text; all when there is none.
+std::string line_with(const Lines& lines, const std::string& text) {
+    std::string all;
+    for (const std::string& line : lines) {
+        if (line.find(text) != std::string::npos) {
+            return line;
+        }
+        all += all.size() < 1000 ? line + "\n" : "";
+    }
+    return all;
+}
+
+void expect_bounded(const std::vector<Shape>& shapes) {
+    for (const Shape& shape : shapes) {
+        SCOPED_TRACE(shape.name);
+        const Outcome outcome =
+            outcome_of([&shape] { return line_with(complaints_of(shape.text), shape.error); });
+        EXPECT_NE(outcome.error.find(shape.error), std::string::npos) << outcome.error;
+        EXPECT_EQ(outcome.error.empty(), shape.error.empty()) << outcome.error;
+        EXPECT_LT(outcome.seconds, MOST_SECONDS);
+        EXPECT_LT(outcome.kib, MOST_KIB);
+    }
+}
+
+TEST(MenuGrowth, WhatGrowsWithoutEndIsRefusedSoonAtItsPlace) {
+    expect_bounded(exploding_shapes());
+}
+
+TEST(MenuGrowth, WhatIsLargeIsAcceptedOrRefusedSoon) {
+    expect_bounded(large_shapes());
+}
+
+TEST(MenuGrowth, FilesThatIncludeEachOtherManyTimesAreRefusedSoon) {
+    const support::Folder folder;
+    const auto write = [&folder](const std::string& name, const std::string& text) {
+        std::ofstream(folder.file(name)) << text;
+    };
+    for (int i = 0; i < 15; ++i) {
+        const std::string next = R"({"include": ")" + std::to_string(i + 1) + R"(.json"})";
+        write(std::to_string(i) + ".json", "[" + repeated(next, 50, ",") + "]");
+    }
+    write("15.json", "[]");
+    write("menu.json", menu_of(R"({"include": "0.json"})"));
+    write("templates.json", R"({"templates": [{"include": "0.json"}]})");
+    for (const char* const file : {"menu.json", "templates.json"}) {
+        const std::string expected = "the menu grows beyond 500000 values here";
+        const Outcome outcome = outcome_of([&] {
+            Menu_document document(folder.file(file));
+            return line_with(document.problems().errors(), expected);
+        });
+        EXPECT_NE(outcome.error.find(expected), std::string::npos) << file << outcome.error;
+        EXPECT_LT(outcome.seconds, MOST_SECONDS) << file;
+        EXPECT_LT(outcome.kib, MOST_KIB) << file;
+    }
+}
+
+}  // namespace
+}  // namespace frontpanel
