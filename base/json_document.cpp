@@ -66,9 +66,11 @@ std::optional<int64_t> integer_of(std::string_view text) {
 class Builder {
 public:
     Builder(Line_counter& counter, const std::string& text,
-            const rapidjson::InsituStringStream& stream, Json_storage& storage,
-            size_t most_values)
-        : m_counter(counter), m_text(text), m_stream(stream), m_storage(storage),
+            const rapidjson::InsituStringStream& stream, Json_storage& storage, size_t most_values)
+        : m_counter(counter),
+          m_text(text),
+          m_stream(stream),
+          m_storage(storage),
           m_most_values(most_values) {}
 
     bool Null() { return add(Json_node(Kind::NOTHING, place_before(4))); }

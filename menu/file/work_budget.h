@@ -12,7 +12,8 @@ class Work_budget {
 public:
     // A step is about two microseconds, or two hundred bytes.
     static constexpr size_t MOST_STEPS = 500000;
-    static constexpr size_t RULES_COST = 10;      // of an item's rules, beside 1 for each parameter named
+    static constexpr size_t RULES_COST =
+        10;  // of an item's rules, beside 1 for each parameter named
     static constexpr size_t SLOT_LIST_COST = 25;  // of the lines of a slot list
     // The library compares an option that an item tests with all that the product has.
     static constexpr size_t COMPARISONS_IN_STEP = 16;

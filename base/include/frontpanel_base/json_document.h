@@ -119,8 +119,8 @@ private:
 class Json_document {
 public:
     static constexpr size_t LONGEST_TEXT =
-        size_t{64} * 1024;  // of a text or a member's name, in bytes
-    static constexpr size_t MOST_VALUES = 500000;                // of a menu
+        size_t{64} * 1024;                         // of a text or a member's name, in bytes
+    static constexpr size_t MOST_VALUES = 500000;  // of a menu
 
     // Parses the text of a file. `source` outlives the document. Placed_error when it is invalid JSON, or when its
     // values are nested too deep, too many or too long to be a menu.

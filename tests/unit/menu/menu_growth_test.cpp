@@ -1,6 +1,6 @@
 // Whatever a menu file holds, it is accepted or refused soon, and with the memory of a small device.
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
