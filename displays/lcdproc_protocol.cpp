@@ -17,6 +17,7 @@ using Words = std::vector<std::string>;
 
 Words words_of(const std::string& line) {
     std::istringstream stream(line);
+    stream.exceptions(std::ios::badbit);  // no memory must not look like the end of the line
     Words words;
     for (std::string word; stream >> word;) {
         words.push_back(word);

@@ -14,6 +14,7 @@ constexpr const char* INDENT = "  ";
 
 std::string indented(const std::string& text) {
     std::istringstream lines(text);
+    lines.exceptions(std::ios::badbit);  // no memory must not look like the end of the text
     std::string result;
     for (std::string line; std::getline(lines, line);) {
         result += INDENT + line + "\n";

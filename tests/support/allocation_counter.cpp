@@ -7,14 +7,21 @@
 // Apart from the code that allocates, so that no compiler sees through a pair of new and delete.
 namespace {
 std::atomic<std::size_t> g_allocations{0};
-}
+std::atomic<std::size_t> g_failing{0};  // the number of the call that fails
+}  // namespace
 
 std::size_t support::allocations() {
     return g_allocations;
 }
 
+void support::fail_allocation(std::size_t number) {
+    g_failing = number == 0 ? 0 : g_allocations + number;
+}
+
 void* operator new(std::size_t size) {
-    ++g_allocations;
+    if (++g_allocations == g_failing) {
+        throw std::bad_alloc();
+    }
     if (void* memory = std::malloc(size == 0 ? 1 : size)) {
         return memory;
     }

@@ -1,4 +1,4 @@
-// Counts the allocations of a process. A test that asks for the count adds allocation_counter.cpp to its
+// Counts the allocations of a process, and makes one fail. A test that asks for the count adds allocation_counter.cpp to its
 // sources; that file replaces the global operator new, also for the shared library.
 #ifndef FRONTPANEL_DATA_TESTS_SUPPORT_ALLOCATION_COUNTER_H
 #define FRONTPANEL_DATA_TESTS_SUPPORT_ALLOCATION_COUNTER_H
@@ -9,6 +9,8 @@ namespace support {
 
 // How often the global operator new has been called.
 std::size_t allocations();
+// Makes one call of it throw std::bad_alloc, the next one for 1; 0 for none.
+void fail_allocation(std::size_t number);
 
 }  // namespace support
 

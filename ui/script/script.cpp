@@ -20,7 +20,9 @@ constexpr uint32_t LAST_LEVEL = 255;
 // The words of one line, from left to right.
 class Line {
 public:
-    Line(std::string place, const std::string& text) : m_place(std::move(place)), m_words(text) {}
+    Line(std::string place, const std::string& text) : m_place(std::move(place)), m_words(text) {
+        m_words.exceptions(std::ios::badbit);
+    }
 
     [[noreturn]] void fail(const std::string& message) const {
         throw Input_error(m_place + ": " + message);
@@ -69,6 +71,7 @@ Parameter_name Line::parameter() {
     const std::string word = this->word("a parameter");
     std::vector<uint32_t> numbers;
     std::istringstream parts(word);
+    parts.exceptions(std::ios::badbit);
     std::string part;
     while (std::getline(parts, part, '.')) {
         const std::optional<uint32_t> number = parse_number<uint32_t>(part);
@@ -230,6 +233,8 @@ std::string trimmed(const std::string& text) {
 Script parse_script(const std::string& file, const std::string& text) {
     Script script{file, {}};
     std::istringstream lines(text);
+    // A stream keeps exceptions to itself otherwise, and the script would end where memory ran out.
+    lines.exceptions(std::ios::badbit);
     std::string line;
     for (int number = 1; std::getline(lines, line); ++number) {
         line = trimmed(line);
