@@ -19,6 +19,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include <frontpanel_base/json_allocator.h>
 #include "chance.h"
 #include "http_service.h"
 
@@ -75,15 +76,21 @@ std::optional<Document_key> key_of(const std::string& target, const char* verb, 
     return key;
 }
 
-void write_member(rapidjson::Writer<rapidjson::StringBuffer>& writer, const char* name,
-                  const std::string& text) {
+using Json_buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, Json_allocator>;
+using Json_writer =
+    rapidjson::Writer<Json_buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator>;
+using Json_document =
+    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<Json_allocator>,
+                               Json_allocator>;
+
+void write_member(Json_writer& writer, const char* name, const std::string& text) {
     writer.Key(name);
     writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
 std::string combo_box_text(const Live_document& document) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    Json_buffer buffer;
+    Json_writer writer(buffer);
     writer.StartObject();
     writer.Key("state");
     writer.StartObject();
@@ -122,7 +129,7 @@ std::string gzip(const std::string& text) {
 
 // The index in {"state":{"value":"INDEX"}}.
 std::optional<int> posted_index(const std::string& body) {
-    rapidjson::Document document;
+    Json_document document;
     document.Parse<rapidjson::kParseIterativeFlag>(body.c_str(), body.size());
     if (document.HasParseError() || !document.IsObject()) return std::nullopt;
     const auto state = document.FindMember("state");

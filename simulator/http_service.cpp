@@ -148,7 +148,9 @@ Http_service::Http_service(int port, Handler& handler) : m_handler(handler) {
 
 Http_service::~Http_service() {
     m_ends = true;
-    wake();
+    // Wakes the thread whatever becomes of a write.
+    close(m_wakers[1]);
+    m_wakers[1] = -1;
     m_thread.join();
     close_all();
 }
