@@ -29,7 +29,7 @@ endfunction()
 
 # frontpanel_add_test(NAME <target> SOURCES <file>... [LIBRARIES <library>...] [PRIVATE_OBJECTS]
 #                     [WRAP <function>...] [TIMEOUT <seconds>]
-#                     [LABEL <label> [LABELLED <case>...]])
+#                     [LABEL <label> [LABELLED <case>...]] [RESOURCE_LOCK <resource>])
 #
 # An executable of GoogleTest cases, each of which CTest runs in a process of its own. It links
 # the shared library as a client does; with PRIVATE_OBJECTS it links the library's objects
@@ -38,7 +38,7 @@ endfunction()
 # included by their path under it. LABEL holds for the cases LABELLED, or for all if none is named.
 function(frontpanel_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg
-        "PRIVATE_OBJECTS" "NAME;TIMEOUT;LABEL" "SOURCES;LIBRARIES;WRAP;LABELLED")
+        "PRIVATE_OBJECTS" "NAME;TIMEOUT;LABEL;RESOURCE_LOCK" "SOURCES;LIBRARIES;WRAP;LABELLED")
     if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|base|menu|display|ui|displays|simulator|app)(;|$)")
         message(FATAL_ERROR "${arg_NAME}: a test with PRIVATE_OBJECTS would hold the library twice "
             "if it also linked a component that links the shared library")
@@ -68,14 +68,19 @@ function(frontpanel_add_test)
     foreach(function IN LISTS arg_WRAP)
         target_link_options(${arg_NAME} PRIVATE LINKER:--wrap=${function})
     endforeach()
+    set(lock)
+    if(arg_RESOURCE_LOCK)
+        set(lock RESOURCE_LOCK ${arg_RESOURCE_LOCK})
+    endif()
     if(NOT arg_LABEL)
-        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT})
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} ${lock})
     elseif(NOT arg_LABELLED)
-        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} LABELS ${arg_LABEL})
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} LABELS ${arg_LABEL} ${lock})
     else()
         list(JOIN arg_LABELLED ":" cases)
-        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} FILTER -${cases})
-        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} FILTER ${cases} LABELS ${arg_LABEL})
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} FILTER -${cases} ${lock})
+        frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} FILTER ${cases} LABELS ${arg_LABEL}
+            ${lock})
     endif()
 endfunction()
 
