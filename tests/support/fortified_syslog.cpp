@@ -6,7 +6,7 @@
 extern "C" {
 __attribute__((format(printf, 2, 3))) void __wrap_syslog(int priority, const char* format, ...);
 __attribute__((format(printf, 3, 4))) void __wrap___syslog_chk(int priority, int flag,
-                                                                const char* format, ...);
+                                                               const char* format, ...);
 }
 
 void __wrap___syslog_chk(int priority, int, const char* format, ...) {

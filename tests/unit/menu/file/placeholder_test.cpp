@@ -20,7 +20,8 @@ TEST(Placeholder, HasANameAndMayCalculate) {
 }
 
 TEST(Placeholder, IsNotWhatOnlyLooksLikeOne) {
-    for (const char* const text : {"{", "{}", "{1}", "{n*}", "{n+}", "{n", "{n*1234567890}", "{a b}"}) {
+    for (const char* const text :
+         {"{", "{}", "{1}", "{n*}", "{n+}", "{n", "{n*1234567890}", "{a b}"}) {
         EXPECT_FALSE(find_placeholder(text, 0)) << text;
     }
     const auto inner = find_placeholder("{ {n}", 0);
