@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 
 namespace frontpanel {
 namespace {
@@ -15,8 +16,8 @@ const Source SOURCE{"menu.json", 0};
 class Json_value_test : public testing::Test {
 protected:
     Json_value value(const std::string& text) {
-        node = parse_json(SOURCE, text);
-        return {node, problems};
+        document = std::make_unique<Json_document>(SOURCE, text);
+        return {document->root(), problems};
     }
     std::string error_of(const std::function<void()>& work) {
         try {
@@ -27,7 +28,7 @@ protected:
         return "";
     }
 
-    Json_node node;
+    std::unique_ptr<Json_document> document;
     Problems problems;
 };
 

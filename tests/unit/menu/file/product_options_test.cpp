@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 namespace frontpanel {
@@ -10,14 +11,15 @@ namespace {
 class Product_options_test : public testing::Test {
 protected:
     Json_value value(const std::string& text) {
-        m_node = parse_json(m_source, text);
-        return {m_node, m_problems};
+        m_document = std::make_unique<Json_document>(m_source, text);
+        return {m_document->root(), m_problems};
     }
 
     Source m_source{"menu.json", 0};
-    Json_node m_node;
+    std::unique_ptr<Json_document> m_document;
     Problems m_problems;
-    Product_options m_options{m_problems};
+    Work_budget m_work{m_problems};
+    Product_options m_options{m_problems, m_work};
 };
 
 TEST_F(Product_options_test, TheHighestValueOfAnOptionCounts) {
