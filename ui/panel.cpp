@@ -8,6 +8,7 @@
 
 #include <frontpanel_data/data_interface.h>
 #include <frontpanel_ui/main_loop.h>
+#include <frontpanel_ui/message_queue.h>
 #include "controller.h"
 #include "session.h"
 

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include <frontpanel_ui/message_queue.h>
 #include "support/panel_fixture.h"
 
 namespace frontpanel {

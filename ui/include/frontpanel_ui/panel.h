@@ -20,9 +20,14 @@
 #include <frontpanel_menu/encoder_settings.h>
 #include <frontpanel_menu/menu.h>
 #include <frontpanel_ui/log_lines.h>
-#include <frontpanel_ui/message_queue.h>
+
+namespace FrontPanel {
+class Message;
+}
 
 namespace frontpanel {
+
+class Message_queue;
 
 inline constexpr size_t SHORTEST_PIN = 4;
 inline constexpr size_t LONGEST_PIN = 8;
