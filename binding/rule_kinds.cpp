@@ -1,6 +1,5 @@
 #include "rule_kinds.h"
 
-#include <algorithm>
 #include <iterator>
 #include <memory>
 
@@ -53,10 +52,11 @@ Rule_kinds rule_kinds() {
 }
 
 const Rule_kind* find_rule_kind(int suggestion) {
-    const auto* const found =
-        std::find_if(std::begin(KINDS), std::end(KINDS),
-                     [&](const Rule_kind& kind) { return kind.suggestion == suggestion; });
-    return found != std::end(KINDS) ? found : nullptr;
+    std::size_t place = 0;
+    while (place < std::size(KINDS) && KINDS[place].suggestion != suggestion) {
+        ++place;
+    }
+    return place < std::size(KINDS) ? &KINDS[place] : nullptr;
 }
 
 std::string_view rule_word(Suggestion_kind kind) {

@@ -1,7 +1,9 @@
 #include "engine/engine.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cstdio>
+#include <limits>
 #include <utility>
 
 #include <frontpanel_data/range_entry.h>
@@ -26,6 +28,13 @@ std::optional<Interval> range_of(Data_entry* entry) {
         return std::nullopt;
     }
     return Interval{range_entry->Get_min(), range_entry->Get_max()};
+}
+
+// A warning sees the value that is tried, and what the device has then.
+bool follows_own_value(const Program& program, std::size_t number) {
+    return program.own_type().has_value() &&
+           !find_rule_kind(program.kind_of_rule(number))->judges_tries &&
+           program.reads_own_value(program.rule(number));
 }
 
 }  // namespace
@@ -108,16 +117,15 @@ void Engine::bind_parameters(Bound_list& list) {
 
 void Engine::note_kinds(const Program& program) {
     for (std::size_t number = 0; number < program.rule_count(); ++number) {
-        const Rule rule = program.rule(number);
-        m_rule_kinds |= rule.kind;
-        // A warning sees the value that is tried, and what the device has then.
-        m_follows_own = m_follows_own ||
-                        (!find_rule_kind(rule.kind)->judges_tries && program.reads_own_value(rule));
+        m_rule_kinds |= program.kind_of_rule(number);
+        m_follows_own = m_follows_own || follows_own_value(program, number);
     }
     add_makers();
 }
 
 void Engine::add_makers() {
+    const auto kinds = static_cast<unsigned int>(m_rule_kinds);
+    m_makers.reserve(std::bitset<std::numeric_limits<unsigned int>::digits>(kinds).count());
     std::size_t place = 0;
     for (const Rule_kind& kind : rule_kinds()) {
         if ((m_rule_kinds & kind.suggestion) == 0) {
@@ -125,7 +133,7 @@ void Engine::add_makers() {
         }
         const auto next = m_makers.begin() + static_cast<std::ptrdiff_t>(place++);
         if (next == m_makers.end() || (*next)->kind().suggestion != kind.suggestion) {
-            m_makers.insert(next, kind.make(*this, kind));
+            m_offered |= (*m_makers.insert(next, kind.make(*this, kind)))->offered();
         }
     }
 }
@@ -281,14 +289,6 @@ void Engine::print_suggestions() const {
 }
 
 // ---- suggestions
-
-int Engine::offered() const {
-    int kinds = 0;
-    for (const auto& maker : m_makers) {
-        kinds |= maker->offered();
-    }
-    return kinds;
-}
 
 int Engine::updated() const {
     int kinds = 0;

@@ -46,7 +46,7 @@ public:
     void add_list(BindingListT list);
     int list_count() const { return static_cast<int>(m_lists.size()); }
     bool evaluate(bool updates, bool tries);
-    bool offers(int mask) const { return (offered() & mask) != 0; }
+    bool offers(int mask) const { return (m_offered & mask) != 0; }
     bool is_updated(int mask) const { return (updated() & mask) != 0; }
     void get(int mask, void* out);
     void clear(int mask);
@@ -108,7 +108,6 @@ public:
     Suggestion_maker* find_maker(int kind) const;
 
 private:
-    int offered() const;
     int updated() const;
     void add_makers();
     void bind_parameters(Bound_list& list);
@@ -126,6 +125,7 @@ private:
     Enum_entry* m_options = nullptr;  // the entry, when it has options
     std::vector<Bound_list> m_lists;
     int m_rule_kinds = 0;                   // bits of Suggestion_kind
+    int m_offered = 0;                      // likewise
     std::vector<Cached_parameter*> m_read;  // all that some rule reads, once each
     Cached_parameter* m_own = nullptr;
     bool m_reads_own = false;

@@ -31,10 +31,9 @@ public:
             m_depth -= static_cast<std::size_t>(-growth);
         }
         const int number = m_tables.instruction_count();
-        const std::size_t at = m_tables.code.size();
-        m_tables.code.resize(at + INSTRUCTION_SIZE);
-        m_tables.code[at] = static_cast<int>(operation);
-        m_tables.code[at + 1] = argument;
+        static_assert(INSTRUCTION_SIZE == 2);
+        m_tables.code.push_back(static_cast<int>(operation));
+        m_tables.code.push_back(argument);
         return number;
     }
     // An operation whose result can change.

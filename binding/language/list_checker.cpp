@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 #include "language/list_format.h"
 #include "language/program.h"
@@ -83,8 +84,8 @@ static_assert(DEEPEST_STACK <= std::numeric_limits<uint64_t>::digits);
 
 // What the operations without a special argument take and leave, bottom first: i, t, or x for either.
 struct Effect {
-    const char* takes;
-    const char* leaves;
+    std::string_view takes;
+    std::string_view leaves;
 };
 
 constexpr std::array<Effect, static_cast<std::size_t>(Operation::COUNT)> EFFECTS = {{
@@ -165,11 +166,12 @@ private:
         take(effect.takes);
         if (operation < Operation::JUMP) {
             check_argument(operation, argument);
-            leave(*effect.leaves == '?' ? type_read(operation, argument) : type_of(*effect.leaves));
+            const char left = effect.leaves.front();
+            leave(left == '?' ? type_read(operation, argument) : type_of(left));
             return;
         }
-        for (const char* type = effect.leaves; *type != '\0'; ++type) {
-            leave(type_of(*type));
+        for (const char type : effect.leaves) {
+            leave(type_of(type));
         }
         jump(operation, argument);
     }
@@ -253,8 +255,8 @@ private:
         }
     }
 
-    void take(const char* types) {
-        const std::size_t count = std::strlen(types);
+    void take(std::string_view types) {
+        const std::size_t count = types.size();
         require(m_stack.depth >= count, "missing operand at instruction", m_place);
         m_stack.depth -= count;
         for (std::size_t i = 0; i < count; ++i) {

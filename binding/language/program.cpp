@@ -49,6 +49,10 @@ Rule Program::rule(std::size_t number) const {
     return rule;
 }
 
+Suggestion_kind Program::kind_of_rule(std::size_t number) const {
+    return static_cast<Suggestion_kind>(m_list[m_rules + number * RULE_SIZE + RULE_KIND]);
+}
+
 Code Program::operand(const Rule& rule, std::size_t number) const {
     return segment(rule.first_segment + number);
 }

@@ -75,6 +75,8 @@ public:
 
     std::size_t rule_count() const { return m_rule_count; }
     Rule rule(std::size_t number) const;
+    // The kind of a rule alone, which costs less.
+    Suggestion_kind kind_of_rule(std::size_t number) const;
     // `number` is less than `rule.operand_count`.
     Code operand(const Rule& rule, std::size_t number) const;
 

@@ -90,11 +90,11 @@ bool Suggestion_maker::each_rule_that_holds(Reading& reading, Take take) {
     for (Bound_list& list : m_engine.lists()) {
         reading.enter(list);
         for (std::size_t number = 0; number < list.program.rule_count(); ++number) {
-            const Rule rule = list.program.rule(number);
-            bool holds = false;
-            if (rule.kind != m_kind.suggestion) {
+            if (list.program.kind_of_rule(number) != m_kind.suggestion) {
                 continue;
             }
+            const Rule rule = list.program.rule(number);
+            bool holds = false;
             if (!reading.condition(rule, holds)) {
                 if (m_kind.judges_tries) {
                     continue;  // a warning that cannot be judged silences no other
