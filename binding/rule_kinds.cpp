@@ -45,6 +45,15 @@ constexpr Rule_kind KINDS[] = {
      &binding_engine::make_access},
 };
 
+// The row of a kind; the last one for a kind without a row.
+std::size_t row_of(int suggestion) {
+    std::size_t row = 0;
+    while (row + 1 < std::size(KINDS) && KINDS[row].suggestion != suggestion) {
+        ++row;
+    }
+    return row;
+}
+
 }  // namespace
 
 Rule_kinds rule_kinds() {
@@ -52,19 +61,16 @@ Rule_kinds rule_kinds() {
 }
 
 const Rule_kind* find_rule_kind(int suggestion) {
-    std::size_t place = 0;
-    while (place < std::size(KINDS) && KINDS[place].suggestion != suggestion) {
-        ++place;
-    }
-    return place < std::size(KINDS) ? &KINDS[place] : nullptr;
+    const std::size_t row = row_of(suggestion);
+    return KINDS[row].suggestion == suggestion ? &KINDS[row] : nullptr;
 }
 
 std::string_view rule_word(Suggestion_kind kind) {
-    return find_rule_kind(kind)->word;
+    return KINDS[row_of(kind)].word;
 }
 
 Rule_entries rule_entries(Suggestion_kind kind) {
-    return find_rule_kind(kind)->entries;
+    return KINDS[row_of(kind)].entries;
 }
 
 }  // namespace frontpanel
