@@ -163,7 +163,7 @@ TEST_F(OutputLog, InAFolderOfTheUsersALinkIsFollowed) {
 TEST_F(OutputLog, TwoPanelsDoNotShareALog) {
     setenv("XDG_STATE_HOME", m_folder.c_str(), 1);
     for (const std::string& name : {std::string(), file("named")}) {
-        support::capture(0, [this, &name] {
+        support::capture(0, [&name] {
             Output_log log(name);
             std::printf("first\n");
             const pid_t other = fork();
