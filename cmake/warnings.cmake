@@ -12,6 +12,8 @@ function(frontpanel_enable_warnings target)
         -Wimplicit-fallthrough
         -Wnon-virtual-dtor
         -Wnull-dereference
+        # Optimised, GCC reports it of inlined code of the standard headers, so it is never an error.
+        -Wno-error=null-dereference
         -Woverloaded-virtual
         -Wshadow
         -Wsign-conversion

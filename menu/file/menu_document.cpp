@@ -425,7 +425,7 @@ void Menu_document::set_copy(Scope& scope) {
 }
 
 std::string Menu_document::replaced(const Json_node& text, const Scope& scope, bool is_rule) const {
-    const std::string written(text.text());
+    std::string written(text.text());
     if (scope.copy == nullptr) {
         return written;
     }
