@@ -163,7 +163,7 @@ bool is_of_documents(const std::string& target) {
 class Card_service::Server : private Http_service::Handler {
 public:
     explicit Server(int port);
-    ~Server();
+    ~Server() override;
 
     int port() const { return m_http.port(); }
     void declare(const Document_key& key, Live_document document);
