@@ -21,7 +21,7 @@ struct Placed_entry {
 // Every entry in the order of the menu, then the homescreen with its links, then the favourites with theirs.
 std::vector<Placed_entry> entries_of(Menu& menu);
 
-// The entry with that path or id. Input_error when there is none, or when the path is that of several.
+// The entry with that path or id. Input_error when no entry, or more than one, has it.
 Placed_entry find_entry(Menu& menu, const std::string& name);
 
 }  // namespace frontpanel

@@ -112,7 +112,7 @@ void Device_description::load_parameter(const Json_value& parameter) {
     }
 }
 
-// Before the rest is known to be right, so that whatever else is wrong with rules that name it is told.
+// Before the limits are checked, so that other errors in rules that name the parameter are reported, too.
 void Device_description::declare(const Parameter& declared, const std::optional<Json_value>& name) {
     m_table.declare(declared);
     if (name && name->is_text()) {

@@ -45,7 +45,7 @@ private:
     const Loading& m_loading;
     std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;  // by pid and variable index
     std::set<std::string> m_wrong_names;
-    bool m_has_unknown_parameters = false;  // wrong ones that cannot even be told apart
+    bool m_has_unknown_parameters = false;  // wrong ones without an address
 };
 
 }  // namespace frontpanel

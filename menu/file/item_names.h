@@ -18,12 +18,12 @@ public:
     void open(const std::string& menu) { m_menus.push_back(menu); }
     void close() { m_menus.pop_back(); }
 
-    // Null for an item that is wrong, which has been told: then its names are known, and lead nowhere.
+    // Null for a wrong item, which was reported: its names are known and lead nowhere.
     void add(const std::string& name, Data_entry* entry);
     // False when another item has the id.
     bool add_id(const std::string& id, Data_entry* entry);
 
-    // The item that a text names. Placed_error when there is none, or more than one.
+    // The item that a text names. Placed_error when no item has the name, or more than one.
     Data_entry& find(const Json_value& reference) const;
 
 private:

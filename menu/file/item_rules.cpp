@@ -24,7 +24,7 @@ bool stands_in_file(const Json_value& source) {
            source.place().copy == nullptr;
 }
 
-// What is wrong in rules on one line of the file stands where it is; in others it is told with its line.
+// An error in rules on one line of the file has its place there; in longer rules it has the line of the rules.
 [[noreturn]] void fail_in(const Json_value& source, size_t offset, const std::string& message) {
     if (stands_in_file(source)) {
         throw Placed_error(source.place_in_text(offset), message);
@@ -67,7 +67,7 @@ const char* misfit(Rule_entries entries, const Entry_kind& kind) {
     return nullptr;
 }
 
-// A name that is unknown because its declaration is wrong has been told there.
+// A name that is unknown because its declaration is wrong was reported there.
 void report_in(Load_context& context, const Json_value& source,
                const std::vector<Compile_error>& errors) {
     for (const Compile_error& error : errors) {
@@ -113,7 +113,7 @@ void check_written_value(const Load_context& context, const Json_value& source,
     const var_index_s& key = note.written;
     const Parameter* const parameter = context.device.parameter(key.var, key.index);
     if (parameter == nullptr || parameter->type != key.rt) {
-        return;  // told where it is named
+        return;  // reported where it is named
     }
     if (note.numbers &&
         (note.numbers->first < parameter->min || note.numbers->first > parameter->max)) {

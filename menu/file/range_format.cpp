@@ -54,7 +54,7 @@ std::string conversion_at(const std::string& text, size_t start) {
     return text.substr(start, position + 1 - start);
 }
 
-// The conversions of a printf text; "%%" is none.
+// The conversions of a printf text, "%%" not included.
 std::vector<std::string> conversions_of(const std::string& text) {
     std::vector<std::string> conversions;
     size_t position = text.find('%');

@@ -15,7 +15,7 @@ constexpr int64_t LOWEST = std::numeric_limits<int32_t>::min();
 // A range ends one before its exclusive end, so the largest number is in no range.
 constexpr int64_t HIGHEST_IN_RANGE = int64_t{std::numeric_limits<int32_t>::max()} - 1;
 
-// The entry's own display text for a number, checked, with what makes sense where half of it is missing.
+// "format", checked; where only "value_format" is given, the plain number.
 std::string format_of(const Json_value& item) {
     const std::optional<Json_value> format = item.find(member::FORMAT);
     if (!format) {

@@ -49,7 +49,7 @@ struct Entry_kind {
     std::optional<std::string> (*display)(Data_entry& shown, int columns);
     // Writes the value as `commit` does.
     int (*commit)(Data_entry& entry, Data_interface& device);
-    // A new editor of its values, which is a `Selection`, too; null when there is none.
+    // A new editor of its values, which is a `Selection`, too; null for a kind without editor.
     std::unique_ptr<Value_editor> (*make_editor)();
 
     bool has(Trait trait) const { return (traits & trait) != 0; }

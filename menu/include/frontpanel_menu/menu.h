@@ -1,4 +1,5 @@
-// A menu over a device: the device's parameters, the binding engines and the entries.
+// A menu over a device: the device's parameters, the binding engines and the entries. `load_menu` builds one; the
+// operations that set, add or keep something are for a builder. Menu thread only.
 //
 // The order of the members is the order of building: entries go first at the end, then what they refer to.
 #ifndef FRONTPANEL_MENU_MENU_H
@@ -32,7 +33,8 @@ public:
     Menu(const Menu&) = delete;
     Menu& operator=(const Menu&) = delete;
 
-    // The device as everything of the menu reads and writes it, so that the rules see what passes.
+    // The device as everything of the menu reads and writes it, so that the rules see what passes. Toggles of links take
+    // it from `VarIdDataInfStore::m_pDataAccessInf`, which must be set to it while the menu is shown.
     Caching_device& access() { return m_access; }
     // The parameters that the menu file declares.
     Parameter_table& parameters() { return m_bindings->parameters(); }
@@ -65,7 +67,7 @@ public:
     }
 
     // Where the web service of the device's cards is, such as "127.0.0.1:8080", at most 15 characters of it.
-    // Empty, the default: there is none, and live options are never fetched.
+    // Default empty: live options are never fetched.
     void set_card_service(const std::string& address) { m_card_service = address; }
     // What fetches the live data of the card in a slot, one for each call; null without a service.
     Live_Data_Processor* add_processor(int slot);

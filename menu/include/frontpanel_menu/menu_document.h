@@ -41,7 +41,7 @@ private:
         Place place{};
         bool is_used = false;
     };
-    // What stands for the placeholders of a text.
+    // The values of placeholders.
     struct Scope {
         std::map<std::string, Json_node> values;  // INTEGER or TEXT
         std::string title;                        // of the template
