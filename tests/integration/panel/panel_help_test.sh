@@ -83,7 +83,7 @@ completes "my.script|" --script my
 completes "notes.txt|" --log n
 completes "20x2|20x4|" --size 20
 completes "terminal|text|" --display t
-completes "lcdproc|" --display l
+completes "lcdproc|" --display lcd
 completes "--script|--screenshot|" --menu my.json --sc
 completes "" --menu absent
 
