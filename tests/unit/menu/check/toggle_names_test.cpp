@@ -1,9 +1,19 @@
 #include <frontpanel_data/evaluator.h>
 
+#include <cstdlib>
+
 #include "unit/menu/links_fixture.h"
 
 namespace frontpanel {
 namespace {
+
+// A variable outlives its expression: "Half" would take the results of the other tests' toggles.
+void forget_variables() {
+    while (nVariables > 0) {
+        --nVariables;
+        std::free(variable[nVariables].name);
+    }
+}
 
 TEST(ToggleNames, ADisplayExpressionMayNotTakeTheTogglesResultAway) {
     const std::string home = R"("homescreen": [{"target": "Gain", "toggle": "[mute] == 1"}])";
@@ -18,7 +28,7 @@ TEST(ToggleNames, ADisplayExpressionMayNotTakeTheTogglesResultAway) {
                      "toggles yield their result"));
     EXPECT_EQ(error_of(with_items(with_expression("1E2*exp(v)"), home)), "");
     EXPECT_EQ(error_of(with_items(with_expression("(Half=v/2)"))), "");
-    nVariables = 0;  // "Half" would outlive this test and take the results of other tests' toggles
+    forget_variables();
 }
 
 }  // namespace
