@@ -31,30 +31,45 @@ void remove_made() {
     rmdir(made_folder);
 }
 
-std::string make_folder() {
+// A name for `mkdtemp`.
+std::string folder_pattern() {
     std::error_code error;
     std::string name = (std::filesystem::temp_directory_path(error) / "frontpanel-XXXXXX").string();
-    if (error || mkdtemp(name.data()) == nullptr) {
-        throw Input_error("no folder for temporary files can be made: " +
-                          (error ? error.message() : std::string(std::strerror(errno))));
+    if (error) {
+        throw Input_error("no folder for temporary files can be made: " + error.message());
     }
     return name;
 }
 
 }  // namespace
 
-Curl_home::Curl_home() : m_folder(make_folder()), m_file(m_folder + "/.curlrc") {
-    made_folder = m_folder.c_str();
-    made_file = m_file.c_str();
-    m_last_act.emplace(Ending::REQUESTED, remove_made);
+// All memory is taken before the folder is made, which nobody would remove after an exception. Once the name of the
+// folder is known, that of the file is, too.
+Curl_home::Curl_home() : m_folder(folder_pattern()), m_file(m_folder + "/.curlrc") {
     if (const char* const before = std::getenv(VARIABLE)) {
         m_before = before;
     }
-    if (!(std::ofstream(m_file) << SETTINGS << std::flush)) {
+    if (mkdtemp(m_folder.data()) == nullptr) {
+        throw Input_error("no folder for temporary files can be made: " +
+                          std::string(std::strerror(errno)));
+    }
+    m_file.replace(0, m_folder.size(), m_folder);
+    made_folder = m_folder.c_str();
+    made_file = m_file.c_str();
+    m_last_act.emplace(Ending::REQUESTED, remove_made);
+    try {
+        write_settings();
+    } catch (...) {
         remove_made();
+        throw;
+    }
+}
+
+void Curl_home::write_settings() const {
+    if (!(std::ofstream(m_file) << SETTINGS << std::flush) ||
+        setenv(VARIABLE, m_folder.c_str(), 1) != 0) {
         throw Input_error(m_file + ": cannot be written");
     }
-    setenv(VARIABLE, m_folder.c_str(), 1);
 }
 
 Curl_home::~Curl_home() {

@@ -26,6 +26,8 @@ public:
     const std::string& folder() const { return m_folder; }
 
 private:
+    void write_settings() const;
+
     std::string m_folder;
     std::string m_file;
     std::optional<std::string> m_before;

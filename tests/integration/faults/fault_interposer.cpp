@@ -2,7 +2,9 @@
 //
 // FRONTPANEL_FAULT is FUNCTION:NUMBER, which fails the call of that number from main on, counted from 1, or
 // FUNCTION:NUMBER:kill, which ends the process by SIGKILL in place of the call. With NUMBER 0 nothing fails.
-// FRONTPANEL_FAULT_COUNT names a file for the number of calls. Commands that the panel runs are left alone.
+// FRONTPANEL_FAULT_COUNT names a file for the number of calls. Commands that the panel runs are left alone, and so
+// are the allocations of the JSON documents that the library hands out: their type is rapidjson's, which does not
+// look at what it gets.
 
 // Both the plain functions and those for large files are defined here.
 #undef _FILE_OFFSET_BITS
@@ -45,9 +47,19 @@ Function* real(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
+// Whether the code that called is the library's own. Its `new` is called by the standard library.
+bool is_of_library(const void* caller) {
+    Dl_info info = {};
+    return dladdr(caller, &info) != 0 && info.dli_fname != nullptr &&
+           std::strstr(info.dli_fname, "libfrontpanel_data") != nullptr;
+}
+
 // Counts a call; whether it is the one to fail.
-bool fails(const char* name) {
+bool fails(const char* name, const void* caller = nullptr) {
     if (std::strcmp(name, function) != 0 || getpid() != process || ++calls != fault_number) {
+        return false;
+    }
+    if (caller != nullptr && is_of_library(caller)) {
         return false;
     }
     if (kills) {
@@ -108,15 +120,18 @@ int __libc_start_main(Main main, int count, char** arguments, void (*init)(), vo
 }
 
 void* malloc(size_t size) {
-    return fails("malloc") ? failure(ENOMEM, nullptr) : __libc_malloc(size);
+    return fails("malloc", __builtin_return_address(0)) ? failure(ENOMEM, nullptr)
+                                                        : __libc_malloc(size);
 }
 
 void* calloc(size_t count, size_t size) {
-    return fails("malloc") ? failure(ENOMEM, nullptr) : __libc_calloc(count, size);
+    return fails("malloc", __builtin_return_address(0)) ? failure(ENOMEM, nullptr)
+                                                        : __libc_calloc(count, size);
 }
 
 void* realloc(void* memory, size_t size) {
-    return fails("malloc") ? failure(ENOMEM, nullptr) : __libc_realloc(memory, size);
+    return fails("malloc", __builtin_return_address(0)) ? failure(ENOMEM, nullptr)
+                                                        : __libc_realloc(memory, size);
 }
 
 int open(const char* name, int flags, ...) {
