@@ -1,16 +1,36 @@
 // Errors and warnings of a file, in order, once each, and as many as a person reads.
-#include <gtest/gtest.h>
-
 #include <frontpanel_base/problems.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace frontpanel {
 namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 const Source FIRST{"a.json", 0};
 const Source SECOND{"b.json", 1};
 
 Place at(uint32_t line, const Source& source = FIRST) {
     return {&source, line, 1, nullptr};
+}
+
+TEST(Problems, AreLinesWithTheirPlace) {
+    const std::string copy = "n = 3";
+    EXPECT_EQ(line_of({&FIRST, 3, 17, nullptr}, "expected a text"),
+              "a.json:3:17: expected a text");
+    EXPECT_EQ(line_of({&FIRST, 3, 17, &copy}, "expected a text"),
+              "a.json:3:17: expected a text (n = 3)");
+}
+
+TEST(Problems, WarningsAreNoErrors) {
+    Problems problems;
+    problems.warn(at(1), "unused");
+    EXPECT_THAT(problems.errors(), IsEmpty());
+    EXPECT_EQ(problems.error_count(), 0U);
+    EXPECT_THAT(problems.warnings(), ElementsAre("a.json:1:1: warning: unused"));
 }
 
 TEST(Problems, ComeOnceEachInTheOrderOfTheFiles) {
@@ -94,6 +114,12 @@ TEST(Problems, ErrorsOutsideOfAnAttemptAreCounted) {
     }
     EXPECT_EQ(problems.error_count(), Problems::MOST_ERRORS + 5);
     EXPECT_EQ(problems.errors(), std::vector<std::string>{"a.json:1:1: x"});
+}
+
+TEST(InputErrors, HaveTheFirstLineAsTheirText) {
+    const Input_errors errors({"menu.json:1:1: a", "menu.json:2:1: b"});
+    EXPECT_STREQ(errors.what(), "menu.json:1:1: a");
+    EXPECT_THAT(errors.lines(), ElementsAre("menu.json:1:1: a", "menu.json:2:1: b"));
 }
 
 }  // namespace

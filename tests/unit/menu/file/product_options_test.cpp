@@ -50,5 +50,19 @@ TEST_F(Product_options_test, UsedNamesAreRemembered) {
     EXPECT_EQ(m_problems.error_count(), 1U);
 }
 
+TEST_F(Product_options_test, TestsOfOptionsTakeWorkForEachOptionThatTheProductHas) {
+    std::string options;
+    for (int i = 0; i < 1000; ++i) {
+        options += (i == 0 ? "{" : ", ") + ("\"o" + std::to_string(i) + "\": 1");
+    }
+    m_options.declare(value(options + "}"));
+    const size_t most = Work_budget::MOST_STEPS * Work_budget::COMPARISONS_IN_STEP / 1000;
+    const Json_value item = value("[7]");
+    EXPECT_TRUE(m_problems.attempt([&] { m_options.copy(item, most - 5); }));
+    EXPECT_TRUE(m_problems.attempt([&] { m_options.use(value("[\"o1\"]")); }));
+    EXPECT_FALSE(m_problems.attempt([&] { m_options.use(value("[\"o1\"]")); }));
+    EXPECT_EQ(m_problems.errors().size(), 1U);
+}
+
 }  // namespace
 }  // namespace frontpanel
