@@ -98,17 +98,17 @@ Place with_copy(Place place, const std::string* copy) {
 Menu_document::Menu_document(const std::string& file)
     : Menu_document(file, read_input_file(file)) {}
 
-Menu_document::Menu_document(const std::string& file, const std::string& text) {
+Menu_document::Menu_document(const std::string& file, std::string text) {
     m_root = Json_node(Kind::WRONG, {});  // until it is known better
-    m_problems.attempt([&] { m_root = read(file, text); });
+    m_problems.attempt([&] { m_root = read(file, std::move(text)); });
 }
 
-Json_node Menu_document::read(const std::string& file, const std::string& text) {
+Json_node Menu_document::read(const std::string& file, std::string text) {
     const Source& source = m_sources.emplace_back(Source{file, m_sources.size()});
-    File& main_file =
-        m_files.emplace_back(File{file, std::make_unique<Json_document>(source, text)});
-    m_file_values = main_file.document->value_count();
     m_file_bytes = text.size();
+    File& main_file =
+        m_files.emplace_back(File{file, std::make_unique<Json_document>(source, std::move(text))});
+    m_file_values = main_file.document->value_count();
     struct stat status {};
     if (stat(file.c_str(), &status) == 0) {
         m_files_by_id[{status.st_dev, status.st_ino}] = &main_file;

@@ -24,7 +24,7 @@ public:
     // so does growth beyond any menu. Input_error when the file cannot be read.
     explicit Menu_document(const std::string& file);
     // The same from the text of a file: names of included files are relative to the folder of `file`.
-    Menu_document(const std::string& file, const std::string& text);
+    Menu_document(const std::string& file, std::string text);
     Menu_document(const Menu_document&) = delete;
     Menu_document& operator=(const Menu_document&) = delete;
 
@@ -54,7 +54,7 @@ private:
         std::unique_ptr<Json_document> document;  // null when its error has been reported
     };
 
-    Json_node read(const std::string& file, const std::string& text);
+    Json_node read(const std::string& file, std::string text);
     void load_templates(const Json_node& templates);
     void load_template(const Json_member& member);
     void warn_of_unused_templates();
