@@ -1,4 +1,5 @@
 #include <frontpanel_editors/number_editor.h>
+#include <frontpanel_editors/number_ranges.h>
 
 #include <algorithm>
 #include <cctype>
@@ -10,12 +11,6 @@ namespace frontpanel {
 namespace {
 
 constexpr int STEP_FACTOR = 10;
-
-int saturated(int64_t value) {
-    constexpr int64_t LOWEST = std::numeric_limits<int>::min();
-    constexpr int64_t HIGHEST = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp(value, LOWEST, HIGHEST));
-}
 
 bool is_digit(char character) {
     return std::isdigit(static_cast<unsigned char>(character)) != 0;
@@ -84,15 +79,16 @@ bool Number_editor::has_allowed_value() const {
 }
 
 void Number_editor::turn(int64_t change) {
-    edited().updateRange();
-    if (!has_allowed_value()) {
+    const Number_ranges allowed = allowed_ranges(edited());
+    if (allowed.empty()) {
         return;
     }
-    const int end = change > 0 ? edited().Get_max() : edited().Get_min();
+    const bool upwards = change > 0;
+    const int end = upwards ? allowed.back().last : allowed.front().first;
     if (wraps() && m_proposed == end) {
-        m_proposed = change > 0 ? edited().Get_min() : edited().Get_max();
+        m_proposed = upwards ? allowed.front().first : allowed.back().last;
     } else {
-        m_proposed = edited().increment(m_proposed, saturated(m_proposed + change));
+        m_proposed = next_allowed(allowed, m_proposed + change, upwards);
     }
 }
 
@@ -106,10 +102,22 @@ Editor_change Number_editor::adapt() {
     if (!has_allowed_value()) {
         return Editor_change::NO_VALUE;
     }
-    const int allowed = std::clamp(m_proposed, edited().Get_min(), edited().Get_max());
-    const Editor_change change = allowed == m_proposed ? Editor_change::NONE : Editor_change::MOVED;
-    m_proposed = allowed;
-    return change;
+    // What the device holds is shown as it is until somebody turns it, also in a gap.
+    const bool is_between_bounds =
+        edited().Get_min() <= m_proposed && m_proposed <= edited().Get_max();
+    if (is_between_bounds && is_stored()) {
+        return Editor_change::NONE;
+    }
+    return move_to_allowed() ? Editor_change::MOVED : Editor_change::NONE;
+}
+
+bool Number_editor::move_to_allowed() {
+    const Number_ranges allowed = allowed_ranges(edited());
+    if (allowed.empty() || allows(allowed, m_proposed)) {
+        return false;
+    }
+    m_proposed = nearest_allowed(allowed, m_proposed);
+    return true;
 }
 
 void Number_editor::Coarser_step() {

@@ -189,6 +189,10 @@ void Editing::perform(Editor_result result) {
         case Editor_result::REFUSED:
             tell("value refused");
             break;
+        case Editor_result::MOVED:
+            tell(kind_of(entry()).has(Entry_kind::IS_NUMBER) ? LIMITS_MOVED_VALUE
+                                                             : OPTIONS_MOVED_CHOICE);
+            break;
         case Editor_result::LOCKED:
             tell(is_read_only(entry()) ? "read only" : "cannot be edited");
             break;

@@ -61,6 +61,7 @@ public:
             start();
         }
     }
+    bool has_changes() final { return can_change() && (m_changed || !is_stored()); }
     Editor_change follow() final {
         if (is_editable()) {
             return adapt();
@@ -93,6 +94,8 @@ protected:
     virtual bool is_stored() = 0;
     // Stores the proposed value in the entry; false when the entry refuses it.
     virtual bool accept() = 0;
+    // Proposes the nearest allowed value in place of one that is not allowed. Whether it did.
+    virtual bool move_to_allowed() { return false; }
     virtual void draw(int columns, Editor_view& shown) = 0;
     // Brings the proposed value in line with what the entry allows by now.
     virtual Editor_change adapt() { return Editor_change::NONE; }
@@ -115,6 +118,9 @@ private:
     }
     Editor_result store(Editor_result wanted) {
         m_wanted = wanted;
+        if (move_to_allowed()) {
+            return Editor_result::MOVED;
+        }
         if (!accept()) {
             return Editor_result::REFUSED;
         }

@@ -1,9 +1,10 @@
 // Edits the number of a range entry with the encoder.
 //
 // One detent changes the value by the entry's step, or by 10, 100 ... times it as chosen with the coarser and
-// finer keys; the entry decides what value a step leads to. A detent of a quick turn counts for several, within
-// the entry's acceleration. The proposed value is shown in the entry's own format, as it will be after
-// the change.
+// finer keys, and goes on to the next allowed value in its direction: no step ends in a gap between two ranges. A
+// detent of a quick turn counts for several, within the entry's acceleration. A value of the device that lies in a gap
+// is shown as it is; it is never stored. The proposed value is shown in the entry's own format, as it will be after the
+// change.
 #ifndef FRONTPANEL_EDITORS_NUMBER_EDITOR_H
 #define FRONTPANEL_EDITORS_NUMBER_EDITOR_H
 
@@ -32,6 +33,7 @@ protected:
     void step(Editor_key key, int steps) override;
     bool is_stored() override;
     bool accept() override;
+    bool move_to_allowed() override;
     void draw(int columns, Editor_view& shown) override;
     Editor_change adapt() override;
 

@@ -26,7 +26,8 @@ enum class Editor_result {
     LOCKED,     // the key would change what is only viewed
     DISCARDED,  // left with nothing to commit
     RESTORED,   // left; the entry holds the value that it was opened with, which is to be committed
-    NOT_RESTORED  // left, but the entry refuses the value that it was opened with
+    NOT_RESTORED,  // left, but the entry refuses the value that it was opened with
+    MOVED  // the value is not allowed: the nearest one is proposed in its place; the editor is still open
 };
 
 // What became of the proposed value when the values that the entry allows changed.
@@ -66,6 +67,8 @@ public:
     virtual bool restore() = 0;
     // Proposes what the entry holds.
     virtual void propose_held() = 0;
+    // Whether leaving now would lose something: another value is proposed than the entry was opened with.
+    virtual bool has_changes() = 0;
     // Brings the proposed value in line with what the entry allows after a refresh. Requires: the editor is open.
     virtual Editor_change follow() = 0;
     // What the editor shows on a line of `columns` characters (at least 2). A text that does not fit scrolls

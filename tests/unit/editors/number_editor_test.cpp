@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <memory>
+#include <vector>
 
 #include "support/indexes.h"
 
@@ -76,17 +77,6 @@ TEST(NumberEditor, StepsStayWithinTheRange) {
         editor.press(Editor_key::DOWN);
     }
     EXPECT_EQ(editor.proposed_value(), 0);
-}
-
-TEST(NumberEditor, StepsPassThroughAGapBetweenRanges) {
-    Range range(0, 100, 9);
-    range.entry.setValidRangeAndValues({{0, 10, {}}, {20, 30, {}}});
-    Number_editor editor;
-    editor.Prepare(&range.entry);
-    editor.press(Editor_key::UP);
-    EXPECT_EQ(editor.proposed_value(), 10);
-    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::ACCEPTED);
-    EXPECT_EQ(range.value(), 10);
 }
 
 TEST(NumberEditor, StepSizesArePowersOfTenUpToTheRange) {
@@ -221,6 +211,107 @@ TEST(NumberEditor, StepsAreLimitedByWhatABindingSuggests) {
     editor.press(Editor_key::UP);
     editor.press(Editor_key::UP);
     EXPECT_EQ(editor.proposed_value(), 8);
+}
+
+// 0 to 80 and 120 to 240.
+struct Gapped_range : Range {
+    explicit Gapped_range(int start) : Range(0, 240, start) {
+        entry.setValidRangeAndValues({{0, 81, {}}, {120, 241, {}}});
+    }
+};
+
+std::vector<int> turned(Number_editor& editor, Editor_key key, int times, int steps = 1) {
+    std::vector<int> values;
+    for (int i = 0; i < times; ++i) {
+        EXPECT_EQ(editor.press(key, steps), Editor_result::OPEN);
+        values.push_back(editor.proposed_value());
+    }
+    return values;
+}
+
+TEST(NumberEditor, StepsGoOnToTheNextRangeInTheirDirection) {
+    Gapped_range range(79);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(turned(editor, Editor_key::UP, 3), (std::vector<int>{80, 120, 121}));
+    EXPECT_EQ(turned(editor, Editor_key::DOWN, 3), (std::vector<int>{120, 80, 79}));
+}
+
+TEST(NumberEditor, LargeAndQuickStepsEndInNoGap) {
+    Gapped_range range(75);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    editor.press(Editor_key::COARSER);
+    EXPECT_EQ(turned(editor, Editor_key::UP, 3), (std::vector<int>{120, 130, 140}));
+    EXPECT_EQ(turned(editor, Editor_key::DOWN, 4), (std::vector<int>{130, 120, 80, 70}));
+    EXPECT_EQ(turned(editor, Editor_key::UP, 2, 4), (std::vector<int>{120, 160}));
+    EXPECT_EQ(turned(editor, Editor_key::UP, 2, 1000), (std::vector<int>{240, 240}));
+    EXPECT_EQ(turned(editor, Editor_key::DOWN, 2, 1000), (std::vector<int>{0, 0}));
+}
+
+TEST(NumberEditor, StepsGoRoundFromEndToEndOverAGap) {
+    Gapped_range range(240);
+    Number_editor editor;
+    Editor_settings settings;
+    settings.wrap = true;
+    settings.step = 50;
+    editor.configure(settings);
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(turned(editor, Editor_key::UP, 4), (std::vector<int>{0, 50, 120, 170}));
+    EXPECT_EQ(turned(editor, Editor_key::DOWN, 4), (std::vector<int>{120, 70, 20, 0}));
+    EXPECT_EQ(turned(editor, Editor_key::DOWN, 1), (std::vector<int>{240}));
+}
+
+TEST(NumberEditor, AValueInAGapIsShownAsItIsAndStepsLeaveTheGap) {
+    Gapped_range range(100);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(editor.proposed_value(), 100);
+    EXPECT_EQ(editor.follow(), Editor_change::NONE);
+    EXPECT_EQ(editor.view(10).text, "100");
+    EXPECT_EQ(turned(editor, Editor_key::UP, 1), (std::vector<int>{120}));
+    editor.propose_held();
+    EXPECT_EQ(turned(editor, Editor_key::DOWN, 1), (std::vector<int>{80}));
+}
+
+TEST(NumberEditor, AValueInAGapIsNotStoredTheNearestIsProposed) {
+    Gapped_range range(101);
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::MOVED);
+    EXPECT_EQ(editor.proposed_value(), 120);
+    EXPECT_EQ(range.value(), 101);
+    EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::ACCEPTED);
+    EXPECT_EQ(range.value(), 120);
+}
+
+TEST(NumberEditor, AProposedValueThatFallsIntoANewGapMovesToTheNearest) {
+    Gapped_range range(10);
+    range.entry.setValidRangeAndValues({{0, 241, {}}});
+    Number_editor editor;
+    editor.Prepare(&range.entry);
+    turned(editor, Editor_key::UP, 80);
+    EXPECT_EQ(editor.proposed_value(), 90);
+    range.entry.setValidRangeAndValues({{0, 81, {}}, {120, 241, {}}});
+    EXPECT_EQ(editor.follow(), Editor_change::MOVED);
+    EXPECT_EQ(editor.proposed_value(), 80);
+}
+
+TEST(NumberEditor, HasChangesOnceAnotherValueIsProposed) {
+    Range range(0, 9, 4);
+    Number_editor editor;
+    EXPECT_FALSE(editor.has_changes());
+    editor.Prepare(&range.entry);
+    EXPECT_FALSE(editor.has_changes());
+    editor.press(Editor_key::UP);
+    EXPECT_TRUE(editor.has_changes());
+    editor.press(Editor_key::DOWN);
+    EXPECT_FALSE(editor.has_changes());
+    Editor_settings preview;
+    preview.preview = true;
+    editor.configure(preview);
+    editor.press(Editor_key::UP);
+    EXPECT_TRUE(editor.has_changes());
 }
 
 }  // namespace
