@@ -128,7 +128,7 @@ void describe(CLI::App& app, Options& options) {
                }
                options.has_size = true;
            },
-           "The display's characters, 20x2 unless told")
+           "The display's characters (default 20x4)")
         ->type_name("COLUMNSxROWS");
     add_file(app, "--state", options.state, "Keep the device's values in this file");
     add_file(app, "--screenshot", options.screenshot, "Make an SVG picture of the panel, and end");

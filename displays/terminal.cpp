@@ -24,7 +24,7 @@ constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the res
 constexpr const char* LEGEND[] = {
     "Up / Down      move, change a value",         "Enter / Esc    open, accept / back, discard",
     "Left / Right   back, open; cursor in values", "+ / -          larger, smaller step",
-    "1-9, F1-F12    shortcuts   d log     q quit",
+    "1-9 F1-F12 shortcuts  f favs  d log  q quit",
 };
 
 // What ends the process must not leave the terminal without echo.

@@ -64,7 +64,7 @@ struct Error_case {
 
 class Menu_panel {
 public:
-    explicit Menu_panel(const std::string& text, Lcd_size size = {}, Cards cards = Cards::OFF)
+    explicit Menu_panel(const std::string& text, Lcd_size size = {20, 2}, Cards cards = Cards::OFF)
         : m_loaded(simulated_text(text, size.columns, cards)),
           m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(

@@ -1,6 +1,7 @@
 #include "navigation/navigation.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <frontpanel_menu/entry_access.h>
 
@@ -69,6 +70,9 @@ void Navigation::press(const Key& key) {
         case Key::BACK:
             back();
             break;
+        case Key::FAVOURITES:
+            open_favourites();
+            break;
         case Key::SHORTCUT:
             jump(key.button);
             break;
@@ -126,9 +130,26 @@ void Navigation::back() {
         leave();
     } else if (is_home() && !m_list.is_at_rest()) {
         m_list.rest(m_root.Get_name());
-    } else if (m_home.favourites != nullptr) {
-        open(*m_home.favourites);
     }
+}
+
+// Favourites that are open already are gone back to: links in them may lead to menus above them.
+void Navigation::open_favourites() {
+    if (m_home.favourites == nullptr) {
+        m_notices.tell("Favourites", "none in this menu");
+        return;
+    }
+    const auto& steps = m_path.steps();
+    const auto found = std::find_if(steps.begin(), steps.end(), [this](const Menu_step& step) {
+        return step.menu == m_home.favourites;
+    });
+    if (found != steps.end()) {
+        m_path.leave_all_but(static_cast<size_t>(found - steps.begin()) + 1);
+        show(nullptr);
+        return;
+    }
+    m_left_for_favourites = selected();
+    open(*m_home.favourites);
 }
 
 void Navigation::leave() {
@@ -137,7 +158,11 @@ void Navigation::leave() {
         return;
     }
     Data_entry* const left = m_path.leave();
-    show(is_top(left) ? nullptr : left);
+    if (left == m_home.favourites) {
+        show(std::exchange(m_left_for_favourites, nullptr));
+    } else {
+        show(is_top(left) ? nullptr : left);
+    }
 }
 
 // Where a link leads by itself; false when the panel is to stay at the link.

@@ -1,8 +1,8 @@
 // The ways of the panel through its menus: what is shown, what a key leads to, and where the panel goes back to.
 //
-// At the top stands the homescreen when there is one, else the menu. On the homescreen SELECT opens the menu and
-// BACK the favourites; the encoder brings out a cursor, with which SELECT opens what it stands on, and BACK puts it
-// away. Without a homescreen BACK at the top opens the favourites.
+// At the top stands the homescreen when there is one, else the menu. On the homescreen SELECT opens the menu; the
+// encoder brings out a cursor, with which SELECT opens what it stands on, and BACK puts it away. At the top BACK does
+// nothing. FAVOURITES opens the favourites over any menu, and BACK leads from them to where it was pressed.
 //
 // What was opened by a link is left to the link's own place. `LINK_SKIP` leaves to the place of what the link
 // houses instead, and an escape node goes before both: `ESCAPE_SELECT` is where the panel goes after a value was
@@ -68,6 +68,7 @@ private:
     bool is_top(const Data_entry* menu) const;
     void turn(int steps);
     void back();
+    void open_favourites();
     void jump(int button);
     void leave();
     void open(Data_entry& menu);
@@ -82,6 +83,7 @@ private:
     Home m_home;
     Menu_path m_path;
     List_view m_list;
+    Data_entry* m_left_for_favourites = nullptr;  // under the cursor; compared only: it may be gone
 };
 
 }  // namespace frontpanel

@@ -18,7 +18,8 @@ struct Key {
         DIAGNOSTICS,  // shows what the library prints; on a device, a long press of select
         LEFT,         // an arrow key: a cursor to the left, or back
         RIGHT,        // an arrow key: a cursor to the right, or select
-        ERASE         // a character of an edited text, or back
+        ERASE,        // a character of an edited text, or back
+        FAVOURITES    // opens the favourites
     };
     Kind kind;
     int button = 0;  // of SHORTCUT: the button's number

@@ -44,6 +44,7 @@ inline constexpr Key_row KEY_TABLE[] = {
     {Key::DELETE, "delete", "Delete", false, 0, 17, Key::DELETE, Key::DELETE, Key::DELETE},
     {Key::ERASE, "erase", "Backspace", false, 0, 21, Key::BACK, Key::BACK, Key::DELETE},
     {Key::DIAGNOSTICS, "diagnostics", "d", false, 0, 18, Key::DIAGNOSTICS, Key::DIAGNOSTICS, Key::DIAGNOSTICS},
+    {Key::FAVOURITES, "favourites", "f", false, 0, 22, Key::FAVOURITES, Key::FAVOURITES, Key::FAVOURITES},
 };
 // clang-format on
 

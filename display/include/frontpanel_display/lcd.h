@@ -11,7 +11,7 @@ namespace frontpanel {
 
 struct Lcd_size {
     int columns = 20;
-    int rows = 2;
+    int rows = 4;
 };
 
 // "20x2".

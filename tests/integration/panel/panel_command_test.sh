@@ -30,8 +30,8 @@ expect() {
     [ "$(grep -vxF "$NO_POSTS" errors)" = "$errors" ] || fail "frontpanel $*: said '$(cat errors)', expected '$errors'"
 }
 
-printf 'select 2\nexpect 1 |>Gain 1       0.0 dB|\n' >good.script
-printf 'select 2\nexpect 1 |>Gain 1       9.9 dB|\n' >different.script
+printf 'select 2\nexpect 2 |>Gain 1       0.0 dB|\n' >good.script
+printf 'select 2\nexpect 2 |>Gain 1       9.9 dB|\n' >different.script
 printf 'select\n\njump\n' >unknown.script
 printf 'set 100.1 5000\n' >impossible.script
 printf 'select\nfail read 999 on\n' >fault.script
@@ -46,7 +46,7 @@ expect 0 "" --script good.script
 expect 0 "" --script "$TOUR"
 expect 0 "" --help
 expect 0 "" --check --menu small.json
-expect 1 "different.script:2: line 1 shows |>Gain 1       0.0 dB|, expected |>Gain 1       9.9 dB|
+expect 1 "different.script:2: line 2 shows |>Gain 1       0.0 dB|, expected |>Gain 1       9.9 dB|
 different.script: 1 expectation not met" --script different.script
 expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --script unknown.script
 [ ! -s out ] || fail "a script with an unknown word was played"

@@ -30,9 +30,9 @@ menu() {
 }
 
 menu 9
-printf 'expect 1 |>Gain              1|\nselect\nup 5\nselect\nexpect-write 7 6\n' >edit.script
-printf 'expect 1 |>Gain              6|\n' >kept.script
-printf 'expect 1 |>Gain              1|\n' >start.script
+printf 'expect 2 |>Gain              1|\nselect\nup 5\nselect\nexpect-write 7 6\n' >edit.script
+printf 'expect 2 |>Gain              6|\n' >kept.script
+printf 'expect 2 |>Gain              1|\n' >start.script
 
 # ---- values
 
@@ -166,8 +166,8 @@ expect 0 "" --script picture.script --screenshot panel.svg
 [ ! -s out ] || fail "a picture was made, and something was printed"
 grep -q '^<desc>|Gain                |$' panel.svg || fail "the picture does not show the editor"
 expect 0 "" --screenshot start.svg
-grep -q '<desc>|&gt;Gain              1|$' start.svg || fail "the picture does not show the start"
-expect 1 'kept.script:1: line 1 shows |>Gain              1|, expected |>Gain              6|
+grep -q '^|&gt;Gain              1|$' start.svg || fail "the picture does not show the start"
+expect 1 'kept.script:1: line 2 shows |>Gain              1|, expected |>Gain              6|
 kept.script: 1 expectation not met' --script kept.script --screenshot different.svg
 [ -s different.svg ] || fail "no picture of what was not expected"
 expect 2 'frontpanel: absent/a.svg: cannot be written: No such file or directory' --screenshot absent/a.svg

@@ -60,7 +60,7 @@ shows_leds() {
     local edit=' ' alarm=' '
     [[ $1 != *edit* ]] || edit='*'
     [[ $1 != *alarm* ]] || alarm='*'
-    [[ $(screen_line 5) == "($edit) Edit  ($alarm) Alarm"* ]]
+    [[ $(screen_line 7) == "($edit) Edit  ($alarm) Alarm"* ]]
 }
 
 screen_has() {
@@ -77,6 +77,7 @@ press() {
         back) key=BSpace ;; # Escape would become part of the next key
         coarser) key=Left ;;
         finer) key=Right ;;
+        favourites) key=f ;;
         shortcut) key=$2 count=1 ;;
     esac
     terminal send-keys -N "$count" "$key"
@@ -88,7 +89,7 @@ play_tour() {
         number=$((number + 1))
         case $word in
             "#") [[ $rest != "What follows needs a device that fails"* ]] || return 0 ;;
-            up | down | select | back | coarser | finer | shortcut) press "$word" "$rest" ;;
+            up | down | select | back | coarser | finer | favourites | shortcut) press "$word" "$rest" ;;
             expect)
                 row=${rest%% *}
                 text=${rest#*|}
@@ -132,15 +133,15 @@ ended tour 0
 # Live lists come from their cards by and by. A choice is posted where /dev is writable.
 start cards
 terminal send-keys 8
-wait_for "the combo box of a card is not fetched" shows_line 2 " Preset         News"
+wait_for "the combo box of a card is not fetched" shows_line 3 " Preset         News"
 terminal send-keys Down Down
-wait_for "the tree of a card is not fetched" shows_line 2 ">Route       Outputs"
+wait_for "the tree of a card is not fetched" shows_line 4 ">Route       Outputs"
 terminal send-keys Up Enter Up
 wait_for "the options of a card are not offered" shows_line 2 "Film                "
 wait_for "the place of an option is not told" shows_line 1 "Preset           3/4"
 terminal send-keys Enter
 if [ -w /dev ] || [ -w /dev/NULL ]; then
-    wait_for "an option of a card is not taken" shows_line 1 ">Preset         Film"
+    wait_for "an option of a card is not taken" shows_line 3 ">Preset         Film"
 else
     wait_for "an option that is not posted is not told" shows_line 2 "write failed        "
     terminal send-keys Enter
@@ -154,40 +155,40 @@ ended cards 0
 sed '/"Temperature, /s/"value": [0-9]*/"value": 75/' "$(dirname "$TOUR")/demo.json" >"$FOLDER/hot.json"
 start warning "--menu hot.json"
 terminal send-keys 5 Up
-wait_for "there is no warning" shows_line 1 ">Warning Frame too h*"
+wait_for "there is no warning" shows_line 3 ">Warning *"
 terminal send-keys Enter
 wait_for "a warning does not open" shows_line 2 "Frame too hot: clean"
 terminal send-keys +
-wait_for "a warning is not acknowledged" shows_line 1 ">Warning*"
+wait_for "a warning is not acknowledged" shows_line 3 ">Warning*"
 terminal send-keys q
 ended warning 0
 
 # In a menu the arrows leave and select as Escape and Enter do; in an editor they move the cursor.
 start keys
 terminal send-keys Right
-wait_for "the right arrow does not open the menu" shows_line 1 ">Audio           ..."
+wait_for "the right arrow does not open the menu" shows_line 2 ">Audio           ..."
 terminal send-keys Right
-wait_for "the right arrow does not select" shows_line 1 ">Gain 1       0.0 dB"
+wait_for "the right arrow does not select" shows_line 2 ">Gain 1       0.0 dB"
 terminal send-keys Right Left Up Right Up
 wait_for "the arrows do not move between digits" shows_line 2 "1.1 dB              "
 wait_for "the arrows end the editor" shows_leds edit
 terminal send-keys Escape
-wait_for "escape does not discard" shows_line 1 ">Gain 1       0.0 dB"
+wait_for "escape does not discard" shows_line 2 ">Gain 1       0.0 dB"
 terminal send-keys Left
-wait_for "the left arrow does not leave" shows_line 1 ">Audio           ..."
+wait_for "the left arrow does not leave" shows_line 2 ">Audio           ..."
 terminal send-keys Right
-wait_for "the right arrow does not select" shows_line 1 ">Gain 1       0.0 dB"
+wait_for "the right arrow does not select" shows_line 2 ">Gain 1       0.0 dB"
 terminal send-keys Escape
-wait_for "escape does not leave" shows_line 1 ">Audio           ..."
+wait_for "escape does not leave" shows_line 2 ">Audio           ..."
 terminal send-keys F1
-wait_for "F1 is no shortcut" shows_line 1 ">Gain 1       0.0 dB"
+wait_for "F1 is no shortcut" shows_line 2 ">Gain 1       0.0 dB"
 
 # A terminal that becomes too small says so, and the panel is back when there is room again.
 terminal resize-window -x 30 -y 8
 wait_for "no message on a small terminal" screen_has "Terminal too small"
-screen_has "needs 43x10, has 30x8" || fail "the sizes are not told"
+screen_has "needs 43x12, has 30x8" || fail "the sizes are not told"
 terminal resize-window -x 80 -y 24
-wait_for "the panel does not come back" shows_line 1 ">Gain 1       0.0 dB"
+wait_for "the panel does not come back" shows_line 2 ">Gain 1       0.0 dB"
 wait_for "the legend does not come back" screen_has "quit"
 
 terminal send-keys q

@@ -29,7 +29,7 @@ Options options_of(const std::vector<const char*>& arguments) {
     return std::get<Options>(parse(arguments).result);
 }
 
-TEST(Options, ShowTheShippedMenuOnTwentyByTwoUnlessTold) {
+TEST(Options, ShowTheShippedMenuOnTwentyByFourByDefault) {
     const Options options = options_of({});
     EXPECT_EQ(options.menu, shipped_menu());
     EXPECT_EQ(options.script, "");
@@ -37,7 +37,7 @@ TEST(Options, ShowTheShippedMenuOnTwentyByTwoUnlessTold) {
     EXPECT_EQ(options.state, "");
     EXPECT_EQ(options.screenshot, "");
     EXPECT_EQ(options.size.columns, 20);
-    EXPECT_EQ(options.size.rows, 2);
+    EXPECT_EQ(options.size.rows, 4);
     EXPECT_EQ(options.debug, 0U);
     EXPECT_FALSE(options.check);
 }

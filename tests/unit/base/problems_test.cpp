@@ -19,8 +19,7 @@ Place at(uint32_t line, const Source& source = FIRST) {
 
 TEST(Problems, AreLinesWithTheirPlace) {
     const std::string copy = "n = 3";
-    EXPECT_EQ(line_of({&FIRST, 3, 17, nullptr}, "expected a text"),
-              "a.json:3:17: expected a text");
+    EXPECT_EQ(line_of({&FIRST, 3, 17, nullptr}, "expected a text"), "a.json:3:17: expected a text");
     EXPECT_EQ(line_of({&FIRST, 3, 17, &copy}, "expected a text"),
               "a.json:3:17: expected a text (n = 3)");
 }

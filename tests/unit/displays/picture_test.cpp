@@ -15,7 +15,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-Frame frame_of(const std::string& first, const std::string& second = "", Lcd_size size = {}) {
+Frame frame_of(const std::string& first, const std::string& second = "", Lcd_size size = {20, 2}) {
     Frame frame{Lcd(size), Leds()};
     frame.lcd.put(0, 0, first);
     frame.lcd.put(1, 0, second);

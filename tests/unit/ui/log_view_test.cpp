@@ -28,7 +28,7 @@ protected:
     ~LogView() override { debug = 0; }
 
     // Runs with the output kept; what is compared is compared afterwards, since it is printed too.
-    void with_log(const std::function<void(Menu_panel&)>& act, Lcd_size size = {}) {
+    void with_log(const std::function<void(Menu_panel&)>& act, Lcd_size size = {20, 2}) {
         Menu_panel panel(menu_text(PARAMETERS, ITEMS), size);
         Output_log log(m_folder.file("log"));
         panel.controller().set_log(log.lines());

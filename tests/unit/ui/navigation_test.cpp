@@ -272,24 +272,76 @@ TEST_F(Homescreen, AShortcutJumpsIntoTheMenuBelowIt) {
     EXPECT_EQ(panel.lines()[0], " Audio.Gain 1       3 dB");
 }
 
-TEST(Favourites, AreBehindBackAtTheTop) {
-    const Lines FIRST{">Audio.Gain 2       4 dB", " Mute                off"};
+TEST_F(Homescreen, BackAtTheTopDoesNothing) {
     Menu_panel with_home(menu_of(ITEMS, std::string(HOME) + "," + FAVOURITES), SIZE);
-    with_home.press(Key::BACK);
-    EXPECT_EQ(with_home.lines(), FIRST);
-    with_home.press(Key::BACK);
+    with_home.press(Key::BACK, 3);
     EXPECT_EQ(with_home.lines()[0], " Audio.Gain 1       3 dB");
     Menu_panel without_home(menu_of(ITEMS, FAVOURITES), SIZE);
-    without_home.press(Key::BACK);
-    EXPECT_EQ(without_home.lines(), FIRST);
-    without_home.press(Key::BACK);
-    EXPECT_EQ(without_home.lines()[0], ">Audio               ...");
+    without_home.press(Key::DOWN).press(Key::BACK, 3);
+    EXPECT_EQ(without_home.lines(),
+              (Lines{" Audio               ...", ">Mute                off"}));
+}
+
+const Lines FAVOURITE_LINES{">Audio.Gain 2       4 dB", " Mute                off"};
+
+TEST(Favourites, HaveAKeyOfTheirOwnAndLeadBackToWhereItWasPressed) {
+    Menu_panel panel(menu_of(ITEMS, std::string(HOME) + "," + FAVOURITES), SIZE);
+    panel.press(Key::FAVOURITES);
+    EXPECT_EQ(panel.lines(), FAVOURITE_LINES);
+    panel.press(Key::BACK);
+    EXPECT_EQ(panel.lines()[0], " Audio.Gain 1       3 dB");
+    panel.press(Key::SELECT, 2).press(Key::DOWN).press(Key::FAVOURITES);
+    EXPECT_EQ(panel.lines(), FAVOURITE_LINES);
+    panel.press(Key::BACK);
+    EXPECT_EQ(panel.lines(), (Lines{" Gain 1             3 dB", ">Gain 2             4 dB"}));
+}
+
+TEST(Favourites, ThatAreOpenAreGoneBackTo) {
+    Menu_panel panel(menu_of(ITEMS, std::string(HOME) + R"(, "favourites": [{"target": "audio"}])"),
+                     SIZE);
+    panel.press(Key::SELECT).press(Key::DOWN).press(Key::FAVOURITES, 3).press(Key::SELECT);
+    EXPECT_EQ(panel.lines(), AUDIO_LINES);
+    panel.press(Key::FAVOURITES);
+    EXPECT_EQ(panel.lines()[0], ">Audio               ...");
+    panel.press(Key::BACK);
+    EXPECT_EQ(panel.lines(), (Lines{" Audio               ...", ">Mute                off"}));
+}
+
+TEST(Favourites, LeaveTheHomescreensCursorWhereItWas) {
+    Menu_panel panel(menu_of(ITEMS, std::string(HOME) + "," + FAVOURITES), SIZE);
+    panel.press(Key::DOWN).press(Key::FAVOURITES).press(Key::BACK);
+    EXPECT_EQ(panel.lines()[0], ">Audio.Gain 1       3 dB");
+}
+
+TEST(Favourites, TheKeyDoesNothingToAnEditedValue) {
+    Menu_panel panel(menu_of(ITEMS, FAVOURITES), SIZE);
+    panel.press(Key::DOWN).press(Key::SELECT).press(Key::UP).press(Key::FAVOURITES);
+    EXPECT_EQ(panel.lines(), (Lines{"Mute                    ", "on                      "}));
+}
+
+TEST(Favourites, AMenuWithoutThemSaysSo) {
+    Menu_panel panel(menu_of(ITEMS), SIZE);
+    panel.press(Key::FAVOURITES);
+    EXPECT_EQ(panel.lines(), (Lines{"Favourites              ", "none in this menu       "}));
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.lines()[0], ">Audio               ...");
+}
+
+TEST(Favourites, ShowTheirTitleOnThreeLinesAndMore) {
+    for (const auto& [size, title] :
+         {std::pair<Lcd_size, std::string>{{20, 3}, "Favourites       1/2"},
+          {{20, 4}, "Favourites       1/2"},
+          {{40, 4}, "Favourites                           1/2"}}) {
+        Menu_panel panel(menu_of(ITEMS, FAVOURITES), size);
+        panel.press(Key::FAVOURITES);
+        EXPECT_EQ(panel.lines()[0], title);
+    }
 }
 
 TEST(Favourites, OpenAndEditAsLinksDo) {
     Menu_panel panel(menu_of(ITEMS, R"("favourites": [{"target": "audio"}, {"target": "mute"}])"),
                      SIZE);
-    panel.press(Key::BACK).press(Key::SELECT);
+    panel.press(Key::FAVOURITES).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), AUDIO_LINES);
     panel.press(Key::BACK);
     EXPECT_EQ(panel.lines(), (Lines{">Audio               ...", " Mute                off"}));
