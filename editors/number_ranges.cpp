@@ -66,9 +66,10 @@ Number_ranges normalized(Number_ranges ranges) {
     ranges.erase(std::remove_if(ranges.begin(), ranges.end(),
                                 [](const Number_range& range) { return range.first > range.last; }),
                  ranges.end());
-    std::sort(ranges.begin(), ranges.end(), [](const Number_range& left, const Number_range& right) {
-        return left.first < right.first;
-    });
+    std::sort(ranges.begin(), ranges.end(),
+              [](const Number_range& left, const Number_range& right) {
+                  return left.first < right.first;
+              });
     Number_ranges joined;
     for (const Number_range& range : ranges) {
         if (!joined.empty() && int64_t{range.first} <= int64_t{joined.back().last} + 1) {

@@ -67,11 +67,10 @@ TEST(NumberRanges, FindTheNearestAndTheNextValue) {
         int up;
         int down;
     };
-    for (const Case& expected : {Case{-7, 0, 0, 0}, Case{0, 0, 0, 0}, Case{80, 80, 80, 80},
-                                 Case{81, 80, 120, 80}, Case{100, 80, 120, 80},
-                                 Case{101, 120, 120, 80}, Case{120, 120, 120, 120},
-                                 Case{241, 240, 240, 240}, Case{INT_MAX, 240, 240, 240},
-                                 Case{INT_MIN, 0, 0, 0}}) {
+    for (const Case& expected :
+         {Case{-7, 0, 0, 0}, Case{0, 0, 0, 0}, Case{80, 80, 80, 80}, Case{81, 80, 120, 80},
+          Case{100, 80, 120, 80}, Case{101, 120, 120, 80}, Case{120, 120, 120, 120},
+          Case{241, 240, 240, 240}, Case{INT_MAX, 240, 240, 240}, Case{INT_MIN, 0, 0, 0}}) {
         SCOPED_TRACE(expected.value);
         EXPECT_EQ(nearest_allowed(ranges, expected.value), expected.nearest);
         EXPECT_EQ(next_allowed(ranges, expected.value, true), expected.up);

@@ -9,14 +9,14 @@ constexpr uint32_t DELAY = 5;
 constexpr uint32_t MODE = 6;
 
 std::string delay_menu(const std::string& members, int value) {
-    return menu_text(R"({"name": "delay", "pid": 5, "type": "integer", "min": 0, "max": 300, "value": )" +
-                         std::to_string(value) + R"(},
+    return menu_text(
+        R"({"name": "delay", "pid": 5, "type": "integer", "min": 0, "max": 300, "value": )" +
+            std::to_string(value) + R"(},
                      {"name": "mode", "pid": 6, "type": "integer", "min": 0, "max": 2, "value": 1})",
-                     R"({"type": "range", "name": "Delay", "parameter": "delay", )" + members + "}");
+        R"({"type": "range", "name": "Delay", "parameter": "delay", )" + members + "}");
 }
 
-constexpr const char* BY_ITEM =
-    R"("ranges": [{"min": 0, "max": 80}, {"min": 120, "max": 240}])";
+constexpr const char* BY_ITEM = R"("ranges": [{"min": 0, "max": 80}, {"min": 120, "max": 240}])";
 constexpr const char* BY_RULE = R"("binding": "range 0..80, 120..240 if [mode] == 1")";
 
 // Whether some line shows the text, which is no part of a longer number.
@@ -26,7 +26,8 @@ bool shows(Menu_panel& panel, const std::string& text) {
         const auto is_digit = [&](size_t place) {
             return place < line.size() && line[place] >= '0' && line[place] <= '9';
         };
-        if (at != std::string::npos && !is_digit(at + text.size()) && (at == 0 || !is_digit(at - 1))) {
+        if (at != std::string::npos && !is_digit(at + text.size()) &&
+            (at == 0 || !is_digit(at - 1))) {
             return true;
         }
     }

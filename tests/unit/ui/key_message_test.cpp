@@ -116,7 +116,7 @@ TEST(KeyMessage, ThatIsUnknownOrDamagedStandsForNothing) {
     lost_code.length = 4;
     std::vector<Message_pointer> built;
     for (const Bytes& bytes : {Bytes{2, 0}, Bytes{2, 0, 1}, Bytes{2, 0, 1, 10}, Bytes{2, 0, 1, 12},
-                               Bytes{2, 0, 1, 22}, Bytes{2, 0, 1, 255}, Bytes{2, 0, 0, 11},
+                               Bytes{2, 0, 1, 99}, Bytes{2, 0, 1, 255}, Bytes{2, 0, 0, 11},
                                Bytes{2, 1, 1, 11}, Bytes{0, 0, 1, 11}, Bytes{2, 0, 1, 11, 0}}) {
         built.push_back(message_with(FrontPanel::PushButtonUIT, bytes));
     }
