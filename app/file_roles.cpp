@@ -10,6 +10,7 @@
 
 #include <frontpanel_base/atomic_file.h>
 #include <frontpanel_base/input_error.h>
+#include "output_log.h"
 #include "shipped.h"
 
 namespace frontpanel {
@@ -29,7 +30,7 @@ using Identity = std::tuple<dev_t, ino_t, std::string>;
 
 std::optional<Identity> identity_of(const std::string& file) {
     std::error_code error;
-    const fs::path target = fs::weakly_canonical(file, error);
+    const fs::path target = target_of(file, error);
     struct stat status = {};
     if (error) {
         return std::nullopt;
@@ -49,15 +50,20 @@ std::optional<Identity> identity_of(const std::string& file) {
 // Beside the file itself, not beside a link to it.
 std::string temporary_beside(const std::string& file) {
     std::error_code error;
-    return temporary_of(fs::weakly_canonical(file, error).string());
+    return temporary_of(target_of(file, error).string());
 }
 
 std::vector<Role> roles_of(const Options& options) {
     const std::string script = options.script.empty() ? shipped_tour() : options.script;
     std::vector<Role> roles{{"--menu", options.menu, false, false},
                             {"--script", script, false, false},
-                            {"--pin-file", options.pin_file, false, false},
-                            {"--log", options.log, true, false}};
+                            {"--pin-file", options.pin_file, false, false}};
+    if (!options.log.empty()) {
+        roles.push_back({"--log", options.log, true, false});
+    }
+    for (int number = 1; options.log.empty() && number <= MOST_DEFAULT_LOGS; ++number) {
+        roles.push_back({"the default of --log", default_log_file(number), true, false});
+    }
     for (const auto& [option, file] :
          {std::pair("--state", options.state), std::pair("--screenshot", options.screenshot)}) {
         roles.push_back({option, file, true, false});

@@ -38,12 +38,25 @@ int access_of(const std::string& file) {
     throw Input_error(file + ": cannot be written: " + reason);
 }
 
-// Whether other users may have put something of their own in the place of the file.
-bool is_in_shared_folder(const std::string& file) {
+struct stat folder_status_of(const std::string& file) {
     const std::string folder = std::filesystem::path(file).parent_path().string();
     struct stat status {};
-    return stat(folder.empty() ? "." : folder.c_str(), &status) == 0 &&
-           (status.st_mode & S_IWOTH) != 0;
+    stat(folder.empty() ? "." : folder.c_str(), &status);
+    return status;
+}
+
+bool is_for_everybody(const struct stat& folder) {
+    return (folder.st_mode & S_IWOTH) != 0;
+}
+
+// Whether other users may have put something of their own in the place of a file.
+bool is_shared(const struct stat& folder) {
+    return is_for_everybody(folder) || (folder.st_uid != 0 && folder.st_uid != geteuid());
+}
+
+// What the folder's owner put there is meant for whoever names it.
+bool is_of_another_user(const struct stat& file, const struct stat& folder) {
+    return file.st_uid != geteuid() && (is_for_everybody(folder) || file.st_uid != folder.st_uid);
 }
 
 // Empties nothing yet. A pipe that nobody reads is an error, since opening it would wait for a reader.
@@ -76,17 +89,17 @@ struct Opened_log {
 // the log, and may outlive the panel.
 std::optional<Opened_log> open_if_free(const std::string& file, bool is_named) {
     // In a folder that others can write, a link may lead anywhere. The default file is never a link.
-    const bool is_shared = is_in_shared_folder(file);
-    const bool follows_link = is_named && !is_shared;
+    const struct stat folder = folder_status_of(file);
+    const bool follows_link = is_named && !is_shared(folder);
     Opened_log opened{open_without_waiting(file, follows_link), Descriptor()};
     const struct stat status = status_of(file, opened.log);
     if (!S_ISREG(status.st_mode)) {
         return opened;
     }
-    if (is_shared && status.st_uid != geteuid()) {
+    if (is_shared(folder) && is_of_another_user(status, folder)) {
         fail(file, "it belongs to another user");
     }
-    if (is_shared && status.st_nlink > 1) {
+    if (is_shared(folder) && status.st_nlink > 1) {
         fail(file, "it is a hard link");
     }
     opened.lock = open_without_waiting(file, follows_link);
@@ -102,8 +115,7 @@ std::optional<Opened_log> open_if_free(const std::string& file, bool is_named) {
 }
 
 Opened_log open_log(const std::string& named) {
-    constexpr int MOST_PANELS = 9;
-    const int candidates = named.empty() ? MOST_PANELS : 1;
+    const int candidates = named.empty() ? MOST_DEFAULT_LOGS : 1;
     for (int number = 1; number <= candidates; ++number) {
         if (auto opened =
                 open_if_free(named.empty() ? default_log_file(number) : named, !named.empty())) {

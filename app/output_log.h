@@ -15,7 +15,8 @@
 namespace frontpanel {
 
 // Where diagnostics go unless a file is named: the user's state folder, or else the folder for temporary
-// files. Of panels that run at the same time each has a number of its own, from 1.
+// files. Of panels that run at the same time each has a number of its own, from 1 to MOST_DEFAULT_LOGS.
+inline constexpr int MOST_DEFAULT_LOGS = 9;
 std::string default_log_file(int number = 1);
 
 // While it lives, whatever is printed to standard output goes to a file; the panel itself prints to `out`. One
@@ -23,8 +24,8 @@ std::string default_log_file(int number = 1);
 class Output_log {
 public:
     // An empty name stands for the default file. Input_error when it cannot be written: also when another panel is
-    // writing it, when it is a pipe that nobody reads, and, in a folder that others can write, when it is a link or
-    // another user's file. Nothing is emptied then.
+    // writing it, when it is a pipe that nobody reads, and, in a folder that another user can write, when it is a
+    // link, or a file of neither this user nor the folder's owner. Nothing is emptied then.
     explicit Output_log(const std::string& file);
     ~Output_log();
     Output_log(const Output_log&) = delete;

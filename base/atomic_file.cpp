@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 #include <thread>
 
 #include <frontpanel_base/descriptor.h>
@@ -32,9 +33,9 @@ constexpr mode_t MODE_BITS = 07777;
 }
 
 // The file itself, if the name is that of a link, so that the link stays.
-fs::path target_of(const std::string& file) {
+fs::path writable_target_of(const std::string& file) {
     std::error_code error;
-    fs::path target = fs::weakly_canonical(file, error);
+    fs::path target = target_of(file, error);
     if (error) {
         fail(file, error.value());
     }
@@ -136,7 +137,8 @@ bool write_all(int descriptor, const std::string& text) {
 
 // Without it the new name may not outlive a loss of power. A file system that cannot do it is none that keeps more.
 void sync_folder(const fs::path& folder) {
-    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor descriptor(
+        open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor.is_open()) {
         fsync(descriptor.number());
     }
@@ -146,7 +148,7 @@ void sync_folder(const fs::path& folder) {
 class Temporary_file {
 public:
     Temporary_file(const std::string& file, std::chrono::milliseconds patience)
-        : m_target(target_of(file)),
+        : m_target(writable_target_of(file)),
           m_name(temporary_of(m_target.string())),
           m_replaces(stat(m_target.c_str(), &m_replaced) == 0),
           m_descriptor(open_temporary(file, m_name, m_replaces ? &m_replaced : nullptr, patience)) {
@@ -186,6 +188,23 @@ void write_whole_file(const std::string& file, const std::string& text,
 
 void check_writable(const std::string& file, std::chrono::milliseconds patience) {
     Temporary_file(file, patience).remove();
+}
+
+fs::path target_of(const std::string& file, std::error_code& error) {
+    constexpr int MOST_LINKS = 40;  // as the system follows
+    fs::path target = fs::weakly_canonical(file, error);
+    std::error_code no_link;
+    for (int links = 0; !error && fs::is_symlink(fs::symlink_status(target, no_link)); ++links) {
+        if (links == MOST_LINKS) {
+            error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+            break;
+        }
+        const fs::path next = fs::read_symlink(target, error);
+        if (!error) {
+            target = fs::weakly_canonical(target.parent_path() / next, error);
+        }
+    }
+    return target;
 }
 
 std::string temporary_of(const std::string& file) {

@@ -3,7 +3,9 @@
 #define FRONTPANEL_BASE_ATOMIC_FILE_H
 
 #include <chrono>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace frontpanel {
 
@@ -12,7 +14,7 @@ inline constexpr std::chrono::seconds LOCK_PATIENCE{5};
 
 // Replaces the file, or creates it, in one step: also when the process or the device ends in the middle, and when
 // several processes do so at a time, of which the last one wins. The new text is on the disk afterwards. A link is
-// followed. A file that is replaced keeps its mode, and its owner and group where the process may set them.
+// followed, also one to a file that is still to be created. A file that is replaced keeps its mode, and its owner and group where the process may set them.
 // Beside the file stands its temporary file meanwhile. Input_error when the file cannot be written; then it is as
 // it was. Also when the temporary file is a pipe, a link or another user's, or another process keeps it for longer
 // than `patience`.
@@ -21,6 +23,9 @@ void write_whole_file(const std::string& file, const std::string& text,
 
 // Input_error when `write_whole_file` would have to fail, as in a folder that is read-only.
 void check_writable(const std::string& file, std::chrono::milliseconds patience = LOCK_PATIENCE);
+
+// The file that a name leads to through links, also when that file is still to be created.
+std::filesystem::path target_of(const std::string& file, std::error_code& error);
 
 // "FILE.new", the file that `write_whole_file` writes first.
 std::string temporary_of(const std::string& file);

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include <frontpanel_base/input_error.h>
+#include "output_log.h"
 #include "support/folder.h"
 
 namespace frontpanel {
@@ -85,6 +87,29 @@ TEST_F(File_roles, ALinkIsItsFile) {
         m_options.log = file(name);
         EXPECT_EQ(refusal(), m_options.menu + ": --menu and --log name the same file") << name;
     }
+}
+
+TEST_F(File_roles, TheDefaultLogIsNoOtherFile) {
+    setenv("XDG_STATE_HOME", m_folder.path().c_str(), 1);
+    EXPECT_EQ(refusal(), "");
+    for (const int number : {1, MOST_DEFAULT_LOGS}) {
+        m_options.menu = default_log_file(number);
+        std::ofstream(m_options.menu) << "{}";
+        EXPECT_EQ(refusal(),
+                  m_options.menu + ": --menu and the default of --log name the same file");
+    }
+    m_options.log = file("log");
+    EXPECT_EQ(refusal(), "");
+    unsetenv("XDG_STATE_HOME");
+}
+
+TEST_F(File_roles, ALinkToAFileThatIsStillToBeCreatedIsThatFile) {
+    fs::create_symlink("new", file("link"));
+    m_options.state = file("link");
+    m_options.log = file("new");
+    EXPECT_EQ(refusal(), m_options.log + ": --log and --state name the same file");
+    m_options.log = file("new.new");
+    EXPECT_EQ(refusal(), m_options.log + ": --log names a file that --state replaces");
 }
 
 TEST_F(File_roles, FilesThatAreStillToBeCreatedAreCompared) {

@@ -153,6 +153,28 @@ TEST_F(OutputLog, InASharedFolderLinksAndFilesOfOthersAreRefusedAndStay) {
     EXPECT_EQ(content(file("victim")), "precious");
 }
 
+TEST_F(OutputLog, InAnotherUsersFolderOnlyThatUsersOwnFilesAreEmptied) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the superuser gives files away";
+    }
+    constexpr uid_t OTHER = 65534;
+    std::ofstream(file("victim")) << "precious";
+    fs::create_hard_link(file("victim"), file("hard"));
+    fs::create_symlink("victim", file("symbolic"));
+    std::ofstream(file("third")) << "precious";
+    std::ofstream(file("own")) << "old";
+    ASSERT_EQ(chown(file("third").c_str(), OTHER - 1, OTHER), 0);
+    ASSERT_EQ(chown(file("own").c_str(), OTHER, OTHER), 0);
+    ASSERT_EQ(chown(m_folder.c_str(), OTHER, OTHER), 0);
+    EXPECT_EQ(refusal_of(file("hard")), file("hard") + ": cannot be written: it is a hard link");
+    EXPECT_EQ(refusal_of(file("symbolic")), file("symbolic") + ": cannot be written: it is a link");
+    EXPECT_EQ(refusal_of(file("third")),
+              file("third") + ": cannot be written: it belongs to another user");
+    EXPECT_EQ(refusal_of(file("own")), "");
+    EXPECT_EQ(content(file("victim")) + content(file("third")) + content(file("own")),
+              "preciousprecious");
+}
+
 TEST_F(OutputLog, InAFolderOfTheUsersALinkIsFollowed) {
     fs::create_symlink("kept", file("symbolic"));
     EXPECT_EQ(refusal_of(file("symbolic")), "");

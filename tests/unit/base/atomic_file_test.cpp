@@ -44,8 +44,9 @@ class Writer {
 public:
     explicit Writer(const std::string& file) : m_process(fork()) {
         if (m_process == 0) {
-            ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-            std::raise(SIGSTOP);
+            if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0) {
+                std::raise(SIGSTOP);
+            }
             write_whole_file(file, NEW_TEXT);
             _exit(0);
         }
@@ -159,6 +160,35 @@ TEST(WholeFile, WritersAtATimeLeaveTheTextOfOne) {
     }
     const std::string text = read_input_file(file);
     EXPECT_EQ(text, std::string(5000, text.at(0)));
+}
+
+TEST(WholeFile, ALinkToAFileThatIsStillToBeCreatedStays) {
+    const Folder folder;
+    fs::create_directory(folder.file("data"));
+    fs::create_symlink("data/second", folder.file("first"));
+    fs::create_symlink("real", folder.file("data/second"));
+    write_whole_file(folder.file("first"), "new");
+    EXPECT_TRUE(fs::is_symlink(folder.file("first")));
+    EXPECT_TRUE(fs::is_symlink(folder.file("data/second")));
+    EXPECT_EQ(read_input_file(folder.file("data/real")), "new");
+    fs::create_symlink("circle", folder.file("circle"));
+    EXPECT_EQ(error_of_writing(folder.file("circle")),
+              folder.file("circle") + ": cannot be written: Too many levels of symbolic links");
+}
+
+TEST(WholeFile, AFileAndItsFolderAreBroughtToTheDiskHoweverItIsNamed) {
+    const Folder folder;
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    for (const std::string& name : {std::string("relative"), folder.file("absolute")}) {
+        Writer writer(name);
+        int syncs = 0;
+        while (writer.is_running()) {
+            syncs += writer.step() == SYS_fsync ? 1 : 0;
+        }
+        EXPECT_TRUE(!writer.is_traced() || syncs == 2) << name << ": " << syncs;
+    }
+    fs::current_path(before);
 }
 
 TEST(WholeFile, ALinkStaysAndItsFileIsWritten) {
