@@ -60,11 +60,12 @@ void check_extent(const std::string& source, long extent) {
     }
 }
 
-// What the library takes for the terminal's size: the environment before the terminal's own word.
+// What the library takes for the terminal's size: the environment, in any notation of C, before the terminal's own
+// word.
 void check_extents(int output) {
     for (const char* const name : {"COLUMNS", "LINES"}) {
         if (const char* const value = std::getenv(name)) {
-            check_extent(name + ("=" + std::string(value)), std::strtol(value, nullptr, 10));
+            check_extent(name + ("=" + std::string(value)), std::strtol(value, nullptr, 0));
         }
     }
     winsize window{};

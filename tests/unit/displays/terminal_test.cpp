@@ -14,8 +14,10 @@ namespace {
 
 // The size of a screen that nobody has would take the memory of the device.
 TEST(Terminal, AnAbsurdSizeIsRefused) {
-    const std::pair<const char*, const char*> CASES[] = {
-        {"COLUMNS", "30000"}, {"LINES", "1001"}, {"COLUMNS", "99999999999999999999"}};
+    const std::pair<const char*, const char*> CASES[] = {{"COLUMNS", "30000"},
+                                                         {"LINES", "1001"},
+                                                         {"COLUMNS", "99999999999999999999"},
+                                                         {"COLUMNS", "0x7530"}};
     for (const auto& [name, value] : CASES) {
         setenv(name, value, 1);
         try {
