@@ -15,7 +15,7 @@
 namespace frontpanel {
 namespace {
 
-constexpr int WATCHED[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+constexpr int WATCHED[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 constexpr int STOP = SIGUSR2;  // sent only to the watch's thread, by its owner
 
 timespec span_of(std::chrono::milliseconds time) {

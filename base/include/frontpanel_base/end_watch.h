@@ -16,8 +16,8 @@ namespace frontpanel {
 
 class End_watch {
 public:
-    // From now on SIGINT, SIGTERM, SIGHUP and a SIGPIPE that is sent to the process are noted; a write to a closed
-    // pipe only fails. The loop has `patience` to end after the first of them: then, or with a second one, the
+    // From now on SIGINT, SIGTERM, SIGHUP, SIGQUIT and a SIGPIPE that is sent to the process are noted; a write to a
+    // closed pipe only fails. The loop has `patience` to end after the first of them: then, or with a second one, the
     // process ends at once, after the act below and the last acts. One watch at a time, created before any other
     // thread. std::system_error when the thread cannot be created.
     explicit End_watch(std::chrono::milliseconds patience = std::chrono::seconds(1));

@@ -40,7 +40,7 @@ void say_good_bye() {
 
 // Each in a process of its own: signals are the whole process's.
 TEST(End_watchDeathTest, ASignalIsNotedAndDoesNotEndTheProcess) {
-    for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal_number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         EXPECT_EXIT(
             {
                 const End_watch watch{hours(1)};

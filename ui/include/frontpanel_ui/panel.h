@@ -85,9 +85,9 @@ public:
     // The time of the panel's clock.
     Time now() const;
 
-    // Shows the panel on `front` until the user ends it or SIGINT, SIGTERM or SIGHUP asks the process to end. Returns the
-    // exit status: 0, or 128 plus the signal's number. An application with an End_watch of its own passes it.
-    // main_loop.h does the same one turn at a time, beside other descriptors.
+    // Shows the panel on `front` until the user ends it or SIGINT, SIGTERM, SIGHUP or SIGQUIT asks the process to end.
+    // Returns the exit status: 0, or 128 plus the signal's number. An application with an End_watch of its own passes
+    // it. main_loop.h does the same one turn at a time, beside other descriptors.
     int run(Front& front);
     int run(Front& front, const End_watch& end);
 
