@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 #include <exception>
 #include <functional>
@@ -201,6 +202,8 @@ int run_options(int argc, const char* const* argv) {
 int run(int argc, const char* const* argv) {
     hold_standard_error();
     std::set_terminate(end_after_exception);
+    // A file beyond the limit of the process is a write that fails, and no sudden end.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         return run_options(argc, argv);
     } catch (const Input_errors& errors) {

@@ -16,7 +16,8 @@ std::atomic<void (*)()> acts[MOST_ACTS];
 std::atomic<int> act_count{0};
 int crash_act_count = 0;  // of them, those for any ending
 
-constexpr int REQUESTS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2};
+constexpr int REQUESTS[] = {SIGINT,  SIGTERM, SIGHUP,  SIGQUIT, SIGPIPE,
+                            SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU};
 constexpr int CRASHES[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS};
 
 extern "C" void act_and_end(int signal_number) {

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <charconv>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace frontpanel {
@@ -139,7 +140,7 @@ Http_service::Http_service(int port, Handler& handler) : m_handler(handler) {
     }
     try {
         listen(port);
-        m_thread = std::thread([this] { run(); });
+        start();
     } catch (...) {
         close_all();
         throw;
@@ -153,6 +154,14 @@ Http_service::~Http_service() {
     m_wakers[1] = -1;
     m_thread.join();
     close_all();
+}
+
+void Http_service::start() {
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error& error) {
+        throw std::runtime_error(std::string("cannot start its thread: ") + error.what());
+    }
 }
 
 void Http_service::wake() {

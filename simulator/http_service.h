@@ -90,6 +90,7 @@ private:
     };
 
     void listen(int port);
+    void start();
     void run();
     std::vector<pollfd> sources();
     int patience() const;

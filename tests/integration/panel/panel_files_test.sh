@@ -109,6 +109,13 @@ env --default-signal bash -c '"$0" --menu menu.json --script long.script --state
 [ "$(cat status)" -eq 141 ] || fail "status $(cat status) when nobody reads any more"
 grep -q '"integer":8' values || fail "when nobody reads any more the values are $(cat values)"
 
+# A limit on files is an error as a full disk is.
+(
+    ulimit -f 1
+    expect 2 "frontpanel: standard output cannot be written" --script long.script
+    exit "$FAILURES"
+) || fail "with a limit on files"
+
 # The working folder may be gone.
 mkdir gone
 cd gone || exit 1

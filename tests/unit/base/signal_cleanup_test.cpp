@@ -23,13 +23,15 @@ void say_second() {
 }
 
 TEST(LastActDeathTest, TheYoungestComesFirstAndTheSignalEndsTheProcess) {
-    EXPECT_EXIT(
-        {
-            const Signal_cleanup first(Ending::REQUESTED, say_first);
-            const Signal_cleanup second(Ending::REQUESTED, say_second);
-            std::raise(SIGTERM);
-        },
-        testing::KilledBySignal(SIGTERM), "^secondfirst $");
+    for (const int signal_number : {SIGTERM, SIGXCPU}) {
+        EXPECT_EXIT(
+            {
+                const Signal_cleanup first(Ending::REQUESTED, say_first);
+                const Signal_cleanup second(Ending::REQUESTED, say_second);
+                std::raise(signal_number);
+            },
+            testing::KilledBySignal(signal_number), "^secondfirst $");
+    }
 }
 
 TEST(LastActDeathTest, ACrashIsWaitedForOnlyByAnActForAnyEnding) {
