@@ -84,21 +84,33 @@ bool take_request_line(const std::string& line, Http_request& request) {
            request.target.find(' ') == std::string::npos;
 }
 
+// A header that comes twice, or whose name other readers may take for another, hides what it holds.
+int take_once(const std::string& value, std::optional<std::string>& header) {
+    if (header) {
+        return BAD_REQUEST;
+    }
+    header = value;
+    return 0;
+}
+
 // 0, or the status to refuse the request with.
 int take_header(const std::string& line, Http_request& request, std::size_t& body_size) {
     const std::size_t colon = line.find(':');
-    if (colon == std::string::npos) {
+    if (colon == std::string::npos || line.find_first_of(" \t") < colon) {
         return BAD_REQUEST;
     }
     const std::string name = lower_case(line.substr(0, colon));
     const std::string value = trimmed(line.substr(colon + 1));
     if (name == "host") {
-        request.host = value;
-    } else if (name == "origin") {
-        request.origin = value;
-    } else if (name == "transfer-encoding") {
+        return take_once(value, request.host);
+    }
+    if (name == "origin") {
+        return take_once(value, request.origin);
+    }
+    if (name == "transfer-encoding") {
         return LENGTH_REQUIRED;
-    } else if (name == "content-length") {
+    }
+    if (name == "content-length") {
         const char* const end = value.data() + value.size();
         const auto [stopped, error] = std::from_chars(value.data(), end, body_size);
         if (stopped != end || error == std::errc::invalid_argument) {

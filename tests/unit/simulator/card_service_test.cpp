@@ -168,6 +168,10 @@ TEST_F(Card_service_test, ABodyWithoutUsableLengthIsRefused) {
         {"Content-Length: 9x\r\n", "HTTP/1.1 400 Bad Request"},
         {"Content-Length:\r\n", "HTTP/1.1 400 Bad Request"},
         {"no header\r\n", "HTTP/1.1 400 Bad Request"},
+        {"Origin : http://127.0.0.1\r\n", "HTTP/1.1 400 Bad Request"},
+        {" Origin: http://127.0.0.1\r\n", "HTTP/1.1 400 Bad Request"},
+        {"Origin: http://a\r\norigin: http://b\r\n", "HTTP/1.1 400 Bad Request"},
+        {"Host: a\r\nHost: b\r\n", "HTTP/1.1 400 Bad Request"},
         {"Content-Length: 99999999999999999999999\r\n", "HTTP/1.1 413 Content Too Large"},
     };
     for (const auto& [headers, status] : CASES) {
