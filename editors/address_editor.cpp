@@ -31,13 +31,13 @@ Address_editor::Address_editor() = default;
 Address_editor::~Address_editor() = default;
 
 void Address_editor::start() {
-    const std::string address = text_of(edited());
+    const std::string address = value_text(edited());
     m_blocks.set(blocks_of(Ip_entry::Valid_ip(address.c_str()) ? address : Ip_entry::DEFAULT_IP));
     m_blocks.keep_limits(block_limits);
 }
 
 void Address_editor::remember() {
-    m_opened = text_of(edited());
+    m_opened = value_text(edited());
 }
 
 bool Address_editor::put_back() {
@@ -49,7 +49,7 @@ void Address_editor::step(Editor_key key, int steps) {
 }
 
 bool Address_editor::is_stored() {
-    return text_of(edited()) == m_blocks.text();
+    return value_text(edited()) == m_blocks.text();
 }
 
 bool Address_editor::accept() {

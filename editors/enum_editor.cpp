@@ -1,8 +1,10 @@
 #include <frontpanel_editors/enum_editor.h>
 
 #include <algorithm>
-#include <array>
 #include <string>
+#include <utility>
+
+#include <frontpanel_editors/value_text.h>
 
 namespace frontpanel {
 
@@ -25,6 +27,7 @@ void Enum_editor::start() {
     read_slot_lines();
     m_text = Scrolling_text();
     take(own_position());
+    m_is_nowhere = holds_no_option(edited());
 }
 
 // The place of the entry's own choice among those that can be chosen.
@@ -50,6 +53,7 @@ bool Enum_editor::is_stored() {
 
 void Enum_editor::show_value() {
     take(own_position());
+    m_is_nowhere = holds_no_option(edited());
 }
 
 Editor_change Enum_editor::adapt() {
@@ -84,10 +88,13 @@ Enum_editor::Positions Enum_editor::choices() const {
 }
 
 void Enum_editor::step(Editor_key key, int /*steps*/) {
-    if (key == Editor_key::UP) {
-        propose(m_proposed + 1);
-    } else if (key == Editor_key::DOWN) {
-        propose(m_proposed - 1);
+    if (key != Editor_key::UP && key != Editor_key::DOWN) {
+        return;
+    }
+    if (std::exchange(m_is_nowhere, false)) {
+        propose(m_proposed);
+    } else {
+        propose(key == Editor_key::UP ? m_proposed + 1 : m_proposed - 1);
     }
 }
 
@@ -114,15 +121,12 @@ void Enum_editor::read_slot_lines() {
     }
 }
 
-// A line longer than any text keeps the entry from scrolling it: what the list shows goes on undisturbed.
 Enum_editor::Option Enum_editor::option_at(int position) {
-    std::array<char, MAX_STRING_LENGTH + 2> line = {};
-    edited().Get_display_string(line.data(), line.size() - 1, position);
     int key = -1;
     if (!choices().none()) {
         edited().Get_value(&key, sizeof key, position);
     }
-    return {key, line.data()};
+    return {key, option_text(edited(), position)};
 }
 
 std::vector<Enum_editor::Option> Enum_editor::options() {
@@ -153,10 +157,15 @@ std::optional<int> Enum_editor::position_of(const Option& option) {
 }
 
 bool Enum_editor::accept() {
-    return !choices().none() && edited().Set_value(&m_proposed, sizeof m_proposed) == 0;
+    return !m_is_nowhere && !choices().none() &&
+           edited().Set_value(&m_proposed, sizeof m_proposed) == 0;
 }
 
 void Enum_editor::draw(int columns, Editor_view& shown) {
+    if (m_is_nowhere) {
+        shown.text = NO_OPTION_TEXT;
+        return;
+    }
     shown.text = m_text.show(columns);
     const Positions positions = choices();
     if (positions.none()) {
@@ -164,8 +173,7 @@ void Enum_editor::draw(int columns, Editor_view& shown) {
     }
     const std::string place = std::to_string(m_proposed - positions.first + 1) + "/" +
                               std::to_string(positions.last - positions.first + 1);
-    const std::size_t title = std::string(edited().Get_name()).size();
-    if (title + 1 + place.size() <= static_cast<std::size_t>(columns)) {
+    if (width_of(edited().Get_name()) + 1 + width_of(place) <= columns) {
         shown.step = place;
     }
 }

@@ -1,41 +1,172 @@
 #include <frontpanel_editors/line_text.h>
 #include <frontpanel_editors/value_editor.h>
 
+#include <algorithm>
+#include <cctype>
 #include <utility>
 
 namespace frontpanel {
 namespace {
 
 constexpr int HOLD_CALLS = 2;
+constexpr std::size_t GAP = 3;
+constexpr const char* BLANK = " ";
+constexpr const char* GOES_ON_LEFT = "<";
+constexpr const char* GOES_ON_RIGHT = ">";
+// A line of fewer columns would show little more than the marks.
+constexpr std::size_t LEAST_COLUMNS_WITH_MARKS = 4;
+
+using Characters = std::vector<std::string>;
+
+struct Lead {
+    unsigned char first;
+    unsigned char last;
+    std::size_t following;
+    unsigned char least_second;
+    unsigned char greatest_second;
+};
+constexpr Lead LEADS[] = {
+    {0xC2, 0xDF, 1, 0x80, 0xBF}, {0xE0, 0xE0, 2, 0xA0, 0xBF}, {0xE1, 0xEC, 2, 0x80, 0xBF},
+    {0xED, 0xED, 2, 0x80, 0x9F}, {0xEE, 0xEF, 2, 0x80, 0xBF}, {0xF0, 0xF0, 3, 0x90, 0xBF},
+    {0xF1, 0xF3, 3, 0x80, 0xBF}, {0xF4, 0xF4, 3, 0x80, 0x8F},
+};
+
+bool is_between(char byte, unsigned char first, unsigned char last) {
+    const auto value = static_cast<unsigned char>(byte);
+    return value >= first && value <= last;
+}
+
+// The bytes of the character that begins a text, at least one.
+std::size_t length_of_first(std::string_view text) {
+    for (const Lead& lead : LEADS) {
+        if (!is_between(text.front(), lead.first, lead.last) || text.size() <= lead.following ||
+            !is_between(text[1], lead.least_second, lead.greatest_second)) {
+            continue;
+        }
+        const std::string_view rest = text.substr(2, lead.following - 1);
+        const bool is_whole = std::all_of(rest.begin(), rest.end(),
+                                          [](char byte) { return is_between(byte, 0x80, 0xBF); });
+        return is_whole ? lead.following + 1 : 1;
+    }
+    return 1;
+}
+
+Characters characters_of(std::string_view text) {
+    Characters characters;
+    while (!text.empty()) {
+        const std::size_t length = length_of_first(text);
+        characters.emplace_back(text.substr(0, length));
+        text.remove_prefix(length);
+    }
+    return characters;
+}
+
+bool is_digit(const std::string& character) {
+    return std::isdigit(static_cast<unsigned char>(character.front())) != 0;
+}
+
+struct Word {
+    std::size_t begin;
+    std::size_t end;
+};
+
+// The word at a character; empty at a blank.
+Word word_at(const Characters& text, std::size_t at) {
+    Word word{at, at};
+    while (word.begin > 0 && text[word.begin - 1] != BLANK) {
+        --word.begin;
+    }
+    while (word.end < text.size() && text[word.end] != BLANK) {
+        ++word.end;
+    }
+    return word;
+}
+
+// Whether a line that ends or begins in front of a character cuts a word with a digit.
+bool cuts_number(const Characters& text, std::size_t at) {
+    if (at == 0 || at >= text.size() || text[at] == BLANK || text[at - 1] == BLANK) {
+        return false;
+    }
+    const Word word = word_at(text, at);
+    return std::any_of(text.begin() + static_cast<std::ptrdiff_t>(word.begin),
+                       text.begin() + static_cast<std::ptrdiff_t>(word.end), is_digit);
+}
+
+// The part of a text from a character on. A text that goes round follows itself after a gap.
+std::string part_of(const Characters& text, std::size_t start, std::size_t columns,
+                    bool goes_round) {
+    const std::size_t cycle = text.size() + GAP;
+    const std::size_t count = goes_round ? columns : std::min(columns, text.size() - start);
+    std::string part;
+    for (std::size_t column = 0; column < count; ++column) {
+        const std::size_t at = goes_round ? (start + column) % cycle : start + column;
+        const bool is_first = column == 0;
+        const bool is_last = column + 1 == columns;
+        if (columns >= LEAST_COLUMNS_WITH_MARKS && is_first && cuts_number(text, at)) {
+            part += GOES_ON_LEFT;
+        } else if (columns >= LEAST_COLUMNS_WITH_MARKS && is_last && cuts_number(text, at + 1)) {
+            part += GOES_ON_RIGHT;
+        } else {
+            part += at < text.size() ? text[at] : BLANK;
+        }
+    }
+    return part;
+}
 
 }  // namespace
 
-void Scrolling_text::set(std::string text) {
+int width_of(std::string_view text) {
+    return static_cast<int>(characters_of(text).size());
+}
+
+std::string start_of(std::string_view text, int columns) {
+    return part_of(characters_of(text), 0, static_cast<std::size_t>(std::max(0, columns)), false);
+}
+
+void Scrolling_text::take(std::string text) {
     m_text = std::move(text);
     m_text.erase(m_text.find_last_not_of(' ') + 1);
+    m_characters = characters_of(m_text);
+}
+
+void Scrolling_text::set(std::string text) {
+    take(std::move(text));
     m_offset = 0;
     m_held = HOLD_CALLS;
 }
 
 void Scrolling_text::update(std::string text) {
-    const Scrolling_text before = *this;
-    set(std::move(text));
-    if (m_text == before.m_text) {
-        *this = before;
+    text.erase(text.find_last_not_of(' ') + 1);
+    if (text != m_text) {
+        set(std::move(text));
+    }
+}
+
+void Scrolling_text::follow(std::string text) {
+    if (m_text.empty()) {
+        set(std::move(text));
+        return;
+    }
+    take(std::move(text));
+    if (m_offset >= m_characters.size() + GAP) {
+        m_offset = 0;
+        m_held = HOLD_CALLS;
     }
 }
 
 std::string Scrolling_text::show(int columns) {
-    const auto width = static_cast<std::size_t>(columns);
-    if (m_text.size() <= width) {
+    const auto width = static_cast<std::size_t>(std::max(0, columns));
+    if (m_characters.size() <= width) {
+        m_offset = 0;
+        m_held = HOLD_CALLS;
         return m_text;
     }
+    const std::string shown = part_of(m_characters, m_offset, width, true);
     if (m_held > 0) {
         --m_held;
-        return m_text.substr(0, width);
+        return shown;
     }
-    std::string shown = (m_text + ' ' + m_text).substr(m_offset, width);
-    m_offset = (m_offset + 1) % m_text.size();
+    m_offset = (m_offset + 1) % (m_characters.size() + GAP);
     m_held = m_offset == 0 ? HOLD_CALLS : 0;
     return shown;
 }
@@ -43,9 +174,19 @@ std::string Scrolling_text::show(int columns) {
 void show_with_cursor(const std::string& text, std::size_t cursor, int columns,
                       Editor_view& shown) {
     const auto width = static_cast<std::size_t>(columns);
-    const std::size_t start = cursor < width ? 0 : cursor - width + 1;
-    shown.text = text.substr(start, width);
-    shown.cursor = static_cast<int>(cursor - start);
+    const Characters characters = characters_of(text);
+    const std::size_t place =
+        characters_of(std::string_view(text).substr(0, cursor + 1)).size() - 1;
+    const Word word = word_at(characters, place);
+    const bool has_room = word.end > place && word.end - word.begin <= width;
+    std::size_t end = std::max(has_room ? word.end : place + 1, width);
+    // The mark of a word that goes on would stand in the cursor's place.
+    if (width >= LEAST_COLUMNS_WITH_MARKS && place + 1 == end && cuts_number(characters, end)) {
+        ++end;
+    }
+    const std::size_t start = std::min(end - width, characters.size());
+    shown.text = part_of(characters, start, width, false);
+    shown.cursor = static_cast<int>(place - start);
 }
 
 }  // namespace frontpanel

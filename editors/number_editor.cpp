@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <cctype>
 #include <limits>
+#include <optional>
 #include <string>
-#include <vector>
+
+#include <frontpanel_editors/value_text.h>
 
 namespace frontpanel {
 namespace {
@@ -16,12 +18,12 @@ bool is_digit(char character) {
     return std::isdigit(static_cast<unsigned char>(character)) != 0;
 }
 
-// The column of the digit that a step of `step` changes: counted from the right of the text's first number,
+// The place of the digit that a step of `step` changes: counted from the right of the text's first number,
 // passing over its point, and the number's first digit when it has fewer.
-int digit_column(const std::string& text, int step) {
+std::optional<std::size_t> digit_in(const std::string& text, int step) {
     const auto first = std::find_if(text.begin(), text.end(), is_digit);
     if (first == text.end()) {
-        return Editor_view::NO_CURSOR;
+        return std::nullopt;
     }
     auto column =
         std::find_if_not(first, text.end(), [](char c) { return is_digit(c) || c == '.'; }) - 1;
@@ -29,7 +31,7 @@ int digit_column(const std::string& text, int step) {
         step = *column == '.' ? step : step / STEP_FACTOR;
         --column;
     }
-    return static_cast<int>(column - text.begin());
+    return static_cast<std::size_t>(column - text.begin());
 }
 
 }  // namespace
@@ -45,6 +47,7 @@ void Number_editor::start() {
 
 void Number_editor::remember() {
     m_opened = m_proposed;
+    m_text = Scrolling_text();
 }
 
 bool Number_editor::put_back() {
@@ -141,14 +144,14 @@ bool Number_editor::accept() {
 }
 
 void Number_editor::draw(int columns, Editor_view& shown) {
-    // The entry terminates at position `columns` and may leave the column before it as it finds it.
-    std::vector<char> buffer(static_cast<size_t>(columns) + 1, ' ');
-    buffer.back() = '\0';
-    if (edited().Get_display_string(buffer.data(), static_cast<unsigned int>(columns),
-                                    m_proposed) == 0) {
-        shown.text = buffer.data();
+    const std::string text = value_text(edited(), m_proposed);
+    const std::optional<std::size_t> digit = digit_in(text, m_step);
+    if (digit && is_editable()) {
+        show_with_cursor(text, *digit, columns, shown);
+    } else {
+        is_editable() ? m_text.update(text) : m_text.follow(text);
+        shown.text = m_text.show(columns);
     }
-    shown.cursor = digit_column(shown.text, m_step);
     shown.step = m_step == 1 ? "" : "step " + std::to_string(m_step);
 }
 

@@ -18,7 +18,7 @@ Text_editor::Text_editor() = default;
 Text_editor::~Text_editor() = default;
 
 void Text_editor::start() {
-    const std::string text = text_of(edited());
+    const std::string text = value_text(edited());
     m_text.emplace(edited().Get_pid(), edited().Get_index(), edited().Get_max_length());
     m_text->Set(text.c_str(), static_cast<unsigned int>(text.size()));
     m_marks.assign(m_text->Get_current_length(), TYPED);
@@ -44,7 +44,7 @@ std::string Text_editor::proposed_text() {
 }
 
 void Text_editor::remember() {
-    m_opened = text_of(edited());
+    m_opened = value_text(edited());
 }
 
 bool Text_editor::put_back() {
@@ -52,11 +52,11 @@ bool Text_editor::put_back() {
 }
 
 void Text_editor::show_value() {
-    m_viewed.update(text_of(edited()));
+    m_viewed.follow(value_text(edited()));
 }
 
 bool Text_editor::is_stored() {
-    return text_of(edited()) == proposed_text();
+    return value_text(edited()) == proposed_text();
 }
 
 void Text_editor::step(Editor_key key, int /*steps*/) {

@@ -86,8 +86,8 @@ Time_editor::Time_editor() = default;
 Time_editor::~Time_editor() = default;
 
 void Time_editor::start() {
-    const std::string text = text_of(edited());
-    m_viewed.set(text);
+    const std::string text = value_text(edited());
+    m_viewed.follow(text);
     Parsed_time time = parse(text);
     m_kinds = time.kinds;
     m_fields.set(std::move(time.fields), std::move(time.trailing));
@@ -95,7 +95,8 @@ void Time_editor::start() {
 }
 
 void Time_editor::remember() {
-    m_opened = text_of(edited());
+    m_opened = value_text(edited());
+    m_viewed.set(m_opened);
 }
 
 bool Time_editor::put_back() {
@@ -105,7 +106,7 @@ bool Time_editor::put_back() {
 // A clock goes on while it is looked at.
 void Time_editor::show_value() {
     if (m_kinds.empty()) {
-        m_viewed.update(text_of(edited()));
+        m_viewed.follow(value_text(edited()));
     } else {
         start();
     }
@@ -140,7 +141,7 @@ void Time_editor::step(Editor_key key, int steps) {
 }
 
 bool Time_editor::is_stored() {
-    return text_of(edited()) == m_fields.text();
+    return value_text(edited()) == m_fields.text();
 }
 
 bool Time_editor::accept() {

@@ -1,6 +1,6 @@
 #include <frontpanel_editors/warning_editor.h>
 
-#include "entry_text.h"
+#include <frontpanel_editors/value_text.h>
 
 namespace frontpanel {
 
@@ -8,11 +8,11 @@ Warning_editor::Warning_editor() = default;
 Warning_editor::~Warning_editor() = default;
 
 void Warning_editor::start() {
-    m_text.set(text_of(edited()));
+    m_text.set(value_text(edited()));
 }
 
 void Warning_editor::show_value() {
-    m_text.update(text_of(edited()));
+    m_text.update(value_text(edited()));
 }
 
 void Warning_editor::remember() {}

@@ -3,18 +3,6 @@
 #include <frontpanel_menu/entry_kind.h>
 
 namespace frontpanel {
-namespace {
-
-// A fetch counts the options that were there before it, so that a list that has just grown would lack its
-// end on the display.
-void count_live_options(Data_entry& entry) {
-    if (is_live(entry)) {
-        static_cast<Enum_entry&>(entry).updateControlOptionMap();
-    }
-}
-
-}  // namespace
-
 Link_entry* link_of(Data_entry& entry) {
     auto* const link = entry.Get_entry_type() == Data_entry::LINK_ENTRY
                            ? dynamic_cast<Link_entry*>(&entry)
@@ -49,10 +37,8 @@ Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step) {
 }
 
 int refresh(Data_entry& entry, Data_interface& device) {
-    const int result = Data_entry::EntryTypeSpecificOperation(
-        &entry, &device, nullptr, true, Data_entry::OPERATION_REFRESH, nullptr);
-    count_live_options(housed(entry));
-    return result;
+    return Data_entry::EntryTypeSpecificOperation(&entry, &device, nullptr, true,
+                                                  Data_entry::OPERATION_REFRESH, nullptr);
 }
 
 bool is_menu(const Data_entry& entry) {
@@ -67,14 +53,6 @@ bool is_live_pid(uint32_t pid) {
 
 bool is_live(const Data_entry& entry) {
     return kind_of(entry).has(Entry_kind::IS_FETCHED);
-}
-
-std::optional<std::string> display_value(Data_entry& entry, int columns) {
-    if (is_menu(entry)) {
-        return std::string();
-    }
-    count_live_options(housed(entry));
-    return kind_of(housed(entry)).display(entry, columns);
 }
 
 int commit(Data_entry& entry, Data_interface& device) {

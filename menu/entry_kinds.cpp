@@ -3,11 +3,10 @@
 #include <frontpanel_editors/number_editor.h>
 #include <frontpanel_editors/text_editor.h>
 #include <frontpanel_editors/time_editor.h>
+#include <frontpanel_editors/value_text.h>
 #include <frontpanel_editors/warning_editor.h>
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
-
-#include <array>
 
 #include "file/builders.h"
 #include "file/editor_items.h"
@@ -20,51 +19,32 @@ constexpr unsigned int VALUE = Entry_kind::HAS_VALUE;
 constexpr unsigned int BRIDGED_VALUE = VALUE | Entry_kind::IS_BRIDGED;
 constexpr unsigned int OPTIONS_OF_ITS_OWN = VALUE | Entry_kind::HAS_KEYS;
 
-// An entry terminates at position `columns` and may leave the column before it as it finds it.
-template <typename Show>
-std::optional<std::string> shown_by(Show show, int columns) {
-    std::vector<char> buffer(static_cast<size_t>(columns) + 1, ' ');
-    buffer.back() = '\0';
-    if (show(buffer.data(), static_cast<unsigned int>(columns)) != 0) {
-        return std::nullopt;
-    }
-    return std::string(buffer.data());
-}
-
-std::optional<std::string> show_nothing(Data_entry& /*shown*/, int /*columns*/) {
+std::optional<std::string> show_nothing(Data_entry& /*entry*/) {
     return std::string();
 }
 
-std::optional<std::string> show_value(Data_entry& shown, int columns) {
-    return shown_by(
-        [&shown](char* buffer, unsigned int length) {
-            return shown.Get_display_string(buffer, length);
-        },
-        columns);
+std::optional<std::string> show_number(Data_entry& entry) {
+    auto& number = static_cast<Range_entry&>(entry);
+    int value = 0;
+    if (number.Get_value(&value, sizeof value) != 0) {
+        return std::nullopt;  // beyond what its rules allow
+    }
+    return value_text(number, value);
 }
 
-std::optional<std::string> show_number(Data_entry& shown, int columns) {
-    if (shown.Get_entry_type() != Data_entry::RANGE_LEAF) {
-        return show_value(shown, columns);  // a link
-    }
-    return shown_by(
-        [&number = static_cast<Range_entry&>(shown)](char* buffer, unsigned int length) {
-            return number.Get_display_string(buffer, length, false, 0);
-        },
-        columns);
+std::optional<std::string> show_text(Data_entry& entry) {
+    return value_text(static_cast<String_entry&>(entry));
 }
 
-// A slot's line is filled with blanks up to its alias. One that has none fits the display without them.
-std::optional<std::string> show_slot(Data_entry& shown, int columns) {
-    std::array<char, MAX_STRING_LENGTH + 1> line{};
-    if (shown.Get_display_string(line.data(), line.size() - 1) == 0) {
-        std::string text = line.data();
-        text.erase(text.find_last_not_of(' ') + 1);
-        if (text.size() <= static_cast<size_t>(columns)) {
-            return text;
-        }
-    }
-    return show_value(shown, columns);
+std::optional<std::string> show_option(Data_entry& entry) {
+    return option_text(static_cast<Enum_entry&>(entry));
+}
+
+// A slot's line is filled with blanks up to its end.
+std::optional<std::string> show_slot(Data_entry& entry) {
+    std::string text = option_text(static_cast<Enum_entry&>(entry));
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
 }
 
 // Entries bring operations of their own that their base does not know.
@@ -118,35 +98,35 @@ const std::vector<Entry_kind>& entry_kinds() {
          make<Number_editor>},
         {"text", Data_entry::STRING_LEAF, nullptr, BRIDGED_VALUE | Entry_kind::IS_TYPED,
          {PARAMETER, PID, ACCESS}, {PREVIEW, WRAP, CHARACTERS},
-         build_text, show_value, commit_value<String_entry>, make<Text_editor>},
+         build_text, show_text, commit_value<String_entry>, make<Text_editor>},
         {"address", Data_entry::IP_LEAF, nullptr, BRIDGED_VALUE | Entry_kind::IS_PROBED,
          {PARAMETER, PID, ACCESS}, {PREVIEW, WRAP},
-         build_address, show_value, commit_value<String_entry>,
+         build_address, show_text, commit_value<String_entry>,
          make<Address_editor>},
         {"time", Data_entry::TIME_LEAF, nullptr, BRIDGED_VALUE,
          {PARAMETER, PID, ACCESS}, {PREVIEW, WRAP},
-         build_time, show_value, commit_value<String_entry>, make<Time_editor>},
+         build_time, show_text, commit_value<String_entry>, make<Time_editor>},
         {"enum", Data_entry::ENUM_LEAF, nullptr, OPTIONS_OF_ITS_OWN,
          {PARAMETER, PID, ACCESS, CHOICES, LIVE}, {PREVIEW, WRAP},
-         build_enum, show_value, commit_value<Enum_entry>,
+         build_enum, show_option, commit_value<Enum_entry>,
          make<Enum_editor>},
         {nullptr, Data_entry::ENUM_LEAF, is_live_list, OPTIONS_OF_ITS_OWN | Entry_kind::IS_FETCHED,  // "enum" with "live"
          {}, {PREVIEW, WRAP},
-         build_live, show_value, commit_value<Enum_entry>,
+         build_live, show_option, commit_value<Enum_entry>,
          make<Enum_editor>},
         {"slot", Data_entry::SLOT_ENUM, nullptr, VALUE | Entry_kind::HAS_LINES,
          {PARAMETER, PID, ACCESS}, {PREVIEW, WRAP},
          build_slot, show_slot, commit_value<Enum_entry>, make<Enum_editor>},
         {"warning", Data_entry::STRING_LEAF, is_warning, VALUE | Entry_kind::IS_TYPED,
          {}, {},
-         build_warning, show_value, commit_value<String_entry>,
+         build_warning, show_text, commit_value<String_entry>,
          make<Warning_editor>},
         {"link", Data_entry::LINK_ENTRY, nullptr, Entry_kind::HAS_OWN_MEMBERS,
          {TARGET, BEHAVIOUR, ESCAPE, SHORTCUT}, {},
-         build_link, show_value, commit_nothing, nullptr},
+         build_link, show_nothing, commit_nothing, nullptr},
         {"bridge", Data_entry::LINK_ENTRY, is_no_entry, Entry_kind::HAS_OWN_MEMBERS,
          {ITEM, BEHAVIOUR, ESCAPE, SHORTCUT}, {},
-         build_bridge, show_value, commit_nothing, nullptr},
+         build_bridge, show_nothing, commit_nothing, nullptr},
         {"mount", Data_entry::LINK_ENTRY, is_mounting, Entry_kind::NONE,
          {FOLDER, BEHAVIOUR, ESCAPE}, {},
          build_mount, show_nothing, commit_nothing, nullptr},
@@ -157,8 +137,8 @@ const std::vector<Entry_kind>& entry_kinds() {
 
 const Entry_kind& kind_of(const Data_entry& entry) {
     static const Entry_kind OTHER{
-        nullptr, Data_entry::NODE, is_no_entry, Entry_kind::NONE, {},
-        {},      nullptr,          show_value,  commit_nothing,   nullptr};
+        nullptr, Data_entry::NODE, is_no_entry,  Entry_kind::NONE, {},
+        {},      nullptr,          show_nothing, commit_nothing,   nullptr};
     const Entry_kind* found = &OTHER;
     for (const Entry_kind& kind : entry_kinds()) {
         if (kind.type == entry.Get_entry_type()) {

@@ -1,14 +1,24 @@
 #include <frontpanel_menu/list_line.h>
 
-#include <string_view>
-
-#include <frontpanel_menu/entry_access.h>
+#include <algorithm>
 
 namespace frontpanel {
+namespace {
 
-int name_columns(const Data_entry& entry, int columns) {
-    const int mark = static_cast<int>(std::string_view(MENU_MARK).size());
-    return columns - CURSOR_COLUMNS - 1 - (is_menu(entry) ? mark : LEAST_VALUE_COLUMNS);
+constexpr int BLANK = 1;
+constexpr int LEAST_LEFT = 1;
+
+}  // namespace
+
+Line_room room_of(int left, int right, int columns) {
+    if (left == 0 || right == 0) {
+        return {left == 0 ? 0 : columns, right == 0 ? 0 : columns};
+    }
+    if (LEAST_LEFT + BLANK + right <= columns) {
+        return {std::min(left, columns - BLANK - right), right};
+    }
+    const int shown = std::min(left, columns - BLANK - LEAST_VALUE_COLUMNS);
+    return {shown, columns - BLANK - shown};
 }
 
 }  // namespace frontpanel

@@ -6,7 +6,15 @@ namespace frontpanel {
 
 int Live_entry::Refresh(Data_interface* pDataAccessInf, bool eval_binding) {
     const File_size_limit limit(LARGEST_FILE);
-    return Enum_entry::Refresh(pDataAccessInf, eval_binding);
+    const int result = Enum_entry::Refresh(pDataAccessInf, eval_binding);
+    updateControlOptionMap();
+    return result;
+}
+
+// Keys that stayed would count as options of a shorter list, and a longer one would keep the count of those before.
+int Live_entry::updateControlOptionMap() {
+    map_enum_to_options.clear();
+    return Enum_entry::updateControlOptionMap();
 }
 
 int Live_entry::Commit(Data_interface* pDataAccessInf) {

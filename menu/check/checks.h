@@ -8,8 +8,9 @@
 
 namespace frontpanel {
 
-// Warns of names that a line of the display cuts.
-void check_name_widths(const Built_menu& built);
+// Warns of values and names that a line of the display has no room for at once: values without errors
+// only, since an item that is wrong has none.
+void check_line_widths(const Built_menu& built, const Problems& problems);
 // Warns of items that are never shown, whatever the device does, and of what leads to them in vain.
 void check_reach(const Built_menu& built);
 // Reports rules that drive each other in a circle of writes, and warns of limits that follow each other in one.

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include <frontpanel_menu/choice_entry.h>
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/live_entry.h>
 #include "file/builders.h"
@@ -55,13 +56,8 @@ void set_choices(Load_context& context, const Json_value& list, Enum_entry& entr
     product_options[ALWAYS] = 1;
     entry.setProductOptions(product_options);
     entry.Set_control_options(options);
-    const ControlsT offered = entry.optionControls();
-    if (offered.empty()) {
+    if (entry.optionControls().empty()) {
         list.fail("expected at least one choice that is allowed with these product options");
-    }
-    // An entry shows only as many keys as it has visible options.
-    if (offered.back() >= static_cast<int>(offered.size())) {
-        list.warn("a choice behind a hidden one may show as ---");
     }
     entry.updateControlOptionMap();
 }
@@ -92,7 +88,7 @@ void build_enum(Load_context& context, const Json_value& item, const Spot& spot)
     std::vector<std::string> texts(choices.size());
     std::transform(choices.begin(), choices.end(), texts.begin(),
                    [](const Choice& choice) { return choice.text; });
-    Enum_entry& entry = context.menu.add(std::make_unique<Enum_entry>(
+    Choice_entry& entry = context.menu.add(std::make_unique<Choice_entry>(
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), 0,
         last, 0, context.menu.keep_texts(texts), static_cast<unsigned int>(texts.size()),
         spot.parent, leaf.access, leaf.visible, true, Data_entry::SHORTCUT_NONE, nullptr, nullptr,
@@ -148,7 +144,7 @@ void build_slot(Load_context& context, const Json_value& item, const Spot& spot)
     for (int slot = 1; slot <= parameter.max + 1; ++slot) {
         lines.push_back(std::to_string(slot));
     }
-    Slot_enum_entry& entry = context.menu.add(std::make_unique<Slot_enum_entry>(
+    Slot_choice_entry& entry = context.menu.add(std::make_unique<Slot_choice_entry>(
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), 0,
         parameter.max, 0, nullptr, context.menu.keep_texts(lines, SLOT_LINE_ROOM),
         static_cast<unsigned int>(lines.size()), nullptr, spot.parent, leaf.access, nullptr,

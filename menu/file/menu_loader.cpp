@@ -32,7 +32,7 @@ void load_root(Load_context& context, const Json_value& menu) {
 }
 
 void check(const Built_menu& built, Problems& problems) {
-    check_name_widths(built);
+    check_line_widths(built, problems);
     check_toggle_names(built);
     check_circles(built, problems);
     check_reach(built);

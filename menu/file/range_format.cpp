@@ -14,6 +14,10 @@ bool contains(const std::string& text, const char* part) {
     return text.find(part) != std::string::npos;
 }
 
+bool has_table(const std::string& format) {
+    return contains(format, ":") && contains(format, ",");
+}
+
 // A whole number as "%d" prints it: the library compares the printed value with the row's.
 bool is_printed_number(const std::string& text) {
     const size_t first = !text.empty() && text[0] == '-' ? 1 : 0;
@@ -89,9 +93,13 @@ std::optional<std::string> number_error(const std::string& format, const std::st
 
 }  // namespace
 
+std::string untruncated(const std::string& format) {
+    return format.empty() || has_table(format) ? format : ":," + format;
+}
+
 std::optional<std::string> range_format_error(const std::string& format) {
     size_t position = 0;
-    if (contains(format, ":") && contains(format, ",")) {
+    if (has_table(format)) {
         size_t comma = format.find(',');
         while (comma != std::string::npos) {
             if (auto error = row_error(format.substr(position, comma - position))) {

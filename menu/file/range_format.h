@@ -12,6 +12,10 @@ namespace frontpanel {
 // most one conversion, of the kind that the library gives it.
 std::optional<std::string> range_format_error(const std::string& format);
 
+// The format as the library takes it. It cuts a number to 14 characters unless the format has a table: here it has one, of
+// a row that is no number's.
+std::string untruncated(const std::string& format);
+
 }  // namespace frontpanel
 
 #endif

@@ -102,7 +102,8 @@ void build_range(Load_context& context, const Json_value& item, const Spot& spot
             return integer_or(item, member::DEFAULT, low, high, std::clamp(0, low, high));
         },
         std::clamp(0, min, max));
-    std::string format = problems.value_or([&] { return format_of(item); }, std::string());
+    std::string format =
+        untruncated(problems.value_or([&] { return format_of(item); }, std::string()));
     std::string value_format = problems.value_or(
         [&, low = min, high = max] { return value_format_of(item, low, high); }, std::string());
     if (const auto expression = item.find(member::VALUE_FORMAT)) {

@@ -6,13 +6,13 @@
 
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
+#include <frontpanel_menu/shown_value.h>
 
 namespace frontpanel {
 namespace {
 
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
-constexpr int SOME_COLUMNS = 16;
 
 // Why an editor closes by itself, and what it does instead.
 constexpr const char* LOCKED = "locked: edit ended";
@@ -51,16 +51,12 @@ bool waits_for_its_card(Data_entry& entry) {
     int largest = 0;
     int size = 0;
     static_cast<Enum_entry&>(entry).minMaxSize(&smallest, &largest, &size);
-    return size <= 1 && display_value(entry, SOME_COLUMNS) == NO_OPTION_YET;
-}
-
-bool is_read_only(const Data_entry& entry) {
-    return entry.Get_access_type() == Data_entry::READ_ONLY;
+    return size <= 1 && shown_value(entry) == NO_OPTION_YET;
 }
 
 // A rule may leave a number without any allowed value.
 bool has_no_value(Data_entry& entry) {
-    return kind_of(entry).has(Entry_kind::IS_NUMBER) && !display_value(entry, SOME_COLUMNS);
+    return kind_of(entry).has(Entry_kind::IS_NUMBER) && !shown_value(entry);
 }
 
 }  // namespace
@@ -93,6 +89,7 @@ void Editing::open(Data_entry& entry, const std::string& name) {
         return;
     }
     m_title = title_of(entry);
+    m_title_line = Text_line();
     m_settings = settings_of(entry);
     m_speed.reset();
     if (m_arm) {
@@ -280,10 +277,7 @@ void Editing::close() {
 
 void Editing::draw(Frame& frame) {
     const Editor_view shown = m_editor->view(frame.lcd.size().columns);
-    frame.lcd.put(TITLE_ROW, 0, m_title);
-    if (!shown.step.empty()) {
-        frame.lcd.put_right(TITLE_ROW, " " + shown.step);
-    }
+    m_title_line.draw(frame.lcd, TITLE_ROW, 0, {m_title, shown.step, ""});
     frame.lcd.put(TEXT_ROW, 0, shown.text);
     if (shown.cursor != Editor_view::NO_CURSOR) {
         frame.lcd.set_cursor(TEXT_ROW, shown.cursor);

@@ -19,6 +19,7 @@
 #include "editing/editor_set.h"
 #include "keys/encoder_speed.h"
 #include "views/notices.h"
+#include "views/text_line.h"
 
 namespace frontpanel {
 
@@ -94,6 +95,7 @@ private:
     Editor_settings m_settings;        // of the open editor, as is what follows
     std::string m_name;
     std::string m_title;
+    Text_line m_title_line;
     bool m_was_changing = false;  // when the entry was looked at last
     Encoder_speed m_speed;
     std::vector<std::string> m_warnings;  // raised since the last attempt began

@@ -6,6 +6,7 @@
 
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/list_line.h>
+#include <frontpanel_menu/shown_value.h>
 
 namespace frontpanel {
 namespace {
@@ -63,6 +64,8 @@ void List_view::open(const Menu_step& menu, Data_entry* cursor, bool has_title) 
     m_visible.clear();
     m_cursor = 0;
     m_top = 0;
+    m_title = Text_line();
+    m_lines.clear();
     refresh();
     if (contains(m_visible, cursor)) {
         place_cursor(cursor);
@@ -156,39 +159,41 @@ void List_view::draw(Lcd& lcd) {
     }
     const int end = std::min(static_cast<int>(m_visible.size()), m_top + lines);
     m_drawn = end - m_top;
+    keep_lines({m_visible.begin() + m_top, m_visible.begin() + end});
     for (int i = m_top; i < end; ++i) {
-        draw_entry(lcd, first_row + i - m_top, *m_visible[static_cast<size_t>(i)],
-                   i == m_cursor && !m_is_at_rest);
+        Data_entry& entry = *m_visible[static_cast<size_t>(i)];
+        const int row = first_row + i - m_top;
+        lcd.put(row, 0, i == m_cursor && !m_is_at_rest ? ">" : " ");
+        m_lines[&entry].draw(lcd, row, CURSOR_COLUMNS, texts_of(entry));
     }
 }
 
-void List_view::draw_title(Lcd& lcd) const {
-    lcd.put(0, 0, m_menu.menu->Get_name());
-    if (!m_visible.empty()) {
-        lcd.put_right(0,
-                      " " + std::to_string(m_cursor + 1) + "/" + std::to_string(m_visible.size()));
-    }
+void List_view::draw_title(Lcd& lcd) {
+    const std::string place =
+        m_visible.empty() ? ""
+                          : std::to_string(m_cursor + 1) + "/" + std::to_string(m_visible.size());
+    m_title.draw(lcd, 0, 0, {m_menu.menu->Get_name(), place, ""});
 }
 
-void List_view::draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected) {
+void List_view::keep_lines(const std::vector<Data_entry*>& drawn) {
+    std::unordered_map<const Data_entry*, Text_line> kept;
+    for (const Data_entry* const entry : drawn) {
+        kept[entry] = std::move(m_lines[entry]);
+    }
+    m_lines = std::move(kept);
+}
+
+Text_line::Texts List_view::texts_of(Data_entry& entry) {
     const std::string name = entry.Get_name();
-    const int columns = lcd.size().columns;
-    const int shown = std::min(static_cast<int>(name.size()), name_columns(entry, columns));
-
-    lcd.put(row, 0, selected ? ">" : " ");
     if (is_menu(entry)) {
-        lcd.put(row, CURSOR_COLUMNS, name);
-        lcd.put_right(row, std::string(" ") + MENU_MARK);
-        return;
+        return {name, MENU_MARK, ""};
     }
-    lcd.put(row, CURSOR_COLUMNS, name.substr(0, static_cast<size_t>(shown)));
+    const std::string mark = is_read_only(entry) ? READ_ONLY_MARK : "";
     if (m_device.read_failed(housed(entry))) {
         m_alarm = true;
-        lcd.put_right(row, std::string(" ") + READ_ERROR);
-        return;
+        return {name, READ_ERROR, mark};
     }
-    const int value_columns = columns - CURSOR_COLUMNS - shown - 1;
-    lcd.put_right(row, display_value(entry, value_columns).value_or(NO_VALUE));
+    return {name, shown_value(entry).value_or(NO_VALUE), mark};
 }
 
 }  // namespace frontpanel

@@ -4,11 +4,13 @@
 
 #include <functional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <frontpanel_display/lcd.h>
 #include "device_link.h"
 #include "navigation/menu_path.h"
+#include "views/text_line.h"
 
 namespace frontpanel {
 
@@ -44,8 +46,10 @@ public:
     bool alarm() const { return m_alarm; }
 
 private:
-    void draw_title(Lcd& lcd) const;
-    void draw_entry(Lcd& lcd, int row, Data_entry& entry, bool selected);
+    void draw_title(Lcd& lcd);
+    Text_line::Texts texts_of(Data_entry& entry);
+    // The lines of the entries that are drawn, so that each goes on scrolling where it was.
+    void keep_lines(const std::vector<Data_entry*>& drawn);
     void refresh(const std::function<bool(size_t, Data_entry*)>& is_due);
     bool is_drawn(const Data_entry* entry) const;
     void place_cursor(Data_entry* wanted);
@@ -63,6 +67,8 @@ private:
     bool m_is_at_rest = false;
     std::string m_rest_text;
     bool m_wrap = false;
+    Text_line m_title;
+    std::unordered_map<const Data_entry*, Text_line> m_lines;
 };
 
 }  // namespace frontpanel

@@ -8,7 +8,7 @@ namespace {
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
 constexpr int LEAST_ROWS_WITH_HINT = 3;
-constexpr const char* QUESTION_MARK = " ok?";
+constexpr const char* QUESTION_MARK = "ok?";
 constexpr const char* HINT = "select/back";
 
 Scrolling_text scrolling(const std::string& text) {
@@ -20,11 +20,11 @@ Scrolling_text scrolling(const std::string& text) {
 }  // namespace
 
 void Notices::tell(const std::string& title, const std::string& text, bool alarm) {
-    m_notices.push_back({title, {scrolling(text)}, alarm, nullptr});
+    m_notices.push_back({title, {}, {scrolling(text)}, alarm, nullptr});
 }
 
 void Notices::ask(const std::string& title, const std::vector<std::string>& texts, Answer answer) {
-    Notice notice{title, {}, false, std::move(answer)};
+    Notice notice{title, {}, {}, false, std::move(answer)};
     for (const std::string& text : texts) {
         notice.texts.push_back(scrolling(text));
     }
@@ -66,13 +66,11 @@ void Notices::cancel() {
 void Notices::draw(Frame& frame) {
     Notice& shown = m_notices.front();
     const Lcd_size size = frame.lcd.size();
-    frame.lcd.put(TITLE_ROW, 0, shown.title);
+    shown.title_line.draw(frame.lcd, TITLE_ROW, 0,
+                          {shown.title, shown.answer != nullptr ? QUESTION_MARK : "", ""});
     frame.lcd.put(TEXT_ROW, 0, shown.texts.front().show(size.columns));
-    if (shown.answer != nullptr) {
-        frame.lcd.put_right(TITLE_ROW, QUESTION_MARK);
-        if (size.rows >= LEAST_ROWS_WITH_HINT) {
-            frame.lcd.put_right(size.rows - 1, HINT);
-        }
+    if (shown.answer != nullptr && size.rows >= LEAST_ROWS_WITH_HINT) {
+        frame.lcd.put_right(size.rows - 1, HINT);
     }
     frame.leds.alarm = shown.alarm;
 }

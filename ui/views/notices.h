@@ -11,6 +11,7 @@
 
 #include <frontpanel_display/key.h>
 #include <frontpanel_display/lcd.h>
+#include "views/text_line.h"
 
 namespace frontpanel {
 
@@ -36,6 +37,7 @@ public:
 private:
     struct Notice {
         std::string title;
+        Text_line title_line;
         std::vector<Scrolling_text> texts;  // the first is shown
         bool alarm;
         Answer answer;  // null for none

@@ -72,6 +72,7 @@ private:
     int32_t m_selected = 0;
     int32_t m_selected_line = 0;
     bool m_use_line_info = false;
+    bool m_is_nowhere = false;  // on a key without an option; the first step leads to an option
 };
 
 }  // namespace frontpanel

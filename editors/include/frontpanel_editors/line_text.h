@@ -1,32 +1,50 @@
 // Texts on a display line that may be too short for them.
+//
+// Texts are UTF-8; widths and columns count characters, and bytes that are no UTF-8 one by one. A word that holds a
+// digit is never cut unseen, since the rest of a number reads as another number: '<' or '>' stands at the end of the
+// line where the word goes on.
 #ifndef FRONTPANEL_EDITORS_LINE_TEXT_H
 #define FRONTPANEL_EDITORS_LINE_TEXT_H
 
 #include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace frontpanel {
 
 struct Editor_view;
 
+// The characters of a text, the columns that it takes.
+int width_of(std::string_view text);
+// The beginning of a text, at most `columns` characters.
+std::string start_of(std::string_view text, int columns);
+
 // A text without cursor: one that is too long is held at its start for two calls, then moves left by one
-// character a call, with one blank between its end and its start, as the entries' own texts do.
+// character a call. Three blanks between its end and its start show where it begins.
 class Scrolling_text {
 public:
     // Takes another text and starts at its beginning. Blanks at its end are dropped.
     void set(std::string text);
     // Takes another text, and goes on with one that is shown already.
     void update(std::string text);
+    // Takes the text of the same value by now, and goes on where it is: a clock would never come to its end.
+    void follow(std::string text);
     // The part to show now, at most `columns` characters. Each call moves on.
     std::string show(int columns);
+    int width() const { return static_cast<int>(m_characters.size()); }
 
 private:
+    void take(std::string text);
+
     std::string m_text;
+    std::vector<std::string> m_characters;
     std::size_t m_offset = 0;
     int m_held = 0;  // calls for which the start is still held
 };
 
-// Puts the part of `text` around the character `cursor` on the line, with the cursor under that character.
+// Puts the part of `text` around the character at byte `cursor` on the line, with the cursor under that character, and
+// all of its word where the line has room for it.
 void show_with_cursor(const std::string& text, std::size_t cursor, int columns, Editor_view& shown);
 
 }  // namespace frontpanel

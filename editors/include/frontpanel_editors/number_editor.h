@@ -9,6 +9,7 @@
 #define FRONTPANEL_EDITORS_NUMBER_EDITOR_H
 
 #include <frontpanel_editors/editor_base.h>
+#include <frontpanel_editors/line_text.h>
 
 #include <cstdint>
 
@@ -44,6 +45,7 @@ private:
     int m_proposed = 0;
     int m_opened = 0;  // the entry's value when it was opened
     int m_step = 1;
+    Scrolling_text m_text;  // without a digit for the cursor
 };
 
 }  // namespace frontpanel

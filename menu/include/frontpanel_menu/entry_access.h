@@ -1,13 +1,11 @@
 // How the panel reaches into an entry whatever its type: neighbours and refresh through the library's
-// dispatcher, display and commit by the entry's kind, since each leaf class brings its own.
+// dispatcher, commit by the entry's kind, since each leaf class brings its own.
 #ifndef FRONTPANEL_MENU_ENTRY_ACCESS_H
 #define FRONTPANEL_MENU_ENTRY_ACCESS_H
 
 #include <frontpanel_data/data_entry.h>
 
 #include <cstdint>
-#include <optional>
-#include <string>
 
 namespace frontpanel {
 
@@ -39,10 +37,6 @@ bool is_menu(const Data_entry& entry);
 // Whether the entry's options come from a card and not its value from the device.
 bool is_live_pid(uint32_t pid);
 bool is_live(const Data_entry& entry);
-
-// The value as the display shows it, at most `columns` characters; a text that does not fit scrolls by one
-// character a call. Empty for an entry without a value, nothing when the entry cannot show its value.
-std::optional<std::string> display_value(Data_entry& entry, int columns);
 
 // Writes the entry's value to the device and refreshes what depends on it. 0 on success.
 int commit(Data_entry& entry, Data_interface& device);

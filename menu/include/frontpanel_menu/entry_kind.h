@@ -45,8 +45,8 @@ struct Entry_kind {
     // Builds an item where it stands. Placed_error, or Told_already, when that is not possible.
     void (*build)(Load_context& context, const Json_value& item, const Spot& spot);
 
-    // The value as `display_value` shows it, of the entry itself or of a link to it.
-    std::optional<std::string> (*display)(Data_entry& shown, int columns);
+    // The value as `shown_value` returns it.
+    std::optional<std::string> (*display)(Data_entry& entry);
     // Writes the value as `commit` does.
     int (*commit)(Data_entry& entry, Data_interface& device);
     // A new editor of its values, which is a `Selection`, too; null for a kind without editor.

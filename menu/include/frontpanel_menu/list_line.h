@@ -1,17 +1,24 @@
-// The columns of a line in a list: cursor, name, a blank, and the value or the mark of a menu.
+// The columns of a line: in a list the cursor, the name, a blank, and the value or the mark of a menu; in a title the
+// name, a blank, and what stands on its right.
 #ifndef FRONTPANEL_MENU_LIST_LINE_H
 #define FRONTPANEL_MENU_LIST_LINE_H
-
-#include <frontpanel_data/data_entry.h>
 
 namespace frontpanel {
 
 constexpr int CURSOR_COLUMNS = 1;
-constexpr int LEAST_VALUE_COLUMNS = 8;
-constexpr const char* MENU_MARK = "...";  // behind the name of an entry that opens a menu
+constexpr int LEAST_VALUE_COLUMNS = 8;       // of a value that goes round
+constexpr const char* MENU_MARK = "...";     // behind the name of an entry that opens a menu
+constexpr const char* READ_ONLY_MARK = "=";  // behind the name of an entry that cannot be changed
 
-// The columns for an entry's name on a display of `columns` columns.
-int name_columns(const Data_entry& entry, int columns);
+struct Line_room {
+    int left;
+    int right;
+};
+
+// The columns for two texts with a blank between them, of `columns` in all: the right one has what it needs and the left
+// one the rest, at least one. A right one that is too wide even so goes round beside as much of the left one as leaves
+// it LEAST_VALUE_COLUMNS.
+Line_room room_of(int left, int right, int columns);
 
 }  // namespace frontpanel
 

@@ -19,7 +19,10 @@ public:
 
     using Enum_entry::Enum_entry;
 
+    // Counts the options too, so that positions, count and texts are those of the list that was just fetched.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
+    // Forgets the options of the list before.
+    int updateControlOptionMap() override;
     int Commit(Data_interface* pDataAccessInf) override;
 };
 

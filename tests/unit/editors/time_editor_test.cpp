@@ -121,9 +121,11 @@ TEST(TimeEditor, AShortLineShowsThePartAroundTheField) {
     Time entry("2024-05-01 12:30");
     Time_editor editor;
     editor.Prepare(&entry);
-    EXPECT_EQ(editor.view(8).text, "01 12:30");
+    EXPECT_EQ(editor.view(8).text, "<1 12:30");
+    EXPECT_EQ(editor.view(8).cursor, 7);
     press_keys(editor, "9<");
-    EXPECT_EQ(editor.view(8).text, "2024-05-");
+    EXPECT_EQ(editor.view(8).text, "2024-05>");
+    EXPECT_EQ(editor.view(8).cursor, 3);
 }
 
 TEST(TimeEditor, AReadOnlyTimeIsViewedAndScrolls) {
@@ -132,7 +134,7 @@ TEST(TimeEditor, AReadOnlyTimeIsViewedAndScrolls) {
     editor.Prepare(&entry);
     press_locked_keys(editor);
     EXPECT_EQ(frames(editor, 6, 4),
-              (std::vector<std::string>{"12:30:", "12:30:", "12:30:", "2:30:4"}));
+              (std::vector<std::string>{"12:30>", "12:30>", "12:30>", "<:30:>"}));
     EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::DISCARDED);
 }
 

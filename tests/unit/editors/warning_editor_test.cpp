@@ -54,9 +54,9 @@ TEST(WarningEditor, ALongTextScrollsOnceRoundAndIsHeldAgain) {
     Warning entry("ABCDEF");
     Warning_editor editor;
     editor.Prepare(&entry);
-    EXPECT_EQ(frames(editor, 4, 11),
-              (std::vector<std::string>{"ABCD", "ABCD", "ABCD", "BCDE", "CDEF", "DEF ", "EF A",
-                                        "F AB", "ABCD", "ABCD", "ABCD"}));
+    EXPECT_EQ(frames(editor, 4, 14),
+              (std::vector<std::string>{"ABCD", "ABCD", "ABCD", "BCDE", "CDEF", "DEF ", "EF  ",
+                                        "F   ", "   A", "  AB", " ABC", "ABCD", "ABCD", "ABCD"}));
 }
 
 TEST(WarningEditor, EveryOpeningStartsAtTheBeginningOfTheText) {

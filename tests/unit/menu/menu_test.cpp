@@ -6,6 +6,7 @@
 
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/menu_loader.h>
+#include <frontpanel_menu/shown_value.h>
 #include "support/json_places.h"
 
 namespace frontpanel {
@@ -57,7 +58,7 @@ TEST(MenuOverADevice, ShowsAndWritesWhatTheDeviceHolds) {
     EXPECT_EQ(device.accesses, 0) << "loading leaves the device alone";
     Data_entry& gain = *loaded.menu->root().Get_child();
     EXPECT_EQ(refresh(gain, loaded.menu->access()), 0);
-    EXPECT_EQ(display_value(gain, 8), "7");
+    EXPECT_EQ(shown_value(gain), "7");
     constexpr int32_t QUIET = 2;
     gain.Set_value(&QUIET, sizeof QUIET);
     EXPECT_EQ(commit(gain, loaded.menu->access()), 0);

@@ -1,4 +1,5 @@
 #include <frontpanel_menu/mounted_menu.h>
+#include <frontpanel_menu/shown_value.h>
 
 #include <filesystem>
 #include <fstream>
@@ -60,12 +61,12 @@ TEST_F(Mounted_presets, WriteTheirValuesWhenTheyAreCommitted) {
     EXPECT_EQ(commit(preset, menu.access()), 0);
     EXPECT_EQ(m_loaded.device().integer(100, 1), 3);
     preset.Inc_value(1, 0);
-    EXPECT_EQ(display_value(preset, 8), "load");
+    EXPECT_EQ(shown_value(preset), "load");
     EXPECT_EQ(commit(preset, menu.access()), 0);
     EXPECT_EQ(m_loaded.device().integer(100, 1), -10);
     EXPECT_EQ(m_loaded.device().integer(100, 2), 7);
     EXPECT_EQ(m_loaded.device().text(102, 0), "Sport");
-    EXPECT_EQ(display_value(preset, 8), "-");
+    EXPECT_EQ(shown_value(preset), "-");
 }
 
 TEST_F(Mounted_presets, TellWhichFilesCannotBeUsed) {
@@ -75,7 +76,7 @@ TEST_F(Mounted_presets, TellWhichFilesCannotBeUsed) {
     Menu& menu = load();
     Data_entry* preset = enter();
     for (int i = 0; i < 3; ++i, preset = preset->Get_next()) {
-        EXPECT_EQ(display_value(*preset, 8), "damaged");
+        EXPECT_EQ(shown_value(*preset), "damaged");
         EXPECT_EQ(preset->Get_access_type(), Data_entry::READ_ONLY);
         EXPECT_EQ(commit(*preset, menu.access()), 0);
     }

@@ -40,12 +40,12 @@ TEST(ControllerTypes, ATextKeepsItsValueOnBack) {
 
 TEST(ControllerTypes, ALongTextScrollsInTheList) {
     Menu_panel panel(menu_text(PARAMETERS, TEXT));
-    panel.device().set_text(20, 0, "Studio A, left");
+    panel.device().set_text(20, 0, "Studio A, on the left");
     panel.controller().tick();
-    EXPECT_EQ(panel.lines()[0], ">Label Studio A, lef");
-    EXPECT_EQ(panel.lines()[0], ">Label Studio A, lef");
-    EXPECT_EQ(panel.lines()[0], ">Label Studio A, lef");
-    EXPECT_EQ(panel.lines()[0], ">Label tudio A, left");
+    EXPECT_EQ(panel.lines()[0], ">Label Studio A, on ");
+    EXPECT_EQ(panel.lines()[0], ">Label Studio A, on ");
+    EXPECT_EQ(panel.lines()[0], ">Label Studio A, on ");
+    EXPECT_EQ(panel.lines()[0], ">Label tudio A, on t");
 }
 
 TEST(ControllerTypes, AnAddressIsEditedAndWritten) {

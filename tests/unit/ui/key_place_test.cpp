@@ -88,7 +88,7 @@ TEST(Arrows, LeaveAnEditorThatOnlyShowsItsValue) {
     shown.press(Key::RIGHT);
     EXPECT_EQ(shown.lines()[0], "Label               ");
     shown.press(Key::LEFT);
-    EXPECT_EQ(shown.lines()[0], ">Label          Main");
+    EXPECT_EQ(shown.lines()[0], ">Label=         Main");
 }
 
 TEST_F(ArrowKeys, TurnNotAboutWithTheEncoder) {

@@ -113,7 +113,7 @@ TEST_F(Mounted_menu_visits, APresetOfMoreThan64KibibytesShowsAsDamaged) {
     write("Film.json", largest);
     write("Hide.json", largest + " ");
     panel().press(Key::SELECT);
-    EXPECT_EQ(panel().lines(), (Lines{">Film              -", " Hide        damaged"}));
+    EXPECT_EQ(panel().lines(), (Lines{">Film              -", " Hide=       damaged"}));
     EXPECT_EQ(panel().menu().mounted_menus().at(0)->problems(),
               Lines{m_folder.file("presets/Hide.json") + ": is larger than 64 KiB"});
 }

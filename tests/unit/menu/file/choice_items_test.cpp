@@ -11,16 +11,6 @@ TEST(ChoiceItems, AChoiceWithoutProductOptionsStaysBesideThoseThatHaveSome) {
     auto* const entry = dynamic_cast<Enum_entry*>(loaded.menu->root().Get_child());
     ASSERT_NE(entry, nullptr);
     EXPECT_EQ(entry->optionControls(), (ControlsT{0, 2}));
-    EXPECT_EQ(loaded.warnings,
-              (Lines{placed(text,
-                            "menu.json: /menu/items/0/choices: warning: a choice behind a "
-                            "hidden one may show as ---")}));
-}
-
-TEST(ChoiceItems, HiddenChoicesAtTheEndOfTheListAreNotWarnedOf) {
-    Simulated_menu loaded = simulated_text(with_item_of("enum", R"("pid": 5,
-        "choices": ["Off", {"text": "GPS", "options": ["gps"]},
-                    {"text": "Modem", "options": ["modem"]}])"));
     EXPECT_TRUE(loaded.warnings.empty());
 }
 

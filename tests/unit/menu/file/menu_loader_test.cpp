@@ -248,8 +248,8 @@ TEST(MenuLoader, WarningsAreToldWithTheErrors) {
     EXPECT_EQ(complaints[0], error_of(text));
     EXPECT_NE(complaints[0].find("found \"knob\""), std::string::npos);
     EXPECT_EQ(complaints[1], placed(text,
-                                    "menu.json: /menu/items/0/name: warning: a display of 20 "
-                                    "columns shows this name as \"Temperatur\""));
+                                    "menu.json: /menu/items/0/name: warning: a list of 20 columns "
+                                    "has room for \"Temperatur\" of this name"));
     EXPECT_EQ(complaints[2], placed(text,
                                     "menu.json: /menu/items/1/options: warning: none of these "
                                     "options is declared, so this is never shown"));

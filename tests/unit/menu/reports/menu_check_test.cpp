@@ -20,10 +20,12 @@ TEST(MenuCheck, AMenuWithoutErrorsIsCounted) {
     const Menu_check check = check_menu(document);
     EXPECT_TRUE(check.errors.empty());
     EXPECT_EQ(check.entry_count, 2U);
-    EXPECT_EQ(check.warnings, (std::vector<std::string>{placed(
-                                  text,
-                                  "menu.json: /menu/items/0/name: warning: a display of 20 columns "
-                                  "shows this name as \"A name tha\"")}));
+    EXPECT_EQ(check.warnings,
+              (std::vector<std::string>{
+                  placed(text,
+                         "menu.json: /menu/items/0/name: warning: a list of 20 columns has "
+                         "room for \"A name that is to\" of this name beside the value "
+                         "\"0\"")}));
 }
 
 TEST(MenuCheck, ErrorsAndWarningsAreListsOfTheirOwn) {

@@ -1,0 +1,115 @@
+#include <frontpanel_editors/line_text.h>
+#include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/list_line.h>
+
+#include <map>
+#include <set>
+#include <tuple>
+#include <utility>
+
+#include "check/checks.h"
+#include "check/widest_value.h"
+#include "file/item_members.h"
+
+namespace frontpanel {
+namespace {
+
+std::string quoted(const std::string& text) {
+    return "\"" + text + "\"";
+}
+
+bool ends_with(const std::string& text, const std::string& end) {
+    return text.size() >= end.size() &&
+           text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+class Line_widths {
+public:
+    explicit Line_widths(int columns)
+        : m_columns(columns), m_list_columns(columns - CURSOR_COLUMNS) {}
+
+    void check_values(const Built_menu& built) {
+        Widest_values widest;
+        for (const Built_menu::Item& item : built.items) {
+            if (auto text = widest.of(*item.entry, item.item)) {
+                m_widest[item.entry] = std::move(*text);
+                warn_of_value(item);
+            }
+        }
+    }
+
+    void check_name(const Json_value& place, const Data_entry& entry) {
+        const std::string name = entry.Get_name();
+        const auto widest = m_widest.find(&housed(entry));
+        const bool is_known = widest != m_widest.end();
+        const int value = is_menu(entry) ? width_of(MENU_MARK)
+                          : is_known     ? width_of(widest->second)
+                                         : LEAST_VALUE_COLUMNS;
+        const Line_room room = room_of(width_of(name), value, m_list_columns);
+        // A value that goes round is warned of itself.
+        if (room.left < width_of(name) && room.right >= value) {
+            warn(place, "a list of " + std::to_string(m_columns) + " columns has room for " +
+                            quoted(start_of(name, room.left)) + " of this name" +
+                            (is_known ? " beside the value " + quoted(widest->second) : ""));
+        }
+    }
+
+    // A link's name is that of its target behind those of the menus around it, cut where it is too long.
+    void check_link(const Built_menu::Link& link) {
+        const std::string name = link.link->Get_name();
+        if (ends_with(name, link.target->Get_name())) {
+            check_name(link.reference, *link.link);
+        } else {
+            link.reference.warn(
+                "this link is named \"" + name +
+                "\": with those of the menus around it, the name of its target is too long");
+        }
+    }
+
+private:
+    void warn_of_value(const Built_menu::Item& item) {
+        const std::string& text = m_widest.at(item.entry);
+        const int width = width_of(text);
+        if (room_of(1, width, m_list_columns).right >= width) {
+            return;
+        }
+        const Json_value* place = &item.item;
+        const auto format = item.item.find(member::FORMAT);
+        const auto choices = item.item.find(member::CHOICES);
+        place = format ? &*format : choices ? &*choices : place;
+        const std::string columns = std::to_string(m_columns) + " columns ";
+        warn(*place, (width > m_columns ? "a list and an editor of " + columns + "have"
+                                        : "a list of " + columns + "has") +
+                         " no room for this value at once: " + quoted(text));
+    }
+
+    // The items of a repetition stand in one place.
+    void warn(const Json_value& place, const std::string& text) {
+        const Place& at = place.place();
+        if (m_told.insert({at.source, at.line, at.column, text}).second) {
+            place.warn(text);
+        }
+    }
+
+    int m_columns;
+    int m_list_columns;
+    std::map<const Data_entry*, std::string> m_widest;
+    std::set<std::tuple<const Source*, uint32_t, uint32_t, std::string>> m_told;
+};
+
+}  // namespace
+
+void check_line_widths(const Built_menu& built, const Problems& problems) {
+    Line_widths widths(built.columns);
+    if (problems.error_count() == 0) {
+        widths.check_values(built);
+    }
+    for (const Built_menu::Name& name : built.names) {
+        widths.check_name(name.place, *name.entry);
+    }
+    for (const Built_menu::Link& link : built.links) {
+        widths.check_link(link);
+    }
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,26 @@
+// Enumerations and slot lists that deliver the key that the device holds, also one without an option.
+#ifndef FRONTPANEL_MENU_CHOICE_ENTRY_H
+#define FRONTPANEL_MENU_CHOICE_ENTRY_H
+
+#include <frontpanel_data/data_entry.h>
+#include <frontpanel_editors/value_text.h>
+
+namespace frontpanel {
+
+class Choice_entry : public Enum_entry, public Stored_key {
+public:
+    using Enum_entry::Enum_entry;
+
+    int stored_key() override;
+};
+
+class Slot_choice_entry : public Slot_enum_entry, public Stored_key {
+public:
+    using Slot_enum_entry::Slot_enum_entry;
+
+    int stored_key() override;
+};
+
+}  // namespace frontpanel
+
+#endif
