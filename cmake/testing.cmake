@@ -9,7 +9,7 @@ target_precompile_headers(frontpanel_test_headers PRIVATE <gmock/gmock.h> <gtest
 
 # Labels name the builds that cannot run a test; the test presets leave it out there.
 #   native          not under an emulator
-#   uninstrumented  not with sanitizers or coverage, whose run-time libraries add to the exports
+#   uninstrumented  not with sanitizers or coverage, whose run-time libraries add to the exports and the memory
 
 # frontpanel_program_file(<variable> <target>)
 #

@@ -15,7 +15,7 @@ namespace frontpanel {
 class Live_entry : public Enum_entry {
 public:
     // Of each file. A fetch makes two.
-    static constexpr std::size_t LARGEST_FILE = std::size_t{6} * 1024 * 1024;
+    static constexpr std::size_t LARGEST_FILE = std::size_t{1} * 1024 * 1024;
 
     using Enum_entry::Enum_entry;
 

@@ -2,6 +2,7 @@
 #include <frontpanel_data/live_data_processor.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -154,6 +155,13 @@ void drip(const Hostile_card::Send& send, const std::string& head, const std::st
     }
 }
 
+// The most that this process has had so far.
+long most_memory_kib() {
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    return used.ru_maxrss;
+}
+
 off_t size_of(const std::string& file) {
     struct stat status {};
     return stat(file.c_str(), &status) == 0 ? status.st_size : 0;
@@ -281,6 +289,25 @@ TEST_F(Hostile_card_test, ADocumentMayBeAsLargeAsTheLimitAndNoLarger) {
     const std::string other = gzip(document_of(LARGEST_FILE + 1));
     fetch([&other](const auto& send) { send_whole(send, other); });
     EXPECT_EQ(size_of(m_document), 0);
+}
+
+// Some kilobytes make a list of as many options as fit the limit, each of which the entry has to keep a place for.
+TEST_F(Hostile_card_test, AListOfEmptyOptionsTakesLittleMemory) {
+    constexpr long MOST_KIB = 100000;
+    std::string text = R"({"state":{"value":"0"},"options":[{"value":"0","label":"On"})";
+    const std::string end = "]}";
+    const std::string option = ",{}";
+    while (text.size() + option.size() + end.size() <= Live_entry::LARGEST_FILE) {
+        text += option;
+    }
+    const std::string packed = gzip(text + end);
+    EXPECT_LT(packed.size(), 20000U);
+    const long before = most_memory_kib();
+    for (int i = 0; i < MOST_TRIES && shown() != "On"; ++i) {
+        fetch([&packed](const auto& send) { send_whole(send, packed); });
+    }
+    EXPECT_EQ(shown(), "On");
+    EXPECT_LT(most_memory_kib() - before, MOST_KIB);
 }
 
 TEST_F(Hostile_card_test, ABodyThatDripsIsGivenUp) {
