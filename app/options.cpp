@@ -27,7 +27,7 @@ std::string parse_size(const std::string& text, Lcd_size& size) {
     return "";
 }
 
-// An empty name is refused: it mostly comes from a variable that was never set.
+// An empty name is rejected: it usually comes from a variable that was never set.
 void add_file(CLI::App& app, const std::string& name, std::string& file,
               const std::string& description) {
     app.add_option(name, file, description)->type_name("FILE")->check([](const std::string& given) {
@@ -38,7 +38,7 @@ void add_file(CLI::App& app, const std::string& name, std::string& file,
 // The columns of a line of help: an option, then what it does.
 constexpr size_t OPTION_WIDTH = 27;
 
-// The whole help, which fits a terminal of 24 lines: a line an option, and what people do with them.
+// The help fits a terminal of 24 lines: one line for each option, then examples.
 class Help : public CLI::Formatter {
 public:
     std::string make_help(const CLI::App* app, std::string /*name*/,
@@ -89,21 +89,21 @@ void describe_front(CLI::App& app, Options& options) {
                "Keys of lcdproc, such as Enter=select,F1=1")
         ->type_name("KEYS");
     add_parsed(app, "--timeout", options.time_out, parse_time_out,
-               "Rests without keys for so long, 300; 0: never")
+               "Idle seconds before dimming (default 300, 0: never)")
         ->type_name("SECONDS");
     app.add_flag("--no-acceleration", options.no_acceleration,
-                 "A quick turn of the encoder counts as a slow one");
-    add_file(app, "--pin-file", options.pin_file, "A resting panel asks for the PIN in this file");
+                 "Disable encoder acceleration");
+    add_file(app, "--pin-file", options.pin_file, "Lock with the PIN in this file");
 }
 
-// What is printed in place of showing the panel.
+// Options that print something instead of showing the panel.
 void describe_reports(CLI::App& app, Options& options) {
     CLI::Option* const dump =
-        app.add_flag("--dump", options.dump, "Only print the menu, a line each");
+        app.add_flag("--dump", options.dump, "Print the menu, one entry a line, then exit");
     CLI::Option* const graph =
-        app.add_flag("--graph", options.graph, "Only print the menu for Graphviz");
+        app.add_flag("--graph", options.graph, "Print the menu for Graphviz, then exit");
     CLI::Option* const explain =
-        app.add_option("--explain", options.explain, "Only tell why an entry is as it is")
+        app.add_option("--explain", options.explain, "Explain an entry's state, then exit")
             ->type_name("ENTRY")
             ->check([](const std::string& given) {
                 return given.empty() ? "expected a path or an id" : std::string();
@@ -128,19 +128,19 @@ void describe(CLI::App& app, Options& options) {
                }
                options.has_size = true;
            },
-           "The display's characters (default 20x4)")
+           "Display size in characters (default 20x4)")
         ->type_name("COLUMNSxROWS");
     add_file(app, "--state", options.state, "Keep the device's values in this file");
-    add_file(app, "--screenshot", options.screenshot, "Make an SVG picture of the panel, and end");
-    add_file(app, "--log", options.log, "Where the library's diagnostics go");
+    add_file(app, "--screenshot", options.screenshot, "Write an SVG picture of the panel, then exit");
+    add_file(app, "--log", options.log, "File for the library's diagnostics");
     app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401")
         ->type_name("MASK");
     describe_front(app, options);
-    app.add_flag("--check", options.check, "Only check the menu, and the script if any");
+    app.add_flag("--check", options.check, "Check the menu, and the script if any, then exit");
     describe_reports(app, options);
     app.footer(
-        "frontpanel --menu my.json --state my.values     values survive a restart\n"
-        "frontpanel --menu my.json --check               what is wrong with a menu\n"
+        "frontpanel --menu my.json --state my.values     keep values over a restart\n"
+        "frontpanel --menu my.json --check               report the menu's mistakes\n"
         "frontpanel --script my.script --screenshot my.svg");
     app.formatter(std::make_shared<Help>());
 }

@@ -38,7 +38,7 @@ struct Options {
     uint32_t debug = 0;            // mask of the library's diagnostics
     bool dump = false;             // only print the menu
     bool graph = false;            // only print the menu as a graph
-    std::string explain;           // only tell of this entry; empty for none
+    std::string explain;           // the entry to explain; empty for none
     bool check = false;            // only check the menu, and the script if one is named
 };
 

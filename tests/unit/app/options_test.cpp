@@ -134,10 +134,10 @@ TEST(Options, AReportThatCannotBeWrittenIsNoSuccess) {
 
 TEST(Options, HelpHasALineForEachOption) {
     const std::string help = parse({"-h"}).out;
-    EXPECT_NE(help.find("\n      --screenshot FILE    Make an SVG picture of the panel, and end\n"),
+    EXPECT_NE(help.find("\n      --screenshot FILE    Write an SVG picture of the panel, then exit\n"),
               std::string::npos)
         << help;
-    EXPECT_NE(help.find("\n      --check              Only check"), std::string::npos) << help;
+    EXPECT_NE(help.find("\n      --check              Check the menu"), std::string::npos) << help;
     EXPECT_NE(help.find("\n  -h, --help               Print"), std::string::npos) << help;
 }
 
