@@ -36,7 +36,7 @@ std::string folder_pattern() {
     std::error_code error;
     std::string name = (std::filesystem::temp_directory_path(error) / "frontpanel-XXXXXX").string();
     if (error) {
-        throw Input_error("no folder for temporary files can be made: " + error.message());
+        throw Input_error("cannot create a temporary folder: " + error.message());
     }
     return name;
 }
@@ -50,8 +50,7 @@ Curl_home::Curl_home() : m_folder(folder_pattern()), m_file(m_folder + "/.curlrc
         m_before = before;
     }
     if (mkdtemp(m_folder.data()) == nullptr) {
-        throw Input_error("no folder for temporary files can be made: " +
-                          std::string(std::strerror(errno)));
+        throw Input_error("cannot create a temporary folder: " + std::string(std::strerror(errno)));
     }
     m_file.replace(0, m_folder.size(), m_folder);
     made_folder = m_folder.c_str();

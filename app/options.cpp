@@ -91,8 +91,7 @@ void describe_front(CLI::App& app, Options& options) {
     add_parsed(app, "--timeout", options.time_out, parse_time_out,
                "Idle seconds before dimming (default 300, 0: never)")
         ->type_name("SECONDS");
-    app.add_flag("--no-acceleration", options.no_acceleration,
-                 "Disable encoder acceleration");
+    app.add_flag("--no-acceleration", options.no_acceleration, "Disable encoder acceleration");
     add_file(app, "--pin-file", options.pin_file, "Lock with the PIN in this file");
 }
 
@@ -131,7 +130,8 @@ void describe(CLI::App& app, Options& options) {
            "Display size in characters (default 20x4)")
         ->type_name("COLUMNSxROWS");
     add_file(app, "--state", options.state, "Keep the device's values in this file");
-    add_file(app, "--screenshot", options.screenshot, "Write an SVG picture of the panel, then exit");
+    add_file(app, "--screenshot", options.screenshot,
+             "Write an SVG picture of the panel, then exit");
     add_file(app, "--log", options.log, "File for the library's diagnostics");
     app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401")
         ->type_name("MASK");

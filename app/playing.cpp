@@ -50,7 +50,7 @@ std::string script_of(const Options& options) {
     const Lcd_size usual;
     if (options.menu != shipped_menu() || options.size.columns != usual.columns ||
         options.size.rows != usual.rows) {
-        throw Input_error("standard output is no terminal: name a script with --script");
+        throw Input_error("standard output is not a terminal: name a script with --script");
     }
     return shipped_tour();
 }

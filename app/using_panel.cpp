@@ -63,10 +63,10 @@ void check_front(const Options& options, const Display_row& display, const Outpu
         return;
     }
     if (!has_terminal(log)) {
-        throw Input_error("standard output is no terminal: name a script with --script");
+        throw Input_error("standard output is not a terminal: name a script with --script");
     }
     if (isatty(STDIN_FILENO) == 0) {
-        throw Input_error("standard input is no terminal: name a script with --script");
+        throw Input_error("standard input is not a terminal: name a script with --script");
     }
 }
 

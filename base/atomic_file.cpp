@@ -40,7 +40,7 @@ fs::path writable_target_of(const std::string& file) {
         fail(file, error.value());
     }
     if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
-        fail(file, "it is no file");
+        fail(file, "not a regular file");
     }
     return target;
 }
@@ -90,7 +90,7 @@ Descriptor open_without_waiting(const std::string& file, const std::string& temp
     struct stat status = {};
     if (is_pipe_without_reader || fstat(descriptor.number(), &status) != 0 ||
         !S_ISREG(status.st_mode)) {
-        fail(file, temporary + " is no file");
+        fail(file, temporary + " is not a regular file");
     }
     return descriptor;
 }
@@ -135,7 +135,7 @@ bool write_all(int descriptor, const std::string& text) {
     return true;
 }
 
-// Without it the new name may not outlive a loss of power. A file system that cannot do it is none that keeps more.
+// Without it a loss of power may undo the renaming. Errors are ignored: not every file system can do it.
 void sync_folder(const fs::path& folder) {
     const Descriptor descriptor(
         open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

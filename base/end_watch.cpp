@@ -30,7 +30,7 @@ timespec span_of(std::chrono::milliseconds time) {
 
 End_watch::End_watch(std::chrono::milliseconds patience) : m_patience(patience) {
     if (pipe2(m_wake, O_CLOEXEC | O_NONBLOCK) != 0) {
-        throw Input_error(std::string("no pipe can be made: ") + std::strerror(errno));
+        throw Input_error(std::string("cannot create a pipe: ") + std::strerror(errno));
     }
     sigemptyset(&m_watched);
     for (const int signal_number : WATCHED) {

@@ -182,7 +182,7 @@ void Json_value::for_each_member(Work work) const {
             work(member);
         } else {
             m_problems->report(member.place,
-                               "member \"" + std::string(member.name) + "\" comes twice");
+                               "duplicate member \"" + std::string(member.name) + "\"");
         }
     }
 }

@@ -39,7 +39,7 @@ void add_key(Key_map& keys, const std::string& assignment) {
                           "\"");
     }
     if (!keys.insert({name, *key}).second) {
-        throw Input_error("key \"" + name + "\" is there twice");
+        throw Input_error("duplicate key \"" + name + "\"");
     }
 }
 

@@ -45,9 +45,9 @@ private:
     void settle();
     void send_frame();
     void say(const std::string& text);
-    void tell_size();
+    void report_size();
     void complain(const std::string& text);
-    void tell_lost_characters(const Lcd& lcd);
+    void report_lost_characters(const Lcd& lcd);
 
     Lcdproc_server m_server;
     Key_map m_keys;
@@ -64,10 +64,10 @@ private:
     std::optional<Frame> m_frame;            // to be shown
     bool m_fenced = false;                   // the server has not done yet
     bool m_hidden = false;                   // behind another client's screen
-    bool m_absence_told = false;
+    bool m_absence_reported = false;
     bool m_flaps = false;  // went away before it was steady, and has not been since
     int m_complaints = 0;
-    std::set<char32_t> m_lost;  // characters that were told
+    std::set<char32_t> m_lost;  // characters that were reported
 };
 
 Lcdproc_display::Client::Client(const Lcdproc_server& server, Key_map keys,
@@ -80,7 +80,7 @@ Lcdproc_display::Client::~Client() {
 }
 
 void Lcdproc_display::Client::show(const Frame& frame) {
-    tell_lost_characters(frame.lcd);
+    report_lost_characters(frame.lcd);
     m_frame = frame;
     send_frame();
     m_socket.service();
@@ -128,21 +128,21 @@ void Lcdproc_display::Client::lose(std::string reason, Time now) {
     m_pause = std::min(m_pause * 2, LONGEST_PAUSE);
     m_screen.reset();
     m_fenced = false;
-    if (!m_absence_told) {
-        m_absence_told = true;
-        say("is away (" + std::move(reason) + "); it is tried again until it is there");
+    if (!m_absence_reported) {
+        m_absence_reported = true;
+        say("is unreachable (" + std::move(reason) + "); retrying");
     }
 }
 
-// A server that greets and goes, over and over, is told of once, and asked less and less often, until it is steady.
+// A server that greets and goes, over and over, is reported once and retried less and less often until it is steady.
 void Lcdproc_display::Client::settle() {
     m_steady = Time::max();
     m_pause = FIRST_PAUSE;
     m_complaints = 0;
     if (m_flaps) {
         m_flaps = false;
-        m_absence_told = false;
-        tell_size();
+        m_absence_reported = false;
+        report_size();
     }
 }
 
@@ -206,8 +206,8 @@ std::optional<Front_event> Lcdproc_display::Client::take_greeting(Lcd_size size)
     m_steady = m_now + STEADY;
     m_server_size = size;
     if (!m_flaps) {
-        m_absence_told = false;
-        tell_size();
+        m_absence_reported = false;
+        report_size();
     }
     return m_fixed ? Front_event{Front_event::REDRAW}
                    : Front_event{Front_event::SIZE, {Key::UP}, panel_size_for(size)};
@@ -252,7 +252,7 @@ void Lcdproc_display::Client::say(const std::string& text) {
           << one_line(text) << std::endl;
 }
 
-void Lcdproc_display::Client::tell_size() {
+void Lcdproc_display::Client::report_size() {
     say("shows the panel on " + size_text(m_server_size));
 }
 
@@ -263,10 +263,10 @@ void Lcdproc_display::Client::complain(const std::string& text) {
     }
 }
 
-void Lcdproc_display::Client::tell_lost_characters(const Lcd& lcd) {
-    constexpr size_t MOST_TOLD = 256;
+void Lcdproc_display::Client::report_lost_characters(const Lcd& lcd) {
+    constexpr size_t MOST_REPORTED = 256;
     for (const char32_t character : lcd.lost()) {
-        if (m_lost.size() < MOST_TOLD && m_lost.insert(character).second) {
+        if (m_lost.size() < MOST_REPORTED && m_lost.insert(character).second) {
             say("cannot show the character " + code_point_name(character));
         }
     }

@@ -48,8 +48,7 @@ Placed_entry find_entry(Menu& menu, const std::string& name) {
         throw Input_error("the menu has no entry \"" + name + "\"");
     }
     if (found.size() > 1) {
-        throw Input_error("several entries are \"" + name +
-                          "\": name the one that is meant by its id");
+        throw Input_error("several entries are \"" + name + "\": name it by its id");
     }
     return found.front();
 }

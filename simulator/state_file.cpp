@@ -167,14 +167,15 @@ std::vector<std::string> State_file::restore() {
     }
     if (type != fs::file_type::regular) {
         throw Input_error(m_file +
-                          ": cannot be read: " + (error ? error.message() : "it is no file"));
+                          ": cannot be read: " + (error ? error.message() : "not a regular file"));
     }
     const std::string text = read_input_file(m_file, m_largest);
     try {
         apply(read(text), lines);
     } catch (const Input_error& damage) {
         if (!is_left_of_ours(text)) {
-            throw Input_error(damage.what() + std::string("; this is no state file of version ") +
+            throw Input_error(damage.what() +
+                              std::string("; this is not a state file of version ") +
                               std::to_string(VERSION) + " and stays as it is");
         }
         lines.push_back(damage.what() + std::string("; ") + put_aside());
@@ -194,7 +195,7 @@ State_file::Content State_file::read(const std::string& text) const {
     for (const Json_value& entry : root.member("values").items()) {
         const Memory_device::Value value = value_of(entry);
         if (!content.values.emplace(Key(value.pid, value.varidx, value.type), value).second) {
-            entry.fail("this parameter is there twice");
+            entry.fail("duplicate parameter");
         }
     }
     if (const auto selections = root.find("selections")) {
@@ -211,12 +212,12 @@ void State_file::read_selections(const Json_value& selections, Content& content)
         entry.expect_members({"slot", "pid", "option"});
         const Slot_and_pid key(int_of(entry.member("slot")), int_of(entry.member("pid")));
         if (!content.selections.emplace(key, int_of(entry.member("option"))).second) {
-            entry.fail("this list is there twice");
+            entry.fail("duplicate list");
         }
     }
 }
 
-// The oldest damaged file tells most of what went wrong, so none is replaced but the last.
+// The oldest damaged file shows best what went wrong, so only the last one is replaced.
 std::string State_file::put_aside() const {
     std::string aside;
     for (int i = 1; i <= MOST_ASIDE; ++i) {

@@ -95,8 +95,8 @@ bool Controller::settle() {
         if (debug_listener != nullptr) {
             debug_listener(0);  // to be found whatever masks are set
         }
-        std::printf("Bindings do not come to rest: %s\n", settled.path.c_str());
-        m_notices.tell("Bindings", "no rest: " + settled.path);
+        std::printf("Bindings do not settle: %s\n", settled.path.c_str());
+        m_notices.tell("Bindings", "unstable: " + settled.path);
     }
     return settled.refreshes > 0;
 }

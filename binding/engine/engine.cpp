@@ -236,7 +236,7 @@ std::vector<var_index_s> Engine::keys() const {
 bool Engine::evaluate(bool updates, bool tries) {
     m_errors.clear();
     if (m_core.cascade.is_frozen() && !tries) {
-        m_errors.push_back("not evaluated: entries that limit each other do not come to rest");
+        m_errors.push_back("not evaluated: entries that limit each other do not settle");
         return false;
     }
     if (!tries && m_core.cascade.is_too_deep()) {
@@ -257,7 +257,7 @@ bool Engine::evaluate(bool updates, bool tries) {
 }
 
 void Engine::report_cascade(const std::string& path) {
-    m_errors.push_back("the writes do not come to rest: " + path);
+    m_errors.push_back("the writes do not settle: " + path);
     print_error(m_errors.back());
 }
 

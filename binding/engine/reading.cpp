@@ -125,8 +125,8 @@ bool Reading::read_own(Value& value) {
     if (own == nullptr || own->rt != wanted) {
         note("value", false, value);
         return fail(own == nullptr     ? "the entry has no value"
-                    : wanted == STRING ? "the entry's value is no text"
-                                       : "the entry's value is no number");
+                    : wanted == STRING ? "the entry's value is not a text"
+                                       : "the entry's value is not a number");
     }
     const bool is_readable = own == m_tried ? take_tried(*own, value) : fetch(*own, value);
     note("value", is_readable, value);

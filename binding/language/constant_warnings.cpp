@@ -22,7 +22,7 @@ void Constant_warnings::warn_of(const char* begin) {
     const auto column = m_rule_column + static_cast<std::size_t>(begin - m_rule_begin);
     m_warnings.push_back({static_cast<std::size_t>(m_rule_line), column,
                           quoted_source(m_cursor.source_since(begin)) +
-                              " reads nothing, so it never changes; a parameter stands "
+                              " reads nothing, so it never changes; parameters are written "
                               "in brackets, as in [100]"});
 }
 

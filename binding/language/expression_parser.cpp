@@ -272,11 +272,11 @@ Operand Expression_parser::word() {
 
 void Expression_parser::fail_unknown_word(const Token& name) const {
     const bool is_declared = m_context.parameters.find(name.source) != nullptr;
-    m_cursor.fail(
-        name.source.data(),
-        "expected " + std::string(A_PRIMARY) + ", found " + name.description() +
-            (is_declared ? "; a parameter stands in brackets: [" + std::string(name.source) + "]"
-                         : ""));
+    m_cursor.fail(name.source.data(), "expected " + std::string(A_PRIMARY) + ", found " +
+                                          name.description() +
+                                          (is_declared ? "; parameters are written in brackets: [" +
+                                                             std::string(name.source) + "]"
+                                                       : ""));
 }
 
 Operand Expression_parser::own_value() {

@@ -32,7 +32,7 @@ class Layout {
 public:
     explicit Layout(const BindingListT& list) : m_list(list) {
         require(list.size() >= HEADER_SIZE, "it is too short for a binding list");
-        require(list[HEADER_MAGIC] == LIST_MAGIC, "it is no binding list");
+        require(list[HEADER_MAGIC] == LIST_MAGIC, "not a binding list");
         require(list[HEADER_VERSION] == LIST_VERSION, "unknown version", list[HEADER_VERSION]);
         require(list.size() <= static_cast<std::size_t>(std::numeric_limits<int>::max()) &&
                     list[HEADER_LENGTH] == static_cast<int>(list.size()),

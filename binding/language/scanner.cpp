@@ -179,17 +179,17 @@ Token Scanner::symbol() {
             if (peek(1) == '&') {
                 return token(Token::BOTH, 2);
             }
-            throw error(m_at, "\"&\" is no operator; \"and\" joins conditions");
+            throw error(m_at, "\"&\" is not an operator; \"and\" joins conditions");
         case '|':
             if (peek(1) == '|') {
                 return token(Token::EITHER, 2);
             }
-            throw error(m_at, "\"|\" is no operator; \"or\" joins conditions");
+            throw error(m_at, "\"|\" is not an operator; \"or\" joins conditions");
         case '.':
             if (peek(1) == '.') {
                 return token(Token::TO, 2);
             }
-            throw error(m_at, "unexpected \".\"; an address stands in brackets, as in [100.0]");
+            throw error(m_at, "unexpected \".\"; addresses are written in brackets, as in [100.0]");
         default:
             throw error(m_at, "unexpected character \"" + shown_byte(*m_at) + "\"");
     }

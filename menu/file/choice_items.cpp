@@ -71,7 +71,7 @@ void build_enum(Load_context& context, const Json_value& item, const Spot& spot)
     }
     const Leaf leaf = leaf_of(context, item, spot, INTEGER);
     if (is_live_pid(leaf.pid)) {
-        parameter_place(item).fail("parameters 9000 to 9100 are of items with \"live\"");
+        parameter_place(item).fail("parameters 9000 to 9100 require \"live\"");
     }
     const Json_value list = item.member(member::CHOICES);
     const std::vector<Choice> choices = choices_of(context, list);
@@ -132,7 +132,7 @@ void build_slot(Load_context& context, const Json_value& item, const Spot& spot)
     const Leaf leaf = leaf_of(context, item, spot, INTEGER);
     // Such an entry refreshes its lines and never its rules.
     if (const auto rules = item.find(member::BINDING)) {
-        rules->report("a slot list follows no rules: its node can");
+        rules->report("a slot list takes no rules: give them to its node");
     }
     const Parameter parameter = leaf.parameter.value_or(Parameter{INTEGER, 0, {}, 0, 0});
     if (parameter.min != 0 || parameter.max >= MOST_SLOTS) {

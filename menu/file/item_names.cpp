@@ -23,7 +23,8 @@ Data_entry& Item_names::find(const Json_value& reference) const {
         reference.fail("there is no item \"" + text + "\"");
     }
     if (by_id == m_ids.end() && by_path->second.is_ambiguous) {
-        reference.fail("several items are \"" + text + "\": give the one that is meant an \"id\"");
+        reference.fail("several items are \"" + text +
+                       "\": give the item an \"id\" and refer to that");
     }
     Data_entry* const entry = by_id == m_ids.end() ? by_path->second.entry : by_id->second;
     if (entry == nullptr) {

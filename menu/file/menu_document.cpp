@@ -139,7 +139,7 @@ void Menu_document::load_templates(const Json_node& templates) {
                 load_templates(element);
             }
         } else {
-            (void)value.members();  // reports what comes twice
+            (void)value.members();  // reports duplicates
             for (const Json_member& member : templates.members()) {
                 m_problems.attempt([&] { load_template(member); });
             }
@@ -152,7 +152,7 @@ void Menu_document::load_template(const Json_member& member) {
     const std::string title(member.name);
     Template& added = m_templates[title];
     if (added.place.source != nullptr) {
-        throw Placed_error(member.place, "template \"" + title + "\" is there already");
+        throw Placed_error(member.place, "duplicate template \"" + title + "\"");
     }
     added.place = member.place;
     const Json_value value(member.value, m_problems);
@@ -328,7 +328,7 @@ const Json_node& Menu_document::without_repeat(const Json_node& node) {
         found->second = without_member(node, "repeat");
     }
     if (const Json_node* const again = found->second.member("repeat")) {
-        throw Placed_error(again->place(), "member \"repeat\" comes twice");
+        throw Placed_error(again->place(), "duplicate member \"repeat\"");
     }
     return found->second;
 }
@@ -347,7 +347,7 @@ void Menu_document::repeat(const Json_node& node, const Scope& scope) {
     const int64_t to = value.member("to").integer(from, from + MOST_REPETITIONS - 1);
     Scope inner = scope;
     if (!inner.values.emplace(counter, Json_node()).second) {
-        value.member("counter").fail("\"" + counter + "\" stands for something else here");
+        value.member("counter").fail("\"" + counter + "\" is already in use here");
     }
     for (int64_t i = from; i <= to; ++i) {
         count(node.place(), COPY_COST + inner.values.size());
@@ -436,7 +436,7 @@ std::string Menu_document::replaced(const Json_node& text, const Scope& scope, b
         result.append(written, done, found->begin - done);
         const auto value = scope.values.find(found->name);
         if (value == scope.values.end() && !is_rule) {
-            throw Placed_error(place, "\"{" + found->name + "}\" stands for nothing here");
+            throw Placed_error(place, "\"{" + found->name + "}\" is unknown here");
         }
         if (value == scope.values.end()) {
             result.append(written, found->begin, found->end - found->begin);
@@ -445,7 +445,7 @@ std::string Menu_document::replaced(const Json_node& text, const Scope& scope, b
         } else if (const auto number = value->second.integer()) {
             result += std::to_string(calculated(*found, *number, place));
         } else {
-            throw Placed_error(place, "\"" + found->name + "\" is no whole number here");
+            throw Placed_error(place, "\"" + found->name + "\" is not a whole number here");
         }
         done = found->end;
         if (result.size() > LONGEST_TEXT) {

@@ -140,7 +140,7 @@ void read_expect_leds(Line& line, Step& step) {
         }
     } while (!line.at_end());
     if (none && (step.edit || step.alarm)) {
-        line.fail("\"none\" is there beside a LED");
+        line.fail("\"none\" cannot be combined with a LED");
     }
 }
 
@@ -213,8 +213,7 @@ Step parse_step(const std::string& file, int number, const std::string& text) {
     const std::string name = line.word("a word");
     read_step(name, line, step);
     if (!line.at_end()) {
-        line.fail("nothing is expected behind \"" + name + "\" but \"" + line.rest() +
-                  "\" is there");
+        line.fail("expected nothing after \"" + name + "\", found \"" + line.rest() + "\"");
     }
     return step;
 }

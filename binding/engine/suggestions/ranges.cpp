@@ -71,7 +71,7 @@ private:
                 return Step::FAILED;
             }
             if (low > HIGHEST || high < LOWEST) {
-                reading.report(rule, interval_text(low, high) + " holds no number of 32 bits");
+                reading.report(rule, interval_text(low, high) + " holds no 32-bit number");
                 return Step::FAILED;
             }
             m_engine.core().intervals.push_back({clamped(low), clamped(high)});

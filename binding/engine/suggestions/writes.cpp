@@ -121,7 +121,7 @@ private:
 
     static bool fill_number(Reading& reading, const Rule& rule, int64_t value, GetSetS& request) {
         if (value < LOWEST || value > HIGHEST) {
-            reading.report(rule, std::to_string(value) + " is no number of 32 bits");
+            reading.report(rule, std::to_string(value) + " is not a 32-bit number");
             return false;
         }
         const auto number = static_cast<int32_t>(value);

@@ -56,7 +56,7 @@ expect 2 'frontpanel: absent.json: cannot be opened: No such file or directory' 
 expect 2 'syntax.json:2:11: Invalid value.' --check --menu syntax.json
 expect 2 'pid.json:1:108: the device has no parameter 7 with this index' --check --menu pid.json
 expect 2 'frontpanel: --size: expected COLUMNSxROWS from 16x2 to 80x16, found "5x1"' --size 5x1
-expect 2 'frontpanel: standard output is no terminal: name a script with --script' --menu small.json
+expect 2 'frontpanel: standard output is not a terminal: name a script with --script' --menu small.json
 expect 2 'syntax.json:2:11: Invalid value.' --menu syntax.json
 expect 2 'frontpanel: absent.json: cannot be opened: No such file or directory' --menu absent.json
 expect 2 'deep.json:1:188: not an expression in v' --check --menu deep.json
@@ -66,9 +66,9 @@ expect 0 "" --check --script good.script
 expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --check --script unknown.script
 expect 2 'frontpanel: fault.script:2: the device has no parameter 999' --script fault.script
 [ ! -s out ] || fail "a script with an unknown parameter was played"
-expect 2 'frontpanel: standard output is no terminal: name a script with --script' --size 40x4
+expect 2 'frontpanel: standard output is not a terminal: name a script with --script' --size 40x4
 expect 0 "" --display text --script good.script
-expect 2 'frontpanel: standard output is no terminal: name a script with --script' --display terminal
+expect 2 'frontpanel: standard output is not a terminal: name a script with --script' --display terminal
 expect 2 'frontpanel: scripts and pictures are for the display "text"' --display lcdproc --script good.script
 expect 2 'frontpanel: scripts and pictures are for the display "text"' --display terminal --screenshot picture.svg
 expect 2 'frontpanel: --display: expected terminal, text or lcdproc[:ADDRESS[:PORT]], found "lcdproc:somewhere"' --display lcdproc:somewhere

@@ -71,8 +71,8 @@ expect 0 "warning: $absent" --script start.script --state absent/values
 expect 2 "warning: $absent
 frontpanel: $absent" --script edit.script --state absent/values
 mkdir folder
-expect 2 "frontpanel: folder: cannot be read: it is no file" --script edit.script --state folder
-expect 2 "frontpanel: /dev/zero: cannot be read: it is no file" --script edit.script --state /dev/zero
+expect 2 "frontpanel: folder: cannot be read: not a regular file" --script edit.script --state folder
+expect 2 "frontpanel: /dev/zero: cannot be read: not a regular file" --script edit.script --state /dev/zero
 
 # A panel that is killed leaves a file that the next one reads, whenever that is.
 for i in {1..400}; do printf 'set 7 %d\ntick 5\n' $((i % 2 + 4)); done >busy.script
@@ -137,7 +137,7 @@ for option in --log --state --screenshot; do
 done
 expect 2 "frontpanel: both: --log and --state name the same file" --script start.script --log both --state both
 printf '{"presets": []}' >other.json
-expect 2 'frontpanel: other.json:1:1: expected a member "version"; this is no state file of version 1 and stays as it is' --script start.script --state other.json
+expect 2 'frontpanel: other.json:1:1: expected a member "version"; this is not a state file of version 1 and stays as it is' --script start.script --state other.json
 cmp -s menu.json before.json || fail "the menu file was overwritten"
 
 # At a terminal too, however the panel ends: the user quits, or a signal asks it to end.

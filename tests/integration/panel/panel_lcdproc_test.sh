@@ -135,8 +135,8 @@ configure_server
 
 # The panel comes first, and waits for its display.
 start_panel
-wait_for "a server that is away is not told" says \
-    "frontpanel: display server 127.0.0.1 port $PORT is away (Connection refused)"
+wait_for "a server that is unreachable is not told" says \
+    "frontpanel: display server 127.0.0.1 port $PORT is unreachable (Connection refused)"
 start_server
 wait_for "the display is not told" says "shows the panel on 20x4"
 expect "the homescreen" " Level=   -18.4 dBFS" " In 3.Gain    0.0 dB" "" ""
@@ -157,7 +157,7 @@ expect "a value being edited" "Gain 1" "0.2 dB" "" ""
 # The server goes away in the middle of it; the panel keeps what is being edited.
 stop_server
 # A server that was not there at first, and then not for long, is one absence.
-wait_for "the loss of the server is not told" says "is away ("
+wait_for "the loss of the server is not told" says "is unreachable ("
 start_server
 expect "what was being edited" "Gain 1" "0.2 dB" "" ""
 press Up Enter

@@ -134,8 +134,9 @@ TEST(Options, AReportThatCannotBeWrittenIsNoSuccess) {
 
 TEST(Options, HelpHasALineForEachOption) {
     const std::string help = parse({"-h"}).out;
-    EXPECT_NE(help.find("\n      --screenshot FILE    Write an SVG picture of the panel, then exit\n"),
-              std::string::npos)
+    EXPECT_NE(
+        help.find("\n      --screenshot FILE    Write an SVG picture of the panel, then exit\n"),
+        std::string::npos)
         << help;
     EXPECT_NE(help.find("\n      --check              Check the menu"), std::string::npos) << help;
     EXPECT_NE(help.find("\n  -h, --help               Print"), std::string::npos) << help;

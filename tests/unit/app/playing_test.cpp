@@ -58,12 +58,12 @@ TEST_F(Playing_test, APictureNeedsNoScript) {
 
 TEST_F(Playing_test, TheTourIsForTheShippedMenuOnItsDisplay) {
     EXPECT_EQ(error_of([this] { script_to_play(options); }),
-              "standard output is no terminal: name a script with --script");
+              "standard output is not a terminal: name a script with --script");
     options.menu = shipped_menu();
     EXPECT_NE(error_of([this] { script_to_play(options); }), "");
     options.size = {};
     EXPECT_NE(error_of([this] { script_to_play(options); }),
-              "standard output is no terminal: name a script with --script");
+              "standard output is not a terminal: name a script with --script");
 }
 
 }  // namespace

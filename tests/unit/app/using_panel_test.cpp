@@ -50,7 +50,7 @@ TEST_F(Using_panel_test, OnlyADisplayThatTakesTheTerminalNeedsOne) {
     EXPECT_EQ(front_error("lcdproc"), "");
     std::string error;
     support::capture(0, [&] { error = front_error("terminal"); });
-    EXPECT_EQ(error, "standard output is no terminal: name a script with --script");
+    EXPECT_EQ(error, "standard output is not a terminal: name a script with --script");
 }
 
 TEST_F(Using_panel_test, TheDisplayDecidesItsSizeUnlessOneIsNamed) {

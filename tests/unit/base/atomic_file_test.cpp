@@ -205,8 +205,8 @@ TEST(WholeFile, WhatCannotBeWrittenIsOneLine) {
     const std::string absent = folder.file("absent/values");
     EXPECT_EQ(error_of_writing(absent), absent + ": cannot be written: No such file or directory");
     EXPECT_EQ(error_of_writing(folder.path()),
-              folder.path() + ": cannot be written: it is no file");
-    EXPECT_EQ(error_of_writing("/dev/null"), "/dev/null: cannot be written: it is no file");
+              folder.path() + ": cannot be written: not a regular file");
+    EXPECT_EQ(error_of_writing("/dev/null"), "/dev/null: cannot be written: not a regular file");
     EXPECT_THROW(check_writable(absent), Input_error);
 }
 
@@ -275,7 +275,7 @@ TEST(WholeFile, APipeInThePlaceOfTheTemporaryFileIsRefusedWithoutWaiting) {
     const std::string file = folder.file("values");
     write_whole_file(file, "old");
     ASSERT_EQ(mkfifo((file + ".new").c_str(), 0600), 0);
-    const std::string error = file + ": cannot be written: " + file + ".new is no file";
+    const std::string error = file + ": cannot be written: " + file + ".new is not a regular file";
     EXPECT_EQ(error_of_writing(file), error);
     EXPECT_THROW(check_writable(file), Input_error);
     const int reader = open((file + ".new").c_str(), O_RDONLY | O_NONBLOCK);

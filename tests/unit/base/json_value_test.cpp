@@ -120,7 +120,7 @@ TEST(JsonValue, DuplicatesAreReportedInLargeObjectsAsInSmallOnes) {
         const auto members = Json_value(document.root(), problems).members();
         EXPECT_EQ(members.size(), static_cast<size_t>(size));
         EXPECT_EQ(problems.errors(),
-                  std::vector<std::string>{"menu.json:2:1: member \"a\" comes twice"});
+                  std::vector<std::string>{"menu.json:2:1: duplicate member \"a\""});
     }
 }
 

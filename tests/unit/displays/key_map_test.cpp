@@ -48,7 +48,7 @@ TEST(KeyMap, WhatIsNoMapIsTold) {
                                   "Up=-1", "U p=up", "U\np=up", "Up=up,", ",Up=up", "Up= up"}) {
         EXPECT_EQ(key_error("A=select," + bad).rfind("expected KEY=", 0), 0U) << bad;
     }
-    EXPECT_EQ(key_error("A=select,A=up"), "key \"A\" is there twice");
+    EXPECT_EQ(key_error("A=select,A=up"), "duplicate key \"A\"");
     EXPECT_EQ(key_error("A=up,B=down"), "no key selects");
     EXPECT_NE(key_error(std::string(41, 'k') + "=select"), "");
 }

@@ -305,9 +305,7 @@ TEST_F(Lcdproc_display_test, AServerThatIsAwayIsTriedAgainLessAndLessOften) {
     EXPECT_THAT(pauses, ElementsAre(milliseconds(250), milliseconds(500), milliseconds(1000),
                                     milliseconds(2000), milliseconds(4000), milliseconds(8000),
                                     milliseconds(10000), milliseconds(10000)));
-    EXPECT_EQ(log.str(), place() +
-                             "is away (Connection refused); it is tried again until it is "
-                             "there\n");
+    EXPECT_EQ(log.str(), place() + "is unreachable (Connection refused); retrying\n");
 }
 
 TEST_F(Lcdproc_display_test, AServerThatComesBackGetsTheWholeFrame) {
@@ -315,7 +313,7 @@ TEST_F(Lcdproc_display_test, AServerThatComesBackGetsTheWholeFrame) {
     start();
     sent_for(frame_of("Main", ">Gain"));
     server.hang_up();
-    wait_for_log("is away (it closed the connection)");
+    wait_for_log("is unreachable (it closed the connection)");
     EXPECT_EQ(display->due(), now + Lcdproc_display::FIRST_PAUSE);
     Frame frame = frame_of("Gain", "-3.5 dB");
     frame.leds.edit = true;
@@ -339,14 +337,14 @@ TEST_F(Lcdproc_display_test, WhatArrivedBeforeTheEndStillCounts) {
     const std::optional<Front_event> event = wait_next();
     ASSERT_TRUE(event);
     EXPECT_EQ(event->key.kind, Key::SELECT);
-    wait_for_log("is away");
+    wait_for_log("is unreachable");
 }
 
 TEST_F(Lcdproc_display_test, ByeEndsTheConnection) {
     open();
     start();
     server.say("bye\n");
-    wait_for_log("is away (it said bye)");
+    wait_for_log("is unreachable (it said bye)");
 }
 
 // A server that only greets and goes must not be asked four times a second for ever.
@@ -385,8 +383,8 @@ TEST_F(Lcdproc_display_test, AServerThatAnswersAndGoesIsTriedLessAndLessOftenAnd
     const std::string before = place() + "shows the panel on 20x2\n" + place() + "answered \"huh? ";
     EXPECT_EQ(told.substr(0, before.size()), before);
     size_t losses = 0;
-    for (size_t at = told.find("is away"); at != std::string::npos;
-         at = told.find("is away", at + 1)) {
+    for (size_t at = told.find("is unreachable"); at != std::string::npos;
+         at = told.find("is unreachable", at + 1)) {
         ++losses;
     }
     EXPECT_EQ(losses, 1U) << told;
@@ -401,7 +399,7 @@ TEST_F(Lcdproc_display_test, AServerThatAnswersAndGoesIsTriedLessAndLessOftenAnd
     EXPECT_EQ(log.str(), place() + "shows the panel on 20x2\n");
     EXPECT_EQ(display->due(), Time::max());
     server.hang_up();
-    wait_for_log("is away (it closed the connection)");
+    wait_for_log("is unreachable (it closed the connection)");
     EXPECT_EQ(display->due(), now + Lcdproc_display::FIRST_PAUSE);
 }
 
@@ -429,7 +427,7 @@ TEST_F(Lcdproc_display_test, AServerThatComesBackIsToldAtOnce) {
     now += Lcdproc_display::STEADY;
     next();
     server.hang_up();
-    wait_for_log("is away");
+    wait_for_log("is unreachable");
     now = display->due();
     log.str("");
     start();
@@ -445,7 +443,7 @@ TEST_F(Lcdproc_display_test, AServerThatDoesNotAnswerIsLeft) {
     EXPECT_EQ(log.str(), "");
     now += milliseconds(1);
     next();
-    EXPECT_THAT(log.str(), HasSubstr("is away (it does not answer)"));
+    EXPECT_THAT(log.str(), HasSubstr("is unreachable (it does not answer)"));
     EXPECT_EQ(server.lines_to("x"), Lines{"(no more)"});
 }
 
@@ -457,7 +455,7 @@ TEST_F(Lcdproc_display_test, AServerThatHangsBehindTheFenceIsLeft) {
     EXPECT_EQ(display->due(), now + Lcdproc_display::PATIENCE);
     now = display->due();
     next();
-    EXPECT_THAT(log.str(), HasSubstr("is away (it does not answer)"));
+    EXPECT_THAT(log.str(), HasSubstr("is unreachable (it does not answer)"));
 }
 
 TEST_F(Lcdproc_display_test, AnUnusableGreetingIsNoGreeting) {
@@ -468,7 +466,7 @@ TEST_F(Lcdproc_display_test, AnUnusableGreetingIsNoGreeting) {
     EXPECT_THAT(log.str(), HasSubstr("answered \"connect LCDproc 0.5.9 lcd wid 0 hgt 99999\""));
     now += Lcdproc_display::PATIENCE;
     EXPECT_FALSE(next());
-    EXPECT_THAT(log.str(), HasSubstr("is away"));
+    EXPECT_THAT(log.str(), HasSubstr("is unreachable"));
 }
 
 TEST_F(Lcdproc_display_test, AFenceThatNobodyAskedForMeansNothing) {

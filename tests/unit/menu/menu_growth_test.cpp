@@ -168,7 +168,7 @@ std::vector<Shape> exploding_shapes() {
          menu_of(R"({"type": "node", "name": "N", "items": [{"x": [)" + repeated("1", 490000, ",") +
                  R"(], "repeat": {"counter": "n", "from": 1, "to": 1}}],
                    "repeat": {"counter": "n", "from": 1, "to": 1000}})"),
-         "\"n\" stands for something else here (n = 1)"},
+         "\"n\" is already in use here (n = 1)"},
         {"templates that use each other for nothing",
          menu_of(use_of_first_template(), chained("", 50, "")),
          "the menu grows beyond 500000 values here"},
@@ -185,7 +185,7 @@ std::vector<Shape> exploding_shapes() {
         {"repetitions in each other without end",
          menu_of(R"({"type": "node", )" +
                  numbered(R"("repeat": {"counter": "n#", "from": 1, "to": 1})", 80000) + "}"),
-         "member \"repeat\" comes twice"},
+         "duplicate member \"repeat\""},
     };
 }
 
@@ -225,7 +225,7 @@ std::vector<Shape> large_shapes() {
          "expected an object, found a whole number"},
         {"unknown members", "{" + numbered(R"("m#": 1)", 400000) + "}", "unknown member \"m0\""},
         {"duplicate members", "{" + repeated(R"("m": 1)", 400000, ",") + "}",
-         "member \"m\" comes twice"},
+         "duplicate member \"m\""},
         {"long names", "{" + numbered("\"" + std::string(60000, 'm') + "#\": 1", 60) + "}",
          "unknown member \"mmm"},
         {"lines", std::string(4000000, '\n'), "The document is empty"},

@@ -15,8 +15,7 @@ TEST(Menu_tree, APathOfSeveralEntriesIsNone) {
         find_entry(*loaded.menu, "Gain");
         FAIL();
     } catch (const Input_error& error) {
-        EXPECT_STREQ(error.what(),
-                     "several entries are \"Gain\": name the one that is meant by its id");
+        EXPECT_STREQ(error.what(), "several entries are \"Gain\": name it by its id");
     }
 }
 

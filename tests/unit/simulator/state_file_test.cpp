@@ -178,12 +178,12 @@ TEST_F(State_file_test, EveryKindOfDamageIsTold) {
          ": /values/0/hex: expected pairs of the digits 0 to 9 and a to f"},
         {R"({"version": 1, "values": [{"pid": 1, "index": 0, "integer": 1},
                                       {"pid": 1, "index": 0, "integer": 1}]})",
-         ": /values/1: this parameter is there twice"},
+         ": /values/1: duplicate parameter"},
         {R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071}]})",
          ": /selections/0: expected a member \"option\""},
         {R"({"version": 1, "values": [], "selections": [{"slot": 3, "pid": 9071, "option": 1},
                                                         {"slot": 3, "pid": 9071, "option": 1}]})",
-         ": /selections/1: this list is there twice"},
+         ": /selections/1: duplicate list"},
         {std::string(5000, '\0'), ":1:1: The document is empty."},
         {R"({"ver)", ":1:6: Missing a closing quotation mark in string."},
         {R"({"version": 1, "values": [)" + std::string(5000, '['), ":"},
@@ -214,7 +214,7 @@ TEST_F(State_file_test, AFileThatNeverHeldValuesIsRefusedAndStays) {
     for (const auto& [text, problem] : cases) {
         write(text);
         EXPECT_EQ(refusal(), file() + placed(text, "menu.json" + problem).substr(9) +
-                                 "; this is no state file of version 1 and stays as it is");
+                                 "; this is not a state file of version 1 and stays as it is");
         EXPECT_EQ(content(), text);
         EXPECT_FALSE(fs::exists(file() + ".damaged"));
     }
@@ -243,7 +243,7 @@ TEST_F(State_file_test, WhatIsNoFileOrTooLargeIsRefusedAndStays) {
     EXPECT_EQ(State_file("/dev/zero", m_device).name(), "/dev/zero");
     EXPECT_THROW(State_file("/dev/zero", m_device).restore(), Input_error);
     fs::create_directory(file());
-    EXPECT_EQ(refusal(), file() + ": cannot be read: it is no file");
+    EXPECT_EQ(refusal(), file() + ": cannot be read: not a regular file");
     fs::remove(file());
     write("");
     fs::resize_file(file(), State_file::LARGEST + 1);

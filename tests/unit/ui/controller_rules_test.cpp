@@ -425,10 +425,10 @@ TEST(LiveRules, ACircleIsToldOnceOnTheDisplayAndInTheLog) {
     const std::string printed = log->text();
     log.reset();
     EXPECT_EQ(told[0], "Bindings                                ");
-    EXPECT_EQ(told[1], "no rest: Low -> High -> Low             ");
+    EXPECT_EQ(told[1], "unstable: Low -> High -> Low            ");
     EXPECT_EQ(later[0].substr(0, 4), ">Low");
-    EXPECT_EQ(count(printed, "\nBindings do not come to rest: Low -> High -> Low\n"), 1U);
-    EXPECT_EQ(count(printed, "come to rest"), 1U);
+    EXPECT_EQ(count(printed, "\nBindings do not settle: Low -> High -> Low\n"), 1U);
+    EXPECT_EQ(count(printed, "not settle"), 1U);
 }
 
 }  // namespace

@@ -338,7 +338,7 @@ TEST_F(Cascade_test, AWriteThatDrivesItselfEnds) {
     EXPECT_EQ(settlement.path, "Gain -> Gain");
     EXPECT_EQ(settlement.refreshes, 32u);
     EXPECT_EQ(device.integer(100, 0), 32);
-    EXPECT_THAT(engine->errors(), ElementsAre("the writes do not come to rest: Gain -> Gain"));
+    EXPECT_THAT(engine->errors(), ElementsAre("the writes do not settle: Gain -> Gain"));
 }
 
 TEST_F(Cascade_test, ACircleDoesNotKeepOthersFromTheirRefresh) {

@@ -98,7 +98,7 @@ TEST_F(Suggestion_kinds, ARangeWithoutANumberOfThirtyTwoBitsIsAMistake) {
     EXPECT_EQ(evaluate(), -1);
     EXPECT_THAT(engine.errors(),
                 ElementsAre("line 1, range 3000000000 + [101]..4000000000 + [101]: "
-                            "3000000000..4000000000 holds no number of 32 bits"));
+                            "3000000000..4000000000 holds no 32-bit number"));
     EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_RANGE));
     EXPECT_EQ(ranges(), (Lists{{0, 5}}));
 }
@@ -270,7 +270,7 @@ TEST_F(Suggestion_kinds, ANumberBeyondThirtyTwoBitsIsNotWritten) {
     EXPECT_EQ(evaluate(), -1);
     EXPECT_FALSE(engine.suggestionUpdated(SUGGESTION_SET));
     EXPECT_THAT(engine.errors(), ElementsAre("line 2, set [101] = 2147483647 + [100]: 2147483648 "
-                                             "is no number of 32 bits"));
+                                             "is not a 32-bit number"));
 }
 
 TEST_F(Suggestion_kinds, ATextThatDoesNotFitAWriteIsNotWritten) {

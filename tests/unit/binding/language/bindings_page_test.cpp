@@ -160,13 +160,13 @@ TEST(Bindings_page, TheLimitsAreThoseOfTheCompiler) {
     };
     EXPECT_FALSE(error_beyond(nested(64)));
     EXPECT_TRUE(error_beyond(nested(65)));
-    EXPECT_NE(limits.find("| mistakes that are told of a text | 100 |"), std::string::npos);
+    EXPECT_NE(limits.find("| reported mistakes of a text | 100 |"), std::string::npos);
     std::string mistakes;
     for (int i = 0; i < 101; ++i) {
         mistakes += "!;";
     }
     EXPECT_EQ(language.compile(mistakes).errors.size(), 100U);
-    EXPECT_NE(limits.find("| bytes of a text that stands in a rule, is read or made | 256 |"),
+    EXPECT_NE(limits.find("| bytes of a text in a rule, read or computed | 256 |"),
               std::string::npos);
     EXPECT_FALSE(error_beyond("warn \"" + std::string(256, 'x') + "\""));
     EXPECT_TRUE(error_beyond("warn \"" + std::string(257, 'x') + "\""));

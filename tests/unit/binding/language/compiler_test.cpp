@@ -67,7 +67,7 @@ TEST(Binding_mistakes, RulesHaveTheirShape) {
         {"range 5..6..7",
          "line 1, column 11: expected an operator, \",\", \"if\" or end of rule, found \"..\""},
         {"range 5...6",
-         "line 1, column 10: unexpected \".\"; an address stands in brackets, as in [100.0]"},
+         "line 1, column 10: unexpected \".\"; addresses are written in brackets, as in [100.0]"},
         {"range if 1", "line 1, column 7: " + VALUE + "\"if\""},
         {"keys", "line 1, column 5: " + VALUE + "end of text"},
         {"keys 1 2",
@@ -130,9 +130,12 @@ TEST(Binding_mistakes, ExpressionsHaveTheirShape) {
         {"visible if 1 in {1 2}",
          "line 1, column 20: expected an operator, \"..\", \",\" or \"}\", found \"2\""},
         {"visible if 1 = 1", "line 1, column 14: expected an operator or end of rule, found \"=\""},
-        {"visible if 1 & 1", "line 1, column 14: \"&\" is no operator; \"and\" joins conditions"},
-        {"visible if 1 | 1", "line 1, column 14: \"|\" is no operator; \"or\" joins conditions"},
-        {"visible if 1 &&& 1", "line 1, column 16: \"&\" is no operator; \"and\" joins conditions"},
+        {"visible if 1 & 1",
+         "line 1, column 14: \"&\" is not an operator; \"and\" joins conditions"},
+        {"visible if 1 | 1",
+         "line 1, column 14: \"|\" is not an operator; \"or\" joins conditions"},
+        {"visible if 1 &&& 1",
+         "line 1, column 16: \"&\" is not an operator; \"and\" joins conditions"},
         {"visible if 1 &&", "line 1, column 16: " + VALUE + "end of text"},
         {"visible if || 1", "line 1, column 12: " + VALUE + "\"||\""},
         {"visible if 1 ! 1", "line 1, column 14: expected an operator or end of rule, found \"!\""},
@@ -170,9 +173,9 @@ TEST(Binding_mistakes, NumbersHaveTheirLimits) {
         {"visible if 0x", "line 1, column 12: \"0x\" is not a number"},
         {"visible if 0xg", "line 1, column 12: \"0xg\" is not a number"},
         {"visible if 1.5",
-         "line 1, column 13: unexpected \".\"; an address stands in brackets, as in [100.0]"},
+         "line 1, column 13: unexpected \".\"; addresses are written in brackets, as in [100.0]"},
         {"visible if 100.0 > 3",
-         "line 1, column 15: unexpected \".\"; an address stands in brackets, as in [100.0]"},
+         "line 1, column 15: unexpected \".\"; addresses are written in brackets, as in [100.0]"},
         {"range 0..2147483648", "line 1, column 10: \"2147483648\"" + INT32},
         {"range -2147483649..0", "line 1, column 7: \"-2147483649\"" + INT32},
         {"range -9223372036854775808..0", "line 1, column 7: \"-9223372036854775808\"" + INT32},
@@ -243,7 +246,7 @@ TEST(Binding_mistakes, ParametersAreKnown) {
         {"visible if [0x64]", "line 1, column 12: unknown parameter \"[0x64]\""},
         {"visible if [-1]", "line 1, column 12: unknown parameter \"[-1]\""},
         {"visible if gain > 1",
-         "line 1, column 12: " + VALUE + "\"gain\"; a parameter stands in brackets: [gain]"},
+         "line 1, column 12: " + VALUE + "\"gain\"; parameters are written in brackets: [gain]"},
         {"visible if volume > 1", "line 1, column 12: " + VALUE + "\"volume\""},
         {"visible if [gain", "line 1, column 12: parameter without closing bracket"},
         {"visible if [gain\n]", "line 1, column 12: parameter without closing bracket"},
@@ -377,7 +380,7 @@ TEST(Binding_mistakes, TheLengthOfASourceIsBounded) {
 // "100 == 1" is right, and so easily written for "[100] == 1".
 TEST(Binding_mistakes, ConditionsAndComparisonsThatReadNothingAreWarnedOf) {
     const std::string END =
-        " reads nothing, so it never changes; a parameter stands in brackets, as in [100]";
+        " reads nothing, so it never changes; parameters are written in brackets, as in [100]";
     for (const Case& each : {
              Case{"visible if 100 == 1", "line 1, column 12: \"100 == 1\"" + END},
              Case{"visible if [mode]\n  range 0..9 if (3)", "line 2, column 17: \"(3)\"" + END},

@@ -231,7 +231,7 @@ std::string refusal(const BindingListT& list) {
 TEST(Binding_list, WhatIsNoListIsRefused) {
     EXPECT_EQ(refusal({}), "it is too short for a binding list");
     EXPECT_EQ(refusal({0, 7}), "it is too short for a binding list");
-    EXPECT_EQ(refusal(BindingListT(100)), "it is no binding list");
+    EXPECT_EQ(refusal(BindingListT(100)), "not a binding list");
     Language language;
     BindingListT list = language.compile("visible if 1").list;
     EXPECT_EQ(refusal(list), "accepted");

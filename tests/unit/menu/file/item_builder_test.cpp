@@ -65,7 +65,7 @@ TEST(ItemBuilder, AnErrorNamesPlaceAndExpectation) {
          "menu.json: /menu/items/0/choices: expected at least one choice that is allowed with these "
          "product options"},
         {with_item_of("enum", R"("pid": 9001, "choices": ["A", "B"])"),
-         "menu.json: /menu/items/0/pid: parameters 9000 to 9100 are of items with \"live\""},
+         "menu.json: /menu/items/0/pid: parameters 9000 to 9100 require \"live\""},
         {with_item_of("enum", R"("pid": 9001, "live": {"slot": 3, "web-type": "combobox"})"), ""},
         {with_item_of("enum", R"("pid": 9002, "live": {"slot": 3, "web-type": "tree"})"), ""},
         {with_item_of("enum", R"("pid": 5, "live": {"slot": 3, "web-type": "tree"})"),
@@ -94,7 +94,7 @@ TEST(ItemBuilder, AnErrorNamesPlaceAndExpectation) {
         {with_item_of("slot", R"("pid": 20)"),
          "menu.json: /menu/items/0/pid: parameter 20 is of another type"},
         {with_item_of("slot", R"("pid": 7, "binding": "visible if [5] == 1")"),
-         "menu.json: /menu/items/0/binding: a slot list follows no rules: its node can"},
+         "menu.json: /menu/items/0/binding: a slot list takes no rules: give them to its node"},
         {with_item_of("slot", R"("pid": 7, "slots": 3)"),
          "menu.json: /menu/items/0/slots@: unknown member \"slots\""},
     };

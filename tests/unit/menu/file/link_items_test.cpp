@@ -50,8 +50,8 @@ TEST(LinkItems, AnErrorNamesPlaceAndExpectation) {
         {with_items(R"({"type": "link", "target": "Audio", "name": "A"},)" + std::string(AUDIO)),
          "menu.json: /menu/items/0/name@: unknown member \"name\""},
         {with_items(R"({"type": "link", "target": "Audio"},)" + std::string(AUDIO) + "," + AUDIO),
-         "menu.json: /menu/items/0/target: several items are \"Audio\": give the one that is meant "
-         "an \"id\"\n"
+         "menu.json: /menu/items/0/target: several items are \"Audio\": give the item an "
+         "\"id\" and refer to that\n"
          "menu.json: /menu/items/2/items/0/id: another item has the id \"first\""},
         {with_items(R"({"type": "link", "target": "first", "id": "a"},
                        {"type": "link", "target": "a"},)" +

@@ -74,7 +74,7 @@ TEST(MenuDocument, BracesThatStandForNothingStayInRules) {
     EXPECT_EQ(error_of(with_items(R"({"type": "range", "name": "Gain {n}", "parameter": "gain {n}",
                                       "binding": "visible if {m} == {n}",
                                       "repeat": {"counter": "n", "from": 1, "to": 1}})"))
-                  .find("stands for nothing"),
+                  .find("is unknown here"),
               std::string::npos);
     EXPECT_EQ(tree_of(with_items(R"({"type": "range", "name": "{x} {", "parameter": "gain 1"})")),
               "{x} {");
@@ -101,7 +101,7 @@ TEST(MenuDocument, AnErrorNamesPlaceCopyAndExpectation) {
          "menu.json: /menu/items/1/name@: unknown member \"name\""},
         {with_items(R"({"type": "range", "name": "G{m}", "parameter": "gain {n}",
                         "repeat": {"counter": "n", "from": 1, "to": 1}})"),
-         "menu.json: /menu/items/0/name: \"{m}\" stands for nothing here (n = 1)"},
+         "menu.json: /menu/items/0/name: \"{m}\" is unknown here (n = 1)"},
         {with_items(R"({"type": "range", "name": "G", "parameter": "gain 1"},
                        {"type": "range", "name": "G", "parameter": "gain 1",
                         "repeat": {"counter": "n", "from": 1, "to": 1001}},
@@ -113,12 +113,12 @@ TEST(MenuDocument, AnErrorNamesPlaceCopyAndExpectation) {
                         "repeat": {"counter": "n", "from": 1, "to": 1}})"),
          "menu.json: /menu/items/1/repeat/to: expected a whole number from 1 to 1000, found 1001\n"
          "menu.json: /menu/items/2/repeat/counter: expected a name of letters, digits and '_'\n"
-         "menu.json: /menu/items/3/items/0/repeat/counter: \"n\" stands for something else here (n "
+         "menu.json: /menu/items/3/items/0/repeat/counter: \"n\" is already in use here (n "
          "= 1)"},
         {with_items(R"({"template": "a", "arguments": {"t": "x"}})",
                     R"({"a": {"arguments": ["t"], "content": [
                         {"type": "range", "name": "{t*2}", "parameter": "gain 1"}]}})"),
-         "menu.json: /templates/a/content/0/name: \"t\" is no whole number here (in \"a\" with t = "
+         "menu.json: /templates/a/content/0/name: \"t\" is not a whole number here (in \"a\" with t = "
          "x)"},
         {with_items(R"({"type": "range", "name": "G", "parameter": "gain 1"}, {"template": "a"})",
                     R"({"a": {"content": [{"template": "a"}]}})"),
@@ -127,7 +127,7 @@ TEST(MenuDocument, AnErrorNamesPlaceCopyAndExpectation) {
         {with_items(R"({"type": "range", "name": "G", "parameter": "gain 1"}, {"template": "a"})",
                     R"([{"a": {"content": []}}, {"a": {"content": []}}, 5, {"b": {"content": 1}},
                         {"c": {"arguments": ["1"], "content": [], "x": 1}}])"),
-         "menu.json: /templates/1/a@: template \"a\" is there already\n"
+         "menu.json: /templates/1/a@: duplicate template \"a\"\n"
          "menu.json: /templates/2: expected an object, found a whole number\n"
          "menu.json: /templates/3/b/content: expected a list, found a whole number\n"
          "menu.json: /templates/4/c/arguments/0: expected a name of letters, digits and '_'\n"

@@ -45,7 +45,7 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /menu: expected an object, found a whole number"},
         {R"({"menu": 1, "menu": {}, "device": {"parameters": []}})",
          "menu.json: /menu: expected an object, found a whole number\n"
-         "menu.json:1:13: member \"menu\" comes twice"},
+         "menu.json:1:13: duplicate member \"menu\""},
         {menu_text(LEVEL, nested(0), "[]"),
          "menu.json: /options: expected an object, found a list"},
         {menu_text(LEVEL, nested(0), R"({"dolby": -1})"),
