@@ -82,7 +82,7 @@ private:
     State_keeper& m_keeper;
 };
 
-// Where the values cannot be written the panel can be used all the same; the end tells what was not kept.
+// The panel can be used although the values cannot be written; at exit it reports what was not kept.
 int use_keeping_values(const Options& options, Simulated_device& device, End_watch& watch,
                        const std::function<int()>& use) {
     State_file file(options.state, device.memory(), device.cards());

@@ -4,7 +4,7 @@
 
 namespace frontpanel {
 
-// Runs the application with the arguments of `main`. The exit status, as options.h tells.
+// Runs the application with the arguments of `main`. Returns an exit status of options.h.
 int run(int argc, const char* const* argv);
 
 }  // namespace frontpanel

@@ -43,7 +43,7 @@ struct Options {
 };
 
 // The options, or the status to exit with: after the help or the version was printed to `out`, or one line that
-// tells what is wrong, with `out` too, to `errors`.
+// reports mistakes, and a failure of `out`, to `errors`.
 std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
                                          std::ostream& errors);
 

@@ -23,7 +23,7 @@ std::string report_of(const Options& options, Menu& menu) {
 
 }  // namespace
 
-// The library tells what is wrong with an expression on standard error, where the panel has one line to say.
+// The library reports mistakes of an expression to standard error, where the panel prints one line of its own.
 Loaded_panel load(const Options& options, Output_log& log, Cards cards) {
     log.take_errors();
     Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns);

@@ -1,4 +1,4 @@
-// How long one evaluation of a typical expression takes. The names tell the kind of expression.
+// How long one evaluation of a typical expression takes. The names state the kind of expression.
 #include <benchmark/benchmark.h>
 
 #include <string>

@@ -1,7 +1,7 @@
 // The panel as a person has it: the application on a terminal, with a menu of 10,000 entries, each with a rule.
 //
 // Key_to_frame is the time from a key on the terminal until the frame that it makes has arrived there; max_ms is
-// the longest of them. Rest tells how much of one core the panel takes while nobody touches it.
+// the longest of them. "Rest" is the share of one core that an idle panel takes.
 #include <benchmark/benchmark.h>
 #include <poll.h>
 #include <pty.h>

@@ -29,9 +29,9 @@ endfunction()
 #                          [LIBRARIES <library>...] [PRIVATE_LIBRARIES <library>...]
 #                          [COMPONENTS <name>...] [PACKAGES <pkg-config package>...])
 #
-# A static library frontpanel_<name> whose public headers stand in include/ beside its sources. It
+# A static library frontpanel_<name> whose public headers are in include/ beside its sources. It
 # is installed as a component of the package: frontpanel_data::<name> for find_package,
-# frontpanel_<name> for pkg-config. COMPONENTS are the components of ours that it stands on,
+# frontpanel_<name> for pkg-config. COMPONENTS are the components of ours that it uses,
 # LIBRARIES what else its headers show, PRIVATE_LIBRARIES what only its sources use. PACKAGES are
 # the pkg-config packages that an executable needs beside it.
 function(frontpanel_add_component name)
@@ -79,7 +79,7 @@ function(frontpanel_add_component name)
         REQUIRES ${components} ${arg_PACKAGES})
 endfunction()
 
-# frontpanel_components_below(<variable> [<component>...]): the components and all that they stand on.
+# frontpanel_components_below(<variable> [<component>...]): the components and all that they use.
 function(frontpanel_components_below out)
     set(all "")
     foreach(component IN LISTS ARGN)

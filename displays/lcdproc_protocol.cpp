@@ -25,7 +25,7 @@ Words words_of(const std::string& line) {
     return words;
 }
 
-// The number behind a word; 0 when there is none.
+// The number after a word; 0 when it is missing.
 int number_behind(const Words& words, const char* name) {
     const auto found = std::find(words.begin(), words.end(), name);
     if (found == words.end() || found + 1 == words.end()) {
@@ -46,7 +46,7 @@ Lcdproc_answer greeting(const Words& words) {
 struct Answer_word {
     const char* word;
     Lcdproc_answer::Kind kind;
-    size_t words;  // at least so many
+    size_t words;  // the least number of them
 };
 constexpr Answer_word ANSWERS[] = {
     {"success", Lcdproc_answer::SUCCESS, 1}, {"key", Lcdproc_answer::KEY, 2},
@@ -97,7 +97,7 @@ std::string lcdproc_quoted(std::string_view text) {
 Lcdproc_screen::Lcdproc_screen(Lcd_size size)
     : m_size(size), m_lines(static_cast<size_t>(size.rows), blanks(size.columns)) {}
 
-// The server's own sign of life would stand in a corner of the text.
+// The server's own sign of life would cover a corner of the text.
 std::vector<std::string> Lcdproc_screen::setup() const {
     const std::string name(NAME);
     std::vector<std::string> commands = {

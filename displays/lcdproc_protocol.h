@@ -34,7 +34,7 @@ Lcdproc_answer parse_lcdproc_answer(const std::string& line);
 // The word or text as one argument of a command: quoted, with quotes and backslashes escaped.
 std::string lcdproc_quoted(std::string_view text);
 
-// Shows frames on the server's one screen of ours: knows what the server has, and tells the commands that make
+// Shows frames on the server's one screen of ours: knows what the server has, and returns the commands that make
 // it show another frame.
 class Lcdproc_screen {
 public:

@@ -51,7 +51,7 @@ std::string terminal_type() {
     return "terminal type \"" + std::string(type == nullptr ? "" : type) + "\"";
 }
 
-// The library keeps several copies of the whole screen, of whatever size it is told.
+// The library keeps several copies of the whole screen, however large it is.
 constexpr int MOST_COLUMNS_OR_ROWS = 1000;
 
 void check_extent(const std::string& source, long extent) {

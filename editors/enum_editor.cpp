@@ -139,7 +139,7 @@ std::vector<Enum_editor::Option> Enum_editor::options() {
 }
 
 // Nothing when no such option can be chosen. The same text in another place is the same option, unless the same
-// place has it too; in a slot list the place alone tells, since its aliases come and go.
+// place has it too; in a slot list the place alone decides, since its aliases come and go.
 std::optional<int> Enum_editor::position_of(const Option& option) {
     const bool is_slot_list = edited().Get_entry_type() == Data_entry::SLOT_ENUM;
     const std::vector<Option> all = options();

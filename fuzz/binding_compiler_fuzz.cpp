@@ -1,5 +1,5 @@
-// Compiles arbitrary texts as binding rules. A text that is refused names a place inside it; the list of one that
-// is accepted passes the check for lists, tells the text's own rules, and runs.
+// Compiles arbitrary texts as binding rules. The error of a rejected text names a place inside it; the list of an
+// accepted text passes the check for lists, holds the text's own rules, and runs.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

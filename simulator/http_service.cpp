@@ -148,7 +148,7 @@ std::string text_of(const Http_answer& answer) {
 
 Http_service::Http_service(int port, Handler& handler) : m_handler(handler) {
     if (pipe2(m_wakers, O_CLOEXEC | O_NONBLOCK) != 0) {
-        throw std::runtime_error("no pipe can be made");
+        throw std::runtime_error("cannot create a pipe");
     }
     try {
         listen(port);
@@ -257,7 +257,7 @@ void Http_service::run() {
     serve_all(nullptr);
 }
 
-// What the sources of the clients told, in their order; null for nothing.
+// What poll() reported of the clients, in their order; null for nothing.
 void Http_service::serve_all(const pollfd* ready) {
     const Time now = Clock::now();
     for (Client& client : m_clients) {

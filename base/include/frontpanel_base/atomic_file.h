@@ -1,4 +1,4 @@
-// Writes a file so that whoever reads it finds the old text or the new one, never a part.
+// Writes a file so that a reader finds the old text or the new one, never a part.
 #ifndef FRONTPANEL_BASE_ATOMIC_FILE_H
 #define FRONTPANEL_BASE_ATOMIC_FILE_H
 
@@ -14,10 +14,10 @@ inline constexpr std::chrono::seconds LOCK_PATIENCE{5};
 
 // Replaces the file, or creates it, in one step: also when the process or the device ends in the middle, and when
 // several processes do so at a time, of which the last one wins. The new text is on the disk afterwards. A link is
-// followed, also one to a file that is still to be created. A file that is replaced keeps its mode, and its owner and group where the process may set them.
-// Beside the file stands its temporary file meanwhile. Input_error when the file cannot be written; then it is as
-// it was. Also when the temporary file is a pipe, a link or another user's, or another process keeps it for longer
-// than `patience`.
+// followed, also one to a file that is still to be created. A file that is replaced keeps its mode, and its owner and
+// group where the process may set them. The temporary file is beside it. Input_error when the file cannot be written;
+// then it is unchanged. Also when the temporary file is a pipe, a link or another user's, or another process locks it
+// for longer than `patience`.
 void write_whole_file(const std::string& file, const std::string& text,
                       std::chrono::milliseconds patience = LOCK_PATIENCE);
 

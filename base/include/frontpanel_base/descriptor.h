@@ -8,7 +8,7 @@
 
 namespace frontpanel {
 
-// Negative numbers stand for no descriptor, as `open` returns them.
+// A negative number is no descriptor, as `open` returns on failure.
 class Descriptor {
 public:
     explicit Descriptor(int number = -1) : m_number(number) {}

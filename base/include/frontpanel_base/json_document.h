@@ -16,7 +16,7 @@ namespace frontpanel {
 
 struct Json_member;
 
-// Neighbours in memory that somebody else owns.
+// Adjacent items that the span does not own.
 template <typename Item>
 class Json_span {
 public:
@@ -37,7 +37,7 @@ private:
 // A menu has hundreds of thousands of values, so a node holds nothing twice.
 class Json_node {
 public:
-    // WRONG stands for a value whose error has been reported. REAL is any number that is not an INTEGER.
+    // WRONG is a value whose mistake has been reported. REAL is any number that is not an INTEGER.
     enum class Kind : uint8_t { NOTHING, BOOLEAN, INTEGER, REAL, TEXT, LIST, OBJECT, WRONG };
 
     Json_node() = default;
@@ -53,8 +53,7 @@ public:
     bool is(Kind kind) const { return m_kind == kind; }
     const Place& place() const { return m_place; }
     bool boolean() const { return m_kind == Kind::BOOLEAN && m_content.number != 0; }
-    // Of an INTEGER, and of a TEXT that stands for a number, too: an argument of a template is a text wherever
-    // it is used.
+    // Of an INTEGER, and of a TEXT that replaces a number: an argument of a template is a text wherever it is used.
     std::optional<int64_t> integer() const;
     // Empty, or without elements or members, unless the value is of that kind.
     std::string_view text() const;

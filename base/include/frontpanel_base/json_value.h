@@ -1,4 +1,4 @@
-// A value of a menu file with its place, so that whatever is wrong with it is told where it stands.
+// A value of a menu file with its place, so that its mistakes are reported there.
 #ifndef FRONTPANEL_BASE_JSON_VALUE_H
 #define FRONTPANEL_BASE_JSON_VALUE_H
 
@@ -18,13 +18,13 @@ class Json_value {
 public:
     Json_value(const Json_node& node, Problems& problems) : m_node(&node), m_problems(&problems) {}
 
-    // An object's member that must be there; one that may be there.
+    // A required member of an object; an optional one.
     Json_value member(const char* name) const;
     std::optional<Json_value> find(const char* name) const;
-    // An object's members in the document's order; one that comes twice is reported and left out.
+    // An object's members in the document's order; a duplicate is reported and left out.
     struct Member;
     std::vector<Member> members() const;
-    // Reports any member that is not among `known`, or comes twice.
+    // Reports any member that is not among `known`, and duplicates.
     void expect_members(const std::vector<const char*>& known) const;
     // The elements of a list.
     std::vector<Json_value> items() const;
@@ -49,7 +49,7 @@ public:
     const Place& place() const { return m_node->place(); }
     // The place of a character of a text, from 0; escapes count as they are usually written.
     Place place_in_text(size_t offset) const;
-    // Throws an error at this place, or only reports it, or tells what is allowed but probably not meant.
+    // Throws an error at this place; only reports it; or warns of what is valid but probably a mistake.
     [[noreturn]] void fail(const std::string& text) const;
     void report(const std::string& text) const;
     void warn(const std::string& text) const;

@@ -1,4 +1,4 @@
-// What is wrong with an input file, collected so that everything is told at once.
+// The mistakes of an input file, collected so that all are reported at once.
 #ifndef FRONTPANEL_BASE_PROBLEMS_H
 #define FRONTPANEL_BASE_PROBLEMS_H
 
@@ -11,18 +11,18 @@
 
 namespace frontpanel {
 
-// A file that was read. Files are told apart, and put in order, by their number.
+// A file that was read. Its number identifies the file and orders the mistakes.
 struct Source {
     std::string name;
     size_t number;
 };
 
-// Where something stands in a file. Lines and columns count from 1, columns in bytes.
+// A place in a file. Lines and columns count from 1, columns in bytes.
 struct Place {
     const Source* source;
     uint32_t line;
     uint32_t column;
-    // For what was written once and stands in several places: which of them, such as "n = 3"; null elsewhere.
+    // For a value of a template or repetition: the copy, such as "n = 3"; null elsewhere.
     const std::string* copy;
 };
 
@@ -41,7 +41,7 @@ private:
     Place m_place;
 };
 
-// Ends work whose reason has been told already. Never leaves the loader.
+// Ends work whose mistake has been reported. Never leaves the loader.
 struct Told_already {};
 
 // Ends all work on a file. Never leaves the outermost attempt.
@@ -62,7 +62,7 @@ private:
 class Problems {
 public:
     static constexpr size_t MOST_LINES = 200;  // of errors, and of warnings
-    // More ends the outermost attempt: what is wrong in so many places is wrong as a whole.
+    // More ends the outermost attempt: a file with that many mistakes is wrong as a whole.
     static constexpr size_t MOST_ERRORS = 10000;
 
     void report(const Place& place, const std::string& text);

@@ -21,7 +21,7 @@ public:
     static constexpr std::chrono::milliseconds FIRST_PAUSE{250};  // before it connects again
     static constexpr std::chrono::milliseconds LONGEST_PAUSE{10000};
     static constexpr std::chrono::seconds PATIENCE{5};  // for a connection, and for any answer
-    // A connection that lasts so long is steady: the next loss is told again, and the next pause is short.
+    // A connection that lasts this long is steady: the next loss is reported again, and the next pause is short.
     static constexpr std::chrono::seconds STEADY{10};
     static constexpr int MOST_COMPLAINTS = 10;  // about answers, until a connection is steady
 

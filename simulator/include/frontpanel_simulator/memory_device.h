@@ -182,7 +182,7 @@ private:
     Result keep_number(Parameter& parameter, int32_t value);
     Result keep_text(Parameter& parameter, const std::string& value);
 
-    // Carries out a step that may change a parameter, and tells the listener if it did.
+    // Carries out a step that may change a parameter, and calls the listener if it did.
     template <typename Step>
     Result change(const Step& step);
 

@@ -21,7 +21,7 @@ public:
     // cards; `cards` is null where none run. All outlive the object.
     State_keeper(State_file& file, Memory_device& device, Card_service* cards = nullptr,
                  std::chrono::milliseconds delay = USUAL_DELAY);
-    // As `finish`, but a failure is not told.
+    // As `finish`, but errors are ignored.
     ~State_keeper();
     State_keeper(const State_keeper&) = delete;
     State_keeper& operator=(const State_keeper&) = delete;
