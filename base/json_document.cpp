@@ -5,13 +5,13 @@
 #include <rapidjson/stream.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <limits>
 #include <type_traits>
 #include <utility>
 
 #include <frontpanel_base/json_allocator.h>
+#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
@@ -55,10 +55,7 @@ private:
 };
 
 std::optional<int64_t> integer_of(std::string_view text) {
-    int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool is_whole = error == std::errc() && end == text.data() + text.size();
-    return is_whole ? std::optional<int64_t>(number) : std::nullopt;
+    return parse_number<int64_t>(text);
 }
 
 // Builds the values while the parser finds them. Elements and members of what is still open are on two stacks, from

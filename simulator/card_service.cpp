@@ -9,7 +9,6 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <deque>
@@ -20,6 +19,7 @@
 #include <utility>
 
 #include <frontpanel_base/json_allocator.h>
+#include <frontpanel_base/numbers.h>
 #include "chance.h"
 #include "http_service.h"
 
@@ -136,12 +136,7 @@ std::optional<int> posted_index(const std::string& body) {
     if (state == document.MemberEnd() || !state->value.IsObject()) return std::nullopt;
     const auto value = state->value.FindMember("value");
     if (value == state->value.MemberEnd() || !value->value.IsString()) return std::nullopt;
-    const char* const text = value->value.GetString();
-    const char* const end = text + value->value.GetStringLength();
-    int index = -1;
-    const auto result = std::from_chars(text, end, index);
-    if (result.ec != std::errc() || result.ptr != end || index < 0) return std::nullopt;
-    return index;
+    return parse_number({value->value.GetString(), value->value.GetStringLength()}, 0);
 }
 
 // Whether a target's path is that of the documents, whatever its query.

@@ -10,10 +10,11 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
-#include <charconv>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
+
+#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
@@ -111,14 +112,12 @@ int take_header(const std::string& line, Http_request& request, std::size_t& bod
         return LENGTH_REQUIRED;
     }
     if (name == "content-length") {
-        const char* const end = value.data() + value.size();
-        const auto [stopped, error] = std::from_chars(value.data(), end, body_size);
-        if (stopped != end || error == std::errc::invalid_argument) {
+        if (value.empty() || value.find_first_not_of("0123456789") != std::string::npos) {
             return BAD_REQUEST;
         }
-        const bool is_too_large =
-            error == std::errc::result_out_of_range || body_size > Http_service::LONGEST_BODY;
-        return is_too_large ? TOO_LARGE : 0;
+        const auto size = parse_number<std::size_t>(value, 0, Http_service::LONGEST_BODY);
+        body_size = size.value_or(0);
+        return size ? 0 : TOO_LARGE;
     }
     return 0;
 }

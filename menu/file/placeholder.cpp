@@ -1,7 +1,10 @@
 #include "file/placeholder.h"
 
+#include <algorithm>
 #include <cctype>
-#include <charconv>
+#include <string_view>
+
+#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
@@ -57,11 +60,14 @@ private:
         return m_text.substr(start, m_at - start);
     }
     bool take_number(int64_t& number, bool& is_too_large) {
-        const char* const start = m_text.data() + m_at;
-        const auto [end, error] = std::from_chars(start, m_text.data() + m_text.size(), number);
-        is_too_large = is_too_large || error == std::errc::result_out_of_range;
-        m_at += static_cast<size_t>(end - start);
-        return end > start && *start != '-';
+        const size_t start = m_at;
+        m_at = std::min(m_text.find_first_not_of("0123456789", start), m_text.size());
+        const auto parsed =
+            parse_number<int64_t>(std::string_view(m_text).substr(start, m_at - start));
+        const bool has_digits = m_at > start;
+        number = parsed.value_or(0);
+        is_too_large = is_too_large || (has_digits && !parsed);
+        return has_digits;
     }
 
     const std::string& m_text;
