@@ -55,7 +55,7 @@ std::string Engine::name() const {
     if (m_entry != nullptr) {
         return m_entry->Get_name();
     }
-    return m_own != nullptr ? address_text(m_control) : "an entry";
+    return m_own != nullptr ? shown_address(m_control) : "an entry";
 }
 
 // ---- the entry and its lists

@@ -45,14 +45,8 @@ var_index_s normal_key(var_index_s key) {
     return key;
 }
 
-std::string address_text(const var_index_s& key) {
-    std::string text = "[" + std::to_string(key.var);
-    const std::size_t used =
-        std::min<std::size_t>(key.index.m_index_num, std::size(key.index.m_index));
-    for (std::size_t level = 0; level < used; ++level) {
-        text += '.' + std::to_string(key.index.m_index[level]);
-    }
-    return text + "]";
+std::string shown_address(const var_index_s& key) {
+    return "[" + address_text(key.var, key.index) + "]";
 }
 
 Parameter_cache::Parameter_cache(Data_interface* iface, Cascade& cascade)

@@ -52,7 +52,7 @@ struct Cached_parameter {
 // Unused levels are 0: keys are ordered by both supported levels, in use or not.
 var_index_s normal_key(var_index_s key);
 // "[100.2]"
-std::string address_text(const var_index_s& key);
+std::string shown_address(const var_index_s& key);
 
 class Parameter_cache {
 public:

@@ -1,6 +1,7 @@
 #include <frontpanel_binding/parameter_address.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include <frontpanel_data/data_entry.h>
@@ -12,6 +13,11 @@ namespace frontpanel {
 namespace {
 
 constexpr std::uint32_t MOST_LEVELS = Data_model::S_CURRENT_SUPPORT_DIMENTIONS;
+constexpr std::uint32_t LEVEL_SIZE = std::uint32_t{LAST_INDEX} + 1;  // of a variable index
+
+std::size_t used_levels(const Index_t& index) {
+    return std::min<std::size_t>(index.m_index_num, std::size(index.m_index));
+}
 
 bool is_digit(char byte) {
     return byte >= '0' && byte <= '9';
@@ -79,10 +85,34 @@ private:
 
 }  // namespace
 
+bool is_unique(const Index_t& index) {
+    return std::all_of(index.m_index, index.m_index + used_levels(index),
+                       [](std::uint16_t level) { return level <= LAST_INDEX; });
+}
+
 std::uint32_t varidx_of(const Index_t& index) {
     unsigned int varidx = 0;
     Data_model::Index_convert(&index, varidx);
     return varidx;
+}
+
+std::string address_text(std::uint32_t pid, const Index_t& index) {
+    std::string text = std::to_string(pid);
+    for (std::size_t level = 0; level < used_levels(index); ++level) {
+        text += '.' + std::to_string(index.m_index[level]);
+    }
+    return text;
+}
+
+std::string address_text(std::uint32_t pid, std::uint32_t varidx) {
+    std::string text = std::to_string(pid);
+    if (varidx != 0) {
+        text += '.' + std::to_string(varidx % LEVEL_SIZE);
+    }
+    if (varidx >= LEVEL_SIZE) {
+        text += '.' + std::to_string(varidx / LEVEL_SIZE);
+    }
+    return text;
 }
 
 bool is_like_address(std::string_view text) {

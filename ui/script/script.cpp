@@ -6,6 +6,7 @@
 
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/numbers.h>
+#include <frontpanel_binding/parameter_address.h>
 #include <frontpanel_display/key_table.h>
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_menu/entry_access.h>
@@ -15,7 +16,6 @@ namespace {
 
 constexpr int MOST_REPEATS = 1000;
 constexpr int LAST_SLOT = 15;
-constexpr uint32_t LAST_LEVEL = 255;
 
 // The words of one line, from left to right.
 class Line {
@@ -69,22 +69,11 @@ private:
 // "100", "100.1" or "100.1.2": the parameter id and up to two index levels.
 Parameter_name Line::parameter() {
     const std::string word = this->word("a parameter");
-    std::vector<uint32_t> numbers;
-    std::istringstream parts(word);
-    parts.exceptions(std::ios::badbit);
-    std::string part;
-    while (std::getline(parts, part, '.')) {
-        const std::optional<uint32_t> number = parse_number<uint32_t>(part);
-        if (!number || (!numbers.empty() && *number > LAST_LEVEL)) {
-            fail("expected a parameter such as 100 or 100.1.2, found \"" + word + "\"");
-        }
-        numbers.push_back(*number);
-    }
-    if (numbers.size() > 3 || word.back() == '.') {
+    const std::optional<Parameter_address> address = parse_address(word);
+    if (!address || address->type != INVALID_TYPE || !is_unique(address->index)) {
         fail("expected a parameter such as 100 or 100.1.2, found \"" + word + "\"");
     }
-    numbers.resize(3, 0);
-    return {numbers[0], numbers[1] | numbers[2] << 8};
+    return {address->pid, varidx_of(address->index)};
 }
 
 // What is pressed or let pass may be repeated.

@@ -2,20 +2,13 @@
 
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_binding/parameter_address.h>
 
 namespace frontpanel {
 namespace {
 
 std::string name_of(const Parameter_name& parameter) {
-    const auto [pid, varidx] = parameter;
-    std::string name = std::to_string(pid);
-    if (varidx != 0) {
-        name += "." + std::to_string(varidx & 0xFFU);
-    }
-    if (varidx > 0xFFU) {
-        name += "." + std::to_string(varidx >> 8);
-    }
-    return name;
+    return address_text(parameter.pid, parameter.varidx);
 }
 
 std::string description_of(const Script_device::Write& write) {

@@ -15,8 +15,15 @@ namespace frontpanel {
 // The last index of a level that no other address shares: 256 of the first level is 1 of the second.
 inline constexpr std::uint16_t LAST_INDEX = 255;
 
+// Whether no other index has the same variable: no level is beyond LAST_INDEX.
+bool is_unique(const Index_t& index);
+
 // The variable index that the device sees for an index.
 std::uint32_t varidx_of(const Index_t& index);
+
+// "100", "100.3" or "100.3.1": with the levels of the index; or, for a variable index, without zeros at its end.
+std::string address_text(std::uint32_t pid, const Index_t& index);
+std::string address_text(std::uint32_t pid, std::uint32_t varidx);
 
 struct Parameter_address {
     std::uint32_t pid = 0;
