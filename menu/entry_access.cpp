@@ -3,10 +3,17 @@
 #include <frontpanel_menu/entry_kind.h>
 
 namespace frontpanel {
+
+bool is_link(const Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::LINK_ENTRY;
+}
+
+bool is_submenu(const Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::NODE;
+}
+
 Link_entry* link_of(Data_entry& entry) {
-    auto* const link = entry.Get_entry_type() == Data_entry::LINK_ENTRY
-                           ? dynamic_cast<Link_entry*>(&entry)
-                           : nullptr;
+    auto* const link = is_link(entry) ? dynamic_cast<Link_entry*>(&entry) : nullptr;
     return link != nullptr && link->Get_housed_entry() != nullptr ? link : nullptr;
 }
 
@@ -42,8 +49,7 @@ int refresh(Data_entry& entry, Data_interface& device) {
 }
 
 bool is_menu(const Data_entry& entry) {
-    return housed(entry).Get_entry_type() == Data_entry::NODE ||
-           is_mount(const_cast<Data_entry&>(entry));
+    return is_submenu(housed(entry)) || is_mount(const_cast<Data_entry&>(entry));
 }
 
 bool is_live_pid(uint32_t pid) {

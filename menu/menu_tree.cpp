@@ -15,7 +15,7 @@ void add_below(Data_entry& menu, const std::string& path, int depth,
          child = neighbour(*child, Data_entry::OPERATION_NEXT)) {
         const std::string name = path + shown_name(child->Get_name());
         entries.push_back({child, &menu, name, depth});
-        if (child->Get_entry_type() == Data_entry::NODE) {
+        if (is_submenu(*child)) {
             add_below(*child, name + "/", depth + 1, entries);
         }
     }

@@ -3,6 +3,7 @@
 #include <set>
 #include <vector>
 
+#include <frontpanel_menu/entry_access.h>
 #include "check/checks.h"
 #include "file/item_members.h"
 
@@ -80,7 +81,7 @@ private:
         if (const auto shortcut = item.find(member::SHORTCUT)) {
             shortcut->warn("this button leads to an item that is never shown");
         }
-        if (entry.Get_entry_type() == Data_entry::NODE && m_led_into.count(&entry) == 0) {
+        if (is_submenu(entry) && m_led_into.count(&entry) == 0) {
             item.warn("this menu is never shown, and no link leads into it");
         }
     }

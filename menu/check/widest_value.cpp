@@ -3,6 +3,7 @@
 #include <frontpanel_editors/line_text.h>
 #include <frontpanel_editors/value_text.h>
 #include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/entry_kind.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -77,7 +78,7 @@ std::string widest_choice(const Json_value& choices) {
 }  // namespace
 
 std::optional<std::string> Widest_values::of(Data_entry& entry, const Json_value& item) {
-    if (entry.Get_entry_type() == Data_entry::RANGE_LEAF) {
+    if (kind_of(entry).has(Entry_kind::IS_NUMBER)) {
         return of_number(static_cast<Range_entry&>(entry), item);
     }
     const auto choices = item.find(member::CHOICES);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
 #include "file/editor_items.h"
 
@@ -12,6 +13,33 @@ constexpr int64_t LAST_BUTTON = 99;
 constexpr size_t LONGEST_ID = 63;
 // A link owns what it houses by this name alone.
 constexpr const char* BRIDGE_NAME = "Bridge Entry";
+
+// The members that items have in common.
+struct Common_member {
+    const char* name;
+    bool is_of_every_kind;  // links too, which have no others in common
+    bool is_bridged;        // an item behind a bridge has it as well
+};
+constexpr Common_member COMMON_MEMBERS[] = {
+    {member::TYPE, true, true},       {member::ID, true, false},
+    {member::NAME, false, false},     {member::DESCRIPTION, false, true},
+    {member::INDEX, false, true},     {member::VISIBLE, false, false},
+    {member::SHORTCUT, false, false}, {member::OPTIONS, false, true},
+    {member::BINDING, false, true},   {member::EDITOR, false, true},
+};
+
+// The common members that the condition holds for, and those of the kind.
+template <typename Condition>
+std::vector<const char*> members_with(const Entry_kind& kind, Condition has) {
+    std::vector<const char*> members;
+    for (const Common_member& member : COMMON_MEMBERS) {
+        if (has(member)) {
+            members.push_back(member.name);
+        }
+    }
+    members.insert(members.end(), kind.members.begin(), kind.members.end());
+    return members;
+}
 
 // A wrong name is reported, and the item goes on under another.
 std::string checked_name(Load_context& context, const Json_value& item, const Spot& spot) {
@@ -62,21 +90,13 @@ const Entry_kind& kind_of_item(const Json_value& item) {
 }
 
 std::vector<const char*> members_of(const Entry_kind& kind) {
-    std::vector<const char*> members{member::TYPE, member::ID};
-    if (!kind.has(Entry_kind::HAS_OWN_MEMBERS)) {
-        members.insert(members.end(),
-                       {member::NAME, member::DESCRIPTION, member::INDEX, member::VISIBLE,
-                        member::SHORTCUT, member::OPTIONS, member::BINDING, member::EDITOR});
-    }
-    members.insert(members.end(), kind.members.begin(), kind.members.end());
-    return members;
+    return members_with(kind, [&kind](const Common_member& member) {
+        return member.is_of_every_kind || !kind.has(Entry_kind::HAS_OWN_MEMBERS);
+    });
 }
 
 std::vector<const char*> bridged_members_of(const Entry_kind& kind) {
-    std::vector<const char*> members{member::TYPE,    member::DESCRIPTION, member::INDEX,
-                                     member::OPTIONS, member::BINDING,     member::EDITOR};
-    members.insert(members.end(), kind.members.begin(), kind.members.end());
-    return members;
+    return members_with(kind, [](const Common_member& member) { return member.is_bridged; });
 }
 
 Leaf entry_of(Load_context& context, const Json_value& item, const Spot& spot) {
@@ -158,7 +178,7 @@ void enlist(Load_context& context, const Json_value& item, Data_entry& entry) {
         return;  // the top menu
     }
     menu->children.push_back(&entry);
-    if (entry.Get_entry_type() != Data_entry::LINK_ENTRY) {
+    if (!is_link(entry)) {
         context.built.items.push_back({&entry, item});
     }
     context.names.add(entry.Get_name(), &entry);

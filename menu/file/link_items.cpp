@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
 #include "file/builders.h"
 #include "file/item_builder.h"
@@ -36,7 +37,7 @@ Link_entry& add_link(Load_context& context, Data_entry& housed, const Json_value
 Link_entry& add_link_to_target(Load_context& context, const Json_value& item, unsigned int level) {
     const Json_value reference = item.member(member::TARGET);
     Data_entry& target = context.names.find(reference);
-    if (target.Get_entry_type() == Data_entry::LINK_ENTRY) {
+    if (is_link(target)) {
         reference.fail("a link leads to no other link");
     }
     Link_entry& link = add_link(context, target, item, level);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <frontpanel_menu/entry_access.h>
 #include "file/item_builder.h"
 #include "file/link_items.h"
 
@@ -12,10 +13,8 @@ namespace {
 void order(const Built_menu::Submenu& menu) {
     std::vector<Data_entry*> children = menu.children;
     children.erase(std::remove(children.begin(), children.end(), nullptr), children.end());
-    const auto is_link = [](const Data_entry* child) {
-        return child->Get_entry_type() == Data_entry::LINK_ENTRY;
-    };
-    if (std::none_of(children.begin(), children.end(), is_link)) {
+    if (std::none_of(children.begin(), children.end(),
+                     [](const Data_entry* child) { return is_link(*child); })) {
         return;
     }
     while (Data_entry* const child = menu.entry->Get_child()) {
@@ -23,7 +22,7 @@ void order(const Built_menu::Submenu& menu) {
     }
     for (size_t i = 0; i < children.size(); ++i) {
         menu.entry->Add_child(*children[i]);
-        if (is_link(children[i])) {
+        if (is_link(*children[i])) {
             children[i]->Set_parent(menu.entry);
             children[i]->Set_previous(i == 0 ? nullptr : children[i - 1]);
             children[i]->Set_next(i + 1 == children.size() ? nullptr : children[i + 1]);

@@ -25,7 +25,7 @@ std::string indented(const std::string& text) {
 // The number that stands in an index for a menu of that level, as product options count menus; 0 for none.
 int instance_of(Data_entry& entry) {
     const Index_t* const index = entry.Get_index();
-    if (entry.Get_entry_type() != Data_entry::NODE || index == nullptr) {
+    if (!is_submenu(entry) || index == nullptr) {
         return 0;
     }
     const unsigned int level = entry.getNodeLevel();

@@ -15,6 +15,10 @@ constexpr int FIRST_LIVE_PID = 9000;
 constexpr int LAST_LIVE_PID = 9100;
 constexpr const char* NO_OPTION_YET = "-";  // the only option of a live list before its first fetch
 
+// Whether the entry is a link, of any of the three kinds.
+bool is_link(const Data_entry& entry);
+// Whether the entry is a submenu with items of its own.
+bool is_submenu(const Data_entry& entry);
 // The entry as a link; null for any other and for a link that houses nothing.
 Link_entry* link_of(Data_entry& entry);
 // What a link houses; any other entry itself.
