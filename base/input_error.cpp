@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t LONGEST_LINE = 1000;  // a message may quote what somebody wrote, however long
 
-std::string size_text(size_t bytes) {
+std::string bytes_text(size_t bytes) {
     constexpr size_t KIB = 1024;
     return bytes % (KIB * KIB) == 0 ? std::to_string(bytes / (KIB * KIB)) + " MiB"
                                     : std::to_string(bytes / KIB) + " KiB";
@@ -43,7 +43,7 @@ std::string read_input_file(const std::string& path, size_t largest) {
         text.append(piece.data(), static_cast<size_t>(file.gcount()));
         // An endless file ends here, too.
         if (text.size() > largest) {
-            throw Input_error(path + ": is larger than " + size_text(largest));
+            throw Input_error(path + ": is larger than " + bytes_text(largest));
         }
     } while (file.gcount() > 0);
     if (file.bad() || (text.empty() && errno == EISDIR)) {
