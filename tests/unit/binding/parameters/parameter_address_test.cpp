@@ -33,6 +33,31 @@ TEST(Parameter_address_test, AnAddressHasAPidLevelsAndAType) {
     }
 }
 
+TEST(Parameter_address_test, AnAddressIsWrittenAsItIsRead) {
+    EXPECT_EQ(address_text(100, index_of({})), "100");
+    EXPECT_EQ(address_text(100, index_of({0})), "100.0");
+    EXPECT_EQ(address_text(100, index_of({3, 1})), "100.3.1");
+}
+
+TEST(Parameter_address_test, AVariableIndexIsWrittenByItsLevels) {
+    const struct {
+        uint32_t varidx;
+        const char* text;
+    } cases[] = {{0, "100"}, {3, "100.3"}, {255, "100.255"}, {256, "100.0.1"}, {0x0103, "100.3.1"}};
+    for (const auto& each : cases) {
+        const std::string text = address_text(100, each.varidx);
+        EXPECT_EQ(text, each.text);
+        EXPECT_EQ(varidx_of(parse_address(text)->index), each.varidx);
+    }
+}
+
+TEST(Parameter_address_test, AnIndexIsUniqueUpToTheLastIndexOfEachLevel) {
+    EXPECT_TRUE(is_unique(index_of({})));
+    EXPECT_TRUE(is_unique(index_of({255, 255})));
+    EXPECT_FALSE(is_unique(index_of({256})));
+    EXPECT_FALSE(is_unique(index_of({0, 256})));
+}
+
 TEST(Parameter_address_test, AnErrorSaysWhatIsWrongAndWhere) {
     const struct {
         const char* text;
