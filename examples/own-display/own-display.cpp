@@ -44,8 +44,8 @@ int main() {
     Device device;
     const frontpanel::Loaded_menu loaded = frontpanel::load_menu("menu.json", device);
 
-    frontpanel::Time
-        now{};  // a real loop leaves the panel's clock alone, and waits with poll() until panel.due()
+    // A real loop leaves the panel's clock alone, and waits with poll() until `panel.due()`.
+    frontpanel::Time now{};
     frontpanel::Panel_options options;
     options.size = {16, 2};
     options.clock = [&now] { return now; };
