@@ -19,11 +19,11 @@ TEST_F(Loaded_panel_test, IsAMenuOverTheDeviceThatTheFileDescribes) {
     EXPECT_EQ(value, 5);
 }
 
-TEST_F(Loaded_panel_test, WarnsOfNamesThatTheDisplayCuts) {
+TEST_F(Loaded_panel_test, WarnsOfWhatTheDisplayCannotShowAtOnce) {
     options.menu = write("long.json", R"({"device": {"parameters": [
         {"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5}]},
         "menu": {"name": "Main", "items": [
-            {"type": "range", "name": "Temp out", "pid": 1}]}})");
+            {"type": "range", "name": "Temperature out", "pid": 1}]}})");
     EXPECT_TRUE(load_panel(options.menu, Cards::OFF, 20).warnings.empty());
     EXPECT_EQ(load_panel(options.menu, Cards::OFF, 16).warnings.size(), 1U);
 }
