@@ -7,6 +7,12 @@
 
 namespace frontpanel::binding_language {
 
+namespace {
+
+constexpr std::size_t MOST_WARNINGS = 100;
+
+}  // namespace
+
 void Constant_warnings::begin_rule() {
     m_rule_begin = m_cursor.place();
     m_rule_line = m_cursor.line();
@@ -16,7 +22,7 @@ void Constant_warnings::begin_rule() {
 
 // The line is known, so that it is not looked for from the beginning of the text.
 void Constant_warnings::warn_of(const char* begin) {
-    if (std::exchange(m_is_warned, true)) {
+    if (std::exchange(m_is_warned, true) || m_warnings.size() == MOST_WARNINGS) {
         return;
     }
     const auto column = m_rule_column + static_cast<std::size_t>(begin - m_rule_begin);

@@ -9,6 +9,8 @@ namespace frontpanel {
 namespace {
 
 constexpr std::size_t FARTHEST = 2;  // letters by which a mistaken name may differ
+// Names and pairs of letters that all searches for a mistaken name look at: some tenths of a second.
+constexpr std::size_t MOST_SEARCHED = 100'000'000;
 
 // Levels that are not in use count as 0.
 std::uint64_t variable_of(std::uint32_t pid, const Index_t& index) {
@@ -97,11 +99,19 @@ std::string_view Parameter_table::closest(std::string_view name) const {
     std::string_view best;
     std::size_t best_distance = FARTHEST + 1;
     for (const std::string& each : m_names) {
+        if (m_searched > MOST_SEARCHED) {
+            return {};
+        }
+        ++m_searched;
         const std::size_t longer = std::max(each.size(), name.size());
-        if (longer - std::min(each.size(), name.size()) <= FARTHEST &&
-            distance(each, name) < best_distance) {
+        if (longer - std::min(each.size(), name.size()) > FARTHEST) {
+            continue;
+        }
+        m_searched += each.size() * name.size();
+        const std::size_t found = distance(each, name);
+        if (found < best_distance) {
             best = each;
-            best_distance = distance(each, name);
+            best_distance = found;
         }
     }
     return best_distance < name.size() ? best : std::string_view();

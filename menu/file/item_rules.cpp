@@ -18,33 +18,39 @@ std::string place_within(const std::string& text, size_t offset) {
            ": ";
 }
 
-// Whether a place in the rules is one of the file.
-bool stands_in_file(const Json_value& source) {
-    return source.text_with_lines().find('\n') == std::string::npos &&
-           source.place().copy == nullptr;
-}
+// The rules of an item. A text may hold thousands of mistakes, so it is copied once for all of them.
+struct Rule_source {
+    explicit Rule_source(const Json_value& written)
+        : value(written),
+          text(written.text_with_lines()),
+          stands_in_file(text.find('\n') == std::string::npos && written.place().copy == nullptr) {}
+
+    Json_value value;
+    std::string text;
+    bool stands_in_file;  // whether a place in the rules is one of the file
+};
 
 // An error in rules on one line of the file has its place there; in longer rules it has the line of the rules.
-[[noreturn]] void fail_in(const Json_value& source, size_t offset, const std::string& message) {
-    if (stands_in_file(source)) {
-        throw Placed_error(source.place_in_text(offset), message);
+[[noreturn]] void fail_in(const Rule_source& source, size_t offset, const std::string& message) {
+    if (source.stands_in_file) {
+        throw Placed_error(source.value.place_in_text(offset), message);
     }
-    source.fail(place_within(source.text_with_lines(), offset) + message);
+    source.value.fail(place_within(source.text, offset) + message);
 }
 
-[[noreturn]] void fail_in(const Json_value& source, const Compile_error& error) {
-    if (stands_in_file(source)) {
-        throw Placed_error(source.place_in_text(error.column - 1), error.message);
+[[noreturn]] void fail_in(const Rule_source& source, const Compile_error& error) {
+    if (source.stands_in_file) {
+        throw Placed_error(source.value.place_in_text(error.column - 1), error.message);
     }
-    source.fail(error.text());
+    source.value.fail(error.text());
 }
 
-// Told as mistakes are.
-void warn_in(const Json_value& source, const Compile_error& warning, Problems& problems) {
-    if (stands_in_file(source)) {
-        problems.warn(source.place_in_text(warning.column - 1), warning.message);
+// Reported as errors are.
+void warn_in(const Rule_source& source, const Compile_error& warning, Problems& problems) {
+    if (source.stands_in_file) {
+        problems.warn(source.value.place_in_text(warning.column - 1), warning.message);
     } else {
-        source.warn(warning.text());
+        source.value.warn(warning.text());
     }
 }
 
@@ -68,7 +74,7 @@ const char* misfit(Rule_entries entries, const Entry_kind& kind) {
 }
 
 // A name that is unknown because its declaration is wrong was reported there.
-void report_in(Load_context& context, const Json_value& source,
+void report_in(Load_context& context, const Rule_source& source,
                const std::vector<Compile_error>& errors) {
     for (const Compile_error& error : errors) {
         context.problems.attempt([&] {
@@ -80,7 +86,7 @@ void report_in(Load_context& context, const Json_value& source,
     }
 }
 
-void check_rule_parameter(const Load_context& context, const Json_value& source,
+void check_rule_parameter(const Load_context& context, const Rule_source& source,
                           const Named_parameter& named) {
     const var_index_s& key = named.key;
     const Parameter* const parameter = context.device.parameter(key.var, key.index);
@@ -96,7 +102,7 @@ void check_rule_parameter(const Load_context& context, const Json_value& source,
 
 // The ends of a range are cut to those of the entry, so that one may be beyond them; a key that no choice has
 // is a mistake.
-void check_interval(const Json_value& source, const Rule_note& note, Bounds bounds) {
+void check_interval(const Rule_source& source, const Rule_note& note, Bounds bounds) {
     const auto [low, high] = *note.numbers;
     const bool is_key = note.kind == SUGGESTION_KEYS;
     if (high < bounds.min || low > bounds.max || (is_key && high > bounds.max)) {
@@ -108,7 +114,7 @@ void check_interval(const Json_value& source, const Rule_note& note, Bounds boun
     }
 }
 
-void check_written_value(const Load_context& context, const Json_value& source,
+void check_written_value(const Load_context& context, const Rule_source& source,
                          const Rule_note& note) {
     const var_index_s& key = note.written;
     const Parameter* const parameter = context.device.parameter(key.var, key.index);
@@ -131,7 +137,7 @@ void check_written_value(const Load_context& context, const Json_value& source,
 }
 
 // What a rule asks for in vain, or what nobody can give it.
-void check_rule(const Load_context& context, const Json_value& source, const Rule_note& note,
+void check_rule(const Load_context& context, const Rule_source& source, const Rule_note& note,
                 const Data_entry& entry, std::optional<Bounds> bounds) {
     const Entry_kind& kind = kind_of(entry);
     if (const char* const others = misfit(rule_entries(note.kind), kind)) {
@@ -154,20 +160,21 @@ void check_rule(const Load_context& context, const Json_value& source, const Rul
 // The engine gets all it needs before the entry takes it over.
 void bind(Load_context& context, const Json_value& item, Data_entry& entry,
           std::optional<Bounds> bounds) {
-    const std::optional<Json_value> source = item.find(member::BINDING);
-    if (!source) {
+    const std::optional<Json_value> written = item.find(member::BINDING);
+    if (!written) {
         return;
     }
     context.problems.attempt([&] {
-        const Compile_result compiled = context.menu.bindings()->compile(
-            source->text_with_lines(), entry.Get_return_type_int_or_string());
-        context.work.take(source->place(), Work_budget::RULES_COST + compiled.parameters.size());
+        const Rule_source source(*written);
+        const Compile_result compiled =
+            context.menu.bindings()->compile(source.text, entry.Get_return_type_int_or_string());
+        context.work.take(written->place(), Work_budget::RULES_COST + compiled.parameters.size());
         if (!compiled.ok()) {
-            report_in(context, *source, compiled.errors);
+            report_in(context, source, compiled.errors);
             return;
         }
         for (const Compile_error& warning : compiled.warnings) {
-            warn_in(*source, warning, context.problems);
+            warn_in(source, warning, context.problems);
         }
         auto binding = std::make_unique<Expression_binding>(context.menu.bindings());
         binding->addBindingList(compiled.list);
@@ -175,12 +182,12 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
             binding->set_fallback_range(bounds->min, bounds->max);
         }
         entry.Set_binding_object(binding.release());
-        context.built.rules.emplace(&entry, source->place());
+        context.built.rules.emplace(&entry, written->place());
         for (const Named_parameter& parameter : compiled.parameters) {
-            context.problems.attempt([&] { check_rule_parameter(context, *source, parameter); });
+            context.problems.attempt([&] { check_rule_parameter(context, source, parameter); });
         }
         for (const Rule_note& note : compiled.notes) {
-            context.problems.attempt([&] { check_rule(context, *source, note, entry, bounds); });
+            context.problems.attempt([&] { check_rule(context, source, note, entry, bounds); });
         }
     });
 }

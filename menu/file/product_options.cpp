@@ -6,6 +6,11 @@
 #include <frontpanel_base/parameter_declaration.h>
 
 namespace frontpanel {
+namespace {
+
+constexpr size_t LONGEST_NAME = 63;  // each entry that tests options keeps all names
+
+}  // namespace
 
 void Product_options::declare(const Json_value& options) {
     m_problems.attempt([&] {
@@ -19,8 +24,11 @@ void Product_options::declare(const Json_value::Member& option) {
     constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
     const std::string& name = option.name;
     const auto is_printable = [](char byte) { return byte >= ' ' && byte <= '~'; };
-    if (name.empty() || !std::all_of(name.begin(), name.end(), is_printable)) {
-        throw Placed_error(option.place, "expected an option name of printable ASCII characters");
+    if (name.empty() || name.size() > LONGEST_NAME ||
+        !std::all_of(name.begin(), name.end(), is_printable)) {
+        throw Placed_error(option.place, "expected an option name of 1 to " +
+                                             std::to_string(LONGEST_NAME) +
+                                             " printable ASCII characters");
     }
     declare(name, static_cast<unsigned int>(option.value.integer(0, HIGHEST)));
     m_places.emplace(name, option.place);
@@ -41,7 +49,7 @@ std::vector<std::string> Product_options::use(const Json_value& list) {
 }
 
 std::map<std::string, unsigned int> Product_options::copy(const Json_value& item, size_t tests) {
-    constexpr size_t COPY_COST = 4;  // of an option, in comparisons
+    constexpr size_t COPY_COST = 8;  // of an option, in comparisons
     m_work.take_comparisons(item.place(), (COPY_COST + tests) * m_values.size());
     return m_values;
 }

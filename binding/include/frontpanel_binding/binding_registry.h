@@ -68,7 +68,8 @@ struct Compile_result {
     BindingListT list;
     std::vector<Rule_note> notes;             // in the order of the text
     std::vector<Named_parameter> parameters;  // each once, read or written
-    // Valid, but probably a mistake: conditions and comparisons that read nothing. One for a rule at most.
+    // Valid, but probably a mistake: conditions and comparisons that read nothing. One for a rule at
+    // most, and 100 for a text.
     std::vector<Compile_error> warnings;
     std::optional<Compile_error> error;  // the first of `errors`
     // In the order of the text: one for a rule at most, and 100 for a text.

@@ -51,6 +51,8 @@ public:
     // INVALID_TYPE when the variable is not declared.
     RETURN_TYPE type_of(const var_index_s& key) const;
     // The declared name that differs from `name` in the fewest letters, two at most; empty when there is none.
+    // It serves messages: after thousands of mistakes in a large table it is always empty, so that a menu of nothing
+    // but mistakes is refused soon.
     std::string_view closest(std::string_view name) const;
 
 private:
@@ -59,6 +61,7 @@ private:
     std::deque<std::string>
         m_names;  // what the keys of the map refer to, in the order of declaration
     std::unordered_map<std::string_view, const Parameter*> m_named;
+    mutable std::size_t m_searched = 0;  // by all calls of `closest`
 };
 
 }  // namespace frontpanel

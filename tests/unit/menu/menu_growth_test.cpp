@@ -106,8 +106,8 @@ constexpr const char* PARAMETER =
     {"pid": 101, "type": "integer", "min": 0, "max": 14, "value": 1})";
 
 std::string menu_of(const std::string& items, const std::string& before = "",
-                    const std::string& behind = "") {
-    return "{" + before + R"("device": {"parameters": [)" + PARAMETER +
+                    const std::string& behind = "", const std::string& parameters = "") {
+    return "{" + before + R"("device": {"parameters": [)" + PARAMETER + parameters +
            R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}" + behind + "}";
 }
 
@@ -219,6 +219,21 @@ std::vector<Shape> large_shapes() {
          menu_of(filled(range + R"(, "options": ["o1"]})", 30000),
                  R"("options": {)" + numbered(R"("o#": 1)", 1000) + "},"),
          "grow beyond 500000 steps here"},
+        {"long names of options",
+         menu_of(filled(range + R"(, "options": ["o1"]})", 5000),
+                 R"("options": {)" + numbered("\"" + std::string(3000, 'o') + "#\": 1", 100) + "},"),
+         "expected an option name of 1 to 63 printable ASCII characters"},
+        {"rules that all read nothing",
+         menu_of(filled(range + R"(, "binding": ")" + repeated("visible if 1;", 3) + "\"}", 1000) +
+                 "," + range + R"(, "binding": ")" + repeated("visible if 1;", 4000) + "\"}"),
+         ""},
+        {"unknown parameters beside many like them",
+         menu_of(filled(range + R"(, "binding": ")" + repeated("visible if [xxxxxxxxxx];", 50) +
+                            "\"}",
+                        1000),
+                 "", "", "," + numbered(R"({"name": "nnnnnn#", "pid": 1#, "type": "integer", "min": 0,
+                     "max": 9, "value": 0})", 20000)),
+         "unknown parameter"},
         {"wrong values in a list",
          R"({"device": {"parameters": [)" + repeated("1", 490000, ",") +
              R"(]}, "menu": {"name": "Main", "items": []}})",

@@ -522,4 +522,13 @@ TEST(Binding_mistakes, NothingIsKeptOfARefusedText) {
     EXPECT_EQ(language.compile("range 1..2 if [gain]").list, before);
 }
 
+TEST(Binding_mistakes, AHundredWarningsOfATextAreReported) {
+    Language language;
+    std::string source;
+    for (int i = 0; i < 101; ++i) {
+        source += "visible if 1;";
+    }
+    EXPECT_EQ(language.compile(source).warnings.size(), 100U);
+}
+
 }  // namespace

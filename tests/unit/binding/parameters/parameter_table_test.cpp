@@ -116,4 +116,17 @@ TEST_F(Parameter_table_test, TheClosestNameDiffersInTwoLettersAtMost) {
     EXPECT_EQ(table.closest("x"), "");
 }
 
+TEST_F(Parameter_table_test, ThousandsOfMistakesInALargeTableGetNoProposals) {
+    const std::string start(50, 'n');
+    for (std::uint32_t i = 10000; i < 12000; ++i) {
+        table.declare(start + std::to_string(i), {INTEGER, i, {}});
+    }
+    EXPECT_EQ(table.closest(start + "11999x"), start + "11999");
+    int searches = 1;
+    while (!table.closest(start + "11999x").empty()) {
+        ASSERT_LT(++searches, 100);
+    }
+    EXPECT_GT(searches, 10);
+}
+
 }  // namespace
