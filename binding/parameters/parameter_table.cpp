@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t FARTHEST = 2;  // letters by which a mistaken name may differ
 // Names and pairs of letters that all searches for a mistaken name look at: some tenths of a second.
-constexpr std::size_t MOST_SEARCHED = 100'000'000;
+constexpr std::size_t MOST_SEARCHED = 20'000'000;
 
 // Levels that are not in use count as 0.
 std::uint64_t variable_of(std::uint32_t pid, const Index_t& index) {
@@ -28,19 +28,30 @@ bool can_stand_in_brackets(std::string_view name) {
            std::none_of(name.begin(), name.end(), is_control) && !is_like_address(name);
 }
 
-// The letters to insert, drop or replace that make one text of the other. A very long text counts as far away.
-std::size_t distance(std::string_view from, std::string_view to) {
+// The letters to insert, drop or replace that make one text of the other; beyond FARTHEST any number that is, too.
+// A very long text counts as far away. `searched` grows by the pairs of letters that were compared.
+std::size_t distance(std::string_view from, std::string_view to, std::size_t& searched) {
     std::array<std::size_t, 65> row;
     if (to.size() >= row.size()) {
         return FARTHEST + 1;
     }
     std::iota(row.begin(), row.end(), 0U);
     for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < to.size(); ++j) {
+        // Pairs of letters that lie farther from each other count as unlike.
+        const std::size_t first = i > FARTHEST ? i - FARTHEST : 0;
+        const std::size_t end = std::min(to.size(), i + FARTHEST + 1);
+        std::size_t diagonal = row[first];
+        row[first] = first == 0 ? i + 1 : FARTHEST + 1;
+        std::size_t least = row[first];
+        for (std::size_t j = first; j < end; ++j) {
             const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
             diagonal = row[j + 1];
             row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+            least = std::min(least, row[j + 1]);
+        }
+        searched += end - std::min(first, end);
+        if (least > FARTHEST) {
+            return least;
         }
     }
     return row[to.size()];
@@ -107,8 +118,7 @@ std::string_view Parameter_table::closest(std::string_view name) const {
         if (longer - std::min(each.size(), name.size()) > FARTHEST) {
             continue;
         }
-        m_searched += each.size() * name.size();
-        const std::size_t found = distance(each, name);
+        const std::size_t found = distance(each, name, m_searched);
         if (found < best_distance) {
             best = each;
             best_distance = found;

@@ -51,9 +51,9 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {menu_text(LEVEL, nested(0), R"({"dolby": -1})"),
          "menu.json: /options/dolby: expected a whole number from 0 to 2147483647, found -1"},
         {menu_text(LEVEL, nested(0), R"({"": 1})"),
-         "menu.json:1:14: expected an option name of printable ASCII characters"},
+         "menu.json:1:14: expected an option name of 1 to 63 printable ASCII characters"},
         {menu_text(LEVEL, nested(0), R"({"a\u0000b": 1, "a": 2})"),
-         "menu.json:1:14: expected an option name of printable ASCII characters"},
+         "menu.json:1:14: expected an option name of 1 to 63 printable ASCII characters"},
         {R"({"device": {"parameters": {}}})",
          "menu.json: /: expected a member \"menu\"\n"
          "menu.json: /device/parameters: expected a list, found an object"},
