@@ -15,7 +15,7 @@ std::string Compile_error::text() const {
 }
 
 Binding_registry::Binding_registry(Data_interface* iface)
-    : m_core(std::make_unique<binding_engine::Core>(iface)),
+    : m_core(std::make_unique<binding_engine::Core>(iface, m_parameters)),
       m_compiler(std::make_unique<binding_language::Compiler>()) {}
 
 Binding_registry::~Binding_registry() = default;
@@ -40,6 +40,24 @@ void Binding_registry::show_warning(const std::string& text) const {
     if (m_warning_listener) {
         m_warning_listener(text);
     }
+}
+
+void Binding_registry::set_fault_listener(Fault_listener listener) {
+    m_core->fault_listener = std::move(listener);
+    if (m_core->fault_listener) {
+        for (const Rule_fault& fault : faults()) {
+            m_core->fault_listener(fault);
+        }
+    }
+}
+
+std::vector<Rule_fault> Binding_registry::faults() const {
+    std::vector<Rule_fault> all;
+    for (const auto& [number, engine] : m_core->cascade.engines()) {
+        const std::vector<Rule_fault>& faults = engine->faults();
+        all.insert(all.end(), faults.begin(), faults.end());
+    }
+    return all;
 }
 
 // ---- parameters

@@ -1,4 +1,5 @@
 #include <frontpanel_binding/binding_report.h>
+#include <frontpanel_binding/rule_fault.h>
 
 namespace frontpanel {
 namespace {
@@ -30,6 +31,10 @@ std::string Binding_explanation::text() const {
         text += "  suggested: " + suggestion + "\n";
     }
     return text;
+}
+
+std::string Rule_fault::text() const {
+    return (place.empty() ? "" : place + ": ") + name + ": " + source + ": " + reason;
 }
 
 std::string Binding_cycle::text() const {

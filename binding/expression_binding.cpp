@@ -28,6 +28,10 @@ Binding_explanation Expression_binding::explain() {
     return binding_engine::explain(*m_engine);
 }
 
+void Expression_binding::set_rule_places(Rule_places places) {
+    m_engine->set_rule_places(std::move(places));
+}
+
 // ---- the entry and its lists
 
 void Expression_binding::setControlInfo(unsigned int pid, const Index_t* index,

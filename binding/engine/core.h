@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include <frontpanel_binding/parameter_table.h>
+#include <frontpanel_binding/rule_fault.h>
 #include <frontpanel_data/binding.h>
 
 #include "engine/cascade.h"
@@ -36,10 +38,15 @@ private:
 };
 
 struct Core {
-    explicit Core(Data_interface* iface) : parameters(iface, cascade) {}
+    // `table` outlives the core.
+    Core(Data_interface* iface, const Parameter_table& table)
+        : parameters(iface, cascade), declared(table) {}
 
     Cascade cascade;
     Parameter_cache parameters;
+    // What is declared of the parameters: names and limits.
+    const Parameter_table& declared;
+    Fault_listener fault_listener;
     Product_options options;
     binding_language::Machine machine;
     // Results of the evaluation that is under way, kept for their memory.

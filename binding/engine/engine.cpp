@@ -244,6 +244,7 @@ bool Engine::evaluate(bool updates, bool tries) {
         return true;
     }
     Reading reading(*this, tries);
+    reading.set_tells_faults(updates);
     for (const auto& maker : m_makers) {
         if (maker->kind().judges_tries == tries) {
             maker->decide(reading, updates);
@@ -285,6 +286,48 @@ void Engine::print_suggestions() const {
     }
     for (const std::string& line : suggestion_lines()) {
         std::printf("Suggested for [%s]: %s\n", name().c_str(), line.c_str());
+    }
+}
+
+// ---- faults
+
+void Engine::set_rule_places(Rule_places places) {
+    m_places = std::make_unique<const Rule_places>(std::move(places));
+}
+
+// Of all the entry's lists.
+std::size_t Engine::number_of(const Bound_list& list, const Rule& rule) const {
+    std::size_t number = rule.number;
+    for (const Bound_list* before = m_lists.data(); before != &list; ++before) {
+        number += before->program.rule_count();
+    }
+    return number;
+}
+
+std::string Engine::place_of(std::size_t rule) const {
+    if (m_places == nullptr || m_places->file == nullptr || rule >= m_places->rules.size()) {
+        return {};
+    }
+    const Rule_places::Position& position = m_places->rules[rule];
+    return *m_places->file + ":" + std::to_string(position.line) + ":" +
+           std::to_string(position.column);
+}
+
+void Engine::add_fault(const Bound_list& list, const Rule& rule, std::string reason,
+                       Rule_fault::Cause cause) {
+    const std::size_t number = number_of(list, rule);
+    const bool names_line = m_places == nullptr || !m_places->is_exact;
+    const std::string line = names_line ? "line " + std::to_string(rule.line) + ", " : "";
+    Rule_fault fault{m_entry, name(), place_of(number),  number, line + shown(rule.source),
+                     std::move(reason), cause};
+    if (m_faults.add(fault) && m_core.fault_listener) {
+        m_core.fault_listener(fault);
+    }
+}
+
+void Engine::judged(const Bound_list& list, const Rule& rule) {
+    if (!m_faults.empty()) {
+        m_faults.remove(number_of(list, rule));
     }
 }
 

@@ -16,6 +16,7 @@
 
 #include "engine/cascade.h"
 #include "engine/core.h"
+#include "engine/fault_list.h"
 #include "engine/parameter_cache.h"
 #include "language/program.h"
 
@@ -60,6 +61,13 @@ public:
     std::vector<std::string> exchange_errors(std::vector<std::string> errors) {
         return std::exchange(m_errors, std::move(errors));
     }
+    void set_rule_places(Rule_places places);
+    // Of a rule of one of the lists. It is reported when it is new.
+    void add_fault(const Bound_list& list, const binding_language::Rule& rule, std::string reason,
+                   Rule_fault::Cause cause);
+    // The rule was judged: its fault, if it had one, is mended.
+    void judged(const Bound_list& list, const binding_language::Rule& rule);
+    const std::vector<Rule_fault>& faults() const { return m_faults.faults(); }
     // All print under the diagnostic mask of bindings.
     void print_error(const std::string& error) const;
     void print_errors() const;
@@ -116,6 +124,8 @@ private:
     void detach();
     std::vector<Cached_parameter*> parameters() const;
     Cached_parameter* find_own();
+    std::size_t number_of(const Bound_list& list, const binding_language::Rule& rule) const;
+    std::string place_of(std::size_t rule) const;
 
     Core& m_core;
     const var_index_s& m_control;
@@ -140,6 +150,8 @@ private:
     // Of each kind that a list has rules of, in the order of the table of kinds.
     std::vector<std::unique_ptr<Suggestion_maker>> m_makers;
     std::vector<std::string> m_errors;
+    Fault_list m_faults;
+    std::unique_ptr<const Rule_places> m_places;  // null for none
 };
 
 }  // namespace frontpanel::binding_engine

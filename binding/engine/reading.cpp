@@ -18,14 +18,13 @@ std::string failure_text(int failure) {
                                    : "device result " + std::to_string(failure);
 }
 
-// A rule of many ends would hide what is said about it.
+}  // namespace
+
 std::string shown(std::string_view source) {
     constexpr std::size_t LONGEST = 100;
     return source.size() <= LONGEST ? std::string(source)
                                     : std::string(source.substr(0, LONGEST)) + "...";
 }
-
-}  // namespace
 
 std::string quoted(std::string_view text) {
     std::string result = "\"";
@@ -80,7 +79,9 @@ bool Reading::value(const Rule& rule, Code code, Value& value) {
     if (fault == Fault::NONE) {
         return true;
     }
-    report(rule, fault == Fault::UNREADABLE ? m_failure : fault_text(fault));
+    const bool is_unreadable = fault == Fault::UNREADABLE;
+    report(rule, is_unreadable ? m_failure : fault_text(fault),
+           is_unreadable ? m_cause : Rule_fault::Cause::RULE);
     return false;
 }
 
@@ -101,10 +102,20 @@ bool Reading::interval(const Rule& rule, std::size_t number, int64_t& low, int64
     return true;
 }
 
-void Reading::report(const Rule& rule, const std::string& mistake) {
+void Reading::report(const Rule& rule, const std::string& mistake, Rule_fault::Cause cause) {
+    ++m_reports;
     m_last_mistake = mistake;
+    if (m_tells_faults) {
+        m_engine.add_fault(*m_list, rule, mistake, cause);
+    }
     m_engine.add_error("line " + std::to_string(rule.line) + ", " + shown(rule.source) + ": " +
                        mistake);
+}
+
+void Reading::judged(const Rule& rule) {
+    if (m_tells_faults) {
+        m_engine.judged(*m_list, rule);
+    }
 }
 
 bool Reading::read(std::size_t parameter, Value& value) {
@@ -114,7 +125,8 @@ bool Reading::read(std::size_t parameter, Value& value) {
     if (!is_readable || m_seen != nullptr) {
         const std::string name = bracketed(m_list->program.parameter(parameter).name);
         note(name, is_readable, value);
-        return is_readable || fail("cannot read " + name + ": " + failure_text(known.failure));
+        return is_readable || fail("cannot read " + name + ": " + failure_text(known.failure),
+                                   Rule_fault::Cause::DEVICE);
     }
     return true;
 }
@@ -126,11 +138,13 @@ bool Reading::read_own(Value& value) {
         note("value", false, value);
         return fail(own == nullptr     ? "the entry has no value"
                     : wanted == STRING ? "the entry's value is not a text"
-                                       : "the entry's value is not a number");
+                                       : "the entry's value is not a number",
+                    Rule_fault::Cause::RULE);
     }
     const bool is_readable = own == m_tried ? take_tried(*own, value) : fetch(*own, value);
     note("value", is_readable, value);
-    return is_readable || fail("cannot read the entry's value: " + failure_text(own->failure));
+    return is_readable || fail("cannot read the entry's value: " + failure_text(own->failure),
+                               Rule_fault::Cause::DEVICE);
 }
 
 bool Reading::has_option(std::size_t option) {
@@ -160,8 +174,9 @@ bool Reading::fetch(Cached_parameter& parameter, Value& value) {
     return true;
 }
 
-bool Reading::fail(std::string mistake) {
+bool Reading::fail(std::string mistake, Rule_fault::Cause cause) {
     m_failure = std::move(mistake);
+    m_cause = cause;
     return false;
 }
 

@@ -18,6 +18,8 @@ namespace frontpanel::binding_engine {
 
 // `text` in quotes, with escapes for quotes and backslashes and "\xNN" for what is not printable.
 std::string quoted(std::string_view text);
+// At most about 100 characters: a rule of many ends would hide what is said about it.
+std::string shown(std::string_view source);
 // "[gain]"
 std::string bracketed(std::string_view name);
 
@@ -41,7 +43,15 @@ public:
     // The two ends of operand `number` and the next, the lesser one first.
     bool interval(const Rule& rule, std::size_t number, int64_t& low, int64_t& high);
     // Makes a mistake of `rule` an error of the engine.
-    void report(const Rule& rule, const std::string& mistake);
+    void report(const Rule& rule, const std::string& mistake,
+                Rule_fault::Cause cause = Rule_fault::Cause::RULE);
+
+    // Whether faults are noted as the engine's, or are only those of an explanation or a trial.
+    void set_tells_faults(bool tells) { m_tells_faults = tells; }
+    // How often something was reported.
+    std::size_t reports() const { return m_reports; }
+    // The rule was judged without a fault.
+    void judged(const Rule& rule);
 
     // Notes every value that is read from now on; null ends it.
     void note_values(std::vector<Rule_explanation::Seen>* seen) { m_seen = seen; }
@@ -55,7 +65,7 @@ public:
 private:
     bool take_tried(const Cached_parameter& parameter, Value& value) const;
     bool fetch(Cached_parameter& parameter, Value& value);
-    bool fail(std::string mistake);
+    bool fail(std::string mistake, Rule_fault::Cause cause);
     void note(std::string name, bool is_readable, const Value& value);
 
     Engine& m_engine;
@@ -63,6 +73,9 @@ private:
     Bound_list* m_list;
     std::string m_failure;  // why the last read failed
     std::string m_last_mistake;
+    Rule_fault::Cause m_cause = Rule_fault::Cause::RULE;  // of the last failure
+    std::size_t m_reports = 0;
+    bool m_tells_faults = false;
     std::vector<Rule_explanation::Seen>* m_seen;
 };
 

@@ -42,6 +42,7 @@ Rule Program::rule(std::size_t number) const {
     rule.kind = static_cast<Suggestion_kind>(fields[RULE_KIND]);
     rule.source = pooled(m_rules + number * RULE_SIZE + RULE_SOURCE);
     rule.line = fields[RULE_LINE];
+    rule.number = number;
     rule.operand_count = index_of(fields[RULE_OPERANDS]);
     rule.first_segment = static_cast<uint32_t>(fields[RULE_FIRST_SEGMENT]);
     rule.condition = segment(rule.first_segment + rule.operand_count);

@@ -58,6 +58,7 @@ struct Rule {
     Suggestion_kind kind;
     std::string_view source;  // as written, on one line, for reports
     int line;                 // of its source text, from 1
+    std::size_t number;       // in its program, from 0
     Code condition;           // an integer, 0 is false; empty holds always
     // RANGE and KEYS: pairs of integers, low and high, in either order; an empty high end of KEYS stands for
     // the low one. SET: the value. WARNING: the text. The others have none.

@@ -98,6 +98,7 @@ const Rule_kind& Rule_parser::kind_of_rule() {
 
 void Rule_parser::begin_rule(const Rule_kind& kind) {
     m_tables.rules.resize(m_tables.rules.size() + RULE_SIZE);
+    m_rule_offsets.push_back(m_cursor.offset(m_warnings.rule_begin()));
     int* const row = m_tables.last_rule();
     row[RULE_KIND] = kind.suggestion;
     row[RULE_LINE] = m_warnings.rule_line();

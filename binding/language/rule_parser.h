@@ -28,6 +28,7 @@ public:
                 Compile_result& result)
         : m_tables(tables),
           m_notes(result.notes),
+          m_rule_offsets(result.rule_offsets),
           m_errors(result.errors),
           m_cursor(source),
           m_code(tables, m_cursor),
@@ -59,6 +60,7 @@ private:
 
     List_tables& m_tables;
     std::vector<Rule_note>& m_notes;
+    std::vector<std::size_t>& m_rule_offsets;
     std::vector<Compile_error>& m_errors;
     Token_cursor m_cursor;
     Code_writer m_code;

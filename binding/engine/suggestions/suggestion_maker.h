@@ -94,6 +94,7 @@ bool Suggestion_maker::each_rule_that_holds(Reading& reading, Take take) {
                 continue;
             }
             const Rule rule = list.program.rule(number);
+            const std::size_t reports_before = reading.reports();
             bool holds = false;
             if (!reading.condition(rule, holds)) {
                 if (m_kind.judges_tries) {
@@ -102,6 +103,9 @@ bool Suggestion_maker::each_rule_that_holds(Reading& reading, Take take) {
                 return false;
             }
             const Step step = holds ? take(rule) : Step::NEXT;
+            if (reading.reports() == reports_before) {
+                reading.judged(rule);
+            }
             if (step != Step::NEXT) {
                 return step == Step::LAST;
             }

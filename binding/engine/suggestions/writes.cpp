@@ -96,9 +96,14 @@ private:
         request.varid = target.key.var;
         request.varidx = varidx_of(target.key.index);
         request.rt = target.key.rt;
+        const Parameter* const declared =
+            m_engine.core().declared.find(target.key.var, target.key.index);
+        const Target limits{
+            declared != nullptr && declared->type == target.key.rt ? declared : nullptr,
+            target.name};
         const bool is_filled = value.type == Value_type::TEXT
-                                   ? fill_text(reading, rule, value.text, request)
-                                   : fill_number(reading, rule, value.number, request);
+                                   ? fill_text(reading, rule, value.text, limits, request)
+                                   : fill_number(reading, rule, value.number, limits, request);
         if (!is_filled) {
             return Step::FAILED;
         }
@@ -106,8 +111,20 @@ private:
         return Step::NEXT;
     }
 
+    // What is declared of the parameter that is written; null for nothing.
+    struct Target {
+        const Parameter* declared;
+        std::string_view name;
+    };
+
     static bool fill_text(Reading& reading, const Rule& rule, std::string_view text,
-                          GetSetS& request) {
+                          const Target& target, GetSetS& request) {
+        if (target.declared != nullptr && text.size() > target.declared->length) {
+            reading.report(rule, "a text of " + std::to_string(text.size()) +
+                                     " bytes is too long for " + bracketed(target.name) +
+                                     ", at most " + std::to_string(target.declared->length));
+            return false;
+        }
         if (text.size() > sizeof request.buffer) {
             reading.report(rule, "a text of " + std::to_string(text.size()) +
                                      " bytes cannot be written, at most " +
@@ -119,9 +136,17 @@ private:
         return true;
     }
 
-    static bool fill_number(Reading& reading, const Rule& rule, int64_t value, GetSetS& request) {
+    static bool fill_number(Reading& reading, const Rule& rule, int64_t value, const Target& target,
+                            GetSetS& request) {
         if (value < LOWEST || value > HIGHEST) {
             reading.report(rule, std::to_string(value) + " is not a 32-bit number");
+            return false;
+        }
+        const Parameter* const declared = target.declared;
+        if (declared != nullptr && (value < declared->min || value > declared->max)) {
+            reading.report(rule, std::to_string(value) + " is beyond the limits of " +
+                                     bracketed(target.name) + ", " +
+                                     interval_text(declared->min, declared->max));
             return false;
         }
         const auto number = static_cast<int32_t>(value);

@@ -21,6 +21,7 @@
 
 #include <frontpanel_binding/binding_report.h>
 #include <frontpanel_binding/parameter_table.h>
+#include <frontpanel_binding/rule_fault.h>
 #include <frontpanel_data/binding.h>
 
 namespace frontpanel {
@@ -67,6 +68,7 @@ struct Named_parameter {
 struct Compile_result {
     BindingListT list;
     std::vector<Rule_note> notes;             // in the order of the text
+    std::vector<std::size_t> rule_offsets;    // where each rule begins in the text, in bytes
     std::vector<Named_parameter> parameters;  // each once, read or written
     // Valid, but probably a mistake: conditions and comparisons that read nothing. One for a rule at
     // most, and 100 for a text.
@@ -95,7 +97,8 @@ public:
     // no registry, and may be stored.
     Compile_result compile(std::string_view source, RETURN_TYPE own_type = INTEGER);
 
-    // The parameters that texts may name. Declare them before compiling.
+    // The parameters that texts may name. Declare them before compiling. Rules write a declared parameter within its
+    // declared limits only.
     Parameter_table& parameters() { return m_parameters; }
 
     // Null only when neither the registry nor the process has an interface. While a `Caching_device` lives for
@@ -108,6 +111,12 @@ public:
     // The warnings that were raised already appear again at the next try that raises them, in every engine. Call it
     // when the user declines a warning, or starts with another value.
     void arm_warnings();
+
+    // Called with each fault of a rule when it is new, and at once with those that stand. Without a listener faults
+    // stand all the same.
+    void set_fault_listener(Fault_listener listener);
+    // Those that stand, in the order in which the engines were made.
+    std::vector<Rule_fault> faults() const;
 
     // Every parameter that a rule reads, that an entry with an engine controls or that is watched, with the value
     // last seen and the entries that depend on it. Owned by the registry. A device variable that goes by several keys

@@ -36,6 +36,9 @@ public:
     // evaluation reports an error.
     void set_fallback_range(int min, int max);
 
+    // Where the rules of the lists stand in a file, those of all lists. Faults name these places.
+    void set_rule_places(Rule_places places);
+
     // The errors of the last evaluation, one line each, without line end:
     // "line 2, visible if [gain] > 3: cannot read [gain]: device result 1".
     const std::vector<std::string>& errors() const;

@@ -1,0 +1,28 @@
+// The faults of one engine's rules that stand: each is reported when it is new.
+#ifndef FRONTPANEL_BINDING_ENGINE_FAULT_LIST_H
+#define FRONTPANEL_BINDING_ENGINE_FAULT_LIST_H
+
+#include <cstddef>
+#include <vector>
+
+#include <frontpanel_binding/rule_fault.h>
+
+namespace frontpanel::binding_engine {
+
+class Fault_list {
+public:
+    // Whether the rule had no fault of that cause before.
+    bool add(Rule_fault fault);
+    // The rule was judged.
+    void remove(std::size_t rule);
+    // All that stand.
+    const std::vector<Rule_fault>& faults() const { return m_faults; }
+    bool empty() const { return m_faults.empty(); }
+
+private:
+    std::vector<Rule_fault> m_faults;
+};
+
+}  // namespace frontpanel::binding_engine
+
+#endif
