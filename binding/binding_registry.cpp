@@ -4,8 +4,10 @@
 
 #include "engine/core.h"
 #include "engine/dependency_cycles.h"
+#include "engine/done_list.h"
 #include "engine/engine.h"
 #include "engine/explanation.h"
+#include "engine/forecast.h"
 #include "language/compiler.h"
 
 namespace frontpanel {
@@ -97,7 +99,35 @@ bool Binding_registry::has_unsettled() const {
 }
 
 Binding_settlement Binding_registry::settle(Data_interface* iface) {
-    return m_core->cascade.settle(iface != nullptr ? iface : interface());
+    Binding_settlement settlement = m_core->cascade.settle(iface != nullptr ? iface : interface());
+    if (m_done_listener && std::exchange(m_core->has_new_writes, false)) {
+        m_done_listener();
+    }
+    return settlement;
+}
+
+Proposed_values Binding_registry::foresee(const Proposed_values& values) const {
+    return binding_engine::foresee(m_core->cascade, values);
+}
+
+std::optional<Rule_verdict> Binding_registry::judge(const Data_entry& entry,
+                                                    const Proposed_values& values) const {
+    binding_engine::Engine* const engine = m_core->cascade.engine_of(&entry);
+    return engine != nullptr ? std::optional<Rule_verdict>(binding_engine::judge(*engine, values))
+                             : std::nullopt;
+}
+
+std::vector<Done_writes> Binding_registry::done_writes() const {
+    return binding_engine::done_writes(m_core->cascade);
+}
+
+void Binding_registry::set_done_writes(const std::vector<Done_writes>& done) {
+    binding_engine::set_done_writes(m_core->cascade, done);
+    m_core->has_new_writes = true;
+}
+
+void Binding_registry::set_done_listener(std::function<void()> listener) {
+    m_done_listener = std::move(listener);
 }
 
 void Binding_registry::set_product_options(std::map<std::string, unsigned int> options) {

@@ -1,4 +1,5 @@
 #include <frontpanel_binding/caching_device.h>
+#include <frontpanel_binding/write_journal.h>
 
 #include <string_view>
 #include <utility>
@@ -43,6 +44,9 @@ int Caching_device::Get(unsigned int pid, unsigned int varidx, void* buffer, uns
 
 int Caching_device::Set(unsigned int pid, unsigned int varidx, const void* buffer,
                         unsigned int length) {
+    if (m_journal != nullptr) {
+        m_journal->note(pid, varidx, length);
+    }
     const int result = m_device.Set(pid, varidx, buffer, length);
     if (result == 0) {
         m_registry->core().parameters.keep_write(pid, varidx, buffer, length);

@@ -53,6 +53,8 @@ struct Core {
     std::vector<Interval> intervals;
     std::vector<int> keys;
     std::vector<GetSetS> requests;
+    bool has_new_writes =
+        false;  // what write rules have done changed since the listener heard of it
     // Which time the warnings are armed: those of an earlier time are new again.
     unsigned int warning_round = 0;
 };

@@ -318,7 +318,7 @@ void Engine::add_fault(const Bound_list& list, const Rule& rule, std::string rea
     const std::size_t number = number_of(list, rule);
     const bool names_line = m_places == nullptr || !m_places->is_exact;
     const std::string line = names_line ? "line " + std::to_string(rule.line) + ", " : "";
-    Rule_fault fault{m_entry, name(), place_of(number),  number, line + shown(rule.source),
+    Rule_fault fault{m_entry,           name(), place_of(number), number, line + shown(rule.source),
                      std::move(reason), cause};
     if (m_faults.add(fault) && m_core.fault_listener) {
         m_core.fault_listener(fault);

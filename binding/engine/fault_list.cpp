@@ -7,9 +7,9 @@ namespace frontpanel::binding_engine {
 
 // The latest reason stays: it is what holds now.
 bool Fault_list::add(Rule_fault fault) {
-    const auto known = std::find_if(
-        m_faults.begin(), m_faults.end(),
-        [&](const Rule_fault& standing) { return standing.rule == fault.rule; });
+    const auto known =
+        std::find_if(m_faults.begin(), m_faults.end(),
+                     [&](const Rule_fault& standing) { return standing.rule == fault.rule; });
     if (known == m_faults.end()) {
         m_faults.push_back(std::move(fault));
         return true;

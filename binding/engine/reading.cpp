@@ -51,9 +51,17 @@ std::string bracketed(std::string_view name) {
 Reading::Reading(Engine& engine, bool is_try)
     : m_engine(engine),
       m_tried(is_try ? engine.overridden() : nullptr),
+      m_is_try(is_try),
+      m_proposed(nullptr),
       m_list(nullptr),
       m_seen(nullptr) {
     engine.core().parameters.begin_evaluation();
+}
+
+Reading::Reading(Engine& engine, bool is_try, const Proposed_values& proposed)
+    : Reading(engine, is_try) {
+    m_tried = nullptr;
+    m_proposed = &proposed;
 }
 
 void Reading::enter(Bound_list& list) {
@@ -121,6 +129,11 @@ void Reading::judged(const Rule& rule) {
 bool Reading::read(std::size_t parameter, Value& value) {
     Cached_parameter& known = *m_list->parameters[parameter];
     const bool is_tried = &known == m_tried && &known != m_engine.own();
+    const return_s* const proposed = &known != m_engine.own() ? find_proposed(known) : nullptr;
+    if (proposed != nullptr) {
+        take(known, *proposed, value);
+        return true;
+    }
     const bool is_readable = is_tried ? take_tried(known, value) : fetch(known, value);
     if (!is_readable || m_seen != nullptr) {
         const std::string name = bracketed(m_list->program.parameter(parameter).name);
@@ -141,6 +154,10 @@ bool Reading::read_own(Value& value) {
                                        : "the entry's value is not a number",
                     Rule_fault::Cause::RULE);
     }
+    if (const return_s* const proposed = m_is_try ? find_proposed(*own) : nullptr) {
+        take(*own, *proposed, value);
+        return true;
+    }
     const bool is_readable = own == m_tried ? take_tried(*own, value) : fetch(*own, value);
     note("value", is_readable, value);
     return is_readable || fail("cannot read the entry's value: " + failure_text(own->failure),
@@ -158,10 +175,23 @@ bool Reading::has_option(std::size_t option) {
 }
 
 bool Reading::take_tried(const Cached_parameter& parameter, Value& value) const {
-    value.type = binding_language::value_type(parameter.rt);
-    value.number = m_engine.override_value().i;
-    value.text = m_engine.override_value().s;
+    take(parameter, m_engine.override_value(), value);
     return true;
+}
+
+void Reading::take(const Cached_parameter& parameter, const return_s& taken, Value& value) {
+    value.type = binding_language::value_type(parameter.rt);
+    value.number = taken.i;
+    value.text = taken.s;
+}
+
+const return_s* Reading::find_proposed(const Cached_parameter& parameter) const {
+    if (m_proposed == nullptr) {
+        return nullptr;
+    }
+    const auto found = m_proposed->find({parameter.pid, parameter.varidx});
+    return found != m_proposed->end() && found->second.rt == parameter.rt ? &found->second
+                                                                          : nullptr;
 }
 
 bool Reading::fetch(Cached_parameter& parameter, Value& value) {

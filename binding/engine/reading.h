@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include <frontpanel_binding/rule_verdict.h>
+
 #include "engine/engine.h"
 #include "language/machine.h"
 #include "language/program.h"
@@ -32,6 +34,10 @@ public:
     // With `is_try` the engine's override stands for its parameter; for the entry's own one it stands for `value`
     // only, and the name of the parameter for what the device holds.
     Reading(Engine& engine, bool is_try);
+
+    // Proposed values stand for what the device holds of them, but not of the entry's own parameter. With `is_try` that
+    // one's proposed value is `value`. The values outlive the reading.
+    Reading(Engine& engine, bool is_try, const Proposed_values& proposed);
 
     // The list whose rules are asked for next.
     void enter(Bound_list& list);
@@ -63,13 +69,17 @@ public:
     bool has_option(std::size_t option) override;
 
 private:
+    static void take(const Cached_parameter& parameter, const return_s& taken, Value& value);
     bool take_tried(const Cached_parameter& parameter, Value& value) const;
     bool fetch(Cached_parameter& parameter, Value& value);
+    const return_s* find_proposed(const Cached_parameter& parameter) const;
     bool fail(std::string mistake, Rule_fault::Cause cause);
     void note(std::string name, bool is_readable, const Value& value);
 
     Engine& m_engine;
     Cached_parameter* m_tried;  // what the override stands for
+    bool m_is_try;
+    const Proposed_values* m_proposed;  // null for none
     Bound_list* m_list;
     std::string m_failure;  // why the last read failed
     std::string m_last_mistake;

@@ -34,6 +34,19 @@ public:
         }
     }
 
+    void judge(Reading& reading, Judgement& judgement) override {
+        std::optional<Access> access;
+        const bool is_decided = each_rule_that_holds(reading, [&](const Rule& rule) {
+            access = static_cast<Access>(rule.detail);
+            return Step::LAST;
+        });
+        if (is_decided) {
+            judgement.verdict.access = access;
+        } else {
+            judgement.verdict.failed_kinds |= SUGGESTION_ACCESS;
+        }
+    }
+
     std::optional<std::string> demand(Reading& /*reading*/, const Rule& rule) override {
         return access_text(static_cast<Access>(rule.detail));
     }

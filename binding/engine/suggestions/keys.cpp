@@ -52,6 +52,15 @@ public:
         }
     }
 
+    void judge(Reading& reading, Judgement& judgement) override {
+        m_engine.core().intervals.clear();
+        if (!each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); })) {
+            judgement.verdict.failed_kinds |= SUGGESTION_KEYS;
+        } else if (!m_engine.core().intervals.empty()) {
+            judgement.verdict.keys = merged_intervals();
+        }
+    }
+
     std::optional<std::string> demand(Reading& reading, const Rule& rule) override {
         m_engine.core().intervals.clear();
         if (take(reading, rule) == Step::FAILED) {

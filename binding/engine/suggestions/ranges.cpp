@@ -31,6 +31,15 @@ public:
         }
     }
 
+    void judge(Reading& reading, Judgement& judgement) override {
+        m_engine.core().intervals.clear();
+        if (!each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); })) {
+            judgement.verdict.failed_kinds |= SUGGESTION_RANGE;
+        } else if (!m_engine.core().intervals.empty()) {
+            judgement.verdict.ranges = merged_intervals();
+        }
+    }
+
     std::optional<std::string> demand(Reading& reading, const Rule& rule) override {
         m_engine.core().intervals.clear();
         if (take(reading, rule) == Step::FAILED) {

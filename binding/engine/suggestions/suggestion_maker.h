@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include <frontpanel_binding/rule_verdict.h>
+
 #include "engine/core.h"
 #include "engine/engine.h"
 #include "engine/interval.h"
@@ -42,6 +44,12 @@ struct Suggestion {
     }
 };
 
+// What the rules of an engine say by other values than the device's.
+struct Judgement {
+    Rule_verdict verdict;
+    std::optional<std::vector<GetSetS>> writes;  // empty when a rule fails
+};
+
 class Suggestion_maker {
 public:
     Suggestion_maker(Engine& engine, const Rule_kind& kind) : m_engine(engine), m_kind(kind) {}
@@ -54,6 +62,8 @@ public:
     // Judges the rules; what is wrong becomes an error of the engine. With `updates`, and without a fault, the
     // suggestion is what follows from them.
     virtual void decide(Reading& reading, bool updates) = 0;
+    // What the rules say by the values that the reading has; the suggestion stays as it is.
+    virtual void judge(Reading& reading, Judgement& judgement) = 0;
     // What a rule that holds asks for, as explanations have it; nothing when that fails.
     virtual std::optional<std::string> demand(Reading& reading, const Rule& rule) = 0;
 
@@ -69,6 +79,9 @@ public:
     // The device refused a write; only a maker of writes takes it up.
     virtual void write_failed(uint32_t /*pid*/, uint32_t /*varidx*/, std::string_view /*bytes*/,
                               int /*result*/) {}
+    // What was written last, and what counts as that from now on; of a maker of writes alone.
+    virtual std::vector<GetSetS> done() const { return {}; }
+    virtual void set_done(std::vector<GetSetS> /*requests*/) {}
     // Whether `updated` holds for the lines.
     bool is_news() const { return (updated() & m_kind.suggestion) != 0; }
 
@@ -78,6 +91,8 @@ protected:
     // `take` judges each rule that holds. Returns false when a rule or `take` failed.
     template <typename Take>
     bool each_rule_that_holds(Reading& reading, Take take);
+    // The intervals of the evaluation that is under way, merged.
+    Rule_verdict::Ranges merged_intervals();
 
     Engine& m_engine;
 
@@ -112,6 +127,16 @@ bool Suggestion_maker::each_rule_that_holds(Reading& reading, Take take) {
         }
     }
     return true;
+}
+
+inline Rule_verdict::Ranges Suggestion_maker::merged_intervals() {
+    std::vector<Interval>& intervals = m_engine.core().intervals;
+    merge(intervals);
+    Rule_verdict::Ranges ranges;
+    for (const Interval& interval : intervals) {
+        ranges.emplace_back(interval.low, interval.high);
+    }
+    return ranges;
 }
 
 }  // namespace frontpanel::binding_engine

@@ -19,6 +19,19 @@ public:
         }
     }
 
+    void judge(Reading& reading, Judgement& judgement) override {
+        bool is_visible = false;
+        const bool is_decided = each_rule_that_holds(reading, [&](const Rule&) {
+            is_visible = true;
+            return Step::LAST;
+        });
+        if (is_decided) {
+            judgement.verdict.is_visible = is_visible;
+        } else {
+            judgement.verdict.failed_kinds |= SUGGESTION_VISIBILITY;
+        }
+    }
+
     std::optional<std::string> demand(Reading& /*reading*/, const Rule& /*rule*/) override {
         return "visible";
     }

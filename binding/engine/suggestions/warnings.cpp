@@ -30,6 +30,16 @@ public:
         m_is_updated = m_count > 0 && (m_is_updated || !is_same);
     }
 
+    void judge(Reading& reading, Judgement& judgement) override {
+        each_rule_that_holds(reading, [&](const Rule& rule) {
+            Value text;
+            if (reading.value(rule, reading.program().operand(rule, 0), text)) {
+                judgement.verdict.warnings.emplace_back(text.text);
+            }
+            return Step::NEXT;
+        });
+    }
+
     std::optional<std::string> demand(Reading& reading, const Rule& rule) override {
         Value text;
         if (!reading.value(rule, reading.program().operand(rule, 0), text)) {

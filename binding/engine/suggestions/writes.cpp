@@ -39,6 +39,16 @@ public:
         }
     }
 
+    void judge(Reading& reading, Judgement& judgement) override {
+        std::vector<GetSetS>& requests = m_engine.core().requests;
+        requests.clear();
+        if (each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); })) {
+            judgement.writes = requests;
+        } else {
+            judgement.verdict.failed_kinds |= SUGGESTION_SET;
+        }
+    }
+
     std::optional<std::string> demand(Reading& reading, const Rule& rule) override {
         m_engine.core().requests.clear();
         if (take(reading, rule) == Step::FAILED) {
@@ -50,8 +60,9 @@ public:
     int updated() const override { return m_suggestion.is_updated ? SUGGESTION_SET : 0; }
 
     void clear(int mask) override {
-        if ((mask & SUGGESTION_SET) != 0) {
+        if ((mask & SUGGESTION_SET) != 0 && m_suggestion.is_updated) {
             m_suggestion.is_updated = false;
+            m_engine.core().has_new_writes = true;
         }
     }
 
@@ -82,7 +93,19 @@ public:
             m_engine.print_error("cannot write " + request_text(*failed) + ": device result " +
                                  std::to_string(result));
             requests.clear();
+            m_engine.core().has_new_writes = true;
         }
+    }
+
+    // A list that nobody has taken yet is not written yet.
+    std::vector<GetSetS> done() const override {
+        return m_suggestion.is_updated ? std::vector<GetSetS>() : m_suggestion.value;
+    }
+
+    void set_done(std::vector<GetSetS> requests) override {
+        m_suggestion.value = std::move(requests);
+        m_suggestion.is_known = true;
+        m_suggestion.is_updated = false;
     }
 
 private:

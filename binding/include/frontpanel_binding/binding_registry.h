@@ -20,8 +20,10 @@
 #include <vector>
 
 #include <frontpanel_binding/binding_report.h>
+#include <frontpanel_binding/done_writes.h>
 #include <frontpanel_binding/parameter_table.h>
 #include <frontpanel_binding/rule_fault.h>
+#include <frontpanel_binding/rule_verdict.h>
 #include <frontpanel_data/binding.h>
 
 namespace frontpanel {
@@ -143,6 +145,22 @@ public:
     // and engines may end meanwhile. A call from within a refresh does nothing.
     Binding_settlement settle(Data_interface* iface = nullptr);
 
+    // What the device would hold after these values were written, each once more after the rules have acted: beside them
+    // stands what write rules would write to other parameters. Nothing is written, and no fault is reported.
+    Proposed_values foresee(const Proposed_values& values) const;
+    // What the rules of an entry would say if the device held the values: see rule_verdict.h. Empty for an entry without
+    // an engine of this registry.
+    std::optional<Rule_verdict> judge(const Data_entry& entry, const Proposed_values& values) const;
+
+    // What write rules have done, of all entries that have some. An application that
+    // keeps it beside the device's values hands it to `set_done_writes` at the next start, before the first `settle`:
+    // then a rule acts again only when what it writes changes. Rules that the list does not have count as not having
+    // written. Without it every rule that holds acts at the start.
+    std::vector<Done_writes> done_writes() const;
+    void set_done_writes(const std::vector<Done_writes>& done);
+    // Called at the end of a `settle` when `done_writes` may have changed since the last call.
+    void set_done_listener(std::function<void()> listener);
+
     // The product's options for `has_option`, with the test that `Data_entry::isOptionStatic` has. Later evaluations
     // see them.
     void set_product_options(std::map<std::string, unsigned int> options);
@@ -161,6 +179,7 @@ private:
     Parameter_table m_parameters;
     std::unique_ptr<binding_language::Compiler> m_compiler;
     Warning_listener m_warning_listener;
+    std::function<void()> m_done_listener;
 };
 
 }  // namespace frontpanel

@@ -23,6 +23,8 @@
 
 namespace frontpanel {
 
+class Write_journal;
+
 class Caching_device : public Pdt_data_access {
 public:
     // `device` outlives the wrapper; `registry` must not be null and has one wrapper at a time.
@@ -35,6 +37,9 @@ public:
 
     // Whether the latest `Get` of the parameter through this wrapper failed; false for one that was never read.
     bool last_read_failed(uint32_t pid, uint32_t varidx) const;
+
+    // Internal: for a journal, which is asked to note each write from now on; null for none.
+    void set_journal(Write_journal* journal) { m_journal = journal; }
 
     void Init() override;
     int Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) override;
@@ -57,6 +62,7 @@ private:
     Pdt_data_access* m_sockets;  // the device; null when it has no sockets
     std::shared_ptr<Binding_registry> m_registry;
     std::unordered_set<uint64_t> m_failed_reads;
+    Write_journal* m_journal = nullptr;
 };
 
 }  // namespace frontpanel

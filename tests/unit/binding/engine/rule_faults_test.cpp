@@ -53,8 +53,7 @@ TEST_F(Rule_faults, NameEntryRuleAndPlace) {
     engine->addBindingList(compiled("visible if [z] < 99\nrange 0..10 / [z]"));
     engine->set_rule_places(
         {std::make_shared<const std::string>("menu.json"), {{3, 17}, {3, 40}}, true});
-    EXPECT_EQ(told_with(0),
-              (Texts{"menu.json:3:40: Gain: range 0..10 / [z]: division by zero"}));
+    EXPECT_EQ(told_with(0), (Texts{"menu.json:3:40: Gain: range 0..10 / [z]: division by zero"}));
     EXPECT_EQ(last.entry, &entry);
     EXPECT_EQ(last.rule, 1U);
     EXPECT_EQ(last.cause, Rule_fault::Cause::RULE);
@@ -101,8 +100,9 @@ TEST_F(Rule_faults, ATextThatIsTooLongIsNotWritten) {
     bind(entry, "set [title] = \"at {[z]}\"");
     EXPECT_EQ(told_with(1), Texts());
     EXPECT_EQ(device.text(7, 0), "at 1");
-    EXPECT_EQ(told_with(10), (Texts{"Gain: line 1, set [title] = \"at {[z]}\": a text of 5 bytes is "
-                                    "too long for [title], at most 4"}));
+    EXPECT_EQ(told_with(10),
+              (Texts{"Gain: line 1, set [title] = \"at {[z]}\": a text of 5 bytes is "
+                     "too long for [title], at most 4"}));
     EXPECT_EQ(device.text(7, 0), "at 1");
 }
 
