@@ -1,5 +1,6 @@
 #include <frontpanel_simulator/state_file.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -17,8 +18,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int VERSION = 1;
-constexpr int MOST_ASIDE = 9;  // damaged files that are kept
+// The second version has rules. A file without them is of the first, which every panel reads.
+constexpr int FIRST_VERSION = 1;
+constexpr int LAST_VERSION = 2;
+constexpr size_t LONGEST_NAME = 64;  // of rules
+constexpr int MOST_ASIDE = 9;        // damaged files that are kept
 constexpr int64_t LOWEST = std::numeric_limits<int32_t>::min();
 constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
 constexpr int64_t HIGHEST_ID = std::numeric_limits<uint32_t>::max();
@@ -120,6 +124,14 @@ std::string line_of(const std::pair<int, int>& document, int option) {
            "}";
 }
 
+std::string line_of(const std::string& rules, const std::vector<Memory_device::Value>& writes) {
+    std::string line = "{\"rules\":" + quoted(rules) + ",\"writes\":[";
+    for (const Memory_device::Value& write : writes) {
+        line += (line.back() == '[' ? "" : ",") + line_of(write);
+    }
+    return line += "]}";
+}
+
 std::string shown(const Memory_device::Value& value) {
     if (value.type == INTEGER) {
         return std::to_string(value.number);
@@ -132,24 +144,33 @@ int give(Memory_device& device, const Memory_device::Value& value) {
                                  : device.set_text(value.pid, value.varidx, value.text);
 }
 
+// Of a file without blanks.
+std::string beginning_of(int version) {
+    return "{\"version\":" + std::to_string(version) + ",\"values\":[";
+}
+
+bool is_same(const Memory_device::Value& left, const Memory_device::Value& right) {
+    return left.pid == right.pid && left.varidx == right.varidx && left.type == right.type &&
+           left.number == right.number && left.text == right.text;
+}
+
 // What is left of a state file after a loss of power: its beginning, or as many zeros. Any other file was named by
 // mistake.
 bool is_left_of_ours(const std::string& text) {
-    static const std::string BEGINNING =
-        "{\"version\":" + std::to_string(VERSION) + ",\"values\":[";
     if (text.find_first_not_of('\0') == std::string::npos) {
         return true;
     }
     std::string found;
     for (const char byte : text) {
-        if (found.size() == BEGINNING.size()) {
+        if (found.size() == beginning_of(FIRST_VERSION).size()) {
             break;
         }
         if (byte != ' ' && byte != '\t' && byte != '\r' && byte != '\n') {
             found += byte;
         }
     }
-    return BEGINNING.rfind(found, 0) == 0;
+    return beginning_of(FIRST_VERSION).rfind(found, 0) == 0 ||
+           beginning_of(LAST_VERSION).rfind(found, 0) == 0;
 }
 
 }  // namespace
@@ -174,9 +195,9 @@ std::vector<std::string> State_file::restore() {
         apply(read(text), lines);
     } catch (const Input_error& damage) {
         if (!is_left_of_ours(text)) {
-            throw Input_error(damage.what() +
-                              std::string("; this is not a state file of version ") +
-                              std::to_string(VERSION) + " and stays as it is");
+            throw Input_error(damage.what() + std::string("; this is not a state file of version ") +
+                              std::to_string(FIRST_VERSION) + " or " +
+                              std::to_string(LAST_VERSION) + " and stays as it is");
         }
         lines.push_back(damage.what() + std::string("; ") + put_aside());
     }
@@ -189,8 +210,11 @@ State_file::Content State_file::read(const std::string& text) const {
     Problems problems;
     const Json_document document(source, text, text.size());  // all that `save` writes
     const Json_value root(document.root(), problems);
-    root.expect_members({"version", "values", "selections"});
-    root.member("version").integer(VERSION, VERSION);
+    if (root.member("version").integer(FIRST_VERSION, LAST_VERSION) == FIRST_VERSION) {
+        root.expect_members({"version", "values", "selections"});
+    } else {
+        root.expect_members({"version", "values", "selections", "rules"});
+    }
     Content content;
     for (const Json_value& entry : root.member("values").items()) {
         const Memory_device::Value value = value_of(entry);
@@ -200,6 +224,9 @@ State_file::Content State_file::read(const std::string& text) const {
     }
     if (const auto selections = root.find("selections")) {
         read_selections(*selections, content);
+    }
+    if (const auto rules = root.find("rules")) {
+        read_rules(*rules, content);
     }
     if (problems.error_count() > 0) {
         throw Input_errors(problems.errors());
@@ -213,6 +240,20 @@ void State_file::read_selections(const Json_value& selections, Content& content)
         const Slot_and_pid key(int_of(entry.member("slot")), int_of(entry.member("pid")));
         if (!content.selections.emplace(key, int_of(entry.member("option"))).second) {
             entry.fail("duplicate list");
+        }
+    }
+}
+
+void State_file::read_rules(const Json_value& rules, Content& content) {
+    for (const Json_value& entry : rules.items()) {
+        entry.expect_members({"rules", "writes"});
+        const std::string name = entry.member("rules").text_of_length(1, LONGEST_NAME);
+        std::vector<Memory_device::Value> writes;
+        for (const Json_value& write : entry.member("writes").items()) {
+            writes.push_back(value_of(write));
+        }
+        if (!is_printable(name) || !content.rules.emplace(name, std::move(writes)).second) {
+            entry.fail("these rules are there twice, or have no name");
         }
     }
 }
@@ -240,6 +281,8 @@ void State_file::apply(const Content& content, std::vector<std::string>& lines) 
     for (const auto& [document, option] : content.selections) {
         apply(document, option, lines);
     }
+    const std::lock_guard<std::mutex> lock(m_rules_mutex);
+    m_rules = content.rules;
 }
 
 void State_file::apply(const Memory_device::Value& value, std::vector<std::string>& lines) {
@@ -264,8 +307,43 @@ void State_file::apply(const Slot_and_pid& document, int option, std::vector<std
     }
 }
 
+std::vector<State_file::Rule_writes> State_file::rule_writes() const {
+    const std::lock_guard<std::mutex> lock(m_rules_mutex);
+    std::vector<Rule_writes> all;
+    for (const auto& [name, writes] : m_rules) {
+        all.push_back({name, writes});
+    }
+    return all;
+}
+
+bool State_file::set_rule_writes(const std::vector<Rule_writes>& rules) {
+    const std::lock_guard<std::mutex> lock(m_rules_mutex);
+    bool changes = false;
+    for (const Rule_writes& each : rules) {
+        const auto known = m_rules.find(each.rules);
+        const bool is_known = known != m_rules.end()
+                                  ? std::equal(known->second.begin(), known->second.end(),
+                                               each.writes.begin(), each.writes.end(), is_same)
+                                  : each.writes.empty();
+        if (is_known) {
+            continue;
+        }
+        changes = true;
+        if (each.writes.empty()) {
+            m_rules.erase(known);
+        } else {
+            m_rules[each.rules] = each.writes;
+        }
+    }
+    return changes;
+}
+
 State_file::Content State_file::content() const {
     Content content = m_for_others;
+    {
+        const std::lock_guard<std::mutex> lock(m_rules_mutex);
+        content.rules = m_rules;
+    }
     for (const Memory_device::Value& value : m_device.values()) {
         content.values.insert_or_assign(Key(value.pid, value.varidx, value.type), value);
     }
@@ -279,7 +357,8 @@ State_file::Content State_file::content() const {
 
 std::string State_file::text() const {
     const Content kept = content();
-    std::string text = "{\"version\": " + std::to_string(VERSION) + ", \"values\": [";
+    const int version = kept.rules.empty() ? FIRST_VERSION : LAST_VERSION;
+    std::string text = "{\"version\": " + std::to_string(version) + ", \"values\": [";
     const char* separator = "\n";
     for (const auto& [key, value] : kept.values) {
         text.append(separator).append(line_of(value));
@@ -291,7 +370,13 @@ std::string State_file::text() const {
         text.append(separator).append(line_of(document, option));
         separator = ",\n";
     }
-    text += kept.selections.empty() ? "}\n" : "\n]}\n";
+    text += kept.selections.empty() ? "" : "\n]";
+    separator = ", \"rules\": [\n";
+    for (const auto& [name, writes] : kept.rules) {
+        text.append(separator).append(line_of(name, writes));
+        separator = ",\n";
+    }
+    text += kept.rules.empty() ? "}\n" : "\n]}\n";
     // A file that the next start refuses would lock the device out of all its values.
     if (text.size() > m_largest) {
         throw Input_error(m_file + ": cannot be written: the values need " +

@@ -1,4 +1,5 @@
-// The values of the simulated device, and what is selected on its cards, in a file, so that they survive a restart.
+// The values of the simulated device, what is selected on its cards, and what the write rules of a menu have done, in a
+// file, so that they survive a restart.
 // docs/state-file.md describes it.
 #ifndef FRONTPANEL_SIMULATOR_STATE_FILE_H
 #define FRONTPANEL_SIMULATOR_STATE_FILE_H
@@ -8,6 +9,7 @@
 
 #include <cstddef>
 #include <map>
+#include <mutex>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -29,12 +31,24 @@ public:
 
     const std::string& name() const { return m_file; }
 
+    // What the write rules that go by a name have written last. This is of the menu's rules; the file only keeps it.
+    struct Rule_writes {
+        std::string rules;  // 1 to 64 printable characters
+        std::vector<Memory_device::Value> writes;
+    };
+
     // Gives the device the values that the file keeps. What the device does not have is kept for the device that
     // has it; a value that a parameter cannot hold any more is dropped. A damaged file is put aside under another
     // name, and the start values stay. Returns the lines that report these. Input_error, and nothing happened, when
     // there is a file that cannot be read, since its values are not to be lost, or one that does not begin as a
     // file of values: it was named by mistake.
     std::vector<std::string> restore();
+
+    // What `restore` found of rules.
+    std::vector<Rule_writes> rule_writes() const;
+    // From now on this is kept in place of what went by these names; other names keep what the file has. Whether
+    // anything changed. On any thread.
+    bool set_rule_writes(const std::vector<Rule_writes>& rules);
 
     // Writes the device's values, and what is kept for others. Input_error when that cannot be done; then the file
     // is as it was, also when the values need more bytes than `largest`. On any thread, one at a time.
@@ -48,9 +62,11 @@ private:
     struct Content {
         std::map<Key, Memory_device::Value> values;
         std::map<Slot_and_pid, int> selections;
+        std::map<std::string, std::vector<Memory_device::Value>> rules;
     };
 
     Content read(const std::string& text) const;
+    static void read_rules(const Json_value& rules, Content& content);
     static void read_selections(const Json_value& selections, Content& content);
     std::string put_aside() const;
     void apply(const Content& content, std::vector<std::string>& lines);
@@ -64,6 +80,8 @@ private:
     Card_service* m_cards;
     std::size_t m_largest;
     Content m_for_others;  // what this device does not have
+    mutable std::mutex m_rules_mutex;
+    std::map<std::string, std::vector<Memory_device::Value>> m_rules;
 };
 
 }  // namespace frontpanel

@@ -31,12 +31,14 @@ public:
     // Writes what was not written yet, at once, on any thread. Input_error when that cannot be done.
     void save_now();
 
+    // What the file keeps beside the device's values changed: it is written as after a change of these. On any thread.
+    void note_change();
+
     // How often the file was written.
     int save_count() const;
 
 private:
     void run();
-    void note_change();
     void end_thread();
 
     State_file& m_file;

@@ -137,7 +137,7 @@ for option in --log --state --screenshot; do
 done
 expect 2 "frontpanel: both: --log and --state name the same file" --script start.script --log both --state both
 printf '{"presets": []}' >other.json
-expect 2 'frontpanel: other.json:1:1: expected a member "version"; this is not a state file of version 1 and stays as it is' --script start.script --state other.json
+expect 2 'frontpanel: other.json:1:1: expected a member "version"; this is not a state file of version 1 or 2 and stays as it is' --script start.script --state other.json
 cmp -s menu.json before.json || fail "the menu file was overwritten"
 
 # At a terminal too, however the panel ends: the user quits, or a signal asks it to end.

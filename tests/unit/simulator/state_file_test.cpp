@@ -201,19 +201,19 @@ TEST_F(State_file_test, AFileThatNeverHeldValuesIsRefusedAndStays) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"[]", ": /: expected an object, found a list"},
         {R"({"values": []})", ": /: expected a member \"version\""},
-        {R"({"version": 2, "values": []})",
-         ": /version: expected a whole number from 1 to 1, found 2"},
+        {R"({"version": 3, "values": []})",
+         ": /version: expected a whole number from 1 to 2, found 3"},
         {R"({"device": {"parameters": []}, "menu": {"name": "Main", "items": []}})",
          ": /: expected a member \"version\""},
         {R"({"version": "1.0.3", "dependencies": {}})",
-         ": /version: expected a whole number from 1 to 1, found a text"},
+         ": /version: expected a whole number from 1 to 2, found a text"},
         {"A letter", ":1:1: Invalid value."},
         {std::string(5000, '['), ":1:101: values are nested more than 100 deep"},
     };
     for (const auto& [text, problem] : cases) {
         write(text);
         EXPECT_EQ(refusal(), file() + placed(text, "menu.json" + problem).substr(9) +
-                                 "; this is not a state file of version 1 and stays as it is");
+                                 "; this is not a state file of version 1 or 2 and stays as it is");
         EXPECT_EQ(content(), text);
         EXPECT_FALSE(fs::exists(file() + ".damaged"));
     }
@@ -376,6 +376,82 @@ TEST_F(State_file_test, ASelectionOfACardThatIsNotThereIsKeptForIt) {
     EXPECT_THAT(without_cards.restore(), IsEmpty());
     without_cards.save();
     EXPECT_NE(content().find(selection), std::string::npos);
+}
+
+// Rules that have written 50 to a parameter, and those that wrote a text.
+std::vector<State_file::Rule_writes> some_rules() {
+    return {{"5.0-0123456789abcdef", {{GAIN, 1, INTEGER, 50, ""}}},
+            {"-00", {{LABEL, 0, STRING, 0, "a \"b\""}, {GAIN, 1, INTEGER, -3, ""}}}};
+}
+
+TEST_F(State_file_test, WhatRulesHaveDoneSurvivesARestart) {
+    State_file state(m_file, m_device);
+    EXPECT_TRUE(state.set_rule_writes(some_rules()));
+    EXPECT_FALSE(state.set_rule_writes(some_rules()));
+    state.save();
+    EXPECT_EQ(
+        content(),
+        "{\"version\": 2, \"values\": [\n"
+        "{\"pid\":100,\"index\":1,\"integer\":0},\n"
+        "{\"pid\":100,\"index\":513,\"integer\":-35},\n"
+        "{\"pid\":406,\"index\":0,\"text\":\"Studio A\"}\n"
+        "], \"rules\": [\n"
+        "{\"rules\":\"-00\",\"writes\":[{\"pid\":406,\"index\":0,\"text\":\"a \\\"b\\\"\"},"
+        "{\"pid\":100,\"index\":1,\"integer\":-3}]},\n"
+        "{\"rules\":\"5.0-0123456789abcdef\",\"writes\":[{\"pid\":100,\"index\":1,\"integer\":50}]}\n"
+        "]}\n");
+    State_file restarted(m_file, m_device);
+    EXPECT_THAT(restarted.restore(), IsEmpty());
+    ASSERT_EQ(restarted.rule_writes().size(), 2U);
+    EXPECT_EQ(restarted.rule_writes()[0].writes.at(0).text, "a \"b\"");
+    EXPECT_FALSE(restarted.set_rule_writes(some_rules()));
+}
+
+TEST_F(State_file_test, RulesOfOtherMenusAreKeptAndThoseThatWroteNothingGo) {
+    {
+        State_file state(m_file, m_device);
+        state.set_rule_writes(some_rules());
+        state.save();
+    }
+    State_file state(m_file, m_device);
+    state.restore();
+    EXPECT_TRUE(state.set_rule_writes({{"-00", {}}, {"-11", {}}}));
+    state.save();
+    State_file restarted(m_file, m_device);
+    restarted.restore();
+    ASSERT_EQ(restarted.rule_writes().size(), 1U);
+    EXPECT_EQ(restarted.rule_writes()[0].rules, "5.0-0123456789abcdef");
+    EXPECT_TRUE(restarted.set_rule_writes({{"5.0-0123456789abcdef", {}}}));
+    restarted.save();
+    EXPECT_EQ(content().rfind("{\"version\": 1,", 0), 0U) << "any panel reads it again";
+}
+
+TEST_F(State_file_test, DamagedRulesAreADamagedFile) {
+    for (const char* const rules :
+         {R"([{"rules": "", "writes": []}])", R"([{"rules": "a"}])",
+          R"([{"rules": "a", "writes": [1]}])",
+          R"([{"rules": "a", "writes": []}, {"rules": "a", "writes": []}])"}) {
+        SCOPED_TRACE(rules);
+        write(std::string(R"({"version": 2, "values": [], "rules": )") + rules + "}");
+        State_file state(m_file, m_device);
+        EXPECT_EQ(state.restore().size(), 1U);
+        EXPECT_THAT(state.rule_writes(), IsEmpty());
+    }
+    write(R"({"version": 1, "values": [], "rules": []})");
+    EXPECT_EQ(restore(m_device).size(), 1U) << "the first version has no rules";
+}
+
+TEST_F(State_file_test, RulesBeyondTheLargestFileAreNotWritten) {
+    State_file state(m_file, m_device, nullptr, 1024);
+    state.save();
+    const std::string before = content();
+    std::vector<State_file::Rule_writes> rules;
+    for (int i = 0; i < 40; ++i) {
+        rules.push_back({"rules " + std::to_string(i), {{GAIN, 1, INTEGER, i, ""}}});
+    }
+    state.set_rule_writes(rules);
+    EXPECT_THROW(state.save(), Input_error);
+    EXPECT_EQ(content(), before);
 }
 
 }  // namespace
