@@ -26,6 +26,7 @@
 #include "output_log.h"
 #include "playing.h"
 #include "reports.h"
+#include "rule_state.h"
 #include "using_panel.h"
 
 namespace frontpanel {
@@ -83,12 +84,14 @@ private:
 };
 
 // The panel can be used although the values cannot be written; at exit it reports what was not kept.
-int use_keeping_values(const Options& options, Simulated_device& device, End_watch& watch,
+int use_keeping_values(const Options& options, const Loaded_panel& loaded, End_watch& watch,
                        const std::function<int()>& use) {
+    Simulated_device& device = *loaded.device;
     State_file file(options.state, device.memory(), device.cards());
     for (const std::string& line : file.restore()) {
         warn(line);
     }
+    restore_rules(file, *loaded.menu);
     try {
         file.check_savable();
     } catch (const Input_error& error) {
@@ -98,7 +101,15 @@ int use_keeping_values(const Options& options, Simulated_device& device, End_wat
     int status = 0;
     {
         const Save_at_any_end save(watch, keeper);
+        const auto keep = [&] {
+            if (keep_rules(*loaded.menu, file)) {
+                keeper.note_change();
+            }
+        };
+        loaded.menu->bindings()->set_done_listener(keep);
         status = use();
+        loaded.menu->bindings()->set_done_listener(nullptr);
+        keep();
         keeper.finish();
     }
     return status;
@@ -131,7 +142,7 @@ int show(const Options& options, Output_log& log) {
     const auto use_it = [&] {
         return use(options, display, script, loaded, log, interactive ? &*end : nullptr);
     };
-    return keeps_values ? use_keeping_values(options, *loaded.device, *end, use_it) : use_it();
+    return keeps_values ? use_keeping_values(options, loaded, *end, use_it) : use_it();
 }
 
 // Standard error as the panel was given it, whatever takes its place meanwhile.

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -244,7 +245,36 @@ void Output_log::return_errors() {
         dup2(m_errors, STDERR_FILENO);
         close(m_errors);
         m_errors = -1;
+        print_kept_errors();
     }
+}
+
+void Output_log::note(const std::string& line) {
+    announce(0);  // to be found whatever masks are set
+    std::printf("%s\n", line.c_str());
+}
+
+// The terminal that shows the panel has no room for the line, and it would be lost in the log.
+void Output_log::report(const std::string& line) {
+    note(line);
+    if (m_errors < 0) {
+        std::cerr << line << '\n';
+    } else if (m_kept_errors.size() < MOST_KEPT) {
+        m_kept_errors.push_back(line);
+    } else {
+        ++m_dropped_errors;
+    }
+}
+
+void Output_log::print_kept_errors() {
+    for (const std::string& line : m_kept_errors) {
+        std::cerr << line << '\n';
+    }
+    if (m_dropped_errors > 0) {
+        std::cerr << "warning: " << m_dropped_errors << " more in the log\n";
+    }
+    m_kept_errors.clear();
+    m_dropped_errors = 0;
 }
 
 int Output_log::Descriptor_buffer::overflow(int character) {

@@ -8,6 +8,7 @@
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <vector>
 
 #include <frontpanel_base/descriptor.h>
 #include <frontpanel_ui/log_lines.h>
@@ -45,9 +46,14 @@ public:
     // place for it while the panel is on the screen.
     void take_errors();
     void return_errors();
+    // Notes a line in the log, and on standard error: at once, or when it is returned.
+    void report(const std::string& line);
+    // In the log alone.
+    void note(const std::string& line);
 
 private:
     static void announce(uint32_t mask);
+    void print_kept_errors();
 
     class Descriptor_buffer : public std::streambuf {
     public:
@@ -64,6 +70,10 @@ private:
 
     Descriptor_buffer m_buffer;
     std::ostream m_out;
+    static constexpr size_t MOST_KEPT = 100;  // lines for standard error
+
+    std::vector<std::string> m_kept_errors;
+    size_t m_dropped_errors = 0;
     int m_errors = -1;  // what was standard error, once taken
     Log_lines m_lines;
     Descriptor m_lock;  // of the file, for as long as the panel writes it

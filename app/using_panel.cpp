@@ -81,6 +81,14 @@ Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& l
     panel.size = options.size;
     panel.encoder = menu.encoder_settings();
     panel.log = &log.lines();
+    panel.rule_fault = [&log](const Rule_fault& fault) {
+        const std::string line = "warning: " + one_line(fault.text());
+        if (fault.cause == Rule_fault::Cause::RULE) {
+            log.report(line);
+        } else {
+            log.note(line);
+        }
+    };
     return panel;
 }
 

@@ -192,7 +192,7 @@ pollfd Terminal::source() const {
 
 std::optional<Front_event> Terminal::next(Time) {
     if (input_is_gone()) {
-        return Front_event{Front_event::QUIT};
+        return Front_event{Front_event::GONE};
     }
     // A key without a meaning is passed over.
     for (int code = getch(); code != ERR; code = getch()) {

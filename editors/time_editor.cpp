@@ -80,7 +80,39 @@ int days_of(int year, int month) {
     return month == FEBRUARY && is_leap_year(year) ? 29 : DAYS[month - 1];
 }
 
+// A day's limits follow from year and month.
+Field_line::Limits limits_of_kind(char kind, int year, int month) {
+    switch (kind) {
+        case 'Y':
+            return {1, 9999};
+        case 'M':
+            return {1, 12};
+        case 'D':
+            return {1, days_of(year, month)};
+        case 'h':
+            return {0, 23};
+        default:
+            return {0, 59};
+    }
+}
+
 }  // namespace
+
+bool is_time(const std::string& text) {
+    const Parsed_time time = parse(text);
+    const auto value_of_kind = [&time](char kind) {
+        const std::size_t place = time.kinds.find(kind);
+        return place == std::string::npos ? 0 : time.fields[place].value;
+    };
+    for (std::size_t field = 0; field < time.fields.size(); ++field) {
+        const Field_line::Limits limits = limits_of_kind(time.kinds[field], value_of_kind('Y'),
+                                                         std::clamp(value_of_kind('M'), 1, 12));
+        if (time.fields[field].value < limits.min || time.fields[field].value > limits.max) {
+            return false;
+        }
+    }
+    return !time.kinds.empty();
+}
 
 Time_editor::Time_editor() = default;
 Time_editor::~Time_editor() = default;
@@ -116,20 +148,12 @@ bool Time_editor::is_editable() const {
     return !m_kinds.empty() && Editor_base::is_editable();
 }
 
-// A day's limits follow from year and month, which stand before it.
+// Year and month stand before their day.
 Field_line::Limits Time_editor::limits_of(std::size_t field) const {
-    switch (m_kinds[field]) {
-        case 'Y':
-            return {1, 9999};
-        case 'M':
-            return {1, 12};
-        case 'D':
-            return {1, days_of(m_fields.value(field - 2), m_fields.value(field - 1))};
-        case 'h':
-            return {0, 23};
-        default:
-            return {0, 59};
-    }
+    constexpr std::size_t BEFORE_DAY = 2;
+    const bool is_day = m_kinds[field] == 'D';
+    return limits_of_kind(m_kinds[field], is_day ? m_fields.value(field - BEFORE_DAY) : 0,
+                          is_day ? m_fields.value(field - 1) : 0);
 }
 
 void Time_editor::keep_limits() {

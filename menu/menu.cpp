@@ -1,13 +1,16 @@
 #include <frontpanel_menu/menu.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include <frontpanel_menu/entry_access.h>
 
 namespace frontpanel {
 
 Menu::Menu(Data_interface& device)
-    : m_bindings(std::make_shared<Binding_registry>(&device)), m_access(device, m_bindings) {}
+    : m_bindings(std::make_shared<Binding_registry>(&device)),
+      m_access(device, m_bindings),
+      m_gate(*this) {}
 
 // An entry's destructor leaves the list that its card sent last to whoever may still show it.
 Menu::~Menu() {
@@ -16,6 +19,40 @@ Menu::~Menu() {
             entry->Update_value(nullptr, 0);
         }
     }
+}
+
+std::vector<Data_entry*> Menu::items_of(const Device_variable& variable) {
+    const auto before = [](const auto& left, const auto& right) {
+        return left.first < right.first;
+    };
+    if (!m_has_sorted_items) {
+        std::stable_sort(m_items.begin(), m_items.end(), before);
+        m_has_sorted_items = true;
+    }
+    std::vector<Data_entry*> items;
+    const std::pair<Device_variable, Data_entry*> key(variable, nullptr);
+    const auto [first, last] = std::equal_range(m_items.begin(), m_items.end(), key, before);
+    std::transform(first, last, std::back_inserter(items),
+                   [](const auto& item) { return item.second; });
+    return items;
+}
+
+void Menu::add_item(Data_entry& entry) {
+    m_items.push_back({{entry.Get_pid(), varidx_of(*entry.Get_index())}, &entry});
+    m_has_sorted_items = false;
+}
+
+std::string Menu::name_of(const Data_entry& entry) {
+    return entry.Get_name() == std::string(BRIDGE_NAME) ? std::string() : entry.Get_name();
+}
+
+Number_ranges Menu::own_ranges(Range_entry& entry) const {
+    const auto found = m_own_ranges.find(&entry);
+    return found != m_own_ranges.end() ? found->second : allowed_ranges(entry);
+}
+
+void Menu::keep_own_ranges(Range_entry& entry) {
+    m_own_ranges[&entry] = allowed_ranges(entry);
 }
 
 Live_Data_Processor* Menu::add_processor(int slot) {
@@ -52,7 +89,7 @@ Data_entry* Menu::release_last() {
 }
 
 Mounted_menu& Menu::add_mounted_menu(const std::string& folder) {
-    m_mounted_menus.push_back(std::make_unique<Mounted_menu>(folder, parameters(), *m_bindings));
+    m_mounted_menus.push_back(std::make_unique<Mounted_menu>(folder, parameters(), m_gate));
     return *m_mounted_menus.back();
 }
 

@@ -29,30 +29,27 @@ char* unusable[] = {damaged_text};
 
 const Index_t NO_INDEX{};
 
-struct Value {
-    const Parameter* parameter;
-    int number;
-    std::string text;
-};
-
-Value value_of(const Json_value::Member& member, const Parameter_table& parameters) {
+Wanted_value value_of(const Json_value::Member& member, const Parameter_table& parameters) {
     const Parameter* const parameter = parameters.find_reference(member.name);
     if (parameter == nullptr) {
         throw Placed_error(member.place, "the device has no parameter \"" + member.name + "\"");
     }
+    Wanted_value wanted{{parameter->pid, varidx_of(parameter->index)}, {}};
+    wanted.value.rt = parameter->type;
     if (parameter->type == INTEGER) {
-        return {parameter, static_cast<int>(member.value.integer(parameter->min, parameter->max)),
-                ""};
+        wanted.value.i = static_cast<int>(member.value.integer(parameter->min, parameter->max));
+    } else {
+        wanted.value.s = member.value.text_of_length(0, parameter->length);
     }
-    return {parameter, 0, member.value.text_of_length(0, parameter->length)};
+    return wanted;
 }
 
 // All of a preset's values, or an error: none is used of a preset of which one is wrong.
-std::vector<Value> read_preset(const std::string& file, const Parameter_table& parameters) {
+std::vector<Wanted_value> read_preset(const std::string& file, const Parameter_table& parameters) {
     const Source source{file, 0};
     Problems problems;
     const Json_document document(source, read_input_file(file, LARGEST_PRESET));
-    std::vector<Value> values;
+    std::vector<Wanted_value> values;
     for (const Json_value::Member& member : Json_value(document.root(), problems).members()) {
         values.push_back(value_of(member, parameters));
     }
@@ -83,63 +80,43 @@ std::string shown_stem(const fs::path& file) {
     return name.empty() ? "?" : name;
 }
 
-// Shows that it can be loaded, and writes its values when that is committed.
-class Preset : public Enum_entry {
-public:
-    Preset(const std::string& name, const std::optional<std::vector<Value>>& values,
-           Binding_registry& bindings)
-        : Enum_entry(name.c_str(), name.c_str(), PID_NONE, &NO_INDEX, KEEP, values ? LOAD : KEEP,
-                     KEEP, values ? usable : unusable, values ? 2U : 1U, nullptr,
-                     values ? READ_WRITE : READ_ONLY, VISIBLE_ALL, true, SHORTCUT_NONE, nullptr,
-                     nullptr, nullptr, nullptr, nullptr, nullptr),
-          m_values(values.value_or(std::vector<Value>())),
-          m_bindings(bindings) {}
-
-    // No parameter stands behind the entry.
-    int Refresh(Data_interface* /*iface*/, bool /*eval_binding*/) override { return OK; }
-    using Enum_entry::Commit;
-    int Commit(Data_interface* iface) override {
-        const int result = Get_integer() == LOAD ? load(*iface) : int{OK};
-        constexpr int WAITING = KEEP;
-        Set_value(&WAITING, sizeof WAITING);
-        return result;
-    }
-
-private:
-    int load(Data_interface& iface) {
-        for (const Value& value : m_values) {
-            if (write(iface, value) != 0) {
-                return ERROR;
-            }
-            refresh_dependants(iface, *value.parameter);
-        }
-        return OK;
-    }
-    static int write(Data_interface& iface, const Value& value) {
-        const Parameter& parameter = *value.parameter;
-        const bool is_number = parameter.type == INTEGER;
-        return iface.Set(parameter.pid, varidx_of(parameter.index),
-                         is_number ? static_cast<const void*>(&value.number) : value.text.c_str(),
-                         is_number ? static_cast<unsigned int>(sizeof value.number)
-                                   : static_cast<unsigned int>(value.text.size()));
-    }
-    void refresh_dependants(Data_interface& iface, const Parameter& parameter) {
-        const auto record = m_bindings.var_index_map()->find(parameter.key());
-        if (record == m_bindings.var_index_map()->end()) {
-            return;
-        }
-        const std::vector<Data_entry*> dependants = record->second.binding_dependant_entries;
-        for (Data_entry* const dependant : dependants) {
-            EntryTypeSpecificOperation(dependant, &iface, nullptr, true, OPERATION_REFRESH,
-                                       nullptr);
-        }
-    }
-
-    std::vector<Value> m_values;
-    Binding_registry& m_bindings;
-};
-
 }  // namespace
+
+Preset::Preset(const std::string& name, const std::optional<std::vector<Wanted_value>>& values,
+               Write_gate& gate)
+    : Enum_entry(name.c_str(), name.c_str(), PID_NONE, &NO_INDEX, KEEP, values ? LOAD : KEEP, KEEP,
+                 values ? usable : unusable, values ? 2U : 1U, nullptr,
+                 values ? READ_WRITE : READ_ONLY, VISIBLE_ALL, true, SHORTCUT_NONE, nullptr,
+                 nullptr, nullptr, nullptr, nullptr, nullptr),
+      m_values(values.value_or(std::vector<Wanted_value>())),
+      m_gate(gate) {}
+
+int Preset::Refresh(Data_interface* /*iface*/, bool /*eval_binding*/) {
+    return OK;
+}
+
+bool Preset::is_chosen() {
+    return Get_integer() == LOAD;
+}
+
+void Preset::wait() {
+    constexpr int WAITING = KEEP;
+    Set_value(&WAITING, sizeof WAITING);
+}
+
+int Preset::Commit(Data_interface* /*iface*/) {
+    const bool loads = is_chosen();
+    wait();
+    const bool is_loaded =
+        !loads || m_gate.write(m_values, Write_gate::Hidden_items::ACCEPTED).result ==
+                      Write_gate::Result::WRITTEN;
+    return is_loaded ? OK : ERROR;
+}
+
+Preset* preset_of(Data_entry& entry) {
+    return entry.Get_entry_type() == Data_entry::ENUM_LEAF ? dynamic_cast<Preset*>(&entry)
+                                                           : nullptr;
+}
 
 int Mount_node::isVisible(bool if_control_refresh, Data_interface* iface) {
     if (if_control_refresh) {
@@ -151,21 +128,20 @@ int Mount_node::isVisible(bool if_control_refresh, Data_interface* iface) {
     return visible;
 }
 
-Mounted_menu::Mounted_menu(std::string folder, const Parameter_table& parameters,
-                           Binding_registry& bindings)
-    : m_folder(std::move(folder)), m_parameters(parameters), m_bindings(bindings) {}
+Mounted_menu::Mounted_menu(std::string folder, const Parameter_table& parameters, Write_gate& gate)
+    : m_folder(std::move(folder)), m_parameters(parameters), m_gate(gate) {}
 
 Data_entry* Mounted_menu::build(Data_entry& parent) {
     destroy();
     m_problems.clear();
     for (const fs::path& file : files_in(m_folder)) {
-        std::optional<std::vector<Value>> values;
+        std::optional<std::vector<Wanted_value>> values;
         try {
             values = read_preset(file.string(), m_parameters);
         } catch (const Input_error& error) {
             m_problems.emplace_back(error.what());
         }
-        m_presets.push_back(std::make_unique<Preset>(shown_stem(file), values, m_bindings));
+        m_presets.push_back(std::make_unique<Preset>(shown_stem(file), values, m_gate));
     }
     Data_entry* last = nullptr;
     for (const std::unique_ptr<Data_entry>& preset : m_presets) {

@@ -9,7 +9,9 @@ namespace frontpanel {
 namespace {
 
 constexpr size_t MOST_POLLED =
-    1000;  // parameters in a tick: what they cost is spread in a large menu
+    1000;                       // parameters in a tick: what they cost is spread in a large menu
+constexpr int MOST_FAULTS = 5;  // shown one after the other: each costs a key
+constexpr const char* LOSES_EDIT = "the edit is lost";
 constexpr const char* HIDDEN = "hidden: edit ended";
 
 }  // namespace
@@ -19,6 +21,8 @@ Controller::Controller(Data_entry& root, const Device_link& device, Lcd_size siz
       m_size(size),
       m_navigation(root, device, m_notices),
       m_editing(device, m_notices, [this](const Data_entry* /*target*/) { editor_closed(); }) {
+    m_editing.set_settlement_listener(
+        [this](const Binding_settlement& settled) { tell_circle(settled); });
     m_device.poll(SIZE_MAX);
     settle();
     m_navigation.refresh();
@@ -91,6 +95,11 @@ bool Controller::is_free() const {
 // Lets the rules act on what was read and written. Whether anything was refreshed for it.
 bool Controller::settle() {
     const Binding_settlement settled = m_device.settle();
+    tell_circle(settled);
+    return settled.refreshes > 0;
+}
+
+void Controller::tell_circle(const Binding_settlement& settled) {
     if (!settled.at_rest && m_told_circles.insert(settled.path).second) {
         if (debug_listener != nullptr) {
             debug_listener(0);  // to be found whatever masks are set
@@ -98,7 +107,19 @@ bool Controller::settle() {
         std::printf("Bindings do not settle: %s\n", settled.path.c_str());
         m_notices.tell("Bindings", "unstable: " + settled.path);
     }
-    return settled.refreshes > 0;
+}
+
+// One rule may stand in thousands of entries.
+void Controller::tell_fault(const Rule_fault& fault) {
+    if (fault.cause != Rule_fault::Cause::RULE) {
+        return;
+    }
+    m_shown_faults = m_notices.empty() ? 1 : m_shown_faults + 1;
+    if (m_shown_faults <= MOST_FAULTS) {
+        m_notices.tell(fault.name, "rule: " + fault.reason);
+    } else if (m_shown_faults == MOST_FAULTS + 1) {
+        m_notices.tell("Rules", "more faults: see the log");
+    }
 }
 
 void Controller::settle_and_show() {
@@ -151,6 +172,32 @@ void Controller::press_in_menu(const Key& key) {
     if (Data_entry* const entry = m_navigation.select()) {
         m_edited = entry;
         m_editing.open(housed(*entry), entry->Get_name());
+    }
+}
+
+// What is asked about the edited value waits no longer: that would be lost as well.
+bool Controller::may_end(std::function<void()> ends) {
+    if (!m_editing.has_changes()) {
+        return true;
+    }
+    if (m_asks_for_end) {
+        return false;
+    }
+    if (m_log) {
+        m_log->close();
+    }
+    m_notices.cancel();
+    m_asks_for_end = true;
+    m_notices.ask("End", {LOSES_EDIT},
+                  [this, ends = std::move(ends)](bool accepted) { answer_end(accepted, ends); });
+    return false;
+}
+
+void Controller::answer_end(bool accepted, const std::function<void()>& ends) {
+    m_asks_for_end = false;
+    if (accepted) {
+        m_editing.drop();  // a previewed value is not to stay
+        ends();
     }
 }
 

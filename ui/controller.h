@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include <frontpanel_binding/rule_fault.h>
 #include <frontpanel_display/key.h>
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_ui/message_queue.h>
@@ -51,6 +52,9 @@ public:
     void press(const Key& key);
     // The key as the menu takes it: the encoder may be set up to turn the other way.
     Key turned(const Key& key) const;
+    // The person wants to end the panel. Whether it ends at once: an edit that would be lost is asked about first, and
+    // `ends` is called when the person agrees.
+    bool may_end(std::function<void()> ends);
     // Reads what is shown from the device again, and what rules depend on.
     void tick();
     // From now on frames have this size.
@@ -58,6 +62,8 @@ public:
     // Draws the front as it stands. Long texts scroll by one character a call.
     Frame draw();
 
+    // Shows a fault of a rule, unless the device is to blame: that shows where its values do.
+    void tell_fault(const Rule_fault& fault);
     // Shows a text of the binding engines, such as a warning about a value, when the panel next stands still.
     void warn(const std::string& text) { m_editing.warn(text); }
 
@@ -68,9 +74,11 @@ private:
     void press_in_menu(const Key& key);
     bool is_free() const;
     bool settle();
+    void tell_circle(const Binding_settlement& settled);
     void settle_and_show();
     void show_log();
     void go_home();
+    void answer_end(bool accepted, const std::function<void()>& ends);
     void editor_closed();
     void follow_edited();
 
@@ -84,6 +92,8 @@ private:
     Editing m_editing;
     std::optional<Log_view> m_log;
     std::set<std::string> m_told_circles;
+    bool m_asks_for_end = false;
+    int m_shown_faults = 0;  // among the notices
 };
 
 }  // namespace frontpanel

@@ -26,7 +26,7 @@ Device_link link_to(Menu& menu) {
     };
     const auto poll = [&menu](size_t at_most) { menu.bindings()->poll(at_most); };
     const auto settle = [&menu] { return menu.bindings()->settle(); };
-    return {menu.access(), read_failed, is_loopback, can_post, poll, settle};
+    return {menu.access(), menu.gate(), read_failed, is_loopback, can_post, poll, settle};
 }
 
 }  // namespace frontpanel

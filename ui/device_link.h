@@ -11,8 +11,12 @@
 
 namespace frontpanel {
 
+class Write_gate;
+
 struct Device_link {
     Data_interface& access;
+    // Through which every value of a person goes.
+    Write_gate& gate;
     // Whether the last read of the entry's parameter failed. The entry's own refresh cannot tell: it reports
     // a failed read and a corrected value alike.
     std::function<bool(const Data_entry&)> read_failed;

@@ -45,6 +45,10 @@ void Main_loop::take(const Front_event& event) {
             press(event.key);
             break;
         case Front_event::QUIT:
+            m_panel.quit();
+            m_over = m_panel.is_over();
+            break;
+        case Front_event::GONE:
             m_over = true;
             break;
         case Front_event::REDRAW:
@@ -59,6 +63,7 @@ void Main_loop::take(const Front_event& event) {
 void Main_loop::press(const Key& key) {
     const Time before = m_panel.now();
     m_panel.press(key);
+    m_over = m_panel.is_over();
     if (m_panel.now() - before > SLOW_KEY) {
         drop_keys();
     }

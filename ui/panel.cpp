@@ -66,6 +66,12 @@ struct Panel::Parts {
         });
         menu.bindings()->set_warning_listener(
             [this](const std::string& text) { controller.warn(text); });
+        menu.bindings()->set_fault_listener([this](const Rule_fault& fault) {
+            controller.tell_fault(fault);
+            if (options.rule_fault) {
+                options.rule_fault(fault);
+            }
+        });
         if (options.idle_timeout) {
             menu.access().time_for_timeout = static_cast<int32_t>(options.idle_timeout->count());
         }
@@ -73,6 +79,7 @@ struct Panel::Parts {
     }
     ~Parts() {
         menu.bindings()->set_warning_listener(nullptr);
+        menu.bindings()->set_fault_listener(nullptr);
         VarIdDataInfStore::m_pDataAccessInf = interface_before;
     }
     Parts(const Parts&) = delete;
@@ -86,6 +93,7 @@ struct Panel::Parts {
     Time next_tick;
     std::optional<Frame> frame;  // the last one drawn
     bool has_changed = true;     // since then
+    bool is_over = false;
 };
 
 Panel::Panel(Menu& menu, Panel_options options)
@@ -112,6 +120,18 @@ void Panel::receive(Message_queue& messages) {
     while (const Message_pointer message = messages.pop()) {
         receive(*message);
     }
+}
+
+void Panel::quit() {
+    Parts& parts = *m_parts;
+    if (parts.session->may_end([&parts] { parts.is_over = true; }, now())) {
+        parts.is_over = true;
+    }
+    parts.has_changed = true;
+}
+
+bool Panel::is_over() const {
+    return m_parts->is_over;
 }
 
 void Panel::tick() {

@@ -28,6 +28,17 @@ void Session::press(const Key& key, Time now) {
     }
 }
 
+bool Session::may_end(std::function<void()> ends, Time now) {
+    const bool may_end = m_controller.may_end(std::move(ends));
+    if (!may_end) {
+        m_last_key = now;
+        if (m_dim) {
+            wake();  // a locked panel has no edit to lose
+        }
+    }
+    return may_end;
+}
+
 void Session::press_on_lock(const Key& key, Time now) {
     if (!m_asks) {
         m_asks = true;

@@ -10,6 +10,7 @@
 #ifndef FRONTPANEL_UI_SESSION_H
 #define FRONTPANEL_UI_SESSION_H
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -28,6 +29,8 @@ public:
 
     // The key that wakes a dim panel does nothing else; on a locked one it has the PIN asked for.
     void press(const Key& key, Time now);
+    // See `Controller::may_end`. A question is not asked on a dim panel.
+    bool may_end(std::function<void()> ends, Time now);
     // Reads what is shown from the device again, serves the requests and watches the time.
     void tick(Time now);
     // The controller's frame, or the question for the PIN.

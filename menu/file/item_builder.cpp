@@ -11,8 +11,6 @@ namespace {
 
 constexpr int64_t LAST_BUTTON = 99;
 constexpr size_t LONGEST_ID = 63;
-// A link owns what it houses by this name alone.
-constexpr const char* BRIDGE_NAME = "Bridge Entry";
 
 // The members that items have in common.
 struct Common_member {
@@ -144,6 +142,10 @@ const Index_t* kept_index(Load_context& context, const Leaf& leaf, const Spot& s
 
 void finish(Load_context& context, const Json_value& item, Data_entry& entry, const Spot& spot) {
     set_properties(context, item, entry, spot);
+    const Entry_kind& kind = kind_of(entry);
+    if (kind.has(Entry_kind::HAS_VALUE) && !kind.has(Entry_kind::IS_FETCHED)) {
+        context.menu.add_item(entry);
+    }
     if (spot.bridge != nullptr) {
         return;
     }

@@ -155,6 +155,22 @@ void check_rule(const Load_context& context, const Rule_source& source, const Ru
     }
 }
 
+// Where the rules stand, for what is reported of them while the menu is used: the document is gone by then.
+Rule_places places_of(Load_context& context, const Json_value& source,
+                      const std::vector<size_t>& offsets) {
+    std::shared_ptr<const std::string>& name = context.file_names[source.place().source];
+    if (name == nullptr) {
+        name = std::make_shared<const std::string>(source.place().source->name);
+    }
+    Rule_places places{name, {}, stands_in_file(source)};
+    places.rules.reserve(offsets.size());
+    for (const size_t offset : offsets) {
+        const Place place = places.is_exact ? source.place_in_text(offset) : source.place();
+        places.rules.push_back({place.line, place.column});
+    }
+    return places;
+}
+
 }  // namespace
 
 // The engine gets all it needs before the entry takes it over.
@@ -178,6 +194,7 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
         }
         auto binding = std::make_unique<Expression_binding>(context.menu.bindings());
         binding->addBindingList(compiled.list);
+        binding->set_rule_places(places_of(context, *source, compiled.rule_offsets));
         if (bounds) {
             binding->set_fallback_range(bounds->min, bounds->max);
         }

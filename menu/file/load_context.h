@@ -5,6 +5,9 @@
 #ifndef FRONTPANEL_MENU_LOAD_CONTEXT_H
 #define FRONTPANEL_MENU_LOAD_CONTEXT_H
 
+#include <map>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include <frontpanel_menu/menu_loader.h>
@@ -44,6 +47,7 @@ struct Load_context {
     Item_names names;
     Link_places links;
     Built_menu built;
+    std::map<const Source*, std::shared_ptr<const std::string>> file_names;  // that rules keep
     std::vector<size_t> open_menus;  // in `built.menus`, inside each other
 };
 

@@ -116,6 +116,9 @@ void build_range(Load_context& context, const Json_value& item, const Spot& spot
     const Bounds bounds{min, max};
     finish(context, item, range, spot);
     problems.attempt([&] { set_ranges(context, item, range, bounds); });
+    if (item.find(member::BINDING)) {
+        context.menu.keep_own_ranges(range);  // before its rules narrow them
+    }
     bind(context, item, range, bounds);
 }
 

@@ -69,6 +69,8 @@ public:
           m_controller(m_loaded.menu->root(), link(), size) {
         m_loaded.menu->bindings()->set_warning_listener(
             [this](const std::string& warning) { m_controller.warn(warning); });
+        m_loaded.menu->bindings()->set_fault_listener(
+            [this](const Rule_fault& fault) { m_controller.tell_fault(fault); });
         m_controller.set_warning_armer([this] { menu().bindings()->arm_warnings(); });
         set_encoder(m_loaded.menu->encoder_settings());
         m_controller.show_home(home_of(menu()));

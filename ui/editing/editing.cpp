@@ -17,6 +17,7 @@ constexpr int TEXT_ROW = 1;
 // Why an editor closes by itself, and what it does instead.
 constexpr const char* LOCKED = "locked: edit ended";
 constexpr const char* NO_VALUE = "no value: edit ended";
+constexpr const char* WRITE_FAILED = "write failed";
 constexpr const char* LIMITS_MOVED_VALUE = "limits: new value";
 constexpr const char* OPTIONS_MOVED_CHOICE = "options: new choice";
 constexpr const char* OPTIONS_KEPT_CHOICE = "options: choice kept";
@@ -178,7 +179,6 @@ void Editing::perform(Editor_result result) {
             break;
         case Editor_result::STORED:
             if (!write()) {
-                tell("write failed", true);
                 refresh(entry(), m_device.access);
                 m_editor->propose_held();
             }
@@ -198,26 +198,85 @@ void Editing::perform(Editor_result result) {
             break;
         case Editor_result::NOT_RESTORED:
             restore();
-            write_and_close();
+            put_back_and_close();
+            break;
+        case Editor_result::RESTORED:
+            put_back_and_close();
             break;
         case Editor_result::ACCEPTED:
-        case Editor_result::RESTORED:
             write_and_close();
             break;
     }
 }
 
+// Tells why a value was not written.
 bool Editing::write() {
-    const bool is_written = commit(entry(), m_device.access) == 0;
-    return is_written && (!is_live(entry()) || m_device.may_post());
+    const Write_gate::Outcome outcome = m_device.gate.commit(entry());
+    if (outcome.result == Write_gate::Result::REFUSED) {
+        tell(outcome.refusal.reason);
+        return false;
+    }
+    const bool is_posted = !is_live(entry()) || m_device.may_post();
+    const bool is_written = outcome.result == Write_gate::Result::WRITTEN && is_posted;
+    if (!is_written) {
+        tell(WRITE_FAILED, true);
+    }
+    return is_written;
 }
 
 void Editing::write_and_close() {
-    const bool is_written = write();
+    Preset* const preset = preset_of(entry());
+    if (preset != nullptr && preset->is_chosen()) {
+        load(*preset, {});
+        return;
+    }
+    write();
+    close();
+}
+
+void Editing::put_back_and_close() {
+    const bool is_written =
+        m_device.gate.put_back(entry()) == 0 && (!is_live(entry()) || m_device.may_post());
     close();
     if (!is_written) {
-        tell("write failed", true);
+        tell(WRITE_FAILED, true);
     }
+}
+
+// The questions of all its values are asked as one.
+void Editing::load(Preset& preset, const std::vector<std::string>& accepted) {
+    const Write_gate::Outcome outcome =
+        m_device.gate.write(preset.values(), Write_gate::Hidden_items::ACCEPTED, accepted);
+    if (outcome.result == Write_gate::Result::WARNED) {
+        m_notices.ask(m_name, outcome.warnings,
+                      [this, &preset, warnings = outcome.warnings](bool is_accepted) {
+                          if (is_accepted) {
+                              load(preset, warnings);
+                          } else {
+                              preset.wait();
+                          }
+                      });
+        return;
+    }
+    if (m_settled) {
+        m_settled(outcome.settlement);
+    }
+    tell_loaded(preset, outcome);
+    preset.wait();
+    close();
+}
+
+void Editing::tell_loaded(Preset& preset, const Write_gate::Outcome& outcome) {
+    if (outcome.result == Write_gate::Result::WRITTEN) {
+        const Data_entry* const menu = preset.Get_parent();
+        m_notices.tell(menu != nullptr ? menu->Get_name() : m_name, m_name + " loaded");
+        return;
+    }
+    std::string text = "not loaded: " + outcome.refusal.text();
+    for (const std::string& name : outcome.not_put_back) {
+        text += ", " + name + " not put back";
+    }
+    tell(text, outcome.result == Write_gate::Result::FAILED);
 }
 
 void Editing::follow() {

@@ -15,6 +15,8 @@
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_menu/encoder_settings.h>
 #include <frontpanel_menu/entry_kind.h>
+#include <frontpanel_menu/mounted_menu.h>
+#include <frontpanel_menu/write_gate.h>
 #include "device_link.h"
 #include "editing/editor_set.h"
 #include "keys/encoder_speed.h"
@@ -40,6 +42,11 @@ public:
     // person does not want the value.
     void set_warning_armer(std::function<void()> arm) { m_arm = std::move(arm); }
 
+    // Called with what the rules did after a preset was loaded.
+    void set_settlement_listener(std::function<void(const Binding_settlement&)> listener) {
+        m_settled = std::move(listener);
+    }
+
     // Opens the entry's editor, or tells why there is nothing to edit. An entry that cannot be changed is shown.
     // It goes by the name of the place where it is shown.
     void open(Data_entry& entry, const std::string& name);
@@ -57,6 +64,8 @@ public:
     void press(const Key& key);
     // Reads the entry from the device again and sees what of the edited value is still allowed.
     void follow();
+    // Whether closing now would lose what was edited.
+    bool has_changes() const { return is_open() && m_editor->has_changes(); }
     // Closes the editor with the old value, whatever it is asking; and tells why.
     void drop();
     void end(const std::string& reason);
@@ -78,6 +87,9 @@ private:
     void perform(Editor_result result);
     bool write();
     void write_and_close();
+    void put_back_and_close();
+    void load(Preset& preset, const std::vector<std::string>& accepted);
+    void tell_loaded(Preset& preset, const Write_gate::Outcome& outcome);
     void close();
     bool follow_access();
     void tell(const std::string& text, bool alarm = false) { m_notices.tell(m_name, text, alarm); }
@@ -88,6 +100,7 @@ private:
     Closed m_closed;
     Clock m_clock;
     std::function<void()> m_arm;
+    std::function<void(const Binding_settlement&)> m_settled;
     Encoder_settings m_encoder;
     const Editor_settings_table* m_settings_of = nullptr;
     Editor_set m_editors;

@@ -18,9 +18,10 @@ using Time = std::chrono::steady_clock::time_point;
 struct Front_event {
     enum Kind {
         KEY,
-        QUIT,    // the user ends the panel, or the display is gone for good
+        QUIT,    // the user wants to end the panel
         REDRAW,  // the display lost its picture: show the last frame again
-        SIZE     // the display has `size` from now on
+        SIZE,    // the display has `size` from now on
+        GONE     // the display is gone for good: the panel ends at once
     };
     Kind kind;
     Key key{Key::UP};  // of KEY

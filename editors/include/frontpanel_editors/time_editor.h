@@ -16,6 +16,9 @@
 
 namespace frontpanel {
 
+// Whether the text is a time that exists, in one of the forms that the editor knows.
+bool is_time(const std::string& text);
+
 class Time_editor : public Editor_base<TimeSelection, Time_entry> {
 public:
     Time_editor();

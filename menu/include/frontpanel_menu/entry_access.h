@@ -13,6 +13,8 @@ namespace frontpanel {
 constexpr unsigned int WARNING_PID = 65549;
 constexpr int FIRST_LIVE_PID = 9000;
 constexpr int LAST_LIVE_PID = 9100;
+// A link owns what it houses by this name alone.
+constexpr const char* BRIDGE_NAME = "Bridge Entry";
 constexpr const char* NO_OPTION_YET = "-";  // the only option of a live list before its first fetch
 
 // Whether the entry is a link, of any of the three kinds.

@@ -10,15 +10,19 @@
 #include <frontpanel_data/data_entry.h>
 #include <frontpanel_data/live_data_processor.h>
 #include <frontpanel_editors/editor_settings.h>
+#include <frontpanel_editors/number_ranges.h>
 
 #include <deque>
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_menu/encoder_settings.h>
 #include <frontpanel_menu/mounted_menu.h>
+#include <frontpanel_menu/write_gate.h>
 
 // What links ask of an application before they show a toggle; they only test that it is there.
 class FPData {};
@@ -38,7 +42,18 @@ public:
     Caching_device& access() { return m_access; }
     // The parameters that the menu file declares.
     Parameter_table& parameters() { return m_bindings->parameters(); }
-    const std::shared_ptr<Binding_registry>& bindings() { return m_bindings; }
+    const std::shared_ptr<Binding_registry>& bindings() const { return m_bindings; }
+    // Through which every value of a person or a client goes.
+    Write_gate& gate() { return m_gate; }
+    // The entries that show and edit a parameter, in the order of building. Valid until another item is added.
+    std::vector<Data_entry*> items_of(const Device_variable& variable);
+    // Adds an entry whose value is that of its parameter.
+    void add_item(Data_entry& entry);
+    // The name of an item as a person knows it; empty for the entry of a bridge, which has none of its own.
+    static std::string name_of(const Data_entry& entry);
+    // What a number allows by itself, whatever its rules say now.
+    Number_ranges own_ranges(Range_entry& entry) const;
+    void keep_own_ranges(Range_entry& entry);
     // The top of the tree: the first entry that was added.
     Data_entry& root() { return *m_entries.front(); }
     size_t entry_count() const { return m_entries.size(); }
@@ -103,6 +118,10 @@ private:
 
     std::shared_ptr<Binding_registry> m_bindings;
     Caching_device m_access;
+    Write_gate m_gate;
+    std::vector<std::pair<Device_variable, Data_entry*>> m_items;
+    bool m_has_sorted_items = true;
+    std::unordered_map<const Data_entry*, Number_ranges> m_own_ranges;
     std::string m_card_service;
     std::vector<std::unique_ptr<Live_Data_Processor>> m_processors;
     std::deque<Texts> m_texts;

@@ -7,10 +7,12 @@
 #include <frontpanel_data/data_entry.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <frontpanel_binding/parameter_table.h>
+#include <frontpanel_menu/write_gate.h>
 
 namespace frontpanel {
 
@@ -24,10 +26,36 @@ public:
     int isVisible(bool if_control_refresh, Data_interface* iface) override;
 };
 
+// Shows that it can be loaded. Committing it while "load" is chosen writes its values through the gate, unless they are
+// warned of.
+class Preset : public Enum_entry {
+public:
+    // Without values it is damaged and cannot be loaded. The gate outlives the preset.
+    Preset(const std::string& name, const std::optional<std::vector<Wanted_value>>& values,
+           Write_gate& gate);
+
+    const std::vector<Wanted_value>& values() const { return m_values; }
+    // Whether "load" is chosen; takes the choice back.
+    bool is_chosen();
+    void wait();
+
+    // No parameter stands behind the entry.
+    int Refresh(Data_interface* iface, bool eval_binding) override;
+    using Enum_entry::Commit;
+    int Commit(Data_interface* iface) override;
+
+private:
+    std::vector<Wanted_value> m_values;
+    Write_gate& m_gate;
+};
+
+// The entry as a preset; null for any other.
+Preset* preset_of(Data_entry& entry);
+
 class Mounted_menu {
 public:
-    // `parameters` and `bindings` outlive the menu.
-    Mounted_menu(std::string folder, const Parameter_table& parameters, Binding_registry& bindings);
+    // `parameters` and `gate` outlive the menu.
+    Mounted_menu(std::string folder, const Parameter_table& parameters, Write_gate& gate);
     Mounted_menu(const Mounted_menu&) = delete;
     Mounted_menu& operator=(const Mounted_menu&) = delete;
 
@@ -42,7 +70,7 @@ public:
 private:
     std::string m_folder;
     const Parameter_table& m_parameters;
-    Binding_registry& m_bindings;
+    Write_gate& m_gate;
     std::vector<std::unique_ptr<Data_entry>> m_presets;
     std::vector<std::string> m_problems;
 };

@@ -81,6 +81,8 @@ TEST_F(Mounted_menu_visits, AnUntouchedPanelDropsAnEditorThatIsOpenThere) {
 
 TEST_F(Mounted_menu_visits, APresetIsLoadedFromItsEditor) {
     panel().press(Key::SELECT, 2).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel().lines(), (Lines{"Presets             ", "Film loaded         "}));
+    panel().press(Key::SELECT);
     EXPECT_EQ(panel().lines(), PRESETS);
     EXPECT_EQ(panel().device().integer(100, 0), -20);
 }
@@ -92,6 +94,8 @@ TEST_F(Mounted_menu_visits, APresetThatHidesItsOwnMenuEndsInTheMenuAround) {
         .press(Key::SELECT)
         .press(Key::UP)
         .press(Key::SELECT);
+    EXPECT_EQ(panel().lines(), (Lines{"Presets             ", "Hide loaded         "}));
+    panel().press(Key::SELECT);
     EXPECT_EQ(panel().lines(), (Lines{">Gain              3", "                    "}));
     EXPECT_EQ(built(), 0U);
     EXPECT_EQ(panel().device().integer(101, 0), 0);
@@ -135,7 +139,7 @@ TEST_F(Mounted_menu_visits, AFolderThatGoesWhileItIsShownLeavesTheMenuUsable) {
     EXPECT_EQ(panel().lines(), PRESETS);
     panel().press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel().device().integer(100, 0), -20);
-    panel().press(Key::BACK);
+    panel().press(Key::SELECT).press(Key::BACK);  // the notice, the menu
     capture();
     panel().press(Key::SELECT);
     captured();

@@ -2,7 +2,8 @@
 // application, which either drives it in a loop of its own or calls `run`.
 //
 // Everything runs on the thread that calls it, the menu thread. One panel at a time: while it lives, the menu's
-// `access()` is the library's process-wide data interface, and the panel hears the warnings of the menu's rules.
+// `access()` is the library's process-wide data interface, and the panel hears the warnings and
+// faults of the menu's rules.
 //
 // What the application asks of the panel it sets in the fields of `menu.access()`: `go_home`, `lock_and_dim` and
 // `time_for_timeout`, the idle timeout in seconds. docs/panel.md describes them.
@@ -16,6 +17,7 @@
 #include <string>
 
 #include <frontpanel_base/end_watch.h>
+#include <frontpanel_binding/rule_fault.h>
 #include <frontpanel_display/front.h>
 #include <frontpanel_menu/encoder_settings.h>
 #include <frontpanel_menu/menu.h>
@@ -49,6 +51,8 @@ struct Panel_options {
     // Whether an address belongs to the device's network, so that an opened editor may ping it; default: loopback only.
     std::function<bool(const std::string& address)> may_probe = nullptr;
     std::function<Time()> clock = nullptr;  // default: the steady clock
+    // Called with each fault of a rule when it is new, for a log. The panel shows those of cause RULE as notices.
+    Fault_listener rule_fault = nullptr;
     Log_lines* log =
         nullptr;  // what the diagnostics key shows, outlives the panel; null: nothing is kept
 };
@@ -73,6 +77,10 @@ public:
     // Keys as messages of the front panel: see key_message.h. Any other message, and a damaged one, is ignored.
     void receive(const FrontPanel::Message& message);
     void receive(Message_queue& messages);
+    // The person wants to end the panel. While an edit is open that would be lost, the panel asks first.
+    void quit();
+    // Whether the person ended the panel.
+    bool is_over() const;
     // Reads what is shown and what rules depend on from the device, scrolls, and watches the idle timeout.
     void tick();
     Time due() const;

@@ -1,0 +1,379 @@
+#include <frontpanel_menu/write_gate.h>
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <utility>
+
+#include <frontpanel_binding/device_value.h>
+#include <frontpanel_binding/write_journal.h>
+#include <frontpanel_editors/number_ranges.h>
+#include <frontpanel_editors/time_editor.h>
+#include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/entry_kind.h>
+#include <frontpanel_menu/menu.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr const char* READ_ONLY = "read only";
+constexpr const char* HIDDEN = "not shown";
+// Rules may overwrite what was written; a person would set it once more.
+constexpr int MOST_ROUNDS = 3;
+
+std::string quoted_text(const return_s& value) {
+    return value.rt == STRING ? "\"" + value.s + "\"" : std::to_string(value.i);
+}
+
+// The number as the entry shows it.
+std::string shown_number(Range_entry& entry, int value) {
+    std::array<char, MAX_STRING_LENGTH + 1> text{};
+    const int result = entry.Get_display_string(text.data(), text.size() - 1, true, value);
+    return result == 0 ? text.data() : std::to_string(value);
+}
+
+std::string shown_ranges(Range_entry& entry, const Number_ranges& ranges) {
+    std::string text;
+    for (const Number_range& range : ranges) {
+        text += (text.empty() ? "" : ", ") + shown_number(entry, range.first);
+        if (range.first != range.last) {
+            text += ".." + shown_number(entry, range.last);
+        }
+    }
+    return text;
+}
+
+Number_ranges ranges_of(const Rule_verdict::Ranges& ranges) {
+    Number_ranges converted;
+    for (const auto& [first, last] : ranges) {
+        converted.push_back({first, last});
+    }
+    return normalized(std::move(converted));
+}
+
+// The keys of all options that the product has, by no rule.
+bool has_key(Enum_entry& entry, int key) {
+    const ControlsT offered = entry.optionControls();
+    const auto count = static_cast<int>(entry.Get_size_enum());
+    return key >= 0 && key < count &&
+           (offered.empty() || std::find(offered.begin(), offered.end(), key) != offered.end());
+}
+
+// The keys that the entry offers as it stands.
+bool shows_key(Enum_entry& entry, int key) {
+    int first = 0;
+    int last = 0;
+    int count = 0;
+    entry.minMaxSize(&first, &last, &count);
+    for (int position = first; count > 0 && position <= last; ++position) {
+        int shown = -1;
+        if (entry.Get_value(&shown, sizeof shown, position) == 0 && shown == key) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool is_address(const std::string& text) {
+    in_addr parsed{};
+    return inet_pton(AF_INET, text.c_str(), &parsed) == 1;
+}
+
+// What is wrong with a value for the parameter itself; empty for nothing.
+std::string limit_misfit(const Parameter& parameter, const return_s& value) {
+    if (parameter.type != value.rt) {
+        return parameter.type == STRING ? "not a text" : "not a number";
+    }
+    if (value.rt == STRING) {
+        if (value.s.find('\0') != std::string::npos) {
+            return "holds a zero byte";
+        }
+        return value.s.size() > parameter.length
+                   ? "at most " + std::to_string(parameter.length) + " characters"
+                   : "";
+    }
+    return value.i < parameter.min || value.i > parameter.max
+               ? "allowed: " + std::to_string(parameter.min) + ".." + std::to_string(parameter.max)
+               : "";
+}
+
+Proposed_values proposed(const std::vector<Wanted_value>& values) {
+    Proposed_values all;
+    for (const Wanted_value& wanted : values) {
+        all[wanted.variable] = wanted.value;
+    }
+    return all;
+}
+
+// What an entry holds, as its device stores it.
+return_s held_by(Data_entry& entry) {
+    return_s value;
+    value.rt = entry.Get_return_type_int_or_string();
+    if (value.rt == STRING) {
+        std::array<char, MAX_STRING_LENGTH + 1> text{};
+        entry.Get_value(text.data(), text.size());
+        value.s = text.data();
+    } else if (entry.Get_entry_type() == Data_entry::RANGE_LEAF) {
+        entry.Get_value(&value.i, sizeof value.i);
+    } else {
+        value.i = static_cast<Enum_entry&>(entry).Get_integer_enum();
+    }
+    return value;
+}
+
+Write_gate::Outcome refused(Write_gate::Refusal refusal) {
+    Write_gate::Outcome outcome;
+    outcome.result = Write_gate::Result::REFUSED;
+    outcome.refusal = std::move(refusal);
+    return outcome;
+}
+
+}  // namespace
+
+struct Write_gate::Judged {
+    std::string misfit;  // empty: the entry accepts the value
+    std::vector<std::string> warnings;
+};
+
+std::string Write_gate::Refusal::text() const {
+    return name + " " + value + ": " + reason;
+}
+
+// ---- judging
+
+// By the entry, or the parameter, that the person knows.
+Write_gate::Refusal Write_gate::refusal_of(const Wanted_value& wanted, std::string reason) const {
+    for (Data_entry* const entry : m_menu.items_of(wanted.variable)) {
+        const std::string name = m_menu.name_of(*entry);
+        if (!name.empty()) {
+            const bool is_number = entry->Get_entry_type() == Data_entry::RANGE_LEAF;
+            return {name,
+                    is_number ? shown_number(static_cast<Range_entry&>(*entry), wanted.value.i)
+                              : quoted_text(wanted.value),
+                    std::move(reason)};
+        }
+    }
+    return {"parameter " + std::to_string(wanted.variable.pid), quoted_text(wanted.value),
+            std::move(reason)};
+}
+
+Write_gate::Verdict Write_gate::check(const std::vector<Wanted_value>& values,
+                                      Hidden_items hidden) const {
+    Verdict verdict;
+    std::set<Device_variable> seen;
+    for (const Wanted_value& wanted : values) {
+        if (!seen.insert(wanted.variable).second) {
+            verdict.refusal = refusal_of(wanted, "is given twice");
+            return verdict;
+        }
+    }
+    const Proposed_values foreseen = m_menu.bindings()->foresee(proposed(values));
+    for (const Wanted_value& wanted : values) {
+        verdict.refusal = judge(wanted, foreseen, hidden, verdict.warnings);
+        if (verdict.refusal) {
+            verdict.warnings.clear();
+            return verdict;
+        }
+    }
+    return verdict;
+}
+
+// An item that would accept the value suffices: a person could set it there.
+std::optional<Write_gate::Refusal> Write_gate::judge(const Wanted_value& wanted,
+                                                     const Proposed_values& foreseen,
+                                                     Hidden_items hidden,
+                                                     std::vector<std::string>& warnings) const {
+    const Parameter* const parameter =
+        m_menu.parameters().find(wanted.variable.pid, index_of(wanted.variable.varidx));
+    if (parameter == nullptr) {
+        return refusal_of(wanted, "the device has no such parameter");
+    }
+    if (std::string reason = limit_misfit(*parameter, wanted.value); !reason.empty()) {
+        return refusal_of(wanted, std::move(reason));
+    }
+    std::string reason;
+    bool is_accepted = false;
+    for (Data_entry* const entry : m_menu.items_of(wanted.variable)) {
+        Judged judged = judge(*entry, wanted, foreseen, hidden);
+        if (!judged.misfit.empty()) {
+            reason = reason.empty() || reason == READ_ONLY ? judged.misfit : reason;
+            continue;
+        }
+        is_accepted = true;
+        for (std::string& warning : judged.warnings) {
+            if (std::find(warnings.begin(), warnings.end(), warning) == warnings.end()) {
+                warnings.push_back(std::move(warning));
+            }
+        }
+    }
+    return is_accepted || reason.empty() ? std::nullopt
+                                         : std::optional<Refusal>(refusal_of(wanted, reason));
+}
+
+Write_gate::Judged Write_gate::judge(Data_entry& entry, const Wanted_value& wanted,
+                                     const Proposed_values& foreseen, Hidden_items hidden) const {
+    const Rule_verdict verdict =
+        m_menu.bindings()->judge(entry, foreseen).value_or(Rule_verdict());
+    const bool is_access_known = (verdict.failed_kinds & SUGGESTION_ACCESS) == 0;
+    const Data_entry::Data_access access =
+        is_access_known ? verdict.access.value_or(entry.Get_orig_access_type())
+                        : entry.Get_access_type();
+    if (access == Data_entry::READ_ONLY && !is_held(wanted)) {
+        return {READ_ONLY, {}};
+    }
+    if (hidden == Hidden_items::REFUSED &&
+        (!verdict.is_visible.value_or(true) || entry.isVisible(true, &m_menu.access()) < 0)) {
+        return {HIDDEN, {}};
+    }
+    return {misfit(entry, wanted.value, verdict), verdict.warnings};
+}
+
+std::string Write_gate::range_misfit(Range_entry& entry, int value,
+                                     const Rule_verdict& verdict) const {
+    const bool is_judged = (verdict.failed_kinds & SUGGESTION_RANGE) == 0;
+    Number_ranges allowed = is_judged ? m_menu.own_ranges(entry) : allowed_ranges(entry);
+    if (verdict.ranges) {
+        allowed = common_ranges(allowed, ranges_of(*verdict.ranges));
+    }
+    if (allows(allowed, value)) {
+        return "";
+    }
+    return allowed.empty() ? "no value allowed" : "allowed: " + shown_ranges(entry, allowed);
+}
+
+// Why the entry would not take the value; empty when it would.
+std::string Write_gate::misfit(Data_entry& entry, const return_s& value,
+                               const Rule_verdict& verdict) const {
+    switch (entry.Get_entry_type()) {
+        case Data_entry::RANGE_LEAF:
+            return range_misfit(static_cast<Range_entry&>(entry), value.i, verdict);
+        case Data_entry::ENUM_LEAF: {
+            auto& choices = static_cast<Enum_entry&>(entry);
+            const bool is_judged = (verdict.failed_kinds & SUGGESTION_KEYS) == 0;
+            const bool is_offered =
+                is_judged ? has_key(choices, value.i) &&
+                                (!verdict.keys || allows(ranges_of(*verdict.keys), value.i))
+                          : shows_key(choices, value.i);
+            return is_offered ? "" : "not offered";
+        }
+        case Data_entry::IP_LEAF:
+            return is_address(value.s) ? "" : "no address";
+        case Data_entry::TIME_LEAF:
+            return is_time(value.s) ? "" : "no time";
+        default:
+            return "";
+    }
+}
+
+// ---- writing
+
+bool Write_gate::is_held(const Wanted_value& wanted) const {
+    const std::optional<return_s> held =
+        read_value(m_menu.access(), wanted.variable, wanted.value.rt);
+    return held && is_same_value(*held, wanted.value);
+}
+
+Write_gate::Outcome Write_gate::failure(const Wanted_value& wanted, std::string reason) const {
+    Outcome outcome;
+    outcome.result = Result::FAILED;
+    outcome.refusal = refusal_of(wanted, std::move(reason));
+    return outcome;
+}
+
+Write_gate::Outcome Write_gate::write(const std::vector<Wanted_value>& values, Hidden_items hidden,
+                                      const std::vector<std::string>& accepted) {
+    Verdict verdict = check(values, hidden);
+    if (verdict.refusal) {
+        return refused(std::move(*verdict.refusal));
+    }
+    const auto is_accepted = [&accepted](const std::string& warning) {
+        return std::find(accepted.begin(), accepted.end(), warning) != accepted.end();
+    };
+    Outcome outcome;
+    if (!std::all_of(verdict.warnings.begin(), verdict.warnings.end(), is_accepted)) {
+        outcome.result = Result::WARNED;
+        outcome.warnings = std::move(verdict.warnings);
+        return outcome;
+    }
+    // What could not be put back is not touched.
+    for (const Wanted_value& wanted : values) {
+        if (!read_value(m_menu.access(), wanted.variable, wanted.value.rt)) {
+            return refused(refusal_of(wanted, "cannot be read"));
+        }
+    }
+    Write_journal journal(m_menu.access(), *m_menu.bindings());
+    if (std::optional<Outcome> failed = write_all(values, outcome.settlement)) {
+        for (const Device_variable& variable : journal.put_back()) {
+            failed->not_put_back.push_back(refusal_of({variable, {}}, "").name);
+        }
+        failed->settlement = m_menu.bindings()->settle();
+        return std::move(*failed);
+    }
+    return outcome;
+}
+
+// In rounds, until all values stand.
+std::optional<Write_gate::Outcome> Write_gate::write_all(const std::vector<Wanted_value>& values,
+                                                         Binding_settlement& settlement) {
+    for (int round = 1;; ++round) {
+        const Wanted_value* overwritten = nullptr;
+        for (const Wanted_value& wanted : values) {
+            if (is_held(wanted)) {
+                continue;
+            }
+            overwritten = &wanted;
+            if (round <= MOST_ROUNDS &&
+                write_value(m_menu.access(), wanted.variable, wanted.value) != 0) {
+                return failure(wanted, "write failed");
+            }
+        }
+        if (overwritten == nullptr) {
+            return std::nullopt;
+        }
+        if (round > MOST_ROUNDS) {
+            return failure(*overwritten, "a rule sets another value");
+        }
+        const Binding_settlement settled = m_menu.bindings()->settle();
+        settlement = settlement.at_rest ? settled : settlement;
+        // Rules that follow their entry's own value have seen it only now.
+        if (std::optional<Refusal> refusal = check(values, Hidden_items::ACCEPTED).refusal) {
+            Outcome outcome = refused(std::move(*refusal));
+            outcome.result = Result::FAILED;
+            return outcome;
+        }
+    }
+}
+
+Write_gate::Outcome Write_gate::commit(Data_entry& entry) {
+    Wanted_value wanted{{entry.Get_pid(), varidx_of(*entry.Get_index())}, held_by(entry)};
+    const Refusal unjudged{entry.Get_name(), quoted_text(wanted.value), ""};
+    const auto refuse = [&unjudged](std::string reason) {
+        return refused({unjudged.name, unjudged.value, std::move(reason)});
+    };
+    if (entry.Get_access_type() == Data_entry::READ_ONLY) {
+        return refuse(READ_ONLY);
+    }
+    const Parameter* const parameter =
+        is_live(entry) ? nullptr : m_menu.parameters().find(entry.Get_pid(), *entry.Get_index());
+    if (parameter != nullptr) {
+        std::string reason = limit_misfit(*parameter, wanted.value);
+        if (reason.empty()) {
+            const Rule_verdict verdict =
+                m_menu.bindings()->judge(entry, {}).value_or(Rule_verdict());
+            reason = misfit(entry, wanted.value, verdict);
+        }
+        if (!reason.empty()) {
+            return refuse(std::move(reason));
+        }
+    }
+    return frontpanel::commit(entry, m_menu.access()) == 0 ? Outcome()
+                                                           : failure(wanted, "write failed");
+}
+
+int Write_gate::put_back(Data_entry& entry) {
+    return frontpanel::commit(entry, m_menu.access());
+}
+
+}  // namespace frontpanel
