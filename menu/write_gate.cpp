@@ -214,8 +214,7 @@ std::optional<Write_gate::Refusal> Write_gate::judge(const Wanted_value& wanted,
 
 Write_gate::Judged Write_gate::judge(Data_entry& entry, const Wanted_value& wanted,
                                      const Proposed_values& foreseen, Hidden_items hidden) const {
-    const Rule_verdict verdict =
-        m_menu.bindings()->judge(entry, foreseen).value_or(Rule_verdict());
+    const Rule_verdict verdict = m_menu.bindings()->judge(entry, foreseen).value_or(Rule_verdict());
     const bool is_access_known = (verdict.failed_kinds & SUGGESTION_ACCESS) == 0;
     const Data_entry::Data_access access =
         is_access_known ? verdict.access.value_or(entry.Get_orig_access_type())

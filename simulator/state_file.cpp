@@ -195,7 +195,8 @@ std::vector<std::string> State_file::restore() {
         apply(read(text), lines);
     } catch (const Input_error& damage) {
         if (!is_left_of_ours(text)) {
-            throw Input_error(damage.what() + std::string("; this is not a state file of version ") +
+            throw Input_error(damage.what() +
+                              std::string("; this is not a state file of version ") +
                               std::to_string(FIRST_VERSION) + " or " +
                               std::to_string(LAST_VERSION) + " and stays as it is");
         }

@@ -30,10 +30,9 @@ protected:
         return false;
     }
 
-    Application_panel shown{
-        menu_text(PARAMETERS, R"({"type": "range", "name": "Gain", "pid": 1},
+    Application_panel shown{menu_text(PARAMETERS, R"({"type": "range", "name": "Gain", "pid": 1},
             {"type": "range", "name": "Live", "pid": 1, "editor": {"preview": true}})"),
-        with_size()};
+                            with_size()};
 };
 
 TEST_P(Quit, EndsAtOnceWhenNothingIsLost) {

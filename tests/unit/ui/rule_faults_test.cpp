@@ -11,9 +11,9 @@ constexpr const char* PARAMETERS = R"(
     {"name": "gain", "pid": 6, "type": "integer", "min": 0, "max": 9, "value": 3})";
 
 std::string menu_with(const std::string& rules) {
-    return menu_text(PARAMETERS,
-                     R"({"type": "range", "name": "Gain", "parameter": "gain", "binding": ")" +
-                         rules + R"("})");
+    return menu_text(
+        PARAMETERS,
+        R"({"type": "range", "name": "Gain", "parameter": "gain", "binding": ")" + rules + R"("})");
 }
 
 // All that the panel shows until the text has come round.
@@ -70,8 +70,7 @@ TEST_P(Fault_screen, AParameterThatCannotBeReadIsNoFaultOfTheRule) {
 TEST_P(Fault_screen, ManyFaultsAtOnceAreToldShortly) {
     std::string items;
     for (int i = 1; i <= 40; ++i) {
-        items += (i == 1 ? "" : ",") +
-                 (R"({"type": "range", "name": "Gain )" + std::to_string(i)) +
+        items += (i == 1 ? "" : ",") + (R"({"type": "range", "name": "Gain )" + std::to_string(i)) +
                  R"x(", "parameter": "gain", "binding": "visible if 10 / ([z] - 1) > 1"})x";
     }
     Menu_panel panel(menu_text(PARAMETERS, items), GetParam());
