@@ -8,6 +8,8 @@
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
 
+#include <algorithm>
+
 #include "file/builders.h"
 #include "file/editor_items.h"
 #include "file/item_members.h"
@@ -40,9 +42,11 @@ std::optional<std::string> show_option(Data_entry& entry) {
     return option_text(static_cast<Enum_entry&>(entry));
 }
 
-// A slot's line is filled with blanks up to its end.
+// A slot's line is filled with blanks up to its alias and its end.
 std::optional<std::string> show_slot(Data_entry& entry) {
     std::string text = option_text(static_cast<Enum_entry&>(entry));
+    const auto both_blank = [](char left, char right) { return left == ' ' && right == ' '; };
+    text.erase(std::unique(text.begin(), text.end(), both_blank), text.end());
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }

@@ -111,6 +111,25 @@ TEST(PanelCards, AListThatIsReplacedUnderItsEditorKeepsTheChoice) {
     EXPECT_EQ(panel.card().selected(3, 9059), 1);
 }
 
+// Without a refresh in between.
+TEST(PanelCards, AListThatGrowsOrShrinksHasItsCountAndTextsAtOnce) {
+    Cards_panel panel(9058, combo_box(9058), "combobox");
+    panel.card().add_combo_box(3, 9058,
+                               {{"0", "a"}, {"1", "b"}, {"2", "c"}, {"3", "d"}, {"4", "e"}}, 4);
+    panel.fetch();
+    EXPECT_EQ(panel->lines()[0], ">Live              e");
+    panel->press(Key::SELECT);
+    EXPECT_EQ(panel->lines(), (Lines{"Live             5/5", "e                   "}));
+    panel->press(Key::BACK);
+    panel.card().add_combo_box(3, 9058, {{"0", "f"}, {"1", "g"}}, 1);
+    panel.fetch();
+    EXPECT_EQ(panel->lines()[0], ">Live              g");
+    panel->press(Key::SELECT);
+    EXPECT_EQ(panel->lines(), (Lines{"Live             2/2", "g                   "}));
+    panel->press(Key::DOWN, 3);
+    EXPECT_EQ(panel->lines(), (Lines{"Live             1/2", "f                   "}));
+}
+
 TEST(PanelCards, AListWithoutTheChoiceGoesBackToTheCardsOwn) {
     Cards_panel panel(9060, combo_box(9060), "combobox");
     panel->press(Key::SELECT).press(Key::UP);
@@ -141,7 +160,7 @@ TEST(PanelCards, ATreeIsShownLineByLine) {
 
 TEST(PanelCards, AReadOnlyListIsShownAndNotWritten) {
     Cards_panel panel(9065, combo_box(9065), "combobox", R"(, "access": "read-only")");
-    EXPECT_EQ(panel->lines()[0], ">Live          30 Hz");
+    EXPECT_EQ(panel->lines()[0], ">Live=         30 Hz");
     panel->press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel->lines(), (Lines{"Live                ", "value refused       "}));
     EXPECT_EQ(panel.card().selected(3, 9065), 1);

@@ -1,12 +1,126 @@
 #include <frontpanel_editors/line_text.h>
 #include <frontpanel_editors/value_editor.h>
-
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace frontpanel {
 namespace {
+
+using Texts = std::vector<std::string>;
+
+Texts frames(Scrolling_text& text, int columns, int count) {
+    Texts shown;
+    for (int i = 0; i < count; ++i) {
+        shown.push_back(text.show(columns));
+    }
+    return shown;
+}
+
+TEST(LineText, WidthsCountCharactersAndStrayBytes) {
+    EXPECT_EQ(width_of(""), 0);
+    EXPECT_EQ(width_of("abc"), 3);
+    EXPECT_EQ(width_of("Gr\xc3\xbcn"), 4);
+    EXPECT_EQ(width_of("\xe2\x82\xac 5"), 3);
+    EXPECT_EQ(width_of("\xf0\x9f\x98\x80"), 1);
+    EXPECT_EQ(width_of("\xfc\xbc"), 2);      // ISO-8859-1
+    EXPECT_EQ(width_of("\xc3"), 1);          // cut
+    EXPECT_EQ(width_of("\xed\xa0\x80"), 3);  // a surrogate
+    EXPECT_EQ(width_of("\xc0\xaf"), 2);      // longer than needed
+}
+
+TEST(LineText, AStartCutsNoNumberUnseen) {
+    EXPECT_EQ(start_of("Gain 12", 7), "Gain 12");
+    EXPECT_EQ(start_of("Gain 12", 6), "Gain >");
+    EXPECT_EQ(start_of("Gain 12", 4), "Gain");
+    EXPECT_EQ(start_of("Gain 12", 3), "Gai");
+    EXPECT_EQ(start_of("Reference", 4), "Refe");
+    EXPECT_EQ(start_of("Gr\xc3\xbcn", 3), "Gr\xc3\xbc");
+    EXPECT_EQ(start_of("Gain", 0), "");
+}
+
+TEST(LineText, ATextGoesRoundWithAGapBeforeItsBeginning) {
+    Scrolling_text text;
+    text.set("ABCDE");
+    EXPECT_EQ(frames(text, 4, 12), (Texts{"ABCD", "ABCD", "ABCD", "BCDE", "CDE ", "DE  ", "E   ",
+                                          "   A", "  AB", " ABC", "ABCD", "ABCD"}));
+}
+
+TEST(LineText, ANumberThatGoesRoundIsMarkedWhereItIsCut) {
+    Scrolling_text text;
+    text.set("123456 Hz");
+    EXPECT_EQ(frames(text, 6, 9), (Texts{"123456", "123456", "123456", "<3456 ", "<456 H", "<56 Hz",
+                                         "<6 Hz ", "< Hz  ", " Hz   "}));
+    text.set("1234567");
+    EXPECT_EQ(frames(text, 6, 1), (Texts{"12345>"}));
+}
+
+TEST(LineText, AnotherTextStartsAtItsBeginningAndTheSameGoesOn) {
+    Scrolling_text text;
+    text.set("ABCDE");
+    frames(text, 4, 4);
+    text.update("ABCDE  ");
+    EXPECT_EQ(text.show(4), "CDE ");
+    text.update("FGHIJ");
+    EXPECT_EQ(text.show(4), "FGHI");
+}
+
+TEST(LineText, AValueThatChangesGoesOnWhereItIs) {
+    Scrolling_text text;
+    text.follow("12:30:45");
+    frames(text, 6, 4);
+    text.follow("12:30:46");
+    EXPECT_EQ(text.show(6), "<30:46");
+    text.follow("1");
+    EXPECT_EQ(text.show(6), "1");
+    text.follow("12:30:47");
+    EXPECT_EQ(text.show(6), "12:30>");
+}
+
+struct Cursor_case {
+    std::string text;
+    size_t cursor;  // in bytes
+    int columns;
+    std::string shown;
+    int column;
+};
+
+TEST(LineText, TheCursorStandsOnItsCharacterAndItsWordIsWholeWhereItHasRoom) {
+    for (const Cursor_case& row : {
+             Cursor_case{"ABCDEF", 2, 8, "ABCDEF", 2},
+             Cursor_case{"ABCDEFGHIJ", 9, 4, "GHIJ", 3},
+             Cursor_case{"ABCDEFGHIJ", 4, 4, "BCDE", 3},
+             Cursor_case{"Frequency 12345 Hz", 10, 12, "quency 12345", 7},
+             Cursor_case{"Frequency 12345 Hz", 14, 12, "quency 12345", 11},
+             Cursor_case{"Gr\xc3\xbcn 12", 7, 20, "Gr\xc3\xbcn 12", 6},
+             Cursor_case{"Gr\xc3\xbcn ABC", 6, 5, "n ABC", 2},
+             Cursor_case{"1234567890", 5, 6, "<3456>", 4},
+             Cursor_case{"1234567890", 9, 6, "<67890", 5},
+             Cursor_case{"1234567890", 0, 6, "12345>", 0},
+         }) {
+        SCOPED_TRACE(row.text + " " + std::to_string(row.cursor));
+        Editor_view view;
+        show_with_cursor(row.text, row.cursor, row.columns, view);
+        EXPECT_LE(width_of(view.text), row.columns);
+        EXPECT_EQ(view.cursor, row.column);
+        EXPECT_EQ(view.text, row.shown);
+    }
+}
+
+TEST(LineText, TheCursorIsNeverUnderAMark) {
+    const std::string text = "Frequency 1234567890 and 5 or 2026-11-21";
+    for (int columns = 4; columns <= 45; ++columns) {
+        for (size_t cursor = 0; cursor < text.size(); ++cursor) {
+            Editor_view view;
+            show_with_cursor(text, cursor, columns, view);
+            ASSERT_GE(view.cursor, 0);
+            ASSERT_LT(view.cursor, columns);
+            ASSERT_EQ(view.text[static_cast<size_t>(view.cursor)], text[cursor])
+                << columns << " " << cursor << " " << view.text;
+        }
+    }
+}
 
 TEST(ScrollingText, ATextThatFitsStays) {
     Scrolling_text text;

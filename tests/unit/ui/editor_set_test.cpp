@@ -233,7 +233,7 @@ protected:
 };
 
 TEST_F(SlotList, ShowsTheChosenSlotsProductAndAlias) {
-    EXPECT_EQ(panel.lines()[0], ">Slot      2:ENC                     Van");
+    EXPECT_EQ(panel.lines()[0], ">Slot                          2:ENC Van");
 }
 
 TEST_F(SlotList, ChoosesASlotWithItsAliasOnTheWay) {
