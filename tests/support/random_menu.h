@@ -29,9 +29,9 @@ public:
         std::string name;  // one letter, repeated: it is known by any part of it
         int min;
         int max;
-        std::vector<std::pair<int, int>> allowed;            // of a number, by the item; empty for all
-        std::function<std::string(Memory_device&)> text;     // that the item must show
-        std::vector<std::string> texts;                      // that a device may hold
+        std::vector<std::pair<int, int>> allowed;         // of a number, by the item; empty for all
+        std::function<std::string(Memory_device&)> text;  // that the item must show
+        std::vector<std::string> texts;                   // that a device may hold
     };
 
     explicit Random_menu(uint32_t seed) : m_random(seed) {
@@ -39,7 +39,8 @@ public:
         for (int i = 0; i < 12; ++i) {
             add_item();
         }
-        m_items_text += R"(,{"type": "node", "name": "Z", "items": [{"type": "range", "name": "Y", "parameter": "mode"}]})";
+        m_items_text +=
+            R"(,{"type": "node", "name": "Z", "items": [{"type": "range", "name": "Y", "parameter": "mode"}]})";
     }
 
     std::string text() const {
@@ -57,12 +58,11 @@ public:
         return nullptr;
     }
 
-    size_t below(size_t end) {
-        return std::uniform_int_distribution<size_t>(0, end - 1)(m_random);
-    }
+    size_t below(size_t end) { return std::uniform_int_distribution<size_t>(0, end - 1)(m_random); }
     Key random_key() {
-        constexpr Key::Kind KINDS[] = {Key::UP,     Key::DOWN,    Key::DOWN,  Key::DOWN, Key::SELECT,
-                                       Key::SELECT, Key::COARSER, Key::FINER, Key::BACK};
+        constexpr Key::Kind KINDS[] = {Key::UP,      Key::DOWN,   Key::DOWN,
+                                       Key::DOWN,    Key::SELECT, Key::SELECT,
+                                       Key::COARSER, Key::FINER,  Key::BACK};
         return {KINDS[below(std::size(KINDS))], 0};
     }
     // Gives a parameter another value, as a device does by itself.
@@ -92,8 +92,7 @@ private:
             {R"(, "format": "%d Hz")", [](int value) { return std::to_string(value) + " Hz"; }},
             {R"(, "format": "Frequency %d Hz now")",
              [](int value) { return "Frequency " + std::to_string(value) + " Hz now"; }},
-            {R"(, "format": "%.1f dB", "value_format": "v/10")",
-             tenths},
+            {R"(, "format": "%.1f dB", "value_format": "v/10")", tenths},
             {R"(, "format": "0:off,1:on,5:as the reference is,%d")",
              [](int value) {
                  return value == 0   ? "off"
@@ -118,8 +117,8 @@ private:
         m_parameters += (m_parameters.empty() ? "" : ",") + (R"({"name": ")" + name) +
                         R"(", "pid": )" + std::to_string(pid) + ", " + members + "}";
     }
-    void add_item_text(const std::string& type, const std::string& name, const std::string& parameter,
-                       const std::string& members) {
+    void add_item_text(const std::string& type, const std::string& name,
+                       const std::string& parameter, const std::string& members) {
         m_items_text += (m_items_text.empty() ? "" : ",") + (R"({"type": ")" + type) +
                         R"(", "name": ")" + name + R"(", "parameter": ")" + parameter + "\"" +
                         members + "}";
@@ -132,7 +131,12 @@ private:
                           std::to_string(max) + R"(, "value": )" + std::to_string(min));
         const std::string name = next_name();
         add_item_text("range", name, parameter, formats()[format].members + members);
-        m_items.push_back({pid, false, name, min, max, {},
+        m_items.push_back({pid,
+                           false,
+                           name,
+                           min,
+                           max,
+                           {},
                            [pid, text = formats()[format].text](Memory_device& device) {
                                return text(device.integer(pid, 0).value());
                            },
@@ -212,7 +216,12 @@ private:
         const char* const KEYS[] = {"", "keys 2..3 if [mode] == 1", "keys 0, 3 if [mode] == 1"};
         add_item_text("enum", name, parameter,
                       R"(, "choices": [)" + choices + "]" + binding(KEYS[below(3)]));
-        m_items.push_back({pid, false, name, 0, last, {},
+        m_items.push_back({pid,
+                           false,
+                           name,
+                           0,
+                           last,
+                           {},
                            [pid, texts](Memory_device& device) {
                                return texts.at(static_cast<size_t>(device.integer(pid, 0).value()));
                            },
@@ -230,11 +239,17 @@ private:
                       R"("type": "text", "length": 22, "value": ")" + texts.front() + "\"");
         const std::string name = next_name();
         add_item_text(type, name, parameter, binding(""));
-        m_items.push_back({pid, true, name, 0, 0, {},
+        m_items.push_back({pid,
+                           true,
+                           name,
+                           0,
+                           0,
+                           {},
                            [pid](Memory_device& device) {
                                const std::string text = device.text(pid, 0).value();
                                return text.substr(0, text.find_last_not_of(' ') + 1);
-                           }, texts});
+                           },
+                           texts});
     }
 
     std::mt19937 m_random;

@@ -21,12 +21,14 @@ std::optional<std::string> shown(const std::string& type, const std::string& mem
 TEST(ShownValue, IsTheWholeTextOfEveryKind) {
     EXPECT_EQ(shown("range", R"("pid": 5, "format": "A frequency of %d hertz, more or less")"),
               "A frequency of 1 hertz, more or less");
-    EXPECT_EQ(shown("range", R"("pid": 5, "format": "0:off,1:a text of more than twenty characters,%d")"),
-              "a text of more than twenty characters");
+    EXPECT_EQ(
+        shown("range", R"("pid": 5, "format": "0:off,1:a text of more than twenty characters,%d")"),
+        "a text of more than twenty characters");
     EXPECT_EQ(shown("range", R"("pid": 5, "format": "at about %d:00 o'clock today")"),
               "at about 1:00 o'clock today");
-    EXPECT_EQ(shown("range", R"("pid": 5, "format": "today, that is %.1f", "value_format": "v/10")"),
-              "today, that is 0.1");
+    EXPECT_EQ(
+        shown("range", R"("pid": 5, "format": "today, that is %.1f", "value_format": "v/10")"),
+        "today, that is 0.1");
     EXPECT_EQ(shown("range", R"("pid": 5)"), "1");
     EXPECT_EQ(shown("enum", R"("pid": 5, "choices": ["off", "as the reference is", "on"])"),
               "as the reference is");

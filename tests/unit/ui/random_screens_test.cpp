@@ -43,14 +43,11 @@ protected:
     }
 
     // An editor that has just opened proposes what the device holds.
-    void expect_true_when_opened(Menu_panel& panel, const Random_menu& menu,
-                                 const Lines& before) {
+    void expect_true_when_opened(Menu_panel& panel, const Random_menu& menu, const Lines& before) {
         const Lines lines = panel.lines();
-        const auto line = std::find_if(before.begin(), before.end(), [](const std::string& text) {
-            return text.front() == '>';
-        });
-        const Random_menu::Item* const item =
-            line == before.end() ? nullptr : item_on(*line, menu);
+        const auto line = std::find_if(before.begin(), before.end(),
+                                       [](const std::string& text) { return text.front() == '>'; });
+        const Random_menu::Item* const item = line == before.end() ? nullptr : item_on(*line, menu);
         if (item == nullptr || item->is_text || !panel.leds().edit || is_list(lines)) {
             return;
         }

@@ -18,13 +18,11 @@ constexpr const char* PARAMETERS = R"(
 class Shown_values : public testing::TestWithParam<Lcd_size> {
 protected:
     std::string item(const std::string& type, const std::string& name, const std::string& members) {
-        return menu_text(PARAMETERS, R"({"type": ")" + type + R"(", "name": ")" + name + "\", " +
-                                         members + "}");
+        return menu_text(
+            PARAMETERS, R"({"type": ")" + type + R"(", "name": ")" + name + "\", " + members + "}");
     }
     // The line of the first item.
-    std::string line(Menu_panel& panel) {
-        return panel.lines()[GetParam().rows >= 3 ? 1 : 0];
-    }
+    std::string line(Menu_panel& panel) { return panel.lines()[GetParam().rows >= 3 ? 1 : 0]; }
     // The first frames of the list, each with the text whole or as a marked part of it.
     void expect_in_list(Menu_panel& panel, const std::string& text) {
         for (int frame = 0; frame < 60; ++frame) {
@@ -49,8 +47,8 @@ TEST_P(Shown_values, ANumberIsWholeAndTheNameGivesWay) {
 
 TEST_P(Shown_values, ANumberAmongTextGoesRoundWithMarksWhereItHasNoRoom) {
     const std::string text = "Frequency 1234567890 Hz now";
-    Menu_panel panel(
-        item("range", "Gen", R"("parameter": "gen", "format": "Frequency %d Hz now")"), GetParam());
+    Menu_panel panel(item("range", "Gen", R"("parameter": "gen", "format": "Frequency %d Hz now")"),
+                     GetParam());
     expect_in_list(panel, text);
     panel.press(Key::SELECT);
     const std::string edited = panel.lines()[1];
@@ -59,10 +57,9 @@ TEST_P(Shown_values, ANumberAmongTextGoesRoundWithMarksWhereItHasNoRoom) {
 }
 
 TEST_P(Shown_values, TheCursorOfANumberStaysOnItsDigit) {
-    Menu_panel panel(
-        item("range", "Gen",
-             R"("parameter": "gen", "format": "A frequency in hertz that is %d now")"),
-        GetParam());
+    Menu_panel panel(item("range", "Gen",
+                          R"("parameter": "gen", "format": "A frequency in hertz that is %d now")"),
+                     GetParam());
     panel.press(Key::SELECT);
     for (const char digit : std::string("098765432")) {
         const Frame frame = panel.controller().draw();
