@@ -45,7 +45,8 @@ public:
         const int value = is_menu(entry) ? width_of(MENU_MARK)
                           : is_known     ? width_of(widest->second)
                                          : LEAST_VALUE_COLUMNS;
-        const Line_room room = room_of(width_of(name), value, m_list_columns);
+        const Line_room room =
+            room_of(width_of(name), value, m_list_columns, least_name_columns(entry));
         // A value that goes round is warned of itself.
         if (room.left < width_of(name) && room.right >= value) {
             warn(place, "a list of " + std::to_string(m_columns) + " columns has room for " +
@@ -70,7 +71,9 @@ private:
     void warn_of_value(const Built_menu::Item& item) {
         const std::string& text = m_widest.at(item.entry);
         const int width = width_of(text);
-        if (room_of(1, width, m_list_columns).right >= width) {
+        if (room_of(width_of(item.entry->Get_name()), width, m_list_columns,
+                    least_name_columns(*item.entry))
+                .right >= width) {
             return;
         }
         const Json_value* place = &item.item;

@@ -193,7 +193,7 @@ Text_line::Texts List_view::texts_of(Data_entry& entry) {
         m_alarm = true;
         return {name, READ_ERROR, mark};
     }
-    return {name, shown_value(entry).value_or(NO_VALUE), mark};
+    return {name, shown_value(entry).value_or(NO_VALUE), mark, least_name_columns(entry)};
 }
 
 }  // namespace frontpanel

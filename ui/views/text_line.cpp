@@ -2,15 +2,13 @@
 
 #include <algorithm>
 
-#include <frontpanel_menu/list_line.h>
-
 namespace frontpanel {
 
 void Text_line::draw(Lcd& lcd, int row, int column, const Texts& texts) {
     m_left.follow(texts.left);
     m_right.follow(texts.right);
     const int columns = lcd.size().columns - column;
-    const Line_room room = room_of(m_left.width(), m_right.width(), columns);
+    const Line_room room = room_of(m_left.width(), m_right.width(), columns, texts.least_left);
     const bool is_right_cut = m_right.width() > room.right;
     lcd.put(row, column, is_right_cut ? start_of(texts.left, room.left) : m_left.show(room.left));
     lcd.put(row, column + std::min(m_left.width(), room.left), texts.mark);

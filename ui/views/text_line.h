@@ -4,6 +4,7 @@
 
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_editors/line_text.h>
+#include <frontpanel_menu/list_line.h>
 
 #include <string>
 
@@ -16,8 +17,10 @@ public:
     struct Texts {
         std::string left;
         std::string right;
-        std::string
-            mark;  // directly behind the left text; in place of the blank where the line is full
+        // Directly behind the left text; in place of the blank where the line is full.
+        std::string mark;
+        // The columns that the left text keeps; see `room_of`.
+        int least_left = LEAST_NAME_COLUMNS;
     };
 
     // Draws the texts from `column` on to the end of the row.

@@ -3,9 +3,12 @@
 #ifndef FRONTPANEL_MENU_LIST_LINE_H
 #define FRONTPANEL_MENU_LIST_LINE_H
 
+#include <frontpanel_data/data_entry.h>
+
 namespace frontpanel {
 
 constexpr int CURSOR_COLUMNS = 1;
+constexpr int LEAST_NAME_COLUMNS = 4;        // beside a text; a number leaves its name a single one
 constexpr int LEAST_VALUE_COLUMNS = 8;       // of a value that goes round
 constexpr const char* MENU_MARK = "...";     // behind the name of an entry that opens a menu
 constexpr const char* READ_ONLY_MARK = "=";  // behind the name of an entry that cannot be changed
@@ -16,9 +19,12 @@ struct Line_room {
 };
 
 // The columns for two texts with a blank between them, of `columns` in all: the right one has what it needs and the left
-// one the rest, at least one. A right one that is too wide even so goes round beside as much of the left one as leaves
-// it LEAST_VALUE_COLUMNS.
-Line_room room_of(int left, int right, int columns);
+// one the rest, at least `least_left` of what it needs. A right one that is too wide even so goes round beside as much of
+// the left one as leaves it LEAST_VALUE_COLUMNS.
+Line_room room_of(int left, int right, int columns, int least_left = LEAST_NAME_COLUMNS);
+
+// The columns that a value of the entry leaves its name at least.
+int least_name_columns(const Data_entry& entry);
 
 }  // namespace frontpanel
 

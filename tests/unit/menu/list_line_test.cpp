@@ -8,8 +8,9 @@ namespace frontpanel {
 namespace {
 
 // The columns of the left and of the right text.
-void expect_room(int left, int right, int columns, int left_room, int right_room) {
-    const Line_room room = room_of(left, right, columns);
+void expect_room(int left, int right, int columns, int left_room, int right_room,
+                 int least_left = LEAST_NAME_COLUMNS) {
+    const Line_room room = room_of(left, right, columns, least_left);
     EXPECT_EQ(room.left, left_room) << left << " " << right << " on " << columns;
     EXPECT_EQ(room.right, right_room) << left << " " << right << " on " << columns;
 }
@@ -23,12 +24,15 @@ TEST(ListLine, FreeRoomGoesToTheName) {
 
 TEST(ListLine, TheNameGivesWayToTheValue) {
     expect_room(9, 10, 15, 4, 10);
-    expect_room(9, 13, 15, 1, 13);
+    expect_room(9, 13, 15, 1, 13, 1);
+    expect_room(3, 11, 15, 3, 11);
 }
 
 TEST(ListLine, AValueThatHasNoRoomGoesRoundBesideAsMuchOfTheNameAsLeavesItEightColumns) {
     expect_room(3, 14, 15, 3, 11);
     expect_room(9, 14, 15, 6, 8);
+    expect_room(9, 11, 15, 6, 8);
+    expect_room(9, 14, 15, 6, 8, 1);
 }
 
 TEST(ListLine, NoTwoTextsTakeMoreThanTheLineHas) {
