@@ -156,16 +156,17 @@ void check_rule(const Load_context& context, const Rule_source& source, const Ru
 }
 
 // Where the rules stand, for what is reported of them while the menu is used: the document is gone by then.
-Rule_places places_of(Load_context& context, const Json_value& source,
+Rule_places places_of(Load_context& context, const Rule_source& source,
                       const std::vector<size_t>& offsets) {
-    std::shared_ptr<const std::string>& name = context.file_names[source.place().source];
+    const Place& start = source.value.place();
+    std::shared_ptr<const std::string>& name = context.file_names[start.source];
     if (name == nullptr) {
-        name = std::make_shared<const std::string>(source.place().source->name);
+        name = std::make_shared<const std::string>(start.source->name);
     }
-    Rule_places places{name, {}, stands_in_file(source)};
+    Rule_places places{name, {}, source.stands_in_file};
     places.rules.reserve(offsets.size());
     for (const size_t offset : offsets) {
-        const Place place = places.is_exact ? source.place_in_text(offset) : source.place();
+        const Place place = places.is_exact ? source.value.place_in_text(offset) : start;
         places.rules.push_back({place.line, place.column});
     }
     return places;
@@ -194,7 +195,7 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
         }
         auto binding = std::make_unique<Expression_binding>(context.menu.bindings());
         binding->addBindingList(compiled.list);
-        binding->set_rule_places(places_of(context, *source, compiled.rule_offsets));
+        binding->set_rule_places(places_of(context, source, compiled.rule_offsets));
         if (bounds) {
             binding->set_fallback_range(bounds->min, bounds->max);
         }

@@ -196,17 +196,17 @@ cat >"$FOLDER/quotes.json" <<'END'
 END
 echo 1001 >"$FOLDER/pin"
 start_panel --menu "$FOLDER/quotes.json" --timeout 3 --pin-file "$FOLDER/pin"
-expect "quotes and backslashes" 'a "b" \c         1/1' '>{x} #1 -cu     5 \"' "" ""
+expect "quotes and backslashes" 'a "b" \c         1/1' '>{x} #1 -cursor 5 \"' "" ""
 press Enter
 expect "the question for the PIN at the start" Locked "PIN 0___" "" ""
 press Up Right Right Enter Up Enter
 press Right
 expect "an open editor" '{x} #1 -cursor' '5 \"' "" ""
-expect "a panel that nobody uses goes home" 'a "b" \c         1/1' '>{x} #1 -cu     5 \"' "" ""
+expect "a panel that nobody uses goes home" 'a "b" \c         1/1' '>{x} #1 -cursor 5 \"' "" ""
 press Enter
 expect "the question for the PIN" Locked "PIN 0___" "" ""
 press Up Enter Enter Enter Up Enter
-expect "the right PIN" 'a "b" \c         1/1' '>{x} #1 -cu     5 \"' "" ""
+expect "the right PIN" 'a "b" \c         1/1' '>{x} #1 -cursor 5 \"' "" ""
 press Enter
 expect "an open panel" '{x} #1 -cursor' '5 \"' "" ""
 stop_panel TERM 143
