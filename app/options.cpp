@@ -2,9 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <optional>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_base/nearest_name.h>
 #include <frontpanel_base/numbers.h>
 #include "output_log.h"
 #include "shipped.h"
@@ -82,6 +84,34 @@ int parse_time_out(const std::string& text) {
     return *seconds;
 }
 
+// Decimal, or hexadecimal behind "0x".
+uint32_t parse_mask(const std::string& text) {
+    uint32_t mask = 0;
+    const bool is_hexadecimal = text.compare(0, 2, "0x") == 0 || text.compare(0, 2, "0X") == 0;
+    const char* const begin = text.data() + (is_hexadecimal ? 2 : 0);
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(begin, end, mask, is_hexadecimal ? 16 : 10);
+    if (begin == end || read.ptr != end || read.ec != std::errc()) {
+        throw Input_error("expected a number from 0 to 0xffffffff, found \"" + text + "\"");
+    }
+    return mask;
+}
+
+// What was probably meant by the first option that is unknown.
+std::string hint_of_option(const CLI::App& app) {
+    for (const std::string& unknown : app.remaining()) {
+        if (unknown.compare(0, 2, "--") == 0) {
+            const std::string name = unknown.substr(2, unknown.find('=') - 2);
+            Nearest_name nearest(name);
+            for (const CLI::Option* const option : app.get_options()) {
+                nearest.offer(option->get_lnames()[0]);
+            }
+            return nearest.hint("--", "");
+        }
+    }
+    return "";
+}
+
 void describe_front(CLI::App& app, Options& options) {
     add_parsed(app, "--display", options.display, parse_display, display_names())
         ->type_name("DISPLAY");
@@ -98,7 +128,12 @@ void describe_front(CLI::App& app, Options& options) {
 // Options that print something instead of showing the panel.
 void describe_reports(CLI::App& app, Options& options) {
     CLI::Option* const dump =
-        app.add_flag("--dump", options.dump, "Print the menu, one entry a line, then exit");
+        app.add_flag("--dump{table}", options.dump, "Print the menu, then exit; =json for programs")
+            ->check([](const std::string& form) {
+                return form == "table" || form == "json"
+                           ? std::string()
+                           : "expected table or json, found \"" + form + "\"";
+            });
     CLI::Option* const graph =
         app.add_flag("--graph", options.graph, "Print the menu for Graphviz, then exit");
     CLI::Option* const explain =
@@ -133,7 +168,7 @@ void describe(CLI::App& app, Options& options) {
     add_file(app, "--screenshot", options.screenshot,
              "Write an SVG picture of the panel, then exit");
     add_file(app, "--log", options.log, "File for the library's diagnostics");
-    app.add_option("--debug", options.debug, "Mask of the diagnostics, such as 0x8401")
+    add_parsed(app, "--debug", options.debug, parse_mask, "Mask of the diagnostics, such as 0x8401")
         ->type_name("MASK");
     describe_front(app, options);
     app.add_flag("--check", options.check, "Check the menu, and the script if any, then exit");
@@ -163,6 +198,9 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
             return EXIT_BAD_INPUT;
         }
         return EXIT_PLAYED;
+    } catch (const CLI::ExtrasError& error) {
+        errors << "frontpanel: " << one_line(error.what() + hint_of_option(app)) << '\n';
+        return EXIT_BAD_INPUT;
     } catch (const CLI::Error& error) {
         errors << "frontpanel: " << one_line(error.what()) << '\n';
         return EXIT_BAD_INPUT;

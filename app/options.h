@@ -36,7 +36,7 @@ struct Options {
     std::string pin_file;          // empty: the panel does not lock
     bool no_acceleration = false;  // of the encoder, whatever the menu says
     uint32_t debug = 0;            // mask of the library's diagnostics
-    bool dump = false;             // only print the menu
+    std::string dump;              // only print the menu: "table" or "json"; empty for no
     bool graph = false;            // only print the menu as a graph
     std::string explain;           // the entry to explain; empty for none
     bool check = false;            // only check the menu, and the script if one is named

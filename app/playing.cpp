@@ -83,4 +83,14 @@ int play(const Options& options, const Display_row& display, const Script& scrip
                    log.out());
 }
 
+int play_unseen(const Options& options, const Loaded_panel& loaded, Output_log& log) {
+    const Script script = parse_script(options.script, read_input_file(options.script));
+    std::ostringstream unseen;
+    const Display_setup setup{"",     options.size, options.keys, log.out_descriptor(),
+                              unseen, std::cerr};
+    Panel panel(*loaded.menu, options_for_script(options, *loaded.menu, log));
+    return play_on(script, panel, *loaded.device,
+                   *default_display(false).open_display(setup), unseen);
+}
+
 }  // namespace frontpanel

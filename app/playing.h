@@ -17,6 +17,10 @@ Script script_to_play(const Options& options);
 int play(const Options& options, const Display_row& display, const Script& script,
          const Loaded_panel& loaded, Output_log& log);
 
+// Plays the script of the options for what it does to the menu and its device. The exit status; Input_error for a script
+// that cannot be played.
+int play_unseen(const Options& options, const Loaded_panel& loaded, Output_log& log);
+
 }  // namespace frontpanel
 
 #endif

@@ -8,15 +8,18 @@
 #include <frontpanel_menu/explain.h>
 #include <frontpanel_menu/menu_dump.h>
 #include <frontpanel_menu/menu_graph.h>
+#include <frontpanel_simulator/state_file.h>
 #include <frontpanel_ui/script.h>
+#include "playing.h"
+#include "using_panel.h"
 
 namespace frontpanel {
 namespace {
 
 std::string report_of(const Options& options, Menu& menu) {
-    if (options.dump) {
+    if (!options.dump.empty()) {
         debug = 0;
-        return dump_of(menu);
+        return options.dump == "json" ? json_dump_of(menu) : dump_of(menu);
     }
     return options.graph ? graph_of(menu) : explain(menu, options.explain);
 }
@@ -42,6 +45,7 @@ int check(const Options& options, Output_log& log) {
     if (!options.script.empty()) {
         parse_script(options.script, read_input_file(options.script));
     }
+    (void)pin_of(options);
     for (const std::string& warning : loaded.warnings) {
         std::cerr << warning << '\n';
     }
@@ -53,8 +57,22 @@ int check(const Options& options, Output_log& log) {
 }
 
 bool is_report(const Options& options) {
-    return options.dump || options.graph || !options.explain.empty();
+    return !options.dump.empty() || options.graph || !options.explain.empty();
 }
+
+namespace {
+
+// The state is only read: a report keeps nothing.
+void restore_state(const Options& options, Simulated_device& device) {
+    if (!options.state.empty()) {
+        for (const std::string& line :
+             State_file(options.state, device.memory(), device.cards()).restore()) {
+            std::cerr << "warning: " << one_line(line) << '\n';
+        }
+    }
+}
+
+}  // namespace
 
 // What the library prints while the menu is read goes to the log as ever, so that standard output is the report.
 int report(const Options& options) {
@@ -62,11 +80,13 @@ int report(const Options& options) {
     debug = options.debug;
     const Loaded_panel loaded = load(options, log, Cards::OFF);
     VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
+    restore_state(options, *loaded.device);
+    const int status = options.script.empty() ? EXIT_PLAYED : play_unseen(options, loaded, log);
     refresh_all(*loaded.menu);
     log.out() << report_of(options, *loaded.menu);
     log.out().flush();
     check_written(!log.out());
-    return EXIT_PLAYED;
+    return status;
 }
 
 }  // namespace frontpanel

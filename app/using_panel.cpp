@@ -1,5 +1,6 @@
 #include "using_panel.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -16,6 +17,13 @@ bool has_terminal(const Output_log& log) {
     return isatty(log.out_descriptor()) != 0;
 }
 
+bool can_others_read(const std::string& file) {
+    struct stat status {};
+    return stat(file.c_str(), &status) == 0 && (status.st_mode & S_IROTH) != 0;
+}
+
+}  // namespace
+
 // What is in the file is never repeated in a message.
 std::optional<std::string> pin_of(const Options& options) {
     if (options.pin_file.empty()) {
@@ -29,8 +37,14 @@ std::optional<std::string> pin_of(const Options& options) {
         throw Input_error(options.pin_file + ": expected a PIN of " + std::to_string(SHORTEST_PIN) +
                           " to " + std::to_string(LONGEST_PIN) + " digits");
     }
+    if (can_others_read(options.pin_file)) {
+        std::cerr << "warning: " << one_line(options.pin_file)
+                  << ": others can read this PIN: \"chmod 600\" keeps it from them\n";
+    }
     return pin;
 }
+
+namespace {
 
 Panel_options options_for_person(const Options& options, Menu& menu, Output_log& log) {
     Panel_options panel = panel_options_of(options, menu, log);

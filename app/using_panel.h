@@ -2,6 +2,9 @@
 #ifndef FRONTPANEL_APP_USING_PANEL_H
 #define FRONTPANEL_APP_USING_PANEL_H
 
+#include <optional>
+#include <string>
+
 #include <frontpanel_base/end_watch.h>
 #include <frontpanel_displays/display_table.h>
 #include <frontpanel_menu/menu.h>
@@ -17,6 +20,9 @@ const Display_row& display_of(const Options& options, const Output_log& log);
 void check_front(const Options& options, const Display_row& display, const Output_log& log);
 // What the display is opened with; the log outlives it.
 Display_setup setup_of(const Options& options, Output_log& log);
+// The PIN in the file of the options; nothing without a file. A file that others can read is reported on standard error.
+// Input_error when it holds no PIN.
+std::optional<std::string> pin_of(const Options& options);
 // What every panel of the application has; the log outlives it.
 Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& log);
 

@@ -7,6 +7,7 @@
 #include <set>
 
 #include <frontpanel_base/json_allocator.h>
+#include <frontpanel_base/nearest_name.h>
 
 namespace frontpanel {
 namespace {
@@ -157,7 +158,8 @@ std::vector<Json_value::Member> Json_value::members() const {
 void Json_value::expect_members(const std::vector<const char*>& known) const {
     for_each_member([&](const Json_member& member) {
         if (std::find(known.begin(), known.end(), member.name) == known.end()) {
-            m_problems->report(member.place, "unknown member \"" + std::string(member.name) + "\"");
+            m_problems->report(member.place, "unknown member \"" + std::string(member.name) + "\"" +
+                                                 hint_of(member.name, known));
         }
     });
 }
@@ -278,7 +280,7 @@ size_t Json_value::choice(const std::vector<const char*>& known) const {
                      std::string(known[i]) + "\"";
         }
         fail("expected " + std::string(known.size() > 2 ? "one of " : "") + names + ", found \"" +
-             found + "\"");
+             found + "\"" + hint_of(found, known));
     }
     return static_cast<size_t>(match - known.begin());
 }

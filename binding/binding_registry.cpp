@@ -22,8 +22,16 @@ Binding_registry::Binding_registry(Data_interface* iface)
 
 Binding_registry::~Binding_registry() = default;
 
-Compile_result Binding_registry::compile(std::string_view source, RETURN_TYPE own_type) {
-    return m_compiler->compile(source, {m_parameters, own_type});
+Compile_result Binding_registry::compile(std::string_view source, RETURN_TYPE own_type,
+                                         std::pair<std::int32_t, std::int32_t> own_bounds) {
+    return m_compiler->compile(source,
+                               {m_parameters, own_type, {own_bounds.first, own_bounds.second}});
+}
+
+Toggle_result Binding_registry::compile_toggle(std::string_view condition) {
+    return m_compiler->compile_toggle(condition, m_parameters, [this](std::string_view name) {
+        return m_core->options.has(name);
+    });
 }
 
 Data_interface* Binding_registry::interface() const {
@@ -130,8 +138,9 @@ void Binding_registry::set_done_listener(std::function<void()> listener) {
     m_done_listener = std::move(listener);
 }
 
-void Binding_registry::set_product_options(std::map<std::string, unsigned int> options) {
-    m_core->options.set(std::move(options));
+void Binding_registry::set_product_options(std::map<std::string, unsigned int> options,
+                                           Option_namer library_name) {
+    m_core->options.set(std::move(options), std::move(library_name));
 }
 
 // ---- reports

@@ -93,10 +93,6 @@ Mounted_menu& Menu::add_mounted_menu(const std::string& folder) {
     return *m_mounted_menus.back();
 }
 
-void Menu::watch(const Parameter& parameter) {
-    m_bindings->watch(parameter.key());
-}
-
 void Menu::make_homescreen_entry(Link_entry& link, const std::string& toggle) {
     link.setAsHomescreenEntry(toggle, m_bindings->var_index_map(), &m_front_panel_data);
 }

@@ -7,6 +7,7 @@
 
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/json_value.h>
+#include "file/item_builder.h"
 
 namespace frontpanel {
 namespace {
@@ -32,7 +33,7 @@ const Index_t NO_INDEX{};
 Wanted_value value_of(const Json_value::Member& member, const Parameter_table& parameters) {
     const Parameter* const parameter = parameters.find_reference(member.name);
     if (parameter == nullptr) {
-        throw Placed_error(member.place, "the device has no parameter \"" + member.name + "\"");
+        throw Placed_error(member.place, no_parameter(parameters, member.name));
     }
     Wanted_value wanted{{parameter->pid, varidx_of(parameter->index)}, {}};
     wanted.value.rt = parameter->type;

@@ -4,6 +4,7 @@
 #define FRONTPANEL_BINDING_ENGINE_CORE_H
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -23,7 +24,8 @@ namespace frontpanel::binding_engine {
 // The options of the product, judged as entries judge them.
 class Product_options {
 public:
-    void set(std::map<std::string, unsigned int> options);
+    void set(std::map<std::string, unsigned int> options,
+             std::function<std::string(const std::string&)> library_name);
     // Whether the product has it. Never of an option that is not known.
     bool has(std::string_view name);
     // Counts the calls of `set`.
@@ -34,6 +36,7 @@ private:
     Node_entry m_judge{
         "",      nullptr, nullptr, nullptr, Data_entry::VISIBLE_NONE, Data_entry::SHORTCUT_NONE,
         nullptr, nullptr, nullptr};
+    std::function<std::string(const std::string&)> m_library_name;
     uint64_t m_version = 0;
 };
 

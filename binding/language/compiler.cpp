@@ -7,6 +7,7 @@
 #include "language/list_tables.h"
 #include "language/rule_parser.h"
 #include "language/scanner.h"
+#include "language/toggle_writer.h"
 
 namespace frontpanel::binding_language {
 
@@ -54,6 +55,35 @@ Compile_result Compiler::compile(std::string_view source, const Compile_context&
     result.list = m_tables->list(source);
     result.parameters = m_tables->named_parameters();
     return result;
+}
+
+Toggle_result Compiler::compile_toggle(std::string_view condition,
+                                       const Parameter_table& parameters,
+                                       const std::function<bool(std::string_view)>& has_option) {
+    Toggle_result toggle;
+    toggle.error = unreadable(condition);
+    if (toggle.error) {
+        return toggle;
+    }
+    Compile_context context{parameters, INVALID_TYPE, {}};
+    context.is_toggle = true;
+    Compile_result result;
+    m_tables->clear();
+    try {
+        Rule_parser(condition, context, *m_tables, result).parse_condition();
+    } catch (const Compile_error& error) {
+        toggle.error = error;
+        return toggle;
+    }
+    toggle.expression = toggle_text(*m_tables, condition, has_option);
+    toggle.parameters = m_tables->named_parameters();
+    toggle.options = std::move(result.options);
+    toggle.warnings = std::move(result.warnings);
+    toggle.constants = std::move(result.constants);
+    if (toggle.expression.empty()) {
+        toggle.error = Compile_error{1, 1, "this condition is too large for the homescreen"};
+    }
+    return toggle;
 }
 
 }  // namespace frontpanel::binding_language

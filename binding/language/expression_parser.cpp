@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "language/list_format.h"
+#include "language/toggle_writer.h"
 
 namespace frontpanel::binding_language {
 
@@ -16,8 +17,10 @@ constexpr const char* A_PRIMARY = "a number, a text, a [parameter], \"value\", a
 
 }  // namespace
 
-void Expression_parser::parse(Value_type type) {
-    require_type(expression(), type);
+Value_bounds Expression_parser::parse(Value_type type) {
+    const Operand operand = expression();
+    require_type(operand, type);
+    return operand.bounds;
 }
 
 Expression_parser::Binary_operator Expression_parser::operator_of(const Token& token) {
@@ -60,6 +63,7 @@ Operand Expression_parser::conditional(Operand operand) {
     const Nesting nesting(*this);
     const char* const begin = operand.place;
     std::optional<Value_type> type;
+    std::optional<Value_bounds> bounds;
     bool is_truth = true;
     int last_jump = 0;
     m_code.open_outer_jump();
@@ -69,6 +73,7 @@ Operand Expression_parser::conditional(Operand operand) {
         const Operand branch = expression();
         require_type(branch, type.value_or(branch.type));
         type = branch.type;
+        bounds = hull(bounds.value_or(branch.bounds), branch.bounds);
         is_truth = is_truth && branch.is_truth;
         m_cursor.expect(Token::COLON, "an operator or \":\"");
         last_jump = m_code.emit(Operation::JUMP, last_jump, -1);
@@ -78,26 +83,60 @@ Operand Expression_parser::conditional(Operand operand) {
     m_code.close_jump();
     require_type(operand, *type);
     m_code.land_all(last_jump);
-    return {*type, is_truth && operand.is_truth, begin};
+    return {*type, is_truth && operand.is_truth, begin, hull(*bounds, operand.bounds)};
 }
 
 Operand Expression_parser::binary(Level least) {
     const std::size_t reads_before = m_code.reads();
-    Operand left = unary(least);
+    Operand left = for_toggle(unary(least));
     for (;;) {
         const Binary_operator with = operator_of(m_cursor.token());
         if (with.level == NO_LEVEL || with.level < least) {
             return left;
         }
-        left = combine(left, with);
+        const Operand before = left;
+        const char* const end = m_cursor.last_end();
+        const bool has_read = m_code.reads() > reads_before;
+        left = for_toggle(combine(left, with));
         if (with.level == COMPARISON_LEVEL && m_code.reads() == reads_before) {
             m_warnings.warn_of(left.place);
+        } else if (with.level == COMPARISON_LEVEL) {
+            check_comparison(before, end, has_read, left);
         }
         if (with.level == COMPARISON_LEVEL &&
             operator_of(m_cursor.token()).level == COMPARISON_LEVEL) {
             m_cursor.fail(m_cursor.place(), "comparisons do not chain; \"and\" joins them");
         }
     }
+}
+
+// The library's toggles calculate with doubles, and know no texts.
+Operand Expression_parser::for_toggle(const Operand& operand) const {
+    if (!m_context.is_toggle) {
+        return operand;
+    }
+    if (operand.type == Value_type::TEXT) {
+        m_cursor.fail(operand.place, "a condition of the homescreen compares numbers, not texts");
+    }
+    if (operand.bounds.low < -LARGEST_IN_TOGGLE || operand.bounds.high > LARGEST_IN_TOGGLE) {
+        m_cursor.fail(operand.place, "this number may be beyond " +
+                                         std::to_string(LARGEST_IN_TOGGLE) +
+                                         ", the largest in a condition of the homescreen");
+    }
+    return operand;
+}
+
+// The side that reads something explains why the result never changes.
+void Expression_parser::check_comparison(const Operand& left, const char* left_end, bool left_reads,
+                                         const Operand& result) {
+    std::string reason;
+    if (left_reads && result.bounds.is_single()) {
+        const std::string source(left.place, static_cast<std::size_t>(left_end - left.place));
+        const auto [low, high] = left.bounds;
+        reason = source + " is " + std::to_string(low) +
+                 (low == high ? "" : " to " + std::to_string(high));
+    }
+    m_warnings.comparison(result.place, result.bounds, reason);
 }
 
 Operand Expression_parser::combine(const Operand& left, const Binary_operator& with) {
@@ -112,11 +151,13 @@ Operand Expression_parser::combine(const Operand& left, const Binary_operator& w
                        ? membership(left)
                        : comparison(left, with.operation, operator_place);
         default:
-            require_integer(left);
-            require_integer(binary(static_cast<Level>(with.level + 1)));
-            m_code.emit(with.operation, 0, -1);
-            return {Value_type::INTEGER, false, left.place};
+            break;
     }
+    require_integer(left);
+    const Operand right = require_integer(binary(static_cast<Level>(with.level + 1)));
+    m_code.emit(with.operation, 0, -1);
+    return {Value_type::INTEGER, false, left.place,
+            bounds_after(with.operation, left.bounds, right.bounds)};
 }
 
 Operand Expression_parser::logic(const Operand& left, const Binary_operator& with) {
@@ -127,7 +168,9 @@ Operand Expression_parser::logic(const Operand& left, const Binary_operator& wit
         m_code.emit(Operation::TRUTH, 0, 0);
     }
     m_code.land(to_end);
-    return {Value_type::INTEGER, true, left.place};
+    return {Value_type::INTEGER, true, left.place,
+            with.operation == Operation::AND ? bounds_of_both(left.bounds, right.bounds)
+                                             : bounds_of_either(left.bounds, right.bounds)};
 }
 
 Operand Expression_parser::comparison(const Operand& left, Operation operation, const char* place) {
@@ -135,13 +178,17 @@ Operand Expression_parser::comparison(const Operand& left, Operation operation, 
     if (left.type == Value_type::TEXT && !is_equality) {
         m_cursor.fail(place, "a text is compared with == or != only");
     }
-    require_type(binary(SUM_LEVEL), left.type);
+    const Operand right = binary(SUM_LEVEL);
+    require_type(right, left.type);
     if (left.type == Value_type::TEXT) {
-        operation =
-            operation == Operation::EQUAL ? Operation::TEXT_EQUAL : Operation::TEXT_NOT_EQUAL;
+        m_code.emit(
+            operation == Operation::EQUAL ? Operation::TEXT_EQUAL : Operation::TEXT_NOT_EQUAL, 0,
+            -1);
+        return {Value_type::INTEGER, true, left.place, TRUTH_BOUNDS};
     }
     m_code.emit(operation, 0, -1);
-    return {Value_type::INTEGER, true, left.place};
+    return {Value_type::INTEGER, true, left.place,
+            bounds_after(operation, left.bounds, right.bounds)};
 }
 
 Operand Expression_parser::membership(const Operand& left) {
@@ -149,37 +196,44 @@ Operand Expression_parser::membership(const Operand& left) {
         return set_membership(left);
     }
     require_integer(left);
-    require_integer(binary(SUM_LEVEL));
+    const Operand low = require_integer(binary(SUM_LEVEL));
     m_cursor.expect(Token::TO, "an operator or \"..\"");
-    require_integer(binary(SUM_LEVEL));
+    const Operand high = require_integer(binary(SUM_LEVEL));
     m_code.emit(Operation::BETWEEN, 0, -2);
-    return {Value_type::INTEGER, true, left.place};
+    return {Value_type::INTEGER, true, left.place,
+            bounds_of_between(left.bounds, low.bounds, high.bounds)};
 }
 
 Operand Expression_parser::set_membership(const Operand& left) {
     const Nesting nesting(*this);
     int last_jump = 0;
+    Value_bounds bounds{0, 0};
     m_code.open_jump();
     do {
-        set_element(left, last_jump);
+        bounds = bounds_of_either(bounds, set_element(left, last_jump));
     } while (m_cursor.accept(Token::COMMA));
     m_cursor.expect(Token::CLOSE_BRACE, "an operator, \"..\", \",\" or \"}\"");
     m_code.close_jump();
     m_code.emit(Operation::NO_MEMBER, 0, 0);
     m_code.land_all(last_jump);
-    return {Value_type::INTEGER, true, left.place};
+    return {Value_type::INTEGER, true, left.place, bounds};
 }
 
-void Expression_parser::set_element(const Operand& left, int& last_jump) {
-    require_type(expression(), left.type);
-    if (left.type == Value_type::INTEGER && m_cursor.accept(Token::TO)) {
-        require_integer(expression());
-        last_jump = m_code.emit(Operation::MEMBER_BETWEEN, last_jump, -2);
-        return;
+// The bounds of whether the left side is this element.
+Value_bounds Expression_parser::set_element(const Operand& left, int& last_jump) {
+    const Operand element = expression();
+    require_type(element, left.type);
+    if (left.type == Value_type::TEXT) {
+        last_jump = m_code.emit(Operation::MEMBER_TEXT, last_jump, -1);
+        return TRUTH_BOUNDS;
     }
-    const Operation operation =
-        left.type == Value_type::TEXT ? Operation::MEMBER_TEXT : Operation::MEMBER;
-    last_jump = m_code.emit(operation, last_jump, -1);
+    if (m_cursor.accept(Token::TO)) {
+        const Operand end = require_integer(expression());
+        last_jump = m_code.emit(Operation::MEMBER_BETWEEN, last_jump, -2);
+        return bounds_of_between(left.bounds, element.bounds, end.bounds);
+    }
+    last_jump = m_code.emit(Operation::MEMBER, last_jump, -1);
+    return bounds_after(Operation::EQUAL, left.bounds, element.bounds);
 }
 
 Operand Expression_parser::unary(Level least) {
@@ -196,21 +250,23 @@ Operand Expression_parser::unary(Level least) {
 // "not" takes a whole comparison, "!" binds as a sign does.
 Operand Expression_parser::denial(const char* begin, Level least) {
     const Nesting nesting(*this);
-    require_integer(least == SIGN_LEVEL ? unary(SIGN_LEVEL) : binary(least));
+    const Operand denied = require_integer(least == SIGN_LEVEL ? unary(SIGN_LEVEL) : binary(least));
     m_code.emit(Operation::NOT, 0, 0);
-    return {Value_type::INTEGER, true, begin};
+    return {Value_type::INTEGER, true, begin, bounds_after(Operation::NOT, denied.bounds)};
 }
 
 Operand Expression_parser::negative(const char* begin) {
     const Nesting nesting(*this);
     if (m_cursor.token().kind == Token::NUMBER) {
-        m_code.emit_number(m_cursor.token().magnitude, true);
+        const uint64_t magnitude = m_cursor.token().magnitude;
+        m_code.emit_number(magnitude, true);
         m_cursor.advance();
-    } else {
-        require_integer(unary(SIGN_LEVEL));
-        m_code.emit(Operation::NEGATE, 0, 0);
+        const auto number = static_cast<int64_t>(0 - magnitude);
+        return {Value_type::INTEGER, false, begin, {number, number}};
     }
-    return {Value_type::INTEGER, false, begin};
+    const Operand positive = require_integer(unary(SIGN_LEVEL));
+    m_code.emit(Operation::NEGATE, 0, 0);
+    return {Value_type::INTEGER, false, begin, bounds_after(Operation::NEGATE, positive.bounds)};
 }
 
 Operand Expression_parser::primary() {
@@ -234,7 +290,9 @@ Operand Expression_parser::number() {
     const Token number = m_cursor.token();
     m_code.emit_number(number.magnitude, false);
     m_cursor.advance();
-    return {Value_type::INTEGER, number.magnitude <= 1, number.source.data()};
+    const int64_t value =
+        number.magnitude > uint64_t{INT64_MAX} ? INT64_MAX : static_cast<int64_t>(number.magnitude);
+    return {Value_type::INTEGER, number.magnitude <= 1, number.source.data(), {value, value}};
 }
 
 Operand Expression_parser::in_parentheses() {
@@ -287,29 +345,32 @@ Operand Expression_parser::own_value() {
     const Value_type type = value_type(m_context.own_type);
     m_tables.own_type = 1 + static_cast<int>(type);
     m_code.emit_read(Operation::READ_OWN, 0);
-    return {type, false, nullptr};
+    return {type, false, nullptr, m_context.own_bounds};
 }
 
 Operand Expression_parser::function(Operation operation, Value_type takes) {
     const Nesting nesting(*this);
     m_cursor.expect(Token::OPEN, "\"(\"");
-    require_type(expression(), takes);
+    const Operand operand = expression();
+    require_type(operand, takes);
     m_cursor.expect(Token::CLOSE, "an operator or \")\"");
     m_code.emit(operation, 0, 0);
-    return {Value_type::INTEGER, false, nullptr};
+    return {Value_type::INTEGER, false, nullptr,
+            takes == Value_type::TEXT ? Value_bounds{0, static_cast<int64_t>(LONGEST_TEXT)}
+                                      : bounds_after(operation, operand.bounds)};
 }
 
 Operand Expression_parser::extreme(Operation operation) {
     const Nesting nesting(*this);
     m_cursor.expect(Token::OPEN, "\"(\"");
-    require_integer(expression());
+    Value_bounds bounds = require_integer(expression()).bounds;
     m_cursor.expect(Token::COMMA, "an operator or \",\"");
     do {
-        require_integer(expression());
+        bounds = bounds_after(operation, bounds, require_integer(expression()).bounds);
         m_code.emit(operation, 0, -1);
     } while (m_cursor.accept(Token::COMMA));
     m_cursor.expect(Token::CLOSE, "an operator, \",\" or \")\"");
-    return {Value_type::INTEGER, false, nullptr};
+    return {Value_type::INTEGER, false, nullptr, bounds};
 }
 
 Operand Expression_parser::has_option() {
@@ -331,7 +392,8 @@ Operand Expression_parser::has_option() {
                             m_tables.texts.end());
     m_tables.texts.resize(m_tables.texts.size() - REFERENCE_SIZE);
     m_code.emit_read(Operation::HAS_OPTION, option);
-    return {Value_type::INTEGER, true, nullptr};
+    m_warnings.option(part.source);
+    return {Value_type::INTEGER, true, nullptr, TRUTH_BOUNDS};
 }
 
 Operand Expression_parser::text() {
@@ -407,7 +469,12 @@ Operand Expression_parser::read_parameter() {
     const Value_type type = value_type(static_cast<RETURN_TYPE>(row[PARAMETER_TYPE]));
     m_code.emit_read(Operation::READ, number);
     m_cursor.advance();
-    return {type, false, begin};
+    const var_index_s key = m_tables.key(number);
+    const Parameter* const declared = m_context.parameters.find(key.var, key.index);
+    const Parameter any{};
+    const auto& [low, high] = std::pair(declared != nullptr ? declared->min : any.min,
+                                        declared != nullptr ? declared->max : any.max);
+    return {type, false, begin, {low, high}};
 }
 
 void Expression_parser::require_type(const Operand& operand, Value_type type) const {

@@ -12,6 +12,7 @@
 #include "language/parameter_references.h"
 #include "language/program.h"
 #include "language/token_cursor.h"
+#include "language/value_bounds.h"
 
 namespace frontpanel::binding_language {
 
@@ -20,6 +21,7 @@ struct Operand {
     Value_type type;
     bool is_truth;      // an integer that is 0 or 1
     const char* place;  // where it begins
+    Value_bounds bounds = {};  // of an integer
 };
 
 class Expression_parser {
@@ -36,8 +38,8 @@ public:
           m_warnings(warnings) {}
 
     // Parses from the token at hand up to the first that does not belong to the expression. Throws a
-    // `Compile_error` when it is wrong, or not of `type`.
-    void parse(Value_type type);
+    // `Compile_error` when it is wrong, or not of `type`. Returns the bounds of an integer.
+    Value_bounds parse(Value_type type);
 
 private:
     // How tightly operators bind, loosest first.
@@ -83,10 +85,13 @@ private:
     Operand in_parentheses();
     Operand combine(const Operand& left, const Binary_operator& with);
     Operand logic(const Operand& left, const Binary_operator& with);
+    Operand for_toggle(const Operand& operand) const;
+    void check_comparison(const Operand& left, const char* left_end, bool left_reads,
+                          const Operand& result);
     Operand comparison(const Operand& left, Operation operation, const char* place);
     Operand membership(const Operand& left);
     Operand set_membership(const Operand& left);
-    void set_element(const Operand& left, int& last_jump);
+    Value_bounds set_element(const Operand& left, int& last_jump);
     Operand word();
     Operand own_value();
     Operand has_option();

@@ -3,43 +3,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
-#include <limits>
 
 #include "language/list_format.h"
+#include "language/saturation.h"
 
 namespace frontpanel::binding_language {
 
 namespace {
-
-constexpr int64_t LEAST = std::numeric_limits<int64_t>::min();
-constexpr int64_t GREATEST = std::numeric_limits<int64_t>::max();
-
-// ---- exact 64-bit arithmetic that stops at the limits
-
-int64_t sum(int64_t left, int64_t right) {
-    int64_t result = 0;
-    return __builtin_add_overflow(left, right, &result) ? (right < 0 ? LEAST : GREATEST) : result;
-}
-
-int64_t difference(int64_t left, int64_t right) {
-    int64_t result = 0;
-    return __builtin_sub_overflow(left, right, &result) ? (right < 0 ? GREATEST : LEAST) : result;
-}
-
-int64_t product(int64_t left, int64_t right) {
-    int64_t result = 0;
-    const bool overflows = __builtin_mul_overflow(left, right, &result);
-    return overflows ? ((left < 0) == (right < 0) ? GREATEST : LEAST) : result;
-}
-
-// Division by -1 is the only one that overflows, and on many processors traps.
-int64_t quotient(int64_t left, int64_t right) {
-    return right == -1 ? difference(0, left) : left / right;
-}
-
-int64_t remainder(int64_t left, int64_t right) {
-    return right == -1 ? 0 : left % right;
-}
 
 bool is_between(int64_t number, int64_t one_end, int64_t other_end) {
     return one_end <= other_end ? one_end <= number && number <= other_end

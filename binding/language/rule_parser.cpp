@@ -62,6 +62,16 @@ void Rule_parser::parse() {
     } while (!m_cursor.is(Token::END) && m_errors.size() < MOST_ERRORS);
 }
 
+void Rule_parser::parse_condition() {
+    m_cursor.advance();
+    m_warnings.begin_rule();
+    begin_rule(*find_rule_kind(SUGGESTION_VISIBILITY));
+    condition();
+    if (!m_cursor.is(Token::END)) {
+        m_cursor.fail_expected("one condition; \"and\" and \"or\" join several");
+    }
+}
+
 void Rule_parser::rule_or_separator() {
     m_cursor.advance();
     const bool is_without_rules = m_tables.rules.empty() && m_errors.empty();
@@ -203,10 +213,12 @@ void Rule_parser::condition_of(const Rule_kind& kind) {
 void Rule_parser::condition() {
     const char* const begin = m_cursor.place();
     const std::size_t reads_before = m_code.reads();
-    segment(Value_type::INTEGER);
+    const Value_bounds bounds = segment(Value_type::INTEGER);
     end_rule("an operator or end of rule");
     if (m_code.reads() == reads_before) {
         m_warnings.warn_of(begin);
+    } else {
+        m_warnings.condition(begin, bounds);
     }
 }
 
@@ -220,10 +232,11 @@ void Rule_parser::end_rule(const char* expected) {
     row[RULE_OPERANDS] = static_cast<int>(m_tables.segments.size()) - 1 - row[RULE_FIRST_SEGMENT];
 }
 
-void Rule_parser::segment(Value_type type) {
+Value_bounds Rule_parser::segment(Value_type type) {
     m_code.begin_segment();
-    m_expressions.parse(type);
+    const Value_bounds bounds = m_expressions.parse(type);
     m_code.end_segment();
+    return bounds;
 }
 
 // An integer of the device has 32 bits: a plain number beyond them is an error. Returns a plain number.

@@ -33,11 +33,13 @@ public:
           m_cursor(source),
           m_code(tables, m_cursor),
           m_parameters(context.parameters, tables, m_cursor),
-          m_warnings(m_cursor, result.warnings),
+          m_warnings(m_cursor, result),
           m_expressions(context, tables, m_cursor, m_code, m_parameters, m_warnings) {}
 
     // After an error the tables hold nothing of use.
     void parse();
+    // A text that is one condition, as if "visible if" stood before it. Throws a `Compile_error`.
+    void parse_condition();
 
 private:
     void rule_or_separator();
@@ -53,7 +55,7 @@ private:
     void condition_of(const Rule_kind& kind);
     void condition();
     void end_rule(const char* expected);
-    void segment(Value_type type);
+    Value_bounds segment(Value_type type);
     std::optional<int32_t> integer_segment(int32_t least);
     Rule_note& note(Suggestion_kind kind);
     void note_rule(Suggestion_kind kind);

@@ -5,6 +5,7 @@
 #include <frontpanel_data/data_entry.h>
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,9 +35,15 @@ struct Built_menu {
         const Data_entry* target;
         const Link_entry* link;
     };
-    struct Display_expression {
-        Json_value place;
-        std::string text;
+
+    // A condition that is always or never true, and the copies of its rules that are made.
+    struct Constant {
+        Json_value rules;
+        size_t rule;
+        size_t number;
+        bool is_true;
+        std::string warning;  // with the place within the rules where that is none of the file
+        Place place;
     };
 
     Menu& menu;
@@ -47,8 +54,10 @@ struct Built_menu {
     std::vector<Name> names;     // that the display shows
     std::vector<Link> links;
     std::map<const Data_entry*, Place> rules;
-    std::vector<Display_expression> display_expressions;
-    bool has_toggles = false;
+    std::vector<Constant> constants;
+    std::vector<Place> condition_texts;  // of all rules, each time they are compiled
+    std::set<const Data_entry*> allowed_circles;  // items whose author knows of a circle of limits
+    std::set<const Data_entry*> conditional;  // items that are shown at times only
 };
 
 }  // namespace frontpanel

@@ -11,15 +11,14 @@ namespace frontpanel {
 // Warns of values and names that a line of the display has no room for at once: values without errors
 // only, since an item that is wrong has none.
 void check_line_widths(const Built_menu& built, const Problems& problems);
+// Warns of items with one name in one menu, unless each is shown at times only.
+void check_equal_names(const Built_menu& built);
 // Warns of items that are never shown, whatever the device does, and of what leads to them in vain.
 void check_reach(const Built_menu& built);
 // Reports rules that drive each other in a circle of writes, and warns of limits that follow each other in one.
 void check_circles(const Built_menu& built, Problems& problems);
-// Reports display expressions that would take the toggles' result away.
-void check_toggle_names(const Built_menu& built);
-// Warns of options that are patterns by accident. Without errors only: else the item that uses the option may be the
-// wrong one.
-void check_options(const Built_menu& built, Problems& problems);
+// Warns of conditions that bounds make always or never true, unless a copy of the same text is different.
+void check_constants(const Built_menu& built, Problems& problems);
 
 }  // namespace frontpanel
 

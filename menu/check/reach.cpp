@@ -63,13 +63,7 @@ private:
         const auto is_unknown = [&entry](const std::string& option) {
             return entry.isOptionStatic(option, false).isStatic < 0;
         };
-        const bool is_never =
-            !options.empty() && std::all_of(options.begin(), options.end(), is_unknown);
-        if (is_never) {
-            item.item.member(member::OPTIONS)
-                .warn("none of these options is declared, so this is never shown");
-        }
-        return is_never;
+        return !options.empty() && std::all_of(options.begin(), options.end(), is_unknown);
     }
 
     bool hides(const Data_entry* entry) const {

@@ -1,4 +1,5 @@
 #include "file/item_builder.h"
+#include "file/item_rules.h"
 #include "file/link_items.h"
 #include "file/toggle.h"
 
@@ -6,22 +7,20 @@ namespace frontpanel {
 namespace {
 
 void set_toggle(Load_context& context, const Json_value& source, Link_entry& link) {
-    context.built.has_toggles = true;
-    try {
-        const Toggle toggle =
-            translate_toggle(source.text(), [&context](const std::string& reference) {
-                return context.device.reference(reference);
-            });
-        if (toggle.parameters.empty() && !toggle.expression.empty()) {
-            source.warn("this toggle names no parameter, so it never changes");
-        }
-        for (const Parameter* const parameter : toggle.parameters) {
-            context.menu.watch(*parameter);
-        }
-        context.menu.make_homescreen_entry(link, toggle.expression);
-    } catch (const Toggle_error& error) {
-        throw Placed_error(source.place_in_text(error.offset()), error.what());
+    const std::string condition = source.text();
+    if (condition.find_first_not_of(' ') == std::string::npos) {
+        context.menu.make_homescreen_entry(link, "");
+        return;
     }
+    const Toggle_result toggle = compile_condition(context, source);
+    for (const Named_parameter& parameter : toggle.parameters) {
+        context.menu.bindings()->watch(parameter.key);
+    }
+    if (const auto error = toggle_error(toggle.expression)) {
+        source.fail(*error);
+    }
+    context.menu.make_homescreen_entry(link, toggle.expression);
+    context.menu.add_condition(link, condition);
 }
 
 void append(Data_entry& menu, Link_entry& link, Data_entry* last) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <frontpanel_base/nearest_name.h>
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
 #include "file/editor_items.h"
@@ -24,6 +25,7 @@ constexpr Common_member COMMON_MEMBERS[] = {
     {member::INDEX, false, true},     {member::VISIBLE, false, false},
     {member::SHORTCUT, false, false}, {member::OPTIONS, false, true},
     {member::BINDING, false, true},   {member::EDITOR, false, true},
+    {member::ALLOW_CIRCLE, false, true},
 };
 
 // The common members that the condition holds for, and those of the kind.
@@ -49,9 +51,6 @@ std::string checked_name(Load_context& context, const Json_value& item, const Sp
 // `place` is where an error is reported.
 const Parameter& expect_type(const Json_value& place, const Parameter* parameter,
                              const std::string& what, RETURN_TYPE type) {
-    if (parameter == nullptr) {
-        place.fail("the device has no parameter " + what);
-    }
     if (parameter->type != type) {
         place.fail("parameter " + what + " is of another type");
     }
@@ -70,10 +69,22 @@ const Parameter& parameter_of(const Load_context& context, const Json_value& ite
         }
     }
     const std::string text = name->text();
-    return expect_type(*name, context.device.parameter(text), "\"" + text + "\"", type);
+    const Parameter* const found = context.device.parameter(text);
+    if (found == nullptr) {
+        name->fail(context.problems.error_count() < Problems::MOST_LINES
+                       ? no_parameter(context.menu.parameters(), text)
+                       : "the device has no parameter \"" + text + "\"");
+    }
+    return expect_type(*name, found, "\"" + text + "\"", type);
 }
 
 }  // namespace
+
+std::string no_parameter(const Parameter_table& parameters, const std::string& name) {
+    Nearest_name nearest(name);
+    nearest.offer(parameters.closest(name));
+    return "the device has no parameter \"" + name + "\"" + nearest.hint();
+}
 
 const Entry_kind& kind_of_item(const Json_value& item) {
     std::vector<const Entry_kind*> kinds;
@@ -166,7 +177,12 @@ void set_properties(Load_context& context, const Json_value& item, Data_entry& e
         entry.setProductOptions(context.options.copy(item));
     }
     if (const auto options = item.find(member::OPTIONS)) {
+        context.built.conditional.insert(&entry);
         context.problems.attempt([&] { entry.setOrOptions(context.options.use(*options)); });
+    }
+    if (context.problems.value_or(
+            [&item] { return boolean_or(item, member::ALLOW_CIRCLE, false); }, false)) {
+        context.built.allowed_circles.insert(&entry);
     }
     if (const auto editor = item.find(member::EDITOR)) {
         context.problems.attempt(

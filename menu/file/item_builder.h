@@ -38,6 +38,8 @@ struct Leaf {
 
 // The kind that an item's "type" names.
 const Entry_kind& kind_of_item(const Json_value& item);
+// What an error says of a parameter name that nothing declares.
+std::string no_parameter(const Parameter_table& parameters, const std::string& name);
 // All members that an item of a kind may have: in a menu, or behind a bridge.
 std::vector<const char*> members_of(const Entry_kind& kind);
 std::vector<const char*> bridged_members_of(const Entry_kind& kind);

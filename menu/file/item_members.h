@@ -27,6 +27,7 @@ constexpr const char* SHORTCUT = "shortcut";
 constexpr const char* OPTIONS = "options";
 constexpr const char* BINDING = "binding";
 constexpr const char* EDITOR = "editor";
+constexpr const char* ALLOW_CIRCLE = "allow_circle";
 // Of some kinds: menu/entry_kinds.cpp lists which.
 constexpr const char* ITEMS = "items";
 constexpr const char* PARAMETER = "parameter";

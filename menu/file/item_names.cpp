@@ -1,5 +1,7 @@
 #include "file/item_names.h"
 
+#include <frontpanel_base/nearest_name.h>
+
 namespace frontpanel {
 
 void Item_names::add(const std::string& name, Data_entry* entry) {
@@ -15,12 +17,27 @@ bool Item_names::add_id(const std::string& id, Data_entry* entry) {
     return m_ids.emplace(id, entry).second;
 }
 
+std::string Item_names::hint(const std::string& unknown) const {
+    constexpr size_t MOST_HINTS = 200;  // of which the others are not shown
+    Nearest_name nearest(unknown);
+    if (m_hints++ >= MOST_HINTS) {
+        return "";
+    }
+    for (const auto& [id, entry] : m_ids) {
+        nearest.offer(id);
+    }
+    for (const auto& [path, named] : m_paths) {
+        nearest.offer(path);
+    }
+    return nearest.hint();
+}
+
 Data_entry& Item_names::find(const Json_value& reference) const {
     const std::string text = reference.text();
     const auto by_id = m_ids.find(text);
     const auto by_path = m_paths.find(text);
     if (by_id == m_ids.end() && by_path == m_paths.end()) {
-        reference.fail("there is no item \"" + text + "\"");
+        reference.fail("there is no item \"" + text + "\"" + hint(text));
     }
     if (by_id == m_ids.end() && by_path->second.is_ambiguous) {
         reference.fail("several items are \"" + text +

@@ -27,11 +27,14 @@ public:
     Data_entry& find(const Json_value& reference) const;
 
 private:
+    std::string hint(const std::string& unknown) const;
+
     struct Named {
         Data_entry* entry;
         bool is_ambiguous;
     };
 
+    mutable size_t m_hints = 0;  // that were looked for
     std::vector<std::string> m_menus;
     std::map<std::string, Named> m_paths;
     std::map<std::string, Data_entry*> m_ids;

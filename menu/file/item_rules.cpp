@@ -45,12 +45,29 @@ struct Rule_source {
     source.value.fail(error.text());
 }
 
-// Reported as errors are.
+// A place in rules, and the message there: see `fail_in`.
+struct Placed_message {
+    Place place;
+    std::string message;
+};
+
+Placed_message placed_in(const Rule_source& source, const Compile_error& warning) {
+    return source.stands_in_file
+               ? Placed_message{source.value.place_in_text(warning.column - 1), warning.message}
+               : Placed_message{source.value.place(), warning.text()};
+}
+
 void warn_in(const Rule_source& source, const Compile_error& warning, Problems& problems) {
+    const Placed_message placed = placed_in(source, warning);
+    problems.warn(placed.place, placed.message);
+}
+
+void warn_in(const Rule_source& source, size_t offset, const std::string& message,
+             Problems& problems) {
     if (source.stands_in_file) {
-        problems.warn(source.value.place_in_text(warning.column - 1), warning.message);
+        problems.warn(source.value.place_in_text(offset), message);
     } else {
-        source.value.warn(warning.text());
+        source.value.warn(place_within(source.text, offset) + message);
     }
 }
 
@@ -136,6 +153,39 @@ void check_written_value(const Load_context& context, const Rule_source& source,
     }
 }
 
+// Limits of an entry's own value are for rules of ranges and keys, which the user sees.
+void warn_of_own_target(const Rule_source& source, const Rule_note& note, const Data_entry& entry,
+                        Problems& problems) {
+    const bool is_own = entry.Get_index() != nullptr && note.written.var == entry.Get_pid() &&
+                        varidx_of(note.written.index) == varidx_of(*entry.Get_index());
+    if (is_own) {
+        warn_in(source, note.offset, "this rule sets the parameter of its own item", problems);
+    }
+}
+
+// A product that has an option brings it, or the file declares it with 0.
+void warn_of_options(const Load_context& context, const Rule_source& source,
+                     const std::vector<Named_option>& options) {
+    const Option_names& names = context.options.names();
+    for (const Named_option& option : options) {
+        if (!names.knows(option.name)) {
+            warn_in(source, option.offset,
+                    "no product option \"" + option.name + "\" is declared" +
+                        names.hint(option.name),
+                    context.problems);
+        }
+    }
+}
+
+std::pair<int32_t, int32_t> own_bounds_of(const Load_context& context, const Data_entry& entry) {
+    const Parameter any{};
+    const Parameter* const own =
+        entry.Get_index() == nullptr
+            ? nullptr
+            : context.menu.parameters().find(entry.Get_pid(), *entry.Get_index());
+    return own == nullptr ? std::pair(any.min, any.max) : std::pair(own->min, own->max);
+}
+
 // What a rule asks for in vain, or what nobody can give it.
 void check_rule(const Load_context& context, const Rule_source& source, const Rule_note& note,
                 const Data_entry& entry, std::optional<Bounds> bounds) {
@@ -150,6 +200,7 @@ void check_rule(const Load_context& context, const Rule_source& source, const Ru
     }
     if (note.kind == SUGGESTION_SET) {
         check_written_value(context, source, note);
+        warn_of_own_target(source, note, entry, context.problems);
     } else if (bounds && note.numbers) {
         check_interval(source, note, *bounds);
     }
@@ -158,18 +209,28 @@ void check_rule(const Load_context& context, const Rule_source& source, const Ru
 // Where the rules stand, for what is reported of them while the menu is used: the document is gone by then.
 Rule_places places_of(Load_context& context, const Rule_source& source,
                       const std::vector<size_t>& offsets) {
-    const Place& start = source.value.place();
-    std::shared_ptr<const std::string>& name = context.file_names[start.source];
+    const Place& whole = source.value.place();
+    std::shared_ptr<const std::string>& name = context.file_names[whole.source];
     if (name == nullptr) {
-        name = std::make_shared<const std::string>(start.source->name);
+        name = std::make_shared<const std::string>(whole.source->name);
     }
     Rule_places places{name, {}, source.stands_in_file};
     places.rules.reserve(offsets.size());
     for (const size_t offset : offsets) {
-        const Place place = places.is_exact ? source.value.place_in_text(offset) : start;
+        const Place place = places.is_exact ? source.value.place_in_text(offset) : whole;
         places.rules.push_back({place.line, place.column});
     }
     return places;
+}
+
+void note_constants(Built_menu& built, const Rule_source& source,
+                    const std::vector<Constant_condition>& constants) {
+    built.condition_texts.push_back(source.value.place());
+    for (const Constant_condition& constant : constants) {
+        const Placed_message placed = placed_in(source, constant.warning);
+        built.constants.push_back({source.value, constant.rule, constant.number, constant.is_true,
+                                   placed.message, placed.place});
+    }
 }
 
 }  // namespace
@@ -183,8 +244,8 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
     }
     context.problems.attempt([&] {
         const Rule_source source(*written);
-        const Compile_result compiled =
-            context.menu.bindings()->compile(source.text, entry.Get_return_type_int_or_string());
+        const Compile_result compiled = context.menu.bindings()->compile(
+            source.text, entry.Get_return_type_int_or_string(), own_bounds_of(context, entry));
         context.work.take(written->place(), Work_budget::RULES_COST + compiled.parameters.size());
         if (!compiled.ok()) {
             report_in(context, source, compiled.errors);
@@ -193,6 +254,8 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
         for (const Compile_error& warning : compiled.warnings) {
             warn_in(source, warning, context.problems);
         }
+        warn_of_options(context, source, compiled.options);
+        note_constants(context.built, source, compiled.constants);
         auto binding = std::make_unique<Expression_binding>(context.menu.bindings());
         binding->addBindingList(compiled.list);
         binding->set_rule_places(places_of(context, source, compiled.rule_offsets));
@@ -205,9 +268,32 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
             context.problems.attempt([&] { check_rule_parameter(context, source, parameter); });
         }
         for (const Rule_note& note : compiled.notes) {
+            if (note.kind == SUGGESTION_VISIBILITY) {
+                context.built.conditional.insert(&entry);
+            }
             context.problems.attempt([&] { check_rule(context, source, note, entry, bounds); });
         }
     });
+}
+
+Toggle_result compile_condition(Load_context& context, const Json_value& written) {
+    const Rule_source source(written);
+    Toggle_result toggle = context.menu.bindings()->compile_toggle(written.text());
+    if (toggle.error) {
+        if (!toggle.error->unknown_name.empty()) {
+            (void)context.device.parameter(toggle.error->unknown_name);
+        }
+        fail_in(source, *toggle.error);
+    }
+    for (const Compile_error& warning : toggle.warnings) {
+        warn_in(source, warning, context.problems);
+    }
+    warn_of_options(context, source, toggle.options);
+    note_constants(context.built, source, toggle.constants);
+    for (const Named_parameter& parameter : toggle.parameters) {
+        check_rule_parameter(context, source, parameter);
+    }
+    return toggle;
 }
 
 }  // namespace frontpanel

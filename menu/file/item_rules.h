@@ -21,6 +21,9 @@ struct Bounds {
 void bind(Load_context& context, const Json_value& item, Data_entry& entry,
           std::optional<Bounds> bounds = std::nullopt);
 
+// Translates the condition of a homescreen link. Throws Placed_error at what is wrong with it.
+Toggle_result compile_condition(Load_context& context, const Json_value& source);
+
 }  // namespace frontpanel
 
 #endif

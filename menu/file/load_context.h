@@ -31,7 +31,7 @@ struct Load_context {
           device(menu.parameters(), problems, loading),
           work(problems),
           options(problems, work),
-          built{menu, options, loading.columns, {}, {}, {}, {}, {}, {}} {}
+          built{menu, options, loading.columns, {}, {}, {}, {}, {}, {}, {}, {}, {}} {}
 
     // The menu that items join now; null outside of menus.
     Built_menu::Submenu* open_menu() {

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include <frontpanel_base/json_value.h>
+#include <frontpanel_base/nearest_name.h>
 #include "file/placeholder.h"
 
 namespace frontpanel {
@@ -349,11 +350,17 @@ void Menu_document::repeat(const Json_node& node, const Scope& scope) {
     if (!inner.values.emplace(counter, Json_node()).second) {
         value.member("counter").fail("\"" + counter + "\" is already in use here");
     }
+    bool is_named = false;
+    inner.named[counter] = &is_named;
     for (int64_t i = from; i <= to; ++i) {
         count(node.place(), COPY_COST + inner.values.size());
         inner.values[counter] = Json_node::of_integer(i, node.place());
         set_copy(inner);
         expand_element(once, inner);
+    }
+    if (!is_named && to > from) {
+        value.member("counter").warn("nothing that is repeated names \"{" + counter +
+                                     "}\", so that all copies are the same");
     }
 }
 
@@ -364,7 +371,11 @@ void Menu_document::use_template(const Json_node& node, const Scope& scope) {
     const std::string title = replaced(name, scope, false);
     const auto found = m_templates.find(title);
     if (found == m_templates.end()) {
-        throw Placed_error(name.place(), "there is no template \"" + title + "\"");
+        Nearest_name nearest(title);
+        for (const auto& [known, written] : m_templates) {
+            nearest.offer(known);
+        }
+        throw Placed_error(name.place(), "there is no template \"" + title + "\"" + nearest.hint());
     }
     found->second.is_used = true;
     if (found->second.content == nullptr) {
@@ -435,6 +446,10 @@ std::string Menu_document::replaced(const Json_node& text, const Scope& scope, b
     while (const auto found = find_placeholder(written, done)) {
         result.append(written, done, found->begin - done);
         const auto value = scope.values.find(found->name);
+        const auto named = scope.named.find(found->name);
+        if (named != scope.named.end()) {
+            *named->second = true;
+        }
         if (value == scope.values.end() && !is_rule) {
             throw Placed_error(place, "\"{" + found->name + "}\" is unknown here");
         }

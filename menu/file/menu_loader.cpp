@@ -10,6 +10,22 @@
 namespace frontpanel {
 namespace {
 
+// What the products of the file may bring, whether they are simulated or not.
+void expect_options_of_products(Load_context& context, const Json_value& file) {
+    const auto device = file.find("device");
+    if (!device || !device->is_object()) {
+        return;
+    }
+    for (const Json_value& product : list_or_none(*device, "products")) {
+        const auto options = product.is_object() ? product.find("options") : std::nullopt;
+        if (options && options->is_object()) {
+            for (const Json_value::Member& option : options->members()) {
+                context.options.expect(option.name);
+            }
+        }
+    }
+}
+
 // Before the items, whose options they are.
 void declare_options(Load_context& context, const Json_value& file) {
     if (const auto options = file.find("options")) {
@@ -20,10 +36,15 @@ void declare_options(Load_context& context, const Json_value& file) {
             context.options.declare(options);
         }
     }
+    context.problems.attempt([&] { expect_options_of_products(context, file); });
     for (const auto& [name, value] : context.loading.product_options) {
         context.options.declare(name, value);
     }
-    context.menu.bindings()->set_product_options(context.options.values());
+    context.menu.bindings()->set_product_options(
+        context.options.library_values(),
+        [names = context.options.names()](const std::string& name) {
+            return names.library_name(name);
+        });
 }
 
 void load_root(Load_context& context, const Json_value& menu) {
@@ -33,12 +54,10 @@ void load_root(Load_context& context, const Json_value& menu) {
 
 void check(const Built_menu& built, Problems& problems) {
     check_line_widths(built, problems);
-    check_toggle_names(built);
+    check_equal_names(built);
     check_circles(built, problems);
     check_reach(built);
-    if (problems.error_count() == 0) {
-        check_options(built, problems);
-    }
+    check_constants(built, problems);
 }
 
 void load(Load_context& context, const Json_value& file) {

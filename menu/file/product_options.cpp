@@ -30,28 +30,48 @@ void Product_options::declare(const Json_value::Member& option) {
                                              std::to_string(LONGEST_NAME) +
                                              " printable ASCII characters");
     }
+    if (name.find(Option_names::NUMBER) != std::string::npos && !Option_names::is_pattern(name)) {
+        throw Placed_error(option.place,
+                           "\"{n}\", which stands for a number, ends the name of an option");
+    }
     declare(name, static_cast<unsigned int>(option.value.integer(0, HIGHEST)));
-    m_places.emplace(name, option.place);
 }
 
 void Product_options::declare(const std::string& name, unsigned int value) {
     m_values[name] = std::max(m_values[name], value);
+    m_names.declare(name);
+    m_library_values.clear();
+}
+
+std::map<std::string, unsigned int> Product_options::library_values() const {
+    if (m_library_values.empty()) {
+        for (const auto& [name, value] : m_values) {
+            m_library_values[m_names.library_name(name)] = value;
+        }
+    }
+    return m_library_values;
 }
 
 std::vector<std::string> Product_options::use(const Json_value& list) {
     std::vector<std::string> names;
-    for (const Json_value& item : list.items()) {
-        m_problems.attempt([&] { names.push_back(item.text_of_length(1, LONGEST_TEXT)); });
+    const std::vector<Json_value> items = list.items();
+    m_work.take_comparisons(list.place(), items.size() * m_values.size());
+    for (const Json_value& item : items) {
+        m_problems.attempt([&] {
+            const std::string name = item.text_of_length(1, LONGEST_TEXT);
+            if (!m_names.knows(name)) {
+                item.warn("no product option \"" + name + "\" is declared" + m_names.hint(name));
+            }
+            names.push_back(m_names.library_name(name));
+        });
     }
-    m_used.insert(names.begin(), names.end());
-    m_work.take_comparisons(list.place(), names.size() * m_values.size());
     return names;
 }
 
 std::map<std::string, unsigned int> Product_options::copy(const Json_value& item, size_t tests) {
     constexpr size_t COPY_COST = 8;  // of an option, in comparisons
     m_work.take_comparisons(item.place(), (COPY_COST + tests) * m_values.size());
-    return m_values;
+    return library_values();
 }
 
 }  // namespace frontpanel

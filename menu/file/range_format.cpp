@@ -1,5 +1,6 @@
 #include "file/range_format.h"
 
+#include <algorithm>
 #include <cctype>
 #include <vector>
 
@@ -73,28 +74,52 @@ std::vector<std::string> conversions_of(const std::string& text) {
     return conversions;
 }
 
+// "%" alone, or before a blank: a per cent sign, mostly.
+std::string per_cent_hint(const std::vector<std::string>& conversions) {
+    const bool is_meant =
+        std::any_of(conversions.begin(), conversions.end(), [](const std::string& conversion) {
+            return conversion.size() == 1 || conversion[1] == ' ';
+        });
+    return is_meant ? "; a per cent sign is written %%" : "";
+}
+
 std::optional<std::string> number_error(const std::string& format, const std::string& number) {
     const std::vector<std::string> conversions = conversions_of(number);
     if (conversions.empty()) {
         return std::nullopt;
     }
     if (conversions.size() > 1) {
-        return "more than one conversion in \"" + number + "\"";
+        return "more than one conversion in \"" + number + "\"" + per_cent_hint(conversions);
     }
     const bool whole =
         contains(format, "%d") || contains(format, "%02x") || contains(number, "%02X");
     const std::string fitting = whole ? INTEGER_CONVERSIONS : DOUBLE_CONVERSIONS;
     if (fitting.find(conversions[0].back()) == std::string::npos) {
         return "conversion \"" + conversions[0] + "\" is not one of " +
-               (whole ? "%d, %02x, %02X" : "%d, %02x, %02X, %f, %e, %g");
+               (whole ? "%d, %02x, %02X" : "%d, %02x, %02X, %f, %e, %g") +
+               per_cent_hint(conversions);
     }
     return std::nullopt;
+}
+
+// Behind the rows of the table.
+size_t start_of_number(const std::string& format) {
+    return has_table(format) ? format.rfind(',') + 1 : 0;
 }
 
 }  // namespace
 
 std::string untruncated(const std::string& format) {
     return format.empty() || has_table(format) ? format : ":," + format;
+}
+
+std::string whole_conversion(const std::string& format) {
+    const std::vector<std::string> conversions =
+        conversions_of(format.substr(start_of_number(format)));
+    const bool is_whole =
+        !conversions.empty() &&
+        std::string(INTEGER_CONVERSIONS).find(conversions[0].back()) != std::string::npos;
+    return is_whole ? conversions[0] : "";
 }
 
 std::optional<std::string> range_format_error(const std::string& format) {

@@ -15,6 +15,9 @@ std::optional<std::string> range_format_error(const std::string& format);
 // The format as the library takes it. It cuts a number to 14 characters unless the format has a table: here it has one, of
 // a row that is no number's.
 std::string untruncated(const std::string& format);
+// The conversion to a whole number behind the table, such as "%d"; empty when the format has none. Requires: the format
+// has no error.
+std::string whole_conversion(const std::string& format);
 
 }  // namespace frontpanel
 

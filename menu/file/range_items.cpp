@@ -1,9 +1,9 @@
-#include <frontpanel_data/evaluator.h>
-
 #include <algorithm>
 #include <limits>
 
 #include "file/builders.h"
+#include "file/display_expression.h"
+#include "file/editor_items.h"
 #include "file/item_builder.h"
 #include "file/item_rules.h"
 #include "file/range_format.h"
@@ -27,23 +27,32 @@ std::string format_of(const Json_value& item) {
     return format->text();
 }
 
-// Whether the library can convert this raw value with the expression.
-bool converts(const std::string& expression, int raw_value) {
-    std::string source = "v=" + std::to_string(raw_value) + ";\nv=" + expression + ";\n";
-    return evaluateExpression(source.data()) == 0;
-}
-
-// An expression may have no value for one number, as in a division, but must have it for some.
 std::string value_format_of(const Json_value& item, int min, int max) {
     const std::optional<Json_value> expression = item.find(member::VALUE_FORMAT);
     if (!expression) {
         return item.find(member::FORMAT) ? "v" : "";
     }
     std::string text = expression->text();
-    if (!text.empty() && !converts(text, min) && !converts(text, max)) {
-        expression->fail("not an expression in v");
+    if (const auto error = display_expression_error(text, min, max)) {
+        throw Placed_error(expression->place_in_text(error->offset), error->message);
+    }
+    if (!text.empty() && !names_value(text)) {
+        expression->warn("the expression does not name v, so that every value shows the same");
     }
     return text;
+}
+
+// A whole number in the format cuts the decimals of the expression.
+void check_decimals(const Json_value& item, const std::string& format,
+                    const std::string& value_format, Bounds bounds) {
+    const std::string conversion = whole_conversion(format);
+    const std::optional<Json_value> expression = item.find(member::VALUE_FORMAT);
+    if (!conversion.empty() && expression && has_decimals(value_format, bounds.min, bounds.max)) {
+        item.find(member::FORMAT)
+            .value_or(*expression)
+            .warn("\"" + conversion + "\" hides the decimals of \"" + value_format +
+                  "\": %.1f shows them, %.0f rounds");
+    }
 }
 
 std::vector<range_s> ranges_of(Load_context& context, const Json_value& list, int min, int max) {
@@ -76,7 +85,7 @@ void set_ranges(Load_context& context, const Json_value& item, Range_entry& entr
     }
 }
 
-// "min" and "max" of an item, or those of its parameter.
+// "min" and "max" of an item, or those of its parameter, which hold what the device takes.
 Bounds bounds_of(Load_context& context, const Json_value& item, const Parameter& parameter) {
     const auto bound = [&](const char* name, int64_t min, int otherwise) {
         return context.problems.value_or(
@@ -91,12 +100,39 @@ Bounds bounds_of(Load_context& context, const Json_value& item, const Parameter&
     return {min, max};
 }
 
+void check_bound(const Json_value& item, const char* name, int bound, const Parameter& parameter) {
+    const auto written = item.find(name);
+    if (written && (bound < parameter.min || bound > parameter.max)) {
+        written->report("the parameter holds " + std::to_string(parameter.min) + " to " +
+                        std::to_string(parameter.max) + ", not " + std::to_string(bound));
+    }
+}
+
+// The step of an editor is known once the item is finished.
+void check_step(Load_context& context, const Json_value& item, const Data_entry& entry,
+                Bounds bounds) {
+    const auto editor = item.find(member::EDITOR);
+    const auto step = editor && editor->is_object() ? editor->find(editor_member::STEP) : editor;
+    const auto settings = context.menu.editor_settings().find(&entry);
+    if (!editor || !step || settings == context.menu.editor_settings().end()) {
+        return;
+    }
+    const int64_t width = int64_t{bounds.max} - bounds.min;
+    if (settings->second.step > width && width > 0) {
+        step->warn("a step of " + std::to_string(settings->second.step) +
+                   " is larger than the whole range, " + std::to_string(bounds.min) + " to " +
+                   std::to_string(bounds.max));
+    }
+}
+
 }  // namespace
 
 void build_range(Load_context& context, const Json_value& item, const Spot& spot) {
     Problems& problems = context.problems;
     const Leaf leaf = leaf_of(context, item, spot, INTEGER);
     const auto [min, max] = bounds_of(context, item, leaf.parameter.value_or(Parameter{}));
+    check_bound(item, member::MIN, min, leaf.parameter.value_or(Parameter{}));
+    check_bound(item, member::MAX, max, leaf.parameter.value_or(Parameter{}));
     const int start = problems.value_or(
         [&, low = min, high = max] {
             return integer_or(item, member::DEFAULT, low, high, std::clamp(0, low, high));
@@ -106,15 +142,14 @@ void build_range(Load_context& context, const Json_value& item, const Spot& spot
         untruncated(problems.value_or([&] { return format_of(item); }, std::string()));
     std::string value_format = problems.value_or(
         [&, low = min, high = max] { return value_format_of(item, low, high); }, std::string());
-    if (const auto expression = item.find(member::VALUE_FORMAT)) {
-        context.built.display_expressions.push_back({*expression, value_format});
-    }
     Range_entry& range = context.menu.add(std::make_unique<Range_entry>(
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), min,
         max, start, format.data(), value_format.data(), spot.parent, leaf.access, leaf.visible,
         true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
     const Bounds bounds{min, max};
+    check_decimals(item, format, value_format, bounds);
     finish(context, item, range, spot);
+    check_step(context, item, range, bounds);
     problems.attempt([&] { set_ranges(context, item, range, bounds); });
     if (item.find(member::BINDING)) {
         context.menu.keep_own_ranges(range);  // before its rules narrow them

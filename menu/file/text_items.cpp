@@ -1,3 +1,4 @@
+#include <frontpanel_editors/time_editor.h>
 #include <frontpanel_menu/entry_access.h>
 #include "file/builders.h"
 #include "file/item_builder.h"
@@ -23,6 +24,24 @@ void add_text(Load_context& context, const Json_value& item, const Spot& spot, c
     bind(context, item, entry);
 }
 
+// The simulated device's start value, which the item's editor is for.
+void check_start(const Load_context& context, const Leaf& leaf, bool (*is_fitting)(const char*),
+                 const std::string& expected) {
+    const Json_value* const start =
+        leaf.parameter ? context.device.start_text(*leaf.parameter) : nullptr;
+    if (start != nullptr && !is_fitting(start->text().c_str())) {
+        start->warn("item \"" + leaf.name + "\" shows this value: expected " + expected);
+    }
+}
+
+bool is_address(const char* text) {
+    return Ip_entry::Valid_ip(text);
+}
+
+bool is_time_text(const char* text) {
+    return is_time(text);
+}
+
 }  // namespace
 
 void build_text(Load_context& context, const Json_value& item, const Spot& spot) {
@@ -41,11 +60,14 @@ void build_address(Load_context& context, const Json_value& item, const Spot& sp
                                      std::to_string(LONGEST_ADDRESS) +
                                      " characters for an address");
     }
+    check_start(context, leaf, is_address, "an address such as 192.168.0.1");
     add_text<Ip_entry>(context, item, spot, leaf);
 }
 
 void build_time(Load_context& context, const Json_value& item, const Spot& spot) {
     const Leaf leaf = leaf_of(context, item, spot, STRING);
+    check_start(context, leaf, is_time_text,
+                "a time such as 12:30, 12:30:05, 2024-05-01 or 2024-05-01 12:30:05");
     add_text<Time_entry>(context, item, spot, leaf, length_of(leaf));
 }
 

@@ -1,11 +1,15 @@
 #include <frontpanel_menu/explain.h>
 
 #include <algorithm>
+#include <cstring>
+#include <set>
 #include <sstream>
 
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/menu_dump.h>
+#include "file/option_names.h"
 #include "menu_tree.h"
+#include "reports/entry_report.h"
 
 namespace frontpanel {
 namespace {
@@ -38,7 +42,7 @@ int instance_of(Data_entry& entry) {
 
 std::string option_line(Data_entry& entry, const std::string& option) {
     const is_static_value_s found = entry.isOptionStatic(option, false);
-    const std::string start = "option \"" + option + "\": ";
+    const std::string start = "option \"" + Option_names::file_name(option) + "\": ";
     if (found.realValue == 0) {
         return start +
                (found.isStatic < 0 ? "unknown to the product: " : "the product has none: ") +
@@ -61,40 +65,26 @@ std::string options_of(Data_entry& entry) {
     return text;
 }
 
-std::string toggle_of(Link_entry& link) {
+std::string toggle_of(Menu& menu, Link_entry& link) {
     if (!link.isHomescreenEntry()) {
         return "";
     }
-    const std::string expression = link.GetToggleExpression();
-    std::string text = "toggle: " + (expression.empty() ? "none" : expression) + "\n";
-    for (size_t from = expression.find('['); from != std::string::npos;
-         from = expression.find('[', from + 1)) {
-        const size_t to = std::min(expression.find(']', from), expression.size());
-        const std::string name = expression.substr(from + 1, to - from - 1);
-        int32_t value = 0;
-        link.GetGetRequest(name, &value, sizeof value);
-        text += INDENT + ("[" + name + "] is " + std::to_string(value)) + "\n";
+    const std::string condition = menu.condition_of(link);
+    std::string text = "toggle: " + (condition.empty() ? "none" : condition) + "\n";
+    std::set<std::string> seen;
+    for (size_t from = condition.find('['); from != std::string::npos;
+         from = condition.find('[', from + 1)) {
+        const size_t to = std::min(condition.find(']', from), condition.size());
+        const std::string name = condition.substr(from + 1, to - from - 1);
+        const Parameter* const parameter = menu.parameters().find_reference(name);
+        const auto value =
+            parameter == nullptr ? std::nullopt : menu.bindings()->value(parameter->key());
+        if (seen.insert(name).second) {
+            text += INDENT + ("[" + name + "] is ") +
+                    (value ? std::to_string(value->i) : "unreadable") + "\n";
+        }
     }
     return text + INDENT + (link.CheckToggleState() != 0 ? "on" : "off") + "\n";
-}
-
-std::string access_of(const Data_entry& entry) {
-    switch (entry.Get_access_type()) {
-        case Data_entry::READ_ONLY:
-            return "access: read-only\n";
-        case Data_entry::WRITE_ONLY:
-            return "access: write-only\n";
-        default:
-            return "";
-    }
-}
-
-// What the report of an entry of numbers or options has behind its name.
-std::string values_of(Data_entry& entry) {
-    constexpr int NAME_ONLY = 0x8;
-    const std::string report = entry.getProperties(NAME_ONLY);
-    const size_t start = std::string(entry.Get_name()).size() + 1;
-    return report.size() > start ? "allowed: " + report.substr(start) + "\n" : "";
 }
 
 std::string rules_of(Menu& menu, const Data_entry& entry) {
@@ -102,32 +92,35 @@ std::string rules_of(Menu& menu, const Data_entry& entry) {
     if (!explanation || explanation->rules.empty()) {
         return "";
     }
-    const std::string text = explanation->text();
+    constexpr const char* NEWS = " (new)";  // concerns the library, not the author of the menu
+    std::string text = explanation->text();
+    for (size_t at = text.find(NEWS); at != std::string::npos; at = text.find(NEWS)) {
+        text.erase(at, std::strlen(NEWS));
+    }
     return "rules:\n" + text.substr(text.find('\n') + 1);  // the entry's name is known
 }
 
+std::string line_of(const char* title, const std::string& text) {
+    return text.empty() ? "" : title + text + "\n";
+}
+
 std::string reasons_of(Menu& menu, Data_entry& entry) {
-    std::string text = entry.Get_visible() < 0 ? "the menu file hides it\n" : "";
-    text += options_of(entry) + rules_of(menu, entry);
+    std::string text = options_of(entry) + rules_of(menu, entry);
     if (!is_menu(entry)) {
-        text += access_of(entry) + values_of(entry);
+        text += line_of("access: ", access_of(entry)) + line_of("allowed: ", allowed_of(entry));
     }
     return text;
 }
 
 std::string explanation_of(Menu& menu, Data_entry& entry, const std::string& path) {
-    const bool is_shown = entry.isVisible(true, &menu.access()) >= 0;
-    std::string text = path + ": " + (is_shown ? "shown" : "hidden") + "\n";
+    const std::string hidden = hidden_because(menu, entry);
+    std::string text = path + ": " + (hidden.empty() ? "shown" : "hidden: " + hidden) + "\n";
     if (Link_entry* const link = link_of(entry)) {
-        text += indented(toggle_of(*link));
+        text += indented(toggle_of(menu, *link));
         const std::string name = std::string("links to ") + housed(entry).Get_name();
         return text + indented(explanation_of(menu, housed(entry), name));
     }
-    const std::string reasons = reasons_of(menu, entry);
-    if (is_menu(entry) && !is_shown && reasons.empty()) {
-        return text + indented("none of its entries is shown\n");
-    }
-    return text + indented(reasons);
+    return text + indented(reasons_of(menu, entry));
 }
 
 }  // namespace

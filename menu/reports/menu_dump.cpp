@@ -1,9 +1,119 @@
 #include <frontpanel_menu/menu_dump.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <vector>
+
 #include <frontpanel_menu/entry_access.h>
 #include "menu_tree.h"
+#include "reports/entry_report.h"
 
 namespace frontpanel {
+namespace {
+
+constexpr int VALUE_COLUMNS = 80;
+
+struct Row {
+    int depth;
+    std::string path;
+    std::string name;
+    std::string type;
+    std::string parameter;
+    std::string value;
+    std::string hidden_because;
+    std::string access;
+    std::string allowed;
+    int shortcut;
+};
+
+std::string value_of(Data_entry& entry) {
+    std::string value = display_value(entry, VALUE_COLUMNS).value_or("---");
+    const size_t end = value.find_last_not_of(' ');
+    return value.substr(0, end == std::string::npos ? 0 : end + 1);
+}
+
+Row row_of(Menu& menu, const Placed_entry& placed) {
+    Data_entry& entry = *placed.entry;
+    Data_entry& shown = housed(entry);
+    return {placed.depth,
+            placed.path,
+            entry.Get_name(),
+            type_of(entry),
+            parameter_of(shown),
+            is_menu(entry) ? "" : value_of(entry),
+            hidden_because(menu, entry),
+            is_menu(shown) ? "" : access_of(shown),
+            allowed_of(shown),
+            entry.Get_shortcut()};
+}
+
+std::vector<Row> rows_of(Menu& menu) {
+    std::vector<Row> rows;
+    for (const Placed_entry& placed : entries_of(menu)) {
+        rows.push_back(row_of(menu, placed));
+    }
+    return rows;
+}
+
+// What stands behind the value, in the order of importance.
+std::string notes_of(const Row& row) {
+    std::string notes;
+    const auto add = [&notes](const std::string& note) {
+        notes += note.empty() ? "" : (notes.empty() ? "" : "; ") + note;
+    };
+    add(row.hidden_because.empty() ? "" : "hidden: " + row.hidden_because);
+    add(row.access);
+    add(row.allowed.empty() ? "" : "allowed " + row.allowed);
+    add(row.shortcut > 0 ? "button " + std::to_string(row.shortcut) : "");
+    return notes;
+}
+
+using Columns = std::array<std::string, 5>;
+
+Columns columns_of(const Row& row) {
+    return {std::string(2 * static_cast<size_t>(row.depth), ' ') + row.name, row.type,
+            row.parameter, row.value, notes_of(row)};
+}
+
+// JSON is UTF-8, and a text of the device ISO-8859-1: other bytes than ASCII stand as escapes.
+std::string quoted(const std::string& text) {
+    std::string result = "\"";
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '"' || character == '\\') {
+            result += '\\';
+            result += character;
+        } else if (byte >= ' ' && byte <= '~') {
+            result += character;
+        } else {
+            std::array<char, 8> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\u%04x", byte);
+            result += escape.data();
+        }
+    }
+    return result + "\"";
+}
+
+std::string quoted_or_null(const std::string& text) {
+    return text.empty() ? "null" : quoted(text);
+}
+
+std::string json_of(const Row& row) {
+    const std::string access = row.access.empty() ? "read-write" : row.access;
+    const bool is_editable = !row.parameter.empty();
+    return R"({"path": )" + quoted(row.path) + R"(, "name": )" + quoted(row.name) +
+           R"(, "depth": )" + std::to_string(row.depth) + R"(, "type": )" + quoted(row.type) +
+           R"(, "parameter": )" + quoted_or_null(row.parameter) + R"(, "value": )" +
+           (is_editable ? quoted(row.value) : "null") + R"(, "access": )" +
+           (is_editable ? quoted(access) : "null") + R"(, "allowed": )" +
+           quoted_or_null(row.allowed) + R"(, "shortcut": )" +
+           (row.shortcut > 0 ? std::to_string(row.shortcut) : "null") + R"(, "shown": )" +
+           (row.hidden_because.empty() ? "true" : "false") + R"(, "hidden": )" +
+           quoted_or_null(row.hidden_because) + "}";
+}
+
+}  // namespace
 
 void refresh_all(Menu& menu) {
     menu.bindings()->poll();
@@ -16,13 +126,38 @@ void refresh_all(Menu& menu) {
 }
 
 std::string dump_of(Menu& menu) {
-    constexpr int REPORT = 4;
+    std::vector<Columns> table{{"entry", "type", "parameter", "value", "state"}};
+    for (const Row& row : rows_of(menu)) {
+        table.push_back(columns_of(row));
+    }
+    std::array<size_t, 4> width{};
+    for (const Columns& line : table) {
+        for (size_t column = 0; column < width.size(); ++column) {
+            width[column] = std::max(width[column], line[column].size());
+        }
+    }
     std::string text;
-    for (const Placed_entry& placed : entries_of(menu)) {
-        text += std::string(static_cast<size_t>(placed.depth), '\t') +
-                placed.entry->getProperties(REPORT) + "\n";
+    for (const Columns& line : table) {
+        std::string written;
+        for (size_t column = 0; column < line.size(); ++column) {
+            written += line[column];
+            if (column < width.size()) {
+                written.append(width[column] - line[column].size() + 2, ' ');
+            }
+        }
+        text += written.substr(0, written.find_last_not_of(' ') + 1) + "\n";
     }
     return text;
+}
+
+std::string json_dump_of(Menu& menu) {
+    std::string text = "{\"version\": 1, \"entries\": [";
+    const char* separator = "\n";
+    for (const Row& row : rows_of(menu)) {
+        text += separator + json_of(row);
+        separator = ",\n";
+    }
+    return text + "\n]}\n";
 }
 
 }  // namespace frontpanel

@@ -41,7 +41,7 @@ bool has_parameter(const Data_entry& entry) {
 
 class Graph {
 public:
-    explicit Graph(Menu& menu) : m_entries(entries_of(menu)) {
+    explicit Graph(Menu& menu) : m_menu(menu), m_entries(entries_of(menu)) {
         for (const Placed_entry& placed : m_entries) {
             add_entry(*placed.entry);
         }
@@ -75,7 +75,9 @@ private:
             label.insert(label.size() - 1, "\\n" + text_of(entry.Get_pid(), *entry.Get_index()));
             m_shown.insert({{entry.Get_pid(), varidx_of(*entry.Get_index())}, &entry});
         }
-        add_node(id_of(entry), "label=" + label + (is_menu(entry) ? "" : ", style=rounded"));
+        const bool is_hidden = entry.isVisible(true, &m_menu.access()) < 0;
+        add_node(id_of(entry), "label=" + label + (is_menu(entry) ? "" : ", style=rounded") +
+                                   (is_hidden ? ", color=gray, fontcolor=gray" : ""));
     }
     // What a bridge or a mount link houses stands in no menu.
     void add_link(Data_entry& entry) {
@@ -118,6 +120,7 @@ private:
                    (attributes.empty() ? "" : " [" + attributes + "]") + ";\n";
     }
 
+    Menu& m_menu;
     std::vector<Placed_entry> m_entries;
     std::map<const Data_entry*, std::string> m_ids;
     std::map<Address, Data_entry*> m_shown;  // the first entry of each parameter

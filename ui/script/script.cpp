@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_base/nearest_name.h>
 #include <frontpanel_base/numbers.h>
 #include <frontpanel_binding/parameter_address.h>
 #include <frontpanel_display/key_table.h>
@@ -181,6 +182,17 @@ constexpr Word WORDS[] = {{"shortcut", read_shortcut},
                           {"fail", read_fail},
                           {"set", read_set}};
 
+std::string hint_of_word(const std::string& unknown) {
+    Nearest_name nearest(unknown);
+    for (const Word& word : WORDS) {
+        nearest.offer(word.name);
+    }
+    for (const Key_row& key : KEY_TABLE) {
+        nearest.offer(key.word);
+    }
+    return nearest.hint();
+}
+
 void read_step(const std::string& name, Line& line, Step& step) {
     if (const std::optional<Key::Kind> key = key_of_word(name)) {
         read_press(line, step, *key);
@@ -189,7 +201,7 @@ void read_step(const std::string& name, Line& line, Step& step) {
     const auto word = std::find_if(std::begin(WORDS), std::end(WORDS),
                                    [&name](const Word& known) { return name == known.name; });
     if (word == std::end(WORDS)) {
-        line.fail("unknown word \"" + name + "\"");
+        line.fail("unknown word \"" + name + "\"" + hint_of_word(name));
     }
     word->read(line, step);
 }

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -66,6 +67,20 @@ struct Named_parameter {
     std::size_t offset;  // in the text, in bytes: of what stands in the brackets
 };
 
+// An option that a text asks for, each time it is named.
+struct Named_option {
+    std::string name;
+    std::size_t offset;  // in the text, in bytes: of the name
+};
+
+// A condition, or a comparison in it, that the declared bounds of the parameters make always or never true.
+struct Constant_condition {
+    std::size_t rule;    // in the order of the text, from 0
+    std::size_t number;  // among the comparisons of the rule, from 0; the condition as a whole is the last
+    bool is_true;
+    Compile_error warning;  // "\"[volt] > 1000\" is never true: [volt] is 0 to 300"
+};
+
 // The list of a source text, or its errors and an empty list.
 struct Compile_result {
     BindingListT list;
@@ -75,11 +90,24 @@ struct Compile_result {
     // Valid, but probably a mistake: conditions and comparisons that read nothing. One for a rule at
     // most, and 100 for a text.
     std::vector<Compile_error> warnings;
+    std::vector<Named_option> options;
+    // Doubtful unless the same text also stands where it is not so, as in a template.
+    std::vector<Constant_condition> constants;
     std::optional<Compile_error> error;  // the first of `errors`
     // In the order of the text: one for a rule at most, and 100 for a text.
     std::vector<Compile_error> errors;
 
     bool ok() const { return !error; }
+};
+
+// A condition as the toggles of homescreen links have it, or why it cannot be one.
+struct Toggle_result {
+    std::string expression;  // for `Link_entry::setAsHomescreenEntry`
+    std::vector<Named_parameter> parameters;
+    std::vector<Named_option> options;
+    std::vector<Compile_error> warnings;
+    std::vector<Constant_condition> constants;
+    std::optional<Compile_error> error;
 };
 
 class Binding_registry {
@@ -96,8 +124,17 @@ public:
     // Compiles rules such as "visible if [gain] > 3; range 0..[limit] if [102] == 1"; docs/bindings.md describes the
     // language. `own_type` is the type of the entry's own value: INTEGER, STRING, or INVALID_TYPE for an entry
     // without one. Every rule is checked, so that all errors are reported at once. A list is complete: it depends on
-    // no registry, and may be stored.
-    Compile_result compile(std::string_view source, RETURN_TYPE own_type = INTEGER);
+    // no registry, and may be stored. `own_bounds` are those of an integer value, for `Compile_result::constants`.
+    Compile_result compile(std::string_view source, RETURN_TYPE own_type = INTEGER,
+                           std::pair<std::int32_t, std::int32_t> own_bounds = {
+                               std::numeric_limits<std::int32_t>::min(),
+                               std::numeric_limits<std::int32_t>::max()});
+
+    // Translates a condition of the rule language to what the library's toggles take. The toggle is on exactly while the
+    // condition holds, for all values within the declared bounds; a fault, such as a division by zero, turns it off.
+    // Texts and integers beyond 2^53 are errors. Options count as they are set now. Every parameter has to be watched
+    // before a link gets the toggle.
+    Toggle_result compile_toggle(std::string_view condition);
 
     // The parameters that texts may name. Declare them before compiling. Rules write a declared parameter within its
     // declared limits only.
@@ -162,8 +199,10 @@ public:
     void set_done_listener(std::function<void()> listener);
 
     // The product's options for `has_option`, with the test that `Data_entry::isOptionStatic` has. Later evaluations
-    // see them.
-    void set_product_options(std::map<std::string, unsigned int> options);
+    // see them. `library_name`, when given, makes of a name in a rule the one that `options` has for it.
+    using Option_namer = std::function<std::string(const std::string&)>;
+    void set_product_options(std::map<std::string, unsigned int> options,
+                             Option_namer library_name = nullptr);
 
     // The circles in which rules drive each other, one for each group of parameters, those that write first.
     // Conditions are ignored. Call it when the menu is complete.

@@ -73,8 +73,14 @@ public:
     void add_id(const std::string& id, Data_entry* entry) { m_ids[id] = entry; }
     // Shows a link only while a toggle is on, whose parameters are watched already.
     void make_homescreen_entry(Link_entry& link, const std::string& toggle);
-    // Keeps the value of a parameter for the toggles that name it: see `Binding_registry::watch`.
-    void watch(const Parameter& parameter);
+    // The condition of a homescreen link as the menu file has it, for reports; empty for a link that always shows.
+    std::string condition_of(const Link_entry& link) const {
+        const auto found = m_conditions.find(&link);
+        return found == m_conditions.end() ? "" : found->second;
+    }
+    void add_condition(const Link_entry& link, const std::string& condition) {
+        m_conditions[&link] = condition;
+    }
     // A menu that a mount link builds from a folder.
     Mounted_menu& add_mounted_menu(const std::string& folder);
     const std::vector<std::unique_ptr<Mounted_menu>>& mounted_menus() const {
@@ -135,6 +141,7 @@ private:
     Data_entry* m_favourites = nullptr;
     std::vector<Link_entry*> m_links;
     std::map<std::string, Data_entry*> m_ids;
+    std::map<const Link_entry*, std::string> m_conditions;
     std::vector<std::unique_ptr<Data_entry>> m_entries;
 };
 

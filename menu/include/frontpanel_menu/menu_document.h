@@ -44,6 +44,7 @@ private:
     // The values of placeholders.
     struct Scope {
         std::map<std::string, Json_node> values;  // INTEGER or TEXT
+        std::map<std::string, bool*> named;       // set when a text names a counter
         std::string title;                        // of the template
         const std::string* copy = nullptr;        // for places
         size_t depth = 0;                         // of templates in templates

@@ -1,4 +1,4 @@
-// The whole menu as text, one line an entry, as the library reports it.
+// The whole menu as a table for a person, or as JSON for a program.
 #ifndef FRONTPANEL_MENU_MENU_DUMP_H
 #define FRONTPANEL_MENU_MENU_DUMP_H
 
@@ -12,9 +12,13 @@ namespace frontpanel {
 // Live lists are left out: they would be fetched.
 void refresh_all(Menu& menu);
 
-// The menu, then the homescreen and the favourites: a line for each entry, with a tab for each menu around it. What
-// links lead to stands in its own place only; mounted menus are not built. Reads nothing: see `refresh_all`.
+// The menu, then the homescreen and the favourites: a line for each entry under a heading, indented by the menus around
+// it, with its type, its parameter, the value as the display shows it, and what is to be known beside: that it is hidden
+// and why, its access, what it allows and its button. What links lead to stands in its own place; mounted menus are not
+// built. See `refresh_all`.
 std::string dump_of(Menu& menu);
+// The same as a JSON document, which docs/panel.md describes.
+std::string json_dump_of(Menu& menu);
 
 }  // namespace frontpanel
 

@@ -8,7 +8,7 @@
 
 namespace frontpanel {
 
-// A node for each entry, with its name and its parameter. A solid edge leads from a menu to what stands in it, a
+// A node for each entry, with its name and its parameter, grey while the entry is hidden. A solid edge leads from a menu to what stands in it, a
 // dashed one from a link to what it houses, a dotted one from a mount link to the menu that it builds. A blue edge
 // leads from each entry to those whose rules depend on its parameter, which are blue themselves; a parameter that no
 // entry shows stands for itself, without a border.

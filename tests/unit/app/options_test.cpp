@@ -91,6 +91,24 @@ TEST(Options, AnUnknownOptionIsOneLineAndStatusTwo) {
     }
 }
 
+TEST(Options, AnErrorSaysWhatWasExpectedOrMeant) {
+    const auto error_of = [](const std::vector<const char*>& arguments) {
+        return parse(arguments).errors;
+    };
+    EXPECT_EQ(error_of({"--szie", "20x4"}),
+              "frontpanel: The following arguments were not expected: 20x4 --szie; did you mean "
+              "--size?\n");
+    EXPECT_EQ(
+        error_of({"--chek=1"}),
+        "frontpanel: The following argument was not expected: --chek=1; did you mean --check?\n");
+    EXPECT_EQ(error_of({"--debug", "zz"}),
+              "frontpanel: --debug: expected a number from 0 to 0xffffffff, found \"zz\"\n");
+    EXPECT_EQ(error_of({"--debug", "0x"}),
+              "frontpanel: --debug: expected a number from 0 to 0xffffffff, found \"0x\"\n");
+    EXPECT_EQ(error_of({"--debug", "-1"}),
+              "frontpanel: --debug: expected a number from 0 to 0xffffffff, found \"-1\"\n");
+}
+
 TEST(Options, AFileWithoutANameIsRefused) {
     for (const char* option : {"--menu", "--script", "--log", "--state", "--screenshot"}) {
         const Outcome outcome = parse({option, ""});

@@ -1,6 +1,9 @@
 #include "reports.h"
 
-#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include <frontpanel_base/json_document.h>
 
 #include "menu_files.h"
 #include "support/capture.h"
@@ -27,7 +30,7 @@ protected:
 
 TEST_F(Reports_test, AreAskedForByTheirOptions) {
     EXPECT_FALSE(is_report(options));
-    options.dump = true;
+    options.dump = "table";
     EXPECT_TRUE(is_report(options));
     options = {};
     options.graph = true;
@@ -37,13 +40,54 @@ TEST_F(Reports_test, AreAskedForByTheirOptions) {
     EXPECT_TRUE(is_report(options));
 }
 
-TEST_F(Reports_test, ADumpHasALineForEachEntry) {
-    options.dump = true;
-    const std::string dump = report_of();
+TEST_F(Reports_test, ADumpIsATable) {
+    options.dump = "table";
+    EXPECT_EQ(report_of(),
+              "entry   type   parameter  value  state\n"
+              "Main    node\n"
+              "  Gain  range  1          5      allowed 0..9\n");
     EXPECT_EQ(status, EXIT_PLAYED);
-    EXPECT_EQ(std::count(dump.begin(), dump.end(), '\n'), 2) << dump;
-    EXPECT_NE(dump.find("\n\t"), std::string::npos) << dump;
-    EXPECT_NE(dump.find("Gain"), std::string::npos) << dump;
+}
+
+TEST_F(Reports_test, ADumpForProgramsIsJson) {
+    options.dump = "json";
+    const std::string text = report_of();
+    const Source source{"dump", 0};
+    const Json_document document(source, text);
+    const Json_node* const entries = document.root().member("entries");
+    ASSERT_NE(entries, nullptr) << text;
+    ASSERT_EQ(entries->elements().size(), 2U);
+    const Json_node& gain = entries->elements()[1];
+    EXPECT_EQ(gain.member("path")->text(), "Gain");
+    EXPECT_EQ(gain.member("parameter")->text(), "1");
+    EXPECT_EQ(gain.member("value")->text(), "5");
+    EXPECT_EQ(gain.member("allowed")->text(), "0..9");
+    EXPECT_EQ(gain.member("access")->text(), "read-write");
+    EXPECT_TRUE(gain.member("shown")->boolean());
+    EXPECT_TRUE(gain.member("hidden")->is(Json_node::Kind::NOTHING));
+}
+
+TEST_F(Reports_test, TheyShowTheStateAndWhatAScriptMakesOfIt) {
+    options.dump = "table";
+    const auto gain_line = [this] {
+        const std::string text = report_of();
+        return text.substr(text.rfind("  Gain"));
+    };
+    const std::string state = R"({"version": 1, "values": [
+{"pid":1,"index":0,"integer":7}
+], "selections": [
+]}
+)";
+    options.state = write("values", state);
+    EXPECT_EQ(gain_line(), "  Gain  range  1          7      allowed 0..9\n");
+    options.script = write("up.script", "select\nup\nselect\nexpect-write 1 8\n");
+    EXPECT_EQ(gain_line(), "  Gain  range  1          8      allowed 0..9\n");
+    EXPECT_EQ(status, EXIT_PLAYED);
+    std::ifstream file(options.state);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), state);
+    options.script = write("down.script", "select\ndown\nselect\nexpect-write 1 8\n");
+    EXPECT_EQ(gain_line(), "  Gain  range  1          6      allowed 0..9\n");
+    EXPECT_EQ(status, EXIT_DIFFERENCE);
 }
 
 TEST_F(Reports_test, AGraphIsForGraphviz) {

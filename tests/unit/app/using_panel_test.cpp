@@ -1,5 +1,7 @@
 #include "using_panel.h"
 
+#include <sys/stat.h>
+
 #include <stdexcept>
 
 #include "menu_files.h"
@@ -76,6 +78,19 @@ TEST_F(Using_panel_test, APinFileWithoutAPinIsNamedAndItsContentIsNot) {
         });
     });
     EXPECT_EQ(error, options.pin_file + ": expected a PIN of 4 to 8 digits");
+}
+
+TEST_F(Using_panel_test, APinFileThatOthersCanReadIsWarnedOf) {
+    options.pin_file = write("pin", "1234\n");
+    const auto warning_of = [this](mode_t mode) {
+        chmod(options.pin_file.c_str(), mode);
+        return support::capture(0, [this] { EXPECT_EQ(pin_of(options), "1234"); }).err;
+    };
+    EXPECT_EQ(warning_of(0644),
+              "warning: " + options.pin_file +
+                  ": others can read this PIN: \"chmod 600\" keeps it from them\n");
+    EXPECT_EQ(warning_of(0640), "");
+    EXPECT_EQ(warning_of(0600), "");
 }
 
 }  // namespace

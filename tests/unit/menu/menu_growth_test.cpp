@@ -246,13 +246,13 @@ std::vector<Shape> large_shapes() {
         {"patterns of options beside their uses",
          [] {
              return menu_of(RANGE + (R"(, "options": [)" + numbered(R"("x#")", 2000)) + "]}",
-                            R"("options": {)" + numbered(R"("n#": 1)", 2000) + "},");
+                            R"("options": {)" + numbered(R"("n#{n}": 1)", 2000) + "},");
          },
          ""},
         {"patterns of options beside more uses",
          [] {
              return menu_of(RANGE + (R"(, "options": [)" + numbered(R"("x#")", 100000)) + "]}",
-                            R"("options": {)" + numbered(R"("n#": 1)", 100000) + "},");
+                            R"("options": {)" + numbered(R"("n#{n}": 1)", 100000) + "},");
          },
          "grow beyond 500000 steps here"},
         {"product options in many items",

@@ -305,7 +305,7 @@ TEST(Controller, AnEntryWhoseOptionsDoNotHoldIsSkipped) {
         {"type": "range", "name": "Slot 3", "pid": 102, "options": ["slot3"]},
         {"type": "range", "name": "Slot 5", "pid": 103, "options": ["slot5"]},
         {"type": "range", "name": "Hidden", "pid": 103, "visible": false})",
-                               R"({"dolby": 0, "slotn": 4})"));
+                               R"({"dolby": 0, "slot{n}": 4})"));
     EXPECT_EQ(panel.lines(), (Lines{">Slot 3           50", "                    "}));
 }
 

@@ -100,6 +100,8 @@ TEST(Script, FailuresBeginAndEnd) {
 TEST(Script, AnErrorNamesFileAndLine) {
     const std::pair<const char*, const char*> ERRORS[] = {
         {"jump", "a.script:1: unknown word \"jump\""},
+        {"selcet", "a.script:1: unknown word \"selcet\"; did you mean \"select\"?"},
+        {"expct 1 |x|", "a.script:1: unknown word \"expct\"; did you mean \"expect\"?"},
         {"up\n\nUP", "a.script:3: unknown word \"UP\""},
         {"up 0", "a.script:1: expected a number of times from 1 to 1000, found \"0\""},
         {"up 1001", "a.script:1: expected a number of times from 1 to 1000, found \"1001\""},

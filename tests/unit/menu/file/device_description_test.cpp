@@ -53,16 +53,5 @@ TEST(DeviceDescription, AProductsOptionsDecideWhichItemsAreShown) {
     EXPECT_EQ(panel.lines(), (Lines{">Audio             7", "                    "}));
 }
 
-TEST(DeviceDescription, AProductsOptionThatIsAPatternByAccidentIsWarnedOf) {
-    const std::string text =
-        with_product(R"("id": 7, "name": "DEC", "family": "Decoder", "options": {"unit": 1})");
-    EXPECT_EQ(
-        simulated_text(text).warnings,
-        (std::vector<std::string>{placed(
-            text,
-            "menu.json: /device/products/0/options/unit@: warning: the letter 'n' makes this option a "
-            "pattern in which 'n' stands for a number")}));
-}
-
 }  // namespace
 }  // namespace frontpanel

@@ -18,14 +18,14 @@ TEST(HomeLinks, AHomescreenLinkFollowsItsToggle) {
 
 TEST(HomeLinks, AToggleWithoutAParameterIsWarnedOf) {
     const std::string text = with_home(R"({"target": "first", "toggle": "3"},
-                                  {"target": "first", "toggle": "a=2 > 1"},
+                                  {"target": "first", "toggle": "2 > 1"},
                                   {"target": "first", "toggle": ""},
-                                  {"target": "first", "toggle": "3 == [mute]"})");
-    const std::string warning =
-        "/toggle: warning: this toggle names no parameter, so it never changes";
+                                  {"target": "first", "toggle": "[mute] == 1"})");
+    const std::string reason =
+        "reads nothing, so it never changes; parameters are written in brackets, as in [100]";
     EXPECT_EQ(simulated_text(text, 40).warnings,
-              (Lines{placed(text, "menu.json: /homescreen/0" + warning),
-                     placed(text, "menu.json: /homescreen/1" + warning)}));
+              (Lines{"menu.json:7:115: warning: \"3\" " + reason,
+                     "menu.json:8:66: warning: \"2 > 1\" " + reason}));
 }
 
 TEST(HomeLinks, FavouritesAreAMenuOfTheirOwn) {

@@ -56,7 +56,7 @@ TEST(ItemBuilder, AnErrorNamesPlaceAndExpectation) {
          "menu.json: /menu/items/0/choices/1: expected a member \"options\""},
         {with_item_of("enum", R"("pid": 5, "choices": ["A", {"text": "B", "option": []}, "C"])"),
          "menu.json: /menu/items/0/choices/1: expected a member \"options\"\n"
-         "menu.json: /menu/items/0/choices/1/option@: unknown member \"option\""},
+         "menu.json: /menu/items/0/choices/1/option@: unknown member \"option\"; did you mean \"options\"?"},
         {with_item_of("enum", R"("pid": 5, "choices": ["A", {"text": "B", "options": [""]}, "C"])"),
          "menu.json: /menu/items/0/choices/1/options/0: expected a text of 1 to 256 characters, "
          "found 0"},
@@ -85,7 +85,7 @@ TEST(ItemBuilder, AnErrorNamesPlaceAndExpectation) {
          "menu.json: /menu/items/0/live: no card in slot 3 has a combobox 9003"},
         {with_item_of("enum", R"("pid": 9001, "live": {"slot": 3, "webtype": "tree"})"),
          "menu.json: /menu/items/0/live: expected a member \"web-type\"\n"
-         "menu.json: /menu/items/0/live/webtype@: unknown member \"webtype\""},
+         "menu.json: /menu/items/0/live/webtype@: unknown member \"webtype\"; did you mean \"web-type\"?"},
         {with_item_of("slot", R"("pid": 7)"), ""},
         {with_item_of("slot", R"("pid": 8)"),
          "menu.json: /menu/items/0/pid: expected a parameter from 0 to at most 14 for a slot list"},

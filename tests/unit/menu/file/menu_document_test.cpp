@@ -280,7 +280,7 @@ TEST_F(Menu_files, TellTheirErrorsInTheirOwnPlaces) {
   {"include": "items.json"}, {"include": "absent.json"}, {"include": "."},
   {"include": "menu.json"}, {"include": "broken.json", "name": "B"},
   {"include": "broken.json"},
-  {"type": "range", "name": "G", "parameter": "gain 9"}]}})");
+  {"type": "range", "name": "H", "parameter": "gain 9"}]}})");
     write("device.json", std::string(R"({"parameters": [)") + REPEATED_PARAMETER + R"(], "x": 1})");
     write("items.json",
           "[\n {\"type\": \"range\", \"name\": \"G\", \"parameter\": \"gain 8\"},\n"

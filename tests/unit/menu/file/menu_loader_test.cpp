@@ -39,7 +39,7 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
          "menu.json: /: expected a member \"device\"\nmenu.json: /: expected a member \"menu\""},
         {R"({"device": {"parameters": []}})", "menu.json: /: expected a member \"menu\""},
         {R"({"menus": {}, "device": {"parameters": []}})",
-         "menu.json: /: expected a member \"menu\"\nmenu.json: /menus@: unknown member \"menus\""},
+         "menu.json: /: expected a member \"menu\"\nmenu.json: /menus@: unknown member \"menus\"; did you mean \"menu\"?"},
         {R"({"a\n\u001b[0mb": {}, "device": {"parameters": []}, "menu": 1})",
          "menu.json:1:2: unknown member \"a??[0mb\"\n"
          "menu.json: /menu: expected an object, found a whole number"},
@@ -60,7 +60,7 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {R"({"device": {"parameter": []}})",
          "menu.json: /: expected a member \"menu\"\n"
          "menu.json: /device: expected a member \"parameters\"\n"
-         "menu.json: /device/parameter@: unknown member \"parameter\""},
+         "menu.json: /device/parameter@: unknown member \"parameter\"; did you mean \"parameters\"?"},
         {with_parameter(R"({"type": "integer"})"),
          "menu.json: /device/parameters/0: expected a member \"pid\""},
         {with_parameter(R"({"pid": 4294967295})"),
@@ -137,9 +137,9 @@ TEST(MenuLoader, AnErrorNamesFilePlaceAndExpectation) {
         {with_range(R"("format": "%s")"),
          "menu.json: /menu/items/0/format: conversion \"%s\" is not one of %d, %02x, %02X, %f, %e, %g"},
         {with_range(R"("value_format": "v/")"),
-         "menu.json: /menu/items/0/value_format: not an expression in v"},
+         "menu.json:1:265: not an expression in v: Unexpected end"},
         {with_range(R"-("value_format": "(v")-"),
-         "menu.json: /menu/items/0/value_format: not an expression in v"},
+         "menu.json:1:265: not an expression in v: Missing ')'"},
         {with_range(R"-("value_format": "1/(v-100)")-"), ""},
         {with_range(R"("access": "write")"),
          "menu.json: /menu/items/0/access: expected one of \"read-only\", \"read-write\", \"write-only\", found \"write\""},
@@ -251,8 +251,8 @@ TEST(MenuLoader, WarningsAreToldWithTheErrors) {
                                     "menu.json: /menu/items/0/name: warning: a list of 20 columns "
                                     "has room for \"Temperatur\" of this name"));
     EXPECT_EQ(complaints[2], placed(text,
-                                    "menu.json: /menu/items/1/options: warning: none of these "
-                                    "options is declared, so this is never shown"));
+                                    "menu.json: /menu/items/1/options/0: warning: no product "
+                                    "option \"modem\" is declared"));
 }
 
 TEST(MenuLoader, PlacesCountFromTheByteOrderMarkAndBehindEscapes) {

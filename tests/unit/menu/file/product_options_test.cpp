@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace frontpanel {
 namespace {
@@ -30,13 +31,6 @@ TEST_F(Product_options_test, TheHighestValueOfAnOptionCounts) {
               (std::map<std::string, unsigned int>{{"gps", 3U}, {"slots", 4U}}));
 }
 
-TEST_F(Product_options_test, AnOptionOfTheFileKnowsItsPlace) {
-    m_options.declare(value(R"({"gps": 1})"));
-    m_options.declare("dolby", 1);
-    EXPECT_EQ(m_options.places().size(), 1U);
-    EXPECT_EQ(m_options.places().at("gps").column, 2U);
-}
-
 TEST_F(Product_options_test, AMistakeIsReportedAndTheOthersCount) {
     m_options.declare(
         value(R"({"": 1, "gps": -1, "dolby": 1, ")" + std::string(64, 'x') + R"(": 1})"));
@@ -44,11 +38,20 @@ TEST_F(Product_options_test, AMistakeIsReportedAndTheOthersCount) {
     EXPECT_EQ(m_problems.error_count(), 3U);
 }
 
-TEST_F(Product_options_test, UsedNamesAreRemembered) {
-    EXPECT_EQ(m_options.use(value(R"(["gps", 3, "dolby"])")),
-              (std::vector<std::string>{"gps", "dolby"}));
-    EXPECT_EQ(m_options.used(), (std::set<std::string>{"dolby", "gps"}));
+TEST_F(Product_options_test, ANameThatIsNotDeclaredIsWarnedOf) {
+    m_options.declare(value(R"({"gps": 1, "slot{n}": 2})"));
+    m_options.expect("dolby");
+    m_options.use(value(R"(["gsp", 3, "dolby", "slot7", "slot{n}"])"));
+    EXPECT_EQ(m_problems.warnings(),
+              (std::vector<std::string>{"menu.json:1:2: warning: no product option \"gsp\" is "
+                                        "declared; did you mean \"gps\"?"}));
     EXPECT_EQ(m_problems.error_count(), 1U);
+}
+
+TEST_F(Product_options_test, TheNumberOfAPatternEndsItsName) {
+    m_options.declare(value(R"({"{n}": 1, "a{n}b": 1, "a{n}{n}": 1, "slot{n}": 1})"));
+    EXPECT_EQ(m_options.values().size(), 1U);
+    EXPECT_EQ(m_problems.error_count(), 3U);
 }
 
 TEST_F(Product_options_test, TestsOfOptionsTakeWorkForEachOptionThatTheProductHas) {

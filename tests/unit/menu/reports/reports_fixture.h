@@ -8,7 +8,7 @@
 namespace frontpanel {
 
 constexpr const char* REPORTED_MENU =
-    R"({"options": {"gps": 0, "slotn": 4}, "device": {"parameters": [
+    R"({"options": {"gps": 0, "slot{n}": 4}, "device": {"parameters": [
     {"name": "gain", "pid": 100, "index": [1], "type": "integer", "min": 0, "max": 100, "value": 3},
     {"name": "mode", "pid": 101, "type": "integer", "min": 0, "max": 1, "value": 0},
     {"name": "lock", "pid": 102, "type": "integer", "min": 0, "max": 1, "value": 1}]},
