@@ -46,7 +46,7 @@ std::optional<Curl_home> prepare_transfers(Simulated_device& device) {
 // With `end` for a person, otherwise the script is played.
 int use(const Options& options, const Display_row& display, const std::optional<Script>& script,
         const Loaded_panel& loaded, Output_log& log, const End_watch* end) {
-    return end != nullptr ? use_panel(options, display, *loaded.menu, log, *end)
+    return end != nullptr ? use_panel(options, display, loaded, log, *end)
                           : play(options, display, *script, loaded, log);
 }
 

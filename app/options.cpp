@@ -122,6 +122,7 @@ void describe_front(CLI::App& app, Options& options) {
                "Idle seconds before dimming (default 300, 0: never)")
         ->type_name("SECONDS");
     app.add_flag("--no-acceleration", options.no_acceleration, "Disable encoder acceleration");
+    app.add_flag("--still", options.still, "Keep the simulated device from moving by itself");
     add_file(app, "--pin-file", options.pin_file, "Lock with the PIN in this file");
 }
 
@@ -175,8 +176,7 @@ void describe(CLI::App& app, Options& options) {
     describe_reports(app, options);
     app.footer(
         "frontpanel --menu my.json --state my.values     keep values over a restart\n"
-        "frontpanel --menu my.json --check               report the menu's mistakes\n"
-        "frontpanel --script my.script --screenshot my.svg");
+        "frontpanel --menu my.json --check               report the menu's mistakes");
     app.formatter(std::make_shared<Help>());
 }
 

@@ -39,6 +39,7 @@ struct Options {
     std::string dump;              // only print the menu: "table" or "json"; empty for no
     bool graph = false;            // only print the menu as a graph
     std::string explain;           // the entry to explain; empty for none
+    bool still = false;            // nothing of the simulated device moves by itself
     bool check = false;            // only check the menu, and the script if one is named
 };
 

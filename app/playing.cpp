@@ -17,9 +17,10 @@
 namespace frontpanel {
 namespace {
 
-int play_on(const Script& script, Panel& panel, Simulated_device& device, Display& display,
+int play_on(const Script& script, Panel& panel, const Loaded_panel& loaded, Display& display,
             std::ostream& out) {
-    Simulated_script_device played(device.memory(), device.cards());
+    Simulated_device& device = *loaded.device;
+    Simulated_script_device played(device.memory(), device.cards(), loaded.menu->parameters());
     Script_player player(panel, played, display, out, std::cerr);
     const int differences = player.play(script);
     if (differences != 0) {
@@ -33,11 +34,11 @@ int play_on(const Script& script, Panel& panel, Simulated_device& device, Displa
 
 // The picture is taken when the script is over, also of what should have been otherwise.
 int take_picture(const Options& options, const Script& script, Panel& panel,
-                 Simulated_device& device) {
+                 const Loaded_panel& loaded) {
     check_writable(options.screenshot);
     Picture_display display(options.screenshot);
     std::ostringstream unseen;
-    const int status = play_on(script, panel, device, display, unseen);
+    const int status = play_on(script, panel, loaded, display, unseen);
     display.finish();
     return status;
 }
@@ -77,10 +78,9 @@ int play(const Options& options, const Display_row& display, const Script& scrip
          const Loaded_panel& loaded, Output_log& log) {
     Panel panel(*loaded.menu, options_for_script(options, *loaded.menu, log));
     if (!options.screenshot.empty()) {
-        return take_picture(options, script, panel, *loaded.device);
+        return take_picture(options, script, panel, loaded);
     }
-    return play_on(script, panel, *loaded.device, *display.open_display(setup_of(options, log)),
-                   log.out());
+    return play_on(script, panel, loaded, *display.open_display(setup_of(options, log)), log.out());
 }
 
 int play_unseen(const Options& options, const Loaded_panel& loaded, Output_log& log) {

@@ -1,6 +1,7 @@
 #include "simulated_script_device.h"
 
 #include <frontpanel_base/numbers.h>
+#include <frontpanel_data/data_model.h>
 
 namespace frontpanel {
 namespace {
@@ -9,10 +10,11 @@ constexpr int FAULT_RESULT = 100;  // none of the device's own
 
 }  // namespace
 
-Simulated_script_device::Simulated_script_device(Memory_device& device, const Card_service* cards)
-    : m_device(device), m_cards(cards) {
+Simulated_script_device::Simulated_script_device(Memory_device& device, const Card_service* cards,
+                                                 const Parameter_table& parameters)
+    : m_device(device), m_cards(cards), m_parameters(parameters) {
     m_device.set_write_listener([this](const Memory_device::Write& write) {
-        m_writes.push_back({{write.pid, write.varidx}, write.value, write.result != 0});
+        m_writes.push_back({{write.pid, write.varidx, ""}, write.value, write.result != 0});
     });
     m_device.set_fault([this](const Memory_device::Operation& operation) {
         const bool write = operation.kind == Memory_device::Operation_kind::WRITE;
@@ -28,13 +30,24 @@ Simulated_script_device::~Simulated_script_device() {
     m_device.set_fault(nullptr);
 }
 
+std::optional<Parameter_name> Simulated_script_device::find(const std::string& name) const {
+    const Parameter* const parameter = m_parameters.find(name);
+    if (parameter == nullptr) {
+        return std::nullopt;
+    }
+    unsigned int varidx = 0;
+    Data_model::Index_convert(&parameter->index, varidx);
+    return Parameter_name{parameter->pid, varidx, name};
+}
+
 bool Simulated_script_device::has_parameter(const Parameter_name& parameter) const {
     return m_device.type(parameter.pid, parameter.varidx) != INVALID_TYPE;
 }
 
 std::optional<std::string> Simulated_script_device::set(const Parameter_name& parameter,
                                                         const std::string& value) {
-    const auto [pid, varidx] = parameter;
+    const uint32_t pid = parameter.pid;
+    const uint32_t varidx = parameter.varidx;
     int result = Memory_device::WRONG_TYPE;
     if (m_device.type(pid, varidx) == STRING) {
         result = m_device.set_text(pid, varidx, value);

@@ -7,6 +7,7 @@
 #include <set>
 #include <tuple>
 
+#include <frontpanel_binding/parameter_table.h>
 #include <frontpanel_simulator/card_service.h>
 #include <frontpanel_simulator/memory_device.h>
 #include <frontpanel_ui/script_device.h>
@@ -16,10 +17,12 @@ namespace frontpanel {
 // Takes the device's fault and write callbacks for its life.
 class Simulated_script_device : public Script_device {
 public:
-    // `cards` is null when none run. Both outlive the object.
-    Simulated_script_device(Memory_device& device, const Card_service* cards);
+    // `cards` is null when none run. `parameters` are what the menu declares. All outlive the object.
+    Simulated_script_device(Memory_device& device, const Card_service* cards,
+                            const Parameter_table& parameters);
     ~Simulated_script_device() override;
 
+    std::optional<Parameter_name> find(const std::string& name) const override;
     bool has_parameter(const Parameter_name& parameter) const override;
     std::optional<std::string> set(const Parameter_name& parameter,
                                    const std::string& value) override;
@@ -33,6 +36,7 @@ private:
 
     Memory_device& m_device;
     const Card_service* m_cards;
+    const Parameter_table& m_parameters;
     std::deque<Write> m_writes;
     std::set<Fault> m_faults;
 };

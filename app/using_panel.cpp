@@ -3,12 +3,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <optional>
 #include <string>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_display/key_table.h>
 
 namespace frontpanel {
 namespace {
@@ -46,15 +48,38 @@ std::optional<std::string> pin_of(const Options& options) {
 
 namespace {
 
-Panel_options options_for_person(const Options& options, Menu& menu, Output_log& log) {
-    Panel_options panel = panel_options_of(options, menu, log);
+// The first name of a key in the map; empty where nothing presses it.
+std::string name_of(const Key_map& keys, Key::Kind kind) {
+    const auto found = std::find_if(
+        keys.begin(), keys.end(), [kind](const auto& entry) { return entry.second.kind == kind; });
+    return found == keys.end() ? "" : found->first;
+}
+
+// A display server names its keys itself. Those of the usual map are a keyboard's.
+std::optional<Answer_keys> answer_keys_of(const Options& options) {
+    const std::string accepting = name_of(options.keys, Key::SELECT);
+    const std::string cancelling = name_of(options.keys, Key::BACK);
+    const bool is_usual =
+        accepting == row_of(Key::SELECT)->keyboard && cancelling == row_of(Key::BACK)->keyboard;
+    return is_usual ? std::nullopt : std::optional<Answer_keys>({accepting, cancelling});
+}
+
+Panel_options options_for_person(const Options& options, const Loaded_panel& loaded,
+                                 Output_log& log) {
+    Panel_options panel = panel_options_of(options, *loaded.menu, log);
     panel.encoder->acceleration = panel.encoder->acceleration && !options.no_acceleration;
     panel.idle_timeout = std::chrono::seconds(options.time_out);
     panel.pin = pin_of(options);
+    panel.answer_keys = answer_keys_of(options);
     // Each turn of the loop asks the time. Lines that the library prints unasked make the log grow as well.
-    panel.clock = [&log] {
+    Movement* const movement = options.still ? nullptr : &loaded.device->movement();
+    panel.clock = [&log, movement, start = std::chrono::steady_clock::now()] {
         log.trim();
-        return std::chrono::steady_clock::now();
+        const auto now = std::chrono::steady_clock::now();
+        if (movement != nullptr) {
+            movement->advance(std::chrono::duration_cast<std::chrono::milliseconds>(now - start));
+        }
+        return now;
     };
     return panel;
 }
@@ -107,9 +132,9 @@ Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& l
 }
 
 // A terminal that shows the panel has no room for what is said to standard error meanwhile.
-int use_panel(const Options& options, const Display_row& display, Menu& menu, Output_log& log,
-              const End_watch& end) {
-    Panel panel(menu, options_for_person(options, menu, log));
+int use_panel(const Options& options, const Display_row& display, const Loaded_panel& loaded,
+              Output_log& log, const End_watch& end) {
+    Panel panel(*loaded.menu, options_for_person(options, loaded, log));
     if (display.takes_terminal) {
         log.take_errors();
     }

@@ -9,6 +9,7 @@
 #include <frontpanel_displays/display_table.h>
 #include <frontpanel_menu/menu.h>
 #include <frontpanel_ui/panel.h>
+#include "loaded_panel.h"
 #include "options.h"
 #include "output_log.h"
 
@@ -26,10 +27,10 @@ std::optional<std::string> pin_of(const Options& options);
 // What every panel of the application has; the log outlives it.
 Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& log);
 
-// Shows the menu until the person quits or a signal asks the process to end. The exit status; Input_error when the
+// Shows the menu over its device, which moves by itself unless `--still` is given, until the person quits or a signal asks the process to end. The exit status; Input_error when the
 // display cannot be opened or the PIN cannot be read.
-int use_panel(const Options& options, const Display_row& display, Menu& menu, Output_log& log,
-              const End_watch& end);
+int use_panel(const Options& options, const Display_row& display, const Loaded_panel& loaded,
+              Output_log& log, const End_watch& end);
 
 }  // namespace frontpanel
 

@@ -8,10 +8,10 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdlib>
-#include <iterator>
 
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_display/legend.h>
 #include "terminal_keys.h"
 
 namespace frontpanel {
@@ -21,11 +21,7 @@ constexpr int BORDER = 1;
 constexpr int LED_ROWS = 1;
 constexpr int ESCAPE_DELAY_MS = 25;  // how long an escape key waits for the rest of an arrow key
 
-constexpr const char* LEGEND[] = {
-    "Up / Down      move, change a value",         "Enter / Esc    open, accept / back, discard",
-    "Left / Right   back, open; cursor in values", "+ / -          larger, smaller step",
-    "1-9 F1-F12 shortcuts  f favs  d log  q quit",
-};
+constexpr int LEAST_LEGEND_COLUMNS = 40;
 
 // What ends the process must not leave the terminal without echo.
 void restore_terminal() {
@@ -89,13 +85,10 @@ std::string terminal_text(const std::string& cells) {
 
 }  // namespace
 
-Lcd_size terminal_size_for(Lcd_size lcd) {
-    size_t legend = 0;
-    for (const char* line : LEGEND) {
-        legend = std::max(legend, std::string(line).size());
-    }
-    return {std::max(lcd.columns + 2 * BORDER, static_cast<int>(legend)),
-            lcd.rows + 2 * BORDER + LED_ROWS + static_cast<int>(std::size(LEGEND))};
+Lcd_size terminal_size_for(Lcd_size lcd, int columns) {
+    const int least = std::max(lcd.columns + 2 * BORDER, LEAST_LEGEND_COLUMNS);
+    const int legend = most_legend_lines(std::max(least, columns), QUIT_KEY);
+    return {least, lcd.rows + 2 * BORDER + LED_ROWS + legend};
 }
 
 Terminal::Terminal(int output) : m_output(fdopen(dup(output), "w")), m_screen(nullptr) {
@@ -130,7 +123,7 @@ Terminal::~Terminal() {
 
 void Terminal::show(const Frame& frame) {
     erase();
-    const Lcd_size needed = terminal_size_for(frame.lcd.size());
+    const Lcd_size needed = terminal_size_for(frame.lcd.size(), COLS);
     if (COLS < needed.columns || LINES < needed.rows) {
         curs_set(0);
         mvaddnstr(0, 0, "Terminal too small", COLS);
@@ -141,7 +134,7 @@ void Terminal::show(const Frame& frame) {
         draw_lcd(frame.lcd, frame.dim);
         const int below = frame.lcd.size().rows + 2 * BORDER;
         draw_leds(below, frame.leds);
-        draw_legend(below + LED_ROWS);
+        draw_legend(below + LED_ROWS, frame);
         place_cursor(frame.lcd);
     }
     refresh();
@@ -172,9 +165,10 @@ void Terminal::draw_leds(int row, const Leds& leds) const {
     mvaddstr(row, 0, text.c_str());
 }
 
-void Terminal::draw_legend(int row) const {
-    for (const char* line : LEGEND) {
-        mvaddstr(row++, 0, line);
+void Terminal::draw_legend(int row, const Frame& frame) const {
+    for (const std::string& line :
+         folded(legend_of(frame.mode, frame.characters, QUIT_KEY), COLS)) {
+        mvaddstr(row++, 0, line.c_str());
     }
 }
 

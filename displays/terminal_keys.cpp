@@ -56,11 +56,13 @@ int shortcut_of(int code) {
 }  // namespace
 
 std::optional<Front_event> event_of(int code) {
+    const bool is_printable = code >= ' ' && code <= '~';
+    const char character = is_printable ? static_cast<char>(code) : '\0';
     if (const int button = shortcut_of(code)) {
-        return Front_event{Front_event::KEY, {Key::SHORTCUT, button}};
+        return Front_event{Front_event::KEY, {Key::SHORTCUT, button, character}};
     }
-    if (code == 'q' || code == 'Q') {
-        return Front_event{Front_event::QUIT};
+    if (code == QUIT_KEY || code == std::toupper(QUIT_KEY)) {
+        return Front_event{Front_event::QUIT, {Key::CHARACTER, 0, character}};
     }
     if (code == KEY_RESIZE) {
         return Front_event{Front_event::REDRAW};
@@ -68,10 +70,12 @@ std::optional<Front_event> event_of(int code) {
     const std::string name = keyboard_name(code);
     for (const Key_row& row : KEY_TABLE) {
         if (name == row.keyboard) {
-            return Front_event{Front_event::KEY, {row.kind}};
+            return Front_event{Front_event::KEY, {row.kind, 0, character}};
         }
     }
-    return std::nullopt;
+    return is_printable ? std::optional<Front_event>(
+                              Front_event{Front_event::KEY, {Key::CHARACTER, 0, character}})
+                        : std::nullopt;
 }
 
 }  // namespace frontpanel

@@ -8,6 +8,8 @@
 
 namespace frontpanel {
 
+inline constexpr char QUIT_KEY = 'q';  // ends the panel, unless an editor takes the character
+
 // `code` is as the curses library delivers it. Nothing for a key without a meaning.
 std::optional<Front_event> event_of(int code);
 

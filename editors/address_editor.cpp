@@ -45,7 +45,23 @@ bool Address_editor::put_back() {
 }
 
 void Address_editor::step(Editor_key key, int steps) {
-    m_blocks.step(key, {steps, wraps()}, block_limits);
+    if (key == Editor_key::ERASE) {
+        m_blocks.erase();
+    } else {
+        m_blocks.step(key, {steps, wraps()}, block_limits);
+    }
+}
+
+std::string Address_editor::typed_characters() const {
+    return "0123456789.";
+}
+
+void Address_editor::put(char character) {
+    m_blocks.type(character, block_limits);
+}
+
+bool Address_editor::is_typing() const {
+    return m_blocks.is_typing();
 }
 
 bool Address_editor::is_stored() {
@@ -53,6 +69,7 @@ bool Address_editor::is_stored() {
 }
 
 bool Address_editor::accept() {
+    m_blocks.keep_limits(block_limits);
     const std::string address = m_blocks.text();
     return Ip_entry::Valid_ip(address.c_str()) && store_text(edited(), address);
 }

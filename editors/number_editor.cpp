@@ -1,3 +1,4 @@
+#include <frontpanel_editors/line_text.h>
 #include <frontpanel_editors/number_editor.h>
 #include <frontpanel_editors/number_ranges.h>
 
@@ -6,6 +7,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <frontpanel_editors/value_text.h>
 
@@ -43,11 +45,37 @@ void Number_editor::start() {
     m_step = std::max(1, settings().step);
     // A value outside the range is delivered all the same, and is where the first step starts.
     edited().Get_value(&m_proposed, sizeof m_proposed);
+    m_typed.clear();
 }
 
 void Number_editor::remember() {
     m_opened = m_proposed;
     m_text = Scrolling_text();
+    m_scale = Number_scale([this](int value) { return value_text(edited(), value); },
+                           edited().Get_min(), edited().Get_max());
+}
+
+std::string Number_editor::typed_characters() const {
+    return m_scale.characters();
+}
+
+void Number_editor::put(char character) {
+    constexpr size_t MOST_CHARACTERS = 16;
+    const bool is_second = character == '-'   ? !m_typed.empty()
+                           : character == '.' ? m_typed.find('.') != std::string::npos
+                                              : false;
+    if (!is_second && m_typed.size() < MOST_CHARACTERS) {
+        m_typed += character;
+    }
+}
+
+// False when the number that was typed is not shown for any value.
+bool Number_editor::take_typed() {
+    const auto typed = m_scale.value_of(std::exchange(m_typed, ""));
+    if (typed) {
+        m_proposed = typed->value;
+    }
+    return !typed || typed->is_exact;
 }
 
 bool Number_editor::put_back() {
@@ -55,6 +83,11 @@ bool Number_editor::put_back() {
 }
 
 void Number_editor::step(Editor_key key, int steps) {
+    if (key == Editor_key::ERASE) {
+        m_typed.pop_back();
+        return;
+    }
+    take_typed();
     switch (key) {
         case Editor_key::UP:
             turn(static_cast<int64_t>(m_step) * steps);
@@ -72,6 +105,7 @@ void Number_editor::step(Editor_key key, int steps) {
         case Editor_key::ESCAPE:
         case Editor_key::INSERT:
         case Editor_key::DELETE:
+        case Editor_key::ERASE:
             break;
     }
 }
@@ -96,6 +130,9 @@ void Number_editor::turn(int64_t change) {
 }
 
 bool Number_editor::is_stored() {
+    if (is_typing()) {
+        return false;
+    }
     int held = 0;
     edited().Get_value(&held, sizeof held);
     return held == m_proposed;
@@ -111,10 +148,15 @@ Editor_change Number_editor::adapt() {
     if (is_between_bounds && is_stored()) {
         return Editor_change::NONE;
     }
-    return move_to_allowed() ? Editor_change::MOVED : Editor_change::NONE;
+    return correct() ? Editor_change::MOVED : Editor_change::NONE;
 }
 
 bool Number_editor::move_to_allowed() {
+    const bool is_exact = take_typed();
+    return correct() || !is_exact;
+}
+
+bool Number_editor::correct() {
     const Number_ranges allowed = allowed_ranges(edited());
     if (allowed.empty() || allows(allowed, m_proposed)) {
         return false;
@@ -144,6 +186,12 @@ bool Number_editor::accept() {
 }
 
 void Number_editor::draw(int columns, Editor_view& shown) {
+    if (is_typing()) {
+        const std::string behind = m_scale.behind().empty() ? " " : m_scale.behind();
+        const std::string number = m_scale.before() + m_typed;
+        show_with_cursor(number + behind, number.size(), columns, shown);
+        return;
+    }
     const std::string text = value_text(edited(), m_proposed);
     const std::optional<std::size_t> digit = digit_in(text, m_step);
     if (digit && is_editable()) {
@@ -152,7 +200,10 @@ void Number_editor::draw(int columns, Editor_view& shown) {
         is_editable() ? m_text.update(text) : m_text.follow(text);
         shown.text = m_text.show(columns);
     }
-    shown.step = m_step == 1 ? "" : "step " + std::to_string(m_step);
+    if (m_step != 1) {
+        const auto step = m_scale.step_text(m_step);
+        shown.step = step ? "step " + *step : std::to_string(m_step) + " steps";
+    }
 }
 
 }  // namespace frontpanel

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <utility>
 
 #include "entry_text.h"
 
 namespace frontpanel {
 namespace {
 
-constexpr char TYPED = 't';
-constexpr char WIDENED = 'w';
 constexpr int BEHIND = -1;  // the place right of the text, and the only one of an empty text
 
 }  // namespace
@@ -21,8 +21,8 @@ void Text_editor::start() {
     const std::string text = value_text(edited());
     m_text.emplace(edited().Get_pid(), edited().Get_index(), edited().Get_max_length());
     m_text->Set(text.c_str(), static_cast<unsigned int>(text.size()));
-    m_marks.assign(m_text->Get_current_length(), TYPED);
-    m_position = m_marks.empty() ? BEHIND : 0;
+    m_position = length() == 0 ? BEHIND : 0;
+    m_is_typing = false;
     m_viewed.set(text);
 }
 
@@ -33,14 +33,19 @@ std::string Text_editor::working_text() {
 }
 
 std::string Text_editor::proposed_text() {
-    if (entry() == nullptr) {
-        return "";
-    }
-    const std::size_t first = m_marks.find(TYPED);
-    if (first == std::string::npos) {
-        return "";
-    }
-    return working_text().substr(first, m_marks.find_last_of(TYPED) - first + 1);
+    return entry() == nullptr ? "" : working_text();
+}
+
+int Text_editor::length() const {
+    return static_cast<int>(m_text->Get_current_length());
+}
+
+bool Text_editor::has_room() const {
+    return length() < static_cast<int>(m_text->Get_max_length());
+}
+
+bool Text_editor::is_inside() const {
+    return m_position >= 0 && m_position < length();
 }
 
 void Text_editor::remember() {
@@ -60,6 +65,7 @@ bool Text_editor::is_stored() {
 }
 
 void Text_editor::step(Editor_key key, int /*steps*/) {
+    const bool was_typing = std::exchange(m_is_typing, false);
     switch (key) {
         case Editor_key::UP:
             turn(1);
@@ -79,6 +85,9 @@ void Text_editor::step(Editor_key key, int /*steps*/) {
         case Editor_key::DELETE:
             remove();
             break;
+        case Editor_key::ERASE:
+            was_typing ? take_back() : remove();
+            break;
         case Editor_key::SELECT:
         case Editor_key::ESCAPE:
             break;
@@ -87,45 +96,48 @@ void Text_editor::step(Editor_key key, int /*steps*/) {
 
 // The place left of the text may be used only while the widened text stays below the longest.
 void Text_editor::move_left() {
-    const int length = static_cast<int>(m_marks.size());
     const int next = m_position + 1;
     const bool can_widen =
-        length > 0 && next == length && next + 1 < static_cast<int>(m_text->Get_max_length());
-    if (next < length || can_widen) {
+        length() > 0 && next == length() && next + 1 < static_cast<int>(m_text->Get_max_length());
+    if (next < length() || can_widen) {
         ++m_position;
     }
 }
 
 void Text_editor::move_right() {
-    const bool can_widen = m_marks.size() < m_text->Get_max_length();
-    if (m_position > 0 || (m_position == 0 && can_widen)) {
+    if (m_position > 0 || (m_position == 0 && has_room())) {
         --m_position;
     }
 }
 
 // Where the cursor is, or would be once the text is widened, counted from the left.
 std::size_t Text_editor::cursor() const {
-    const int place = static_cast<int>(m_marks.size()) - m_position - 1;
-    return static_cast<std::size_t>(std::max(0, place));
+    return static_cast<std::size_t>(std::max(0, length() - m_position - 1));
 }
 
 void Text_editor::turn(int direction) {
-    const std::string text = working_text();
-    const bool is_inside = m_position >= 0 && m_position < static_cast<int>(text.size());
-    const int change = is_inside ? change_of(text[cursor()], direction) : direction;
-    if (m_text->Inc_value(change, m_position) != Data_model::OK) {
+    if (!is_inside()) {
+        widen(new_character());
         return;
     }
-    const std::size_t length = m_text->Get_current_length();
-    const std::size_t added = length - m_marks.size();
-    if (added == 0) {
-        m_marks[length - static_cast<std::size_t>(m_position) - 1] = TYPED;
-    } else if (m_position < 0) {
-        m_marks.append(added, WIDENED);
-        m_position = 0;
-    } else {
-        m_marks.insert(0, added, WIDENED);
+    m_text->Inc_value(change_of(working_text()[cursor()], direction), m_position);
+}
+
+// By a character on the side of the cursor, which stands on it afterwards.
+void Text_editor::widen(char character) {
+    if (!has_room()) {
+        return;
     }
+    const bool is_behind = m_position < 0;
+    insert(is_behind ? static_cast<std::size_t>(length()) : 0, character);
+    m_position = is_behind ? 0 : length() - 1;
+}
+
+// The first turn and the first insertion are to be seen: a blank would not be.
+char Text_editor::new_character() const {
+    const std::string& set = settings().characters;
+    const std::size_t visible = set.find_first_not_of(' ');
+    return set.empty() ? 'A' : visible == std::string::npos ? ' ' : set[visible];
 }
 
 // From a character outside the set the encoder leads to the set's nearer end.
@@ -151,32 +163,80 @@ void Text_editor::put_working_text(const std::string& text) {
     m_text->Set(text.c_str(), static_cast<unsigned int>(text.size()));
 }
 
-// A set without a blank has its first character in its place.
-void Text_editor::insert() {
-    if (m_marks.size() >= m_text->Get_max_length()) {
-        return;
-    }
-    const std::string& set = settings().characters;
-    const bool has_blank = set.empty() || set.find(' ') != std::string::npos;
-    const std::size_t at = cursor();
+void Text_editor::insert(std::size_t at, char character) {
     std::string text = working_text();
-    text.insert(at, 1, has_blank ? ' ' : set.front());
+    text.insert(at, 1, character);
     put_working_text(text);
-    m_marks.insert(at, 1, TYPED);
-    m_position = static_cast<int>(m_marks.size() - at) - 1;
 }
 
-void Text_editor::remove() {
-    const bool is_left_of_text = m_position >= static_cast<int>(m_marks.size());
-    if (m_marks.empty() || is_left_of_text) {
+void Text_editor::insert() {
+    if (!has_room()) {
         return;
     }
-    const std::size_t at = std::min(cursor(), m_marks.size() - 1);
+    const std::size_t at = cursor();
+    insert(at, new_character());
+    m_position = length() - static_cast<int>(at) - 1;
+}
+
+void Text_editor::remove(std::size_t at) {
     std::string text = working_text();
     text.erase(at, 1);
     put_working_text(text);
-    m_marks.erase(at, 1);
+}
+
+void Text_editor::remove() {
+    if (length() == 0 || m_position >= length()) {
+        return;
+    }
+    remove(std::min(cursor(), static_cast<std::size_t>(length()) - 1));
     m_position = std::max(BEHIND, m_position - 1);
+}
+
+// The cursor stands behind what was typed. Places are counted from the right, so it stays on its character.
+void Text_editor::take_back() {
+    const int before = length() - m_position - 2;
+    if (before >= 0) {
+        remove(static_cast<std::size_t>(before));
+        m_is_typing = true;
+    }
+}
+
+// A character that the set lacks is taken as well, so that its key has no other meaning here.
+std::string Text_editor::typed_characters() const {
+    std::string all;
+    for (char character = ' '; character <= '~'; ++character) {
+        all += character;
+    }
+    return all;
+}
+
+// The character as the set has it; '\0' for one that it lacks.
+char Text_editor::in_set(char character) const {
+    const std::string& set = settings().characters;
+    const auto byte = static_cast<unsigned char>(character);
+    for (const int form : {static_cast<int>(byte), std::toupper(byte), std::tolower(byte)}) {
+        if (set.empty() || set.find(static_cast<char>(form)) != std::string::npos) {
+            return static_cast<char>(form);
+        }
+    }
+    return '\0';
+}
+
+// Beside the text it grows.
+void Text_editor::put(char character) {
+    const char taken = in_set(character);
+    if (taken == '\0' || (!is_inside() && !has_room())) {
+        return;
+    }
+    if (is_inside()) {
+        std::string text = working_text();
+        text[cursor()] = taken;
+        put_working_text(text);
+    } else {
+        widen(taken);
+    }
+    --m_position;
+    m_is_typing = true;
 }
 
 bool Text_editor::accept() {
@@ -188,10 +248,9 @@ void Text_editor::draw(int columns, Editor_view& shown) {
         shown.text = m_viewed.show(columns);
         return;
     }
-    const int length = static_cast<int>(m_marks.size());
-    const int left = std::max(0, m_position + 1 - length);
+    const int left = std::max(0, m_position + 1 - length());
     const std::string line = std::string(static_cast<std::size_t>(left), ' ') + working_text();
-    const auto cursor = static_cast<std::size_t>(left + length - m_position - 1);
+    const auto cursor = static_cast<std::size_t>(left + length() - m_position - 1);
     show_with_cursor(cursor < line.size() ? line : line + ' ', cursor, columns, shown);
 }
 

@@ -161,7 +161,23 @@ void Time_editor::keep_limits() {
 }
 
 void Time_editor::step(Editor_key key, int steps) {
+    if (key == Editor_key::ERASE) {
+        m_fields.erase();
+        return;
+    }
     m_fields.step(key, {steps, wraps()}, [this](std::size_t field) { return limits_of(field); });
+}
+
+std::string Time_editor::typed_characters() const {
+    return "0123456789-: ";
+}
+
+void Time_editor::put(char character) {
+    m_fields.type(character, [this](std::size_t field) { return limits_of(field); });
+}
+
+bool Time_editor::is_typing() const {
+    return m_fields.is_typing();
 }
 
 bool Time_editor::is_stored() {
@@ -169,6 +185,7 @@ bool Time_editor::is_stored() {
 }
 
 bool Time_editor::accept() {
+    keep_limits();
     return store_text(edited(), m_fields.text());
 }
 

@@ -145,6 +145,12 @@ Memory_device::Result Memory_device::set_integer(uint32_t pid, uint32_t varidx, 
     });
 }
 
+Memory_device::Result Memory_device::measure(uint32_t pid, uint32_t varidx, int32_t value) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Parameter* const parameter = find(pid, varidx);
+    return parameter != nullptr ? keep_number(*parameter, value) : UNKNOWN_PARAMETER;
+}
+
 Memory_device::Result Memory_device::set_text(uint32_t pid, uint32_t varidx,
                                               const std::string& value) {
     return change([&] {

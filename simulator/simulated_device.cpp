@@ -20,6 +20,7 @@ constexpr int64_t LAST_PRODUCT = std::numeric_limits<prod_id_t>::max();
 constexpr int64_t FIRST_DOCUMENT = 9000;
 constexpr int64_t LAST_DOCUMENT = 9100;
 constexpr int DEEPEST_TREE = 16;
+constexpr int64_t LONGEST_ROUND = 86400;  // seconds
 
 int slot_of(const Json_value& owner) {
     return static_cast<int>(owner.member("slot").integer(1, LAST_SLOT));
@@ -106,6 +107,16 @@ private:
             [&, low = min, high = max] { return parameter.member("value").integer(low, high); },
             int64_t{min}));
         m_device.m_memory.add_integer(key.first, key.second, min, max, value);
+        if (const auto moves = parameter.find("moves")) {
+            m_problems.attempt([&, low = min, high = max] {
+                moves->expect_members({"from", "to", "seconds"});
+                const auto from = static_cast<int32_t>(moves->member("from").integer(low, high));
+                const auto to = static_cast<int32_t>(moves->member("to").integer(low, high));
+                const std::chrono::seconds round(
+                    moves->member("seconds").integer(1, LONGEST_ROUND));
+                m_device.m_movement.add({key.first, key.second, from, to, value, round});
+            });
+        }
     }
 
     void read_text(const Json_value& parameter, const Key& key) {

@@ -64,11 +64,34 @@ Key_place Controller::place() const {
     if (!m_editing.is_changing()) {
         return Key_place::LIST;
     }
-    return m_editing.is_changing_text() ? Key_place::TEXT : Key_place::CURSOR;
+    return m_editing.can_erase() ? Key_place::TEXT : Key_place::CURSOR;
+}
+
+std::string Controller::characters() const {
+    const bool is_typed = m_notices.empty() && !(m_log && m_log->is_open());
+    return is_typed ? m_editing.characters() : "";
+}
+
+Panel_mode Controller::mode() const {
+    if (m_log && m_log->is_open()) {
+        return m_log->is_list() ? Panel_mode::LOG_LIST : Panel_mode::LOG;
+    }
+    if (!m_notices.empty()) {
+        return m_notices.asks() ? Panel_mode::QUESTION : Panel_mode::NOTICE;
+    }
+    return m_editing.is_open() ? m_editing.mode() : m_navigation.mode();
 }
 
 void Controller::press(const Key& pressed) {
-    const Key key = meant_key(turned(pressed), place());
+    if (pressed.character != '\0' && characters().find(pressed.character) != std::string::npos) {
+        m_editing.type(pressed.character);
+        settle_and_show();
+        return;
+    }
+    press_meant(meant_key(turned(pressed), place()));
+}
+
+void Controller::press_meant(const Key& key) {
     m_key = key.kind;
     if (m_log && m_log->is_open()) {
         m_log->press(key.kind);
@@ -231,6 +254,8 @@ Frame Controller::draw() {
         m_navigation.draw(frame.lcd);
         frame.leds.alarm = m_navigation.alarm();
     }
+    frame.mode = mode();
+    frame.characters = characters();
     return frame;
 }
 

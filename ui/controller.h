@@ -35,6 +35,10 @@ public:
     // How the encoder works, and which entries are edited in their own way; null for none. The table outlives
     // the controller.
     void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
+    // See `Notices::set_keys`.
+    void set_answer_keys(const std::string& accepting, const std::string& cancelling) {
+        m_notices.set_keys(accepting, cancelling);
+    }
     // See `Editing`.
     void set_warning_armer(std::function<void()> arm) {
         m_editing.set_warning_armer(std::move(arm));
@@ -50,6 +54,8 @@ public:
     void set_log(Log_lines& lines) { m_log.emplace(lines); }
 
     void press(const Key& key);
+    // What a keyboard can type now; empty while nothing is edited. A key with one of these characters types it.
+    std::string characters() const;
     // The key as the menu takes it: the encoder may be set up to turn the other way.
     Key turned(const Key& key) const;
     // The person wants to end the panel. Whether it ends at once: an edit that would be lost is asked about first, and
@@ -71,6 +77,8 @@ private:
     static constexpr Key::Kind NO_KEY = Key::SHORTCUT;  // one that ends no editing
 
     Key_place place() const;
+    Panel_mode mode() const;
+    void press_meant(const Key& key);
     void press_in_menu(const Key& key);
     bool is_free() const;
     bool settle();

@@ -45,8 +45,12 @@ void Main_loop::take(const Front_event& event) {
             press(event.key);
             break;
         case Front_event::QUIT:
-            m_panel.quit();
-            m_over = m_panel.is_over();
+            if (m_panel.types(event.key.character)) {
+                press(event.key);
+            } else {
+                m_panel.quit();
+                m_over = m_panel.is_over();
+            }
             break;
         case Front_event::GONE:
             m_over = true;
@@ -77,7 +81,9 @@ void Main_loop::drop_keys() {
         if (!event) {
             return;
         }
-        if (event->kind != Front_event::KEY) {
+        const bool is_typed =
+            event->kind == Front_event::QUIT && m_panel.types(event->key.character);
+        if (event->kind != Front_event::KEY && !is_typed) {
             take(*event);
         }
     }

@@ -59,6 +59,10 @@ struct Panel::Parts {
         }
         controller.configure(options.encoder.value_or(menu.encoder_settings()),
                              &menu.editor_settings());
+        if (options.answer_keys) {
+            controller.set_answer_keys(options.answer_keys->accepting,
+                                       options.answer_keys->cancelling);
+        }
         controller.set_warning_armer([this] { menu.bindings()->arm_warnings(); });
         controller.set_clock([this] {
             return std::chrono::duration_cast<std::chrono::milliseconds>(
@@ -104,6 +108,10 @@ Panel::~Panel() = default;
 void Panel::press(const Key& key) {
     m_parts->session->press(key, now());
     m_parts->has_changed = true;
+}
+
+bool Panel::types(char character) const {
+    return m_parts->session->types(character);
 }
 
 void Panel::receive(const FrontPanel::Message& message) {
@@ -155,6 +163,10 @@ const Frame& Panel::frame() {
         m_parts->has_changed = false;
     }
     return *m_parts->frame;
+}
+
+void Panel::scroll() {
+    m_parts->has_changed = true;
 }
 
 void Panel::set_size(Lcd_size size) {

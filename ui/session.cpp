@@ -17,7 +17,9 @@ Session::Session(Controller& controller, Data_interface& device, std::optional<s
 
 void Session::press(const Key& key, Time now) {
     m_last_key = now;
-    if (!m_dim) {
+    if (types(key.character)) {
+        m_controller.press(key);
+    } else if (!m_dim) {
         if (const Message_pointer message = message_of(key)) {
             m_controller.receive(*message);
         }
@@ -37,6 +39,12 @@ bool Session::may_end(std::function<void()> ends, Time now) {
         }
     }
     return may_end;
+}
+
+// No message stands for what a keyboard types.
+bool Session::types(char character) const {
+    return !m_dim && character != '\0' &&
+           m_controller.characters().find(character) != std::string::npos;
 }
 
 void Session::press_on_lock(const Key& key, Time now) {
@@ -107,6 +115,10 @@ Frame Session::draw(Time now) {
         m_lock->draw(frame.lcd, now);
     }
     frame.dim = m_dim && !m_asks;
+    if (m_dim) {
+        frame.mode = m_asks ? Panel_mode::PIN : m_lock ? Panel_mode::LOCKED : Panel_mode::ASLEEP;
+        frame.characters.clear();
+    }
     frame.leds.heart = m_heart;
     return frame;
 }

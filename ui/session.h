@@ -37,6 +37,9 @@ public:
     Frame draw(Time now);
     void set_size(Lcd_size size) { m_controller.set_size(size); }
 
+    // Whether an editor takes the character of a keyboard.
+    bool types(char character) const;
+
     bool is_dim() const { return m_dim; }
     bool is_locked() const { return m_dim && m_lock.has_value(); }
 

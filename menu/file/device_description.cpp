@@ -142,7 +142,7 @@ void Device_description::check_name(const Json_value& name, const Parameter& dec
 void Device_description::load_limits(const Json_value& parameter, Parameter& declared) {
     if (declared.type == INTEGER) {
         parameter.expect_members(
-            {"name", "pid", "index", "type", "description", "min", "max", "value"});
+            {"name", "pid", "index", "type", "description", "min", "max", "value", "moves"});
         const Number_limits limits = number_limits_of(parameter, m_problems);
         declared.min = limits.min;
         declared.max = limits.max;

@@ -21,7 +21,7 @@ struct Common_member {
 };
 constexpr Common_member COMMON_MEMBERS[] = {
     {member::TYPE, true, true},       {member::ID, true, false},
-    {member::NAME, false, false},     {member::DESCRIPTION, false, true},
+    {member::NAME, false, true},      {member::DESCRIPTION, false, true},
     {member::INDEX, false, true},     {member::VISIBLE, false, false},
     {member::SHORTCUT, false, false}, {member::OPTIONS, false, true},
     {member::BINDING, false, true},   {member::EDITOR, false, true},

@@ -11,10 +11,30 @@
 namespace frontpanel {
 namespace {
 
-Link_entry& add_link(Load_context& context, Data_entry& housed, const Json_value& item,
-                     unsigned int level) {
+// A link to an item that it owns. The library knows what it owns by a name of its own, which no person is to read.
+class Bridge_link : public Link_entry {
+public:
+    Bridge_link(Data_entry* housed, std::string name)
+        : Link_entry(housed), m_shown_name(std::move(name)) {}
+    const char* Get_name() const override { return m_shown_name.c_str(); }
+
+private:
+    std::string m_shown_name;
+};
+
+// That of its item, or of the item's parameter.
+std::string bridge_name(const Json_value& housed) {
+    if (housed.find(member::NAME)) {
+        return shown_name(name_of(housed));
+    }
+    const auto parameter = housed.find(member::PARAMETER);
+    return parameter ? parameter->text() : "Bridge";
+}
+
+Link_entry& add_link(Load_context& context, std::unique_ptr<Link_entry> made,
+                     const Json_value& item, unsigned int level) {
     static const std::vector<const char*> BEHAVIOURS{"stay", "skip"};
-    Link_entry& link = context.menu.add(std::make_unique<Link_entry>(&housed));
+    Link_entry& link = context.menu.add(std::move(made));
     context.menu.links().push_back(&link);
     link.setNodeLevel(level);
     if (const auto behaviour = item.find(member::BEHAVIOUR)) {
@@ -40,7 +60,7 @@ Link_entry& add_link_to_target(Load_context& context, const Json_value& item, un
     if (is_link(target)) {
         reference.fail("a link leads to no other link");
     }
-    Link_entry& link = add_link(context, target, item, level);
+    Link_entry& link = add_link(context, std::make_unique<Link_entry>(&target), item, level);
     context.built.links.push_back({reference, &target, &link});
     return link;
 }
@@ -56,6 +76,8 @@ void build_bridge(Load_context& context, const Json_value& item, const Spot& spo
         housed.member(member::TYPE).fail("a bridge leads to no item of this type");
     }
     housed.expect_members(bridged_members_of(kind));
+    const std::string name =
+        context.problems.value_or([&housed] { return bridge_name(housed); }, std::string("?"));
     std::unique_ptr<const Index_t> index;
     if (!context.problems.attempt([&] {
             kind.build(context, housed, {nullptr, spot.level, &index});
@@ -65,7 +87,8 @@ void build_bridge(Load_context& context, const Json_value& item, const Spot& spo
     // The link owns both from here on.
     Data_entry* const entry = context.menu.release_last();
     (void)index.release();
-    Link_entry& link = add_link(context, *entry, item, spot.level);
+    Link_entry& link =
+        add_link(context, std::make_unique<Bridge_link>(entry, name), item, spot.level);
     link.setAsBridgeLink();
     enlist(context, item, link);
 }
@@ -86,7 +109,7 @@ void build_mount(Load_context& context, const Json_value& item, const Spot& spot
         place.warn("there is no folder \"" + folder + "\"");
     }
     Mounted_menu& mounted = context.menu.add_mounted_menu(folder);
-    Link_entry& link = add_link(context, node, item, spot.level);
+    Link_entry& link = add_link(context, std::make_unique<Link_entry>(&node), item, spot.level);
     link.setAsMountLink([&mounted, &link](MenuControl*) { return mounted.build(link); },
                         [&mounted](MenuControl*) -> Data_entry* {
                             mounted.destroy();

@@ -1,5 +1,6 @@
 #include "editing/editing.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
@@ -32,6 +33,7 @@ constexpr Editing_key EDITING_KEYS[] = {
     {Key::SELECT, Editor_key::SELECT},   {Key::BACK, Editor_key::ESCAPE},
     {Key::COARSER, Editor_key::COARSER}, {Key::FINER, Editor_key::FINER},
     {Key::INSERT, Editor_key::INSERT},   {Key::DELETE, Editor_key::DELETE},
+    {Key::ERASE, Editor_key::ERASE},
 };
 
 std::optional<Editor_key> editor_key_of(Key::Kind kind) {
@@ -89,8 +91,10 @@ void Editing::open(Data_entry& entry, const std::string& name) {
         tell(is_live(entry) ? "no options yet" : "no value allowed");
         return;
     }
-    m_title = title_of(entry);
+    m_title = m_name;
     m_title_line = Text_line();
+    m_reach = reach_of(entry);
+    m_level = 0;
     m_settings = settings_of(entry);
     m_speed.reset();
     if (m_arm) {
@@ -101,18 +105,33 @@ void Editing::open(Data_entry& entry, const std::string& name) {
 }
 
 // An address is asked for an answer once, when it is opened: that takes up to a second. The entry itself would ask
-// the text that its line shows, so the panel asks the address that was just read.
-std::string Editing::title_of(Data_entry& entry) const {
+// the text that its line shows, so the panel asks the address that was just read. The library's own mark needs words.
+std::string Editing::reach_of(Data_entry& entry) const {
     if (!kind_of(entry).has(Entry_kind::IS_PROBED)) {
-        return m_name;
+        return "";
     }
     auto& address = static_cast<Ip_entry&>(entry);
     std::array<char, Ip_entry::IP_STRING_MAX_LENGTH + 1> text{};
     address.Get_value(text.data(), Ip_entry::IP_STRING_MAX_LENGTH);
     if (!m_device.may_probe(text.data())) {
-        return m_name;
+        return "";
     }
-    return (Data_entry::isRemoteConnected(text.data()) ? "[C]" : "[ ]") + m_name;
+    return Data_entry::isRemoteConnected(text.data()) ? "online" : "offline";
+}
+
+// What stands beside the title. An option of a tree has an asterisk for each level above it, which needs words; while
+// it scrolls, its beginning is not always to be seen.
+std::string Editing::note_of(const Editor_view& shown) {
+    constexpr int TREE = 1;  // as `getWebTypeAsInt` returns it
+    if (!is_live(entry()) || static_cast<Enum_entry&>(entry()).getWebTypeAsInt() != TREE) {
+        return shown.step.empty() ? m_reach : shown.step;
+    }
+    const size_t level = std::min(shown.text.find_first_not_of('*'), shown.text.size());
+    if (level > 0 || shown.step != m_level_step) {
+        m_level = level;
+        m_level_step = shown.step;
+    }
+    return m_level == 0 ? shown.step : "level " + std::to_string(m_level) + " " + shown.step;
 }
 
 void Editing::press(const Key& key) {
@@ -121,6 +140,19 @@ void Editing::press(const Key& key) {
         const int steps = steps_of(key.kind);
         attempt([&] { return m_editor->press(*editor_key, steps); });
     }
+}
+
+void Editing::type(char character) {
+    attempt([&] { return m_editor->type(character); });
+}
+
+Panel_mode Editing::mode() const {
+    const Entry_kind& kind = kind_of(entry());
+    return !is_changing()                    ? Panel_mode::VIEW
+           : kind.has(Entry_kind::IS_TYPED)  ? Panel_mode::TEXT
+           : kind.has(Entry_kind::IS_NUMBER) ? Panel_mode::NUMBER
+           : m_editor->characters().empty()  ? Panel_mode::OPTIONS
+                                             : Panel_mode::FIELDS;
 }
 
 int Editing::steps_of(Key::Kind key) {
@@ -336,7 +368,7 @@ void Editing::close() {
 
 void Editing::draw(Frame& frame) {
     const Editor_view shown = m_editor->view(frame.lcd.size().columns);
-    m_title_line.draw(frame.lcd, TITLE_ROW, 0, {m_title, shown.step, ""});
+    m_title_line.draw(frame.lcd, TITLE_ROW, 0, {m_title, note_of(shown), ""});
     frame.lcd.put(TEXT_ROW, 0, shown.text);
     if (shown.cursor != Editor_view::NO_CURSOR) {
         frame.lcd.set_cursor(TEXT_ROW, shown.cursor);

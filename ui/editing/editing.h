@@ -54,10 +54,14 @@ public:
     bool is_open() const { return m_editor != nullptr; }
     // Whether an editor is open that changes its value.
     bool is_changing() const { return is_open() && m_editor->can_change(); }
-    // Whether that value is a text.
-    bool is_changing_text() const {
-        return is_changing() && kind_of(entry()).has(Entry_kind::IS_TYPED);
-    }
+    // Whether a key that erases takes something away that was typed.
+    bool can_erase() const { return is_open() && m_editor->can_erase(); }
+    // What can be typed at a keyboard now.
+    std::string characters() const { return is_open() ? m_editor->characters() : ""; }
+    // Types one of these.
+    void type(char character);
+    // What the open editor's keys do.
+    Panel_mode mode() const;
     // The entry of the open editor.
     Data_entry& entry() const { return *m_editor->entry(); }
     // Hands a key to the open editor. A shortcut does nothing: a jump would drop the edited value unasked.
@@ -93,7 +97,8 @@ private:
     void close();
     bool follow_access();
     void tell(const std::string& text, bool alarm = false) { m_notices.tell(m_name, text, alarm); }
-    std::string title_of(Data_entry& entry) const;
+    std::string reach_of(Data_entry& entry) const;
+    std::string note_of(const Editor_view& shown);
 
     Device_link m_device;
     Notices& m_notices;
@@ -109,6 +114,9 @@ private:
     std::string m_name;
     std::string m_title;
     Text_line m_title_line;
+    std::string m_reach;  // whether an address answers, in a word; empty: not asked
+    size_t m_level = 0;   // of a tree's option, and its place in the list
+    std::string m_level_step;
     bool m_was_changing = false;  // when the entry was looked at last
     Encoder_speed m_speed;
     std::vector<std::string> m_warnings;  // raised since the last attempt began

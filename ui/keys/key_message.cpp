@@ -66,7 +66,7 @@ std::vector<Key> steps_of(const Message& message) {
 Message_pointer message_of(const Key& key) {
     const Key_row* const row = row_of(key.kind);
     if (row == nullptr) {
-        return shortcut_message(key.button);
+        return key.kind == Key::SHORTCUT ? shortcut_message(key.button) : nullptr;
     }
     return row->detents != 0 ? shaft_message(row->detents) : button_message(row->code);
 }

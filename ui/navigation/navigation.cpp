@@ -59,6 +59,15 @@ Data_entry* Navigation::selected() const {
     return m_list.is_at_rest() ? nullptr : m_list.selected();
 }
 
+Panel_mode Navigation::mode() const {
+    if (m_path.steps().size() > 1) {
+        return Panel_mode::MENU;
+    }
+    return m_list.is_at_rest() ? Panel_mode::HOMESCREEN
+           : is_home()         ? Panel_mode::HOME_CURSOR
+                               : Panel_mode::TOP_MENU;
+}
+
 void Navigation::press(const Key& key) {
     switch (key.kind) {
         case Key::UP:

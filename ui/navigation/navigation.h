@@ -61,6 +61,7 @@ public:
     Data_entry* selected() const;
 
     void draw(Lcd& lcd) { m_list.draw(lcd); }
+    Panel_mode mode() const;
     bool alarm() const { return m_list.alarm(); }
 
 private:

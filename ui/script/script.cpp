@@ -60,21 +60,60 @@ public:
         }
         return word == first;
     }
+    // What follows is taken away when it is next.
+    bool takes(const std::string& word) {
+        const std::streampos start = m_words.tellg();
+        std::string next;
+        if (m_words >> next && next == word) {
+            return true;
+        }
+        m_words.clear();
+        m_words.seekg(start);
+        return false;
+    }
     Parameter_name parameter();
 
 private:
+    std::string marked(char closing);
+
     std::string m_place;
     std::istringstream m_words;
 };
 
-// "100", "100.1" or "100.1.2": the parameter id and up to two index levels.
-Parameter_name Line::parameter() {
-    const std::string word = this->word("a parameter");
-    const std::optional<Parameter_address> address = parse_address(word);
-    if (!address || address->type != INVALID_TYPE || !is_unique(address->index)) {
-        fail("expected a parameter such as 100 or 100.1.2, found \"" + word + "\"");
+// What stands up to the closing mark; the opening one has been read.
+std::string Line::marked(char closing) {
+    std::string text;
+    std::getline(m_words, text, closing);
+    if (m_words.eof()) {
+        fail(std::string("the closing ") + closing + " of a parameter's name is missing");
     }
-    return {address->pid, varidx_of(address->index)};
+    return text;
+}
+
+// "100", "100.1" or "100.1.2": the parameter id and up to two index levels. A name stands as it is, or with blanks in it
+// in brackets, as in rules, or in quotation marks; so does an address in brackets.
+Parameter_name Line::parameter() {
+    constexpr const char* EXPECTED = "expected a parameter such as 100, 100.1.2, level or [gain 1]";
+    if (at_end()) {
+        fail("expected a parameter");
+    }
+    const auto first = static_cast<char>(m_words.peek());
+    const bool is_marked = first == '[' || first == '"';
+    if (is_marked) {
+        m_words.get();
+    }
+    const std::string text = is_marked ? marked(first == '[' ? ']' : '"') : word("a parameter");
+    if (is_like_address(text)) {
+        const std::optional<Parameter_address> address = parse_address(text);
+        if (address && address->type == INVALID_TYPE && is_unique(address->index)) {
+            return {address->pid, varidx_of(address->index)};
+        }
+        fail(std::string(EXPECTED) + ", found \"" + text + "\"");
+    }
+    if (text.empty()) {
+        fail(EXPECTED);
+    }
+    return {0, 0, text};
 }
 
 // What is pressed or let pass may be repeated.
@@ -108,6 +147,9 @@ void read_say(Line& line, Step& step) {
 void read_expect(Line& line, Step& step) {
     step.kind = Step::EXPECT_LINE;
     step.row = line.number(1, LARGEST_LCD.rows, "a display line") - 1;
+    if (line.takes("contains")) {
+        step.kind = Step::EXPECT_PART;
+    }
     const std::string framed = line.rest();
     if (framed.size() < 2 || framed.front() != '|' || framed.back() != '|') {
         line.fail("expected the line between two bars, such as |>Gain       3 dB |");

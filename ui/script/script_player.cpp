@@ -7,8 +7,12 @@
 namespace frontpanel {
 namespace {
 
+// Frames: the longest text, its gap and the time for which its start is held.
+constexpr int LONGEST_ROUND = 300;
+
 std::string name_of(const Parameter_name& parameter) {
-    return address_text(parameter.pid, parameter.varidx);
+    return parameter.name.empty() ? address_text(parameter.pid, parameter.varidx)
+                                  : "[" + parameter.name + "]";
 }
 
 std::string description_of(const Script_device::Write& write) {
@@ -52,10 +56,11 @@ Script_player::Script_player(Panel& panel, Script_device& device, Display& displ
       m_out(out),
       m_differences(differences) {}
 
-int Script_player::play(const Script& script) {
+int Script_player::play(const Script& given) {
     int failures = 0;
-    for (const Step& step : script.steps) {
-        check_parameter(script, step);
+    Script script = given;
+    for (Step& step : script.steps) {
+        resolve(script, step);
     }
     show();
     for (const Step& step : script.steps) {
@@ -70,10 +75,20 @@ int Script_player::play(const Script& script) {
     return failures;
 }
 
-void Script_player::check_parameter(const Script& script, const Step& step) const {
+// A name keeps standing for its address in messages.
+void Script_player::resolve(const Script& script, Step& step) const {
     const bool names_one =
         step.kind == Step::EXPECT_WRITE || step.kind == Step::FAIL || step.kind == Step::SET;
-    if (names_one && !m_device.has_parameter(step.parameter)) {
+    if (!names_one) {
+        return;
+    }
+    const std::string& name = step.parameter.name;
+    const auto found = name.empty() ? step.parameter : m_device.find(name);
+    if (found) {
+        step.parameter.pid = found->pid;
+        step.parameter.varidx = found->varidx;
+    }
+    if (!found || !m_device.has_parameter(step.parameter)) {
         throw Input_error(script.file + ":" + std::to_string(step.line) +
                           ": the device has no parameter " + name_of(step.parameter));
     }
@@ -104,6 +119,7 @@ void Script_player::perform(const Script& script, const Step& step) {
             set_value(script, step);
             break;
         case Step::EXPECT_LINE:
+        case Step::EXPECT_PART:
         case Step::EXPECT_LEDS:
         case Step::EXPECT_WRITE:
         case Step::EXPECT_NO_WRITE:
@@ -124,6 +140,8 @@ std::optional<std::string> Script_player::difference(const Step& step) {
     switch (step.kind) {
         case Step::EXPECT_LINE:
             return line_difference(step);
+        case Step::EXPECT_PART:
+            return part_difference(step);
         case Step::EXPECT_LEDS:
             return led_difference(step);
         case Step::EXPECT_WRITE:
@@ -147,6 +165,27 @@ std::optional<std::string> Script_player::line_difference(const Step& step) cons
     }
     return "line " + std::to_string(step.row + 1) + " shows |" + shown + "|, expected |" +
            step.text + "|";
+}
+
+bool Script_player::shows_part(const Step& step) const {
+    return matches(text_of(m_frame->lcd.line(step.row)), "*" + step.text + "*");
+}
+
+// A text that scrolls shows all of itself in a round.
+std::optional<std::string> Script_player::part_difference(const Step& step) {
+    if (step.row >= m_frame->lcd.size().rows) {
+        return line_difference(step);
+    }
+    const std::string first = text_of(m_frame->lcd.line(step.row));
+    for (int frame = 0; frame < LONGEST_ROUND && !shows_part(step); ++frame) {
+        m_panel.scroll();
+        m_frame = m_panel.frame();
+    }
+    if (shows_part(step)) {
+        return std::nullopt;
+    }
+    return "line " + std::to_string(step.row + 1) + " shows |" + first +
+           "|, nothing of which is |" + step.text + "|";
 }
 
 std::optional<std::string> Script_player::led_difference(const Step& step) const {
@@ -175,7 +214,11 @@ std::optional<std::string> Script_player::write_difference(const Step& step) {
         return "expected the write " + expected + ", the device got none";
     }
     m_device.drop_write();
-    const std::string got = description_of(*write);
+    Script_device::Write named = *write;
+    const bool is_meant = write->parameter.pid == step.parameter.pid &&
+                          write->parameter.varidx == step.parameter.varidx;
+    named.parameter.name = is_meant ? step.parameter.name : "";
+    const std::string got = description_of(named);
     if (got == expected) {
         return std::nullopt;
     }

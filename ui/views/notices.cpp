@@ -2,14 +2,15 @@
 
 #include <utility>
 
+#include <frontpanel_display/key_table.h>
+
 namespace frontpanel {
 namespace {
 
 constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
-constexpr int LEAST_ROWS_WITH_HINT = 3;
+constexpr int LEAST_ROWS_WITH_TITLE = 3;
 constexpr const char* QUESTION_MARK = "ok?";
-constexpr const char* HINT = "select/back";
 
 Scrolling_text scrolling(const std::string& text) {
     Scrolling_text scrolls;
@@ -19,14 +20,25 @@ Scrolling_text scrolling(const std::string& text) {
 
 }  // namespace
 
+Notices::Notices() {
+    set_keys(row_of(Key::SELECT)->label, row_of(Key::BACK)->label);
+}
+
+void Notices::set_keys(const std::string& accepting, const std::string& cancelling) {
+    m_accepting = accepting.empty() ? "" : accepting + " yes";
+    m_cancelling = cancelling.empty() ? "" : cancelling + " no";
+    m_keys.set(m_accepting + ", " + m_cancelling);
+}
+
 void Notices::tell(const std::string& title, const std::string& text, bool alarm) {
-    m_notices.push_back({title, {}, {scrolling(text)}, alarm, nullptr});
+    m_notices.push_back({title, {}, {scrolling(text)}, {}, alarm, nullptr});
 }
 
 void Notices::ask(const std::string& title, const std::vector<std::string>& texts, Answer answer) {
-    Notice notice{title, {}, {}, false, std::move(answer)};
+    Notice notice{title, {}, {}, {}, false, std::move(answer)};
     for (const std::string& text : texts) {
         notice.texts.push_back(scrolling(text));
+        notice.titled.push_back(scrolling(title + ": " + text));
     }
     m_notices.push_back(std::move(notice));
 }
@@ -37,6 +49,7 @@ void Notices::press(Key::Kind key) {
         finish(false);
     } else if (key == Key::SELECT && shown.texts.size() > 1) {
         shown.texts.erase(shown.texts.begin());
+        shown.titled.erase(shown.titled.begin());
     } else if (key == Key::SELECT) {
         finish(true);
     }
@@ -63,16 +76,34 @@ void Notices::cancel() {
     }
 }
 
+// The keys stand there whole, with a comma where there is room for one.
+void Notices::draw_keys(Lcd& lcd) {
+    const int columns = lcd.size().columns;
+    const bool has_both = !m_accepting.empty() && !m_cancelling.empty();
+    for (const std::string& between : {std::string(has_both ? ", " : ""), std::string(" ")}) {
+        const std::string keys = m_accepting + between + m_cancelling;
+        if (static_cast<int>(keys.size()) <= columns) {
+            lcd.put(lcd.size().rows - 1, 0, keys);
+            return;
+        }
+    }
+    lcd.put(lcd.size().rows - 1, 0, m_keys.show(columns));
+}
+
 void Notices::draw(Frame& frame) {
     Notice& shown = m_notices.front();
     const Lcd_size size = frame.lcd.size();
-    shown.title_line.draw(frame.lcd, TITLE_ROW, 0,
-                          {shown.title, shown.answer != nullptr ? QUESTION_MARK : "", ""});
-    frame.lcd.put(TEXT_ROW, 0, shown.texts.front().show(size.columns));
-    if (shown.answer != nullptr && size.rows >= LEAST_ROWS_WITH_HINT) {
-        frame.lcd.put_right(size.rows - 1, HINT);
-    }
     frame.leds.alarm = shown.alarm;
+    if (shown.answer == nullptr || size.rows >= LEAST_ROWS_WITH_TITLE) {
+        shown.title_line.draw(frame.lcd, TITLE_ROW, 0,
+                              {shown.title, shown.answer != nullptr ? QUESTION_MARK : "", ""});
+        frame.lcd.put(TEXT_ROW, 0, shown.texts.front().show(size.columns));
+    } else {
+        frame.lcd.put(TITLE_ROW, 0, shown.titled.front().show(size.columns));
+    }
+    if (shown.answer != nullptr) {
+        draw_keys(frame.lcd);
+    }
 }
 
 }  // namespace frontpanel

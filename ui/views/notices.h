@@ -19,32 +19,44 @@ class Notices {
 public:
     using Answer = std::function<void(bool accepted)>;
 
+    Notices();
+
     // Shows a text under a title once those before it are gone; any key acknowledges it. `alarm` lights the
     // alarm LED with it.
     void tell(const std::string& title, const std::string& text, bool alarm = false);
-    // Shows texts one by one, at least one. SELECT goes on to the next and accepts with the last, BACK cancels
-    // at any; no other key does anything. The answer is given once.
+    // Shows texts one by one, at least one, with the keys that answer. SELECT goes on to the next and accepts with the
+    // last, BACK cancels at any; no other key does anything. The answer is given once.
     void ask(const std::string& title, const std::vector<std::string>& texts, Answer answer);
+    // How questions name the keys of the display that answer; an empty name is left out. Those of a keyboard until then.
+    void set_keys(const std::string& accepting, const std::string& cancelling);
     // Cancels every question; what is only told stays.
     void cancel();
     // Whether none is shown.
     bool empty() const { return m_notices.empty(); }
+    // Whether what is shown is a question.
+    bool asks() const { return !empty() && m_notices.front().answer != nullptr; }
     // Not without one.
     void press(Key::Kind key);
-    // Draws the first text, which scrolls by one character a call when it is too long. Not without one.
+    // Draws the first text, which scrolls by one character a call when it is too long. Not without one. A question has
+    // its keys on the last line; on a display of two lines its title stands before its text.
     void draw(Frame& frame);
 
 private:
     struct Notice {
         std::string title;
         Text_line title_line;
-        std::vector<Scrolling_text> texts;  // the first is shown
+        std::vector<Scrolling_text> texts;   // the first is shown
+        std::vector<Scrolling_text> titled;  // of a question: each text behind the title
         bool alarm;
         Answer answer;  // null for none
     };
     void finish(bool accepted);
+    void draw_keys(Lcd& lcd);
 
     std::deque<Notice> m_notices;  // the first is shown
+    std::string m_accepting;
+    std::string m_cancelling;
+    Scrolling_text m_keys;  // where no form of them fits
 };
 
 }  // namespace frontpanel

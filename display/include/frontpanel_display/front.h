@@ -24,7 +24,7 @@ struct Front_event {
         GONE     // the display is gone for good: the panel ends at once
     };
     Kind kind;
-    Key key{Key::UP};  // of KEY
+    Key key{Key::UP};  // of KEY; of QUIT its character, which an editor may take instead
     Lcd_size size{};   // of SIZE
 };
 

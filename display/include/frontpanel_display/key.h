@@ -19,10 +19,14 @@ struct Key {
         LEFT,         // an arrow key: a cursor to the left, or back
         RIGHT,        // an arrow key: a cursor to the right, or select
         ERASE,        // a character of an edited text, or back
-        FAVOURITES    // opens the favourites
+        FAVOURITES,   // opens the favourites
+        CHARACTER     // a key of a keyboard that means nothing but its character
     };
     Kind kind;
     int button = 0;  // of SHORTCUT: the button's number
+    // What the key of a keyboard writes, printable ASCII. An editor that takes it writes it; anywhere else the key means
+    // its kind. 0 for any other key.
+    char character = '\0';
 };
 
 }  // namespace frontpanel

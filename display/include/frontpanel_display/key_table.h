@@ -15,12 +15,13 @@ struct Key_row {
     Key::Kind kind;
     const char* word;      // in scripts and key maps
     const char* keyboard;  // the key of a keyboard that presses it
+    const char* label;     // that key in a legend or a question
     bool
         is_usual;  // a display with keys of its own presses it by the key of that name, unless mapped
     int8_t detents;  // of the shaft encoder, clockwise; 0 for a push button
     uint8_t code;    // of a push button in its message
     // The key that it counts as where no cursor moves sideways (lists, questions, the PIN), where one does (edited
-    // values, diagnostics), and in an edited text. Itself for a key that means the same everywhere.
+    // values, diagnostics), and in a text or what else was typed. Itself for a key that means the same everywhere.
     Key::Kind in_list;
     Key::Kind at_cursor;
     Key::Kind in_text;
@@ -32,19 +33,19 @@ inline constexpr int LAST_SHORTCUT = 99;
 
 // clang-format off
 inline constexpr Key_row KEY_TABLE[] = {
-    {Key::UP, "up", "Up", true, 1, 0, Key::UP, Key::UP, Key::UP},
-    {Key::DOWN, "down", "Down", true, -1, 0, Key::DOWN, Key::DOWN, Key::DOWN},
-    {Key::LEFT, "left", "Left", true, 0, 19, Key::BACK, Key::COARSER, Key::COARSER},
-    {Key::RIGHT, "right", "Right", true, 0, 20, Key::SELECT, Key::FINER, Key::FINER},
-    {Key::SELECT, "select", "Enter", true, 0, 11, Key::SELECT, Key::SELECT, Key::SELECT},
-    {Key::BACK, "back", "Escape", true, 0, 13, Key::BACK, Key::BACK, Key::BACK},
-    {Key::COARSER, "coarser", "+", false, 0, 14, Key::COARSER, Key::COARSER, Key::COARSER},
-    {Key::FINER, "finer", "-", false, 0, 15, Key::FINER, Key::FINER, Key::FINER},
-    {Key::INSERT, "insert", "Insert", false, 0, 16, Key::INSERT, Key::INSERT, Key::INSERT},
-    {Key::DELETE, "delete", "Delete", false, 0, 17, Key::DELETE, Key::DELETE, Key::DELETE},
-    {Key::ERASE, "erase", "Backspace", false, 0, 21, Key::BACK, Key::BACK, Key::DELETE},
-    {Key::DIAGNOSTICS, "diagnostics", "d", false, 0, 18, Key::DIAGNOSTICS, Key::DIAGNOSTICS, Key::DIAGNOSTICS},
-    {Key::FAVOURITES, "favourites", "f", false, 0, 22, Key::FAVOURITES, Key::FAVOURITES, Key::FAVOURITES},
+    {Key::UP, "up", "Up", "Up", true, 1, 0, Key::UP, Key::UP, Key::UP},
+    {Key::DOWN, "down", "Down", "Down", true, -1, 0, Key::DOWN, Key::DOWN, Key::DOWN},
+    {Key::LEFT, "left", "Left", "Left", true, 0, 19, Key::BACK, Key::COARSER, Key::COARSER},
+    {Key::RIGHT, "right", "Right", "Right", true, 0, 20, Key::SELECT, Key::FINER, Key::FINER},
+    {Key::SELECT, "select", "Enter", "Enter", true, 0, 11, Key::SELECT, Key::SELECT, Key::SELECT},
+    {Key::BACK, "back", "Escape", "Esc", true, 0, 13, Key::BACK, Key::BACK, Key::BACK},
+    {Key::COARSER, "coarser", "+", "+", false, 0, 14, Key::COARSER, Key::COARSER, Key::COARSER},
+    {Key::FINER, "finer", "-", "-", false, 0, 15, Key::FINER, Key::FINER, Key::FINER},
+    {Key::INSERT, "insert", "Insert", "Ins", false, 0, 16, Key::INSERT, Key::INSERT, Key::INSERT},
+    {Key::DELETE, "delete", "Delete", "Del", false, 0, 17, Key::DELETE, Key::DELETE, Key::DELETE},
+    {Key::ERASE, "erase", "Backspace", "Backspace", false, 0, 21, Key::BACK, Key::BACK, Key::ERASE},
+    {Key::DIAGNOSTICS, "diagnostics", "d", "d", false, 0, 18, Key::DIAGNOSTICS, Key::DIAGNOSTICS, Key::DIAGNOSTICS},
+    {Key::FAVOURITES, "favourites", "f", "f", false, 0, 22, Key::FAVOURITES, Key::FAVOURITES, Key::FAVOURITES},
 };
 // clang-format on
 

@@ -60,11 +60,33 @@ struct Leds {
     bool heart = false;  // changes as long as the panel is alive
 };
 
+// What the panel does, which decides what its keys do.
+enum class Panel_mode {
+    HOMESCREEN,   // without a cursor
+    HOME_CURSOR,  // the homescreen with a cursor
+    TOP_MENU,     // one that BACK does not leave
+    MENU,
+    NUMBER,   // a value is edited
+    OPTIONS,  // likewise
+    FIELDS,   // likewise, such as an address or a time
+    TEXT,     // likewise
+    VIEW,     // of a value that cannot be changed
+    NOTICE,
+    QUESTION,
+    LOG,
+    LOG_LIST,
+    ASLEEP,
+    LOCKED,
+    PIN
+};
+
 // One picture of the panel's front, which a display shows.
 struct Frame {
     Lcd lcd;
     Leds leds;
     bool dim = false;  // the panel is idle: reduce or switch off the light
+    Panel_mode mode = Panel_mode::MENU;
+    std::string characters = {};  // that a keyboard can type now
 };
 
 }  // namespace frontpanel

@@ -34,7 +34,7 @@ public:
 private:
     void draw_lcd(const Lcd& lcd, bool dim) const;
     void draw_leds(int row, const Leds& leds) const;
-    void draw_legend(int row) const;
+    void draw_legend(int row, const Frame& frame) const;
     void place_cursor(const Lcd& lcd) const;
 
     struct Close_file {
@@ -45,8 +45,9 @@ private:
     std::optional<Signal_cleanup> m_last_act;
 };
 
-// Terminal rows and columns that a display of this size takes, with its legend.
-Lcd_size terminal_size_for(Lcd_size lcd);
+// Terminal rows and columns that a display of this size takes, with the longest legend, on a terminal of `columns`
+// columns: a wider one has a legend of fewer lines.
+Lcd_size terminal_size_for(Lcd_size lcd, int columns = 0);
 
 }  // namespace frontpanel
 

@@ -1,6 +1,7 @@
 // Edits a dotted IPv4 address block by block.
 //
-// COARSER and FINER choose the block, the encoder changes it within 0 to 255. A stored text that is no
+// COARSER and FINER choose the block, the encoder changes it within 0 to 255. Typed digits take its place, and a point
+// leads to the next one. A stored text that is no
 // address starts as 0.0.0.0. The entry's text changes only when the address is accepted.
 #ifndef FRONTPANEL_EDITORS_ADDRESS_EDITOR_H
 #define FRONTPANEL_EDITORS_ADDRESS_EDITOR_H
@@ -30,6 +31,9 @@ protected:
     bool is_stored() override;
     bool accept() override;
     void draw(int columns, Editor_view& shown) override;
+    std::string typed_characters() const override;
+    void put(char character) override;
+    bool is_typing() const override;
 
 private:
     Field_line m_blocks;

@@ -7,6 +7,8 @@
 #include <frontpanel_data/selection.h>
 #include <frontpanel_editors/value_editor.h>
 
+#include <string>
+
 namespace frontpanel {
 
 // `Kind` is one of the library's abstract editors, `Entry` the class of entry that it edits. A concrete
@@ -49,9 +51,19 @@ public:
                                                      : store(Editor_result::ACCEPTED);
         }
         step(key, steps);
-        return m_settings.preview && !is_stored() ? store(Editor_result::STORED)
-                                                  : Editor_result::OPEN;
+        return m_settings.preview && !is_typing() && !is_stored() ? store(Editor_result::STORED)
+                                                                  : Editor_result::OPEN;
     }
+    std::string characters() const final { return can_change() ? typed_characters() : ""; }
+    Editor_result type(char character) final {
+        if (!can_change() || typed_characters().find(character) == std::string::npos) {
+            return Editor_result::OPEN;
+        }
+        put(character);
+        return m_settings.preview && !is_typing() && !is_stored() ? store(Editor_result::STORED)
+                                                                  : Editor_result::OPEN;
+    }
+    bool can_erase() const final { return can_change() && has_typed(); }
     Editor_result retry() final {
         return m_entry == nullptr ? Editor_result::DISCARDED : store(m_wanted);
     }
@@ -90,6 +102,13 @@ protected:
     virtual bool put_back() = 0;
     // Answers one of the keys that neither accept nor leave.
     virtual void step(Editor_key key, int steps) = 0;
+    // The characters that `put` takes.
+    virtual std::string typed_characters() const { return {}; }
+    virtual void put(char /*character*/) {}
+    // Whether something is typed that is no value before it ends: nothing of it is previewed.
+    virtual bool is_typing() const { return false; }
+    // Whether ERASE takes a typed character away.
+    virtual bool has_typed() const { return is_typing(); }
     // Whether the entry holds the proposed value.
     virtual bool is_stored() = 0;
     // Stores the proposed value in the entry; false when the entry refuses it.

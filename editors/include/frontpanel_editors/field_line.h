@@ -36,7 +36,14 @@ public:
     };
     // COARSER and FINER choose the field to the left and to the right; UP and DOWN turn the chosen one.
     void step(Editor_key key, const Turn& turn, const Limits_of& limits_of);
-    // Puts every field within its limits, from the first to the last.
+    // A digit takes the place of the chosen field's number, or follows those that were just typed; one that would lead
+    // beyond the field's limit is ignored. A field of a fixed width that is full leads on to the next one, and so does
+    // any other character. A number below its limit moves to it when the field is left.
+    void type(char character, const Limits_of& limits_of);
+    // Takes the digit away that was typed last.
+    void erase();
+    bool is_typing() const { return !m_typed.empty(); }
+    // Puts every field within its limits, from the first to the last, and ends typing.
     void keep_limits(const Limits_of& limits_of);
 
     int value(std::size_t field) const { return m_fields[field].value; }
@@ -50,6 +57,8 @@ private:
     std::vector<Number_field> m_fields;
     std::string m_trailing;
     std::size_t m_chosen = 0;
+    std::string m_typed;          // the digits of the chosen field that were typed
+    bool m_has_moved_on = false;  // a full field just led to the next one
 };
 
 }  // namespace frontpanel

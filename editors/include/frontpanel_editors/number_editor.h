@@ -4,14 +4,19 @@
 // finer keys, and goes on to the next allowed value in its direction: no step ends in a gap between two ranges. A
 // detent of a quick turn counts for several, within the entry's acceleration. A value of the device that lies in a gap
 // is shown as it is; it is never stored. The proposed value is shown in the entry's own format, as it will be after the
-// change.
+// change, and so is the step.
+//
+// A number is typed as it is shown. Any key but ERASE takes it as the proposed value. One that no allowed value shows is
+// the nearest value: SELECT then proposes it (MOVED).
 #ifndef FRONTPANEL_EDITORS_NUMBER_EDITOR_H
 #define FRONTPANEL_EDITORS_NUMBER_EDITOR_H
 
 #include <frontpanel_editors/editor_base.h>
 #include <frontpanel_editors/line_text.h>
+#include <frontpanel_editors/number_scale.h>
 
 #include <cstdint>
+#include <string>
 
 namespace frontpanel {
 
@@ -37,8 +42,13 @@ protected:
     bool move_to_allowed() override;
     void draw(int columns, Editor_view& shown) override;
     Editor_change adapt() override;
+    std::string typed_characters() const override;
+    void put(char character) override;
+    bool is_typing() const override { return !m_typed.empty(); }
 
 private:
+    bool take_typed();
+    bool correct();
     void turn(int64_t change);
     bool has_allowed_value() const;
 
@@ -46,6 +56,8 @@ private:
     int m_opened = 0;  // the entry's value when it was opened
     int m_step = 1;
     Scrolling_text m_text;  // without a digit for the cursor
+    Number_scale m_scale;
+    std::string m_typed;
 };
 
 }  // namespace frontpanel

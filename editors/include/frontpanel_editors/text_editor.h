@@ -1,11 +1,13 @@
 // Edits the text of a string entry character by character.
 //
 // COARSER and FINER move the cursor left and right, up to one place beyond the text. There the first step of
-// the encoder widens the text by blanks; a step on a character changes it to its neighbour in the character
-// set: the one that the entry is edited with, or the printable range. INSERT puts a blank under the cursor, as
-// long as the text has room; DELETE takes the character under the cursor away, or the last one from the place
-// behind the text. Works on a copy: the entry's text changes only when it is accepted, less the blanks at its
-// ends that only widening put there.
+// the encoder widens the text by a new character; a step on a character changes it to its neighbour in the character
+// set: the one that the entry is edited with, or the printable range. INSERT puts a new character under the cursor, as
+// long as the text has room. A new one is visible: "A", or the first of the set that is no blank. A typed character
+// takes the place of the one under the cursor, which moves on; one that the set lacks is ignored, unless the set has it
+// in the other case. DELETE takes the character under the cursor away, or the last one from the place behind the text.
+// ERASE does the same, but behind what was just typed it takes that back. Works on a copy: the entry's text changes only
+// when it is accepted.
 #ifndef FRONTPANEL_EDITORS_TEXT_EDITOR_H
 #define FRONTPANEL_EDITORS_TEXT_EDITOR_H
 
@@ -37,6 +39,9 @@ protected:
     bool accept() override;
     void draw(int columns, Editor_view& shown) override;
     void show_value() override;
+    std::string typed_characters() const override;
+    void put(char character) override;
+    bool has_typed() const override { return true; }
 
 private:
     std::string working_text();
@@ -46,14 +51,23 @@ private:
     void move_right();
     void turn(int direction);
     int change_of(char character, int direction) const;
+    char new_character() const;
+    char in_set(char character) const;
+    void insert(std::size_t at, char character);
     void insert();
+    void remove(std::size_t at);
     void remove();
+    void take_back();
+    void widen(char character);
+    int length() const;
+    bool has_room() const;
+    bool is_inside() const;
 
     std::optional<String_model> m_text;
-    std::string m_marks;  // for each character of the text: WIDENED, or TYPED
     int m_position = 0;
-    Scrolling_text m_viewed;  // shown instead while the text cannot be edited
-    std::string m_opened;     // the entry's text when it was opened
+    bool m_is_typing = false;  // the last key typed, or took back what was typed
+    Scrolling_text m_viewed;   // shown instead while the text cannot be edited
+    std::string m_opened;      // the entry's text when it was opened
 };
 
 }  // namespace frontpanel

@@ -2,7 +2,8 @@
 //
 // Times of the forms "HH:MM", "HH:MM:SS", "YYYY-MM-DD" and a date with a time of day, separated by a blank or
 // "T" and with or without "Z" at its end, can be edited. COARSER and FINER choose the field, the encoder
-// changes it within the limits of the calendar. A clock that shows no possible time, such as month 0, starts
+// changes it within the limits of the calendar. Typed digits take its place; a full field, or one of the signs between
+// fields, leads to the next one. A clock that shows no possible time, such as month 0, starts
 // at the nearest one. A text of another form is only viewed.
 #ifndef FRONTPANEL_EDITORS_TIME_EDITOR_H
 #define FRONTPANEL_EDITORS_TIME_EDITOR_H
@@ -38,6 +39,9 @@ protected:
     bool is_stored() override;
     bool accept() override;
     void draw(int columns, Editor_view& shown) override;
+    std::string typed_characters() const override;
+    void put(char character) override;
+    bool is_typing() const override;
     void show_value() override;
     bool is_editable() const override;
 

@@ -16,7 +16,7 @@ class Data_entry;
 
 namespace frontpanel {
 
-enum class Editor_key { UP, DOWN, SELECT, ESCAPE, COARSER, FINER, INSERT, DELETE };
+enum class Editor_key { UP, DOWN, SELECT, ESCAPE, COARSER, FINER, INSERT, DELETE, ERASE };
 
 enum class Editor_result {
     OPEN,    // goes on editing
@@ -59,6 +59,12 @@ public:
     // `steps`, at least 1, is what a detent counts for when a number is turned. A closed editor ignores keys and
     // returns DISCARDED.
     virtual Editor_result press(Editor_key key, int steps = 1) = 0;
+    // The characters that can be typed now, printable ASCII; empty for none.
+    virtual std::string characters() const { return {}; }
+    // Types one of them. One that does not fit where it is typed is ignored. Returns what `press` returns.
+    virtual Editor_result type(char /*character*/) { return Editor_result::OPEN; }
+    // Whether ERASE takes something away that was typed.
+    virtual bool can_erase() const { return false; }
     // Tries once more to store what was refused: a warning of the entry's binding refuses a value once. Returns what
     // the refused key would have returned.
     virtual Editor_result retry() = 0;

@@ -106,6 +106,8 @@ public:
     std::optional<std::string> text(uint32_t pid, uint32_t varidx) const;
     Result set_integer(uint32_t pid, uint32_t varidx, int32_t value);
     Result set_text(uint32_t pid, uint32_t varidx, const std::string& value);
+    // As `set_integer`, of a measured value: the change listener is not called, since nothing is to be kept of it.
+    Result measure(uint32_t pid, uint32_t varidx, int32_t value);
     // Every parameter, by pid and variable index; all as they stand at one moment.
     std::vector<Value> values() const;
 
@@ -124,7 +126,7 @@ public:
     void set_fault(Fault fault);
     // Called after each call of `Set`, with its result.
     void set_write_listener(Write_listener listener);
-    // Called after a parameter took another value than it had, whoever set it.
+    // Called after a parameter took another value than it had, whoever set it; not for what is measured.
     void set_change_listener(Change_listener listener);
 
     std::vector<Write> writes() const;              // oldest first

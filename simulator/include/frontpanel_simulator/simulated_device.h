@@ -13,6 +13,7 @@
 #include <frontpanel_base/json_value.h>
 #include <frontpanel_simulator/card_service.h>
 #include <frontpanel_simulator/memory_device.h>
+#include <frontpanel_simulator/movement.h>
 
 namespace frontpanel {
 
@@ -29,6 +30,8 @@ public:
     Simulated_device& operator=(const Simulated_device&) = delete;
 
     Memory_device& memory() { return m_memory; }
+    // The parameters that move by themselves; they stand still until it is advanced.
+    Movement& movement() { return m_movement; }
     // Null when no service runs. Lives as long as the device.
     Card_service* cards() { return m_cards.get(); }
 
@@ -46,6 +49,7 @@ private:
     class Reader;
 
     Memory_device m_memory;
+    Movement m_movement{m_memory};
     std::unique_ptr<Card_service> m_cards;
     std::vector<Json_value> m_product_options;
     std::map<std::pair<int, uint32_t>, bool> m_documents;  // by slot and pid: whether it is a tree

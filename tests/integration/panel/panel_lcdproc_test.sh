@@ -93,7 +93,7 @@ stop_server() {
 
 # start_panel ARGUMENT...: in the background; what it says goes to a file.
 start_panel() {
-    "$PANEL" --display "lcdproc:localhost:$PORT" "$@" </dev/null >"$FOLDER/panel" 2>&1 &
+    "$PANEL" --still --display "lcdproc:localhost:$PORT" "$@" </dev/null >"$FOLDER/panel" 2>&1 &
     PANEL_PROCESS=$!
 }
 

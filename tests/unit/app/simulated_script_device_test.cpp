@@ -7,8 +7,8 @@
 namespace frontpanel {
 namespace {
 
-constexpr Parameter_name NUMBER{5, 0};
-constexpr Parameter_name TEXT{6, 0x201};
+const Parameter_name NUMBER{5, 0};
+const Parameter_name TEXT{6, 0x201};
 
 class Simulated_script_device_test : public testing::Test {
 protected:
@@ -23,7 +23,8 @@ protected:
     }
 
     Memory_device memory;
-    Simulated_script_device device{memory, nullptr};
+    Parameter_table parameters;
+    Simulated_script_device device{memory, nullptr, parameters};
 };
 
 TEST_F(Simulated_script_device_test, HasTheParametersOfTheDevice) {
@@ -31,6 +32,18 @@ TEST_F(Simulated_script_device_test, HasTheParametersOfTheDevice) {
     EXPECT_TRUE(device.has_parameter(TEXT));
     EXPECT_FALSE(device.has_parameter({5, 1}));
     EXPECT_FALSE(device.has_parameter({7, 0}));
+}
+
+TEST_F(Simulated_script_device_test, FindsParametersByTheirDeclaredNames) {
+    Parameter parameter;
+    parameter.pid = 100;
+    parameter.index = {2, {3, 1}};
+    parameters.declare("gain 3", parameter);
+    const auto found = device.find("gain 3");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->pid, 100U);
+    EXPECT_EQ(found->varidx, 0x103U);
+    EXPECT_FALSE(device.find("gain 4"));
 }
 
 TEST_F(Simulated_script_device_test, SetsNumbersAndTexts) {
@@ -84,7 +97,8 @@ TEST(SimulatedScriptDevice, TellsWhatACardHasSelected) {
     Memory_device memory;
     Card_service cards;
     cards.add_combo_box(3, 9001, {{"a", "A"}, {"b", "B"}}, 1);
-    const Simulated_script_device device(memory, &cards);
+    const Parameter_table parameters;
+    const Simulated_script_device device(memory, &cards, parameters);
     EXPECT_EQ(device.selected_option(3, 9001), 1);
     EXPECT_EQ(device.selected_option(3, 9002), -1);
 }
@@ -92,7 +106,7 @@ TEST(SimulatedScriptDevice, TellsWhatACardHasSelected) {
 TEST(SimulatedScriptDevice, LeavesTheDeviceAlone) {
     Memory_device memory;
     memory.add_integer(1, 0, 0, 9, 3);
-    { Simulated_script_device(memory, nullptr).set_fault({1, 0}, false, true); }
+    { Simulated_script_device(memory, nullptr, Parameter_table()).set_fault({1, 0}, false, true); }
     int32_t value = 0;
     EXPECT_EQ(memory.Get(1, 0, &value, sizeof value), 0);
 }

@@ -73,8 +73,7 @@ TEST_F(Using_panel_test, APinFileWithoutAPinIsNamedAndItsContentIsNot) {
         with_log([&](Output_log& log) {
             const Loaded_panel loaded = load(options, log, Cards::OFF);
             const End_watch end;
-            error = error_of(
-                [&] { use_panel(options, default_display(true), *loaded.menu, log, end); });
+            error = error_of([&] { use_panel(options, default_display(true), loaded, log, end); });
         });
     });
     EXPECT_EQ(error, options.pin_file + ": expected a PIN of 4 to 8 digits");

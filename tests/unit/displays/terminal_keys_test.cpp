@@ -40,9 +40,22 @@ TEST(TerminalKeys, KeysMeanWhatTheLegendSays) {
 }
 
 TEST(TerminalKeys, OtherKeysMeanNothing) {
-    for (const int code :
-         std::initializer_list<int>{ERR, 0, 'x', '0', ' ', 'u', 255, KEY_F0, KEY_F(13), KEY_HOME}) {
+    for (const int code : std::initializer_list<int>{ERR, 0, 1, 255, KEY_F0, KEY_F(13), KEY_HOME}) {
         EXPECT_FALSE(event_of(code)) << code;
+    }
+}
+
+TEST(TerminalKeys, EveryPrintableKeyBringsItsCharacter) {
+    for (char character = ' '; character <= '~'; ++character) {
+        const std::optional<Front_event> event = event_of(character);
+        ASSERT_TRUE(event) << character;
+        EXPECT_EQ(event->key.character, character);
+    }
+    for (const char other : {'x', '0', ' ', 'u', '.'}) {
+        EXPECT_EQ(event_of(other)->key.kind, Key::CHARACTER) << other;
+    }
+    for (const int code : {KEY_UP, KEY_F(1), 27, 127, static_cast<int>('\r')}) {
+        EXPECT_EQ(event_of(code)->key.character, '\0') << code;
     }
 }
 

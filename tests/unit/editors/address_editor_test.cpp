@@ -60,6 +60,68 @@ INSTANTIATE_TEST_SUITE_P(
                     // what passes as an address although it is none is put right
                     Case{"10..0.1.2", "", "10.0.1.2", 3}, Case{"-1.2.3.4", "", "0.2.3.4", 3}));
 
+struct Typed_case {
+    const char* keys;
+    const char* typed;
+    const char* proposed;
+    std::size_t block;
+};
+
+TEST(AddressEditor, TypedDigitsTakeThePlaceOfTheBlockAndAPointLeadsOn) {
+    constexpr Typed_case CASES[] = {
+        {"", "7", "127.0.0.7", 3},
+        {"", "254", "127.0.0.254", 3},
+        {"", "256", "127.0.0.25", 3},
+        {"", "0012", "127.0.0.12", 3},
+        {"3<", "10.20.30.40", "10.20.30.40", 3},
+        {"3<", "192.", "192.0.0.1", 1},
+        {"3<", "9.", "9.0.0.1", 1},
+        {"", ".5", "127.0.0.5", 3},
+        {"", "-+a", "127.0.0.1", 3},
+    };
+    for (const Typed_case& of : CASES) {
+        SCOPED_TRACE(std::string(of.keys) + " " + of.typed);
+        Address entry("127.0.0.1");
+        Address_editor editor;
+        editor.Prepare(&entry);
+        press_keys(editor, of.keys);
+        for (const char* typed = of.typed; *typed != '\0'; ++typed) {
+            EXPECT_EQ(editor.type(*typed), Editor_result::OPEN);
+        }
+        EXPECT_EQ(editor.proposed_address(), of.proposed);
+        EXPECT_EQ(editor.block(), of.block);
+        EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::ACCEPTED);
+        EXPECT_EQ(entry.text(), of.proposed);
+    }
+}
+
+TEST(AddressEditor, EraseTakesTypedDigitsBackAndNoOthers) {
+    Address entry("127.0.0.1");
+    Address_editor editor;
+    editor.Prepare(&entry);
+    EXPECT_FALSE(editor.can_erase());
+    editor.type('2');
+    editor.type('5');
+    EXPECT_TRUE(editor.can_erase());
+    press_keys(editor, "E");
+    EXPECT_EQ(editor.proposed_address(), "127.0.0.2");
+    press_keys(editor, "E");
+    EXPECT_EQ(editor.proposed_address(), "127.0.0.0");
+    EXPECT_FALSE(editor.can_erase());
+    press_keys(editor, "E");
+    EXPECT_EQ(editor.proposed_address(), "127.0.0.0");
+}
+
+TEST(AddressEditor, AStepGoesOnFromWhatWasTyped) {
+    Address entry("127.0.0.1");
+    Address_editor editor;
+    editor.Prepare(&entry);
+    editor.type('4');
+    press_keys(editor, "U");
+    editor.type('9');
+    EXPECT_EQ(editor.proposed_address(), "127.0.0.9");
+}
+
 TEST(AddressEditor, StartsClosed) {
     Address_editor editor;
     EXPECT_EQ(editor.press(Editor_key::UP), Editor_result::DISCARDED);

@@ -50,6 +50,7 @@ inline void press_keys(Value_editor& editor, const std::string& keys) {
                                    : key == '<' ? Editor_key::COARSER
                                    : key == 'I' ? Editor_key::INSERT
                                    : key == 'X' ? Editor_key::DELETE
+                                   : key == 'E' ? Editor_key::ERASE
                                                 : Editor_key::FINER;
         for (int i = 0; i < (times == 0 ? 1 : times); ++i) {
             EXPECT_EQ(editor.press(pressed), Editor_result::OPEN);

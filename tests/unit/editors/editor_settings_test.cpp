@@ -273,10 +273,10 @@ INSTANTIATE_TEST_SUITE_P(
         // from a character outside the set to the end that the encoder comes from
         Characters_case{"?", "XAC", false, "U", "X"}, Characters_case{"?", "XAC", false, "D", "C"},
         Characters_case{"\xe4", "XAC", false, "U", "X"},
-        // what is there before a character is chosen
+        // a new character is the first one that can be seen
         Characters_case{"C", "XAC", false, "I", "XC"},
-        Characters_case{"C", "X C", false, "I", " C"},
-        Characters_case{"C", "XAC", false, ">UU", "CX"},
+        Characters_case{"C", " XC", false, "I", "XC"},
+        Characters_case{"C", "XAC", false, ">UU", "CA"},
         Characters_case{"C", "0", true, "U", "0"}));
 
 // --- preview

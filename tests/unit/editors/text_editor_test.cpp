@@ -60,41 +60,115 @@ INSTANTIATE_TEST_SUITE_P(Steps, TextEditing,
 INSTANTIATE_TEST_SUITE_P(
     InsertingAndDeleting, TextEditing,
     testing::Values(
-        // the inserted blank is under the cursor, what was there moves right
-        Case{"AB", 8, "I", "A B", 1}, Case{"AB", 8, "<I", " AB", 2},
-        Case{"AB", 8, "I33U", "AAB", 1}, Case{"AB", 8, ">I", "AB ", 0},
-        Case{"AB", 8, "<<I", " AB", 2}, Case{"", 8, "I33U", "A", 0},
+        // the inserted character is visible and under the cursor, what was there moves right
+        Case{"XY", 8, "I", "XAY", 1}, Case{"XY", 8, "<I", "AXY", 2}, Case{"XY", 8, "I2U", "XCY", 1},
+        Case{"XY", 8, ">I", "XYA", 0}, Case{"XY", 8, "<<I", "AXY", 2}, Case{"", 8, "IU", "B", 0},
         // only as long as there is room
-        Case{"AB", 3, "3I", "A B", 1}, Case{"ABC", 3, "I", "ABC", 0},
-        Case{"ABC", 3, "I>I", "ABC", 0},
+        Case{"XY", 3, "3I", "XAY", 1}, Case{"XYZ", 3, "I", "XYZ", 0},
+        Case{"XYZ", 3, "I>I", "XYZ", 0},
         // the cursor stands on what follows the deleted character, or behind the text
         Case{"ABC", 8, "<X", "AC", 0}, Case{"ABC", 8, "2<X", "BC", 1},
         Case{"ABC", 8, "X", "AB", -1}, Case{"ABC", 8, "2X", "A", -1}, Case{"ABC", 8, "5X", "", -1},
         Case{"", 8, "X", "", -1}, Case{"ABC", 8, "3<X", "ABC", 3}, Case{"ABC", 8, ">X", "AB", -1},
-        Case{"AB", 8, "2XI33U", "A", 0}));
+        Case{"AB", 8, "2XI", "A", 0},
+        // a key that erases does the same while nothing was typed
+        Case{"ABC", 8, "<E", "AC", 0}, Case{"ABC", 8, "5E", "", -1}));
 
 INSTANTIATE_TEST_SUITE_P(
     Widening, TextEditing,
     testing::Values(
-        // the first step beyond the text widens it, the next one changes the new character
-        Case{"AB", 8, ">U33U", "ABA", 0}, Case{"AB", 8, "2<U33U", "AAB", 2},
-        Case{"", 8, "U33U", "A", 0}, Case{"", 1, "U33U", "A", 0},
-        Case{"AB", 8, ">U>U34U", "AB B", 0},
+        // the first step beyond the text widens it by a visible character, the next one changes that
+        Case{"XY", 8, ">U", "XYA", 0}, Case{"XY", 8, ">D", "XYA", 0},
+        Case{"XY", 8, ">2U", "XYB", 0}, Case{"XY", 8, "2<2U", "BXY", 2}, Case{"", 8, "U", "A", 0},
+        Case{"", 1, "2U", "B", 0}, Case{"XY", 8, ">U>2U", "XYAB", 0},
         // the cursor stays within one place beyond the text and within the longest text
         Case{"AB", 8, "9>", "AB", -1}, Case{"AB", 8, "9<", "AB", 2}, Case{"", 8, "9<", "", -1},
         Case{"AB", 2, "9>", "AB", 0}, Case{"AB", 2, "9<", "AB", 1},
         // the longest text is reached on the right side only
-        Case{"ABC", 4, "9<", "ABC", 2}, Case{"ABC", 4, ">U33U", "ABCA", 0},
-        Case{"AB", 4, "2<U33U", "AAB", 2}, Case{"", 0, "9>9<UD", "", -1}));
+        Case{"ABC", 4, "9<", "ABC", 2}, Case{"ABC", 4, ">U", "ABCA", 0},
+        Case{"XY", 4, "2<U", "AXY", 2}, Case{"", 0, "9>9<UD", "", -1}));
 
 INSTANTIATE_TEST_SUITE_P(Blanks, TextEditing,
                          testing::Values(
-                             // only widening put them there: dropped
-                             Case{"AB", 8, ">U>U", "AB", 0}, Case{"AB", 8, "2<U", "AB", 2},
-                             Case{"AB", 8, ">U4<U", "AB", 3}, Case{"", 8, "U>U", "", 0},
-                             // the user made them, or they were there: kept
-                             Case{"AB", 8, ">UUD", "AB ", 0}, Case{"AB", 8, "D33D", "A ", 0},
-                             Case{" AB ", 8, "", " AB ", 0}, Case{" AB ", 8, ">U", " AB ", 0}));
+                             // kept where they are
+                             Case{"AB", 8, "D33D", "A ", 0}, Case{" AB ", 8, "", " AB ", 0},
+                             Case{" AB ", 8, ">U", " AB A", 0}));
+
+void type(Value_editor& editor, const std::string& text) {
+    for (const char character : text) {
+        EXPECT_EQ(editor.type(character), Editor_result::OPEN);
+    }
+}
+
+struct Typed_case {
+    const char* start;
+    const char* keys;
+    const char* typed;
+    const char* proposed;
+    int position;
+};
+
+TEST(TextEditor, TypedCharactersTakeThePlaceOfTheOneUnderTheCursorAndTheTextGrows) {
+    constexpr Typed_case CASES[] = {
+        {"XY", "", "a", "Xa", -1},         {"XY", "", "ab c", "Xab c", -1},
+        {"XY", "<", "ab", "ab", -1},       {"XY", "<", "q", "qY", 0},
+        {"", "", "1d", "1d", -1},          {"XY", ">", "z", "XYz", -1},
+        {"XY", "2<", "z", "zXY", 1},       {"ABCDEFGH", "", "xyz", "ABCDEFGx", -1},
+        {"XY", "", "\t\x7f\xe4", "XY", 0},
+    };
+    for (const Typed_case& of : CASES) {
+        SCOPED_TRACE(std::string(of.start) + " " + of.keys + " " + of.typed);
+        Text entry(of.start);
+        Text_editor editor;
+        editor.Prepare(&entry);
+        press_keys(editor, of.keys);
+        type(editor, of.typed);
+        EXPECT_EQ(editor.proposed_text(), of.proposed);
+        EXPECT_EQ(editor.position(), of.position);
+        EXPECT_EQ(entry.text(), of.start);
+    }
+}
+
+TEST(TextEditor, EraseTakesBackWhatWasTyped) {
+    Text entry("XYZ");
+    Text_editor editor;
+    editor.Prepare(&entry);
+    press_keys(editor, "<");
+    type(editor, "a");
+    press_keys(editor, "E");
+    EXPECT_EQ(editor.proposed_text(), "XZ");
+    type(editor, "bcd");
+    EXPECT_EQ(editor.proposed_text(), "Xbcd");
+    press_keys(editor, "2E");
+    EXPECT_EQ(editor.proposed_text(), "Xb");
+    press_keys(editor, "<E");
+    EXPECT_EQ(editor.proposed_text(), "X");
+}
+
+TEST(TextEditor, TypedCharactersComeFromTheSetInEitherCase) {
+    Text entry("XY");
+    Text_editor editor;
+    Editor_settings settings;
+    settings.characters = "XYZ1";
+    editor.configure(settings);
+    editor.Prepare(&entry);
+    press_keys(editor, ">");
+    type(editor, "z?a1");
+    EXPECT_EQ(editor.proposed_text(), "XYZ1");
+    EXPECT_NE(editor.characters().find('q'), std::string::npos)
+        << "a key whose character is not in the set has no other meaning";
+    press_keys(editor, "I");
+    EXPECT_EQ(editor.proposed_text(), "XYZ1X");
+}
+
+TEST(TextEditor, AReadOnlyTextTakesNoCharacters) {
+    Text entry("XY", 8, Data_entry::READ_ONLY);
+    Text_editor editor;
+    editor.Prepare(&entry);
+    EXPECT_EQ(editor.characters(), "");
+    EXPECT_EQ(editor.type('a'), Editor_result::OPEN);
+    EXPECT_EQ(editor.proposed_text(), "XY");
+}
 
 TEST(TextEditor, StartsClosed) {
     Text_editor editor;

@@ -150,4 +150,33 @@ TEST(TimeEditor, IsOpenedThroughTheDispatcherAndClosedDirectly) {
     EXPECT_EQ(editor.entry(), nullptr);
 }
 
+TEST(TimeEditor, TypedDigitsFillAFieldAndLeadToTheNext) {
+    struct Typed_case {
+        const char* keys;
+        const char* typed;
+        const char* proposed;
+    };
+    constexpr Typed_case CASES[] = {
+        {"9<", "2027-02-03 04:05:06", "2027-02-03 04:05:06"},
+        {"9<", "20270203040506", "2027-02-03 04:05:06"},
+        {"9<", "2027-2-3 4:5:6", "2027-02-03 04:05:06"},
+        {"", "99", "2026-11-21 09:59:09"},
+        // below the limit when the field is left, a day that the month lacks
+        {"9<", "2027-00", "2027-01-21 09:59:30"},
+        {"9<", "2026-02-30", "2026-02-03 09:59:30"},
+    };
+    for (const Typed_case& of : CASES) {
+        SCOPED_TRACE(std::string(of.keys) + " " + of.typed);
+        Time entry("2026-11-21 09:59:30");
+        Time_editor editor;
+        editor.Prepare(&entry);
+        press_keys(editor, of.keys);
+        for (const char* typed = of.typed; *typed != '\0'; ++typed) {
+            EXPECT_EQ(editor.type(*typed), Editor_result::OPEN);
+        }
+        EXPECT_EQ(editor.press(Editor_key::SELECT), Editor_result::ACCEPTED);
+        EXPECT_EQ(entry.text(), of.proposed);
+    }
+}
+
 }  // namespace

@@ -201,5 +201,31 @@ TEST(SimulatedDevice, CardsRunOnlyWhenAskedFor) {
     EXPECT_EQ(Simulation(with_device(R"("products": [])"), Cards::ON)->cards(), nullptr);
 }
 
+std::string moving(const std::string& moves) {
+    return R"({"device": {"parameters": [
+        {"pid": 5, "type": "integer", "min": 0, "max": 9, "value": 7, "moves": )" +
+           moves + "}]}}";
+}
+
+TEST(SimulatedDevice, ANumberMovesByItselfWhenItIsToldTo) {
+    Simulation simulation(moving(R"({"from": 1, "to": 9, "seconds": 16})"));
+    EXPECT_EQ(simulation.errors(), "");
+    EXPECT_EQ(simulation->memory().integer(5, 0), 7) << "it stands still until it is advanced";
+    simulation->movement().advance(std::chrono::seconds(3));
+    EXPECT_EQ(simulation->memory().integer(5, 0), 8);
+}
+
+TEST(SimulatedDevice, AMovementKeepsTheLimits) {
+    for (const char* const bad :
+         {R"({"from": -1, "to": 9, "seconds": 16})", R"({"from": 1, "to": 10, "seconds": 16})",
+          R"({"from": 1, "to": 9, "seconds": 0})", R"({"from": 1, "to": 9})",
+          R"({"from": 1, "to": 9, "seconds": 1, "by": 3})", "5"}) {
+        Simulation simulation(moving(bad));
+        EXPECT_NE(simulation.errors(), "") << bad;
+        simulation->movement().advance(std::chrono::seconds(3));
+        EXPECT_EQ(simulation->memory().integer(5, 0), 7) << bad;
+    }
+}
+
 }  // namespace
 }  // namespace frontpanel

@@ -28,7 +28,7 @@ std::string differences(Application_panel& shown, const std::string& script) {
     std::ostringstream out;
     std::ostringstream differences;
     Text_display display(out);
-    Simulated_script_device device(shown.device(), nullptr);
+    Simulated_script_device device(shown.device(), nullptr, shown.loaded.menu->parameters());
     Script_player(shown.panel, device, display, out, differences)
         .play(parse_script("a.script", script));
     return differences.str();

@@ -247,15 +247,15 @@ TEST_F(EditingSpeed, TheFirstDetentOfAnEditorIsSlow) {
 TEST(EditingTexts, AreInsertedAndDeletedWithinTheirLength) {
     Menu_panel panel(menu_text(PARAMETERS, TEXT));
     panel.press(Key::SELECT).press(Key::COARSER).press(Key::INSERT);
-    EXPECT_EQ(panel.lines(), (Lines{"Label               ", "Ma in               "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Label               ", "MaAin               "}));
     EXPECT_EQ(panel.controller().draw().lcd.cursor_column(), 2);
-    panel.press(Key::UP, 13).press(Key::FINER).press(Key::DELETE);
+    panel.press(Key::DOWN, 20).press(Key::FINER).press(Key::DELETE);
     EXPECT_EQ(panel.lines()[1], "Ma-n                ");
     panel.press(Key::INSERT, 20);
-    EXPECT_EQ(panel.lines()[1], "Ma-    n            ");
+    EXPECT_EQ(panel.lines()[1], "Ma-AAAAn            ");
     panel.press(Key::DELETE, 20);
     EXPECT_EQ(panel.lines()[1], "                    ");
-    panel.press(Key::INSERT).press(Key::UP, 33).press(Key::SELECT);
+    panel.press(Key::INSERT).press(Key::SELECT);
     EXPECT_EQ(written(panel), "A");
 }
 
@@ -312,7 +312,7 @@ TEST_F(EditingWarned, AreAskedBeforeTheWriteAndSelectWrites) {
     Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Width: too wide     ", "Enter yes, Esc no   "}));
     EXPECT_TRUE(panel.leds().edit);
     EXPECT_EQ(written(panel), "");
     panel.press(Key::SELECT);
@@ -326,7 +326,7 @@ TEST_F(EditingWarned, BackGoesOnEditingAndTheWarningComesAgain) {
     panel.press(Key::SELECT).press(Key::UP);
     for (int i = 0; i < 3; ++i) {
         panel.press(Key::SELECT);
-        EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+        EXPECT_EQ(panel.lines(), (Lines{"Width: too wide     ", "Enter yes, Esc no   "}));
         panel.press(Key::BACK);
         EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
     }
@@ -343,14 +343,14 @@ TEST_F(EditingWarned, AWarningThatNeverChangesComesAgainToo) {
     panel.press(Key::SELECT).press(Key::UP);
     for (int i = 0; i < 3; ++i) {
         panel.press(Key::SELECT);
-        EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+        EXPECT_EQ(panel.lines(), (Lines{"Width: too wide     ", "Enter yes, Esc no   "}));
         panel.press(Key::BACK);
     }
     EXPECT_EQ(written(panel), "");
     panel.press(Key::SELECT, 2);
     EXPECT_EQ(written(panel), "51");
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Width: too wide     ", "Enter yes, Esc no   "}));
     panel.press(Key::BACK, 2);
     EXPECT_EQ(panel.lines()[0], ">Width            51");
     EXPECT_EQ(written(panel), "51");
@@ -379,14 +379,14 @@ TEST_F(EditingWarned, SeveralAreShownOneByOneAndLongOnesScroll) {
     Menu_panel panel(menu_text(PARAMETERS, WIDTH));
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
-    EXPECT_EQ(panel.lines()[1], "too wide for a mono ");
+    EXPECT_EQ(panel.lines()[0], "Width: too wide for ");
     panel.lines();
-    EXPECT_EQ(panel.lines()[1], "too wide for a mono ");
-    EXPECT_EQ(panel.lines()[1], "oo wide for a mono l");
+    EXPECT_EQ(panel.lines()[0], "Width: too wide for ");
+    EXPECT_EQ(panel.lines()[0], "idth: too wide for a");
     panel.press(Key::UP).press(Key::DOWN).press(Key::COARSER).shortcut(1);
-    EXPECT_EQ(panel.lines()[1], "o wide for a mono li");
+    EXPECT_EQ(panel.lines()[0], "dth: too wide for a ");
     panel.press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "really              "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Width: really       ", "Enter yes, Esc no   "}));
     EXPECT_EQ(written(panel), "");
     panel.press(Key::SELECT);
     EXPECT_EQ(written(panel), "51");
@@ -397,7 +397,7 @@ TEST_F(EditingWarned, ALargerDisplayNamesTheKeys) {
     warn_of(panel, panel.item(0));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            ",
-                                    "                    ", "         select/back"}));
+                                    "                    ", "Enter yes, Esc no   "}));
 }
 
 TEST_F(EditingWarned, APreviewIsAskedOnceAndBackGivesTheOldValueBack) {
@@ -405,7 +405,7 @@ TEST_F(EditingWarned, APreviewIsAskedOnceAndBackGivesTheOldValueBack) {
     warn_of(panel, panel.item(0));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::DOWN).press(Key::UP, 2);
-    EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Width: too wide     ", "Enter yes, Esc no   "}));
     EXPECT_EQ(written(panel), "49 50");
     panel.press(Key::SELECT).press(Key::UP);
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "52                  "}));
@@ -422,7 +422,7 @@ TEST_F(EditingWarned, ACancelledStepOfAPreviewShowsTheWrittenValueAndAsksAgain) 
     panel.press(Key::SELECT);
     for (int i = 0; i < 3; ++i) {
         panel.press(Key::UP);
-        EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+        EXPECT_EQ(panel.lines(), (Lines{"Width: too wide     ", "Enter yes, Esc no   "}));
         panel.press(Key::BACK);
         EXPECT_EQ(panel.lines(), (Lines{"Width               ", "50                  "}));
     }
@@ -446,7 +446,7 @@ TEST_F(EditingWarned, NobodyThereToAnswerIsANo) {
     panel.controller().receive(FrontPanel::UserInputTimeout);
     EXPECT_EQ(panel.lines(), (Lines{">Width            50", "                    "}));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "too wide            "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Width: too wide     ", "Enter yes, Esc no   "}));
 }
 
 // --- warnings that a menu file's own rules raise
@@ -461,7 +461,7 @@ TEST(EditingRules, AWarningOfEveryValueComesWithEachEdit) {
         panel.press(Key::SELECT).press(Key::UP);
         for (int i = 0; i < 3; ++i) {
             panel.press(Key::SELECT);
-            EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "restarts            "}));
+            EXPECT_EQ(panel.lines(), (Lines{"Width: restarts     ", "Enter yes, Esc no   "}));
             panel.press(Key::BACK);
         }
         panel.press(Key::SELECT, 2);
@@ -474,7 +474,7 @@ TEST(EditingRules, AWarningIsAcceptedOrCancelled) {
     panel.press(Key::SELECT).press(Key::UP);
     for (int i = 0; i < 2; ++i) {
         panel.press(Key::SELECT);
-        EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "51 is loud          "}));
+        EXPECT_EQ(panel.lines(), (Lines{"Width: 51 is loud   ", "Enter yes, Esc no   "}));
         panel.press(Key::BACK);
         EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
     }
@@ -487,7 +487,7 @@ TEST(EditingRules, AnotherWarningIsAskedAndTheQuietAreNot) {
     Menu_panel panel(menu_text(PARAMETERS, LOUD));
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT, 2);
     panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
-    EXPECT_EQ(panel.lines(), (Lines{"Width            ok?", "52 is loud          "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Width: 52 is loud   ", "Enter yes, Esc no   "}));
     panel.press(Key::SELECT);
     panel.press(Key::SELECT).press(Key::DOWN, 4).press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{">Width            48", "                    "}));
@@ -498,9 +498,9 @@ TEST(EditingRules, APreviewIsAskedAtEachNewWarning) {
     Menu_panel panel(menu_text(PARAMETERS, LOUD));
     panel.settings(0).preview = true;
     panel.press(Key::SELECT).press(Key::UP);
-    EXPECT_EQ(panel.lines()[1], "51 is loud          ");
+    EXPECT_EQ(panel.lines()[0], "Width: 51 is loud   ");
     panel.press(Key::SELECT).press(Key::UP);
-    EXPECT_EQ(panel.lines()[1], "52 is loud          ");
+    EXPECT_EQ(panel.lines()[0], "Width: 52 is loud   ");
     panel.press(Key::BACK);
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "51                  "}));
     panel.press(Key::BACK);

@@ -75,7 +75,7 @@ TEST(Arrows, DoNotAnswerWhatIsAskedAboutAnEditedValue) {
     warned.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
     for (const Key::Kind key : {Key::RIGHT, Key::LEFT}) {
         warned.press(key);
-        EXPECT_EQ(warned.lines()[1], "loud                ");
+        EXPECT_EQ(warned.lines()[0], "Gain: loud          ");
         EXPECT_TRUE(warned.device().writes().empty());
     }
     warned.press(Key::SELECT);

@@ -99,6 +99,27 @@ TEST_F(Main_loop_test, ReadsTheDeviceAgainWithEveryTick) {
     EXPECT_EQ(loop.due(), now + Panel::TICK);
 }
 
+TEST(Main_loop_typing, TheKeyThatEndsThePanelIsACharacterInAText) {
+    Application_panel shown(
+        menu_text(R"({"name": "label", "pid": 1, "type": "text", "length": 8, "value": "A"})",
+                  R"({"type": "text", "name": "Label", "parameter": "label"})"),
+        {{16, 2}});
+    Fake_front front;
+    Main_loop loop(shown.panel, front);
+    const Front_event quit{Front_event::QUIT, {Key::CHARACTER, 0, 'q'}};
+    front.key(Key::SELECT);
+    front.events.push_back(quit);
+    front.key(Key::SELECT);
+    for (int turn = 0; turn < 5; ++turn) {
+        loop.turn();
+    }
+    EXPECT_FALSE(loop.is_over());
+    EXPECT_EQ(shown.device().text(1, 0), "q");
+    front.events.push_back(quit);
+    loop.turn();
+    EXPECT_TRUE(loop.is_over());
+}
+
 TEST_F(Main_loop_test, IsDueWhenItsFrontIs) {
     front.wanted = now + milliseconds(5);
     EXPECT_EQ(loop.due(), front.wanted);

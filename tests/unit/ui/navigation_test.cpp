@@ -59,7 +59,7 @@ TEST(Links, EditTheirTargetsUnderTheirOwnNames) {
     EXPECT_EQ(panel.lines(), (Lines{" Mute                off", ">Audio.Gain 2       5 dB"}));
 }
 
-TEST(Links, TellTheLinkOfAnAddressThatAnswersByItsName) {
+TEST(Links, ShowWhetherTheirAddressAnswersUnderTheirOwnNames) {
     Menu_panel panel(menu_of(
                          R"({"type": "node", "name": "Net", "items": [
                {"type": "address", "name": "Host", "parameter": "host", "id": "host"}]},)" +
@@ -67,7 +67,7 @@ TEST(Links, TellTheLinkOfAnAddressThatAnswersByItsName) {
                      SIZE);
     panel.press(Key::DOWN).press(Key::SELECT);
     const std::string title = panel.lines()[0];
-    EXPECT_TRUE(title == "[C]Host                 " || title == "[ ]Host                 ")
+    EXPECT_TRUE(title == "Host              online" || title == "Host             offline")
         << title;
 }
 
@@ -149,11 +149,13 @@ TEST(Links, ToAMenuThatIsHiddenAreLeft) {
 
 TEST(Links, ABridgeEditsWhatItOwns) {
     Menu_panel panel(menu_of(std::string(MUTE) + R"(, {"type": "bridge", "id": "bridge",
-        "item": {"type": "range", "parameter": "gain 2", "format": "%d dB"}})"),
+        "item": {"type": "range", "name": "Second", "parameter": "gain 2", "format": "%d dB"}})"),
                      SIZE);
     panel.press(Key::DOWN);
-    EXPECT_EQ(panel.lines()[1], ">Bridge Entry       4 dB");
-    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel.lines()[1], ">Second             4 dB");
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.lines()[0], "Second                  ");
+    panel.press(Key::UP).press(Key::SELECT);
     EXPECT_EQ(panel.device().integer(100, 2), 5);
 }
 

@@ -37,10 +37,10 @@ TEST_F(Notices_test, AnyKeyAcknowledgesAndTheNextOneFollows) {
 
 TEST_F(Notices_test, AQuestionIsAcceptedWithItsLastText) {
     ask({"loud", "very loud"});
-    EXPECT_EQ(lines(), (Lines{"Gain         ok?", "loud            "}));
+    EXPECT_EQ(lines(), (Lines{"Gain: loud      ", "Enter yes Esc no"}));
     notices.press(Key::UP);
     notices.press(Key::SELECT);
-    EXPECT_EQ(lines()[1], "very loud       ");
+    EXPECT_EQ(lines(), (Lines{"Gain: very loud ", "Enter yes Esc no"}));
     EXPECT_TRUE(answers.empty());
     notices.press(Key::SELECT);
     EXPECT_EQ(answers, std::vector<bool>{true});
@@ -80,9 +80,42 @@ TEST_F(Notices_test, ALongTextScrollsByACharacterAFrame) {
     EXPECT_EQ(lines()[1], "uder than the ha");
 }
 
-TEST_F(Notices_test, ADisplayWithRoomHasAHintOfTheKeys) {
+TEST_F(Notices_test, AQuestionShowsItsKeysAtEverySize) {
     ask({"loud"});
-    EXPECT_EQ(lines_of(frame({16, 3}))[2], "     select/back");
+    EXPECT_EQ(lines_of(frame({16, 2})), (Lines{"Gain: loud      ", "Enter yes Esc no"}));
+    EXPECT_EQ(lines_of(frame({20, 2})), (Lines{"Gain: loud          ", "Enter yes, Esc no   "}));
+    EXPECT_EQ(lines_of(frame({20, 4})), (Lines{"Gain             ok?", "loud                ",
+                                               "                    ", "Enter yes, Esc no   "}));
+    EXPECT_EQ(lines_of(frame({40, 4})), (Lines{"Gain                                 ok?",
+                                               "loud                                    ",
+                                               "                                        ",
+                                               "Enter yes, Esc no                       "}));
+}
+
+TEST_F(Notices_test, AQuestionOfAnyLengthShowsItsKeys) {
+    ask({std::string(200, 'x')});
+    for (const Lcd_size size : {Lcd_size{16, 2}, {20, 2}, {20, 4}, {40, 4}}) {
+        for (int drawn = 0; drawn < 250; ++drawn) {
+            const Lines shown = lines_of(frame(size));
+            EXPECT_EQ(shown.back().substr(0, 9), "Enter yes");
+            EXPECT_NE(shown.back().find("Esc no"), std::string::npos);
+        }
+    }
+}
+
+TEST_F(Notices_test, AQuestionNamesTheKeysOfItsDisplay) {
+    notices.set_keys("A", "B");
+    ask({"loud"});
+    EXPECT_EQ(lines()[1], "A yes, B no     ");
+    notices.set_keys("A", "");
+    EXPECT_EQ(lines()[1], "A yes           ");
+    notices.set_keys("ControlRight", "ControlLeft");
+    EXPECT_EQ(lines()[1], "ControlRight yes");
+    std::string all;
+    for (int drawn = 0; drawn < 40; ++drawn) {
+        all += lines()[1].back();
+    }
+    EXPECT_NE(all.find("ControlLeft no"), std::string::npos) << all;
 }
 
 }  // namespace

@@ -103,10 +103,21 @@ TEST_F(Panel_test, AsksAboutWhatRulesWarnOf) {
     now += seconds(1);
     press(Key::UP);
     press(Key::SELECT);
-    EXPECT_EQ(lines(), (Lines{"Gain         ok?", "loud            "}));
+    EXPECT_EQ(lines(), (Lines{"Gain: loud      ", "Enter yes Esc no"}));
     EXPECT_EQ(gain(), 90);
     press(Key::SELECT);
     EXPECT_EQ(gain(), 91);
+}
+
+TEST_F(Panel_test, AQuestionNamesTheKeysOfTheDisplay) {
+    Panel_options named = options();
+    named.answer_keys = {"A", "B"};
+    open(std::move(named));
+    press(Key::SELECT, 2);
+    press(Key::COARSER);
+    press(Key::UP, 9);
+    press(Key::SELECT);
+    EXPECT_EQ(lines(), (Lines{"Gain: loud      ", "A yes, B no     "}));
 }
 
 TEST_F(Panel_test, AQuickTurnOfTheEncoderIsFasterUnlessItIsSwitchedOff) {

@@ -21,7 +21,7 @@ class Fake_script_device : public Script_device {
 public:
     explicit Fake_script_device(Memory_device& device) : m_device(device) {
         m_device.set_write_listener([this](const Memory_device::Write& write) {
-            m_writes.push_back({{write.pid, write.varidx}, write.value, write.result != 0});
+            m_writes.push_back({{write.pid, write.varidx, ""}, write.value, write.result != 0});
         });
         m_device.set_fault([this](const Memory_device::Operation& operation) {
             const bool write = operation.kind == Memory_device::Operation_kind::WRITE;
@@ -33,6 +33,9 @@ public:
         m_device.set_fault(nullptr);
     }
 
+    std::optional<Parameter_name> find(const std::string& name) const override {
+        return name == "level" ? std::optional<Parameter_name>({5, 0, name}) : std::nullopt;
+    }
     bool has_parameter(const Parameter_name& parameter) const override {
         return parameter.pid == 5 || (parameter.pid == 6 && parameter.varidx == 0x201);
     }
@@ -84,6 +87,43 @@ Outcome play(const std::string& script) {
     Script_player player(shown.panel, device, display, out, differences);
     const int failures = player.play(parse_script("a.script", script));
     return {failures, out.str(), differences.str()};
+}
+
+TEST(ScriptPlayer, FindsParametersByName) {
+    EXPECT_EQ(play("set level 7\ntick\nexpect 1 |>Level         7|\nselect\nup\nselect\n"
+                   "expect-write [level] 8")
+                  .differences,
+              "");
+    EXPECT_EQ(play("select\nup\nselect\nexpect-write [level] 9").differences,
+              "a.script:4: expected the write [level] = 9, the device got [level] = 4\n");
+    try {
+        play("tick\nset [lvel] 7");
+        ADD_FAILURE();
+    } catch (const Input_error& error) {
+        EXPECT_STREQ(error.what(), "a.script:2: the device has no parameter [lvel]");
+    }
+}
+
+TEST(ScriptPlayer, FindsAPartOfALineThatScrolls) {
+    const std::string text =
+        menu_text(R"({"name": "note", "pid": 6, "index": [1, 2], "type": "text", "length": 40,
+                      "value": "clean the air filter now"})",
+                  R"({"type": "text", "name": "Note", "parameter": "note"})");
+    for (const Lcd_size size : {Lcd_size{16, 2}, {20, 2}, {20, 4}, {40, 4}}) {
+        Application_panel shown(text, {size});
+        std::ostringstream out;
+        std::ostringstream differences;
+        Text_display display(out);
+        Fake_script_device device(shown.device());
+        Script_player player(shown.panel, device, display, out, differences);
+        const std::string row = size.rows > 2 ? "2" : "1";
+        const std::string script = "expect " + row + " contains |filter|\nexpect " + row +
+                                   " contains |>Note|\nexpect " + row + " contains |dust|";
+        EXPECT_EQ(player.play(parse_script("a.script", script)), 1);
+        EXPECT_EQ(differences.str().find("a.script:3: line " + row + " shows |>"), 0U)
+            << differences.str();
+        EXPECT_NE(differences.str().find("nothing of which is |dust|"), std::string::npos);
+    }
 }
 
 TEST(ScriptPlayer, ShowsEveryFrame) {

@@ -79,6 +79,27 @@ TEST(Script, NamesParametersWithUpToTwoLevels) {
     EXPECT_EQ(only_step("set 100 two words").text, "two words");
 }
 
+TEST(Script, NamesParametersAsMenuFilesDo) {
+    for (const char* const step :
+         {"set level 5", "set [level] 5", "set \"level\" 5", "set   [level]5"}) {
+        EXPECT_EQ(only_step(step).parameter.name, "level") << step;
+        EXPECT_EQ(only_step(step).text, "5") << step;
+    }
+    EXPECT_EQ(only_step("expect-write [gain 1] two words").parameter.name, "gain 1");
+    EXPECT_EQ(only_step("expect-write [gain 1] two words").text, "two words");
+    EXPECT_EQ(only_step("fail read \"gain 1\" on").parameter.name, "gain 1");
+    EXPECT_EQ(only_step("set [100.3] 5").parameter.pid, 100U);
+    EXPECT_EQ(only_step("set [100.3] 5").parameter.name, "");
+}
+
+TEST(Script, ExpectsAPartOfALine) {
+    const Step step = only_step("expect 2 contains |clean the|");
+    EXPECT_EQ(step.kind, Step::EXPECT_PART);
+    EXPECT_EQ(step.row, 1);
+    EXPECT_EQ(step.text, "clean the");
+    EXPECT_EQ(only_step("expect 2 |contains|").kind, Step::EXPECT_LINE);
+}
+
 TEST(Script, ACardsSelectionIsExpectedBySlotListAndOption) {
     const Step step = only_step("expect-selected 3 9001 2");
     EXPECT_EQ(step.kind, Step::EXPECT_SELECTED);
@@ -125,14 +146,15 @@ TEST(Script, AnErrorNamesFileAndLine) {
         {"expect-leds none alarm", "a.script:1: \"none\" cannot be combined with a LED"},
         {"expect-leds red", "a.script:1: expected \"none\", \"edit\" or \"alarm\", found \"red\""},
         {"expect-write", "a.script:1: expected a parameter"},
-        {"expect-write x 3",
-         "a.script:1: expected a parameter such as 100 or 100.1.2, found \"x\""},
+        {"expect-write [gain 1", "a.script:1: the closing ] of a parameter's name is missing"},
+        {"set \"gain 1 3", "a.script:1: the closing \" of a parameter's name is missing"},
+        {"set [] 3", "a.script:1: expected a parameter such as 100, 100.1.2, level or [gain 1]"},
         {"expect-write 1.2.3.4 3",
-         "a.script:1: expected a parameter such as 100 or 100.1.2, found \"1.2.3.4\""},
+         "a.script:1: expected a parameter such as 100, 100.1.2, level or [gain 1], found \"1.2.3.4\""},
         {"expect-write 1. 3",
-         "a.script:1: expected a parameter such as 100 or 100.1.2, found \"1.\""},
+         "a.script:1: expected a parameter such as 100, 100.1.2, level or [gain 1], found \"1.\""},
         {"expect-write 1.256 3",
-         "a.script:1: expected a parameter such as 100 or 100.1.2, found \"1.256\""},
+         "a.script:1: expected a parameter such as 100, 100.1.2, level or [gain 1], found \"1.256\""},
         {"expect-no-write 3",
          "a.script:1: expected nothing after \"expect-no-write\", found \"3\""},
         {"expect-selected 3 9001", "a.script:1: expected an option"},

@@ -41,6 +41,12 @@ bool is_pin(const std::string& text);
 // capitals: /dev must be writable.
 bool can_post();
 
+// How the keys of a display are called that answer a question; an empty one is left out.
+struct Answer_keys {
+    std::string accepting;
+    std::string cancelling;
+};
+
 struct Panel_options {
     Lcd_size size = {};  // of the display, until `Panel::set_size`
     std::optional<std::string> pin =
@@ -55,6 +61,7 @@ struct Panel_options {
     Fault_listener rule_fault = nullptr;
     Log_lines* log =
         nullptr;  // what the diagnostics key shows, outlives the panel; null: nothing is kept
+    std::optional<Answer_keys> answer_keys = std::nullopt;  // default: those of a keyboard
 };
 
 class Panel {
@@ -74,6 +81,8 @@ public:
     //
     // The key that wakes a dim panel does nothing else; a locked one asks for the PIN.
     void press(const Key& key);
+    // Whether an editor takes the character of a keyboard: its key then types it and means nothing else.
+    bool types(char character) const;
     // Keys as messages of the front panel: see key_message.h. Any other message, and a damaged one, is ignored.
     void receive(const FrontPanel::Message& message);
     void receive(Message_queue& messages);
@@ -88,6 +97,8 @@ public:
     bool has_changed() const;
     // What the display shows. The same frame until something happens: drawing scrolls long texts on.
     const Frame& frame();
+    // The next frame is drawn anew, although nothing happened: long texts scroll on.
+    void scroll();
     // From now on frames have this size.
     void set_size(Lcd_size size);
     // The time of the panel's clock.

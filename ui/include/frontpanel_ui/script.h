@@ -10,9 +10,11 @@
 
 namespace frontpanel {
 
+// By its address, or by the name that the menu file declares.
 struct Parameter_name {
     uint32_t pid = 0;
     uint32_t varidx = 0;
+    std::string name = {};  // empty: `pid` and `varidx` are the address
 };
 
 struct Step {
@@ -21,6 +23,7 @@ struct Step {
         TICK,
         SAY,
         EXPECT_LINE,
+        EXPECT_PART,
         EXPECT_LEDS,
         EXPECT_WRITE,
         EXPECT_NO_WRITE,
@@ -34,7 +37,7 @@ struct Step {
     Kind kind = TICK;
     int count = 1;             // PRESS and TICK: how often
     Key key{Key::UP};          // PRESS
-    int row = 0;               // EXPECT_LINE, from 0
+    int row = 0;               // EXPECT_LINE and EXPECT_PART, from 0
     std::string text;          // what is said, expected or set
     bool edit = false;         // EXPECT_LEDS
     bool alarm = false;        // EXPECT_LEDS

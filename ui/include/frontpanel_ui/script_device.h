@@ -25,7 +25,11 @@ public:
     Script_device(const Script_device&) = delete;
     Script_device& operator=(const Script_device&) = delete;
 
-    // Whether the device has the parameter. The operations below are called with such parameters only.
+    // The address of the parameter with this name; nothing when the menu declares none.
+    virtual std::optional<Parameter_name> find(const std::string& /*name*/) const {
+        return std::nullopt;
+    }
+    // Whether the device has the parameter. The operations below are called with addresses of such parameters only.
     virtual bool has_parameter(const Parameter_name& parameter) const = 0;
     // Changes the parameter as the device does by itself. Nothing, or why it cannot hold the value.
     virtual std::optional<std::string> set(const Parameter_name& parameter,

@@ -27,13 +27,15 @@ public:
     int play(const Script& script);
 
 private:
-    void check_parameter(const Script& script, const Step& step) const;
+    void resolve(const Script& script, Step& step) const;
     void perform(const Script& script, const Step& step);
     void show();
     void set_value(const Script& script, const Step& step);
     // What differs from the expectation; nothing when it is met.
     std::optional<std::string> difference(const Step& step);
     std::optional<std::string> line_difference(const Step& step) const;
+    std::optional<std::string> part_difference(const Step& step);
+    bool shows_part(const Step& step) const;
     std::optional<std::string> led_difference(const Step& step) const;
     std::optional<std::string> write_difference(const Step& step);
     std::optional<std::string> no_write_difference() const;

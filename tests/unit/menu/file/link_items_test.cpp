@@ -29,7 +29,7 @@ TEST(LinkItems, ABridgeOwnsWhatItLeadsTo) {
                        "item": {"type": "range", "parameter": "gain 2", "format": "%d dB"}},
                       {"type": "range", "name": "Mute", "parameter": "mute"})"));
     Data_entry& root = loaded.menu->root();
-    EXPECT_EQ(names_of(root), (Lines{"Bridge Entry", "Mute"}));
+    EXPECT_EQ(names_of(root), (Lines{"gain 2", "Mute"}));
     Link_entry& link = link_in(root, 0);
     EXPECT_TRUE(link.isBridgeLink());
     EXPECT_EQ(link.getBehaviour(), Link_entry::LINK_SKIP);
@@ -39,6 +39,14 @@ TEST(LinkItems, ABridgeOwnsWhatItLeadsTo) {
     EXPECT_STREQ(text, "4 dB");
     // The root, the link and the other item: what the bridge owns is not the menu's.
     EXPECT_EQ(loaded.menu->entry_count(), 3U);
+}
+
+TEST(LinkItems, ABridgeGoesByTheNameOfItsItemOrOfItsParameter) {
+    const Simulated_menu loaded = simulated_text(with_items(
+        R"({"type": "bridge", "item": {"type": "range", "name": "Treble", "parameter": "gain 2"}},
+           {"type": "bridge", "item": {"type": "range", "parameter": "gain 2"}},
+           {"type": "bridge", "item": {"type": "range", "pid": 101}})"));
+    EXPECT_EQ(names_of(loaded.menu->root()), (Lines{"Treble", "gain 2", "Bridge"}));
 }
 
 TEST(LinkItems, AnErrorNamesPlaceAndExpectation) {
@@ -76,7 +84,6 @@ TEST(LinkItems, AnErrorNamesPlaceAndExpectation) {
          "menu.json: /menu/items/0/item/type: a bridge leads to no item of this type"},
         {with_items(
              R"({"type": "bridge", "item": {"type": "range", "name": "G", "parameter": "x"}})"),
-         "menu.json: /menu/items/0/item/name@: unknown member \"name\"\n"
          "menu.json: /menu/items/0/item/parameter: the device has no parameter \"x\""},
         {with_items(R"({"type": "mount", "name": "Presets"})"),
          "menu.json: /menu/items/0: expected a member \"folder\""},

@@ -1,0 +1,221 @@
+#include <frontpanel_editors/number_scale.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <map>
+#include <tuple>
+
+namespace frontpanel {
+namespace {
+
+constexpr int64_t MOST_SAMPLES = 33;
+constexpr int MOST_DECIMALS = 9;
+
+bool is_digit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+// A text around its first number.
+struct Parts {
+    std::string before;
+    std::string behind;
+    int decimals;
+    double number;
+};
+
+std::optional<Parts> parts_of(const std::string& text) {
+    const auto digit = std::find_if(text.begin(), text.end(), is_digit);
+    if (digit == text.end()) {
+        return std::nullopt;
+    }
+    const bool is_negative = digit != text.begin() && *(digit - 1) == '-';
+    auto end = std::find_if_not(digit, text.end(), is_digit);
+    double number = 0;
+    std::for_each(digit, end, [&number](char c) { number = number * 10 + (c - '0'); });
+    int decimals = 0;
+    if (end != text.end() && *end == '.' && end + 1 != text.end() && is_digit(*(end + 1))) {
+        double weight = 1;
+        for (++end; end != text.end() && is_digit(*end); ++end, ++decimals) {
+            weight /= 10;
+            number += weight * (*end - '0');
+        }
+    }
+    const auto begin = is_negative ? digit - 1 : digit;
+    return Parts{
+        {text.begin(), begin}, {end, text.end()}, decimals, is_negative ? -number : number};
+}
+
+std::string fixed(double number, int decimals) {
+    char text[64] = {};
+    const int length = std::snprintf(text, sizeof text, "%.*f", decimals, number);
+    std::string shown(text, static_cast<std::size_t>(std::clamp(length, 0, 63)));
+    std::replace(shown.begin(), shown.end(), ',', '.');  // whatever the locale
+    return shown;
+}
+
+std::vector<int> samples(int min, int max) {
+    const int64_t span = int64_t{max} - min;
+    const int64_t last = std::min(span, MOST_SAMPLES - 1);
+    std::vector<int> values;
+    for (int64_t i = 0; i <= last; ++i) {
+        values.push_back(static_cast<int>(last == 0 ? min : min + span * i / last));
+    }
+    return values;
+}
+
+int saturated(double value) {
+    constexpr double LOWEST = std::numeric_limits<int>::min();
+    constexpr double HIGHEST = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(std::round(value), LOWEST, HIGHEST));
+}
+
+}  // namespace
+
+// Numbers are what most samples have the same text around, when they only rise or only fall with the value.
+Number_scale::Number_scale(Text_of text_of, int min, int max) : m_text_of(std::move(text_of)) {
+    if (min > max) {
+        return;
+    }
+    using Form = std::tuple<std::string, std::string, int>;
+    std::map<Form, std::vector<Place>> forms;
+    const std::vector<int> values = samples(min, max);
+    for (const int value : values) {
+        if (const auto parts = parts_of(m_text_of(value))) {
+            forms[{parts->before, parts->behind, parts->decimals}].push_back(
+                {value, parts->number});
+        }
+    }
+    const auto most =
+        std::max_element(forms.begin(), forms.end(), [](const auto& left, const auto& right) {
+            return left.second.size() < right.second.size();
+        });
+    if (most == forms.end() || most->second.size() < 2 || most->second.size() * 2 < values.size()) {
+        return;
+    }
+    const std::vector<Place>& places = most->second;
+    const auto rises = [&](int direction) {
+        return std::adjacent_find(places.begin(), places.end(),
+                                  [direction](const Place& left, const Place& right) {
+                                      return (right.number - left.number) * direction <= 0;
+                                  }) == places.end();
+    };
+    if (rises(1) || rises(-1)) {
+        std::tie(m_before, m_behind, m_decimals) = most->first;
+        m_places = places;
+    }
+}
+
+std::string Number_scale::characters() const {
+    if (m_places.empty()) {
+        return "";
+    }
+    const bool has_negative = m_places.front().number < 0 || m_places.back().number < 0;
+    return std::string("0123456789") + (has_negative ? "-" : "") + (m_decimals > 0 ? "." : "");
+}
+
+std::optional<double> Number_scale::number_of(int value) const {
+    const auto parts = parts_of(m_text_of(value));
+    const bool is_number = parts && parts->before == m_before && parts->behind == m_behind;
+    return is_number ? std::optional<double>(parts->number) : std::nullopt;
+}
+
+double Number_scale::slope() const {
+    const Place& first = m_places.front();
+    const Place& last = m_places.back();
+    return (last.number - first.number) / (static_cast<double>(last.value) - first.value);
+}
+
+// Shown numbers are rounded to their last digit.
+bool Number_scale::is_linear() const {
+    const double unit = std::pow(10, -m_decimals);
+    return std::all_of(m_places.begin(), m_places.end(), [&](const Place& place) {
+        const double expected =
+            m_places.front().number +
+            slope() * (static_cast<double>(place.value) - m_places.front().value);
+        return std::abs(place.number - expected) <= unit;
+    });
+}
+
+std::optional<std::string> Number_scale::step_text(int step) const {
+    if (m_places.empty() || !is_linear()) {
+        return std::nullopt;
+    }
+    const double change = std::abs(slope() * step);
+    constexpr double CLOSE = 0.05;  // of the step
+    int decimals = m_decimals;
+    while (decimals < MOST_DECIMALS &&
+           std::abs(std::round(change * std::pow(10, decimals)) / std::pow(10, decimals) - change) >
+               CLOSE * change) {
+        ++decimals;
+    }
+    return fixed(change, decimals) + m_behind;
+}
+
+std::optional<Number_scale::Typed> Number_scale::value_of(const std::string& typed) const {
+    std::string text = typed;
+    const std::size_t point = text.find('.');
+    if (point != std::string::npos && (point == 0 || !is_digit(text[point - 1]))) {
+        text.insert(point, 1, '0');
+    }
+    const auto parts = parts_of(text);
+    if (m_places.empty() || !parts || !parts_of(typed)) {
+        return std::nullopt;
+    }
+    const int value = nearest(parts->number);
+    const std::optional<double> shown = number_of(value);
+    constexpr double CLOSE = 1e-9;
+    return Typed{value, shown && std::abs(*shown - parts->number) <=
+                                     CLOSE * std::max(1.0, std::abs(parts->number))};
+}
+
+// Of a conversion that is no straight line, beyond its ends the next value stands for every number.
+int Number_scale::nearest(double number) const {
+    const Place& first = m_places.front();
+    const Place& last = m_places.back();
+    if (is_linear()) {
+        const int guess = saturated(first.value + (number - first.number) / slope());
+        int best = guess;
+        double distance = std::numeric_limits<double>::max();
+        for (const int64_t candidate : {int64_t{guess}, int64_t{guess} - 1, int64_t{guess} + 1}) {
+            if (candidate < std::numeric_limits<int>::min() ||
+                candidate > std::numeric_limits<int>::max()) {
+                continue;
+            }
+            const auto shown = number_of(static_cast<int>(candidate));
+            if (shown && std::abs(*shown - number) < distance) {
+                distance = std::abs(*shown - number);
+                best = static_cast<int>(candidate);
+            }
+        }
+        return best;
+    }
+    const double direction = last.number > first.number ? 1 : -1;
+    if ((number - first.number) * direction < 0) {
+        return saturated(first.value - 1.0);
+    }
+    if ((number - last.number) * direction > 0) {
+        return saturated(last.value + 1.0);
+    }
+    const auto above = std::find_if(m_places.begin() + 1, m_places.end(), [&](const Place& place) {
+        return (place.number - number) * direction >= 0;
+    });
+    return nearest_between(*(above - 1), *above, number);
+}
+
+int Number_scale::nearest_between(Place low, Place high, double number) const {
+    const double direction = high.number > low.number ? 1 : -1;
+    while (int64_t{high.value} - low.value > 1) {
+        const auto middle = static_cast<int>(low.value + (int64_t{high.value} - low.value) / 2);
+        const auto shown = number_of(middle);
+        if (!shown) {
+            break;
+        }
+        ((*shown - number) * direction < 0 ? low : high) = {middle, *shown};
+    }
+    return std::abs(low.number - number) <= std::abs(high.number - number) ? low.value : high.value;
+}
+
+}  // namespace frontpanel
