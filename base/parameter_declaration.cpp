@@ -12,7 +12,7 @@ constexpr int64_t HIGHEST = std::numeric_limits<int32_t>::max();
 constexpr int64_t LAST_INDEX = 255;  // of a level: a larger one would overlap the next level
 constexpr size_t LONGEST_INDEX = 2;  // levels
 constexpr int64_t LAST_PID =
-    std::numeric_limits<uint32_t>::max() - int64_t{1};  // the last one is none
+    std::numeric_limits<uint32_t>::max() - int64_t{1};  // the last number means "no parameter"
 
 }  // namespace
 

@@ -28,7 +28,7 @@ enum class Rule_operands {
 // What the search for circles takes a rule for.
 enum class Rule_effect { NONE, LIMITS_ENTRY, WRITES };
 
-// A word that may stand in place of operands, and the number for it in a list.
+// A word that replaces operands, and its number in a list.
 struct Rule_choice {
     std::string_view word;
     int number;

@@ -12,7 +12,7 @@ Menu::Menu(Data_interface& device)
       m_access(device, m_bindings),
       m_gate(*this) {}
 
-// An entry's destructor leaves the list that its card sent last to whoever may still show it.
+// An entry's destructor does not free the list that its card sent last: it may still be shown.
 Menu::~Menu() {
     for (const std::unique_ptr<Data_entry>& entry : m_entries) {
         if (is_live(*entry)) {

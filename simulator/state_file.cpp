@@ -296,7 +296,7 @@ void State_file::apply(const Memory_device::Value& value, std::vector<std::strin
     }
 }
 
-// -1 stands for nothing selected, as on a tree at first.
+// -1 means that nothing is selected, as on a tree at first.
 void State_file::apply(const Slot_and_pid& document, int option, std::vector<std::string>& lines) {
     const auto [slot, pid] = document;
     if (m_cards == nullptr || !m_cards->has_document(slot, pid)) {

@@ -56,7 +56,7 @@ Key Controller::turned(const Key& key) const {
     return {key.kind == Key::UP ? Key::DOWN : Key::UP};
 }
 
-// Also of what is told or asked meanwhile: an arrow that moves a cursor accepts and discards nothing there.
+// Holds for notices and questions too: an arrow that moves a cursor neither accepts nor discards one.
 Key_place Controller::place() const {
     if (m_log && m_log->is_open()) {
         return m_log->is_list() ? Key_place::LIST : Key_place::CURSOR;

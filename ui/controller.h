@@ -1,7 +1,7 @@
 // The panel's front without its hardware: messages of keys in, frames out.
 //
 // Shows the list of one menu, an open editor, or a notice that stays until a key acknowledges it. Knows no
-// terminal and no clock: whoever drives it presses keys, lets time pass with `tick`, and draws.
+// terminal and no clock: its owner presses keys, lets time pass with `tick`, and draws.
 #ifndef FRONTPANEL_UI_CONTROLLER_H
 #define FRONTPANEL_UI_CONTROLLER_H
 

@@ -73,7 +73,7 @@ void Main_loop::press(const Key& key) {
     }
 }
 
-// A front that never stops telling must not hold the panel.
+// A front that never runs out of events must not hold the panel.
 void Main_loop::drop_keys() {
     constexpr int MOST_DROPPED = 10000;
     for (int dropped = 0; dropped < MOST_DROPPED && !m_over; ++dropped) {

@@ -92,7 +92,7 @@ void Session::serve_requests() {
     }
 }
 
-// What stands open on a panel that locks would be there for whoever comes next.
+// What is open on a panel that locks would be visible to the next person.
 void Session::rest() {
     m_dim = true;
     m_asks = false;

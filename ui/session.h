@@ -6,7 +6,7 @@
 // `lock_and_dim` ask for it at once when they are set. `go_home` is 0 again when it was served, `lock_and_dim`
 // stays set until a person wakes the panel or opens it.
 //
-// Knows no clock but the time that it is told. Used from the menu thread.
+// Its only clock is the time that the caller passes. Used from the menu thread.
 #ifndef FRONTPANEL_UI_SESSION_H
 #define FRONTPANEL_UI_SESSION_H
 

@@ -112,7 +112,7 @@ void Cascade::evaluated(Engine& engine) {
     engine.cascade_state().is_marked = false;
     m_last_evaluated = engine.cascade_state().number;
     if (engine.has_new_options()) {
-        mark(engine);  // whoever refreshed the entry may leave its options as they were
+        mark(engine);  // a refresh by another caller may leave the options as they were
     }
 }
 
@@ -169,7 +169,7 @@ void Cascade::run_round(Data_interface* iface, Binding_settlement& settlement) {
     }
 }
 
-// A refresh leaves an option that is hidden: which are is told before, so that it leaves none that is allowed again.
+// A refresh leaves a hidden option. Update options first, so that it keeps an option that has just become allowed.
 // Both steps may end any engine, this one included.
 void Cascade::refresh(Engine& engine, Data_interface* iface) {
     const uint64_t number = engine.cascade_state().number;
@@ -197,7 +197,7 @@ bool Cascade::tell_options(uint64_t number) {
     return true;
 }
 
-// From the engine back through what marked it, until one comes up again; told in the order of the writes.
+// From the engine back through what marked it, until one comes up again; reported in the order of the writes.
 std::string Cascade::circle_of(const Engine& engine) const {
     std::vector<uint64_t> numbers;
     uint64_t number = engine.cascade_state().number;

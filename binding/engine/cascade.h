@@ -51,7 +51,7 @@ public:
     bool is_frozen() const { return m_is_frozen; }
     // What follows from now on is left to the next round.
     bool is_too_deep();
-    // A write that the device refused: whoever asked for it asks again at the next evaluation.
+    // A write that the device refused: its engine asks for it again at the next evaluation.
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
 
     void input_changed(Engine& engine);
@@ -83,7 +83,7 @@ private:
     std::vector<const Cached_parameter*> m_commits;  // under way, the outermost first
     bool m_is_frozen = false;
     bool m_is_settling = false;
-    std::string m_frozen_circle;  // not yet told by a round
+    std::string m_frozen_circle;  // not yet reported by a round
 };
 
 }  // namespace frontpanel::binding_engine

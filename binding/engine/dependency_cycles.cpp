@@ -204,11 +204,11 @@ private:
         }
         way.push_back(&first);
         std::reverse(way.begin(), way.end());
-        return told(from, way);
+        return reported(from, way);
     }
 
     // From the parameter on whose entry comes first in the menu, as a reader would look for it.
-    Binding_cycle told(std::size_t from, std::vector<const Edge*> way) const {
+    Binding_cycle reported(std::size_t from, std::vector<const Edge*> way) const {
         const auto last =
             std::min_element(way.begin(), way.end(), [&](const Edge* left, const Edge* right) {
                 return place_in_menu(m_nodes[left->to]) < place_in_menu(m_nodes[right->to]);

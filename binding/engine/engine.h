@@ -82,7 +82,7 @@ public:
     Data_entry::Entry_type entry_type() const { return m_entry_type; }
     std::string name() const;
     bool was_evaluated() const { return m_was_evaluated; }
-    // Whether rules tell which options an enumerated entry has.
+    // Whether rules decide which options an enumerated entry has.
     bool limits_options() const {
         return m_options != nullptr && (m_rule_kinds & SUGGESTION_KEYS) != 0;
     }

@@ -293,7 +293,7 @@ void Parameter_cache::keep_text(Cached_parameter& parameter, std::string_view va
     kept(parameter, changed);
 }
 
-// What could not be read before counts as changed: whoever needed it has not had it.
+// Recovery after a failed read counts as a change.
 void Parameter_cache::kept(Cached_parameter& parameter, bool changed) {
     parameter.is_known = true;
     parameter.failure = 0;

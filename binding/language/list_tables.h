@@ -22,7 +22,7 @@ struct List_tables {
     BindingListT segments;
     BindingListT rules;
     BindingListT code;
-    std::string unescaped;  // stands behind the source in the pool
+    std::string unescaped;  // follows the source in the pool
     int own_type = 0;
     // The rows of parameters beyond the first few, by their variables.
     std::unordered_multimap<uint64_t, int> later_rows;

@@ -26,7 +26,7 @@ const char* fault_text(Fault fault);
 class Value_source {
 public:
     virtual ~Value_source() = default;
-    // Fills the number or the text of `value`, as the type of the program's parameter tells. A text stays
+    // Fills the number or the text of `value`, by the type of the program's parameter. A text stays
     // valid until the run is over and its result used. False when it cannot be read: the run ends.
     virtual bool read(std::size_t parameter, Value& value) = 0;
     // The same for the entry's own value.

@@ -122,7 +122,7 @@ std::optional<Value_type> Program::own_type() const {
     return type == 0 ? std::nullopt : std::optional<Value_type>(static_cast<Value_type>(type - 1));
 }
 
-// The pool's bytes stand in the numbers as they stand in memory.
+// The numbers hold the pool's bytes in memory order.
 std::string_view Program::pooled(std::size_t reference) const {
     const char* const pool = reinterpret_cast<const char*>(m_list.data() + m_pool);
     return {pool + m_list[reference], index_of(m_list[reference + 1])};

@@ -1,6 +1,6 @@
 // A compiled binding list as the engine reads it: parameters, options, rules and code, checked in full.
 //
-// A list stands on its own: it holds all that its rules need, and may come from anywhere. What `decode`
+// A list is self-contained: it holds all that its rules need, and may come from anywhere. What `decode`
 // accepts runs in bounded time and memory. Immutable after `decode`; menu thread only.
 #ifndef FRONTPANEL_BINDING_LANGUAGE_PROGRAM_H
 #define FRONTPANEL_BINDING_LANGUAGE_PROGRAM_H
@@ -47,7 +47,7 @@ struct Code {
 };
 
 struct Program_parameter {
-    var_index_s key;        // `key.rt` tells how the parameter is read; unused levels are 0
+    var_index_s key;        // `key.rt` is the type that is read; unused levels are 0
     std::string_view name;  // as written between the brackets, for reports
     bool is_read;           // some rule reads it: its entry depends on it
     bool is_written;        // some SET rule writes it

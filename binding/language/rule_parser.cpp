@@ -80,7 +80,7 @@ void Rule_parser::rule_or_separator() {
     }
 }
 
-// What is left of a rule that is wrong would stand in the code of the next one.
+// The code of a wrong rule is removed: it would otherwise precede that of the next one.
 void Rule_parser::recover(const Scanner& rule_start) {
     m_code.drop_rules();
     m_cursor.skip_rule(rule_start);

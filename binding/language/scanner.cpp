@@ -247,7 +247,7 @@ void Scanner::append_unescaped(std::string_view source, std::string& text) {
     }
 }
 
-// What stands in a text, in brackets or in a comment separates nothing. The text that a placeholder stands in goes on
+// Separators in a text, in brackets or in a comment do not count. The text around a placeholder goes on
 // behind it.
 void Scanner::skip_rule() {
     std::string open;  // the quotes and braces that are open here, outermost first
@@ -262,7 +262,7 @@ void Scanner::skip_rule() {
     }
 }
 
-// Past a byte, or two that stand for one. Nothing here goes past the end of the line.
+// Past a byte, or an escape of two bytes. Nothing here goes past the end of the line.
 void Scanner::skip_in_text(std::string& open) {
     const char byte = *m_at++;
     if (byte == '"') {

@@ -69,7 +69,7 @@ public:
     };
     // `quote` is where the text begins, for its error.
     Text_part text_part(const char* quote);
-    // Appends what the source of a text part stands for.
+    // Appends a part of a text with its escapes resolved.
     static void append_unescaped(std::string_view source, std::string& text);
 
     // Goes to the separator at which the rule that begins here ends, or to the end, whatever is wrong before it.

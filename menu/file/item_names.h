@@ -14,7 +14,7 @@ namespace frontpanel {
 
 class Item_names {
 public:
-    // The items that follow stand in the menu of that name, until it is closed.
+    // The items that follow are in the menu of that name, until it is closed.
     void open(const std::string& menu) { m_menus.push_back(menu); }
     void close() { m_menus.pop_back(); }
 

@@ -1,4 +1,4 @@
-// Links while a menu file is loaded: a link stands in its place once everything that it can lead to is there.
+// Links while a menu file is loaded: they are added once everything that they can lead to exists.
 #ifndef FRONTPANEL_MENU_LINK_PLACES_H
 #define FRONTPANEL_MENU_LINK_PLACES_H
 

@@ -30,7 +30,7 @@ constexpr size_t FILE_COST = 250;    // of finding a file, in values
 constexpr size_t LONGEST_NAME = 32;  // of a counter or an argument
 constexpr size_t LONGEST_FILE_NAME = 255;
 constexpr size_t MOST_ARGUMENTS = 64;
-constexpr size_t LONGEST_SHOWN = 200;  // of what tells a copy apart
+constexpr size_t LONGEST_SHOWN = 200;  // of the arguments that identify a copy
 
 bool is_placeholder_name(const std::string& name) {
     const auto found = find_placeholder("{" + name + "}", 0);
@@ -421,7 +421,7 @@ Menu_document::Scope Menu_document::scope_of_use(const Json_node& node, const Te
     return inner;
 }
 
-// What tells a copy apart from the others, for messages.
+// What identifies a copy in messages.
 void Menu_document::set_copy(Scope& scope) {
     std::string text;
     for (const auto& [name, value] : scope.values) {

@@ -43,7 +43,7 @@ bool is_byte_of(const Message& message, uint32_t type) {
     return message.type == type && message.length == 1 && message.payload != nullptr;
 }
 
-// The code of a push button; nothing when the message is none.
+// The code of a push button; nothing for any other message.
 std::optional<unsigned char> button_code(const Message& message) {
     const Message& select = FrontPanel::SelectPressMessage;
     const size_t code = select.length - 1U;

@@ -43,7 +43,7 @@ bool is_part_of_a_word(char character) {
     return std::isalnum(static_cast<unsigned char>(character)) != 0;
 }
 
-// Whether the name stands in the text as a whole.
+// Whether the text holds the name as a whole word.
 bool mentions(const std::string& text, const std::string& name) {
     size_t at = text.find(name);
     while (at != std::string::npos) {

@@ -1,6 +1,6 @@
 // Asks for the PIN of a locked panel: its digits are set with the encoder, one after the other.
 //
-// Knows no clock but the time that it is told.
+// Its only clock is the time that the caller passes.
 #ifndef FRONTPANEL_UI_PIN_LOCK_H
 #define FRONTPANEL_UI_PIN_LOCK_H
 
@@ -13,7 +13,8 @@ namespace frontpanel {
 class Pin_lock {
 public:
     static constexpr int FREE_TRIES = 3;
-    static constexpr std::chrono::seconds PENALTY{30};  // without keys, after so many wrong tries
+    static constexpr std::chrono::seconds PENALTY{
+        30};  // without keys, after FREE_TRIES wrong tries
     static constexpr std::chrono::seconds PATIENCE{
         15};  // for the next key, before the question goes away
 

@@ -36,7 +36,7 @@ public:
     // an index with fewer levels, the others being 0, is the same variable.
     void declare(const Parameter& parameter);
     // Declares a parameter and a name for it; a parameter may have several. Returns false, and declares
-    // nothing, when another key has the name, or when it cannot stand in brackets: it is empty, holds "[", "]"
+    // nothing, when another key has the name, or when it cannot be written in brackets: it is empty, holds "[", "]"
     // or a control character, or is like an address.
     bool declare(std::string_view name, const Parameter& parameter);
 
@@ -44,7 +44,7 @@ public:
     // new declaration changes what they point to.
     const Parameter* find(std::uint32_t pid, const Index_t& index) const;
     const Parameter* find(std::string_view name) const;
-    // Finds what stands in the brackets of a rule or a toggle: a name or an address. An address with "@i" or
+    // Finds the parameter in the brackets of a rule or a toggle: a name or an address. An address with "@i" or
     // "@s" names no declaration.
     const Parameter* find_reference(std::string_view text) const;
 

@@ -21,12 +21,12 @@ struct Entry_kind {
     enum Trait : unsigned int {
         NONE = 0,
         HAS_OWN_MEMBERS = 0x1,  // its items have `members` alone, and those that every item has
-        IS_BRIDGED = 0x2,       // its items may stand behind a bridge
+        IS_BRIDGED = 0x2,       // a bridge may own its items
         HAS_VALUE = 0x4,        // which can be shown and written: rules may warn of it, or lock it
         IS_NUMBER = 0x8,        // between limits, which rules may narrow
         HAS_KEYS = 0x10,        // of options, which rules may leave out
         IS_FETCHED = 0x20,      // its options come from a card, not its value from the device
-        HAS_LINES = 0x40,       // its options stand on lines of their own
+        HAS_LINES = 0x40,       // each of its options has a line of its own
         IS_TYPED = 0x80,        // a key that erases takes a character of its value away
         IS_PROBED = 0x100       // its value is an address that can be asked for an answer
     };

@@ -20,7 +20,7 @@ namespace frontpanel {
 
 struct Loaded_menu {
     std::unique_ptr<Menu> menu;
-    // What is allowed but probably not meant, one line each, with its place.
+    // What is valid but probably a mistake, one line each, with its place.
     std::vector<std::string> warnings;
 };
 

@@ -60,7 +60,7 @@ public:
     Mounted_menu& operator=(const Mounted_menu&) = delete;
 
     // Builds the menu anew, an entry for each preset by name, below `parent`, which outlives it. The first
-    // entry, or null when the folder cannot be read. A preset that cannot be used has an entry that says so.
+    // entry, or null when the folder cannot be read. A preset that cannot be used has an entry that reports it.
     Data_entry* build(Data_entry& parent);
     void destroy() { m_presets.clear(); }
     size_t entry_count() const { return m_presets.size(); }

@@ -23,7 +23,7 @@ using Message_pointer = std::unique_ptr<const FrontPanel::Message>;
 // One press of a key, or one step. Null for a shortcut whose number no message can hold.
 Message_pointer message_of(const Key& key);
 
-// The keys that a message stands for, in order: several of a shaft that was turned by several steps. Empty for
+// The keys that a message means, in order: several of a shaft that was turned by several steps. Empty for
 // a message that is no key, and for a damaged one (another length, an unknown code).
 std::vector<Key> keys_of(const FrontPanel::Message& message);
 

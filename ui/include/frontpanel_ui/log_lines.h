@@ -30,7 +30,7 @@ public:
     bool is_kept() const;
     // From here on lines have this mask.
     void begin(uint32_t mask);
-    // The file has lost so many bytes at its beginning; what is left stands so much nearer to it.
+    // The file has lost that number of bytes at its beginning; the rest has moved forward by as many.
     void follow_cut(off_t bytes);
     // Takes what was printed since the last call. Of much, only the end is taken.
     void read();

@@ -49,7 +49,7 @@ private:
     std::optional<Frame> m_frame;  // the last one shown
 };
 
-// Whether a display line is what a pattern says, in which '*' stands for any characters.
+// Whether a display line matches a pattern, in which '*' matches any characters.
 bool matches(const std::string& line, const std::string& pattern);
 
 }  // namespace frontpanel
