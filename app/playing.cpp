@@ -89,8 +89,7 @@ int play_unseen(const Options& options, const Loaded_panel& loaded, Output_log& 
     const Display_setup setup{"",     options.size, options.keys, log.out_descriptor(),
                               unseen, std::cerr};
     Panel panel(*loaded.menu, options_for_script(options, *loaded.menu, log));
-    return play_on(script, panel, *loaded.device,
-                   *default_display(false).open_display(setup), unseen);
+    return play_on(script, panel, loaded, *default_display(false).open_display(setup), unseen);
 }
 
 }  // namespace frontpanel

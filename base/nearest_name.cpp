@@ -8,7 +8,8 @@ namespace frontpanel {
 namespace {
 
 constexpr std::size_t MOST_MISTAKES = 2;
-constexpr std::size_t SHORTEST = 3;   // shorter names, and longer ones than the other limit, are never near
+constexpr std::size_t SHORTEST =
+    3;  // shorter names, and longer ones than the other limit, are never near
 constexpr std::size_t LONGEST = 64;
 
 using Row = std::array<std::size_t, LONGEST + 1>;
@@ -26,8 +27,8 @@ std::size_t mistakes_between(std::string_view from, std::string_view to) {
         for (std::size_t j = 1; j <= to.size(); ++j) {
             const std::size_t replaced = last[j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
             row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
-            const bool is_exchange = i > 1 && j > 1 && from[i - 1] == to[j - 2] &&
-                                     from[i - 2] == to[j - 1];
+            const bool is_exchange =
+                i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
             if (is_exchange) {
                 row[j] = std::min(row[j], before_last[j - 2] + 1);
             }
@@ -72,7 +73,8 @@ void Nearest_name::offer(std::string_view known) {
 }
 
 std::string Nearest_name::hint(const char* quote, const char* end_quote) const {
-    return m_best.empty() ? "" : "; did you mean " + (quote + std::string(m_best)) + end_quote + "?";
+    return m_best.empty() ? ""
+                          : "; did you mean " + (quote + std::string(m_best)) + end_quote + "?";
 }
 
 }  // namespace frontpanel

@@ -13,7 +13,8 @@ void Product_options::set(std::map<std::string, unsigned int> options,
 
 // As a range or an option of an entry is judged that needs it.
 bool Product_options::has(std::string_view name) {
-    const std::string known = m_library_name ? m_library_name(std::string(name)) : std::string(name);
+    const std::string known =
+        m_library_name ? m_library_name(std::string(name)) : std::string(name);
     const is_static_value_s option = m_judge.isOptionStatic(known, false);
     const bool is_static = option.isStatic == 1;
     const bool is_instance = option.isStatic == 0 && option.dynamicValue <= option.realValue;

@@ -18,9 +18,9 @@ struct List_tables;
 
 struct Compile_context {
     const Parameter_table& parameters;
-    RETURN_TYPE own_type;     // of `value`; INVALID_TYPE for an entry that has none
-    Value_bounds own_bounds;  // of an integer
-    bool is_toggle = false;   // numbers only, within those that the library's toggles hold
+    RETURN_TYPE own_type;          // of `value`; INVALID_TYPE for an entry that has none
+    Value_bounds own_bounds = {};  // of an integer
+    bool is_toggle = false;        // numbers only, within those that the library's toggles hold
 };
 
 // Keeps its working memory from text to text. Menu thread only.

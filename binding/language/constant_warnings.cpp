@@ -25,7 +25,7 @@ void Constant_warnings::begin_rule() {
 
 // The line is known, so that it is not looked for from the beginning of the text.
 void Constant_warnings::warn_of(const char* begin) {
-    if (std::exchange(m_is_warned, true) || m_warnings.size() == MOST_WARNINGS) {
+    if (std::exchange(m_is_warned, true) || m_result.warnings.size() == MOST_WARNINGS) {
         return;
     }
     m_result.warnings.push_back(

@@ -19,8 +19,8 @@ namespace frontpanel::binding_language {
 // What a part of an expression yields.
 struct Operand {
     Value_type type;
-    bool is_truth;      // an integer that is 0 or 1
-    const char* place;  // where it begins
+    bool is_truth;             // an integer that is 0 or 1
+    const char* place;         // where it begins
     Value_bounds bounds = {};  // of an integer
 };
 

@@ -10,8 +10,8 @@ namespace frontpanel::binding_language {
 namespace {
 
 constexpr const char* RESULT = "A";
-constexpr int MOST_NAMES = 40;    // the evaluator has 100 for all texts of the process
-constexpr int DEEPEST = 64;       // jumps inside each other
+constexpr int MOST_NAMES = 40;     // the evaluator has 100 for all texts of the process
+constexpr int DEEPEST = 64;        // jumps inside each other
 constexpr size_t LONGEST = 32768;  // bytes
 
 // How tightly an evaluator's text binds, loosest first.
@@ -248,8 +248,8 @@ private:
         std::string fault = condition.fault;
         if (!yes.fault.empty() || !no.fault.empty()) {
             const std::string name = name_of(condition);
-            fault = either(fault, either(only_if(name + "!=0", yes.fault),
-                                         only_if(name + "==0", no.fault)));
+            fault = either(
+                fault, either(only_if(name + "!=0", yes.fault), only_if(name + "==0", no.fault)));
         }
         push({"(" + condition.text + "?" + yes.text + ":" + no.text + ")", PRIMARY, fault});
         check_size();
@@ -336,9 +336,9 @@ private:
             &m_tables.options[static_cast<size_t>(number) * REFERENCE_SIZE];
         const auto begin = static_cast<size_t>(reference[0]);
         const auto size = static_cast<size_t>(reference[1]);
-        return begin < m_source.size() ? m_source.substr(begin, size)
-                                       : std::string_view(m_tables.unescaped)
-                                             .substr(begin - m_source.size(), size);
+        return begin < m_source.size()
+                   ? m_source.substr(begin, size)
+                   : std::string_view(m_tables.unescaped).substr(begin - m_source.size(), size);
     }
     static std::string address_of(const var_index_s& key) {
         std::string address = std::to_string(key.var);

@@ -55,9 +55,9 @@ struct Built_menu {
     std::vector<Link> links;
     std::map<const Data_entry*, Place> rules;
     std::vector<Constant> constants;
-    std::vector<Place> condition_texts;  // of all rules, each time they are compiled
+    std::vector<Place> condition_texts;           // of all rules, each time they are compiled
     std::set<const Data_entry*> allowed_circles;  // items whose author knows of a circle of limits
-    std::set<const Data_entry*> conditional;  // items that are shown at times only
+    std::set<const Data_entry*> conditional;      // items that are shown at times only
 };
 
 }  // namespace frontpanel

@@ -70,8 +70,8 @@ public:
                 continue;
             }
             if (cycle.kind == Binding_cycle::Kind::WRITES) {
-                m_problems.report(
-                    *place, "rules that write drive each other in a circle: " + cycle.text());
+                m_problems.report(*place,
+                                  "rules that write drive each other in a circle: " + cycle.text());
             } else if (!is_pair(cycle) && !is_allowed(cycle)) {
                 m_problems.warn(*place, "rules limit each other in a circle: " + cycle.text());
             }

@@ -16,8 +16,8 @@ void check_menu_names(const Built_menu& built, const Built_menu::Submenu& menu,
             continue;
         }
         const auto [other, is_new] = seen.emplace(child->Get_name(), child);
-        const bool are_alternatives = built.conditional.count(child) > 0 &&
-                                      built.conditional.count(other->second) > 0;
+        const bool are_alternatives =
+            built.conditional.count(child) > 0 && built.conditional.count(other->second) > 0;
         if (!is_new && !are_alternatives) {
             place->second.warn("another item of this menu is named \"" + other->first + "\"");
         }

@@ -20,11 +20,11 @@ struct Common_member {
     bool is_bridged;        // an item behind a bridge has it as well
 };
 constexpr Common_member COMMON_MEMBERS[] = {
-    {member::TYPE, true, true},       {member::ID, true, false},
-    {member::NAME, false, true},      {member::DESCRIPTION, false, true},
-    {member::INDEX, false, true},     {member::VISIBLE, false, false},
-    {member::SHORTCUT, false, false}, {member::OPTIONS, false, true},
-    {member::BINDING, false, true},   {member::EDITOR, false, true},
+    {member::TYPE, true, true},          {member::ID, true, false},
+    {member::NAME, false, true},         {member::DESCRIPTION, false, true},
+    {member::INDEX, false, true},        {member::VISIBLE, false, false},
+    {member::SHORTCUT, false, false},    {member::OPTIONS, false, true},
+    {member::BINDING, false, true},      {member::EDITOR, false, true},
     {member::ALLOW_CIRCLE, false, true},
 };
 
@@ -180,8 +180,8 @@ void set_properties(Load_context& context, const Json_value& item, Data_entry& e
         context.built.conditional.insert(&entry);
         context.problems.attempt([&] { entry.setOrOptions(context.options.use(*options)); });
     }
-    if (context.problems.value_or(
-            [&item] { return boolean_or(item, member::ALLOW_CIRCLE, false); }, false)) {
+    if (context.problems.value_or([&item] { return boolean_or(item, member::ALLOW_CIRCLE, false); },
+                                  false)) {
         context.built.allowed_circles.insert(&entry);
     }
     if (const auto editor = item.find(member::EDITOR)) {

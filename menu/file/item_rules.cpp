@@ -169,10 +169,10 @@ void warn_of_options(const Load_context& context, const Rule_source& source,
     const Option_names& names = context.options.names();
     for (const Named_option& option : options) {
         if (!names.knows(option.name)) {
-            warn_in(source, option.offset,
-                    "no product option \"" + option.name + "\" is declared" +
-                        names.hint(option.name),
-                    context.problems);
+            warn_in(
+                source, option.offset,
+                "no product option \"" + option.name + "\" is declared" + names.hint(option.name),
+                context.problems);
         }
     }
 }

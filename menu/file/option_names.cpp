@@ -16,7 +16,8 @@ constexpr size_t MOST_HINTS = 200;
 constexpr const char* CLOSE = "\u00bb";
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    for (size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size())) {
         text.replace(at, from.size(), to);
     }
     return text;

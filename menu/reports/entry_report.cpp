@@ -26,8 +26,8 @@ std::string ranges_of(Data_entry& entry) {
         int low = 0;
         int high = 0;
         if (std::sscanf(report.c_str() + at++, "[%d, %d]", &low, &high) == 2) {
-            text = joined(text, std::to_string(low) +
-                                    (low == high ? "" : ".." + std::to_string(high)));
+            text = joined(text,
+                          std::to_string(low) + (low == high ? "" : ".." + std::to_string(high)));
         }
     }
     return text;
@@ -54,8 +54,8 @@ std::string choices_of(Enum_entry& entry) {
     std::string text;
     for (size_t position = 0; position < keys.size(); ++position) {
         const std::string option = option_text(entry, static_cast<int>(position));
-        text = joined(text, std::to_string(keys[position]) +
-                                (option.empty() ? "" : " (" + option + ")"));
+        text = joined(text,
+                      std::to_string(keys[position]) + (option.empty() ? "" : " (" + option + ")"));
     }
     return text;
 }

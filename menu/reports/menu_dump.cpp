@@ -6,13 +6,12 @@
 #include <vector>
 
 #include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/shown_value.h>
 #include "menu_tree.h"
 #include "reports/entry_report.h"
 
 namespace frontpanel {
 namespace {
-
-constexpr int VALUE_COLUMNS = 80;
 
 struct Row {
     int depth;
@@ -28,7 +27,7 @@ struct Row {
 };
 
 std::string value_of(Data_entry& entry) {
-    std::string value = display_value(entry, VALUE_COLUMNS).value_or("---");
+    std::string value = shown_value(entry).value_or("---");
     const size_t end = value.find_last_not_of(' ');
     return value.substr(0, end == std::string::npos ? 0 : end + 1);
 }

@@ -28,13 +28,6 @@ inline Lines lines_of(const Frame& frame) {
     return lines;
 }
 
-// A menu file with these device parameters and these items of the top menu.
-inline std::string menu_text(const std::string& parameters, const std::string& items,
-                             const std::string& options = "{}") {
-    return R"({"options": )" + options + R"(, "device": {"parameters": [)" + parameters +
-           R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";
-}
-
 // All that is told of a menu file that does not load; empty when it does.
 inline Lines complaints_of(const std::string& text) {
     try {

@@ -36,6 +36,13 @@ inline Simulated_menu simulate(Menu_document& document, int columns = 20,
     return {std::move(device), std::move(loaded.menu), std::move(loaded.warnings)};
 }
 
+// A menu file with these device parameters and these items of the top menu.
+inline std::string menu_text(const std::string& parameters, const std::string& items,
+                             const std::string& options = "{}") {
+    return R"({"options": )" + options + R"(, "device": {"parameters": [)" + parameters +
+           R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";
+}
+
 inline Simulated_menu simulated_text(const std::string& text, int columns = 20,
                                      Cards cards = Cards::OFF) {
     Menu_document document("menu.json", text);

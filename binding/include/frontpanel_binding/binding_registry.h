@@ -75,8 +75,9 @@ struct Named_option {
 
 // A condition, or a comparison in it, that the declared bounds of the parameters make always or never true.
 struct Constant_condition {
-    std::size_t rule;    // in the order of the text, from 0
-    std::size_t number;  // among the comparisons of the rule, from 0; the condition as a whole is the last
+    std::size_t rule;  // in the order of the text, from 0
+    std::size_t
+        number;  // among the comparisons of the rule, from 0; the condition as a whole is the last
     bool is_true;
     Compile_error warning;  // "\"[volt] > 1000\" is never true: [volt] is 0 to 300"
 };

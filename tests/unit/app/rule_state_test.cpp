@@ -1,8 +1,10 @@
 // What write rules have done, over a restart of the panel with a state file.
 #include "rule_state.h"
 
+#include <frontpanel_ui/panel.h>
+
 #include "support/folder.h"
-#include "support/panel_fixture.h"
+#include "support/simulated_menu.h"
 
 namespace frontpanel {
 namespace {

@@ -27,8 +27,8 @@ protected:
 
     void SetUp() override {
         for (const Declared& each : PARAMETERS) {
-            toggle_registry->parameters().declare(
-                each.name, {INTEGER, each.pid, {}, each.min, each.max, 0});
+            toggle_registry->parameters().declare(each.name,
+                                                  {INTEGER, each.pid, {}, each.min, each.max, 0});
             toggle_registry->watch({INTEGER, each.pid, {}});
             memory.add_integer(each.pid, 0, each.min, each.max, 0);
         }
@@ -53,9 +53,20 @@ protected:
     int pick(int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); }
 
     std::string number() {
-        static const std::vector<std::string> LEAVES{
-            "[a]", "[b]", "[zero]", "[wide]", "0", "1", "-2", "3", "7", "2147483648", "[a]", "[b]",
-            "has_option(\"gps\")", "has_option(\"ptp\")"};
+        static const std::vector<std::string> LEAVES{"[a]",
+                                                     "[b]",
+                                                     "[zero]",
+                                                     "[wide]",
+                                                     "0",
+                                                     "1",
+                                                     "-2",
+                                                     "3",
+                                                     "7",
+                                                     "2147483648",
+                                                     "[a]",
+                                                     "[b]",
+                                                     "has_option(\"gps\")",
+                                                     "has_option(\"ptp\")"};
         return LEAVES[static_cast<std::size_t>(pick(static_cast<int>(LEAVES.size())))];
     }
     std::string sum(int depth) {
@@ -146,8 +157,7 @@ TEST_F(Toggle_test, AConditionIsWrittenInTheLanguageOfToggles) {
         {"[a] % 2 == 1", "A=fmod([701],2)==1"},
         {"has_option(\"gps\") and [a]", "A=1&&[701]!=0"},
         {"abs([a]) > 2", "A=fabs([701])>2"},
-        {"6 / [zero] == 6",
-         "A_1=([704]+([704]==0));A=!([704]==0)&&(6-fmod(6,A_1))/A_1==6"},
+        {"6 / [zero] == 6", "A_1=([704]+([704]==0));A=!([704]==0)&&(6-fmod(6,A_1))/A_1==6"},
         {"[a] ? [b] : [zero]", "A=([701]?[702]:[704])"},
     };
     for (const auto& [condition, expression] : CASES) {
@@ -186,9 +196,10 @@ TEST_F(Toggle_test, WhatATogglesLanguageCannotHoldIsRefusedAtItsPlace) {
 TEST_F(Toggle_test, AFaultThatTheRuleNeverMeetsIsNoneOfTheToggle) {
     set({0, 0, 0, 0});
     for (const auto& [condition, expected] :
-         {std::pair("[zero] == 0 or 5 / [zero] > 1", 1), std::pair("[zero] != 0 and 5 / [zero] > 1", 0),
-          std::pair("5 / [zero] > -100", 0), std::pair("[b] in {0, 5 / [zero]}", 1),
-          std::pair("[b] in {5 / [zero], 0}", 0), std::pair("[zero] ? 5 / [zero] : 1", 1)}) {
+         {std::pair("[zero] == 0 or 5 / [zero] > 1", 1),
+          std::pair("[zero] != 0 and 5 / [zero] > 1", 0), std::pair("5 / [zero] > -100", 0),
+          std::pair("[b] in {0, 5 / [zero]}", 1), std::pair("[b] in {5 / [zero], 0}", 0),
+          std::pair("[zero] ? 5 / [zero] : 1", 1)}) {
         const Toggle_result toggle = toggle_registry->compile_toggle(condition);
         ASSERT_FALSE(toggle.error) << condition;
         const support::Captured captured =
@@ -214,8 +225,8 @@ TEST_F(Toggle_test, AToggleAndARuleAgreeOnRandomConditionsAndValues) {
         }
         for (int j = 0; j < VALUES; ++j) {
             set(random_values());
-            ASSERT_EQ(by_toggle(toggle.expression), by_rule(condition))
-                << condition << "\n" << toggle.expression;
+            ASSERT_EQ(by_toggle(toggle.expression), by_rule(condition)) << condition << "\n"
+                                                                        << toggle.expression;
             ++compared;
         }
     }

@@ -64,12 +64,13 @@ TEST(MenuMistakes, OfTheNumberThatIsShown) {
         {"an expression without v", gain_with(R"("value_format": "10*2")"), R"("10*2")",
          "warning: the expression does not name v, so that every value shows the same"},
         {"an expression in another name", gain_with(R"("value_format": "vv/2", "format": "%.1f")"),
-         R"("vv/2")", "warning: the expression does not name v, so that every value shows the same"},
+         R"("vv/2")",
+         "warning: the expression does not name v, so that every value shows the same"},
         {"a division behind %d", gain_with(R"("value_format": "v/10", "format": "%d V")"),
          R"("%d V")",
          "warning: \"%d\" hides the decimals of \"v/10\": %.1f shows them, %.0f rounds"},
-        {"a division behind a table", gain_with(R"("value_format": "v*1.5", "format": "0:off,%d V")"),
-         R"("0:off)",
+        {"a division behind a table",
+         gain_with(R"("value_format": "v*1.5", "format": "0:off,%d V")"), R"("0:off)",
          "warning: \"%d\" hides the decimals of \"v*1.5\": %.1f shows them, %.0f rounds"},
         {"a division without a format", gain_with(R"("value_format": "v/10")"), R"("v/10")",
          "warning: \"%d\" hides the decimals of \"v/10\": %.1f shows them, %.0f rounds"},
@@ -77,8 +78,8 @@ TEST(MenuMistakes, OfTheNumberThatIsShown) {
          "more than one conversion in \"%d %\"; a per cent sign is written %%"},
         {"a parenthesis that is open", gain_with(R"-("value_format": "(v+1", "format": "%.1f")-"),
          R"(", "format")", "not an expression in v: Missing ')'"},
-        {"an operator too many", gain_with(R"("value_format": "v+*2", "format": "%.1f")"),
-         "*2", "not an expression in v: Unexpected '*'"},
+        {"an operator too many", gain_with(R"("value_format": "v+*2", "format": "%.1f")"), "*2",
+         "not an expression in v: Unexpected '*'"},
         {"a character that is none", gain_with(R"("value_format": "v # 2")"), "# 2",
          "not an expression in v: Unexpected '#'"},
         {"an unknown function", gain_with(R"-("value_format": "half(v)")-"), R"-("})-",
@@ -89,8 +90,9 @@ TEST(MenuMistakes, OfTheNumberThatIsShown) {
 TEST(MenuMistakes, AnExpressionThatShowsWholeNumbersHidesNothing) {
     for (const char* const members :
          {R"-("value_format": "(v-fmod(v,10))/10", "format": "%d")-",
-          R"("value_format": "v/10", "format": "%.0f")", R"("value_format": "50+v", "format": "%d")",
-          R"("value_format": "", "format": "%d")", R"("value_format": "v/0", "format": "%.1f")"}) {
+          R"("value_format": "v/10", "format": "%.0f")",
+          R"("value_format": "50+v", "format": "%d")", R"("value_format": "", "format": "%d")",
+          R"("value_format": "v/0", "format": "%.1f")"}) {
         const Lines reports = reports_of(gain_with(members));
         EXPECT_TRUE(reports.empty() || reports[0].find("Divide by Zero") != std::string::npos)
             << reports[0];
@@ -133,8 +135,8 @@ TEST(MenuMistakes, OfRules) {
         {"a comparison that is never true", with_mode(R"("binding": "visible if [mode] > 3")"),
          "[mode] > 3", "warning: \"[mode] > 3\" is never true: [mode] is 0 to 3"},
         {"a comparison that is always true",
-         with_mode(R"("binding": "visible if [mode] == 1 or [mode] + 1 >= 1")"),
-         "[mode] + 1 >= 1", "warning: \"[mode] + 1 >= 1\" is always true: [mode] + 1 is 1 to 4"},
+         with_mode(R"("binding": "visible if [mode] == 1 or [mode] + 1 >= 1")"), "[mode] + 1 >= 1",
+         "warning: \"[mode] + 1 >= 1\" is always true: [mode] + 1 is 1 to 4"},
         {"a condition that is always true", with_mode(R"("binding": "visible if [mode] + 1")"),
          "[mode] + 1", "warning: \"[mode] + 1\" is always true"},
         {"a value that no one can enter", with_mode(R"-("binding": "warn \"x\" if value > 100")-"),
@@ -148,7 +150,8 @@ TEST(MenuMistakes, OfRules) {
 TEST(MenuMistakes, OfCopies) {
     const auto repeated = [](const std::string& repeat) {
         return with_parameters(GAIN, R"({"type": "range", "name": "Gain", "parameter": "gain",
-            "options": ["gps"], "repeat": )" + repeat + "}");
+            "options": ["gps"], "repeat": )" +
+                                         repeat + "}");
     };
     EXPECT_EQ(reports_of(repeated(R"({"counter": "i", "from": 1, "to": 2})")),
               Lines{"menu.json:2:55: warning: nothing that is repeated names \"{i}\", so that all "
@@ -180,7 +183,8 @@ TEST(MenuMistakes, OfNames) {
          R"("rnage")",
          "expected one of \"node\", \"range\", \"text\", \"address\", \"time\", \"enum\", \"slot\", "
          "\"warning\", \"link\", \"bridge\", \"mount\", found \"rnage\"; did you mean \"range\"?"},
-        {"a parameter", with_parameters(GAIN, R"({"type": "range", "name": "G", "parameter": "gian"})"),
+        {"a parameter",
+         with_parameters(GAIN, R"({"type": "range", "name": "G", "parameter": "gian"})"),
          R"("gian")", "the device has no parameter \"gian\"; did you mean \"gain\"?"},
         {"the target of a link",
          with_parameters(GAIN, std::string(GAIN_ITEM) + R"(, {"type": "link", "target": "Gian"})"),
@@ -193,12 +197,12 @@ TEST(MenuMistakes, OfNames) {
 }
 
 TEST(MenuMistakes, ItemsThatStandInForEachOtherMayShareAName) {
-    EXPECT_EQ(reports_of(with_parameters(
-                  GAIN, R"({"type": "range", "name": "Gain", "parameter": "gain",
+    EXPECT_EQ(
+        reports_of(with_parameters(GAIN, R"({"type": "range", "name": "Gain", "parameter": "gain",
                             "binding": "visible if [gain] > 3"},
                            {"type": "range", "name": "Gain", "parameter": "gain",
                             "binding": "visible if [gain] <= 3"})")),
-              Lines{});
+        Lines{});
 }
 
 TEST(MenuMistakes, OfJson) {

@@ -23,8 +23,10 @@ TEST(Circles, CirclesOfWritesAreErrorsAndThoseOfLimitsWarnings) {
         << error_of(writes);
     const auto limits = [](const std::string& mode, const std::string& gain) {
         return simulated_text(with_items(R"(
-            {"type": "range", "name": "Mode", "parameter": "mode", )" + mode + R"(},
-            {"type": "range", "name": "Gain", "parameter": "input 1 gain", )" + gain + "}"))
+            {"type": "range", "name": "Mode", "parameter": "mode", )" +
+                                         mode + R"(},
+            {"type": "range", "name": "Gain", "parameter": "input 1 gain", )" +
+                                         gain + "}"))
             .warnings;
     };
     const char* const MODE = R"("binding": "range 0..[input 1 gain]")";

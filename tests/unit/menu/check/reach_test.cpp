@@ -24,8 +24,8 @@ TEST(Reach, ItemsThatNoWayLeadsToAreWarnedOf) {
         simulated_text(text).warnings,
         (Lines{warning("1/shortcut", "this button leads to an item that is never shown"),
                warning("2/options/0", "no product option \"modem\" is declared"),
-               warning("2/options/1", "no product option \"fax\" is declared"),
-               warning("3", EMPTY), warning("3/items/0", EMPTY),
+               warning("2/options/1", "no product option \"fax\" is declared"), warning("3", EMPTY),
+               warning("3/items/0", EMPTY),
                warning("5", "this menu is never shown, and no link leads into it"),
                warning("7/target", "this item is never shown, and neither is a link to it")}));
 }

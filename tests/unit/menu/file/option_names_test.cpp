@@ -24,7 +24,8 @@ TEST(OptionNames, AnOptionWithTheLetterNIsPlain) {
 }
 
 TEST(OptionNames, APatternStandsForNumbersOnly) {
-    const std::map<std::string, unsigned int> product{{"slot{n}", 4}, {"zslot{n}", 9}, {"slot2b", 1}};
+    const std::map<std::string, unsigned int> product{
+        {"slot{n}", 4}, {"zslot{n}", 9}, {"slot2b", 1}};
     Option_names names;
     std::map<std::string, unsigned int> values;
     for (const auto& [name, value] : product) {
