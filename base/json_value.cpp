@@ -93,17 +93,28 @@ void write(Writer& writer, const Json_node& node) {
 }  // namespace
 
 Place Json_value::place_in_text(size_t offset) const {
-    constexpr size_t QUOTE = 1;
-    Place place = m_node->place();
-    if (place.copy != nullptr) {
-        return place;  // what was written is not what stands here
+    return places_in_text({offset}).front();
+}
+
+std::vector<Place> Json_value::places_in_text(const std::vector<size_t>& offsets) const {
+    constexpr uint32_t QUOTE = 1;
+    if (m_node->place().copy != nullptr) {
+        return {offsets.size(), m_node->place()};  // what was written is not what stands here
     }
-    const std::string_view before = m_node->text().substr(0, offset);
+    const std::string_view text = m_node->text();
     const auto is_escaped = [](unsigned char c) { return c == '"' || c == '\\' || c < ' '; };
-    place.column += static_cast<uint32_t>(
-        QUOTE + before.size() +
-        static_cast<size_t>(std::count_if(before.begin(), before.end(), is_escaped)));
-    return place;
+    std::vector<Place> places;
+    places.reserve(offsets.size());
+    Place place = m_node->place();
+    place.column += QUOTE;
+    size_t counted = 0;
+    for (const size_t offset : offsets) {
+        for (; counted < offset && counted < text.size(); ++counted) {
+            place.column += is_escaped(static_cast<unsigned char>(text[counted])) ? 2U : 1U;
+        }
+        places.push_back(place);
+    }
+    return places;
 }
 
 void Json_value::fail(const std::string& text) const {

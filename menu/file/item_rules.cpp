@@ -216,8 +216,8 @@ Rule_places places_of(Load_context& context, const Rule_source& source,
     }
     Rule_places places{name, {}, source.stands_in_file};
     places.rules.reserve(offsets.size());
-    for (const size_t offset : offsets) {
-        const Place place = places.is_exact ? source.value.place_in_text(offset) : whole;
+    for (const Place& place : places.is_exact ? source.value.places_in_text(offsets)
+                                              : std::vector<Place>(offsets.size(), whole)) {
         places.rules.push_back({place.line, place.column});
     }
     return places;

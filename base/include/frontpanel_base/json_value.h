@@ -49,6 +49,8 @@ public:
     const Place& place() const { return m_node->place(); }
     // The place of a character of a text, from 0; escapes count as they are usually written.
     Place place_in_text(size_t offset) const;
+    // The same of several bytes, the first ones first.
+    std::vector<Place> places_in_text(const std::vector<size_t>& offsets) const;
     // Throws an error at this place; only reports it; or warns of what is valid but probably a mistake.
     [[noreturn]] void fail(const std::string& text) const;
     void report(const std::string& text) const;

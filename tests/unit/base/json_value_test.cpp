@@ -83,6 +83,10 @@ TEST_F(Json_value_test, APlaceInATextCountsItsEscapes) {
     const Json_value text = value("  \"a\\\"b\"");
     EXPECT_EQ(text.place_in_text(0).column, 4U);
     EXPECT_EQ(text.place_in_text(2).column, 7U);
+    const std::vector<Place> places = text.places_in_text({0, 2, 2});
+    EXPECT_EQ(places.at(0).column, 4U);
+    EXPECT_EQ(places.at(1).column, 7U);
+    EXPECT_EQ(places.at(2).column, 7U);
 }
 
 TEST_F(Json_value_test, WarnsAndReportsAtItsPlace) {
