@@ -155,7 +155,7 @@ TEST(PanelCards, ATreeIsShownLineByLine) {
                       "tree");
     EXPECT_EQ(panel->lines()[0], ">Live          Input");
     panel->press(Key::SELECT).press(Key::UP);
-    EXPECT_EQ(panel->lines(), (Lines{"Live             2/3", "*Line               "}));
+    EXPECT_EQ(panel->lines(), (Lines{"Live     level 1 2/3", "*Line               "}));
 }
 
 TEST(PanelCards, AReadOnlyListIsShownAndNotWritten) {

@@ -59,8 +59,8 @@ expect 2 'frontpanel: --size: expected COLUMNSxROWS from 16x2 to 80x16, found "5
 expect 2 'frontpanel: standard output is not a terminal: name a script with --script' --menu small.json
 expect 2 'syntax.json:2:11: Invalid value.' --menu syntax.json
 expect 2 'frontpanel: absent.json: cannot be opened: No such file or directory' --menu absent.json
-expect 2 'deep.json:1:188: not an expression in v: too deeply nested' --check --menu deep.json
-expect 2 'deep.json:1:188: not an expression in v: too deeply nested' --menu deep.json
+expect 2 'deep.json:1:189: not an expression in v: too deeply nested' --check --menu deep.json
+expect 2 'deep.json:1:189: not an expression in v: too deeply nested' --menu deep.json
 expect 2 'frontpanel: --script: expected the name of a file' --script ''
 expect 0 "" --check --script good.script
 expect 2 'frontpanel: unknown.script:3: unknown word "jump"' --check --script unknown.script

@@ -74,7 +74,7 @@ completes() {
     [ "$found" = "$wanted" ] || fail "'frontpanel $*' completes to '$found', expected '$wanted'"
 }
 
-[ "$(complete_words -- | tr '|' '\n' | sort -u)" = "$OPTIONS" ] || fail "not every option is completed"
+[ "$(complete_words -- | tr '|' '\n' | options_in)" = "$OPTIONS" ] || fail "not every option is completed"
 completes "--menu|" --me
 completes "" --debug ""
 completes "a folder|my.json|other menu.json|" --menu ""

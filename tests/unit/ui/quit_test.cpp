@@ -23,7 +23,7 @@ protected:
     Panel& panel() { return shown.panel; }
     bool asks() {
         for (const std::string& line : shown.lines()) {
-            if (line.find("the edit is lost") != std::string::npos) {
+            if (line.find("yes") != std::string::npos) {
                 return true;
             }
         }

@@ -126,7 +126,7 @@ TEST_F(Parameter_table_test, ThousandsOfMistakesInALargeTableGetNoProposals) {
     while (!table.closest(start + "11999x").empty()) {
         ASSERT_LT(++searches, 100);
     }
-    EXPECT_GT(searches, 10);
+    EXPECT_GT(searches, 1);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ TEST(LineWidths, ANameThatIsNotWholeBesideTheWidestValueIsWarnedOf) {
            {"type": "range", "name": "Sixteen letters.", "pid": 5},
            {"type": "range", "name": "Temperature", "pid": 5, "format": "%d degrees"},
            {"type": "text", "name": "Eleven char", "pid": 6},
-           {"type": "node", "name": "Sixteen letters.:x", "items": [
+           {"type": "node", "name": "Sixteen letter_s:x", "items": [
                {"type": "range", "name": "Level", "pid": 5}]})");
     EXPECT_EQ(simulated_text(text, 20).warnings,
               (Lines{placed(text, std::string("menu.json: /menu/items/1/name") + ROOM_20 +
@@ -22,7 +22,7 @@ TEST(LineWidths, ANameThatIsNotWholeBesideTheWidestValueIsWarnedOf) {
                      placed(text, std::string("menu.json: /menu/items/3/name") + ROOM_20 +
                                       "\"Eleven cha\" of this name"),
                      placed(text, std::string("menu.json: /menu/items/4/name") + ROOM_20 +
-                                      "\"Sixteen letters\" of this name")}));
+                                      "\"Sixteen letter_\" of this name")}));
     EXPECT_TRUE(simulated_text(text, 40).warnings.empty());
 }
 

@@ -1,5 +1,8 @@
 #include "file/item_names.h"
 
+#include <map>
+#include <string>
+
 #include "unit/menu/items_fixture.h"
 
 namespace frontpanel {
@@ -21,11 +24,15 @@ TEST(ItemNames, AnItemIsNamedByItsPathOrItsId) {
     for (const char* const target : {"Audio", "Audio/Note", "note"}) {
         EXPECT_EQ(error_of(with_link_to(target, items)), "") << target;
     }
-    for (const char* const target : {"Note", "Audio/", "/Audio/Note", "audio/note"}) {
+    const std::map<std::string, std::string> meant = {{"Note", "note"},
+                                                      {"Audio/", "Audio"},
+                                                      {"/Audio/Note", "Audio/Note"},
+                                                      {"audio/note", "Audio/Note"}};
+    for (const auto& [target, item] : meant) {
         const std::string text = with_link_to(target, items);
         EXPECT_EQ(error_of(text),
-                  placed(text, "menu.json: /menu/items/1/target: there is no item \"" +
-                                   std::string(target) + "\""));
+                  placed(text, "menu.json: /menu/items/1/target: there is no item \"" + target +
+                                   "\"; did you mean \"" + item + "\"?"));
     }
 }
 
