@@ -46,8 +46,9 @@ TEST(NumberScale, ACurvedConversionHasNoStepOfItsOwn) {
 }
 
 TEST(NumberScale, ATypedNumberIsTheValueThatIsShownSo) {
+    const Number_scale scale = tenths();
     for (int value = -600; value <= 120; ++value) {
-        const auto typed = tenths().value_of(printed(1, value / 10.0));
+        const auto typed = scale.value_of(printed(1, value / 10.0));
         ASSERT_TRUE(typed);
         EXPECT_EQ(typed->value, value);
         EXPECT_TRUE(typed->is_exact);

@@ -103,7 +103,7 @@ TEST(Main_loop_typing, TheKeyThatEndsThePanelIsACharacterInAText) {
     Application_panel shown(
         menu_text(R"({"name": "label", "pid": 1, "type": "text", "length": 8, "value": "A"})",
                   R"({"type": "text", "name": "Label", "parameter": "label"})"),
-        {{16, 2}});
+        with_clock([] { return Time(std::chrono::hours(1)); }));
     Fake_front front;
     Main_loop loop(shown.panel, front);
     const Front_event quit{Front_event::QUIT, {Key::CHARACTER, 0, 'q'}};
