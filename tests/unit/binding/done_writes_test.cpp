@@ -29,8 +29,9 @@ struct Started {
 
     std::shared_ptr<Binding_registry> registry;
     Caching_device device;
-    Number_entry entry{"Mode", 1, support::index_of({}), 0, 9};
-    Number_entry other{"Other", 2, support::index_of({}), 0, 9};
+    const Index_t no_index = support::index_of({});
+    Number_entry entry{"Mode", 1, no_index, 0, 9};
+    Number_entry other{"Other", 2, no_index, 0, 9};
 };
 
 class Done_writes_test : public testing::Test {

@@ -126,7 +126,8 @@ protected:
 
     // 1 or 0; 0 for a fault.
     int by_rule(const std::string& condition) {
-        Number_entry entry("Ruled", 799, {}, 0, 1);
+        const Index_t no_index{};
+        Number_entry entry("Ruled", 799, no_index, 0, 1);
         auto* const engine = new Expression_binding(toggle_registry);
         engine->addBindingList(toggle_registry->compile("visible if " + condition).list);
         entry.Set_binding_object(engine);
