@@ -21,7 +21,7 @@ using Characters = std::vector<std::string>;
 struct Lead {
     unsigned char first;
     unsigned char last;
-    std::size_t following;
+    unsigned char following;
     unsigned char least_second;
     unsigned char greatest_second;
 };
@@ -43,10 +43,10 @@ std::size_t length_of_first(std::string_view text) {
             !is_between(text[1], lead.least_second, lead.greatest_second)) {
             continue;
         }
-        const std::string_view rest = text.substr(2, lead.following - 1);
+        const std::string_view rest = text.substr(2, std::size_t{lead.following} - 1);
         const bool is_whole = std::all_of(rest.begin(), rest.end(),
                                           [](char byte) { return is_between(byte, 0x80, 0xBF); });
-        return is_whole ? lead.following + 1 : 1;
+        return is_whole ? std::size_t{lead.following} + 1 : 1;
     }
     return 1;
 }
@@ -161,7 +161,7 @@ std::string Scrolling_text::show(int columns) {
         m_held = HOLD_CALLS;
         return m_text;
     }
-    const std::string shown = part_of(m_characters, m_offset, width, true);
+    std::string shown = part_of(m_characters, m_offset, width, true);
     if (m_held > 0) {
         --m_held;
         return shown;

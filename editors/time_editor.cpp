@@ -74,10 +74,11 @@ bool is_leap_year(int year) {
     return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
+// A month that the device made up counts as the nearest.
 int days_of(int year, int month) {
     constexpr int FEBRUARY = 2;
     constexpr int DAYS[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return month == FEBRUARY && is_leap_year(year) ? 29 : DAYS[month - 1];
+    return month == FEBRUARY && is_leap_year(year) ? 29 : DAYS[std::clamp(month, 1, 12) - 1];
 }
 
 // A day's limits follow from year and month.

@@ -1,6 +1,7 @@
 #include <frontpanel_simulator/movement.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace frontpanel {
 
@@ -14,10 +15,8 @@ int32_t place_on(const Course& course, std::chrono::milliseconds elapsed) {
     const int64_t length = 2 * (span < 0 ? -span : span);
     const int64_t gone = (int64_t{course.start} - course.from) * (span < 0 ? -1 : 1);
     const int64_t begun = std::clamp<int64_t>(gone, 0, length / 2);
-    const auto moved =
-        static_cast<int64_t>(static_cast<double>(elapsed.count() % round) *
-                                 static_cast<double>(length) / static_cast<double>(round) +
-                             0.5);
+    const int64_t moved = std::llround(static_cast<double>(elapsed.count() % round) *
+                                       static_cast<double>(length) / static_cast<double>(round));
     const int64_t place = (begun + moved) % length;
     const int64_t away = place <= length / 2 ? place : length - place;
     return static_cast<int32_t>(course.from + (span < 0 ? -away : away));

@@ -102,6 +102,7 @@ std::vector<Done_writes> done_writes(const Cascade& cascade) {
         }
     });
     std::vector<Done_writes> all;
+    all.reserve(by_name.size());
     for (auto& [name, writes] : by_name) {
         all.push_back({name, std::move(writes)});
     }

@@ -123,7 +123,7 @@ private:
         if (++m_names > MOST_NAMES || m_assignments.size() + piece.text.size() > LONGEST) {
             throw Too_large();
         }
-        const std::string name = RESULT + ("_" + std::to_string(m_names));
+        std::string name = RESULT + ("_" + std::to_string(m_names));
         m_assignments += name + "=" + piece.text + ";";
         piece.text = name;
         piece.level = PRIMARY;

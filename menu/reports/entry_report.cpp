@@ -54,8 +54,11 @@ std::string choices_of(Enum_entry& entry) {
     std::string text;
     for (size_t position = 0; position < keys.size(); ++position) {
         const std::string option = option_text(entry, static_cast<int>(position));
-        text = joined(text,
-                      std::to_string(keys[position]) + (option.empty() ? "" : " (" + option + ")"));
+        std::string choice = std::to_string(keys[position]);
+        if (!option.empty()) {
+            choice.append(" (").append(option).append(")");
+        }
+        text = joined(text, choice);
     }
     return text;
 }

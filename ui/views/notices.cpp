@@ -38,7 +38,7 @@ void Notices::ask(const std::string& title, const std::vector<std::string>& text
     Notice notice{title, {}, {}, {}, false, std::move(answer)};
     for (const std::string& text : texts) {
         notice.texts.push_back(scrolling(text));
-        notice.titled.push_back(scrolling(title + ": " + text));
+        notice.titled.push_back(scrolling(std::string(title).append(": ").append(text)));
     }
     m_notices.push_back(std::move(notice));
 }
