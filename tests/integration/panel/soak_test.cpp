@@ -263,9 +263,28 @@ private:
     bool is_edited(Data_entry& root, const Memory_device::Write& write) const {
         const std::string& title = m_frame.lcd.line(0);
         return any_below(root, [&](const Data_entry& entry) {
-            return holds_parameter(entry, write) &&
-                   title.find(entry.Get_name()) != std::string::npos;
+            return holds_parameter(entry, write) && shows_name(title, entry.Get_name());
         });
+    }
+
+    // A title whose name goes round has "<" and ">" where it is cut.
+    static bool shows_name(const std::string& title, const std::string& name) {
+        const size_t left = title.find('<');
+        const size_t right = title.find('>');
+        const size_t begin = left == std::string::npos ? 0 : left + 1;
+        const std::string part =
+            title.substr(begin, right < begin ? std::string::npos : right - begin);
+        bool is_shown = title.find(name) != std::string::npos ||
+                        (right != std::string::npos && name.find(part) != std::string::npos);
+        for (size_t length = 1; length < name.size() && length <= part.size(); ++length) {
+            const bool ends_cut = right != std::string::npos &&
+                                  part.compare(part.size() - length, length, name, 0, length) == 0;
+            const bool begins_cut =
+                left != std::string::npos &&
+                part.compare(0, length, name, name.size() - length, length) == 0;
+            is_shown = is_shown || ends_cut || begins_cut;
+        }
+        return is_shown;
     }
 
     // What the rules of an entry ask for as they stand after the event. The device answers meanwhile.
