@@ -137,6 +137,8 @@ configure_server
 start_panel
 wait_for "a server that is unreachable is not told" says \
     "frontpanel: display server 127.0.0.1 port $PORT is unreachable (Connection refused)"
+# tmux ends with its last session, and a session that begins meanwhile is lost: this one lasts.
+terminal new-session -d -s lasting cat
 start_server
 wait_for "the display is not told" says "shows the panel on 20x4"
 expect "the homescreen" " Level=   -18.4 dBFS" " In 3.Gain    0.0 dB" "" ""
