@@ -244,7 +244,7 @@ bool Engine::evaluate(bool updates, bool tries) {
         return true;
     }
     Reading reading(*this, tries);
-    reading.set_tells_faults(updates);
+    reading.set_reports_faults(updates);
     for (const auto& maker : m_makers) {
         if (maker->kind().judges_tries == tries) {
             maker->decide(reading, updates);

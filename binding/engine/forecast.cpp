@@ -13,7 +13,7 @@
 namespace frontpanel::binding_engine {
 namespace {
 
-// Faults are not told: they are those of a trial.
+// Faults are not reported: the values are only tried.
 Judgement judgement_of(Engine& engine, int kinds, const Proposed_values& values) {
     Judgement judgement;
     std::vector<std::string> errors = engine.exchange_errors({});

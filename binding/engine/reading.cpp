@@ -113,7 +113,7 @@ bool Reading::interval(const Rule& rule, std::size_t number, int64_t& low, int64
 void Reading::report(const Rule& rule, const std::string& mistake, Rule_fault::Cause cause) {
     ++m_reports;
     m_last_mistake = mistake;
-    if (m_tells_faults) {
+    if (m_reports_faults) {
         m_engine.add_fault(*m_list, rule, mistake, cause);
     }
     m_engine.add_error("line " + std::to_string(rule.line) + ", " + shown(rule.source) + ": " +
@@ -121,7 +121,7 @@ void Reading::report(const Rule& rule, const std::string& mistake, Rule_fault::C
 }
 
 void Reading::judged(const Rule& rule) {
-    if (m_tells_faults) {
+    if (m_reports_faults) {
         m_engine.judged(*m_list, rule);
     }
 }

@@ -53,7 +53,7 @@ public:
                 Rule_fault::Cause cause = Rule_fault::Cause::RULE);
 
     // Whether faults are noted as the engine's, or are only those of an explanation or a trial.
-    void set_tells_faults(bool tells) { m_tells_faults = tells; }
+    void set_reports_faults(bool reports) { m_reports_faults = reports; }
     // How often something was reported.
     std::size_t reports() const { return m_reports; }
     // The rule was judged without a fault.
@@ -85,7 +85,7 @@ private:
     std::string m_last_mistake;
     Rule_fault::Cause m_cause = Rule_fault::Cause::RULE;  // of the last failure
     std::size_t m_reports = 0;
-    bool m_tells_faults = false;
+    bool m_reports_faults = false;
     std::vector<Rule_explanation::Seen>* m_seen;
 };
 
