@@ -55,7 +55,8 @@ std::string temporary_beside(const std::string& file) {
 
 std::vector<Role> roles_of(const Options& options) {
     const std::string script = options.script.empty() ? shipped_tour() : options.script;
-    std::vector<Role> roles{{"--menu", options.menu, false, false},
+    std::vector<Role> roles{{"--config", options.config, false, false},
+                            {"--menu", options.menu, false, false},
                             {"--script", script, false, false},
                             {"--pin-file", options.pin_file, false, false}};
     if (!options.log.empty()) {

@@ -8,6 +8,7 @@
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/nearest_name.h>
 #include <frontpanel_base/numbers.h>
+#include "configuration.h"
 #include "output_log.h"
 #include "shipped.h"
 
@@ -30,17 +31,19 @@ std::string parse_size(const std::string& text, Lcd_size& size) {
 }
 
 // An empty name is rejected: it usually comes from a variable that was never set.
-void add_file(CLI::App& app, const std::string& name, std::string& file,
-              const std::string& description) {
-    app.add_option(name, file, description)->type_name("FILE")->check([](const std::string& given) {
-        return given.empty() ? "expected the name of a file" : std::string();
-    });
+CLI::Option* add_file(CLI::App& app, const std::string& name, std::string& file,
+                      const std::string& description) {
+    return app.add_option(name, file, description)
+        ->type_name("FILE")
+        ->check([](const std::string& given) {
+            return given.empty() ? "expected the name of a file" : std::string();
+        });
 }
 
 // The columns of a line of help: an option, then what it does.
 constexpr size_t OPTION_WIDTH = 27;
 
-// The help fits a terminal of 24 lines: one line for each option, then examples.
+// One line for each option, then examples.
 class Help : public CLI::Formatter {
 public:
     std::string make_help(const CLI::App* app, std::string /*name*/,
@@ -147,11 +150,14 @@ void describe_reports(CLI::App& app, Options& options) {
     graph->excludes(explain);
 }
 
-// Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1 and one in
-// packaging/completion.
+// Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1, one in
+// packaging/completion and, unless it cannot be configured, one in packaging/frontpanel.conf.
 void describe(CLI::App& app, Options& options) {
-    app.set_help_flag("-h,--help", "Print this help");
-    app.set_version_flag("--version", "frontpanel " FRONTPANEL_VERSION, "Print the version");
+    app.set_help_flag("-h,--help", "Print this help")->configurable(false);
+    app.set_version_flag("--version", "frontpanel " FRONTPANEL_VERSION, "Print the version")
+        ->configurable(false);
+    add_file(app, "--config", options.config, "Read further options from this file")
+        ->configurable(false);
     add_file(app, "--menu", options.menu, "The menu to show (docs/menu-file.md)");
     add_file(app, "--script", options.script, "Play a script, not the keyboard (docs/scripts.md)");
     app.add_option_function<std::string>(
@@ -191,6 +197,9 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
     describe(app, options);
     try {
         app.parse(argc, argv);
+        if (!options.config.empty()) {
+            configure(app, options.config);
+        }
     } catch (const CLI::Success& help) {
         app.exit(help, out, errors);
         if (!out.flush()) {
@@ -201,7 +210,7 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
     } catch (const CLI::ExtrasError& error) {
         errors << "frontpanel: " << one_line(error.what() + hint_of_option(app)) << '\n';
         return EXIT_BAD_INPUT;
-    } catch (const CLI::Error& error) {
+    } catch (const std::runtime_error& error) {  // of the command line, or an Input_error
         errors << "frontpanel: " << one_line(error.what()) << '\n';
         return EXIT_BAD_INPUT;
     }

@@ -1,4 +1,4 @@
-// The command line of the panel application.
+// The command line of the panel application, and the configuration file that it names.
 #ifndef FRONTPANEL_APP_OPTIONS_H
 #define FRONTPANEL_APP_OPTIONS_H
 
@@ -23,6 +23,7 @@ inline constexpr int EXIT_BAD_INPUT = 2;   // an option, the menu or the script 
 inline constexpr const char* OUTPUT_FAILED = "standard output cannot be written";
 
 struct Options {
+    std::string config;      // file with further options; empty: none was named
     std::string menu;        // file; the shipped menu unless another is named
     std::string script;      // file; empty: none was named
     std::string log;         // file; empty: the default place
@@ -43,8 +44,8 @@ struct Options {
     bool check = false;            // only check the menu, and the script if one is named
 };
 
-// The options, or the status to exit with: after the help or the version was printed to `out`, or one line that
-// reports mistakes, and a failure of `out`, to `errors`.
+// The options, of the command line and then of the file that it names with `--config`, or the status to exit with: after
+// the help or the version was printed to `out`, or one line that reports mistakes, and a failure of `out`, to `errors`.
 std::variant<Options, int> parse_options(int argc, const char* const* argv, std::ostream& out,
                                          std::ostream& errors);
 

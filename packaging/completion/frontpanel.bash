@@ -1,10 +1,11 @@
 # bash completion for frontpanel                                                   -*- shell-script -*-
 
 _frontpanel() {
-    local options='--help --version --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --check'
+    local options='--help --version --config --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --check'
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
     COMPREPLY=()
     case $previous in
+        --config) pattern='!*.conf' ;;
         --menu) pattern='!*.json' ;;
         --script) pattern='!*.script' ;;
         --screenshot) pattern='!*.svg' ;;

@@ -34,8 +34,8 @@ esac
 run "$panel" >tour </dev/null || fail "the tour ends with $?"
 grep -qF '|>Audio           ...|' tour || fail "the tour does not show the menu"
 
-# Its manual page and completions come with it.
-for file in man/man1/frontpanel.1 bash-completion/completions/frontpanel zsh/site-functions/_frontpanel; do
+# Its example, manual page and completions come with it.
+for file in frontpanel_data/frontpanel.conf man/man1/frontpanel.1 bash-completion/completions/frontpanel zsh/site-functions/_frontpanel; do
     [ -s "moved/$DATA/$file" ] || fail "$file is not installed"
 done
 
