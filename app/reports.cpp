@@ -2,10 +2,13 @@
 
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_base/problems.h>
 #include <frontpanel_data/data_interface.h>
 #include <frontpanel_menu/explain.h>
+#include <frontpanel_menu/menu_check.h>
 #include <frontpanel_menu/menu_dump.h>
 #include <frontpanel_menu/menu_graph.h>
 #include <frontpanel_simulator/state_file.h>
@@ -46,6 +49,11 @@ int check(const Options& options, Output_log& log) {
         parse_script(options.script, read_input_file(options.script));
     }
     (void)pin_of(options);
+    std::vector<std::string> mistakes = preset_mistakes(*loaded.menu);
+    if (!mistakes.empty()) {
+        mistakes.insert(mistakes.end(), loaded.warnings.begin(), loaded.warnings.end());
+        throw Input_errors(mistakes);
+    }
     for (const std::string& warning : loaded.warnings) {
         std::cerr << warning << '\n';
     }

@@ -45,19 +45,35 @@ Wanted_value value_of(const Json_value::Member& member, const Parameter_table& p
     return wanted;
 }
 
-// All of a preset's values, or an error: none is used of a preset of which one is wrong.
+// All of a preset's values, or an error with all that is wrong: none is used of a preset of which one is wrong.
 std::vector<Wanted_value> read_preset(const std::string& file, const Parameter_table& parameters) {
     const Source source{file, 0};
     Problems problems;
     const Json_document document(source, read_input_file(file, LARGEST_PRESET));
     std::vector<Wanted_value> values;
-    for (const Json_value::Member& member : Json_value(document.root(), problems).members()) {
-        values.push_back(value_of(member, parameters));
-    }
+    problems.attempt([&] {
+        for (const Json_value::Member& member : Json_value(document.root(), problems).members()) {
+            problems.attempt([&] { values.push_back(value_of(member, parameters)); });
+        }
+    });
     if (problems.error_count() > 0) {
         throw Input_errors(problems.errors());
     }
     return values;
+}
+
+// The values of a preset, or nothing: what is wrong is then added to `mistakes`, one line each.
+std::optional<std::vector<Wanted_value>> usable_preset(const std::string& file,
+                                                       const Parameter_table& parameters,
+                                                       std::vector<std::string>& mistakes) {
+    try {
+        return read_preset(file, parameters);
+    } catch (const Input_errors& errors) {
+        mistakes.insert(mistakes.end(), errors.lines().begin(), errors.lines().end());
+    } catch (const Input_error& error) {
+        mistakes.emplace_back(error.what());
+    }
+    return std::nullopt;
 }
 
 std::vector<fs::path> files_in(const std::string& folder) {
@@ -84,12 +100,13 @@ std::string shown_stem(const fs::path& file) {
 }  // namespace
 
 Preset::Preset(const std::string& name, const std::optional<std::vector<Wanted_value>>& values,
-               Write_gate& gate)
+               Preset_damage damage, Write_gate& gate)
     : Enum_entry(name.c_str(), name.c_str(), PID_NONE, &NO_INDEX, KEEP, values ? LOAD : KEEP, KEEP,
                  values ? usable : unusable, values ? 2U : 1U, nullptr,
                  values ? READ_WRITE : READ_ONLY, VISIBLE_ALL, true, SHORTCUT_NONE, nullptr,
                  nullptr, nullptr, nullptr, nullptr, nullptr),
       m_values(values.value_or(std::vector<Wanted_value>())),
+      m_damage(std::move(damage)),
       m_gate(gate) {}
 
 int Preset::Refresh(Data_interface* /*iface*/, bool /*eval_binding*/) {
@@ -136,13 +153,14 @@ Data_entry* Mounted_menu::build(Data_entry& parent) {
     destroy();
     m_problems.clear();
     for (const fs::path& file : files_in(m_folder)) {
-        std::optional<std::vector<Wanted_value>> values;
-        try {
-            values = read_preset(file.string(), m_parameters);
-        } catch (const Input_error& error) {
-            m_problems.emplace_back(error.what());
+        const size_t before = m_problems.size();
+        auto values = usable_preset(file.string(), m_parameters, m_problems);
+        Preset_damage damage;
+        if (!values) {
+            damage = {m_problems[before], file.parent_path().string().size() + 1};
         }
-        m_presets.push_back(std::make_unique<Preset>(shown_stem(file), values, m_gate));
+        m_presets.push_back(
+            std::make_unique<Preset>(shown_stem(file), values, std::move(damage), m_gate));
     }
     Data_entry* last = nullptr;
     for (const std::unique_ptr<Data_entry>& preset : m_presets) {
@@ -154,6 +172,14 @@ Data_entry* Mounted_menu::build(Data_entry& parent) {
         last = preset.get();
     }
     return m_presets.empty() ? nullptr : m_presets.front().get();
+}
+
+std::vector<std::string> Mounted_menu::mistakes() const {
+    std::vector<std::string> mistakes;
+    for (const fs::path& file : files_in(m_folder)) {
+        usable_preset(file.string(), m_parameters, mistakes);
+    }
+    return mistakes;
 }
 
 }  // namespace frontpanel

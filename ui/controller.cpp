@@ -1,7 +1,6 @@
 #include "controller.h"
 
 #include <cstdint>
-#include <cstdio>
 
 #include <frontpanel_menu/entry_access.h>
 
@@ -124,10 +123,7 @@ bool Controller::settle() {
 
 void Controller::tell_circle(const Binding_settlement& settled) {
     if (!settled.at_rest && m_told_circles.insert(settled.path).second) {
-        if (debug_listener != nullptr) {
-            debug_listener(0);  // to be found whatever masks are set
-        }
-        std::printf("Bindings do not settle: %s\n", settled.path.c_str());
+        print_always("Bindings do not settle: " + settled.path);
         m_notices.tell("Bindings", "unstable: " + settled.path);
     }
 }

@@ -1,5 +1,7 @@
 #include <frontpanel_menu/menu_check.h>
 
+#include <set>
+
 namespace frontpanel {
 namespace {
 
@@ -25,11 +27,26 @@ private:
 
 }  // namespace
 
+// A folder that several menus mount is read once.
+std::vector<std::string> preset_mistakes(const Menu& menu) {
+    std::set<std::string> folders;
+    std::vector<std::string> all;
+    for (const std::unique_ptr<Mounted_menu>& mounted : menu.mounted_menus()) {
+        if (folders.insert(mounted->folder()).second) {
+            const std::vector<std::string> mistakes = mounted->mistakes();
+            all.insert(all.end(), mistakes.begin(), mistakes.end());
+        }
+    }
+    return all;
+}
+
 Menu_check check_menu(Menu_document& document, const Loading& loading) {
     Menu_check result;
     No_device device;
     try {
-        result.entry_count = load_menu(document, device, loading).menu->entry_count();
+        const Loaded_menu loaded = load_menu(document, device, loading);
+        result.entry_count = loaded.menu->entry_count();
+        result.errors = preset_mistakes(*loaded.menu);
     } catch (const Input_errors&) {
         result.errors = document.problems().errors();
     }

@@ -8,6 +8,7 @@
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
 #include <frontpanel_menu/shown_value.h>
+#include <frontpanel_ui/log_lines.h>
 
 namespace frontpanel {
 namespace {
@@ -83,6 +84,12 @@ Editor_settings Editing::settings_of(const Data_entry& entry) const {
 
 void Editing::open(Data_entry& entry, const std::string& name) {
     m_name = name;
+    const Preset* const preset = preset_of(entry);
+    if (preset != nullptr && !preset->damage().line.empty()) {
+        print_always(preset->damage().line);
+        tell("damaged: " + preset->damage().brief());
+        return;
+    }
     if (refresh(entry, m_device.access); m_device.read_failed(entry)) {
         tell("read error", true);
         return;

@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <frontpanel_data/data_interface.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -16,6 +18,14 @@ constexpr off_t MOST_READ = off_t{256} * 1024;  // at a time: a minute of a talk
 constexpr size_t MOST_MARKS = 8192;
 
 }  // namespace
+
+void print_always(const std::string& line) {
+    constexpr uint32_t ANY_MASK = 0;
+    if (debug_listener != nullptr) {
+        debug_listener(ANY_MASK);
+    }
+    std::printf("%s\n", line.c_str());
+}
 
 bool Log_lines::is_kept() const {
     struct stat status {};

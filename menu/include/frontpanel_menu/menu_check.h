@@ -11,15 +11,19 @@
 namespace frontpanel {
 
 struct Menu_check {
-    // One line each, with its place. A menu with errors cannot be loaded.
+    // One line each, with its place. A menu with errors cannot be loaded, unless all of them are of its presets.
     std::vector<std::string> errors;
     // What is allowed but probably not meant.
     std::vector<std::string> warnings;
-    std::size_t entry_count = 0;  // of a menu without errors
+    std::size_t entry_count = 0;  // of a menu that can be loaded
 };
 
-// Loads a document as `load_menu` does, over a device that nobody reads.
+// Loads a document as `load_menu` does, over a device that nobody reads, and reads its presets.
 Menu_check check_menu(Menu_document& document, const Loading& loading = {});
+
+// What is wrong with the presets of a menu's mounted menus, one line each, with its place. A damaged preset does not
+// keep the menu from being used, so loading does not read them.
+std::vector<std::string> preset_mistakes(const Menu& menu);
 
 }  // namespace frontpanel
 

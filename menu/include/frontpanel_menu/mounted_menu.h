@@ -26,15 +26,24 @@ public:
     int isVisible(bool if_control_refresh, Data_interface* iface) override;
 };
 
+// Why a preset cannot be used.
+struct Preset_damage {
+    std::string line;  // "presets/Sport.json:3:17: REASON"; empty for a preset that can be used
+    size_t file_name_at = 0;  // where "Sport.json" begins
+
+    std::string brief() const { return line.substr(file_name_at); }
+};
+
 // Shows that it can be loaded. Committing it while "load" is chosen writes its values through the gate, unless they are
 // warned of.
 class Preset : public Enum_entry {
 public:
     // Without values it is damaged and cannot be loaded. The gate outlives the preset.
     Preset(const std::string& name, const std::optional<std::vector<Wanted_value>>& values,
-           Write_gate& gate);
+           Preset_damage damage, Write_gate& gate);
 
     const std::vector<Wanted_value>& values() const { return m_values; }
+    const Preset_damage& damage() const { return m_damage; }
     // Whether "load" is chosen; takes the choice back.
     bool is_chosen();
     void wait();
@@ -46,6 +55,7 @@ public:
 
 private:
     std::vector<Wanted_value> m_values;
+    Preset_damage m_damage;
     Write_gate& m_gate;
 };
 
@@ -64,8 +74,11 @@ public:
     Data_entry* build(Data_entry& parent);
     void destroy() { m_presets.clear(); }
     size_t entry_count() const { return m_presets.size(); }
-    // Why presets of the menu that was built last cannot be used, one line each.
+    // Why presets of the menu that was built last cannot be used, a line for each mistake.
     const std::vector<std::string>& problems() const { return m_problems; }
+    // What is wrong with the presets of the folder as it is now, one line each.
+    std::vector<std::string> mistakes() const;
+    const std::string& folder() const { return m_folder; }
 
 private:
     std::string m_folder;

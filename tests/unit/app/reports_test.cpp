@@ -114,6 +114,15 @@ TEST_F(Reports_test, ACheckReadsTheScriptToo) {
     EXPECT_EQ(error_of([this] { check_of(); }), options.script + ":1: unknown word \"jump\"");
 }
 
+TEST_F(Reports_test, ACheckReadsThePresetsToo) {
+    write("menu.json", R"({"device": {"parameters": [
+        {"name": "gain", "pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5}]},
+        "menu": {"name": "Main", "items": [
+            {"type": "mount", "name": "Presets", "folder": "."}]}})");
+    EXPECT_EQ(error_of([this] { check_of(); }),
+              folder.file("./menu.json") + ":1:2: the device has no parameter \"device\"");
+}
+
 TEST_F(Reports_test, OutputThatCannotBeWrittenIsAnError) {
     EXPECT_EQ(error_of([] { check_written(true); }), "standard output cannot be written");
     EXPECT_EQ(error_of([] { check_written(false); }), "");

@@ -72,20 +72,26 @@ TEST_F(Mounted_presets, WriteTheirValuesWhenTheyAreCommitted) {
 TEST_F(Mounted_presets, TellWhichFilesCannotBeUsed) {
     write("Broken.json", "{");
     write("High.json", R"({"mute": 1, "gain 1": 13})");
-    write("Other.json", R"({"gain 7": 1})");
+    write("Other.json", R"({"gain 7": 1,
+        "mute": 5})");
     Menu& menu = load();
     Data_entry* preset = enter();
     for (int i = 0; i < 3; ++i, preset = preset->Get_next()) {
         EXPECT_EQ(shown_value(*preset), "damaged");
         EXPECT_EQ(preset->Get_access_type(), Data_entry::READ_ONLY);
         EXPECT_EQ(commit(*preset, menu.access()), 0);
+        EXPECT_NE(preset_of(*preset)->damage().line, "");
     }
+    EXPECT_EQ(preset_of(*enter())->damage().brief(),
+              "Broken.json:1:2: Missing a name for object member.");
     EXPECT_EQ(m_loaded.device().integer(101, 0), 0);
     const std::string folder = m_folder.file("presets");
     EXPECT_EQ(menu.mounted_menus().at(0)->problems(),
               (Lines{folder + "/Broken.json:1:2: Missing a name for object member.",
                      folder + "/High.json:1:23: expected a whole number from -60 to 12, found 13",
-                     folder + "/Other.json:1:2: the device has no parameter \"gain 7\""}));
+                     folder + "/Other.json:1:2: the device has no parameter \"gain 7\"",
+                     folder + "/Other.json:2:17: expected a whole number from 0 to 1, found 5"}));
+    EXPECT_EQ(menu.mounted_menus().at(0)->mistakes(), menu.mounted_menus().at(0)->problems());
 }
 
 TEST_F(Mounted_presets, AFolderThatIsNotThereIsWarnedOfAndLeadsBack) {

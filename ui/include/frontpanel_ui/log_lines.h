@@ -17,6 +17,9 @@ struct Log_line {
     std::string text;
 };
 
+// Prints a line to standard output, which the log keeps, as one that shows whatever `debug` holds.
+void print_always(const std::string& line);
+
 class Log_lines {
 public:
     static constexpr size_t MOST_LINES = 1000;

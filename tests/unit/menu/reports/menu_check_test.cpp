@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
+#include "support/folder.h"
 #include "support/json_places.h"
 
 namespace frontpanel {
@@ -40,6 +44,21 @@ TEST(MenuCheck, ErrorsAndWarningsAreListsOfTheirOwn) {
                          "index")}));
     EXPECT_EQ(check.warnings.size(), 1U);
     EXPECT_EQ(check.entry_count, 0U);
+}
+
+TEST(MenuCheck, PresetsAreReadOnceEachFolder) {
+    const support::Folder folder;
+    std::filesystem::create_directory(folder.file("presets"));
+    std::ofstream(folder.file("presets/Good.json")) << R"({"5": 9})";
+    std::ofstream(folder.file("presets/High.json")) << R"({"5": 10})";
+    Menu_document document(folder.file("menu.json"),
+                           menu_with(R"({"type": "mount", "name": "Presets", "folder": "presets"},
+                     {"type": "mount", "name": "Copies", "folder": "presets"})"));
+    const Menu_check check = check_menu(document);
+    EXPECT_EQ(check.errors,
+              (std::vector<std::string>{folder.file("presets/High.json") +
+                                        ":1:7: expected a whole number from 0 to 9, found 10"}));
+    EXPECT_GT(check.entry_count, 0U);
 }
 
 }  // namespace

@@ -122,6 +122,30 @@ TEST_F(Mounted_menu_visits, APresetOfMoreThan64KibibytesShowsAsDamaged) {
               Lines{m_folder.file("presets/Hide.json") + ": is larger than 64 KiB"});
 }
 
+// The log has the whole path, the notice what fits the person who looks at the display.
+TEST_F(Mounted_menu_visits, ADamagedPresetSaysWhatIsWrongWithIt) {
+    write("Film.json", "{\n  \"show\": 7\n}");
+    panel().press(Key::SELECT);
+    EXPECT_EQ(panel().lines(), (Lines{">Film=       damaged", " Hide              -"}));
+    capture();
+    panel().press(Key::SELECT);
+    EXPECT_EQ(captured(), m_folder.file("presets/Film.json") +
+                              ":2:11: expected a whole number from 0 to 1, found 7\n");
+    std::string shown;
+    for (int i = 0; i < 80; ++i) {
+        const Lines lines = panel().lines();
+        EXPECT_EQ(lines[0], "Film                ");
+        shown += lines[1] + "\n";
+    }
+    for (const char* const part :
+         {"damaged: ", "Film.json:2:11: ", "expected a whole", "to 1", "found 7 "}) {
+        EXPECT_NE(shown.find(part), std::string::npos) << part << " in\n" << shown;
+    }
+    panel().press(Key::SELECT);
+    EXPECT_EQ(panel().lines(), (Lines{">Film=       damaged", " Hide              -"}));
+    EXPECT_EQ(panel().device().integer(101, 0), 1);
+}
+
 TEST_F(Mounted_menu_visits, AFolderThatIsGoneIsTold) {
     std::filesystem::remove_all(m_folder.file("presets"));
     capture();
