@@ -344,6 +344,11 @@ private:
     Data_entry* last_child() const;
     Data_entry* end_of_circle(Data_entry* inside) const;
     void join_neighbours_of(const Data_entry& child);
+    FRONTPANEL_DATA_LOCAL void append(Data_entry& child);
+    FRONTPANEL_DATA_LOCAL bool neighbours_agree(const Data_entry& child) const;
+    FRONTPANEL_DATA_LOCAL bool is_list_remembered() const;
+    FRONTPANEL_DATA_LOCAL bool is_in_remembered_list() const;
+    FRONTPANEL_DATA_LOCAL void remember_list();
     void apply_access_suggestion();
     void apply_set_suggestion(Data_interface* iface);
     void refresh_for_visibility(Data_interface* iface);
@@ -353,6 +358,10 @@ private:
     bool instance_within(int limit) const;
 
     bool m_visibility_asked;  // `isVisible` is being asked: ends circles through links
+    // The child list as it was walked last (child_list.cpp). 0 is the number of no list.
+    uint32_t m_listed_in;      // number of the list that this entry is a child of
+    uint32_t m_list;           // number of this entry's own list
+    Data_entry* m_last_child;  // of this entry's own list, while it is remembered
 };
 
 // A submenu. It has no value: the value operations return INVALID and do nothing.

@@ -1,6 +1,6 @@
 // The base entry: construction, tree links, display, and the plain queries and setters.
-// Bindings stand in entry_binding.cpp, visibility in visibility.cpp, options in product_options.cpp,
-// the dispatcher in dispatcher.cpp and the traversal in traversal.cpp.
+// The child list stands in child_list.cpp, bindings in entry_binding.cpp, visibility in visibility.cpp,
+// options in product_options.cpp, the dispatcher in dispatcher.cpp and the traversal in traversal.cpp.
 #include <frontpanel_data/entry.h>
 
 #include <algorithm>
@@ -154,7 +154,10 @@ Data_entry::Data_entry(const char* name, const char* description, unsigned int p
       bindRefreshIsLocked(false),
       shortcuts_map(nullptr),
       identification_string(),
-      m_visibility_asked(false) {
+      m_visibility_asked(false),
+      m_listed_in(0),
+      m_list(0),
+      m_last_child(nullptr) {
     if (visible >= 0) {
         FRONTPANEL_ASSERT(name && description && index, "name&&description&&index");
     }
@@ -276,14 +279,6 @@ Data_entry* Data_entry::Set_parent(Data_entry* parent) {
     return std::exchange(m_parent, parent);
 }
 
-Data_entry* Data_entry::Set_child(Data_entry* child) {
-    return std::exchange(m_child, child);
-}
-
-Data_entry* Data_entry::Set_next(Data_entry* next) {
-    return std::exchange(m_next, next);
-}
-
 Data_entry* Data_entry::Set_previous(Data_entry* previous) {
     return std::exchange(m_previous, previous);
 }
@@ -307,19 +302,18 @@ void Data_entry::Set_dynamic_previous(Data_entry* previous) {
 int Data_entry::Add_child(Data_entry& child) {
     FRONTPANEL_ASSERT(&child != this, "&child!=this");
     const Lock_guard lock(m_entry_mutex);
+    remember_list();
     if (holds(child)) {
         // Added again it moves: linked twice it would end or close the list.
         join_neighbours_of(child);
+        child.m_listed_in = 0;
     } else {
         // The sibling links of a child are those of one list: another parent's would end at the child.
-        FRONTPANEL_DEBUG_ASSERT(child.m_parent == nullptr || !child.m_parent->holds(child),
-                                "!child.m_parent->holds(child)");
+        FRONTPANEL_DEBUG_ASSERT(
+            child.m_parent == nullptr || child.m_parent == this || !child.m_parent->holds(child),
+            "!child.m_parent->holds(child)");
     }
-    Data_entry* const last = last_child();
-    child.m_parent = this;
-    child.m_next = nullptr;
-    child.m_previous = last;
-    (last != nullptr ? last->m_next : m_child) = &child;
+    append(child);
     return 0;
 }
 
@@ -341,6 +335,7 @@ int Data_entry::Remove(Data_entry* child) {
     Place place = Place::ELSEWHERE;
     {
         const Lock_guard lock(m_entry_mutex);
+        remember_list();
         if (holds(*child)) {
             place = place_between(child->m_previous, child->m_next);
             unlink(*child);
@@ -359,55 +354,8 @@ int Data_entry::Remove(Data_entry* child) {
 // The removed child keeps its own sibling links: a walk that stands on it still finds its former siblings.
 void Data_entry::unlink(Data_entry& child) {
     join_neighbours_of(child);
+    child.m_listed_in = 0;
     child.m_parent = nullptr;
-}
-
-bool Data_entry::holds(const Data_entry& child) const {
-    const Data_entry* const last = last_child();
-    const Data_entry* at = m_child;
-    while (at != &child && at != last) {
-        at = at->m_next;
-    }
-    return at == &child;
-}
-
-// A link that was placed by its neighbours alone still has the base links of the entry that it houses, and
-// these may lead back into the list. The last child is then the one before the first that comes twice.
-Data_entry* Data_entry::last_child() const {
-    Data_entry* last = m_child;
-    const Data_entry* ahead = m_child;
-    while (ahead != nullptr && ahead->m_next != nullptr) {
-        last = last->m_next;
-        ahead = ahead->m_next->m_next;
-        if (last == ahead) {
-            return end_of_circle(last);
-        }
-    }
-    while (last != nullptr && last->m_next != nullptr) {
-        last = last->m_next;
-    }
-    return last;
-}
-
-// `inside` is where two walks met, one twice as fast as the other: as far from the circle's start as the
-// list's start is.
-Data_entry* Data_entry::end_of_circle(Data_entry* inside) const {
-    const Data_entry* start = m_child;
-    while (start != inside) {
-        start = start->m_next;
-        inside = inside->m_next;
-    }
-    while (inside->m_next != start) {
-        inside = inside->m_next;
-    }
-    return inside;
-}
-
-void Data_entry::join_neighbours_of(const Data_entry& child) {
-    (child.m_previous != nullptr ? child.m_previous->m_next : m_child) = child.m_next;
-    if (child.m_next != nullptr) {
-        child.m_next->m_previous = child.m_previous;
-    }
 }
 
 bool Data_entry::Is_active() const {

@@ -1,0 +1,92 @@
+// What building, taking apart and walking a menu costs, by the number of entries: each case reports the time per
+// entry, which stays flat.
+#include <benchmark/benchmark.h>
+#include <frontpanel_data/data_entry.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+const Index_t NO_LEVEL = {};
+
+class Menu : public Node_entry {
+public:
+    explicit Menu(Data_entry* parent = nullptr)
+        : Node_entry("Menu", "A menu", &NO_LEVEL, parent, VISIBLE_ALL, SHORTCUT_NONE, nullptr, nullptr,
+                     nullptr) {}
+};
+
+using Entries = std::vector<std::unique_ptr<Menu>>;
+
+Entries wide(Menu& menu, int64_t size) {
+    Entries children;
+    children.reserve(static_cast<std::size_t>(size));
+    for (int64_t i = 0; i < size; ++i) {
+        children.push_back(std::make_unique<Menu>(&menu));
+    }
+    return children;
+}
+
+Entries deep(Menu& menu, int64_t size) {
+    Entries levels;
+    levels.reserve(static_cast<std::size_t>(size));
+    for (int64_t i = 0; i < size; ++i) {
+        levels.push_back(std::make_unique<Menu>(i == 0 ? &menu : levels.back().get()));
+    }
+    return levels;
+}
+
+void count_entries(benchmark::State& state) {
+    state.counters["per_entry"] = benchmark::Counter(
+        static_cast<double>(state.iterations() * state.range(0)),
+        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// Without parents: what the entries alone cost.
+void build_apart(benchmark::State& state) {
+    for (auto _ : state) {
+        Entries entries;
+        entries.reserve(static_cast<std::size_t>(state.range(0)));
+        for (int64_t i = 0; i < state.range(0); ++i) {
+            entries.push_back(std::make_unique<Menu>());
+        }
+        state.PauseTiming();
+        entries.clear();
+        state.ResumeTiming();
+    }
+    count_entries(state);
+}
+BENCHMARK(build_apart)->RangeMultiplier(10)->Range(10, 1000000);
+
+void build(benchmark::State& state, Entries (*shape)(Menu&, int64_t)) {
+    for (auto _ : state) {
+        Menu menu;
+        Entries entries = shape(menu, state.range(0));
+        state.PauseTiming();
+        entries.clear();
+        state.ResumeTiming();
+    }
+    count_entries(state);
+}
+BENCHMARK_CAPTURE(build, wide, wide)->RangeMultiplier(10)->Range(10, 1000000);
+BENCHMARK_CAPTURE(build, deep, deep)->RangeMultiplier(10)->Range(10, 1000000);
+
+void remove(benchmark::State& state) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        Menu menu;
+        Entries entries = wide(menu, state.range(0));
+        state.ResumeTiming();
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            menu.Remove(entry->get());
+        }
+        state.PauseTiming();
+        entries.clear();
+        state.ResumeTiming();
+    }
+    count_entries(state);
+}
+BENCHMARK(remove)->RangeMultiplier(10)->Range(10, 1000000);
+
+}  // namespace

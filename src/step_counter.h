@@ -1,0 +1,15 @@
+// Counts what operations walk over, so that tests see how their cost grows.
+#ifndef FRONTPANEL_DATA_SRC_STEP_COUNTER_H
+#define FRONTPANEL_DATA_SRC_STEP_COUNTER_H
+
+#include <atomic>
+#include <cstddef>
+
+namespace step_counter {
+
+// One sum for each kind of walk. Entries of different menus may be used from different threads.
+inline std::atomic<std::size_t> children_walked{0};  // to find a child or the end of its list
+
+}  // namespace step_counter
+
+#endif
