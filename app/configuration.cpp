@@ -138,9 +138,8 @@ private:
             return true;
         }
         const std::set<CLI::Option*> excluded = option.get_excludes();
-        return std::any_of(excluded.begin(), excluded.end(), [this](const CLI::Option* other) {
-            return m_given.count(other) > 0;
-        });
+        return std::any_of(excluded.begin(), excluded.end(),
+                           [this](const CLI::Option* other) { return m_given.count(other) > 0; });
     }
 
     void check_excludes(const CLI::Option& option) const {

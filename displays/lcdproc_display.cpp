@@ -42,7 +42,6 @@ private:
     std::optional<Front_event> take_greeting(Lcd_size size);
     std::optional<Front_event> take_key(const std::string& name) const;
     void take_fence();
-    void settle();
     void send_frame();
     void say(const std::string& text);
     void report_size();
@@ -57,17 +56,13 @@ private:
     Phase m_phase = Phase::AWAY;
     Time m_now;
     Time m_deadline;  // of the phase; while READY, of the answer that is awaited
-    Time m_steady;    // when this connection has lasted, while READY; Time::max() once it has
-    std::chrono::milliseconds m_pause = FIRST_PAUSE;
+    Retry m_retry;
     Lcd_size m_server_size;
     std::optional<Lcdproc_screen> m_screen;  // what the server has; nothing before the greeting
     std::optional<Frame> m_frame;            // to be shown
     bool m_fenced = false;                   // the server has not done yet
     bool m_hidden = false;                   // behind another client's screen
-    bool m_absence_reported = false;
-    bool m_flaps = false;  // went away before it was steady, and has not been since
-    int m_complaints = 0;
-    std::set<char32_t> m_lost;  // characters that were reported
+    std::set<char32_t> m_lost;               // characters that were reported
 };
 
 Lcdproc_display::Client::Client(const Lcdproc_server& server, Key_map keys,
@@ -93,8 +88,8 @@ std::optional<Front_event> Lcdproc_display::Client::next(Time now) {
             return event;
         }
     }
-    if (m_phase == Phase::READY && now >= m_steady) {
-        settle();
+    if (m_phase == Phase::READY && m_retry.settle(now)) {
+        report_size();
     }
     if (m_phase != Phase::AWAY && m_socket.state() == Line_socket::State::CLOSED) {
         lose(m_socket.reason(), now);
@@ -121,28 +116,14 @@ void Lcdproc_display::Client::advance(Time now) {
 }
 
 void Lcdproc_display::Client::lose(std::string reason, Time now) {
-    m_flaps = m_flaps || (m_phase == Phase::READY && m_steady != Time::max());
     m_socket.close("");
     m_phase = Phase::AWAY;
-    m_deadline = now + m_pause;
-    m_pause = std::min(m_pause * 2, LONGEST_PAUSE);
     m_screen.reset();
     m_fenced = false;
-    if (!m_absence_reported) {
-        m_absence_reported = true;
+    const bool is_news = m_retry.lose(now);
+    m_deadline = m_retry.next_try();
+    if (is_news) {
         say("is unreachable (" + std::move(reason) + "); retrying");
-    }
-}
-
-// A server that greets and goes, over and over, is reported once and retried less and less often until it is steady.
-void Lcdproc_display::Client::settle() {
-    m_steady = Time::max();
-    m_pause = FIRST_PAUSE;
-    m_complaints = 0;
-    if (m_flaps) {
-        m_flaps = false;
-        m_absence_reported = false;
-        report_size();
     }
 }
 
@@ -150,7 +131,7 @@ Time Lcdproc_display::Client::due() const {
     if (m_socket.has_line()) {
         return Time::min();
     }
-    return m_phase == Phase::READY && m_flaps ? std::min(m_deadline, m_steady) : m_deadline;
+    return m_phase == Phase::READY ? std::min(m_deadline, m_retry.settles()) : m_deadline;
 }
 
 std::optional<Front_event> Lcdproc_display::Client::take(const std::string& line) {
@@ -203,10 +184,8 @@ std::optional<Front_event> Lcdproc_display::Client::take_greeting(Lcd_size size)
     m_fenced = true;
     m_deadline = m_now + PATIENCE;
     m_socket.service();
-    m_steady = m_now + STEADY;
     m_server_size = size;
-    if (!m_flaps) {
-        m_absence_reported = false;
+    if (m_retry.gain(m_now)) {
         report_size();
     }
     return m_fixed ? Front_event{Front_event::REDRAW}
@@ -257,8 +236,7 @@ void Lcdproc_display::Client::report_size() {
 }
 
 void Lcdproc_display::Client::complain(const std::string& text) {
-    if (m_complaints < MOST_COMPLAINTS) {
-        ++m_complaints;
+    if (m_retry.complain()) {
         say("answered \"" + text + "\"");
     }
 }

@@ -11,6 +11,7 @@
 #include <ostream>
 
 #include <frontpanel_display/front.h>
+#include <frontpanel_display/retry.h>
 #include <frontpanel_displays/key_map.h>
 #include <frontpanel_displays/lcdproc_server.h>
 
@@ -18,12 +19,12 @@ namespace frontpanel {
 
 class Lcdproc_display : public Front {
 public:
-    static constexpr std::chrono::milliseconds FIRST_PAUSE{250};  // before it connects again
-    static constexpr std::chrono::milliseconds LONGEST_PAUSE{10000};
     static constexpr std::chrono::seconds PATIENCE{5};  // for a connection, and for any answer
-    // A connection that lasts this long is steady: the next loss is reported again, and the next pause is short.
-    static constexpr std::chrono::seconds STEADY{10};
-    static constexpr int MOST_COMPLAINTS = 10;  // about answers, until a connection is steady
+    // Before it connects again, and until a connection is steady.
+    static constexpr std::chrono::milliseconds FIRST_PAUSE = Retry::FIRST_PAUSE;
+    static constexpr std::chrono::milliseconds LONGEST_PAUSE = Retry::LONGEST_PAUSE;
+    static constexpr std::chrono::seconds STEADY = Retry::STEADY;
+    static constexpr int MOST_COMPLAINTS = Retry::MOST_COMPLAINTS;  // about answers
 
     // Connects with the first call of `next`. With `fixed` the panel keeps that size: on another display it is cut, or
     // leaves blank room. Without, it takes the size of the display, from SMALLEST_LCD to LARGEST_LCD. Status messages

@@ -124,7 +124,8 @@ TEST_F(Configuration, WhatHasNoFormIsReportedWithFileAndLine) {
     EXPECT_EQ(error_of("menu = # my.json\n"), "1: expected a value after \"=\"\n");
     EXPECT_EQ(error_of("menu = []\n"), "1: --menu: expected a value\n");
     EXPECT_EQ(error_of("menu = [a,\nb]\n"), "1: expected \"]\" on the same line\n");
-    EXPECT_EQ(error_of("[panel]\nsize = 16x2\n"), "1: expected an option, found the section \"[panel]\"\n");
+    EXPECT_EQ(error_of("[panel]\nsize = 16x2\n"),
+              "1: expected an option, found the section \"[panel]\"\n");
     EXPECT_EQ(error_of("= 16x2\n"), "1: expected the name of an option\n");
     EXPECT_EQ(error_of("a\n"), "1: unknown option \"a\"\n");
     EXPECT_EQ(error_of("panel.size = 16x2\n"), "1: unknown option \"panel.size\"\n");
@@ -145,7 +146,8 @@ TEST_F(Configuration, AFileThatCannotBeReadIsOneLine) {
     std::ostringstream out;
     std::ostringstream errors;
     EXPECT_EQ(std::get<int>(parse_options(3, arguments, out, errors)), EXIT_BAD_INPUT);
-    EXPECT_EQ(errors.str(), "frontpanel: " + missing + ": cannot be opened: No such file or directory\n");
+    EXPECT_EQ(errors.str(),
+              "frontpanel: " + missing + ": cannot be opened: No such file or directory\n");
 }
 
 TEST_F(Configuration, FilesAreProtectedAsThoseOfTheCommandLine) {
