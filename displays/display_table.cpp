@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_displays/charlcd_display.h>
 #include <frontpanel_displays/lcdproc_display.h>
 #include <frontpanel_displays/terminal.h>
 #include <frontpanel_displays/text_display.h>
@@ -27,13 +28,24 @@ std::unique_ptr<Front> open_lcdproc(const Display_setup& setup) {
     return std::make_unique<Lcdproc_display>(server, setup.keys, setup.size, setup.messages);
 }
 
+bool is_device(const std::string& argument) {
+    return !argument.empty();
+}
+
+std::unique_ptr<Front> open_charlcd(const Display_setup& setup) {
+    return std::make_unique<Charlcd_display>(
+        setup.argument.empty() ? Charlcd_display::USUAL_DEVICE : setup.argument,
+        setup.size.value_or(Lcd_size()), setup.messages);
+}
+
 }  // namespace
 
 const std::vector<Display_row>& display_table() {
     static const std::vector<Display_row> TABLE = {
         {"terminal", "", nullptr, true, open_terminal, nullptr},
         {"text", "", nullptr, false, nullptr, open_text},
-        {"lcdproc", "[:ADDRESS[:PORT]]", is_lcdproc_server, false, open_lcdproc, nullptr},
+        {"lcdproc", "[:IP[:PORT]]", is_lcdproc_server, false, open_lcdproc, nullptr},
+        {"charlcd", "[:PATH]", is_device, false, open_charlcd, nullptr},
     };
     return TABLE;
 }

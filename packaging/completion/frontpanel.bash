@@ -15,7 +15,7 @@ _frontpanel() {
             return
             ;;
         --display)
-            # "terminal, text, lcdproc[:ADDRESS[:PORT]]" of the program's own help
+            # "terminal, text, lcdproc[:IP[:PORT]], ..." of the program's own help
             mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" --help 2>/dev/null |
                 sed -nE '/^ +--display /{s/^ +--display [A-Z]+ +//;s/,|\[[^ ]*//g;p}')" -- "$current")
             return

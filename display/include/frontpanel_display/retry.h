@@ -33,7 +33,8 @@ public:
 
 private:
     Time m_next_try{};
-    Time m_steady = Time::max();  // when it has worked long enough; Time::max() while it is away, and once it has
+    Time m_steady = Time::
+        max();  // when it has worked long enough; Time::max() while it is away, and once it has
     std::chrono::milliseconds m_pause = FIRST_PAUSE;
     bool m_loss_reported = false;
     bool m_flaps = false;  // went away before it was steady, and has not been since

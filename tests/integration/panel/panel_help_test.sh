@@ -88,6 +88,7 @@ completes "notes.txt|" --log n
 completes "20x2|20x4|" --size 20
 completes "terminal|text|" --display t
 completes "lcdproc|" --display lcd
+completes "charlcd|" --display c
 completes "--script|--screenshot|" --menu my.json --sc
 completes "" --menu absent
 

@@ -39,18 +39,20 @@ TEST(DisplayTable, ADisplayIsChosenByNameAndArgument) {
 }
 
 TEST(DisplayTable, WhatIsNoDisplayIsTold) {
-    for (const std::string bad : {"", "lcd", "Text", "lcdprocs", "terminal:", "text:1", "lcdproc:",
-                                  "lcdproc::13666", "lcdproc:display.invalid", ":terminal"}) {
+    for (const std::string bad :
+         {"", "lcd", "Text", "lcdprocs", "terminal:", "text:1", "lcdproc:", "lcdproc::13666",
+          "lcdproc:display.invalid", "charlcd:", ":terminal"}) {
         EXPECT_THROW(parse_display(bad), Input_error) << bad;
     }
     try {
         parse_display("screen\n");
         FAIL();
     } catch (const Input_error& error) {
-        EXPECT_STREQ(error.what(),
-                     "expected terminal, text or lcdproc[:ADDRESS[:PORT]], found \"screen?\"");
+        EXPECT_STREQ(
+            error.what(),
+            "expected terminal, text, lcdproc[:IP[:PORT]] or charlcd[:PATH], found \"screen?\"");
     }
-    EXPECT_EQ(display_names(), "terminal, text, lcdproc[:ADDRESS[:PORT]]");
+    EXPECT_EQ(display_names(), "terminal, text, lcdproc[:IP[:PORT]], charlcd[:PATH]");
 }
 
 TEST(DisplayTable, OpensTheDisplay) {

@@ -1,0 +1,49 @@
+// The panel on a character display that the kernel drives, by its device file, such as /dev/lcd. The display has no
+// keys and no LEDs.
+//
+// The device may be missing, hang, or go away and come back: nothing here waits for it. Meanwhile the panel goes on
+// unseen; once the device is back, the whole frame is shown.
+#ifndef FRONTPANEL_DISPLAYS_CHARLCD_DISPLAY_H
+#define FRONTPANEL_DISPLAYS_CHARLCD_DISPLAY_H
+
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include <frontpanel_display/front.h>
+
+namespace frontpanel {
+
+class Charlcd_display : public Front {
+public:
+    static constexpr const char* USUAL_DEVICE = "/dev/lcd";
+    static constexpr std::chrono::seconds PATIENCE{5};  // for a write
+    // How often an idle display is looked for: one that was plugged in again shows nothing.
+    static constexpr std::chrono::seconds CHECK{2};
+
+    // Opens the device with the first call of `next`. Status messages go to `log`, a line each; `log` outlives the
+    // display. std::system_error when no thread can be created.
+    Charlcd_display(const std::string& device, Lcd_size size, std::ostream& log);
+    // Leaves the display blank.
+    ~Charlcd_display() override;
+
+    // Sends only what differs from the last frame, once the device has taken that: of frames that come faster, the last
+    // counts.
+    void show(const Frame& frame) override;
+    // No events: such a display has no keys.
+    std::optional<Front_event> next(Time now) override;
+    pollfd source() const override;
+    Time due() const override;
+
+    // Whether the device shows the last frame as far as is known.
+    bool is_settled() const;
+
+private:
+    class Client;
+    std::unique_ptr<Client> m_client;
+};
+
+}  // namespace frontpanel
+
+#endif
