@@ -71,7 +71,7 @@ expect 0 "" --display text --script good.script
 expect 2 'frontpanel: standard output is not a terminal: name a script with --script' --display terminal
 expect 2 'frontpanel: scripts and pictures are for the display "text"' --display lcdproc --script good.script
 expect 2 'frontpanel: scripts and pictures are for the display "text"' --display terminal --screenshot picture.svg
-expect 2 'frontpanel: --display: expected terminal, text or lcdproc[:IP[:PORT]], found "lcdproc:somewhere"' --display lcdproc:somewhere
+expect 2 'frontpanel: --display: expected terminal, text, lcdproc[:IP[:PORT]] or charlcd[:PATH], found "lcdproc:somewhere"' --display lcdproc:somewhere
 printf '12345x\n' >bad.pin
 expect 2 'frontpanel: bad.pin: expected a PIN of 4 to 8 digits' --display lcdproc:localhost:1 --pin-file bad.pin
 expect 2 'frontpanel: absent.pin: cannot be opened: No such file or directory' --display lcdproc:localhost:1 --pin-file absent.pin
