@@ -23,6 +23,7 @@ if(FRONTPANEL_COVERAGE)
                 --filter ${PROJECT_SOURCE_DIR}/ui/
                 --filter ${PROJECT_SOURCE_DIR}/displays/
                 --filter ${PROJECT_SOURCE_DIR}/simulator/
+                --filter ${PROJECT_SOURCE_DIR}/drivers/
                 --filter ${PROJECT_SOURCE_DIR}/app/
                 --exclude-unreachable-branches
                 --exclude-throw-branches

@@ -39,7 +39,7 @@ endfunction()
 function(frontpanel_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg
         "PRIVATE_OBJECTS" "NAME;TIMEOUT;LABEL;RESOURCE_LOCK" "SOURCES;LIBRARIES;WRAP;LABELLED")
-    if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|base|menu|display|ui|displays|simulator|app)(;|$)")
+    if(arg_PRIVATE_OBJECTS AND "${arg_LIBRARIES}" MATCHES "frontpanel_(data|binding|editors|base|menu|display|ui|displays|simulator|drivers|driver_[a-z]+|app)(;|$)")
         message(FATAL_ERROR "${arg_NAME}: a test with PRIVATE_OBJECTS would hold the library twice "
             "if it also linked a component that links the shared library")
     endif()

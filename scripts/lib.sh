@@ -4,9 +4,13 @@
 
 SOURCE_DIR=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." >/dev/null && pwd)
 
-# The folders of the parts above the library, bottom up.
+# The folders of the parts above the library, bottom up; each driver is a part of its own.
+DRIVERS=()
+for folder in "$SOURCE_DIR"/drivers/*/CMakeLists.txt; do
+    [ ! -e "$folder" ] || DRIVERS+=("drivers/$(basename "$(dirname "$folder")")")
+done
 # shellcheck disable=SC2034  # used by the scripts that source this
-COMPONENTS=(base binding editors menu display ui displays simulator app)
+COMPONENTS=(base binding editors menu display ui displays simulator drivers "${DRIVERS[@]}" app)
 
 # The Debian packages that each script needs, one list per script.
 PANEL_PACKAGES=(

@@ -1,0 +1,29 @@
+#include <frontpanel_drivers/driver.h>
+
+#include <poll.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace frontpanel {
+
+Value_sink::~Value_sink() = default;
+
+Driver::~Driver() = default;
+
+void Driver::check(Problems& /*problems*/) const {}
+
+void Driver::disconnect() {}
+
+bool Driver::pushes(std::size_t /*number*/) const {
+    return false;
+}
+
+Driver_result Driver::wait(std::chrono::milliseconds most, int wake, Value_sink& /*sink*/) {
+    constexpr std::chrono::milliseconds LONGEST(std::numeric_limits<int>::max());
+    pollfd source{wake, POLLIN, 0};
+    poll(&source, 1, static_cast<int>(std::clamp(most, most.zero(), LONGEST).count()));
+    return Driver_result::done();
+}
+
+}  // namespace frontpanel
