@@ -122,7 +122,7 @@ Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& l
     panel.log = &log.lines();
     panel.rule_fault = [&log](const Rule_fault& fault) {
         const std::string line = "warning: " + one_line(fault.text());
-        if (fault.cause == Rule_fault::Cause::RULE) {
+        if (fault.is_notable()) {
             log.report(line);
         } else {
             log.note(line);

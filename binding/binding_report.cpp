@@ -26,6 +26,7 @@ std::string Binding_explanation::text() const {
             text += "    " + seen.name + " is " + seen.value + "\n";
         }
         text += "    " + result_text(rule) + "\n";
+        text += rule.fault.empty() ? "" : "    fault: " + rule.fault + "\n";
     }
     for (const std::string& suggestion : suggestions) {
         text += "  suggested: " + suggestion + "\n";

@@ -130,7 +130,7 @@ void Controller::tell_circle(const Binding_settlement& settled) {
 
 // One rule may stand in thousands of entries.
 void Controller::tell_fault(const Rule_fault& fault) {
-    if (fault.cause != Rule_fault::Cause::RULE) {
+    if (!fault.is_notable()) {
         return;
     }
     m_shown_faults = m_notices.empty() ? 1 : m_shown_faults + 1;

@@ -90,6 +90,13 @@ void Cascade::write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes
     }
 }
 
+void Cascade::write_done(uint32_t pid, uint32_t varidx, std::string_view bytes) {
+    const auto writer = m_engines.find(m_last_evaluated);
+    if (writer != m_engines.end()) {
+        writer->second->write_done(pid, varidx, bytes);
+    }
+}
+
 // An entry that was never refreshed asks for its parameters when it first is.
 void Cascade::input_changed(Engine& engine) {
     if (engine.was_evaluated()) {

@@ -53,6 +53,8 @@ public:
     bool is_too_deep();
     // A write that the device refused: its engine asks for it again at the next evaluation.
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
+    // A write that the device took: what it refused of the rule before is mended.
+    void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes);
 
     void input_changed(Engine& engine);
     void mark(Engine& engine);

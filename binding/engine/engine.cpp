@@ -268,6 +268,15 @@ void Engine::write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes,
     }
 }
 
+void Engine::write_done(uint32_t pid, uint32_t varidx, std::string_view bytes) {
+    if (m_faults.empty()) {
+        return;
+    }
+    for (const auto& maker : m_makers) {
+        maker->write_done(pid, varidx, bytes);
+    }
+}
+
 void Engine::print_error(const std::string& error) const {
     if ((debug & BINDING_MASK) != 0) {
         std::printf("Binding error in [%s]: %s\n", name().c_str(), error.c_str());
@@ -327,7 +336,17 @@ void Engine::add_fault(const Bound_list& list, const Rule& rule, std::string rea
 
 void Engine::judged(const Bound_list& list, const Rule& rule) {
     if (!m_faults.empty()) {
-        m_faults.remove(number_of(list, rule));
+        m_faults.judged(number_of(list, rule));
+    }
+}
+
+void Engine::add_write_fault(std::size_t rule, std::string reason) {
+    for (const Bound_list& list : m_lists) {
+        if (rule < list.program.rule_count()) {
+            add_fault(list, list.program.rule(rule), std::move(reason), Rule_fault::Cause::WRITE);
+            return;
+        }
+        rule -= list.program.rule_count();
     }
 }
 

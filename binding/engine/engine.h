@@ -65,9 +65,15 @@ public:
     // Of a rule of one of the lists. It is reported when it is new.
     void add_fault(const Bound_list& list, const binding_language::Rule& rule, std::string reason,
                    Rule_fault::Cause cause);
+    // Of a rule by its number.
+    void add_write_fault(std::size_t rule, std::string reason);
+    // The device has taken what the rule writes, or the rule writes nothing now.
+    void written(std::size_t rule) { m_faults.written(rule); }
     // The rule was judged: its fault, if it had one, is mended.
     void judged(const Bound_list& list, const binding_language::Rule& rule);
     const std::vector<Rule_fault>& faults() const { return m_faults.faults(); }
+    // Of a rule of one of the lists, among those of all lists.
+    std::size_t number_of(const Bound_list& list, const binding_language::Rule& rule) const;
     // All print under the diagnostic mask of bindings.
     void print_error(const std::string& error) const;
     void print_errors() const;
@@ -90,6 +96,7 @@ public:
     bool has_new_options() const;
     void report_cascade(const std::string& path);
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
+    void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes);
     // The parameter that a write rule of the list writes; null when nobody refers to it otherwise.
     const Cached_parameter* find_written(const Bound_list& list,
                                          const binding_language::Rule& rule) const;
@@ -124,7 +131,6 @@ private:
     void detach();
     std::vector<Cached_parameter*> parameters() const;
     Cached_parameter* find_own();
-    std::size_t number_of(const Bound_list& list, const binding_language::Rule& rule) const;
     std::string place_of(std::size_t rule) const;
 
     Core& m_core;

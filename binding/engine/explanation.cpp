@@ -11,8 +11,17 @@
 namespace frontpanel::binding_engine {
 namespace {
 
+std::string fault_of(const Engine& engine, std::size_t rule) {
+    for (const Rule_fault& fault : engine.faults()) {
+        if (fault.rule == rule && fault.is_notable()) {
+            return (fault.place.empty() ? "" : fault.place + ": ") + fault.reason;
+        }
+    }
+    return "";
+}
+
 Rule_explanation explain_rule(const Engine& engine, Reading& reading, const Rule& rule) {
-    Rule_explanation explanation{rule.kind, rule.line, std::string(rule.source), {}, {}, {}};
+    Rule_explanation explanation{rule.kind, rule.line, std::string(rule.source), {}, {}, {}, {}};
     reading.note_values(&explanation.seen);
     bool holds = false;
     const bool is_judged = reading.condition(rule, holds);
@@ -28,6 +37,7 @@ Rule_explanation explain_rule(const Engine& engine, Reading& reading, const Rule
         explanation.result = reading.last_mistake();
     }
     reading.note_values(nullptr);
+    explanation.fault = fault_of(engine, engine.number_of(reading.list(), rule));
     return explanation;
 }
 

@@ -19,11 +19,19 @@ bool Fault_list::add(Rule_fault fault) {
     return is_new;
 }
 
-void Fault_list::remove(std::size_t rule) {
-    m_faults.erase(
-        std::remove_if(m_faults.begin(), m_faults.end(),
-                       [rule](const Rule_fault& standing) { return standing.rule == rule; }),
-        m_faults.end());
+void Fault_list::judged(std::size_t rule) {
+    remove(rule, false);
+}
+
+void Fault_list::written(std::size_t rule) {
+    remove(rule, true);
+}
+
+void Fault_list::remove(std::size_t rule, bool is_write) {
+    const auto is_meant = [rule, is_write](const Rule_fault& standing) {
+        return standing.rule == rule && (standing.cause == Rule_fault::Cause::WRITE) == is_write;
+    };
+    m_faults.erase(std::remove_if(m_faults.begin(), m_faults.end(), is_meant), m_faults.end());
 }
 
 }  // namespace frontpanel::binding_engine

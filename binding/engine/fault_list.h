@@ -13,13 +13,17 @@ class Fault_list {
 public:
     // Whether the rule had no fault of that cause before.
     bool add(Rule_fault fault);
-    // The rule was judged.
-    void remove(std::size_t rule);
+    // The rule was judged. What the device refuses of it stands.
+    void judged(std::size_t rule);
+    // The device has taken what the rule writes, or the rule writes nothing now.
+    void written(std::size_t rule);
     // All that stand.
     const std::vector<Rule_fault>& faults() const { return m_faults; }
     bool empty() const { return m_faults.empty(); }
 
 private:
+    void remove(std::size_t rule, bool is_write);
+
     std::vector<Rule_fault> m_faults;
 };
 

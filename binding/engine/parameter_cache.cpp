@@ -254,6 +254,7 @@ void Parameter_cache::keep_read(uint32_t pid, uint32_t varidx, const void* buffe
 
 void Parameter_cache::keep_write(uint32_t pid, uint32_t varidx, const void* bytes,
                                  std::size_t length) {
+    m_cascade.write_done(pid, varidx, {static_cast<const char*>(bytes), length});
     const auto variable = m_variables.find(address(pid, varidx));
     if (variable == m_variables.end()) {
         return;

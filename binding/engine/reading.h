@@ -41,6 +41,7 @@ public:
 
     // The list whose rules are asked for next.
     void enter(Bound_list& list);
+    const Bound_list& list() const { return *m_list; }
     const binding_language::Program& program() const { return m_list->program; }
 
     // What follows is false when there is a fault, which has become an error of the engine.

@@ -76,9 +76,10 @@ public:
     virtual void get(void* out) const = 0;
     // One line, or one for each of several: "range 0..4", without " (new)".
     virtual std::vector<std::string> lines() const = 0;
-    // The device refused a write; only a maker of writes takes it up.
+    // The device refused a write, or took it; only a maker of writes takes it up.
     virtual void write_failed(uint32_t /*pid*/, uint32_t /*varidx*/, std::string_view /*bytes*/,
                               int /*result*/) {}
+    virtual void write_done(uint32_t /*pid*/, uint32_t /*varidx*/, std::string_view /*bytes*/) {}
     // What was written last, and what counts as that from now on; of a maker of writes alone.
     virtual std::vector<GetSetS> done() const { return {}; }
     virtual void set_done(std::vector<GetSetS> /*requests*/) {}

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include <frontpanel_binding/parameter_address.h>
 
@@ -31,11 +32,19 @@ public:
     void decide(Reading& reading, bool updates) override {
         std::vector<GetSetS>& requests = m_engine.core().requests;
         requests.clear();
-        const bool is_decided =
-            each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); });
+        m_judged.clear();
+        const bool is_decided = each_rule_that_holds(reading, [&](const Rule& rule) {
+            m_judged.push_back(m_engine.number_of(reading.list(), rule));
+            return take(reading, rule);
+        });
         if (is_decided && updates) {
+            if (std::exchange(m_is_refused, false)) {
+                m_suggestion.value.clear();  // so that the entry writes again
+            }
             m_suggestion.is_known = true;  // to write nothing is no news
             m_suggestion.suggest(requests);
+            m_rules.swap(m_judged);
+            mend_unasked();
         }
     }
 
@@ -71,7 +80,7 @@ public:
     }
 
     std::vector<std::string> lines() const override {
-        if (m_suggestion.value.empty()) {
+        if (m_suggestion.value.empty() || m_is_refused) {
             return {};
         }
         std::vector<std::string> requests;
@@ -81,34 +90,69 @@ public:
         return {"set " + comma_joined(requests)};
     }
 
-    // The list is forgotten, so that the next evaluation finds it new and the entry writes again.
+    // The next evaluation finds the list new, and the entry writes again. The fault stands meanwhile, so that it is no
+    // news each time.
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result) override {
-        std::vector<GetSetS>& requests = m_suggestion.value;
-        const auto failed =
-            std::find_if(requests.begin(), requests.end(), [&](const GetSetS& request) {
-                return request.varid == pid && request.varidx == varidx &&
-                       bytes_of(request) == bytes;
-            });
-        if (failed != requests.end()) {
-            m_engine.print_error("cannot write " + request_text(*failed) + ": device result " +
-                                 std::to_string(result));
-            requests.clear();
-            m_engine.core().has_new_writes = true;
+        const std::size_t number = find(pid, varidx, bytes);
+        if (number == m_suggestion.value.size()) {
+            return;
+        }
+        const std::string reason = "cannot write " + request_text(m_suggestion.value[number]) +
+                                   ": device result " + std::to_string(result);
+        m_engine.print_error(reason);
+        m_is_refused = true;
+        m_engine.core().has_new_writes = true;
+        if (number < m_rules.size()) {
+            m_engine.add_write_fault(m_rules[number], reason);
+        }
+    }
+
+    void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes) override {
+        const std::size_t number = find(pid, varidx, bytes);
+        if (number < m_rules.size()) {
+            m_engine.written(m_rules[number]);
         }
     }
 
     // A list that nobody has taken yet is not written yet.
     std::vector<GetSetS> done() const override {
-        return m_suggestion.is_updated ? std::vector<GetSetS>() : m_suggestion.value;
+        return m_suggestion.is_updated || m_is_refused ? std::vector<GetSetS>()
+                                                       : m_suggestion.value;
     }
 
     void set_done(std::vector<GetSetS> requests) override {
         m_suggestion.value = std::move(requests);
         m_suggestion.is_known = true;
         m_suggestion.is_updated = false;
+        m_is_refused = false;
+        m_rules.clear();
     }
 
 private:
+    // The place of a write in the list; its size when it is none of it.
+    std::size_t find(uint32_t pid, uint32_t varidx, std::string_view bytes) const {
+        const std::vector<GetSetS>& requests = m_suggestion.value;
+        const auto found =
+            std::find_if(requests.begin(), requests.end(), [&](const GetSetS& request) {
+                return request.varid == pid && request.varidx == varidx &&
+                       bytes_of(request) == bytes;
+            });
+        return static_cast<std::size_t>(found - requests.begin());
+    }
+
+    // The device refuses nothing of rules that write nothing now.
+    void mend_unasked() {
+        std::vector<std::size_t> mended;
+        for (const Rule_fault& fault : m_engine.faults()) {
+            if (std::find(m_rules.begin(), m_rules.end(), fault.rule) == m_rules.end()) {
+                mended.push_back(fault.rule);
+            }
+        }
+        for (const std::size_t rule : mended) {
+            m_engine.written(rule);
+        }
+    }
+
     Step take(Reading& reading, const Rule& rule) {
         Value value;
         if (!reading.value(rule, reading.program().operand(rule, 0), value)) {
@@ -193,6 +237,9 @@ private:
     }
 
     Suggestion<std::vector<GetSetS>> m_suggestion;
+    bool m_is_refused = false;          // by the device, at least in part
+    std::vector<std::size_t> m_rules;   // by number: whose each write of the suggestion is
+    std::vector<std::size_t> m_judged;  // the same of the evaluation that is under way
 };
 
 }  // namespace

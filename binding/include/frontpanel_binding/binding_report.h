@@ -26,6 +26,9 @@ struct Rule_explanation {
     std::vector<Seen> seen;
     Outcome outcome;
     std::string result;  // what a rule that holds asks for ("10..40"), or why it failed
+    // Place and reason of the fault that stands, "menu.json:3:17: division by zero"; empty for none, and while the
+    // device only cannot be read.
+    std::string fault = {};
 };
 
 // Why an entry is hidden, limited or read-only.

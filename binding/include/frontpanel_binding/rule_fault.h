@@ -1,7 +1,8 @@
-// A rule that cannot be evaluated: nothing that follows from it is suggested, and somebody should know.
+// A rule that cannot be evaluated, or whose write the device refuses: nothing follows from it, and somebody should know.
 //
-// A fault is reported once, by the first evaluation that meets it. It stands until an evaluation judges the rule again;
-// after that the next failure is a new fault. Menu thread only.
+// A fault is reported once, by the first evaluation or write that meets it. It stands until an evaluation judges the rule
+// again, or for a refused write, until the device takes it or the rule no longer asks for it; after that the next failure
+// is a new fault. Menu thread only.
 #ifndef FRONTPANEL_BINDING_RULE_FAULT_H
 #define FRONTPANEL_BINDING_RULE_FAULT_H
 
@@ -32,8 +33,9 @@ struct Rule_places {
 
 struct Rule_fault {
     enum class Cause {
-        RULE,   // what the rule says cannot be done: a division by zero, a text that is too long
-        DEVICE  // a parameter cannot be read; the rule is all right
+        RULE,    // what the rule says cannot be done: a division by zero, a text that is too long
+        DEVICE,  // a parameter cannot be read; the rule is all right
+        WRITE    // the device refuses what the rule writes
     };
 
     const Data_entry* entry;  // whose rule it is; null for an engine without entry
@@ -44,6 +46,8 @@ struct Rule_fault {
     std::string reason;       // "division by zero"
     Cause cause;
 
+    // Whether it is news for a person at the panel: a device that cannot be read shows that by its values.
+    bool is_notable() const { return cause != Cause::DEVICE; }
     // On one line: "menu.json:3:17: Gain: visible if 10 / [z] > 1: division by zero".
     std::string text() const;
 };

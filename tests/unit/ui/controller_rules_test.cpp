@@ -97,6 +97,8 @@ TEST(LiveRules, AWriteThatTheDeviceRefusedIsMadeAgainWithTheNextChange) {
         set 5 2
         tick
         expect-write 6.1 20 (failed)
+        expect 2 |rule: cannot*|
+        select
         fail write 6.1 off
         tick
         expect 3 | Gain**|)"),

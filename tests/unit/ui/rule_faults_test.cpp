@@ -60,6 +60,19 @@ TEST_P(Fault_screen, AWriteBeyondTheLimitsIsANoticeAndNoWrite) {
     EXPECT_TRUE(panel.device().writes().empty());
 }
 
+TEST_P(Fault_screen, AWriteThatTheDeviceRefusesIsANoticeOnce) {
+    Menu_panel panel(menu_with("set [gain] = [z]"), GetParam());
+    panel.fail(Memory_device::Operation_kind::WRITE, 6);
+    panel.device().set_integer(Z, 0, 5);
+    panel.tick();
+    EXPECT_TRUE(shows(panel, "rule: cannot wr"));
+    panel.press(Key::SELECT).tick().tick();
+    EXPECT_FALSE(shows(panel, "rule: "));
+    panel.repair();
+    panel.tick();
+    EXPECT_EQ(panel.device().integer(6, 0), 5);
+}
+
 TEST_P(Fault_screen, AParameterThatCannotBeReadIsNoFaultOfTheRule) {
     Menu_panel panel(menu_with("visible if [z] > 0"), GetParam());
     panel.fail(Memory_device::Operation_kind::READ, Z);

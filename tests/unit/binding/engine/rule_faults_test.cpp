@@ -1,4 +1,6 @@
 // Rules that cannot be evaluated: who is told, and how often.
+#include <frontpanel_binding/caching_device.h>
+
 #include "unit/binding/binding_fixture.h"
 
 namespace binding_fixture {
@@ -23,15 +25,23 @@ protected:
             last = fault;
         });
     }
+    void refuse_writes(uint32_t pid) {
+        device.set_fault([pid](const Memory_device::Operation& operation) {
+            const bool is_write = operation.kind == Memory_device::Operation_kind::WRITE;
+            return is_write && operation.pid == pid ? 42 : 0;
+        });
+    }
     // What is told of while the device holds `z`.
     std::vector<std::string> told_with(int z) {
         told.clear();
         device.set_integer(5, 0, z);
-        refresh(entry);
+        registry->poll();
+        refresh(entry, &cache);
         return told;
     }
 
     using Texts = std::vector<std::string>;
+    Caching_device cache{device, registry};
     Number_entry entry{"Gain", 6, no_level, 0, 300};
     Texts told;
     Rule_fault last{};
@@ -118,6 +128,64 @@ TEST_F(Rule_faults, AParameterThatCannotBeReadIsTheDevicesFault) {
     device.set_fault(nullptr);
     EXPECT_EQ(told_with(3), Texts());
     EXPECT_TRUE(registry->faults().empty());
+}
+
+// The entry asks for the write at each refresh.
+TEST_F(Rule_faults, ARefusedWriteIsToldOnceUntilTheDeviceTakesIt) {
+    Expression_binding* const engine = bind(entry, "visible if [z] < 99");
+    engine->addBindingList(compiled("set [title] = \"a\" if [z] < 0\nset [limit] = 7"));
+    refuse_writes(6);
+    EXPECT_EQ(told_with(1), (Texts{"Gain: line 2, set [limit] = 7: cannot write [limit] = 7: "
+                                   "device result 42"}));
+    EXPECT_EQ(last.cause, Rule_fault::Cause::WRITE);
+    EXPECT_EQ(last.rule, 2U);
+    const std::size_t tries = device.writes().size();
+    EXPECT_EQ(told_with(2), Texts());
+    EXPECT_GT(device.writes().size(), tries);
+    EXPECT_EQ(registry->faults().size(), 1U);
+    device.set_fault(nullptr);
+    EXPECT_EQ(told_with(3), Texts());
+    EXPECT_EQ(device.integer(6, 0), 7);
+    EXPECT_TRUE(registry->faults().empty());
+}
+
+TEST_F(Rule_faults, ARefusedWriteThatIsNoLongerAskedForIsMended) {
+    bind(entry, "set [limit] = 7 if [z] > 0");
+    refuse_writes(6);
+    EXPECT_EQ(told_with(1).size(), 1U);
+    EXPECT_EQ(told_with(0), Texts());
+    EXPECT_TRUE(registry->faults().empty());
+    EXPECT_EQ(told_with(1).size(), 1U);
+}
+
+TEST_F(Rule_faults, EachRefusedWriteOfAListIsTold) {
+    bind(entry, "set [limit] = 7\nset [title] = \"a\"");
+    device.set_fault([](const Memory_device::Operation& operation) {
+        return operation.kind == Memory_device::Operation_kind::WRITE ? 42 : 0;
+    });
+    EXPECT_EQ(told_with(1),
+              (Texts{"Gain: line 1, set [limit] = 7: cannot write [limit] = 7: device result 42",
+                     "Gain: line 2, set [title] = \"a\": cannot write [title] = \"a\": device "
+                     "result 42"}));
+    EXPECT_EQ(told_with(2), Texts());
+}
+
+TEST_F(Rule_faults, AnExplanationMarksTheRuleWithPlaceAndReason) {
+    Expression_binding* const engine = bind(entry, "");
+    engine->addBindingList(compiled("visible if 10 / [z] > 1; set [limit] = 7"));
+    engine->set_rule_places(
+        {std::make_shared<const std::string>("menu.json"), {{3, 17}, {3, 40}}, true});
+    refuse_writes(6);
+    told_with(0);
+    EXPECT_EQ(engine->explain().text(),
+              "Gain\n"
+              "  line 1: visible if 10 / [z] > 1\n"
+              "    [z] is 0\n"
+              "    failed: division by zero\n"
+              "    fault: menu.json:3:17: division by zero\n"
+              "  line 1: set [limit] = 7\n"
+              "    holds: [limit] = 7\n"
+              "    fault: menu.json:3:40: cannot write [limit] = 7: device result 42\n");
 }
 
 TEST_F(Rule_faults, OfAWarningAreToldWhenAValueIsTried) {
