@@ -13,8 +13,8 @@ const Index_t NO_LEVEL = {};
 class Menu : public Node_entry {
 public:
     explicit Menu(Data_entry* parent = nullptr)
-        : Node_entry("Menu", "A menu", &NO_LEVEL, parent, VISIBLE_ALL, SHORTCUT_NONE, nullptr, nullptr,
-                     nullptr) {}
+        : Node_entry("Menu", "A menu", &NO_LEVEL, parent, VISIBLE_ALL, SHORTCUT_NONE, nullptr,
+                     nullptr, nullptr) {}
 };
 
 using Entries = std::vector<std::unique_ptr<Menu>>;
@@ -38,9 +38,9 @@ Entries deep(Menu& menu, int64_t size) {
 }
 
 void count_entries(benchmark::State& state) {
-    state.counters["per_entry"] = benchmark::Counter(
-        static_cast<double>(state.iterations() * state.range(0)),
-        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["per_entry"] =
+        benchmark::Counter(static_cast<double>(state.iterations() * state.range(0)),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 // Without parents: what the entries alone cost.

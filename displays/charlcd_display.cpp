@@ -36,7 +36,7 @@ private:
     Device_writer m_writer;
     Retry m_retry;
     Time m_now = Time::min();  // nothing is sent before the first `next`
-    Time m_deadline;  // of the write, or of the next look at an idle device
+    Time m_deadline;           // of the write, or of the next look at an idle device
     bool m_is_up = false;
     std::optional<Charlcd_screen> m_screen;  // what the device has, or will have after the write
     std::optional<Frame> m_frame;            // to be shown

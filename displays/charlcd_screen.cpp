@@ -67,8 +67,8 @@ std::string Charlcd_screen::update_row(const Lcd& lcd, int row) {
         }
         const auto target = static_cast<int>(column);
         const auto behind = static_cast<size_t>(m_column);
-        const bool is_near = m_row == row && behind <= column &&
-                             column - behind < position(row, target).size();
+        const bool is_near =
+            m_row == row && behind <= column && column - behind < position(row, target).size();
         bytes += is_near ? line.substr(behind, column - behind) : position(row, target);
         bytes += line[column];
         m_row = row;

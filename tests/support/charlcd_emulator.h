@@ -15,7 +15,8 @@ namespace support {
 
 class Charlcd_emulator {
 public:
-    using Bitmap = std::array<uint8_t, 8>;  // the rows of a character, top first; the right column is bit 0
+    using Bitmap =
+        std::array<uint8_t, 8>;  // the rows of a character, top first; the right column is bit 0
 
     // As its driver leaves it: a banner, and the cursor blinking.
     Charlcd_emulator(int columns, int rows) : m_columns(columns), m_rows(rows) {
@@ -61,9 +62,9 @@ public:
             }
             text += "|\n";
         }
-        return text + edge + (m_blinks ? "cursor " + std::to_string(m_column) + "," +
-                                             std::to_string(m_row) + " "
-                                       : "") +
+        return text + edge +
+               (m_blinks ? "cursor " + std::to_string(m_column) + "," + std::to_string(m_row) + " "
+                         : "") +
                (m_is_lit ? "lit" : "dark") + "\n";
     }
 
@@ -71,7 +72,8 @@ private:
     static constexpr size_t LONGEST_SEQUENCE = 24;
 
     void clear() {
-        m_lines.assign(static_cast<size_t>(m_rows), std::string(static_cast<size_t>(m_columns), ' '));
+        m_lines.assign(static_cast<size_t>(m_rows),
+                       std::string(static_cast<size_t>(m_columns), ' '));
         m_row = 0;
         m_column = 0;
     }

@@ -17,7 +17,8 @@ namespace support {
 
 class Charlcd_pipe {
 public:
-    Charlcd_pipe(int columns, int rows) : m_columns(columns), m_rows(rows), emulator(columns, rows) {}
+    Charlcd_pipe(int columns, int rows)
+        : m_columns(columns), m_rows(rows), emulator(columns, rows) {}
     ~Charlcd_pipe() { unplug(); }
     Charlcd_pipe(const Charlcd_pipe&) = delete;
     Charlcd_pipe& operator=(const Charlcd_pipe&) = delete;

@@ -75,7 +75,8 @@ TEST_P(Charlcd_tour, EveryFrameIsShown) {
     const Lcd_size size = GetParam().size;
     const std::string file = FRONTPANEL_SOURCE_DIR "/menus/" + std::string(GetParam().script);
     const Script script = parse_script(file, read_input_file(file));
-    const Loaded_panel loaded = load_panel(FRONTPANEL_SOURCE_DIR "/menus/demo.json", Cards::ON, size.columns);
+    const Loaded_panel loaded =
+        load_panel(FRONTPANEL_SOURCE_DIR "/menus/demo.json", Cards::ON, size.columns);
     const Curl_home curl_home;
     Panel_options options;
     options.size = size;

@@ -43,7 +43,8 @@ TEST_F(Charlcd_screen_test, SetsUpABlankLitDisplayWithoutACursor) {
 }
 
 TEST_F(Charlcd_screen_test, SetsUpADisplayWithinASequenceOfSomebodyElse) {
-    for (const char* const rest : {"\x1B", "\x1B[", "\x1B[L", "\x1B[LG0", "\x1B[Lx1", "\x1B[Lx1y"}) {
+    for (const char* const rest :
+         {"\x1B", "\x1B[", "\x1B[L", "\x1B[LG0", "\x1B[Lx1", "\x1B[Lx1y"}) {
         support::Charlcd_emulator other(16, 2);
         other.feed(rest);
         other.feed(screen.setup());
@@ -125,7 +126,8 @@ TEST_F(Charlcd_screen_test, RandomFramesAreShownWithFewerBytesThanAWholeOne) {
         for (int i = 0; i < 500; ++i) {
             const int row = static_cast<int>(random() % static_cast<unsigned>(size.rows));
             const int column = static_cast<int>(random() % static_cast<unsigned>(size.columns));
-            frame.lcd.put(row, column, std::string(random() % 8, static_cast<char>('a' + random() % 26)));
+            frame.lcd.put(row, column,
+                          std::string(random() % 8, static_cast<char>('a' + random() % 26)));
             if (random() % 4 == 0) {
                 frame.lcd.set_cursor(row, column);
             }

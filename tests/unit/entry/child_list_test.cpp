@@ -255,9 +255,7 @@ public:
 
 private:
     int below(int count) { return static_cast<int>(m_random() % static_cast<unsigned int>(count)); }
-    Node* real(int entry) {
-        return entry < 0 ? nullptr : &m_real[static_cast<std::size_t>(entry)];
-    }
+    Node* real(int entry) { return entry < 0 ? nullptr : &m_real[static_cast<std::size_t>(entry)]; }
 
     bool is_same(int entry) {
         const Record& record = m_walked.at(entry);

@@ -1,0 +1,52 @@
+// The drivers of a menu file with the parameters that live at them, behind a cache. docs/menu-file.md describes "drivers" and
+// "source".
+#ifndef FRONTPANEL_DRIVERS_DRIVEN_DEVICE_H
+#define FRONTPANEL_DRIVERS_DRIVEN_DEVICE_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <frontpanel_base/json_value.h>
+#include <frontpanel_drivers/device_cache.h>
+#include <frontpanel_drivers/driver.h>
+
+namespace frontpanel {
+
+using Driver_table = std::vector<const Driver_row*>;
+
+// Whether a parameter of the file lives at a driver.
+bool has_source(const Json_value& parameter);
+// Whether any does.
+bool has_sources(const Json_value& file);
+
+class Driven_device {
+public:
+    static constexpr std::size_t MOST_DRIVERS = 32;
+    static constexpr std::size_t MOST_PARAMETERS = 100000;
+
+    // Reads the member "device" of `file`. What is wrong with its drivers and sources becomes one of `problems`, and work
+    // goes on behind it; a device with problems is not meant to be started. `folder` is that of the file; `others` has
+    // the parameters without a source, and outlives the device.
+    Driven_device(const Json_value& file, Problems& problems, const Driver_table& drivers,
+                  const std::string& folder, Data_interface& others,
+                  Device_cache_settings settings = {});
+    Driven_device(const Driven_device&) = delete;
+    Driven_device& operator=(const Driven_device&) = delete;
+
+    // What the menu is loaded over. The drivers work once its `start` was called.
+    Device_cache& cache() { return m_cache; }
+    // Has every driver warn of what is valid but probably a mistake. Requires: the cache has not been started.
+    void check(Problems& problems) const;
+
+private:
+    class Reader;
+
+    Device_cache m_cache;
+    std::vector<const Driver*> m_drivers;  // the cache's own
+};
+
+}  // namespace frontpanel
+
+#endif

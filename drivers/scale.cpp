@@ -1,0 +1,171 @@
+#include <frontpanel_drivers/scale.h>
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+#include <frontpanel_base/numbers.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr std::size_t MOST_DIGITS = 18;
+constexpr std::uint64_t LOWER_HALF = 0xFFFFFFFFU;
+constexpr unsigned HALF_BITS = 32;
+constexpr unsigned BITS = 64;
+constexpr std::uint64_t TEN = 10;
+
+// A product of two numbers. No type of every device is as wide.
+struct Wide {
+    std::uint64_t high = 0;
+    std::uint64_t low = 0;
+};
+
+Wide product(std::uint64_t left, std::uint64_t right) {
+    const std::uint64_t low = (left & LOWER_HALF) * (right & LOWER_HALF);
+    const std::uint64_t cross = (left >> HALF_BITS) * (right & LOWER_HALF) + (low >> HALF_BITS);
+    const std::uint64_t other = (left & LOWER_HALF) * (right >> HALF_BITS) + (cross & LOWER_HALF);
+    return {(left >> HALF_BITS) * (right >> HALF_BITS) + (cross >> HALF_BITS) +
+                (other >> HALF_BITS),
+            (other << HALF_BITS) | (low & LOWER_HALF)};
+}
+
+// Rounded to the nearest, halves up. Nothing when it has more than 64 bits. `divisor` is below 2^63.
+std::optional<std::uint64_t> quotient(const Wide& dividend, std::uint64_t divisor) {
+    if (dividend.high >= divisor) {
+        return std::nullopt;
+    }
+    std::uint64_t rest = dividend.high;
+    std::uint64_t result = 0;
+    for (unsigned bit = BITS; bit-- > 0;) {
+        rest = (rest << 1U) | ((dividend.low >> bit) & 1U);
+        result <<= 1U;
+        if (rest >= divisor) {
+            rest -= divisor;
+            result |= 1U;
+        }
+    }
+    if (rest < divisor - rest) {
+        return result;
+    }
+    return result == std::numeric_limits<std::uint64_t>::max() ? std::nullopt
+                                                               : std::optional(result + 1);
+}
+
+bool are_digits(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+std::string_view without_leading_zeros(std::string_view digits) {
+    return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+}
+
+std::uint64_t number_of(std::string_view digits) {
+    return parse_number<std::uint64_t>(digits).value_or(0);
+}
+
+}  // namespace
+
+Scale::Scale(std::int64_t numerator, std::int64_t denominator) {
+    const std::int64_t common = std::gcd(numerator, denominator);
+    m_numerator = static_cast<std::uint64_t>(numerator / common);
+    m_denominator = static_cast<std::uint64_t>(denominator / common);
+}
+
+Scale Scale::of(const Json_value& source) {
+    const auto value = source.find("scale");
+    if (!value) {
+        return {};
+    }
+    if (!value->is_text()) {
+        return {value->integer(1, LARGEST), 1};
+    }
+    const std::string text = value->text();
+    const std::size_t slash = std::min(text.find('/'), text.size());
+    const auto numerator = parse_number<std::int64_t>(text.substr(0, slash), 1, LARGEST);
+    const auto denominator =
+        slash == text.size() ? 1 : parse_number<std::int64_t>(text.substr(slash + 1), 1, LARGEST);
+    if (!numerator || !denominator) {
+        value->fail("expected a scale such as \"1/1000\" or \"100\", found \"" + text + "\"");
+    }
+    return {*numerator, *denominator};
+}
+
+Scaled_number Scale::scaled(bool is_negative, std::uint64_t digits, std::uint64_t divisor) const {
+    constexpr std::uint64_t LARGEST_DIVISOR = std::numeric_limits<std::int64_t>::max();
+    const std::uint64_t common = std::gcd(digits, divisor);
+    if (common > 1) {
+        digits /= common;
+        divisor /= common;
+    }
+    if (divisor > LARGEST_DIVISOR / m_denominator) {
+        return "the number has too many decimals for its scale";
+    }
+    const std::optional<std::uint64_t> magnitude =
+        quotient(product(digits, m_numerator), divisor * m_denominator);
+    constexpr std::int64_t LOWEST = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int64_t HIGHEST = std::numeric_limits<std::int32_t>::max();
+    if (!magnitude || *magnitude > static_cast<std::uint64_t>(is_negative ? -LOWEST : HIGHEST)) {
+        return "the number does not fit 32 bits";
+    }
+    const auto number = static_cast<std::int64_t>(*magnitude);
+    return static_cast<std::int32_t>(is_negative ? -number : number);
+}
+
+Scaled_number Scale::from_device(std::int64_t number) const {
+    const auto bits = static_cast<std::uint64_t>(number);
+    return scaled(number < 0, number < 0 ? 0 - bits : bits, 1);
+}
+
+Scaled_number Scale::from_device(std::string_view decimal) const {
+    const bool is_negative = !decimal.empty() && decimal.front() == '-';
+    const bool has_sign = is_negative || (!decimal.empty() && decimal.front() == '+');
+    const std::string_view unsigned_part = decimal.substr(has_sign ? 1 : 0);
+    const std::size_t point = std::min(unsigned_part.find('.'), unsigned_part.size());
+    const std::string_view whole = unsigned_part.substr(0, point);
+    std::string_view fraction = unsigned_part.substr(std::min(point + 1, unsigned_part.size()));
+    if (!are_digits(whole) || !are_digits(fraction) || (whole.empty() && fraction.empty())) {
+        return "not a number";
+    }
+    fraction = fraction.substr(0, fraction.find_last_not_of('0') + 1);
+    const std::string digits(
+        without_leading_zeros(std::string(whole).append(fraction.data(), fraction.size())));
+    if (digits.size() > MOST_DIGITS || fraction.size() > MOST_DIGITS) {
+        return "the number has too many digits";
+    }
+    std::uint64_t divisor = 1;
+    for (std::size_t i = 0; i < fraction.size(); ++i) {
+        divisor *= TEN;
+    }
+    return scaled(is_negative, number_of(digits), divisor);
+}
+
+std::string Scale::to_decimal(std::int32_t number) const {
+    const std::uint64_t magnitude =
+        static_cast<std::uint64_t>(number < 0 ? -std::int64_t{number} : std::int64_t{number}) *
+        m_denominator;
+    std::uint64_t billionth = 1;
+    for (int i = 0; i < MOST_DECIMALS; ++i) {
+        billionth *= TEN;
+    }
+    std::uint64_t whole = magnitude / m_numerator;
+    const std::uint64_t rest = magnitude % m_numerator;
+    std::uint64_t decimals = (rest * billionth * 2 + m_numerator) / (2 * m_numerator);
+    whole += decimals / billionth;
+    decimals %= billionth;
+    std::string text = std::to_string(whole);
+    if (decimals > 0) {
+        const std::string shown = std::to_string(billionth + decimals).substr(1);
+        text += "." + shown.substr(0, shown.find_last_not_of('0') + 1);
+    }
+    return number < 0 && text != "0" ? "-" + text : text;
+}
+
+std::int64_t Scale::to_whole(std::int32_t number) const {
+    const std::int64_t magnitude = number < 0 ? -std::int64_t{number} : std::int64_t{number};
+    const std::uint64_t product = static_cast<std::uint64_t>(magnitude) * m_denominator;
+    const auto whole = static_cast<std::int64_t>((2 * product + m_numerator) / (2 * m_numerator));
+    return number < 0 ? -whole : whole;
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,156 @@
+// What a menu file's drivers and sources become.
+#include <frontpanel_drivers/driven_device.h>
+
+#include <frontpanel_base/json_members.h>
+
+#include "unit/drivers/cache_fixture.h"
+
+namespace support {
+namespace {
+
+using namespace frontpanel;
+
+// What the drivers of a test were created with and given.
+struct Record {
+    std::vector<std::string> lines;
+    std::shared_ptr<Scripted_device> device = std::make_shared<Scripted_device>();
+};
+Record* record = nullptr;
+
+class Noting_driver : public Scripted_driver {
+public:
+    explicit Noting_driver(const Driver_setup& setup)
+        : Scripted_driver(record->device), m_name(setup.name) {}
+
+    void add(const Json_value& source, const Driver_parameter& parameter) override {
+        record->lines.push_back(m_name + ": " + parameter.name + " " +
+                                std::to_string(parameter.varidx) + " " +
+                                (parameter.is_text ? "text " + std::to_string(parameter.length)
+                                                   : std::to_string(parameter.min) + ".." +
+                                                         std::to_string(parameter.max)) +
+                                " at " + source.member("place").text());
+        m_place = source.place();
+    }
+    void check(Problems& problems) const override { problems.warn(m_place, "looked over"); }
+
+private:
+    std::string m_name;
+    Place m_place{};
+};
+
+std::unique_ptr<Driver> create(const Json_value& options, const Driver_setup& setup) {
+    record->lines.push_back("create " + setup.name + " in " + setup.folder + " for " +
+                            text_or(options, "where", "nothing"));
+    return std::make_unique<Noting_driver>(setup);
+}
+
+const Driver_row NOTING{"noting", {"where"}, {"place"}, create};
+const Driver_row OTHER{"other", {}, {"place"}, create};
+
+class Driven_device_test : public testing::Test {
+protected:
+    Driven_device_test() { record = &m_record; }
+
+    void load(const std::string& drivers, const std::string& parameters) {
+        m_text = R"({"device": {"drivers": )" + drivers + R"(, "parameters": [)" + parameters + "]}}";
+        m_document.emplace(m_source, m_text);
+        Device_cache_settings settings;
+        settings.has_threads = false;
+        m_device.emplace(Json_value(m_document->root(), m_problems), m_problems,
+                         Driver_table{&NOTING, &OTHER}, "menus", m_others, settings);
+    }
+    // The errors and warnings without their places.
+    Lines problems() const {
+        Lines lines = m_problems.errors();
+        const Lines warnings = m_problems.warnings();
+        lines.insert(lines.end(), warnings.begin(), warnings.end());
+        for (std::string& line : lines) {
+            line = line.substr(line.find(": ") + 2);
+        }
+        return lines;
+    }
+
+    Record m_record;
+    Source m_source{"menu.json", 0};
+    std::string m_text;
+    Problems m_problems;
+    std::optional<Json_document> m_document;
+    Fake_device m_others;
+    std::optional<Driven_device> m_device;
+};
+
+constexpr const char* ONE = R"({"plc": {"driver": "noting", "where": "here", "poll": "2s"}})";
+
+TEST_F(Driven_device_test, ParametersAreGivenToTheirDriverWithTheirDeclaration) {
+    load(ONE, R"(
+        {"name": "gain", "pid": 5, "type": "integer", "min": -3, "max": 9, "source": {"place": "a"}},
+        {"pid": 6, "index": [1, 2], "type": "text", "length": 8, "source": {"driver": "plc", "place": "b"}},
+        {"pid": 7, "type": "integer", "min": 0, "max": 1, "value": 0})");
+    EXPECT_EQ(problems(), Lines{});
+    EXPECT_EQ(m_record.lines, (Lines{"create plc in menus for here", "plc: gain 0 -3..9 at a",
+                                     "plc: 6.1.2 513 text 8 at b"}));
+    EXPECT_TRUE(m_device->cache().has(5, 0));
+    EXPECT_TRUE(m_device->cache().has(6, 513));
+    EXPECT_FALSE(m_device->cache().has(7, 0));
+}
+
+TEST_F(Driven_device_test, AParameterMayBePolledMoreOftenThanItsDriver) {
+    load(ONE, R"(
+        {"pid": 0, "type": "integer", "min": 0, "max": 9, "source": {"place": "a"}},
+        {"pid": 1, "type": "integer", "min": 0, "max": 9, "source": {"place": "b", "poll": "100ms"}})");
+    ASSERT_EQ(problems(), Lines{});
+    m_record.device->hold(0, 1);
+    m_record.device->hold(1, 1);
+    m_device->cache().start();
+    m_device->cache().read_all(0ms);
+    m_device->cache().step();
+    EXPECT_EQ(number_of(m_device->cache(), 1), 1);
+}
+
+TEST_F(Driven_device_test, MistakesAreReportedAllAtOnceWithTheNearestName) {
+    load(R"({"plc": {"driver": "notting"}, "b": {"driver": "other", "where": "x", "pol": "1s"},
+             "c": {"driver": "other", "poll": "1"}, "": {"driver": "other"}})",
+         R"({"pid": 1, "type": "integer", "min": 0, "max": 1, "source": {"driver": "plc", "place": "a"}},
+            {"pid": 2, "type": "integer", "min": 0, "max": 1, "source": {"driver": "plk", "place": "a"}},
+            {"pid": 3, "type": "integer", "min": 0, "max": 1, "source": {"place": "a"}},
+            {"pid": 4, "type": "integer", "min": 0, "max": 1, "source": {"driver": "b", "plaice": "a"}},
+            {"pid": 5, "type": "integer", "min": 0, "max": 1, "source": "b"})");
+    EXPECT_EQ(problems(),
+              (Lines{"expected \"noting\" or \"other\", found \"notting\"; did you mean \"noting\"?",
+                     "unknown member \"where\"", "unknown member \"pol\"; did you mean \"poll\"?",
+                     "expected a time such as \"500ms\", \"2s\", \"5min\" or \"1h\", found \"1\"",
+                     "expected a name of 1 to 32 characters",
+                     "no driver is named \"plk\"; did you mean \"plc\"?",
+                     "expected a member \"driver\"",
+                     "expected a member \"place\"",
+                     "unknown member \"plaice\"; did you mean \"place\"?", "expected an object, found a text"}));
+}
+
+TEST_F(Driven_device_test, ADriverThatNothingLivesAtIsProbablyAMistake) {
+    load(ONE, R"({"pid": 7, "type": "integer", "min": 0, "max": 1, "value": 0})");
+    EXPECT_EQ(problems(), Lines{"warning: no parameter lives at \"plc\""});
+}
+
+TEST_F(Driven_device_test, TheDriversWarnOnlyWhenTheyAreAsked) {
+    load(ONE, R"({"pid": 5, "type": "integer", "min": 0, "max": 9, "source": {"place": "a"}})");
+    EXPECT_EQ(problems(), Lines{});
+    m_device->check(m_problems);
+    EXPECT_EQ(problems(), Lines{"warning: looked over"});
+}
+
+TEST_F(Driven_device_test, AFileIsAskedWhetherAnyParameterHasASource) {
+    const auto has = [](const std::string& text) {
+        const Source source{"menu.json", 0};
+        const Json_document document(source, text);
+        Problems problems;
+        return has_sources(Json_value(document.root(), problems));
+    };
+    EXPECT_TRUE(has(R"({"device": {"parameters": [{}, {"source": {}}]}})"));
+    EXPECT_FALSE(has(R"({"device": {"parameters": [{}]}})"));
+    EXPECT_FALSE(has(R"({"device": {"parameters": 7}})"));
+    EXPECT_FALSE(has(R"({"device": 7})"));
+    EXPECT_FALSE(has("7"));
+}
+
+}  // namespace
+}  // namespace support
