@@ -138,9 +138,8 @@ private:
         }
         const Driver_row& row = *m_table[kind.choice(kinds())];
         options.expect_members(with_common_members(row.members));
-        const milliseconds poll =
-            duration_or(options, POLL, Device_cache::SHORTEST_POLL, Device_cache::LONGEST_POLL,
-                        Device_cache::USUAL_POLL);
+        const milliseconds poll = duration_or(options, POLL, Device_cache::SHORTEST_POLL,
+                                              Device_cache::LONGEST_POLL, Device_cache::USUAL_POLL);
         std::unique_ptr<Driver> driver = row.create(options, {member.name, m_folder});
         instance.driver = driver.get();
         m_device.m_drivers.push_back(driver.get());
@@ -213,8 +212,7 @@ Driven_device::Driven_device(const Json_value& file, Problems& problems,
                              const Driver_table& drivers, const std::string& folder,
                              Data_interface& others, Device_cache_settings settings)
     : m_cache(others, std::move(settings)) {
-    problems.attempt(
-        [&] { Reader(*this, problems, drivers, folder).read(file.member("device")); });
+    problems.attempt([&] { Reader(*this, problems, drivers, folder).read(file.member("device")); });
 }
 
 void Driven_device::check(Problems& problems) const {

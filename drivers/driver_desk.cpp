@@ -485,7 +485,7 @@ void Driver_desk::finish_write(Record& record, std::size_t number, const Driver_
             record.is_known = true;
             record.taken = time;
             record.connection = m_connection;
-            record.failure.clear();
+            end_failure(record);
         } else if (result.kind == Driver_result::TIMED_OUT) {
             record.is_known = false;
             record.failure = reason;
@@ -555,6 +555,13 @@ void Driver_desk::finish_read(const std::vector<std::size_t>& numbers,
     }
 }
 
+void Driver_desk::end_failure(Record& record) {
+    if (!record.failure.empty()) {
+        record.failure.clear();
+        tell(Driver_event::READ_AGAIN, &record, "");
+    }
+}
+
 void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool is_pushed) {
     if (number >= m_records.size()) {
         return;
@@ -573,9 +580,7 @@ void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool
         record.taken = time;
         record.connection = m_connection;
         record.next_read = time + record.poll;
-        if (!std::exchange(record.failure, "").empty()) {
-            tell(Driver_event::READ_AGAIN, &record, "");
-        }
+        end_failure(record);
     });
 }
 

@@ -127,6 +127,7 @@ private:
     std::vector<std::size_t> due_numbers(Time time);
     void finish_read(const std::vector<std::size_t>& numbers, const Driver_result& result);
     Milliseconds time_left(Time time) const;
+    void end_failure(Record& record);
     void receive(std::size_t number, const Parameter_value& value, bool is_pushed);
     void receive_failure(std::size_t number, const std::string& failure, bool is_pushed);
     template <typename Call>

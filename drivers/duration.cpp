@@ -31,8 +31,8 @@ std::string text_of(milliseconds span) {
 
 std::optional<milliseconds> parse(const std::string& text) {
     const std::size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
-    const auto number =
-        parse_number<std::int64_t>(text.substr(0, end), 0, std::numeric_limits<std::int32_t>::max());
+    const auto number = parse_number<std::int64_t>(text.substr(0, end), 0,
+                                                   std::numeric_limits<std::int32_t>::max());
     for (const Unit& unit : UNITS) {
         if (number && text.substr(end) == unit.name) {
             return milliseconds(*number * unit.span);
@@ -47,8 +47,8 @@ milliseconds duration_of(const Json_value& value, milliseconds shortest, millise
     const std::string text = value.text();
     const std::optional<milliseconds> span = parse(text);
     if (!span) {
-        value.fail("expected a time such as \"500ms\", \"2s\", \"5min\" or \"1h\", found \"" + text +
-                   "\"");
+        value.fail("expected a time such as \"500ms\", \"2s\", \"5min\" or \"1h\", found \"" +
+                   text + "\"");
     }
     if (*span < shortest || *span > longest) {
         value.fail("expected a time from " + text_of(shortest) + " to " + text_of(longest) +

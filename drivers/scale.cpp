@@ -25,9 +25,9 @@ Wide product(std::uint64_t left, std::uint64_t right) {
     const std::uint64_t low = (left & LOWER_HALF) * (right & LOWER_HALF);
     const std::uint64_t cross = (left >> HALF_BITS) * (right & LOWER_HALF) + (low >> HALF_BITS);
     const std::uint64_t other = (left & LOWER_HALF) * (right >> HALF_BITS) + (cross & LOWER_HALF);
-    return {(left >> HALF_BITS) * (right >> HALF_BITS) + (cross >> HALF_BITS) +
-                (other >> HALF_BITS),
-            (other << HALF_BITS) | (low & LOWER_HALF)};
+    return {
+        (left >> HALF_BITS) * (right >> HALF_BITS) + (cross >> HALF_BITS) + (other >> HALF_BITS),
+        (other << HALF_BITS) | (low & LOWER_HALF)};
 }
 
 // Rounded to the nearest, halves up. Nothing when it has more than 64 bits. `divisor` is below 2^63.

@@ -23,12 +23,12 @@ public:
         : Scripted_driver(record->device), m_name(setup.name) {}
 
     void add(const Json_value& source, const Driver_parameter& parameter) override {
-        record->lines.push_back(m_name + ": " + parameter.name + " " +
-                                std::to_string(parameter.varidx) + " " +
-                                (parameter.is_text ? "text " + std::to_string(parameter.length)
-                                                   : std::to_string(parameter.min) + ".." +
-                                                         std::to_string(parameter.max)) +
-                                " at " + source.member("place").text());
+        record->lines.push_back(
+            m_name + ": " + parameter.name + " " + std::to_string(parameter.varidx) + " " +
+            (parameter.is_text
+                 ? "text " + std::to_string(parameter.length)
+                 : std::to_string(parameter.min) + ".." + std::to_string(parameter.max)) +
+            " at " + source.member("place").text());
         m_place = source.place();
     }
     void check(Problems& problems) const override { problems.warn(m_place, "looked over"); }
@@ -52,7 +52,8 @@ protected:
     Driven_device_test() { record = &m_record; }
 
     void load(const std::string& drivers, const std::string& parameters) {
-        m_text = R"({"device": {"drivers": )" + drivers + R"(, "parameters": [)" + parameters + "]}}";
+        m_text =
+            R"({"device": {"drivers": )" + drivers + R"(, "parameters": [)" + parameters + "]}}";
         m_document.emplace(m_source, m_text);
         Device_cache_settings settings;
         settings.has_threads = false;
@@ -108,22 +109,23 @@ TEST_F(Driven_device_test, AParameterMayBePolledMoreOftenThanItsDriver) {
 }
 
 TEST_F(Driven_device_test, MistakesAreReportedAllAtOnceWithTheNearestName) {
-    load(R"({"plc": {"driver": "notting"}, "b": {"driver": "other", "where": "x", "pol": "1s"},
+    load(
+        R"({"plc": {"driver": "notting"}, "b": {"driver": "other", "where": "x", "pol": "1s"},
              "c": {"driver": "other", "poll": "1"}, "": {"driver": "other"}})",
-         R"({"pid": 1, "type": "integer", "min": 0, "max": 1, "source": {"driver": "plc", "place": "a"}},
+        R"({"pid": 1, "type": "integer", "min": 0, "max": 1, "source": {"driver": "plc", "place": "a"}},
             {"pid": 2, "type": "integer", "min": 0, "max": 1, "source": {"driver": "plk", "place": "a"}},
             {"pid": 3, "type": "integer", "min": 0, "max": 1, "source": {"place": "a"}},
             {"pid": 4, "type": "integer", "min": 0, "max": 1, "source": {"driver": "b", "plaice": "a"}},
             {"pid": 5, "type": "integer", "min": 0, "max": 1, "source": "b"})");
-    EXPECT_EQ(problems(),
-              (Lines{"expected \"noting\" or \"other\", found \"notting\"; did you mean \"noting\"?",
-                     "unknown member \"where\"", "unknown member \"pol\"; did you mean \"poll\"?",
-                     "expected a time such as \"500ms\", \"2s\", \"5min\" or \"1h\", found \"1\"",
-                     "expected a name of 1 to 32 characters",
-                     "no driver is named \"plk\"; did you mean \"plc\"?",
-                     "expected a member \"driver\"",
-                     "expected a member \"place\"",
-                     "unknown member \"plaice\"; did you mean \"place\"?", "expected an object, found a text"}));
+    EXPECT_EQ(
+        problems(),
+        (Lines{"expected \"noting\" or \"other\", found \"notting\"; did you mean \"noting\"?",
+               "unknown member \"where\"", "unknown member \"pol\"; did you mean \"poll\"?",
+               "expected a time such as \"500ms\", \"2s\", \"5min\" or \"1h\", found \"1\"",
+               "expected a name of 1 to 32 characters",
+               "no driver is named \"plk\"; did you mean \"plc\"?", "expected a member \"driver\"",
+               "expected a member \"place\"", "unknown member \"plaice\"; did you mean \"place\"?",
+               "expected an object, found a text"}));
 }
 
 TEST_F(Driven_device_test, ADriverThatNothingLivesAtIsProbablyAMistake) {

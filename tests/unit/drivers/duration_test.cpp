@@ -31,9 +31,10 @@ TEST(Duration, IsANumberWithAUnit) {
 TEST(Duration, OfAnotherFormIsRefused) {
     for (const char* const text : {"", "2", "s", "2 s", "2m", "1.5s", "-1s", "99999999999s"}) {
         SCOPED_TRACE(text);
-        EXPECT_EQ(read(text), "menu.json:1:10: expected a time such as \"500ms\", \"2s\", \"5min\" or "
-                              "\"1h\", found \"" +
-                                  std::string(text) + "\"");
+        EXPECT_EQ(read(text),
+                  "menu.json:1:10: expected a time such as \"500ms\", \"2s\", \"5min\" or "
+                  "\"1h\", found \"" +
+                      std::string(text) + "\"");
     }
 }
 

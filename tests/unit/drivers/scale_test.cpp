@@ -119,8 +119,8 @@ TEST(Scale, IsAFractionAWholeNumberOrMissing) {
     EXPECT_EQ(read(R"({"scale": "2"})"), "6000");
     EXPECT_EQ(read(R"({"scale": 2})"), "6000");
     EXPECT_EQ(read("{}"), "3000");
-    for (const char* const text : {"", "0", "1/0", "-1", "1/", "/2", "0.001", "1/2/3", "1 / 2",
-                                   "1000000001"}) {
+    for (const char* const text :
+         {"", "0", "1/0", "-1", "1/", "/2", "0.001", "1/2/3", "1 / 2", "1000000001"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(read(R"({"scale": ")" + std::string(text) + R"("})"),
                   "menu.json:1:11: expected a scale such as \"1/1000\" or \"100\", found \"" +

@@ -1,0 +1,34 @@
+// Reads small files, each once: several parameters may be words of one file, or stand beside one name.
+//
+// Nothing waits for a writer: a pipe without one is empty.
+#ifndef FRONTPANEL_DRIVER_FILE_FILE_READER_H
+#define FRONTPANEL_DRIVER_FILE_FILE_READER_H
+
+#include <cstddef>
+#include <map>
+#include <string>
+
+namespace frontpanel {
+
+class File_reader {
+public:
+    static constexpr std::size_t LARGEST = std::size_t{64} * 1024;  // what follows is not read
+
+    struct Content {
+        std::string text;
+        std::string failure;  // empty: none
+    };
+
+    // Valid as long as the reader.
+    const Content& read(const std::string& path);
+
+private:
+    std::map<std::string, Content> m_contents;
+};
+
+// Replaces what the file holds, in one call. Why that failed; empty when it did not. The file is not created.
+std::string write_file(const std::string& path, const std::string& text);
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,165 @@
+#include "path_pattern.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include <frontpanel_base/numbers.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr std::size_t MOST_SCANNED = 10000;  // files of a folder
+constexpr int LARGEST_NUMBER = 999999999;
+
+std::vector<std::string> parts_of(const std::string& given) {
+    const std::string path = given.front() == '/' ? given : "./" + given;
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', begin)) {
+        parts.push_back(path.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    parts.push_back(path.substr(begin));
+    return parts;
+}
+
+std::string joined(const std::vector<std::string>& parts, std::size_t count) {
+    std::string path;
+    for (std::size_t i = 0; i < count; ++i) {
+        path += (i == 0 ? "" : "/") + parts[i];
+    }
+    return path;
+}
+
+std::string trimmed(const std::string& text) {
+    const std::size_t end = text.find_last_not_of(" \t\r\n");
+    return text.substr(0, end == std::string::npos ? 0 : end + 1);
+}
+
+// The number that stands for the star.
+std::optional<int> number_in(const std::string& name, const std::string& pattern) {
+    const std::size_t star = pattern.find('*');
+    const std::string before = pattern.substr(0, star);
+    const std::string behind = pattern.substr(star + 1);
+    if (name.size() <= before.size() + behind.size() ||
+        name.compare(0, before.size(), before) != 0 ||
+        name.compare(name.size() - behind.size(), behind.size(), behind) != 0) {
+        return std::nullopt;
+    }
+    return parse_number(
+        name.substr(before.size(), name.size() - before.size() - behind.size()), 0,
+        LARGEST_NUMBER);
+}
+
+// The names in a folder that a part with a star stands for, by their numbers.
+std::vector<std::string> names_like(const std::string& folder, const std::string& pattern) {
+    std::vector<std::pair<int, std::string>> found;
+    const std::unique_ptr<DIR, int (*)(DIR*)> open_folder(
+        opendir(folder.empty() ? "." : folder.c_str()), closedir);
+    for (std::size_t scanned = 0; open_folder != nullptr && scanned < MOST_SCANNED; ++scanned) {
+        const dirent* const entry = readdir(open_folder.get());
+        if (entry == nullptr) {
+            break;
+        }
+        if (const auto number = number_in(entry->d_name, pattern)) {
+            found.emplace_back(*number, entry->d_name);
+        }
+    }
+    std::sort(found.begin(), found.end());
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < std::min(found.size(), Path_pattern::MOST_FOUND); ++i) {
+        names.push_back(found[i].second);
+    }
+    return names;
+}
+
+}  // namespace
+
+std::string Path_pattern::mistake_in(const std::string& path) {
+    if (path.empty() || path.size() > LONGEST) {
+        return "expected a path of 1 to " + std::to_string(LONGEST) + " characters";
+    }
+    const std::vector<std::string> parts = parts_of(path);
+    const auto has_two = [](const std::string& part) {
+        return std::count(part.begin(), part.end(), '*') > 1;
+    };
+    if (std::any_of(parts.begin(), parts.end(), has_two) ||
+        static_cast<std::size_t>(std::count(path.begin(), path.end(), '*')) > MOST_STARS) {
+        return "expected at most one \"*\" between two slashes, and " +
+               std::to_string(MOST_STARS) + " in all";
+    }
+    return parts.back().empty() ? "expected the path of a file, found that of a folder" : "";
+}
+
+Path_pattern::Path_pattern(const std::string& path, std::string name, std::string name_file)
+    : m_parts(parts_of(path)),
+      m_last_star(m_parts.size() - 2),
+      m_has_star(false),
+      m_name(std::move(name)),
+      m_name_file(std::move(name_file)) {
+    for (std::size_t i = 0; i < m_parts.size(); ++i) {
+        if (m_parts[i].find('*') != std::string::npos) {
+            m_last_star = std::min(i, m_parts.size() - 2);
+            m_has_star = true;
+        }
+    }
+}
+
+bool Path_pattern::has_name(const std::string& path, File_reader& reader) const {
+    if (m_name.empty()) {
+        return access(path.c_str(), F_OK) == 0;
+    }
+    const std::string folder = joined(parts_of(path), m_last_star + 1);
+    return trimmed(reader.read(folder + "/" + m_name_file).text) == m_name;
+}
+
+std::vector<std::string> Path_pattern::expand() const {
+    std::vector<std::string> paths{m_parts[0]};
+    for (std::size_t i = 1; i < m_parts.size(); ++i) {
+        std::vector<std::string> longer;
+        for (const std::string& path : paths) {
+            if (m_parts[i].find('*') == std::string::npos) {
+                longer.push_back(path + "/" + m_parts[i]);
+                continue;
+            }
+            for (const std::string& name : names_like(path + "/", m_parts[i])) {
+                longer.push_back(path + "/" + name);
+            }
+        }
+        longer.resize(std::min(longer.size(), MOST_FOUND));
+        paths = std::move(longer);
+    }
+    return paths;
+}
+
+Path_pattern::Found Path_pattern::find(File_reader& reader) {
+    if (!m_has_star && m_name.empty()) {
+        return {joined(m_parts, m_parts.size()), ""};
+    }
+    if (!m_known.empty() && has_name(m_known, reader)) {
+        return {m_known, ""};
+    }
+    m_known.clear();
+    std::vector<std::string> found;
+    for (std::string& path : expand()) {
+        if (has_name(path, reader)) {
+            found.push_back(std::move(path));
+        }
+    }
+    if (found.size() == 1) {
+        m_known = found.front();
+        return {m_known, ""};
+    }
+    if (!found.empty()) {
+        return {"", std::to_string(found.size()) + " files match" +
+                        (m_name.empty() ? ": \"name\" selects one" : "")};
+    }
+    return {"", m_name.empty() ? "no file matches" : "nothing is named \"" + m_name + "\""};
+}
+
+}  // namespace frontpanel
