@@ -15,6 +15,8 @@ void Driver::check(Problems& /*problems*/) const {}
 
 void Driver::disconnect() {}
 
+void Driver::stop() {}
+
 bool Driver::pushes(std::size_t /*number*/) const {
     return false;
 }

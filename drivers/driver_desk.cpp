@@ -253,9 +253,12 @@ void Driver_desk::watch() {
 }
 
 void Driver_desk::stop() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_is_stopping = true;
-    wake();
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_is_stopping = true;
+        wake();
+    }
+    m_driver->stop();
 }
 
 bool Driver_desk::wait_for_end(Time end) {

@@ -78,6 +78,10 @@ public:
         locked([&] { m_hangs = false; });
         m_changed.notify_all();
     }
+    // A call that hangs returns when the driver is stopped.
+    void heed_stop() {
+        locked([&] { m_heeds_stop = true; });
+    }
 
     // ---- what the driver did
     std::vector<std::string> take_calls() {
@@ -134,6 +138,7 @@ private:
     std::string m_away;
     std::string m_thrown;
     bool m_hangs = false;
+    bool m_heeds_stop = false;
     int m_hanging = 0;
     bool m_gone = false;
     std::vector<std::string> m_calls;
@@ -161,6 +166,13 @@ public:
     void disconnect() override {
         std::unique_lock<std::mutex> lock(m_device->m_mutex);
         m_device->begin(lock, "disconnect");
+    }
+    void stop() override {
+        bool heeds = false;
+        m_device->locked([&] { heeds = m_device->m_heeds_stop; });
+        if (heeds) {
+            m_device->go_on();
+        }
     }
     bool pushes(std::size_t number) const override {
         const std::lock_guard<std::mutex> lock(m_device->m_mutex);

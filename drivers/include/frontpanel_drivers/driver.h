@@ -102,6 +102,12 @@ public:
     // as far as needed. `wake` is only polled, never read. DONE, or AWAY when the connection is gone. The base waits for
     // `wake` alone.
     virtual Driver_result wait(std::chrono::milliseconds most, int wake, Value_sink& sink);
+
+    // ---- on another thread
+
+    // The panel ends: the call that is under way, and every later one, returns soon, so that `disconnect` is reached.
+    // Called once, at any time, possibly during another call. The base does nothing.
+    virtual void stop();
 };
 
 // What a driver is created with.

@@ -78,6 +78,20 @@ TEST_F(Device_cache_threads_test, TheEndLeavesADriverBehindThatHangs) {
     m_device->wait_until_gone();  // the thread ends by itself, and frees what is its own
 }
 
+TEST_F(Device_cache_threads_test, TheEndCallsADriverBackThatCanBeStopped) {
+    Device_cache_settings settings;
+    settings.end_patience = 60s;
+    start(1, settings);
+    m_cache->read_all(10s);
+    m_device->heed_stop();
+    m_device->hang();
+    set_number(*m_cache, 0, 1);
+    m_device->wait_until_hanging();
+    m_device->take_calls();
+    m_cache.reset();
+    EXPECT_EQ(m_device->take_calls(), Lines{"disconnect"});
+}
+
 TEST_F(Device_cache_threads_test, AWriteThatHangsIsNamedAtTheEnd) {
     start();
     set_number(*m_cache, 0, 1);
