@@ -102,6 +102,12 @@ const std::vector<var_index_s>& Binding_registry::poll(std::size_t at_most) {
     return m_core->parameters.poll(at_most);
 }
 
+void Binding_registry::read_again(const Data_entry& entry) {
+    if (binding_engine::Engine* const engine = m_core->cascade.engine_of(&entry)) {
+        m_core->parameters.read_again(engine->parameters());
+    }
+}
+
 bool Binding_registry::has_unsettled() const {
     return !m_core->cascade.is_at_rest();
 }

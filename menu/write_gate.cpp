@@ -169,6 +169,12 @@ Write_gate::Verdict Write_gate::check(const std::vector<Wanted_value>& values,
             return verdict;
         }
     }
+    // The device may have changed while a person thought about a question.
+    for (const Wanted_value& wanted : values) {
+        for (const Data_entry* const entry : m_menu.items_of(wanted.variable)) {
+            m_menu.bindings()->read_again(*entry);
+        }
+    }
     const Proposed_values foreseen = m_menu.bindings()->foresee(proposed(values));
     for (const Wanted_value& wanted : values) {
         verdict.refusal = judge(wanted, foreseen, hidden, verdict.warnings);
@@ -345,6 +351,16 @@ std::optional<Write_gate::Outcome> Write_gate::write_all(const std::vector<Wante
     }
 }
 
+// As the device stands at this moment: it may have changed since the editor was drawn, or under a question.
+std::string Write_gate::present_misfit(Data_entry& entry, const return_s& value) const {
+    m_menu.bindings()->read_again(entry);
+    const Rule_verdict verdict = m_menu.bindings()->judge(entry, {}).value_or(Rule_verdict());
+    if (verdict.access == Data_entry::READ_ONLY) {
+        return READ_ONLY;
+    }
+    return verdict.is_visible.value_or(true) ? misfit(entry, value, verdict) : HIDDEN;
+}
+
 Write_gate::Outcome Write_gate::commit(Data_entry& entry) {
     Wanted_value wanted{{entry.Get_pid(), varidx_of(*entry.Get_index())}, held_by(entry)};
     const Refusal unjudged{entry.Get_name(), quoted_text(wanted.value), ""};
@@ -359,9 +375,7 @@ Write_gate::Outcome Write_gate::commit(Data_entry& entry) {
     if (parameter != nullptr) {
         std::string reason = limit_misfit(*parameter, wanted.value);
         if (reason.empty()) {
-            const Rule_verdict verdict =
-                m_menu.bindings()->judge(entry, {}).value_or(Rule_verdict());
-            reason = misfit(entry, wanted.value, verdict);
+            reason = present_misfit(entry, wanted.value);
         }
         if (!reason.empty()) {
             return refuse(std::move(reason));

@@ -163,7 +163,7 @@ Cached_parameter* Engine::find_own() {
     return m_control.var != Data_entry::PID_NONE ? &m_core.parameters.at(m_control) : nullptr;
 }
 
-// Everything that the rules read, and the entry's own parameter if they do.
+// The entry's own parameter, too, if they read it.
 std::vector<Cached_parameter*> Engine::parameters() const {
     std::vector<Cached_parameter*> all = m_read;
     if (m_reads_own && m_own != nullptr && std::find(all.begin(), all.end(), m_own) == all.end()) {

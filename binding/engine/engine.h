@@ -74,6 +74,8 @@ public:
     const std::vector<Rule_fault>& faults() const { return m_faults.faults(); }
     // Of a rule of one of the lists, among those of all lists.
     std::size_t number_of(const Bound_list& list, const binding_language::Rule& rule) const;
+    // Everything that the rules read, once each.
+    std::vector<Cached_parameter*> parameters() const;
     // All print under the diagnostic mask of bindings.
     void print_error(const std::string& error) const;
     void print_errors() const;
@@ -129,7 +131,6 @@ private:
     void note_kinds(const binding_language::Program& program);
     void attach();
     void detach();
-    std::vector<Cached_parameter*> parameters() const;
     Cached_parameter* find_own();
     std::string place_of(std::size_t rule) const;
 

@@ -231,6 +231,14 @@ const std::vector<var_index_s>& Parameter_cache::poll(std::size_t at_most) {
     return m_changed;
 }
 
+void Parameter_cache::read_again(const std::vector<Cached_parameter*>& parameters) {
+    begin_evaluation();
+    for (Cached_parameter* const parameter : parameters) {
+        parameter->read_in = m_evaluation;
+        read(*parameter);
+    }
+}
+
 void Parameter_cache::keep_read(uint32_t pid, uint32_t varidx, const void* buffer,
                                 std::size_t length) {
     const auto variable = m_variables.find(address(pid, varidx));

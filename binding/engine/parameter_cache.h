@@ -88,6 +88,8 @@ public:
     // Asks the device for parameters that somebody reads or watches, in turns. The keys of those that changed are
     // valid until the next poll.
     const std::vector<var_index_s>& poll(std::size_t at_most);
+    // Asks the device for these, whatever is known of them.
+    void read_again(const std::vector<Cached_parameter*>& parameters);
 
     // Reports of accesses by others. `length` is the size of the buffer for a read.
     void keep_read(uint32_t pid, uint32_t varidx, const void* buffer, std::size_t length);

@@ -174,6 +174,9 @@ public:
     // that changed, recovery after a failed read included; valid until the next call. What depends on them waits for
     // `settle`. With a limit, each call continues where the last one ended, so that a large menu costs no more.
     const std::vector<var_index_s>& poll(std::size_t at_most = SIZE_MAX);
+    // Reads from the device what the rules of an entry read: whoever judges a value at this moment has no time to wait
+    // for the next poll. What depends on it waits for `settle`.
+    void read_again(const Data_entry& entry);
     // Whether `settle` has something to do.
     bool has_unsettled() const;
     // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last

@@ -89,6 +89,7 @@ private:
     Judged judge(Data_entry& entry, const Wanted_value& wanted, const Proposed_values& foreseen,
                  Hidden_items hidden) const;
     std::string misfit(Data_entry& entry, const return_s& value, const Rule_verdict& verdict) const;
+    std::string present_misfit(Data_entry& entry, const return_s& value) const;
     std::string range_misfit(Range_entry& entry, int value, const Rule_verdict& verdict) const;
     bool is_held(const Wanted_value& wanted) const;
     Refusal refusal_of(const Wanted_value& wanted, std::string reason) const;

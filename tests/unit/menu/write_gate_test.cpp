@@ -257,5 +257,28 @@ TEST_F(Write_gate_test, AnEntriesValueIsCheckedBeforeItIsCommitted) {
     EXPECT_EQ(gate().commit(entry).refusal.reason, "read only");
 }
 
+// Without a poll or a refresh between.
+TEST_F(Write_gate_test, WhatTheDeviceHoldsAtThisMomentDecides) {
+    load(std::string(LEVEL_ITEM) + R"("binding": "access read-only if [mode] == 1;)"
+                                   R"( visible if [mode] != 2; range 0..[limit]"})");
+    Data_entry& entry = panel->item(0);
+    const int value = 40;
+    const auto reason_in = [&](int mode, int limit) {
+        entry.Set_value(&value, sizeof value);
+        panel->device().set_integer(1, 0, mode);
+        panel->device().set_integer(2, 0, limit);
+        const std::string reason = gate().commit(entry).refusal.reason;
+        EXPECT_EQ(refusal({number(3, value)}, Hidden::REFUSED),
+                  reason.empty() ? "" : "Level 40 dB: " + reason);
+        return reason;
+    };
+    EXPECT_EQ(reason_in(1, 50), "read only");
+    EXPECT_EQ(reason_in(2, 50), "not shown");
+    EXPECT_EQ(reason_in(0, 39), "allowed: 0 dB..39 dB");
+    EXPECT_EQ(write_count(), 0U);
+    EXPECT_EQ(reason_in(0, 40), "");
+    EXPECT_EQ(number_of(3), 40);
+}
+
 }  // namespace
 }  // namespace frontpanel
