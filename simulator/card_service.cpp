@@ -16,6 +16,8 @@
 #include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include <frontpanel_base/json_allocator.h>
@@ -59,21 +61,29 @@ std::string target_of(const char* verb, const char* time, const Document_key& ke
     return text;
 }
 
+// The number between the first `before` and the next `behind`.
+std::optional<int> number_between(std::string_view text, std::string_view before, char behind) {
+    const std::size_t found = text.find(before);
+    if (found == std::string_view::npos) {
+        return std::nullopt;
+    }
+    text.remove_prefix(found + before.size());
+    const std::size_t end = text.find(behind);
+    return end == std::string_view::npos ? std::nullopt : parse_number<int>(text.substr(0, end));
+}
+
 // The document that a request names. A card understands its requests to the letter, so what was read from
 // the target has to yield the same target again.
 std::optional<Document_key> key_of(const std::string& target, const char* verb, const char* time) {
-    int slot = 0;
-    int slot_again = 0;
-    int varid = 0;
-    char format = '\0';
-    const int read = std::sscanf(target.c_str(),
-                                 "/slot/%9d/htdocs/cgi-bin/cfgjson?%*3[A-Za-z]&slotid=%9d&%9d@%c;",
-                                 &slot, &slot_again, &varid, &format);
-    const Document_key key(slot, varid);
-    if (read != 4 || target != target_of(verb, time, key, format)) {
+    const auto slot = number_between(target, "/slot/", '/');
+    const auto varid =
+        slot ? number_between(target, "&slotid=" + std::to_string(*slot) + "&", '@') : std::nullopt;
+    const std::size_t format = target.find('@') + 1;
+    if (!varid || format == target.size()) {
         return std::nullopt;
     }
-    return key;
+    const Document_key key(*slot, *varid);
+    return target == target_of(verb, time, key, target[format]) ? std::optional(key) : std::nullopt;
 }
 
 using Json_buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, Json_allocator>;

@@ -263,6 +263,28 @@ TEST_F(Card_service_test, APostOfAForeignOriginSelectsNothing) {
     }
 }
 
+TEST_F(Card_service_test, ARequestIsUnderstoodToTheLetter) {
+    httplib::Client client("127.0.0.1", m_service.port());
+    client.set_url_encode(false);
+    const std::string begin = "/slot/3/htdocs/cgi-bin/cfgjson?Get&slotid=3&";
+    const std::string end = "@d;time&1480088766084";
+    ASSERT_EQ(client.Get(begin + "9071" + end)->status, 200);
+    EXPECT_EQ(client.Get(begin + "9071@s;time&1480088766084")->status, 200);
+    for (const std::string& target :
+         {std::string("/slot/"), std::string("/slot/3"), std::string("/slot/3/"),
+          std::string("/slot/3/htdocs/cgi-bin/cfgjson?Get&slotid=3&9071@"), begin, begin + "9071",
+          begin + "09071" + end, begin + "+9071" + end, begin + " 9071" + end, begin + "" + end,
+          begin + "9071x" + end, begin + "4294976367" + end, begin + "9071" + end + " ",
+          begin + "9071@dd;time&1480088766084", begin + "9071@d;time&1481650582406",
+          "/slot/03/htdocs/cgi-bin/cfgjson?Get&slotid=3&9071" + end,
+          "/slot/3/htdocs/cgi-bin/cfgjson?Get&slotid=4&9071" + end,
+          "/slot/3/htdocs/cgi-bin/cfgjson?Set&slotid=3&9071" + end,
+          "/slot/3/slot/3/htdocs/cgi-bin/cfgjson?Get&slotid=3&9071" + end}) {
+        const httplib::Result result = client.Get(target);
+        EXPECT_TRUE(result && result->status != 200) << target;
+    }
+}
+
 TEST_F(Card_service_test, AListenerIsToldOfEachOtherSelection) {
     int changes = 0;
     m_service.set_change_listener([&changes] { ++changes; });
