@@ -65,6 +65,8 @@ public:
     void tick();
     // From now on frames have this size.
     void set_size(Lcd_size size) { m_size = size; }
+    // The entry of the open editor; null while none is open.
+    const Data_entry* edited() const { return m_editing.is_open() ? &m_editing.entry() : nullptr; }
     // Draws the front as it stands. Long texts scroll by one character a call.
     Frame draw();
 

@@ -133,6 +133,7 @@ private:
                                        Key::BACK, Key::COARSER, Key::FINER,  Key::SHORTCUT};
         const Key key{KINDS[below(std::size(KINDS))], 1 + below(9)};
         m_may_commit = key.kind == Key::SELECT && m_frame.leds.edit;
+        m_edited = m_panel.controller().edited();
         m_panel.controller().press(key);
         return "key " + std::to_string(key.kind) + " " + std::to_string(key.button);
     }
@@ -197,7 +198,7 @@ private:
             ASSERT_TRUE(write.result == 0 || write.result == FAULT_RESULT)
                 << event << " wrote " << write.pid << " = " << write.value << ": "
                 << Memory_device::result_text(write.result);
-            const bool is_commit = m_may_commit && is_edited(m_panel.root(), write);
+            const bool is_commit = m_may_commit && is_edited(write);
             const bool is_demanded = !is_commit && is_demanded_by_a_rule(m_panel.root(), write);
             const bool is_bound =
                 is_demanded || (!is_commit && is_correction(m_panel.root(), write));
@@ -259,32 +260,12 @@ private:
         return false;
     }
 
-    // The title names the entry that is edited.
-    bool is_edited(Data_entry& root, const Memory_device::Write& write) const {
+    // The title names the entry that is edited, unless it goes round: "<" and ">" stand where it is cut.
+    bool is_edited(const Memory_device::Write& write) const {
         const std::string& title = m_frame.lcd.line(0);
-        return any_below(root, [&](const Data_entry& entry) {
-            return holds_parameter(entry, write) && shows_name(title, entry.Get_name());
-        });
-    }
-
-    // A title whose name goes round has "<" and ">" where it is cut.
-    static bool shows_name(const std::string& title, const std::string& name) {
-        const size_t left = title.find('<');
-        const size_t right = title.find('>');
-        const size_t begin = left == std::string::npos ? 0 : left + 1;
-        const std::string part =
-            title.substr(begin, right < begin ? std::string::npos : right - begin);
-        bool is_shown = title.find(name) != std::string::npos ||
-                        (right != std::string::npos && name.find(part) != std::string::npos);
-        for (size_t length = 1; length < name.size() && length <= part.size(); ++length) {
-            const bool ends_cut = right != std::string::npos &&
-                                  part.compare(part.size() - length, length, name, 0, length) == 0;
-            const bool begins_cut =
-                left != std::string::npos &&
-                part.compare(0, length, name, name.size() - length, length) == 0;
-            is_shown = is_shown || ends_cut || begins_cut;
-        }
-        return is_shown;
+        return m_edited != nullptr && holds_parameter(*m_edited, write) &&
+               (title.find(m_edited->Get_name()) != std::string::npos ||
+                title.find_first_of("<>") != std::string::npos);
     }
 
     // What the rules of an entry ask for as they stand after the event. The device answers meanwhile.
@@ -343,6 +324,7 @@ private:
     std::vector<Memory_device::Write> m_writes;
     Frame m_frame{Lcd(SIZE), Leds()};
     bool m_may_commit = false;
+    const Data_entry* m_edited = nullptr;  // before the key
     size_t m_commits = 0;
     bool m_may_fail = true;  // the device
     size_t m_bound_writes = 0;
