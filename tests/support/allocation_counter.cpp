@@ -1,17 +1,23 @@
 #include "support/allocation_counter.h"
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
 // Apart from the code that allocates, so that no compiler sees through a pair of new and delete.
 namespace {
 std::atomic<std::size_t> g_allocations{0};
+std::atomic<std::uint64_t> g_bytes{0};
 std::atomic<std::size_t> g_failing{0};  // the number of the call that fails
 }  // namespace
 
 std::size_t support::allocations() {
     return g_allocations;
+}
+
+std::uint64_t support::allocated_bytes() {
+    return g_bytes;
 }
 
 void support::fail_allocation(std::size_t number) {
@@ -22,6 +28,7 @@ void* operator new(std::size_t size) {
     if (++g_allocations == g_failing) {
         throw std::bad_alloc();
     }
+    g_bytes += size;
     if (void* memory = std::malloc(size == 0 ? 1 : size)) {
         return memory;
     }

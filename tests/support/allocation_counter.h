@@ -4,11 +4,14 @@
 #define FRONTPANEL_DATA_TESTS_SUPPORT_ALLOCATION_COUNTER_H
 
 #include <cstddef>
+#include <cstdint>
 
 namespace support {
 
 // How often the global operator new has been called.
 std::size_t allocations();
+// The bytes that these calls asked for, freed ones included.
+std::uint64_t allocated_bytes();
 // Makes one call of it throw std::bad_alloc, the next one for 1; 0 for none.
 void fail_allocation(std::size_t number);
 
