@@ -11,6 +11,12 @@ target_precompile_headers(frontpanel_test_headers PRIVATE <gmock/gmock.h> <gtest
 #   native          not under an emulator
 #   uninstrumented  not with sanitizers or coverage, whose run-time libraries add to the exports and the memory
 
+# An emulator takes about ten times as long.
+set(FRONTPANEL_TIMEOUT_FACTOR 1)
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+    set(FRONTPANEL_TIMEOUT_FACTOR 10)
+endif()
+
 # frontpanel_program_file(<variable> <target>)
 #
 # The file by which a test's script runs an executable: the executable itself, or a script of its name
@@ -91,11 +97,13 @@ endfunction()
 # frontpanel_discover_tests(<target> <timeout> [FILTER <pattern>] [<property> <value>]...)
 function(frontpanel_discover_tests target timeout)
     cmake_parse_arguments(PARSE_ARGV 2 arg "" "FILTER" "")
+    math(EXPR timeout "${timeout} * ${FRONTPANEL_TIMEOUT_FACTOR}")
+    math(EXPR discovery_timeout "60 * ${FRONTPANEL_TIMEOUT_FACTOR}")
     gtest_discover_tests(${target}
         TEST_PREFIX ${target}.
         TEST_FILTER "${arg_FILTER}"
         DISCOVERY_MODE PRE_TEST
-        DISCOVERY_TIMEOUT 60
+        DISCOVERY_TIMEOUT ${discovery_timeout}
         PROPERTIES
             TIMEOUT ${timeout}
             ${arg_UNPARSED_ARGUMENTS}
