@@ -11,6 +11,8 @@
 #include <frontpanel_binding/write_journal.h>
 #include <frontpanel_editors/number_ranges.h>
 #include <frontpanel_editors/time_editor.h>
+#include <frontpanel_editors/value_text.h>
+#include <frontpanel_menu/choice_entry.h>
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
 #include <frontpanel_menu/menu.h>
@@ -20,6 +22,7 @@ namespace {
 
 constexpr const char* READ_ONLY = "read only";
 constexpr const char* HIDDEN = "not shown";
+constexpr const char* NOT_OFFERED = "not offered";
 // Rules may overwrite what was written; a person would set it once more.
 constexpr int MOST_ROUNDS = 3;
 
@@ -27,19 +30,35 @@ std::string quoted_text(const return_s& value) {
     return value.rt == STRING ? "\"" + value.s + "\"" : std::to_string(value.i);
 }
 
-// The number as the entry shows it.
-std::string shown_number(Range_entry& entry, int value) {
-    std::array<char, MAX_STRING_LENGTH + 1> text{};
-    const int result = entry.Get_display_string(text.data(), text.size() - 1, true, value);
-    return result == 0 ? text.data() : std::to_string(value);
+std::string shown_option(Data_entry& entry, int key) {
+    const auto* const choices = dynamic_cast<Choice_entry*>(&entry);
+    const std::string text = choices != nullptr ? choices->text_of(key) : "";
+    return text.empty() ? std::to_string(key) : text;
+}
+
+// As the entry shows a value that it need not hold.
+std::string shown_by(Data_entry& entry, const return_s& value) {
+    if (value.rt == INTEGER) {
+        switch (entry.Get_entry_type()) {
+            case Data_entry::RANGE_LEAF:
+                return value_text(static_cast<Range_entry&>(entry), value.i);
+            case Data_entry::ENUM_LEAF:
+                return shown_option(entry, value.i);
+            case Data_entry::SLOT_ENUM:
+                return "slot " + std::to_string(int64_t{value.i} + 1);
+            default:
+                break;
+        }
+    }
+    return quoted_text(value);
 }
 
 std::string shown_ranges(Range_entry& entry, const Number_ranges& ranges) {
     std::string text;
     for (const Number_range& range : ranges) {
-        text += (text.empty() ? "" : ", ") + shown_number(entry, range.first);
+        text += (text.empty() ? "" : ", ") + value_text(entry, range.first);
         if (range.first != range.last) {
-            text += ".." + shown_number(entry, range.last);
+            text += ".." + value_text(entry, range.last);
         }
     }
     return text;
@@ -99,6 +118,10 @@ std::string limit_misfit(const Parameter& parameter, const return_s& value) {
                : "";
 }
 
+bool are_numbers(const Parameter& parameter, const return_s& value) {
+    return parameter.type == INTEGER && value.rt == INTEGER;
+}
+
 Proposed_values proposed(const std::vector<Wanted_value>& values) {
     Proposed_values all;
     for (const Wanted_value& wanted : values) {
@@ -148,11 +171,7 @@ Write_gate::Refusal Write_gate::refusal_of(const Wanted_value& wanted, std::stri
     for (Data_entry* const entry : m_menu.items_of(wanted.variable)) {
         const std::string name = m_menu.name_of(*entry);
         if (!name.empty()) {
-            const bool is_number = entry->Get_entry_type() == Data_entry::RANGE_LEAF;
-            return {name,
-                    is_number ? shown_number(static_cast<Range_entry&>(*entry), wanted.value.i)
-                              : quoted_text(wanted.value),
-                    std::move(reason)};
+            return {name, shown_by(*entry, wanted.value), std::move(reason)};
         }
     }
     return {"parameter " + std::to_string(wanted.variable.pid), quoted_text(wanted.value),
@@ -186,7 +205,8 @@ Write_gate::Verdict Write_gate::check(const std::vector<Wanted_value>& values,
     return verdict;
 }
 
-// An item that would accept the value suffices: a person could set it there.
+// An item that would accept the value suffices: a person could set it there. What an item allows is within the limits of
+// its parameter, and it says so in its own unit.
 std::optional<Write_gate::Refusal> Write_gate::judge(const Wanted_value& wanted,
                                                      const Proposed_values& foreseen,
                                                      Hidden_items hidden,
@@ -196,8 +216,9 @@ std::optional<Write_gate::Refusal> Write_gate::judge(const Wanted_value& wanted,
     if (parameter == nullptr) {
         return refusal_of(wanted, "the device has no such parameter");
     }
-    if (std::string reason = limit_misfit(*parameter, wanted.value); !reason.empty()) {
-        return refusal_of(wanted, std::move(reason));
+    const std::string limits = limit_misfit(*parameter, wanted.value);
+    if (!limits.empty() && !are_numbers(*parameter, wanted.value)) {
+        return refusal_of(wanted, limits);
     }
     std::string reason;
     bool is_accepted = false;
@@ -213,6 +234,9 @@ std::optional<Write_gate::Refusal> Write_gate::judge(const Wanted_value& wanted,
                 warnings.push_back(std::move(warning));
             }
         }
+    }
+    if (!limits.empty()) {
+        return refusal_of(wanted, reason.empty() ? limits : reason);
     }
     return is_accepted || reason.empty() ? std::nullopt
                                          : std::optional<Refusal>(refusal_of(wanted, reason));
@@ -261,8 +285,12 @@ std::string Write_gate::misfit(Data_entry& entry, const return_s& value,
                 is_judged ? has_key(choices, value.i) &&
                                 (!verdict.keys || allows(ranges_of(*verdict.keys), value.i))
                           : shows_key(choices, value.i);
-            return is_offered ? "" : "not offered";
+            return is_offered ? "" : NOT_OFFERED;
         }
+        case Data_entry::SLOT_ENUM:
+            return value.i >= 0 && value.i < static_cast<Enum_entry&>(entry).Get_size_enum()
+                       ? ""
+                       : NOT_OFFERED;
         case Data_entry::IP_LEAF:
             return is_address(value.s) ? "" : "no address";
         case Data_entry::TIME_LEAF:
@@ -363,7 +391,7 @@ std::string Write_gate::present_misfit(Data_entry& entry, const return_s& value)
 
 Write_gate::Outcome Write_gate::commit(Data_entry& entry) {
     Wanted_value wanted{{entry.Get_pid(), varidx_of(*entry.Get_index())}, held_by(entry)};
-    const Refusal unjudged{entry.Get_name(), quoted_text(wanted.value), ""};
+    const Refusal unjudged{entry.Get_name(), shown_by(entry, wanted.value), ""};
     const auto refuse = [&unjudged](std::string reason) {
         return refused({unjudged.name, unjudged.value, std::move(reason)});
     };
@@ -373,10 +401,12 @@ Write_gate::Outcome Write_gate::commit(Data_entry& entry) {
     const Parameter* const parameter =
         is_live(entry) ? nullptr : m_menu.parameters().find(entry.Get_pid(), *entry.Get_index());
     if (parameter != nullptr) {
-        std::string reason = limit_misfit(*parameter, wanted.value);
-        if (reason.empty()) {
+        const std::string limits = limit_misfit(*parameter, wanted.value);
+        std::string reason;
+        if (limits.empty() || are_numbers(*parameter, wanted.value)) {
             reason = present_misfit(entry, wanted.value);
         }
+        reason = reason.empty() ? limits : reason;
         if (!reason.empty()) {
             return refuse(std::move(reason));
         }

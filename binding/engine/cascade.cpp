@@ -42,11 +42,19 @@ void Cascade::remove(Engine& engine) {
     }
 }
 
+void Cascade::entry_changed(const Engine& engine, const Data_entry* before, const Data_entry* now) {
+    const uint64_t number = engine.cascade_state().number;
+    m_by_entry.erase({before, number});
+    if (now != nullptr) {
+        m_by_entry.insert({now, number});
+    }
+}
+
 Engine* Cascade::engine_of(const Data_entry* entry) const {
-    const auto found = std::find_if(m_engines.begin(), m_engines.end(), [&](const auto& numbered) {
-        return numbered.second->entry() == entry;
-    });
-    return entry != nullptr && found != m_engines.end() ? found->second : nullptr;
+    const auto first = m_by_entry.lower_bound({entry, 0});
+    return entry != nullptr && first != m_by_entry.end() && first->first == entry
+               ? m_engines.at(first->second)
+               : nullptr;
 }
 
 bool Cascade::is_within_turn() const {

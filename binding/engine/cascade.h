@@ -9,8 +9,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_binding/binding_report.h>
@@ -41,6 +43,8 @@ public:
 
     void add(Engine& engine);
     void remove(Engine& engine);
+    // An engine is another entry's from now on; null for none, before and now.
+    void entry_changed(const Engine& engine, const Data_entry* before, const Data_entry* now);
     const std::map<uint64_t, Engine*>& engines() const { return m_engines; }
     // Null when there is none. The first when there are several.
     Engine* engine_of(const Data_entry* entry) const;
@@ -75,6 +79,7 @@ private:
     std::string circle_of(const Engine& engine) const;
 
     std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
+    std::set<std::pair<const Data_entry*, uint64_t>> m_by_entry;  // engines that have one
     std::vector<uint64_t> m_waiting;
     std::size_t m_next = 0;  // the first of `m_waiting` that was not taken yet
     uint64_t m_last_number = 0;

@@ -44,6 +44,7 @@ Engine::Engine(Core& core, const var_index_s& control) : m_core(core), m_control
 }
 
 Engine::~Engine() {
+    m_core.cascade.entry_changed(*this, m_entry, nullptr);
     detach();
     for (Cached_parameter* const parameter : m_read) {
         m_core.parameters.remove_reader(*parameter, *this);
@@ -70,6 +71,7 @@ void Engine::control_changed(Data_entry::Entry_type type) {
 }
 
 void Engine::set_entry(Data_entry* entry) {
+    m_core.cascade.entry_changed(*this, m_entry, entry);
     detach();
     m_entry = entry;
     m_options = dynamic_cast<Enum_entry*>(entry);

@@ -5,6 +5,8 @@
 #include <frontpanel_data/data_entry.h>
 #include <frontpanel_editors/value_text.h>
 
+#include <string>
+
 namespace frontpanel {
 
 class Choice_entry : public Enum_entry, public Stored_key {
@@ -12,6 +14,8 @@ public:
     using Enum_entry::Enum_entry;
 
     int stored_key() override;
+    // The option of a key, visible or not; empty for a key without an option.
+    std::string text_of(int key) const;
 };
 
 class Slot_choice_entry : public Slot_enum_entry, public Stored_key {

@@ -84,6 +84,21 @@ TEST_F(Write_gate_test, AnItemsBoundsAndGapsHold) {
     }
 }
 
+// Not in the parameter's, which the display never shows.
+TEST_F(Write_gate_test, ReasonsAreInTheUnitOfTheItem) {
+    load(R"({"type": "range", "name": "Level", "parameter": "level", "value_format": "v/10",
+             "format": "%.1f dB of the full scale", "min": -300, "max": 120})");
+    const std::string allowed = "allowed: -30.0 dB of the full scale..12.0 dB of the full scale";
+    EXPECT_EQ(refusal({number(3, 125)}), "Level 12.5 dB of the full scale: " + allowed);
+    EXPECT_EQ(refusal({number(3, 505)}), "Level 50.5 dB of the full scale: " + allowed);
+}
+
+TEST_F(Write_gate_test, ASlotIsNamedByItsNumber) {
+    load(R"({"type": "slot", "name": "Source", "parameter": "spare"})");
+    EXPECT_EQ(refusal({number(7, 9)}), "");
+    EXPECT_EQ(refusal({number(7, 10)}), "Source slot 11: not offered");
+}
+
 TEST_F(Write_gate_test, RulesHoldByTheValuesThatWillStandTogether) {
     load(std::string(LEVEL_ITEM) + R"("min": 0, "max": 100,
         "binding": "range 0..[limit]; access read-only if [mode] == 2"})");
@@ -123,10 +138,17 @@ TEST_F(Write_gate_test, OptionsAreThoseOfTheProductAndOfRules) {
              "choices": ["a", {"text": "b", "options": ["gps"]}, "c", "d"],
              "binding": "keys 0, 1, 3 if [limit] < 60"})");
     EXPECT_EQ(refusal({number(1, 0)}), "");
-    EXPECT_EQ(refusal({number(1, 1)}), "Mode 1: not offered");
-    EXPECT_EQ(refusal({number(1, 2)}), "Mode 2: not offered");
+    EXPECT_EQ(refusal({number(1, 1)}), "Mode b: not offered");
+    EXPECT_EQ(refusal({number(1, 2)}), "Mode c: not offered");
     EXPECT_EQ(refusal({number(1, 2), number(2, 60)}), "");
     EXPECT_EQ(refusal({number(1, 3)}), "");
+    EXPECT_EQ(refusal({number(1, 4)}), "Mode 4: not offered");
+    EXPECT_EQ(refusal({text(1, "d")}), "Mode \"d\": not a number");
+    Data_entry& entry = panel->item(0);
+    const int position = 1;  // of those that are offered
+    entry.Set_value(&position, sizeof position);
+    panel->fail(Memory_device::Operation_kind::WRITE, 1);
+    EXPECT_EQ(gate().commit(entry).refusal.text(), "Mode d: write failed");
 }
 
 TEST_F(Write_gate_test, TextsTimesAndAddressesAreValid) {
@@ -160,7 +182,8 @@ TEST_F(Write_gate_test, HiddenItemsAreForPresetsOnly) {
     load(std::string(LEVEL_ITEM) + R"("binding": "visible if [mode] == 1"})");
     EXPECT_EQ(refusal({number(3, 40)}, Hidden::ACCEPTED), "");
     EXPECT_EQ(refusal({number(3, 40)}, Hidden::REFUSED), "Level 40 dB: not shown");
-    EXPECT_EQ(refusal({number(3, 501)}, Hidden::ACCEPTED), "Level 501 dB: allowed: -500..500");
+    EXPECT_EQ(refusal({number(3, 501)}, Hidden::ACCEPTED),
+              "Level 501 dB: allowed: -500 dB..500 dB");
 }
 
 TEST_F(Write_gate_test, WarningsOfAllValuesAreAskedTogetherEachOnce) {

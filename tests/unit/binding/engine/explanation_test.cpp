@@ -109,4 +109,20 @@ TEST_F(Explanation, AnEntryWithoutEngineHasNone) {
     EXPECT_FALSE(registry->explain(leaf));
 }
 
+TEST_F(Explanation, OfSeveralEnginesOfAnEntryTheFirstThatLivesAnswers) {
+    Leaf leaf("Gain", nullptr, options);
+    bind(leaf, "range 0..1");
+    Expression_binding second(registry);
+    second.addBindingList(compiled("range 0..2"));
+    second.setDataEntry(&leaf);
+    EXPECT_EQ(registry->explain(leaf)->rules.at(0).source, "range 0..1");
+    Leaf other("Other", nullptr, options);
+    EXPECT_FALSE(registry->explain(other));
+    second.setDataEntry(&other);
+    EXPECT_EQ(registry->explain(other)->rules.at(0).source, "range 0..2");
+    second.setDataEntry(nullptr);
+    EXPECT_FALSE(registry->explain(other));
+    EXPECT_EQ(registry->explain(leaf)->rules.at(0).source, "range 0..1");
+}
+
 }  // namespace
