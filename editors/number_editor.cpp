@@ -3,7 +3,6 @@
 #include <frontpanel_editors/number_ranges.h>
 
 #include <algorithm>
-#include <cctype>
 #include <limits>
 #include <optional>
 #include <string>
@@ -16,24 +15,15 @@ namespace {
 
 constexpr int STEP_FACTOR = 10;
 
-bool is_digit(char character) {
-    return std::isdigit(static_cast<unsigned char>(character)) != 0;
-}
-
-// The place of the digit that a step of `step` changes: counted from the right of the text's first number,
-// passing over its point, and the number's first digit when it has fewer.
-std::optional<std::size_t> digit_in(const std::string& text, int step) {
-    const auto first = std::find_if(text.begin(), text.end(), is_digit);
-    if (first == text.end()) {
-        return std::nullopt;
-    }
-    auto column =
-        std::find_if_not(first, text.end(), [](char c) { return is_digit(c) || c == '.'; }) - 1;
-    while (column != first && (*column == '.' || step >= STEP_FACTOR)) {
-        step = *column == '.' ? step : step / STEP_FACTOR;
+// The place of the digit that a step of `step` changes: counted from the right of the number, passing over its point, and
+// the number's first digit when it has fewer.
+std::size_t digit_for(const std::string& text, Number_scale::Digits digits, int step) {
+    std::size_t column = digits.end - 1;
+    while (column != digits.first && (text[column] == '.' || step >= STEP_FACTOR)) {
+        step = text[column] == '.' ? step : step / STEP_FACTOR;
         --column;
     }
-    return static_cast<std::size_t>(column - text.begin());
+    return column;
 }
 
 }  // namespace
@@ -193,9 +183,9 @@ void Number_editor::draw(int columns, Editor_view& shown) {
         return;
     }
     const std::string text = value_text(edited(), m_proposed);
-    const std::optional<std::size_t> digit = digit_in(text, m_step);
-    if (digit && is_editable()) {
-        show_with_cursor(text, *digit, columns, shown);
+    const auto digits = m_scale.digits_in(text);
+    if (digits && is_editable()) {
+        show_with_cursor(text, digit_for(text, *digits, m_step), columns, shown);
     } else {
         is_editable() ? m_text.update(text) : m_text.follow(text);
         shown.text = m_text.show(columns);

@@ -1,6 +1,7 @@
 #include <frontpanel_editors/number_scale.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -18,34 +19,56 @@ bool is_digit(char character) {
     return character >= '0' && character <= '9';
 }
 
-// A text around its first number.
+// A text around one of its numbers.
 struct Parts {
-    std::string before;
+    std::string before;  // without the blanks that fill up a narrow number
     std::string behind;
+    std::size_t blanks;  // that fill it up
+    std::size_t first;   // digit of the number, and what stands behind the last one
+    std::size_t end;
     int decimals;
     double number;
 };
 
-std::optional<Parts> parts_of(const std::string& text) {
-    const auto digit = std::find_if(text.begin(), text.end(), is_digit);
-    if (digit == text.end()) {
-        return std::nullopt;
+// "5-12" holds no negative number.
+bool is_sign(const std::string& text, std::size_t at) {
+    const bool joins = at > 0 && std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0;
+    return (text[at] == '-' || text[at] == '+') && !joins;
+}
+
+Parts parts_at(const std::string& text, std::size_t digit) {
+    Parts parts{"", "", 0, digit, digit, 0, 0};
+    for (; parts.end < text.size() && is_digit(text[parts.end]); ++parts.end) {
+        parts.number = parts.number * 10 + (text[parts.end] - '0');
     }
-    const bool is_negative = digit != text.begin() && *(digit - 1) == '-';
-    auto end = std::find_if_not(digit, text.end(), is_digit);
-    double number = 0;
-    std::for_each(digit, end, [&number](char c) { number = number * 10 + (c - '0'); });
-    int decimals = 0;
-    if (end != text.end() && *end == '.' && end + 1 != text.end() && is_digit(*(end + 1))) {
+    if (parts.end + 1 < text.size() && text[parts.end] == '.' && is_digit(text[parts.end + 1])) {
         double weight = 1;
-        for (++end; end != text.end() && is_digit(*end); ++end, ++decimals) {
+        for (++parts.end; parts.end < text.size() && is_digit(text[parts.end]); ++parts.end) {
             weight /= 10;
-            number += weight * (*end - '0');
+            parts.number += weight * (text[parts.end] - '0');
+            ++parts.decimals;
         }
     }
-    const auto begin = is_negative ? digit - 1 : digit;
-    return Parts{
-        {text.begin(), begin}, {end, text.end()}, decimals, is_negative ? -number : number};
+    const bool has_sign = digit > 0 && is_sign(text, digit - 1);
+    parts.number = has_sign && text[digit - 1] == '-' ? -parts.number : parts.number;
+    parts.before = text.substr(0, has_sign ? digit - 1 : digit);
+    const std::size_t filled = parts.before.size();
+    parts.before.erase(parts.before.find_last_not_of(' ') + 1);
+    parts.blanks = filled - parts.before.size();
+    parts.behind = text.substr(parts.end);
+    return parts;
+}
+
+// Around each of its numbers.
+std::vector<Parts> all_parts_of(const std::string& text) {
+    std::vector<Parts> all;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (is_digit(text[at])) {
+            all.push_back(parts_at(text, at));
+            at = all.back().end;
+        }
+    }
+    return all;
 }
 
 std::string fixed(double number, int decimals) {
@@ -74,28 +97,40 @@ int saturated(double value) {
 
 }  // namespace
 
-// Numbers are what most samples have the same text around, when they only rise or only fall with the value.
+// The number is what most samples have the same text around. It can be typed when it only rises or only falls with the
+// value.
 Number_scale::Number_scale(Text_of text_of, int min, int max) : m_text_of(std::move(text_of)) {
     if (min > max) {
         return;
     }
     using Form = std::tuple<std::string, std::string, int>;
-    std::map<Form, std::vector<Place>> forms;
+    struct Group {
+        std::vector<Place> places;
+        std::size_t blanks = std::numeric_limits<std::size_t>::max();
+    };
+    std::map<Form, Group> forms;
     const std::vector<int> values = samples(min, max);
     for (const int value : values) {
-        if (const auto parts = parts_of(m_text_of(value))) {
-            forms[{parts->before, parts->behind, parts->decimals}].push_back(
-                {value, parts->number});
+        for (const Parts& parts : all_parts_of(m_text_of(value))) {
+            Group& group = forms[{parts.before, parts.behind, parts.decimals}];
+            group.places.push_back({value, parts.number});
+            group.blanks = std::min(group.blanks, parts.blanks);
         }
     }
     const auto most =
         std::max_element(forms.begin(), forms.end(), [](const auto& left, const auto& right) {
-            return left.second.size() < right.second.size();
+            return left.second.places.size() < right.second.places.size();
         });
-    if (most == forms.end() || most->second.size() < 2 || most->second.size() * 2 < values.size()) {
+    if (most == forms.end()) {
         return;
     }
-    const std::vector<Place>& places = most->second;
+    const std::vector<Place>& places = most->second.places;
+    if (places.size() < 2 || places.size() * 2 < values.size()) {
+        return;
+    }
+    std::tie(m_form, m_behind, m_decimals) = most->first;
+    m_before = m_form + std::string(most->second.blanks, ' ');
+    m_has_form = true;
     const auto rises = [&](int direction) {
         return std::adjacent_find(places.begin(), places.end(),
                                   [direction](const Place& left, const Place& right) {
@@ -103,9 +138,20 @@ Number_scale::Number_scale(Text_of text_of, int min, int max) : m_text_of(std::m
                                   }) == places.end();
     };
     if (rises(1) || rises(-1)) {
-        std::tie(m_before, m_behind, m_decimals) = most->first;
         m_places = places;
     }
+}
+
+std::optional<Number_scale::Digits> Number_scale::digits_in(const std::string& text) const {
+    const std::vector<Parts> all = all_parts_of(text);
+    const auto found = std::find_if(all.begin(), all.end(), [this](const Parts& parts) {
+        return m_has_form && parts.before == m_form && parts.behind == m_behind;
+    });
+    if (found != all.end()) {
+        return Digits{found->first, found->end};
+    }
+    return all.empty() ? std::nullopt
+                       : std::optional<Digits>(Digits{all.front().first, all.front().end});
 }
 
 std::string Number_scale::characters() const {
@@ -117,9 +163,12 @@ std::string Number_scale::characters() const {
 }
 
 std::optional<double> Number_scale::number_of(int value) const {
-    const auto parts = parts_of(m_text_of(value));
-    const bool is_number = parts && parts->before == m_before && parts->behind == m_behind;
-    return is_number ? std::optional<double>(parts->number) : std::nullopt;
+    for (const Parts& parts : all_parts_of(m_text_of(value))) {
+        if (parts.before == m_form && parts.behind == m_behind) {
+            return parts.number;
+        }
+    }
+    return std::nullopt;
 }
 
 double Number_scale::slope() const {
@@ -160,15 +209,16 @@ std::optional<Number_scale::Typed> Number_scale::value_of(const std::string& typ
     if (point != std::string::npos && (point == 0 || !is_digit(text[point - 1]))) {
         text.insert(point, 1, '0');
     }
-    const auto parts = parts_of(text);
-    if (m_places.empty() || !parts || !parts_of(typed)) {
+    const std::vector<Parts> parts = all_parts_of(text);
+    if (m_places.empty() || parts.empty() || all_parts_of(typed).empty()) {
         return std::nullopt;
     }
-    const int value = nearest(parts->number);
+    const double number = parts.front().number;
+    const int value = nearest(number);
     const std::optional<double> shown = number_of(value);
     constexpr double CLOSE = 1e-9;
-    return Typed{value, shown && std::abs(*shown - parts->number) <=
-                                     CLOSE * std::max(1.0, std::abs(parts->number))};
+    return Typed{value,
+                 shown && std::abs(*shown - number) <= CLOSE * std::max(1.0, std::abs(number))};
 }
 
 // Of a conversion that is no straight line, beyond its ends the next value stands for every number.

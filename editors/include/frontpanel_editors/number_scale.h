@@ -6,6 +6,7 @@
 #ifndef FRONTPANEL_EDITORS_NUMBER_SCALE_H
 #define FRONTPANEL_EDITORS_NUMBER_SCALE_H
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -23,11 +24,19 @@ public:
         bool is_exact;  // whether it is shown as it was typed
     };
 
+    struct Digits {
+        std::size_t first;
+        std::size_t end;  // behind the last one
+    };
+
     // Without numbers: nothing can be typed.
     Number_scale() = default;
     // Of the values from `min` to `max`. `text_of` is called for as long as the scale lives.
     Number_scale(Text_of text_of, int min, int max);
 
+    // The digits of the number in the text of a value, with their point; of another text its first number. Nothing for a
+    // text without a digit.
+    std::optional<Digits> digits_in(const std::string& text) const;
     // The characters of a number as it is shown; empty where the texts are no numbers that rise or fall with the values.
     std::string characters() const;
     // What stands before and behind the number.
@@ -51,7 +60,9 @@ private:
     int nearest_between(Place low, Place high, double number) const;
 
     Text_of m_text_of;
-    std::string m_before;
+    bool m_has_form = false;
+    std::string m_form;    // what stands before the number, without blanks that fill it up
+    std::string m_before;  // with those that each number has
     std::string m_behind;
     int m_decimals = 0;
     std::vector<Place> m_places;  // by value; empty without numbers

@@ -145,6 +145,34 @@ TEST(NumberEditor, ShowsTheProposedValueInTheEntrysFormat) {
     EXPECT_EQ(editor.view(20).cursor, 1);
 }
 
+TEST(NumberEditor, TheCursorIsOnTheNumberAmongOtherDigits) {
+    struct Case {
+        const char* format;
+        const char* text;
+        int cursor;
+        int coarser;
+    };
+    for (const Case& expected :
+         {Case{"CH1 %d", "CH1 42", 5, 4}, Case{"%d of 10", "42 of 10", 1, 0},
+          Case{"2x%d m2", "2x42 m2", 3, 2}, Case{"in 5: %d", "in 5: 42", 7, 6},
+          Case{"CH1-%d", "CH1-42", 5, 4}}) {
+        SCOPED_TRACE(expected.format);
+        Range range(0, 99, 42, expected.format);
+        Number_editor editor;
+        editor.Prepare(&range.entry);
+        EXPECT_EQ(editor.view(20).text, expected.text);
+        EXPECT_EQ(editor.view(20).cursor, expected.cursor);
+        editor.press(Editor_key::COARSER);
+        EXPECT_EQ(editor.view(20).cursor, expected.coarser);
+        editor.press(Editor_key::FINER);
+        for (const char digit : std::string("57")) {
+            editor.type(digit);
+        }
+        editor.press(Editor_key::SELECT);
+        EXPECT_EQ(range.value(), 57);
+    }
+}
+
 TEST(NumberEditor, ShowsNoCursorInATextWithoutNumber) {
     Range range(0, 1, 0, "0:Off,1:On,%d");
     Number_editor editor;

@@ -86,6 +86,48 @@ TEST(NumberScale, TheCharactersAreThoseOfTheNumbers) {
     EXPECT_EQ(Number_scale().characters(), "");
 }
 
+// The one that follows the value.
+TEST(NumberScale, TheNumberIsFoundAmongOtherDigits) {
+    const Number_scale channel([](int value) { return "CH1 " + printed(1, value / 10.0, " m2"); },
+                               -500, 500);
+    EXPECT_EQ(channel.before(), "CH1 ");
+    EXPECT_EQ(channel.behind(), " m2");
+    EXPECT_EQ(channel.step_text(10), "1.0 m2");
+    EXPECT_EQ(channel.value_of("-12.5")->value, -125);
+    EXPECT_TRUE(channel.value_of("-12.5")->is_exact);
+    EXPECT_EQ(channel.characters(), "0123456789-.");
+    const auto digits = channel.digits_in("CH1 -12.5 m2");
+    ASSERT_TRUE(digits);
+    EXPECT_EQ(digits->first, 5U);
+    EXPECT_EQ(digits->end, 9U);
+    EXPECT_EQ(channel.digits_in("row 7 of 8")->first, 4U);
+    EXPECT_FALSE(channel.digits_in("off"));
+    const Number_scale dashed([](int value) { return "CH1-" + std::to_string(value); }, 0, 99);
+    EXPECT_EQ(dashed.value_of("5")->value, 5);
+    EXPECT_TRUE(dashed.value_of("5")->is_exact);
+}
+
+// They fill up narrow numbers, or say what a number is.
+TEST(NumberScale, SignsAndBlanksBelongToTheNumber) {
+    const Number_scale with_sign(
+        [](int value) { return (value < 0 ? "" : "+") + std::to_string(value) + " dB"; }, -50, 50);
+    EXPECT_EQ(with_sign.value_of("7")->value, 7);
+    EXPECT_EQ(with_sign.value_of("-7")->value, -7);
+    EXPECT_TRUE(with_sign.value_of("7")->is_exact);
+    EXPECT_EQ(with_sign.step_text(10), "10 dB");
+    const Number_scale filled(
+        [](int value) {
+            const std::string digits = std::to_string(value);
+            return "at " + std::string(6 - digits.size(), ' ') + digits;
+        },
+        0, 9999);
+    for (const int value : {3, 42, 999, 1234}) {
+        EXPECT_EQ(filled.value_of(std::to_string(value))->value, value);
+        EXPECT_TRUE(filled.value_of(std::to_string(value))->is_exact) << value;
+    }
+    EXPECT_EQ(filled.before(), "at   ");
+}
+
 TEST(NumberScale, TextsOfATableAreNoNumbers) {
     const char* const NAMES[] = {"as the ref", "1080i50", "1080p50", "720p50", "576i"};
     const Number_scale table([&](int value) { return std::string(NAMES[value]); }, 0, 4);
