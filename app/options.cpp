@@ -178,8 +178,7 @@ void describe(CLI::App& app, Options& options) {
     add_parsed(app, "--debug", options.debug, parse_mask, "Mask of the diagnostics, such as 0x8401")
         ->type_name("MASK");
     describe_front(app, options);
-    app.add_flag("--check", options.check,
-                 "Check the menu, its presets, and the script if any, then exit");
+    app.add_flag("--check", options.check, "Check the menu, presets and any script, then exit");
     describe_reports(app, options);
     app.footer(
         "frontpanel --menu my.json --state my.values     keep values over a restart\n"

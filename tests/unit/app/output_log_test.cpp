@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
@@ -85,6 +86,59 @@ TEST_F(OutputLog, ReturnsStandardErrorWhenAsked) {
                                }).err;
     EXPECT_EQ(errors, "seen\n");
     EXPECT_EQ(content(file("log")), "hidden\nhidden too\n");
+}
+
+TEST_F(OutputLog, AReportedLineIsInTheLogAndOnStandardErrorAtOnce) {
+    const support::Captured both = support::capture(0, [this] {
+        Output_log log(file("log"));
+        log.report("warning: a rule");
+        log.note("a value");
+        EXPECT_EQ(content(file("log")), "warning: a rule\na value\n");
+    });
+    EXPECT_EQ(both.err, "warning: a rule\n");
+    EXPECT_EQ(both.out, "");
+}
+
+TEST_F(OutputLog, WhileItTakesStandardErrorReportedLinesWaitUntilItIsReturned) {
+    const support::Captured both = support::capture(0, [this] {
+        Output_log log(file("log"));
+        log.take_errors();
+        log.report("first");
+        log.note("noted");
+        log.report("second");
+        EXPECT_EQ(content(file("log")), "first\nnoted\nsecond\n");
+        log.return_errors();
+        log.report("third");
+    });
+    EXPECT_EQ(both.err, "first\nsecond\nthird\n");
+}
+
+TEST_F(OutputLog, OfManyReportedLinesTheRestIsCounted) {
+    const std::string errors = support::capture(0, [this] {
+                                   Output_log log(file("log"));
+                                   log.take_errors();
+                                   for (int i = 1; i <= 103; ++i) {
+                                       log.report(std::to_string(i));
+                                   }
+                               }).err;
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 101);
+    EXPECT_NE(errors.find("\n100\nwarning: 3 more in the log\n"), std::string::npos) << errors;
+    EXPECT_NE(content(file("log")).find("\n103\n"), std::string::npos);
+}
+
+TEST_F(OutputLog, ReportedAndNotedLinesShowWhateverIsPrinted) {
+    std::deque<Log_line> lines;
+    support::capture(0, [this, &lines] {
+        Output_log log(file("log"));
+        log.report("warning: a rule");
+        log.note("a value");
+        log.lines().read();
+        lines = log.lines().lines();
+    });
+    ASSERT_EQ(lines.size(), 2U);
+    for (const Log_line& line : lines) {
+        EXPECT_EQ(line.mask, 0U) << line.text;
+    }
 }
 
 TEST_F(OutputLog, AFileThatCannotBeWrittenIsNamed) {
