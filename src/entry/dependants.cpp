@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "../step_counter.h"
+
 namespace dependants {
 namespace {
 
@@ -41,14 +43,40 @@ std::vector<Data_entry*> dependants_of(var_index_map_t& map, const var_index_s& 
                                : std::vector<Data_entry*>();
 }
 
-bool is_listed(const var_index_map_t& map, const var_index_s& key, const Data_entry* entry) {
-    const auto record = map.find(key);
-    if (record == map.end()) {
+// Finds the entries of a snapshot, asked for in its order, in the list as it is by then. While refreshes leave the
+// list alone, or take out and add entries here and there, the next one is close to the one found before.
+class Finder {
+public:
+    Finder(const var_index_map_t& map, const var_index_s& key) : m_map(map), m_key(key) {}
+
+    bool is_listed(const Data_entry* entry) {
+        const auto record = m_map.find(m_key);
+        if (record == m_map.end()) {
+            return false;
+        }
+        const std::vector<Data_entry*>& listed = record->second.binding_dependant_entries;
+        // Further away by one each time, to both sides: as far as the whole list.
+        const std::size_t size = listed.size();
+        const std::size_t start = std::min(m_expected, size);
+        for (std::size_t away = 0; away < size; ++away) {
+            ++step_counter::dependants_compared;
+            if (start + away < size && listed[start + away] == entry) {
+                m_expected = start + away + 1;
+                return true;
+            }
+            if (away < start && listed[start - 1 - away] == entry) {
+                m_expected = start - away;
+                return true;
+            }
+        }
         return false;
     }
-    const std::vector<Data_entry*>& listed = record->second.binding_dependant_entries;
-    return std::find(listed.begin(), listed.end(), entry) != listed.end();
-}
+
+private:
+    const var_index_map_t& m_map;
+    const var_index_s& m_key;
+    std::size_t m_expected = 0;
+};
 
 void refresh_one(Data_entry& dependant, Data_entry& committed, const var_index_s& key,
                  Data_interface* iface, const Commit_lines& lines) {
@@ -89,8 +117,9 @@ void refresh(Data_entry& committed, Binding* binding, Data_interface* iface,
     if (lines.announces_walk) {
         COMMIT_LINE(lines, "About to see if I have any dependants...\n");
     }
+    Finder finder(*map, key);
     for (Data_entry* const dependant : snapshot) {
-        if (is_listed(*map, key, dependant) && !dependant->GetBindRefreshIsLocked()) {
+        if (finder.is_listed(dependant) && !dependant->GetBindRefreshIsLocked()) {
             refresh_one(*dependant, committed, key, iface, lines);
         }
     }

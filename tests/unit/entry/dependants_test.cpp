@@ -3,10 +3,14 @@
 #include <frontpanel_data/binding.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
+#include "step_counter.h"
 #include "support/capture.h"
 #include "support/fake_binding.h"
 #include "support/fake_device.h"
@@ -217,6 +221,96 @@ TEST_F(Dependants, TheLineOfAParameterWithoutTypeCallsItAText) {
 TEST_F(Dependants, TheSearchIsAnnouncedOnlyByWhoDoesSo) {
     lines.announces_walk = false;
     EXPECT_EQ(capture(0x1, [&] { refresh(); }).out.find("About to see"), std::string::npos);
+}
+
+// A menu may have as many dependants of one parameter as it has entries.
+class Many_dependants : public Dependants {
+protected:
+    void build(int count) {
+        for (int i = 0; i < count; ++i) {
+            entries.push_back(std::make_unique<Refreshing>("Many"));
+            listed().push_back(entries.back().get());
+        }
+    }
+    std::size_t comparisons() {
+        const std::size_t before = step_counter::dependants_compared;
+        capture(0, [&] { refresh(); });
+        return step_counter::dependants_compared - before;
+    }
+    void take_out(const Data_entry* entry) {
+        listed().erase(std::remove(listed().begin(), listed().end(), entry), listed().end());
+    }
+
+    std::vector<std::unique_ptr<Refreshing>> entries;
+};
+
+TEST_F(Many_dependants, AreEachFoundAtOnce) {
+    build(2000);
+    EXPECT_EQ(comparisons(), 2000u);
+}
+
+TEST_F(Many_dependants, AreFoundAtOnceWhileEachLeavesTheListAndComesBack) {
+    build(500);
+    for (const auto& entry : entries) {
+        entry->on_refresh = [this, &entry] {
+            take_out(entry.get());
+            listed().push_back(entry.get());
+        };
+    }
+    EXPECT_LE(comparisons(), 2000u);
+}
+
+TEST_F(Many_dependants, AreFoundAtOnceWhileOthersComeBeforeThem) {
+    build(500);
+    for (const auto& entry : entries) {
+        entry->on_refresh = [this] { listed().insert(listed().begin(), {&b, &c}); };
+    }
+    EXPECT_LE(comparisons(), 3000u);
+}
+
+// The same entries are refreshed as when each is looked for in the whole list.
+TEST_F(Many_dependants, AreRefreshedAsTheListIsByTheirTurn) {
+    build(12);
+    for (unsigned int seed = 0; seed < 300; ++seed) {
+        std::mt19937 random(seed);
+        const auto below = [&](std::size_t count) { return random() % count; };
+        std::vector<Data_entry*> expected;
+        std::vector<Data_entry*> refreshed;
+        listed().clear();
+        for (int i = 0; i < 16; ++i) {
+            listed().push_back(entries[below(entries.size())].get());
+        }
+        const std::vector<Data_entry*> snapshot = listed();
+        std::size_t turn = 0;
+        // What is looked for next, up to the next entry that is refreshed.
+        const auto expect_next = [&] {
+            while (turn < snapshot.size() &&
+                   std::find(listed().begin(), listed().end(), snapshot[turn]) == listed().end()) {
+                ++turn;
+            }
+            if (turn < snapshot.size()) {
+                expected.push_back(snapshot[turn++]);
+            }
+        };
+        for (const auto& entry : entries) {
+            entry->on_refresh = [&, at = entry.get()] {
+                refreshed.push_back(at);
+                for (std::size_t edits = below(4); edits > 0 && !listed().empty(); --edits) {
+                    if (below(3) != 0) {
+                        take_out(listed()[below(listed().size())]);
+                    } else {
+                        const auto place = listed().begin() +
+                                           static_cast<std::ptrdiff_t>(below(listed().size() + 1));
+                        listed().insert(place, entries[below(entries.size())].get());
+                    }
+                }
+                expect_next();
+            };
+        }
+        expect_next();
+        capture(0, [&] { refresh(); });
+        ASSERT_EQ(refreshed, expected) << "seed " << seed;
+    }
 }
 
 TEST_F(Dependants, TheLinesAreInTheCommittingClasssCategory) {
