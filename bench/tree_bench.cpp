@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 #include <frontpanel_data/data_entry.h>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -88,5 +89,30 @@ void remove(benchmark::State& state) {
     count_entries(state);
 }
 BENCHMARK(remove)->RangeMultiplier(10)->Range(10, 1000000);
+
+// Hands out the shortcut table.
+void walk(benchmark::State& state, Entries (*shape)(Menu&, int64_t)) {
+    Menu menu;
+    const Entries entries = shape(menu, state.range(0));
+    std::map<int, ShortcutS> table;
+    for (auto _ : state) {
+        Data_entry::TraverseMenuTree(&menu, 0x1, &table);
+    }
+    count_entries(state);
+}
+BENCHMARK_CAPTURE(walk, wide, wide)->RangeMultiplier(10)->Range(10, 1000000);
+BENCHMARK_CAPTURE(walk, deep, deep)->RangeMultiplier(10)->Range(10, 1000000);
+
+// Of a menu without leaves, which asks every entry.
+void is_visible(benchmark::State& state, Entries (*shape)(Menu&, int64_t)) {
+    Menu menu;
+    const Entries entries = shape(menu, state.range(0));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(menu.isVisible(true, nullptr));
+    }
+    count_entries(state);
+}
+BENCHMARK_CAPTURE(is_visible, wide, wide)->RangeMultiplier(10)->Range(10, 1000000);
+BENCHMARK_CAPTURE(is_visible, deep, deep)->RangeMultiplier(10)->Range(10, 1000000);
 
 }  // namespace

@@ -338,6 +338,9 @@ protected:
     char identification_string[128];
 
 private:
+    friend class Visibility_question;  // asks the entries below without recursion
+    friend class Printing;             // prints the entries below without recursion
+
     void attach_at_construction(const char* name, int visible, Data_entry* parent);
     void unlink(Data_entry& child);
     bool holds(const Data_entry& child) const;
@@ -352,8 +355,12 @@ private:
     void apply_access_suggestion();
     void apply_set_suggestion(Data_interface* iface);
     void refresh_for_visibility(Data_interface* iface);
-    bool has_something_to_show(bool if_control_refresh, Data_interface* pDataAccessInf);
-    bool has_visible_children(bool if_control_refresh, Data_interface* pDataAccessInf);
+    FRONTPANEL_DATA_LOCAL bool asks_its_children(bool if_control_refresh) const;
+    FRONTPANEL_DATA_LOCAL int visibility_alone(bool if_control_refresh,
+                                               Data_interface* pDataAccessInf);
+    FRONTPANEL_DATA_LOCAL int conclude_visibility(bool if_control_refresh,
+                                                  Data_interface* pDataAccessInf,
+                                                  bool shows_something, bool asked_again);
     bool option_holds(const std::string& option);
     bool instance_within(int limit) const;
 

@@ -210,6 +210,11 @@ protected:
     bool valid_child_link;
 
 private:
+    friend class Visibility_question;  // asks the housed entry without recursion
+    friend class Printing;             // prints the housed entry without recursion
+
+    FRONTPANEL_DATA_LOCAL int toggle_visibility();
+    FRONTPANEL_DATA_LOCAL int visibility(int toggle_vis, bool housed_is_visible) const;
     Data_entry& housed() const;
     Data_entry* enter_mounted_menu();
     Data_entry* leave_mounted_menu();

@@ -12,7 +12,6 @@
 
 #include "../assertion.h"
 #include "../diagnostics.h"
-#include "neighbours.h"
 
 namespace {
 
@@ -28,38 +27,6 @@ public:
 private:
     pthread_mutex_t& m_mutex;
 };
-
-// The entries whose children this thread prints, innermost first.
-class Printing {
-public:
-    explicit Printing(const Data_entry* entry) : m_entry(entry), m_outer(innermost) {
-        innermost = this;
-    }
-    ~Printing() { innermost = m_outer; }
-    Printing(const Printing&) = delete;
-    Printing& operator=(const Printing&) = delete;
-
-    static bool is_under_way(const Data_entry* entry) {
-        const Printing* at = innermost;
-        while (at != nullptr && at->m_entry != entry) {
-            at = at->m_outer;
-        }
-        return at != nullptr;
-    }
-
-private:
-    static thread_local const Printing* innermost;
-
-    const Data_entry* m_entry;
-    const Printing* m_outer;
-};
-
-thread_local const Printing* Printing::innermost = nullptr;
-
-void print_heading(const char* name, const char* description) {
-    std::printf("----- data entry (%s) -----\n", name);
-    std::printf("Description:\n%s\n", description);
-}
 
 // Where a child stands in a child list.
 enum class Place { ELSEWHERE, ONLY, FIRST, LAST, BETWEEN };
@@ -470,22 +437,6 @@ RETURN_TYPE Data_entry::bindingReturnType() {
 
 int Data_entry::Commit() {
     return OK;
-}
-
-void Data_entry::Print() {
-    if (Printing::is_under_way(this)) {
-        // Reached again through a link below itself, with its mutex locked and its children on their way.
-        print_heading(Get_name(), or_empty(Get_description()));
-        return;
-    }
-    const Lock_guard lock(m_entry_mutex);
-    const Printing printing(this);
-    print_heading(Get_name(), or_empty(Get_description()));
-    neighbours::Met met;
-    for (Data_entry* child = m_child; child != nullptr && met.is_new(child);
-         child = child->m_next) {
-        child->Print();
-    }
 }
 
 void Data_entry::Update_value(char** /*texts*/, int /*size*/) {}

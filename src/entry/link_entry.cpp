@@ -154,14 +154,12 @@ int Link_entry::isVisible() {
     return isVisible(false, nullptr);
 }
 
-int Link_entry::isVisible(bool if_control_refresh, Data_interface* m_pDataAccessInf) {
-    if (this == setup_link) {
-        return VIS_TRUE;
-    }
-    const int toggle_vis = !is_homescreen_entry || CheckToggleState() != 0 ? VIS_TRUE : VIS_FALSE;
-    const bool shows =
-        link_entry != nullptr && link_entry->isVisible(if_control_refresh, m_pDataAccessInf) >= 0;
-    const int vis_link_entry = shows ? VIS_TRUE : VIS_FALSE;
+int Link_entry::toggle_visibility() {
+    return !is_homescreen_entry || CheckToggleState() != 0 ? VIS_TRUE : VIS_FALSE;
+}
+
+int Link_entry::visibility(int toggle_vis, bool housed_is_visible) const {
+    const int vis_link_entry = housed_is_visible ? VIS_TRUE : VIS_FALSE;
     // The link's own flag is told, also as the outcome, but decides nothing. Intended: it belongs to the
     // application, which asks for it by `Set_visible(bool)`.
     LEAF_LINE(LINK_VISIBILITY, FUNCTION_FIRST, "isVisible",

@@ -2,9 +2,14 @@
 #ifndef FRONTPANEL_DATA_SRC_ENTRY_NEIGHBOURS_H
 #define FRONTPANEL_DATA_SRC_ENTRY_NEIGHBOURS_H
 
+#include <algorithm>
+#include <memory>
 #include <unordered_set>
+#include <vector>
 
 #include <frontpanel_data/entry.h>
+
+#include "../step_counter.h"
 
 namespace neighbours {
 
@@ -22,14 +27,50 @@ inline Data_entry* next(Data_entry* entry) {
     return fetch(entry, Data_entry::OPERATION_NEXT);
 }
 
-// The siblings of a walk so far. A link without a next entry of its own goes on behind the entry it houses,
-// which may lead back into the list: a sibling that was met before ends the walk.
+// The siblings that a walk has met, on each level that it has not left yet. A link without a next entry of its own
+// goes on behind the entry it houses, which may lead back into the list: a sibling that was met before ends the level.
 class Met {
 public:
-    bool is_new(const Data_entry* sibling) { return m_siblings.insert(sibling).second; }
+    // A level of a walk. Levels are left in the reverse order of entering.
+    class Level {
+    public:
+        Level() = default;
+
+    private:
+        friend class Met;
+        explicit Level(std::size_t first) : m_first(first) {}
+
+        std::size_t m_first = 0;                                        // of its siblings among all
+        std::unique_ptr<std::unordered_set<const Data_entry*>> m_many;  // once there are many
+    };
+
+    Level enter() const { return Level(m_siblings.size()); }
+    void leave(const Level& level) { m_siblings.resize(level.m_first); }
+
+    // Requires: `level` is the one that was entered last.
+    bool is_new(Level& level, const Data_entry* sibling) {
+        if (level.m_many != nullptr) {
+            return level.m_many->insert(sibling).second;
+        }
+        const auto first = m_siblings.begin() + static_cast<std::ptrdiff_t>(level.m_first);
+        const auto found = std::find(first, m_siblings.end(), sibling);
+        step_counter::siblings_compared += static_cast<std::size_t>(found - first);
+        if (found != m_siblings.end()) {
+            return false;
+        }
+        m_siblings.push_back(sibling);
+        if (m_siblings.size() - level.m_first > FEW) {
+            level.m_many = std::make_unique<std::unordered_set<const Data_entry*>>(
+                m_siblings.begin() + static_cast<std::ptrdiff_t>(level.m_first), m_siblings.end());
+            m_siblings.resize(level.m_first);
+        }
+        return true;
+    }
 
 private:
-    std::unordered_set<const Data_entry*> m_siblings;
+    static constexpr std::size_t FEW = 16;  // found as fast by comparing
+
+    std::vector<const Data_entry*> m_siblings;
 };
 
 }  // namespace neighbours

@@ -1,6 +1,7 @@
 // The walk over a menu tree that hands out the shortcut table and prints the menu.
 #include <algorithm>
 #include <cstdio>
+#include <unordered_set>
 #include <vector>
 
 #include <frontpanel_data/entry.h>
@@ -15,10 +16,16 @@ constexpr int FORGET_MOUNTED_MENUS = 0x2;
 constexpr int PRINT_ENTRIES = 0x4 | 0x8;
 constexpr int REPORT_FLAGS = 4;
 
-void print_indented(Data_entry& entry, int depth) {
-    for (int level = 0; level < depth; ++level) {
-        std::putchar('\t');
+void indent(int depth) {
+    static constexpr char TABS[] = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+    constexpr int MOST = sizeof TABS - 1;
+    for (; depth > 0; depth -= MOST) {
+        std::fwrite(TABS, 1, static_cast<std::size_t>(std::min(depth, MOST)), stdout);
     }
+}
+
+void print_indented(Data_entry& entry, int depth) {
+    indent(depth);
     std::printf("%s\n", entry.getProperties(REPORT_FLAGS).c_str());
 }
 
@@ -31,58 +38,76 @@ void forget_mounted_menu(Data_entry& entry) {
     }
 }
 
+// Keeps a stack of its own: a menu may be deeper than the thread's.
 class Walk {
 public:
-    explicit Walk(int flags) : m_flags(flags) {}
+    Walk(int flags, void* argument)
+        : m_flags(flags),
+          m_argument(argument),
+          m_depth(argument != nullptr && prints() ? *static_cast<const int*>(argument) : 0) {}
 
-    // A link may lead back to an entry that is just being walked: what lies below that comes once.
-    void descend(Data_entry* entry, void* argument) {
-        if (std::find(m_path.begin(), m_path.end(), entry) != m_path.end()) {
-            return;
+    void run(Data_entry* start) {
+        enter(start);
+        while (!m_levels.empty()) {
+            Level& level = m_levels.back();
+            Data_entry* const child = level.next_child;
+            if (child == nullptr || !m_met.is_new(level.siblings, child)) {
+                leave();
+                continue;
+            }
+            visit(*child);
+            // Fetched before the child is entered: what happens below may relink the child.
+            level.next_child = neighbours::next(child);
+            enter(child);
         }
-        m_path.push_back(entry);
-        visit_children(entry, argument);
-        m_path.pop_back();
     }
 
 private:
-    void visit_children(Data_entry* entry, void* argument) {
-        neighbours::Met met;
-        Data_entry* child = neighbours::first_child(entry);
-        while (child != nullptr && met.is_new(child)) {
-            if ((m_flags & HAND_OUT_SHORTCUTS) != 0) {
-                child->setShortcuts(static_cast<std::map<int, ShortcutS>*>(argument));
-            }
-            if ((m_flags & FORGET_MOUNTED_MENUS) != 0) {
-                forget_mounted_menu(*child);
-            }
-            child = visit(child, argument);
+    struct Level {
+        Data_entry* entry;
+        Data_entry* next_child;
+        neighbours::Met::Level siblings;
+    };
+
+    bool prints() const { return (m_flags & PRINT_ENTRIES) != 0; }
+
+    // A link may lead back to an entry that is just being walked: what lies below that comes once.
+    void enter(Data_entry* entry) {
+        if (m_path.insert(entry).second) {
+            m_levels.push_back({entry, neighbours::first_child(entry), m_met.enter()});
         }
     }
 
-    // Returns the next sibling, fetched before the child is entered: what happens below may relink the child.
-    Data_entry* visit(Data_entry* child, void* argument) {
-        if ((m_flags & PRINT_ENTRIES) == 0) {
-            Data_entry* const next = neighbours::next(child);
-            descend(child, argument);
-            return next;
+    void leave() {
+        m_met.leave(m_levels.back().siblings);
+        m_path.erase(m_levels.back().entry);
+        m_levels.pop_back();
+    }
+
+    void visit(Data_entry& child) {
+        if ((m_flags & HAND_OUT_SHORTCUTS) != 0) {
+            child.setShortcuts(static_cast<std::map<int, ShortcutS>*>(m_argument));
         }
-        const int depth = argument != nullptr ? *static_cast<const int*>(argument) : 0;
-        print_indented(*child, depth);
-        Data_entry* const next = neighbours::next(child);
-        int depth_below = depth + 1;
-        descend(child, &depth_below);
-        return next;
+        if ((m_flags & FORGET_MOUNTED_MENUS) != 0) {
+            forget_mounted_menu(child);
+        }
+        if (prints()) {
+            print_indented(child, m_depth + static_cast<int>(m_levels.size()) - 1);
+        }
     }
 
     int m_flags;
-    std::vector<const Data_entry*> m_path;  // from the start to the entry that is being walked
+    void* m_argument;
+    int m_depth;
+    std::vector<Level> m_levels;  // from the start to the entry that is being walked
+    std::unordered_set<const Data_entry*> m_path;  // the entries of these
+    neighbours::Met m_met;
 };
 
 }  // namespace
 
 void Data_entry::TraverseMenuTree(Data_entry* data_entry, int flags, void* optional_arg) {
     if (data_entry != nullptr) {
-        Walk(flags).descend(data_entry, optional_arg);
+        Walk(flags, optional_arg).run(data_entry);
     }
 }

@@ -2,11 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
+
+#include <memory>
 
 #include "support/capture.h"
 #include "support/fake_device.h"
 #include "support/fake_editors.h"
 #include "support/line_gates.h"
+#include "support/small_stack.h"
 #include "unit/entry/link_fixture.h"
 
 namespace {
@@ -557,6 +561,24 @@ TEST_F(Menus_with_links, ASearchIsNotEndlessAlongALinkThatLeadsBack) {
     first.Set_next(&to_first);
     EXPECT_EQ(list.isVisible(true, &device), 1) << "the link counts";
     EXPECT_EQ(list.Get_has_children(), 1);
+}
+
+TEST_F(Menus_with_links, LinksFromMenuToMenuNeedNoStackForTheirLevels) {
+    std::vector<std::unique_ptr<Menu>> menus;
+    std::vector<std::unique_ptr<Link_entry>> links;
+    menus.push_back(std::make_unique<Menu>("Menu"));
+    for (int level = 1; level < support::DEEP; ++level) {
+        Menu& above = *menus.back();
+        menus.push_back(std::make_unique<Menu>("Menu"));
+        links.push_back(std::make_unique<Link_entry>(menus.back().get()));
+        static_cast<Data_entry&>(*links.back()).Set_next(nullptr);
+        above.Set_child(links.back().get());
+    }
+    support::run_on_small_stack([&] {
+        EXPECT_EQ(menus.front()->isVisible(true, &device), 1);
+        EXPECT_EQ(links.front()->isVisible(), 1);
+    });
+    EXPECT_EQ(menus[support::DEEP - 2]->Get_has_children(), 1) << "a hidden link counts";
 }
 
 TEST_F(Menus_with_links, AskingDoesNotBuildAMountedMenu) {

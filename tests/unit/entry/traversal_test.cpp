@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "support/capture.h"
 #include "support/indexes.h"
 #include "support/leaf.h"
+#include "support/small_stack.h"
 
 namespace {
 
@@ -152,6 +154,41 @@ TEST_F(Traversal, AnEntryThatIsRelinkedBelowItselfLosesNoSibling) {
     Detaching detaching(&deep, &log, &first);
     Data_entry::TraverseMenuTree(&top, 0x1, &table);
     EXPECT_EQ(log, (Log{"First", "Inner", "Deep", "Detaching", "InnerLast", "Second"}));
+}
+
+// A menu of one entry on each level, as deep as a damaged or generated menu may be.
+class Deep_menu : public testing::Test {
+protected:
+    Deep_menu() {
+        for (int level = 0; level < support::DEEP; ++level) {
+            Data_entry* const above =
+                level == 0 ? &top : static_cast<Data_entry*>(below.back().get());
+            below.push_back(std::make_unique<Node>("Node", above, &log));
+        }
+    }
+
+    Log log;
+    Node top{"Top", nullptr, &log};
+    std::vector<std::unique_ptr<Node>> below;
+    std::map<int, ShortcutS> table;
+};
+
+TEST_F(Deep_menu, IsWalkedWithoutAStackForItsLevels) {
+    support::run_on_small_stack([&] { Data_entry::TraverseMenuTree(&top, 0x1, &table); });
+    EXPECT_EQ(log.size(), below.size());
+    EXPECT_EQ(below.back()->Get_shortcuts_map(), &table);
+}
+
+TEST_F(Deep_menu, IsIndentedByItsDepth) {
+    Data_entry& start = *below[below.size() - 101];
+    int depth = 2;
+    const std::string text =
+        capture(0, [&] { Data_entry::TraverseMenuTree(&start, 0x4, &depth); }).out;
+    std::string expected;
+    for (int level = 0; level < 100; ++level) {
+        expected += line("Node", level + 2);
+    }
+    EXPECT_EQ(text, expected);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "support/indexes.h"
 #include "support/leaf.h"
 #include "support/line_gates.h"
+#include "support/small_stack.h"
 
 namespace {
 
@@ -393,6 +394,31 @@ TEST_F(Visibility, ACircleOfNodesEnds) {
     inner.Set_child(&node);
     EXPECT_EQ(node.isVisible(), 1);
     EXPECT_EQ(node.isVisible(true, &device), 1);
+}
+
+TEST_F(Visibility, OfADeepMenuNeedsNoStackForItsLevels) {
+    std::vector<std::unique_ptr<Node>> below;
+    for (int level = 0; level < support::DEEP; ++level) {
+        below.push_back(std::make_unique<Node>("Node", level == 0 ? &node : below.back().get()));
+    }
+    Leaf last("Last", below.back().get());
+    support::run_on_small_stack([&] {
+        EXPECT_EQ(node.isVisible(true, &device), 1);
+        node.Set_entry_visible(-1);
+        EXPECT_EQ(node.isVisible(), 1);
+    });
+    EXPECT_EQ(below.front()->Get_entry_visible(), 1);
+    EXPECT_EQ(below.back()->Get_entry_visible(), 1);
+}
+
+TEST_F(Visibility, OfADeepMenuOfHiddenEntriesNeedsNoStackForItsLevels) {
+    std::vector<std::unique_ptr<Node>> below;
+    for (int level = 0; level < support::DEEP; ++level) {
+        below.push_back(std::make_unique<Node>("Node", level == 0 ? &node : below.back().get()));
+    }
+    support::run_on_small_stack([&] { EXPECT_EQ(node.isVisible(true, &device), -1); });
+    EXPECT_EQ(below.front()->Get_has_children(), 0);
+    EXPECT_EQ(below.back()->Get_has_children(), -1) << "it has no children to ask";
 }
 
 }  // namespace
