@@ -26,6 +26,8 @@ public:
 
     int number() const { return m_number; }
     bool is_open() const { return m_number >= 0; }
+    // Leaves the descriptor to the caller.
+    int release() { return std::exchange(m_number, -1); }
     void reset() {
         if (is_open()) {
             close(m_number);
