@@ -72,6 +72,16 @@ void Nearest_name::offer(std::string_view known) {
     }
 }
 
+bool offer_within_bounds(Nearest_name& nearest, std::string_view known, std::size_t& searched) {
+    if (searched > MOST_NAME_SEARCH) {
+        nearest.forget();
+        return false;
+    }
+    searched += 1 + Nearest_name::cost(nearest.unknown(), known);
+    nearest.offer(known);
+    return true;
+}
+
 std::string Nearest_name::hint(const char* quote, const char* end_quote) const {
     return m_best.empty() ? ""
                           : "; did you mean " + (quote + std::string(m_best)) + end_quote + "?";

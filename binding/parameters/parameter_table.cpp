@@ -8,9 +8,6 @@
 namespace frontpanel {
 namespace {
 
-// Names and pairs of letters that all searches for a mistaken name look at: some tenths of a second.
-constexpr std::size_t MOST_SEARCHED = 20'000'000;
-
 // Levels that are not in use count as 0.
 std::uint64_t variable_of(std::uint32_t pid, const Index_t& index) {
     const std::uint64_t level0 = index.m_index_num > 0 ? index.m_index[0] : 0;
@@ -79,11 +76,9 @@ RETURN_TYPE Parameter_table::type_of(const var_index_s& key) const {
 std::string_view Parameter_table::closest(std::string_view name) const {
     Nearest_name nearest(name);
     for (const std::string& each : m_names) {
-        if (m_searched > MOST_SEARCHED) {
-            return {};
+        if (!offer_within_bounds(nearest, each, m_searched)) {
+            break;
         }
-        m_searched += 1 + Nearest_name::cost(name, each);
-        nearest.offer(each);
     }
     return nearest.found();
 }

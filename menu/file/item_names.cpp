@@ -18,16 +18,16 @@ bool Item_names::add_id(const std::string& id, Data_entry* entry) {
 }
 
 std::string Item_names::hint(const std::string& unknown) const {
-    constexpr size_t MOST_HINTS = 200;  // of which the others are not shown
     Nearest_name nearest(unknown);
-    if (m_hints++ >= MOST_HINTS) {
-        return "";
-    }
     for (const auto& [id, entry] : m_ids) {
-        nearest.offer(id);
+        if (!offer_within_bounds(nearest, id, m_searched)) {
+            return "";
+        }
     }
     for (const auto& [path, named] : m_paths) {
-        nearest.offer(path);
+        if (!offer_within_bounds(nearest, path, m_searched)) {
+            return "";
+        }
     }
     return nearest.hint();
 }

@@ -34,7 +34,7 @@ private:
         bool is_ambiguous;
     };
 
-    mutable size_t m_hints = 0;  // that were looked for
+    mutable size_t m_searched = 0;  // by all hints
     std::vector<std::string> m_menus;
     std::map<std::string, Named> m_paths;
     std::map<std::string, Data_entry*> m_ids;

@@ -7,6 +7,7 @@
 
 #include <frontpanel_base/json_value.h>
 #include <frontpanel_base/nearest_name.h>
+#include "file/option_names.h"
 #include "file/placeholder.h"
 
 namespace frontpanel {
@@ -219,16 +220,27 @@ Json_node Menu_document::without_member(const Json_node& node, const char* name)
     return Json_node::of_members(m_storage.keep(rest.data(), rest.size()), node.place());
 }
 
-Json_node Menu_document::expand(const Json_node& node, const Scope& scope, bool is_rule) {
+Menu_document::Unknown Menu_document::unknown_in(std::string_view member) {
+    return member == "binding"   ? Unknown::KEPT
+           : member == "options" ? Unknown::NUMBER_KEPT
+                                 : Unknown::REJECTED;
+}
+
+bool Menu_document::stays(Unknown unknown, const Placeholder& placeholder) {
+    return unknown == Unknown::KEPT ||
+           (unknown == Unknown::NUMBER_KEPT && placeholder.text == Option_names::NUMBER);
+}
+
+Json_node Menu_document::expand(const Json_node& node, const Scope& scope, Unknown unknown) {
     count(node.place(), 1);
     if (node.is(Kind::OBJECT) && directive(node, "include") != nullptr) {
         Json_node content;
         include(node, scope,
-                [&](const Json_node& file) { content = expand(file, scope, is_rule); });
+                [&](const Json_node& file) { content = expand(file, scope, unknown); });
         return content;
     }
     if (node.is(Kind::TEXT)) {
-        return expand_text(node, scope, is_rule);
+        return expand_text(node, scope, unknown);
     }
     if (!node.is(Kind::OBJECT) && !node.is(Kind::LIST)) {
         return with_copy(node, scope.copy);
@@ -239,12 +251,12 @@ Json_node Menu_document::expand(const Json_node& node, const Scope& scope, bool 
     }
     ++m_depth;
     const Json_node result =
-        node.is(Kind::OBJECT) ? expand_members(node, scope) : expand_elements(node, scope);
+        node.is(Kind::OBJECT) ? expand_members(node, scope) : expand_elements(node, scope, unknown);
     --m_depth;
     return result;
 }
 
-Json_node Menu_document::expand_text(const Json_node& node, const Scope& scope, bool is_rule) {
+Json_node Menu_document::expand_text(const Json_node& node, const Scope& scope, Unknown unknown) {
     if (scope.copy == nullptr) {
         count_text(node.place(), node.text().size());
         return node;
@@ -256,7 +268,7 @@ Json_node Menu_document::expand_text(const Json_node& node, const Scope& scope, 
         count_text(place, written.size());
         return with_copy(node, scope.copy);
     }
-    const std::string text = replaced(node, scope, is_rule);
+    const std::string text = replaced(node, scope, unknown);
     count_text(place, text.size());
     Json_node result = Json_node::of_text(Kind::TEXT, m_storage.keep(text), place);
     const auto value = scope.values.find(first->name);
@@ -268,11 +280,12 @@ Json_node Menu_document::expand_text(const Json_node& node, const Scope& scope, 
 }
 
 // What stays as it is written stays where it is.
-Json_node Menu_document::expand_elements(const Json_node& node, const Scope& scope) {
+Json_node Menu_document::expand_elements(const Json_node& node, const Scope& scope,
+                                         Unknown unknown) {
     const size_t start = m_elements.size();
     bool is_incomplete = false;
     for (const Json_node& element : node.elements()) {
-        is_incomplete |= !m_problems.attempt([&] { expand_element(element, scope); });
+        is_incomplete |= !m_problems.attempt([&] { expand_element(element, scope, unknown); });
     }
     const Json_span<Json_node> added(m_elements.data() + start, m_elements.size() - start);
     Json_node result = node;
@@ -296,7 +309,7 @@ Json_node Menu_document::expand_members(const Json_node& node, const Scope& scop
         const Place place = with_copy(member.place, scope.copy);
         count_text(place, member.name.size());
         Json_node value(Kind::WRONG, member.value.place());  // until it is known better
-        m_problems.attempt([&] { value = expand(member.value, scope, member.name == "binding"); });
+        m_problems.attempt([&] { value = expand(member.value, scope, unknown_in(member.name)); });
         is_changed = is_changed || !value.is_same(member.value);
         m_members.push_back({member.name, place, value});
     }
@@ -309,7 +322,7 @@ Json_node Menu_document::expand_members(const Json_node& node, const Scope& scop
     return result;
 }
 
-void Menu_document::expand_element(const Json_node& node, const Scope& scope) {
+void Menu_document::expand_element(const Json_node& node, const Scope& scope, Unknown unknown) {
     if (node.member("repeat") != nullptr) {
         repeat(node, scope);
     } else if (directive(node, "template") != nullptr) {
@@ -317,7 +330,7 @@ void Menu_document::expand_element(const Json_node& node, const Scope& scope) {
     } else if (directive(node, "include") != nullptr) {
         include_elements(node, scope);
     } else {
-        const Json_node element = expand(node, scope);
+        const Json_node element = expand(node, scope, unknown);
         m_elements.push_back(element);
     }
 }
@@ -368,12 +381,14 @@ void Menu_document::use_template(const Json_node& node, const Scope& scope) {
     count(node.place(), COPY_COST + node.members().size());
     expect_members(node, {"template", "arguments"});
     const Json_node& name = *directive(node, "template");
-    const std::string title = replaced(name, scope, false);
+    const std::string title = replaced(name, scope, Unknown::REJECTED);
     const auto found = m_templates.find(title);
     if (found == m_templates.end()) {
         Nearest_name nearest(title);
         for (const auto& [known, written] : m_templates) {
-            nearest.offer(known);
+            if (!offer_within_bounds(nearest, known, m_searched)) {
+                break;
+            }
         }
         throw Placed_error(name.place(), "there is no template \"" + title + "\"" + nearest.hint());
     }
@@ -435,7 +450,8 @@ void Menu_document::set_copy(Scope& scope) {
     scope.copy = text.empty() ? nullptr : &m_copies.emplace_back(shortened(std::move(text)));
 }
 
-std::string Menu_document::replaced(const Json_node& text, const Scope& scope, bool is_rule) const {
+std::string Menu_document::replaced(const Json_node& text, const Scope& scope,
+                                    Unknown unknown) const {
     std::string written(text.text());
     if (scope.copy == nullptr) {
         return written;
@@ -450,7 +466,7 @@ std::string Menu_document::replaced(const Json_node& text, const Scope& scope, b
         if (named != scope.named.end()) {
             *named->second = true;
         }
-        if (value == scope.values.end() && !is_rule) {
+        if (value == scope.values.end() && !stays(unknown, *found)) {
             throw Placed_error(place, "\"{" + found->name + "}\" is unknown here");
         }
         if (value == scope.values.end()) {
@@ -483,7 +499,7 @@ void Menu_document::include(const Json_node& node, const Scope& scope,
     }
     count(node.place(), COPY_COST + node.members().size());
     expect_members(node, {"include"});
-    in_file(*written, replaced(*written, scope, false), work);
+    in_file(*written, replaced(*written, scope, Unknown::REJECTED), work);
 }
 
 // The elements of a list in a file take the place of the element that includes it.

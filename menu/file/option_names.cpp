@@ -12,7 +12,6 @@ namespace {
 // In UTF-8, so that a log can be read. A menu file holds ASCII.
 constexpr const char* LETTER_N = "\u00f1";
 constexpr const char* OPEN = "\u00ab";
-constexpr size_t MOST_HINTS = 200;
 constexpr const char* CLOSE = "\u00bb";
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
@@ -84,8 +83,13 @@ std::string Option_names::hint(const std::string& unknown) const {
     if (digits < unknown.size() && m_names.count(stem + "n") > 0) {
         return "; numbered options are declared as \"" + stem + NUMBER + "\"";
     }
-    // A message beyond the most that are shown needs none.
-    return m_hints++ < MOST_HINTS ? hint_of(unknown, m_names) : "";
+    Nearest_name nearest(unknown);
+    for (const std::string& name : m_names) {
+        if (!offer_within_bounds(nearest, name, m_searched)) {
+            break;
+        }
+    }
+    return nearest.hint();
 }
 
 }  // namespace frontpanel

@@ -35,7 +35,7 @@ private:
 
     std::set<std::string> m_names;     // that are no patterns
     std::set<std::string> m_prefixes;  // of patterns
-    mutable size_t m_hints = 0;        // that were looked for
+    mutable size_t m_searched = 0;     // by all hints
 };
 
 }  // namespace frontpanel

@@ -13,8 +13,11 @@ public:
     // The text of `unknown` outlives the object.
     explicit Nearest_name(std::string_view unknown) : m_unknown(unknown) {}
 
+    std::string_view unknown() const { return m_unknown; }
     // Compares a known name, whose text outlives the object.
     void offer(std::string_view known);
+    // Takes back what was offered.
+    void forget() { m_best = {}; }
     // The pairs of letters that `offer` compares.
     static std::size_t cost(std::string_view unknown, std::string_view known);
     // The name with the fewest typing mistakes, at most two and half of its letters, digits excluded; the
@@ -28,6 +31,14 @@ private:
     std::string_view m_best;
     std::size_t m_distance = 0;  // of the best
 };
+
+// Names and pairs of letters that all searches in one set of names look at, which a file may fill with thousands of names
+// and of mistakes: some tenths of a second.
+inline constexpr std::size_t MOST_NAME_SEARCH = 20'000'000;
+
+// Offers a name unless the searches have exceeded that by now; `searched` is theirs in common, 0 at first. False when they
+// have: nothing is found then.
+bool offer_within_bounds(Nearest_name& nearest, std::string_view known, std::size_t& searched);
 
 // The hint for one of several names.
 template <typename Names>

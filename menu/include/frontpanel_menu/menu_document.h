@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,8 @@
 #include <frontpanel_base/problems.h>
 
 namespace frontpanel {
+
+struct Placeholder;
 
 class Menu_document {
 public:
@@ -59,12 +62,23 @@ private:
     void load_templates(const Json_node& templates);
     void load_template(const Json_member& member);
     void warn_of_unused_templates();
-    Json_node expand(const Json_node& node, const Scope& scope, bool is_rule = false);
+    // What becomes of a placeholder that the scope does not know.
+    enum class Unknown {
+        REJECTED,
+        NUMBER_KEPT,  // in lists of options: "slot{n}" is a pattern of numbered options
+        KEPT          // in rules, where braces have another meaning
+    };
+
+    static Unknown unknown_in(std::string_view member);
+    static bool stays(Unknown unknown, const Placeholder& placeholder);
+    Json_node expand(const Json_node& node, const Scope& scope,
+                     Unknown unknown = Unknown::REJECTED);
     Json_node expand_members(const Json_node& node, const Scope& scope);
-    Json_node expand_elements(const Json_node& node, const Scope& scope);
-    Json_node expand_text(const Json_node& node, const Scope& scope, bool is_rule);
+    Json_node expand_elements(const Json_node& node, const Scope& scope, Unknown unknown);
+    Json_node expand_text(const Json_node& node, const Scope& scope, Unknown unknown);
     // What takes the place of an element of a list is appended to m_elements.
-    void expand_element(const Json_node& node, const Scope& scope);
+    void expand_element(const Json_node& node, const Scope& scope,
+                        Unknown unknown = Unknown::REJECTED);
     void repeat(const Json_node& node, const Scope& scope);
     const Json_node& without_repeat(const Json_node& node);
     void use_template(const Json_node& node, const Scope& scope);
@@ -78,7 +92,7 @@ private:
     File& file_of(const Json_node& name, const std::string& text);
     File* find_file(const Json_node& name, const std::string& path);
     std::unique_ptr<Json_document> parse(const Json_node& name, const std::string& path);
-    std::string replaced(const Json_node& text, const Scope& scope, bool is_rule) const;
+    std::string replaced(const Json_node& text, const Scope& scope, Unknown unknown) const;
     Json_node without_member(const Json_node& node, const char* name);
     void count(const Place& place, size_t values);
     void count_text(const Place& place, size_t bytes);
@@ -92,6 +106,7 @@ private:
     std::map<std::string, File*> m_paths;  // null where there is no file
     std::vector<const File*> m_including;  // files inside each other
     std::map<std::string, Template> m_templates;
+    size_t m_searched = 0;                               // by all hints of a template
     std::map<const Json_member*, Json_node> m_repeated;  // by the members with "repeat"
     size_t m_value_count = 0;
     size_t m_text_bytes = 0;

@@ -49,5 +49,21 @@ TEST(NearestName, TheHintQuotesTheName) {
     EXPECT_EQ(name.hint("[", "]"), "; did you mean [gain]?");
 }
 
+TEST(NearestName, SearchesEndWhenAllHaveLookedAtTooMuch) {
+    const std::string known(60, 'k');
+    const std::string unknown = known + "x";
+    size_t searched = 0;
+    size_t offers = 0;
+    Nearest_name name(unknown);
+    while (offer_within_bounds(name, known, searched)) {
+        ++offers;
+        ASSERT_EQ(name.found(), known);
+    }
+    EXPECT_EQ(offers, MOST_NAME_SEARCH / (60 * 61 + 1) + 1);
+    EXPECT_EQ(name.found(), "");
+    Nearest_name later("gian");
+    EXPECT_FALSE(offer_within_bounds(later, "gain", searched));
+}
+
 }  // namespace
 }  // namespace frontpanel

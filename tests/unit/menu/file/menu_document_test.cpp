@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include <frontpanel_menu/entry_access.h>
+#include "file/option_names.h"
 #include "support/folder.h"
 #include "support/panel_fixture.h"
 
@@ -78,6 +79,38 @@ TEST(MenuDocument, BracesThatStandForNothingStayInRules) {
               std::string::npos);
     EXPECT_EQ(tree_of(with_items(R"({"type": "range", "name": "{x} {", "parameter": "gain 1"})")),
               "{x} {");
+}
+
+// A pattern of numbered options, unless the braces name an argument or a counter.
+TEST(MenuDocument, APatternOfOptionsIsWrittenAmongOtherCounters) {
+    std::string text = with_items(
+        R"_({"type": "range", "name": "Gain {s}", "parameter": "gain {s}",
+            "options": ["slot{n}", "gps"],
+            "ranges": [{"min": 0, "max": 4, "options": ["slot{n}"]}, {"min": 5, "max": 9}],
+            "repeat": {"counter": "s", "from": 1, "to": 2}},
+           {"type": "range", "name": "Last {n}", "parameter": "gain {n}", "options": ["slot{n}"],
+            "repeat": {"counter": "n", "from": 3, "to": 3}})_");
+    text.insert(1, R"("options": {"gps": 0, "slot{n}": 8}, )");
+    EXPECT_EQ(error_of(text), "");
+    const Simulated_menu loaded = simulated_text(text);
+    EXPECT_TRUE(loaded.warnings.empty());
+    Option_names names;
+    names.declare("slot{n}");
+    const auto options_of = [&loaded](int item) {
+        Data_entry* entry = loaded.menu->root().Get_child();
+        for (; item > 0; --item) {
+            entry = entry->Get_next();
+        }
+        return entry->Get_options();
+    };
+    EXPECT_EQ(options_of(0).at(0), names.library_name("slot{n}"));
+    EXPECT_EQ(options_of(1).at(0), names.library_name("slot{n}"));
+    EXPECT_EQ(options_of(2).at(0), names.library_name("slot3"));
+    EXPECT_NE(error_of(with_items(R"({"type": "range", "name": "Gain", "parameter": "gain {s}",
+                                      "options": ["slot{m}"],
+                                      "repeat": {"counter": "s", "from": 1, "to": 1}})"))
+                  .find("\"{m}\" is unknown here"),
+              std::string::npos);
 }
 
 TEST(MenuDocument, AnErrorNamesPlaceCopyAndExpectation) {
@@ -198,6 +231,25 @@ TEST(MenuDocument, ErrorsBeforeTheOneThatEndsTheCheckAreReported) {
                      "menu.json: /menu/items/0/template: there is no template \"b\"\n"
                      "menu.json: /menu/items/1/items/0/description: the texts of the menu "
                      "grow beyond 16777216 bytes here (n = 838)"));
+}
+
+// Each use is compared with each name: the most of both would take minutes.
+TEST(MenuDocument, ThousandsOfMistakesInTemplateNamesGetNoProposals) {
+    std::string templates = "{";
+    std::string items;
+    for (int i = 10000; i < 11000; ++i) {
+        const std::string name = std::string(50, 't') + std::to_string(i);
+        templates += (i == 10000 ? "\"" : ", \"") + name + R"(": {"content": []})";
+        items += (i == 10000 ? "" : ", ") + (R"({"template": ")" + name) + R"(x"})";
+    }
+    const std::string errors = error_of(with_items(items, templates + "}"));
+    size_t proposals = 0;
+    for (size_t at = errors.find("did you mean"); at != std::string::npos;
+         at = errors.find("did you mean", at + 1)) {
+        ++proposals;
+    }
+    // Of 1,000 names of 55 x 56 pairs of letters each.
+    EXPECT_EQ(proposals, 20'000'000U / (1000 * (55 * 56 + 1)));
 }
 
 TEST(MenuDocument, AnUnusedTemplateIsWarnedOf) {
