@@ -16,7 +16,16 @@ namespace frontpanel {
 namespace {
 
 constexpr int WATCHED[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
-constexpr int STOP = SIGUSR2;  // sent only to the watch's thread, by its owner
+constexpr int WAKE = SIGUSR2;  // sent to the watch's thread
+
+// What a handler finds: the thread of the watch, and the signal that it hands over.
+std::atomic<pthread_t> watching;
+std::atomic<int> handed_over{0};
+
+void hand_over(int signal_number) {
+    handed_over = signal_number;
+    pthread_kill(watching, WAKE);
+}
 
 timespec span_of(std::chrono::milliseconds time) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
@@ -53,12 +62,16 @@ End_watch::End_watch(std::chrono::milliseconds patience) : m_patience(patience) 
         close_pipe();
         throw;
     }
+    watching = m_thread.native_handle();
+    handed_over = 0;
+    set_signal_taker(hand_over);
     pthread_sigmask(SIG_SETMASK, &of_caller, nullptr);
 }
 
 End_watch::~End_watch() {
+    set_signal_taker(nullptr);
     m_stopped = true;
-    pthread_kill(m_thread.native_handle(), STOP);
+    pthread_kill(m_thread.native_handle(), WAKE);
     m_thread.join();
     pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
     close_pipe();
@@ -85,12 +98,15 @@ void End_watch::force_end(int signal_number) {
 
 void End_watch::watch() {
     sigset_t awaited = m_watched;
-    sigaddset(&awaited, STOP);
+    sigaddset(&awaited, WAKE);
     int taken = 0;
     while (sigwait(&awaited, &taken) != 0) {
     }
     if (m_stopped) {
         return;
+    }
+    if (taken == WAKE && handed_over != 0) {
+        taken = handed_over;
     }
     m_signal = taken;
     if (write(m_wake[1], "", 1) != 1) {

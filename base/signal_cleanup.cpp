@@ -9,7 +9,7 @@
 namespace frontpanel {
 namespace {
 
-constexpr int MOST_ACTS = 4;
+constexpr int MOST_ACTS = 5;
 
 // Read by the handler, on whichever thread the signal comes.
 std::atomic<void (*)()> acts[MOST_ACTS];
@@ -20,10 +20,21 @@ constexpr int REQUESTS[] = {SIGINT,  SIGTERM, SIGHUP,  SIGQUIT, SIGPIPE,
                             SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU};
 constexpr int CRASHES[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGSYS};
 
-extern "C" void act_and_end(int signal_number) {
+std::atomic<void (*)(int)> signal_taker{nullptr};
+
+void act_and_raise(int signal_number) {
     do_last_acts();
     std::signal(signal_number, SIG_DFL);
     std::raise(signal_number);
+}
+
+extern "C" void end_after_fault(int signal_number) {
+    act_and_raise(signal_number);
+}
+
+extern "C" void end_on_request(int signal_number) {
+    void (*const take)(int) = signal_taker;
+    take != nullptr ? take(signal_number) : act_and_raise(signal_number);
 }
 
 void unblock(int signal_number) {
@@ -47,10 +58,10 @@ void handle(const int (&signals)[COUNT], void (*handler)(int)) {
 Signal_cleanup::Signal_cleanup(Ending ending, void (*act)()) : m_ending(ending) {
     acts[act_count] = act;
     if (++act_count == 1) {
-        handle(REQUESTS, act_and_end);
+        handle(REQUESTS, end_on_request);
     }
     if (m_ending == Ending::ANY && ++crash_act_count == 1) {
-        handle(CRASHES, act_and_end);
+        handle(CRASHES, end_after_fault);
     }
 }
 
@@ -64,6 +75,10 @@ Signal_cleanup::~Signal_cleanup() {
     --act_count;
 }
 
+void set_signal_taker(void (*take)(int)) {
+    signal_taker = take;
+}
+
 void do_last_acts() {
     for (int i = act_count - 1; i >= 0; --i) {
         acts[i].load()();
@@ -72,7 +87,7 @@ void do_last_acts() {
 
 void end_by_signal(int signal_number) {
     constexpr int SIGNAL_STATUS = 128;
-    act_and_end(signal_number);
+    act_and_raise(signal_number);
     unblock(signal_number);
     _exit(SIGNAL_STATUS + signal_number);
 }

@@ -12,12 +12,15 @@
 #include <mutex>
 #include <thread>
 
+#include <frontpanel_base/signal_cleanup.h>
+
 namespace frontpanel {
 
 class End_watch {
 public:
     // From now on SIGINT, SIGTERM, SIGHUP, SIGQUIT and a SIGPIPE that is sent to the process are noted; a write to a
-    // closed pipe only fails. The loop has `patience` to end after the first of them: then, or with a second one, the
+    // closed pipe only fails. So are SIGALRM, SIGUSR1, SIGUSR2 and SIGXCPU, which commands that the process runs do not
+    // find blocked: some of them wait for an alarm. The loop has `patience` to end after the first of them: then, or with a second one, the
     // process ends at once, after the act below and the last acts. One watch at a time, created before any other
     // thread. std::system_error when the thread cannot be created.
     explicit End_watch(std::chrono::milliseconds patience = std::chrono::seconds(1));
@@ -39,6 +42,8 @@ private:
     void force_end(int signal_number);
     void close_pipe() const;
 
+    // The signals that are not blocked have its handler, which hands them to the watch.
+    Signal_cleanup m_handlers{Ending::REQUESTED, [] {}};
     std::chrono::milliseconds m_patience;
     sigset_t m_watched{};
     sigset_t m_before{};

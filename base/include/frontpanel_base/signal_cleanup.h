@@ -11,7 +11,7 @@ enum class Ending {
 
 // While the object lives, such a signal calls `act` before it ends the process as it always does, with the
 // signal's own status. A signal that is ignored stays so. Of several acts the youngest is called first; a signal
-// that one of them waits for calls all. Created and destroyed on the menu thread, youngest first; at most four
+// that one of them waits for calls all. Created and destroyed on the menu thread, youngest first; at most five
 // at a time.
 class Signal_cleanup {
 public:
@@ -24,6 +24,10 @@ public:
 private:
     Ending m_ending;
 };
+
+// Who gets the signals that would end the process after the acts, in place of that; null for nobody. `take` may call only
+// what a signal handler may, and is called on any thread.
+void set_signal_taker(void (*take)(int signal_number));
 
 // Calls the acts, youngest first, for a process that is about to end otherwise. From any thread.
 void do_last_acts();

@@ -91,7 +91,7 @@ done
 rm values
 printf 'set 7 8\n' >long.script
 for i in {1..40}; do printf 'tick 1000\n'; done >>long.script
-for signal in INT:130 TERM:143 HUP:129 QUIT:131; do
+for signal in INT:130 TERM:143 HUP:129 QUIT:131 ALRM:142 USR1:138 USR2:140 XCPU:152; do
     rm -f values
     env --default-signal "$PANEL" --menu menu.json --script long.script --state values >output 2>errors &
     exec 3<output

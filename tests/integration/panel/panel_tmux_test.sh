@@ -208,7 +208,7 @@ wait_for "the panel needs standard error" shows_line 1 "$HOMESCREEN"
 terminal send-keys q
 wait_for "status with standard error closed" screen_has "status 0 of closed"
 
-for signal in INT:130 TERM:143 HUP:129 QUIT:131 SEGV:139 ABRT:134 USR1:138; do
+for signal in INT:130 TERM:143 HUP:129 QUIT:131 SEGV:139 ABRT:134 USR1:138 ALRM:142; do
     start "${signal%:*}"
     kill -"${signal%:*}" "$(panel_process)"
     ended "${signal%:*}" "${signal#*:}"

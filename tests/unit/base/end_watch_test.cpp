@@ -40,7 +40,8 @@ void say_good_bye() {
 
 // Each in a process of its own: signals are the whole process's.
 TEST(End_watchDeathTest, ASignalIsNotedAndDoesNotEndTheProcess) {
-    for (const int signal_number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    for (const int signal_number :
+         {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
         EXPECT_EXIT(
             {
                 const End_watch watch{hours(1)};
@@ -51,6 +52,16 @@ TEST(End_watchDeathTest, ASignalIsNotedAndDoesNotEndTheProcess) {
             },
             testing::ExitedWithCode(0), "");
     }
+}
+
+// A tool that waits for an alarm of its own would wait for ever.
+TEST(End_watchDeathTest, AnAlarmIsNotBlockedInACommand) {
+    EXPECT_EXIT(
+        {
+            const End_watch watch{hours(1)};
+            _exit(std::system("kill -ALRM $$; exit 7") == SIGALRM ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 // The call that runs a command ignores SIGINT for its time.
