@@ -134,6 +134,9 @@ int show(const Options& options, Output_log& log) {
     std::optional<End_watch> end;
     watch_for_the_end(end, interactive, keeps_values);
     const Loaded_panel loaded = load(options, log, Cards::ON);
+    if (const std::string& failure = loaded.device->cards_failure(); !failure.empty()) {
+        log.report("warning: " + failure);
+    }
     std::optional<Script> script;
     if (!interactive) {
         script = script_to_play(options);

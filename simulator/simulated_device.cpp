@@ -54,14 +54,6 @@ uint32_t varidx_of(const std::vector<uint16_t>& levels) {
     return varidx;
 }
 
-std::unique_ptr<Card_service> start_cards() {
-    try {
-        return std::make_unique<Card_service>();
-    } catch (const std::runtime_error& error) {
-        throw Input_error(std::string("the cards cannot be started: ") + error.what());
-    }
-}
-
 }  // namespace
 
 // Fills a device from the section of a menu file.
@@ -213,10 +205,19 @@ Simulated_device::Simulated_device(const Json_value& file, Problems& problems, C
     problems.attempt([&] {
         const Json_value section = file.member("device");
         if (cards == Cards::ON && section.find("cards")) {
-            m_cards = start_cards();
+            start_cards();
         }
         Reader(*this, problems).read(section);
     });
+}
+
+// A panel without its cards is of more use than none: the rest of its menu works.
+void Simulated_device::start_cards() {
+    try {
+        m_cards = std::make_unique<Card_service>();
+    } catch (const std::runtime_error& error) {
+        m_cards_failure = std::string("the cards cannot be started: ") + error.what();
+    }
 }
 
 bool Simulated_device::has_document(int slot, uint32_t pid, bool is_tree) const {

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -24,7 +25,7 @@ class Simulated_device {
 public:
     // Reads the member "device" of `file`. What is wrong with it becomes one of `problems`, and work goes on behind it;
     // a device with problems is not meant to be used. With `Cards::ON` a file that has cards gets their service, on a
-    // free port of loopback; Input_error when it cannot be started.
+    // free port of loopback. When it cannot be started there are no cards, and `cards_failure` says why.
     Simulated_device(const Json_value& file, Problems& problems, Cards cards = Cards::OFF);
     Simulated_device(const Simulated_device&) = delete;
     Simulated_device& operator=(const Simulated_device&) = delete;
@@ -34,6 +35,8 @@ public:
     Movement& movement() { return m_movement; }
     // Null when no service runs. Lives as long as the device.
     Card_service* cards() { return m_cards.get(); }
+    // Why the service does not run that was asked for; empty when nothing is wrong.
+    const std::string& cards_failure() const { return m_cards_failure; }
 
     // What a menu over the device cannot know by itself. The product options that the products in the slots bring, one
     // object for each product that has some; valid as long as the file's document.
@@ -47,10 +50,12 @@ public:
 
 private:
     class Reader;
+    void start_cards();
 
     Memory_device m_memory;
     Movement m_movement{m_memory};
     std::unique_ptr<Card_service> m_cards;
+    std::string m_cards_failure;
     std::vector<Json_value> m_product_options;
     std::map<std::pair<int, uint32_t>, bool> m_documents;  // by slot and pid: whether it is a tree
     std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;

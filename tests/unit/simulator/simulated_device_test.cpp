@@ -2,7 +2,10 @@
 #include <frontpanel_simulator/simulated_device.h>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <iostream>
 #include <optional>
 #include <string>
 
@@ -225,6 +228,25 @@ TEST(SimulatedDevice, AMovementKeepsTheLimits) {
         simulation->movement().advance(std::chrono::seconds(3));
         EXPECT_EQ(simulation->memory().integer(5, 0), 7) << bad;
     }
+}
+
+// In a process of its own, which has no descriptor left.
+[[noreturn]] void start_without_descriptors() {
+    const int next = dup(STDERR_FILENO);
+    rlimit none_left{};
+    none_left.rlim_cur = static_cast<rlim_t>(next);
+    none_left.rlim_max = none_left.rlim_cur;
+    close(next);
+    setrlimit(RLIMIT_NOFILE, &none_left);
+    Simulation simulation(with_card(R"("combo-boxes": [{"pid": 9000, "options": ["a"]}])"),
+                          Cards::ON);
+    std::cerr << simulation->cards_failure() << '\n';
+    _exit(simulation->cards() == nullptr && simulation->has_document(3, 9000, false) ? 0 : 1);
+}
+
+TEST(Simulated_deviceDeathTest, WithoutItsCardServiceTheDeviceIsUsable) {
+    EXPECT_EXIT(start_without_descriptors(), testing::ExitedWithCode(0),
+                "^the cards cannot be started: the card service ");
 }
 
 }  // namespace
