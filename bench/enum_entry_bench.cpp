@@ -79,6 +79,20 @@ void step_to_and_fro(benchmark::State& state) {
 }
 BENCHMARK(step_to_and_fro)->Arg(4)->Arg(1000);
 
+// All lines of a list, one after the other.
+void display_each_position(benchmark::State& state) {
+    Options options(static_cast<std::size_t>(state.range(0)), "Option");
+    Bench_entry entry(options);
+    const int last = static_cast<int>(options.size()) - 1;
+    char line[21];
+    int position = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(entry.Get_display_string(line, 20, position));
+        position = position == last ? 0 : position + 1;
+    }
+}
+BENCHMARK(display_each_position)->Arg(10)->Arg(100)->Arg(1000)->Arg(20000);
+
 void display(benchmark::State& state, std::size_t text_length) {
     Options options(2, std::string(text_length, 'x'));
     Bench_entry entry(options);

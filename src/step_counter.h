@@ -11,7 +11,8 @@ namespace step_counter {
 inline std::atomic<std::size_t> children_walked{0};  // to find a child or the end of its list
 inline std::atomic<std::size_t> dependants_compared{
     0};  // to see whether an entry is still a dependant
-inline std::atomic<std::size_t> siblings_compared{0};  // to see whether a walk leads back
+inline std::atomic<std::size_t> siblings_compared{0};   // to see whether a walk leads back
+inline std::atomic<std::size_t> positions_searched{0};  // to find the option at a position
 
 }  // namespace step_counter
 

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -191,10 +192,16 @@ private:
     bool is_key_shown(int key, const std::vector<std::string>& options);
     void show_all_options();
     void number_options(const ControlsT& common, bool all_visible);
+    FRONTPANEL_DATA_LOCAL void index_positions();
+    FRONTPANEL_DATA_LOCAL int first_key_at(int position);
+
+    struct Keys_by_position;
 
     int m_text_count;            // texts in `m_value`
     bool m_owns_texts;           // `m_value` came from a card
     bool m_reported_lists_only;  // `control_options` was empty until a report filled it
+    // Of `map_enum_to_options` while it is large.
+    std::unique_ptr<Keys_by_position> m_keys_by_position;
 };
 
 #pragma GCC diagnostic pop

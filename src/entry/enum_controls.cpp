@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "../diagnostics.h"
+#include "keys_by_position.h"
 #include "option_test.h"
 
 void Enum_entry::Set_control_options(std::map<int, std::vector<std::string>> options) {
@@ -145,6 +146,7 @@ void Enum_entry::show_all_options() {
     for (int key = 0; key < m_size_enum; ++key) {
         map_enum_to_options[key] = key;
     }
+    index_positions();
 }
 
 void Enum_entry::number_options(const ControlsT& common, bool all_visible) {
@@ -156,4 +158,5 @@ void Enum_entry::number_options(const ControlsT& common, bool all_visible) {
             map_enum_to_options[key] = -1;
         }
     }
+    index_positions();
 }

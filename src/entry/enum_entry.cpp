@@ -10,12 +10,16 @@
 #include "../assertion.h"
 #include "../diagnostics.h"
 #include "../marquee.h"
+#include "../step_counter.h"
 #include "dependants.h"
+#include "keys_by_position.h"
 
 namespace {
 
 constexpr int CURRENT_OPTION = -1;
 constexpr int REFUSED = -1;
+// Options among which searching is as fast as looking up.
+constexpr std::size_t MOST_SEARCHED = 16;
 constexpr char NO_TEXT[] = "-";
 
 void deliver(void* out, unsigned int length, int value) {
@@ -72,7 +76,8 @@ Enum_entry::Enum_entry(const char* name, const char* description, unsigned int p
       m_LiveDataProcessor(liveDataProcessor),
       m_text_count(static_cast<int>(enum_size)),
       m_owns_texts(false),
-      m_reported_lists_only(false) {
+      m_reported_lists_only(false),
+      m_keys_by_position() {
     FRONTPANEL_ASSERT(min >= 0, "min>=0");
     FRONTPANEL_ASSERT(static_cast<unsigned int>(max) <= enum_size, "(unsigned)max<=enum_size");
     FRONTPANEL_ASSERT(enum_array, "enum_array");
@@ -149,15 +154,51 @@ void Enum_entry::Update_value(char** enum_array, int size) {
 }
 
 int Enum_entry::valueToKey(const std::map<int, int>& map, int value) {
+    // While the lines of a search are shown it searches.
+    if (&map == &map_enum_to_options && map.size() > MOST_SEARCHED &&
+        !(diagnostics::leaf_gate() && (debug & diagnostics::GENERAL) != 0)) {
+        const int key = first_key_at(value);
+        if (key != NO_KEY) {
+            return key;
+        }
+    }
+    std::size_t steps = 0;
+    int found = NO_KEY;
     for (const auto& [key, position] : map) {
+        ++steps;
         LEAF_LINE(GENERAL, FUNCTION_FIRST, "valueToKey", "it->second=[%d] value=[%d] name=[%s]\n",
                   position, value, Get_name());
         if (position == value) {
             LEAF_LINE(GENERAL, TAB, "valueToKey", "Returning it->second=[%d]=value\n", position);
-            return key;
+            found = key;
+            break;
         }
     }
-    return -1;
+    step_counter::positions_searched += steps;
+    return found;
+}
+
+void Enum_entry::index_positions() {
+    m_keys_by_position.reset();
+    if (map_enum_to_options.size() > MOST_SEARCHED) {
+        m_keys_by_position = std::make_unique<Keys_by_position>(map_enum_to_options);
+    }
+}
+
+// `NO_KEY` when only a search can tell. A class of the application may have written the map by itself: then a key may
+// have another position by now.
+int Enum_entry::first_key_at(int position) {
+    const bool is_current =
+        m_keys_by_position != nullptr && m_keys_by_position->map_size == map_enum_to_options.size();
+    if (!is_current) {
+        index_positions();
+    }
+    if (m_keys_by_position == nullptr || !m_keys_by_position->has(position)) {
+        return NO_KEY;
+    }
+    const int key = m_keys_by_position->at(position);
+    const auto found = map_enum_to_options.find(key);
+    return found != map_enum_to_options.end() && found->second == position ? key : NO_KEY;
 }
 
 int Enum_entry::Get_key_enum(void* value, unsigned int length) {

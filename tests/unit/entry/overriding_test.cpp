@@ -51,8 +51,8 @@ TEST(Overriding, NoneIsInTheLibrarysOwnClasses) {
     Menu menu;
     Time_entry time("Time", "A time", 1, support::any_index(), 8, nullptr, Data_entry::READ_WRITE,
                     1, true, -1, nullptr, nullptr, nullptr);
-    for (const Data_entry* const entry : {static_cast<Data_entry*>(&menu),
-                                          static_cast<Data_entry*>(&time)}) {
+    for (const Data_entry* const entry :
+         {static_cast<Data_entry*>(&menu), static_cast<Data_entry*>(&time)}) {
         EXPECT_EQ(overriding::of_print(*entry), Version::BASE);
         EXPECT_EQ(overriding::of_is_visible(*entry), Version::BASE);
     }
