@@ -20,17 +20,23 @@
 #include <frontpanel_simulator/state_keeper.h>
 #include <frontpanel_ui/panel.h>
 #include "curl_home.h"
+#include "driver_work.h"
 #include "file_roles.h"
 #include "loaded_panel.h"
 #include "options.h"
 #include "output_log.h"
 #include "playing.h"
+#include "probe.h"
 #include "reports.h"
 #include "rule_state.h"
 #include "using_panel.h"
 
 namespace frontpanel {
 namespace {
+
+// How long the end waits for what was written. A signal gives the process no more than a second.
+constexpr std::chrono::milliseconds LAST_WRITES(3000);
+constexpr std::chrono::milliseconds SIGNALLED_WRITES(700);
 
 // What the transfers of live data need while the cards run.
 std::optional<Curl_home> prepare_transfers(Simulated_device& device) {
@@ -142,8 +148,12 @@ int show(const Options& options, Output_log& log) {
         script = script_to_play(options);
     }
     const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device);
+    start_drivers(loaded, interactive ? First_values::NOT_AWAITED : First_values::AWAITED);
     const auto use_it = [&] {
-        return use(options, display, script, loaded, log, interactive ? &*end : nullptr);
+        const int status =
+            use(options, display, script, loaded, log, interactive ? &*end : nullptr);
+        const bool is_signalled = end && end->signal_number() != 0;
+        return finish_writes(loaded, log, status, is_signalled ? SIGNALLED_WRITES : LAST_WRITES);
     };
     return keeps_values ? use_keeping_values(options, loaded, *end, use_it) : use_it();
 }
@@ -208,7 +218,10 @@ int run_options(int argc, const char* const* argv) {
     }
     Output_log log(options.log);
     debug = options.debug;
-    return options.check ? check(options, log) : show(options, log);
+    if (options.check) {
+        return check(options, log);
+    }
+    return options.probe ? probe(options, log) : show(options, log);
 }
 
 }  // namespace

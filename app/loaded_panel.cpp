@@ -1,21 +1,59 @@
 #include "loaded_panel.h"
 
-namespace frontpanel {
+#include <filesystem>
 
-Loaded_panel load_panel(const std::string& file, Cards cards, int columns) {
+#include "driver_table.h"
+
+namespace frontpanel {
+namespace {
+
+std::unique_ptr<Driven_device> driven_device(const std::string& file, const Json_value& root,
+                                             Problems& problems, Data_interface& others) {
+    const std::string folder = std::filesystem::path(file).parent_path().string();
+    Device_cache_settings settings;
+    settings.end_patience =
+        std::chrono::milliseconds(200);  // the panel's end waits for writes before
+    return std::make_unique<Driven_device>(root, problems, driver_table(), folder, others,
+                                           std::move(settings));
+}
+
+// Also without a source: what is wrong with drivers is reported whether they are used or not.
+bool has_drivers(const Json_value& root) {
+    const auto device = root.is_object() ? root.find("device") : std::nullopt;
+    return has_sources(root) || (device && device->is_object() && device->find("drivers"));
+}
+
+}  // namespace
+
+Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drivers drivers) {
     Menu_document document(file);
-    auto device = std::make_unique<Simulated_device>(document.root(), document.problems(), cards);
+    Problems& problems = document.problems();
+    const Json_value root = document.root();
+    const bool is_driven = drivers != Drivers::SIMULATED && has_drivers(root);
+    Loaded_panel panel;
+    panel.device = std::make_unique<Simulated_device>(
+        root, problems, cards, is_driven ? Sources::LEFT_OUT : Sources::SIMULATED);
+    if (is_driven) {
+        panel.driven = driven_device(file, root, problems, panel.device->memory());
+        if (drivers == Drivers::CHECKED) {
+            panel.driven->check(problems);
+        }
+    }
+    Simulated_device& device = *panel.device;
     Loading loading;
     loading.columns = columns;
-    loading.card_service = device->cards() != nullptr ? device->cards()->address() : "";
-    loading.simulator =
-        Simulator_facts{device->product_options(),
-                        [&simulated = *device](int slot, uint32_t pid, bool is_tree) {
-                            return simulated.has_document(slot, pid, is_tree);
-                        },
-                        device->wrong_parameters()};
-    Loaded_menu loaded = load_menu(document, device->memory(), loading);
-    return {std::move(device), std::move(loaded.menu), std::move(loaded.warnings)};
+    loading.card_service = device.cards() != nullptr ? device.cards()->address() : "";
+    loading.simulator = Simulator_facts{device.product_options(),
+                                        [&device](int slot, uint32_t pid, bool is_tree) {
+                                            return device.has_document(slot, pid, is_tree);
+                                        },
+                                        device.wrong_parameters()};
+    Data_interface& access =
+        is_driven ? static_cast<Data_interface&>(panel.driven->cache()) : device.memory();
+    Loaded_menu loaded = load_menu(document, access, loading);
+    panel.menu = std::move(loaded.menu);
+    panel.warnings = std::move(loaded.warnings);
+    return panel;
 }
 
 }  // namespace frontpanel

@@ -1,4 +1,4 @@
-// A menu file with the simulated device that it describes.
+// A menu file with the device that it describes: drivers of a real one, and a simulator for everything else.
 #ifndef FRONTPANEL_APP_LOADED_PANEL_H
 #define FRONTPANEL_APP_LOADED_PANEL_H
 
@@ -6,19 +6,31 @@
 #include <string>
 #include <vector>
 
+#include <frontpanel_drivers/driven_device.h>
 #include <frontpanel_menu/menu_loader.h>
 #include <frontpanel_simulator/simulated_device.h>
 
 namespace frontpanel {
 
+// What becomes of parameters with a "source".
+enum class Drivers {
+    SIMULATED,  // the simulator takes the place of all drivers
+    LOADED,     // they live at the drivers of the file
+    CHECKED     // the same, and the drivers add their warnings
+};
+
 struct Loaded_panel {
-    std::unique_ptr<Simulated_device> device;  // outlives the menu
+    std::unique_ptr<Simulated_device> device;  // outlives what follows
+    std::unique_ptr<Driven_device>
+        driven;  // outlives the menu; null when no parameter lives at a driver
     std::unique_ptr<Menu> menu;
     std::vector<std::string> warnings;
 };
 
-// Input_error and Input_errors as `load_menu` throws them. `columns` are those of the display.
-Loaded_panel load_panel(const std::string& file, Cards cards, int columns);
+// Input_error and Input_errors as `load_menu` throws them. `columns` are those of the display. The drivers work once the
+// cache of `driven` is started.
+Loaded_panel load_panel(const std::string& file, Cards cards, int columns,
+                        Drivers drivers = Drivers::LOADED);
 
 }  // namespace frontpanel
 

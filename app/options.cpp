@@ -126,6 +126,7 @@ void describe_front(CLI::App& app, Options& options) {
         ->type_name("SECONDS");
     app.add_flag("--no-acceleration", options.no_acceleration, "Disable encoder acceleration");
     app.add_flag("--still", options.still, "Keep the simulated device from moving by itself");
+    app.add_flag("--simulate", options.simulate, "Simulate what lives at drivers");
     add_file(app, "--pin-file", options.pin_file, "Lock with the PIN in this file");
 }
 
@@ -146,8 +147,11 @@ void describe_reports(CLI::App& app, Options& options) {
             ->check([](const std::string& given) {
                 return given.empty() ? "expected a path or an id" : std::string();
             });
-    dump->excludes(graph)->excludes(explain);
-    graph->excludes(explain);
+    CLI::Option* const probe =
+        app.add_flag("--probe", options.probe, "Read each driver's parameters once, then exit");
+    dump->excludes(graph)->excludes(explain)->excludes(probe);
+    graph->excludes(explain)->excludes(probe);
+    explain->excludes(probe);
 }
 
 // Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1, one in
@@ -200,6 +204,7 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
         if (!options.config.empty()) {
             configure(app, options.config);
         }
+        options.menu = menu_file(options.menu);
     } catch (const CLI::Success& help) {
         app.exit(help, out, errors);
         if (!out.flush()) {

@@ -41,6 +41,8 @@ struct Options {
     bool graph = false;            // only print the menu as a graph
     std::string explain;           // the entry to explain; empty for none
     bool still = false;            // nothing of the simulated device moves by itself
+    bool simulate = false;         // the simulator takes the place of all drivers
+    bool probe = false;            // only read every parameter that lives at a driver
     bool check = false;            // only check the menu, and the script if one is named
 };
 

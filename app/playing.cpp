@@ -9,6 +9,7 @@
 #include <frontpanel_displays/picture.h>
 #include <frontpanel_ui/panel.h>
 #include <frontpanel_ui/script_player.h>
+#include "driver_work.h"
 #include "reports.h"
 #include "shipped.h"
 #include "simulated_script_device.h"
@@ -57,10 +58,12 @@ std::string script_of(const Options& options) {
 }
 
 // Each step of a script's encoder is one, however fast the script is played.
-Panel_options options_for_script(const Options& options, Menu& menu, Output_log& log) {
-    Panel_options panel = panel_options_of(options, menu, log);
-    panel.encoder->acceleration = false;
-    return panel;
+Panel_options options_for_script(const Options& options, const Loaded_panel& loaded,
+                                 Output_log& log, Panel* const& panel) {
+    Panel_options of_script = panel_options_of(options, *loaded.menu, log);
+    of_script.encoder->acceleration = false;
+    follow_drivers(of_script, loaded, log, panel, Pace::OF_A_SCRIPT);
+    return of_script;
 }
 
 }  // namespace
@@ -76,7 +79,9 @@ Script script_to_play(const Options& options) {
 
 int play(const Options& options, const Display_row& display, const Script& script,
          const Loaded_panel& loaded, Output_log& log) {
-    Panel panel(*loaded.menu, options_for_script(options, *loaded.menu, log));
+    Panel* shown = nullptr;
+    Panel panel(*loaded.menu, options_for_script(options, loaded, log, shown));
+    shown = &panel;
     if (!options.screenshot.empty()) {
         return take_picture(options, script, panel, loaded);
     }
@@ -88,7 +93,9 @@ int play_unseen(const Options& options, const Loaded_panel& loaded, Output_log& 
     std::ostringstream unseen;
     const Display_setup setup{"",     options.size, options.keys, log.out_descriptor(),
                               unseen, std::cerr};
-    Panel panel(*loaded.menu, options_for_script(options, *loaded.menu, log));
+    Panel* shown = nullptr;
+    Panel panel(*loaded.menu, options_for_script(options, loaded, log, shown));
+    shown = &panel;
     return play_on(script, panel, loaded, *default_display(false).open_display(setup), unseen);
 }
 

@@ -13,6 +13,7 @@
 #include <frontpanel_menu/menu_graph.h>
 #include <frontpanel_simulator/state_file.h>
 #include <frontpanel_ui/script.h>
+#include "driver_work.h"
 #include "playing.h"
 #include "using_panel.h"
 
@@ -32,7 +33,10 @@ std::string report_of(const Options& options, Menu& menu) {
 // The library reports mistakes of an expression to standard error, where the panel prints one line of its own.
 Loaded_panel load(const Options& options, Output_log& log, Cards cards) {
     log.take_errors();
-    Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns);
+    const Drivers drivers = options.simulate ? Drivers::SIMULATED
+                            : options.check  ? Drivers::CHECKED
+                                             : Drivers::LOADED;
+    Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns, drivers);
     log.return_errors();
     return loaded;
 }
@@ -89,6 +93,7 @@ int report(const Options& options) {
     const Loaded_panel loaded = load(options, log, Cards::OFF);
     VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
     restore_state(options, *loaded.device);
+    start_drivers(loaded, First_values::AWAITED);
     const int status = options.script.empty() ? EXIT_PLAYED : play_unseen(options, loaded, log);
     refresh_all(*loaded.menu);
     log.out() << report_of(options, *loaded.menu);

@@ -25,6 +25,19 @@ std::string shipped_menu() {
     return shipped("demo.json");
 }
 
+std::string menu_file(const std::string& given, const std::string& folder) {
+    std::error_code error;
+    if (given.empty() || given.find('/') != std::string::npos || fs::exists(given, error)) {
+        return given;
+    }
+    const fs::path menu = fs::path(folder) / (given + ".json");
+    return fs::exists(menu, error) ? menu.string() : given;
+}
+
+std::string menu_file(const std::string& given) {
+    return menu_file(given, fs::path(shipped_menu()).parent_path().string());
+}
+
 std::string shipped_tour() {
     return shipped("tour.script");
 }

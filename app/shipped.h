@@ -9,6 +9,12 @@ namespace frontpanel {
 std::string shipped_menu();
 std::string shipped_tour();
 
+// The file of a menu that somebody named: the name of a menu that ships with the panel, such as "this-machine", stands for
+// its file in `folder`, unless there is a file of that name.
+std::string menu_file(const std::string& given, const std::string& folder);
+// The same with the folder of the menus that ship with this panel.
+std::string menu_file(const std::string& given);
+
 // The folder of these files as seen from a program's own file: an installed program has them beside it, under
 // the same prefix, and so has one in the tree where it was built.
 std::string shipped_folder(const std::string& program);

@@ -11,6 +11,7 @@ namespace frontpanel {
 Caching_device::Caching_device(Data_interface& device, std::shared_ptr<Binding_registry> registry)
     : m_device(device),
       m_sockets(dynamic_cast<Pdt_data_access*>(&device)),
+      m_states(dynamic_cast<const Value_states*>(&device)),
       m_registry(std::move(registry)) {
     go_home = device.go_home;
     lock_and_dim = device.lock_and_dim;
@@ -24,6 +25,10 @@ Caching_device::~Caching_device() {
 
 bool Caching_device::last_read_failed(uint32_t pid, uint32_t varidx) const {
     return m_failed_reads.count(address(pid, varidx)) > 0;
+}
+
+std::optional<Value_state> Caching_device::state(uint32_t pid, uint32_t varidx) const {
+    return m_states != nullptr ? m_states->state(pid, varidx) : std::nullopt;
 }
 
 void Caching_device::Init() {

@@ -179,9 +179,10 @@ bool Device_cache::has(std::uint32_t pid, std::uint32_t varidx) const {
     return place_of(pid, varidx) != nullptr;
 }
 
-Value_state Device_cache::state(std::uint32_t pid, std::uint32_t varidx) const {
+std::optional<Value_state> Device_cache::state(std::uint32_t pid, std::uint32_t varidx) const {
     const Place* const place = place_of(pid, varidx);
-    return place == nullptr ? Value_state() : place->desk->state(place->number);
+    return place == nullptr ? std::nullopt
+                            : std::optional<Value_state>(place->desk->state(place->number));
 }
 
 int Device_cache::descriptor() const {
@@ -242,6 +243,14 @@ void Device_cache::read_all(std::chrono::milliseconds most) {
         }
         return is_done;
     });
+}
+
+std::vector<Driven_value> Device_cache::values() const {
+    std::vector<Driven_value> all;
+    for (const std::shared_ptr<Driver_desk>& desk : m_desks) {
+        desk->add_values(all);
+    }
+    return all;
 }
 
 bool Device_cache::step() {

@@ -121,6 +121,10 @@ Driver_desk::Sight Driver_desk::sight(const Record& record, Time time) const {
     return {std::move(value), freshness(record, time), is_writing};
 }
 
+bool Driver_desk::has_failed(const Record& record, Time time) const {
+    return !record.failure.empty() || hangs(time) || (!m_is_connected && m_is_told_away);
+}
+
 std::string Driver_desk::reason(const Record& record, Time time) const {
     if (!m_is_connected && m_is_told_away) {
         return m_away_reason;
@@ -132,6 +136,18 @@ std::string Driver_desk::reason(const Record& record, Time time) const {
         return record.failure;
     }
     return freshness(record, time) == Freshness::FRESH ? "" : NOT_READ;
+}
+
+Value_state Driver_desk::state_of(const Record& record, Time time) const {
+    Value_state state;
+    state.freshness = freshness(record, time);
+    state.is_writing = record.unsent || record.in_flight;
+    state.has_failed = has_failed(record, time);
+    if (record.is_known) {
+        state.age = std::chrono::duration_cast<Milliseconds>(time - record.taken);
+    }
+    state.reason = reason(record, time);
+    return state;
 }
 
 template <typename Change>
@@ -192,16 +208,16 @@ void Driver_desk::set(std::size_t number, Parameter_value value) {
 
 Value_state Driver_desk::state(std::size_t number) const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const Record& record = m_records[number];
+    return state_of(m_records[number], now());
+}
+
+void Driver_desk::add_values(std::vector<Driven_value>& values) const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     const Time time = now();
-    Value_state state;
-    state.freshness = freshness(record, time);
-    state.is_writing = record.unsent || record.in_flight;
-    if (record.is_known) {
-        state.age = std::chrono::duration_cast<Milliseconds>(time - record.taken);
+    for (const Record& record : m_records) {
+        values.push_back(
+            {m_name, record.parameter.name, sight(record, time).value, state_of(record, time)});
     }
-    state.reason = reason(record, time);
-    return state;
 }
 
 std::vector<Unsent_write> Driver_desk::outstanding() const {
@@ -210,7 +226,7 @@ std::vector<Unsent_write> Driver_desk::outstanding() const {
     for (const Record& record : m_records) {
         if (record.unsent) {
             writes.push_back({m_name, record.parameter.name,
-                              m_is_connected ? "not sent in time" : m_away_reason});
+                              m_is_told_away ? m_away_reason : "not sent in time"});
         } else if (record.in_flight) {
             writes.push_back(
                 {m_name, record.parameter.name, "no answer: it may or may not have been written"});

@@ -44,6 +44,7 @@ public:
     std::optional<Parameter_value> get(std::size_t number);
     void set(std::size_t number, Parameter_value value);
     Value_state state(std::size_t number) const;
+    void add_values(std::vector<Driven_value>& values) const;
     // The writes that have not reached the device.
     std::vector<Unsent_write> outstanding() const;
     // A driver that is away is tried at once.
@@ -103,7 +104,9 @@ private:
     bool is_wanted(const Record& record, Time time) const;
     Freshness freshness(const Record& record, Time time) const;
     Sight sight(const Record& record, Time time) const;
+    bool has_failed(const Record& record, Time time) const;
     std::string reason(const Record& record, Time time) const;
+    Value_state state_of(const Record& record, Time time) const;
     // Does `change`, and tells the menu thread when somebody sees a difference.
     template <typename Change>
     void changing(Record& record, Change change);

@@ -315,6 +315,11 @@ Write_gate::Outcome Write_gate::failure(const Wanted_value& wanted, std::string 
     return outcome;
 }
 
+std::string Write_gate::why_unreadable(const Device_variable& variable) const {
+    const auto state = m_menu.access().state(variable.pid, variable.varidx);
+    return !state || state->reason.empty() ? "cannot be read" : "value unknown: " + state->reason;
+}
+
 Write_gate::Outcome Write_gate::write(const std::vector<Wanted_value>& values, Hidden_items hidden,
                                       const std::vector<std::string>& accepted) {
     Verdict verdict = check(values, hidden);
@@ -333,7 +338,7 @@ Write_gate::Outcome Write_gate::write(const std::vector<Wanted_value>& values, H
     // What could not be put back is not touched.
     for (const Wanted_value& wanted : values) {
         if (!read_value(m_menu.access(), wanted.variable, wanted.value.rt)) {
-            return refused(refusal_of(wanted, "cannot be read"));
+            return refused(refusal_of(wanted, why_unreadable(wanted.variable)));
         }
     }
     Write_journal journal(m_menu.access(), *m_menu.bindings());

@@ -85,6 +85,10 @@ private:
         if (!m_declared.insert(key).second) {
             return;  // the menu reports a second declaration
         }
+        const bool is_elsewhere = parameter.find("source").has_value();
+        if (is_elsewhere && m_device.m_sources == Sources::LEFT_OUT) {
+            return;
+        }
         const bool is_text = is_text_parameter(parameter);
         const size_t errors = m_problems.error_count();
         is_text ? read_text(parameter, key) : read_number(parameter, key);
@@ -93,10 +97,19 @@ private:
         }
     }
 
+    // Required of a parameter that lives nowhere else.
+    static std::optional<Json_value> start_value(const Json_value& parameter) {
+        return parameter.find("source") ? parameter.find("value")
+                                        : std::optional<Json_value>(parameter.member("value"));
+    }
+
     void read_number(const Json_value& parameter, const Key& key) {
         const auto [min, max] = number_limits_of(parameter, m_problems);
         const auto value = static_cast<int32_t>(m_problems.value_or(
-            [&, low = min, high = max] { return parameter.member("value").integer(low, high); },
+            [&, low = min, high = max] {
+                const auto start = start_value(parameter);
+                return start ? start->integer(low, high) : std::clamp<int64_t>(0, low, high);
+            },
             int64_t{min}));
         m_device.m_memory.add_integer(key.first, key.second, min, max, value);
         if (const auto moves = parameter.find("moves")) {
@@ -114,7 +127,11 @@ private:
     void read_text(const Json_value& parameter, const Key& key) {
         const size_t most = text_limit_of(parameter, m_problems);
         const std::string value = m_problems.value_or(
-            [&] { return parameter.member("value").text_of_length(0, most); }, std::string());
+            [&] {
+                const auto start = start_value(parameter);
+                return start ? start->text_of_length(0, most) : std::string();
+            },
+            std::string());
         m_device.m_memory.add_text(key.first, key.second, most, value);
     }
 
@@ -201,7 +218,9 @@ private:
     std::map<prod_id_t, std::string> m_aliases;
 };
 
-Simulated_device::Simulated_device(const Json_value& file, Problems& problems, Cards cards) {
+Simulated_device::Simulated_device(const Json_value& file, Problems& problems, Cards cards,
+                                   Sources sources)
+    : m_sources(sources) {
     problems.attempt([&] {
         const Json_value section = file.member("device");
         if (cards == Cards::ON && section.find("cards")) {

@@ -72,6 +72,10 @@ public:
 
     // Shows a fault of a rule, unless the device is to blame: that shows where its values do.
     void tell_fault(const Rule_fault& fault);
+    // Shows what happened at the device, unless it is shown already.
+    void tell_device(const std::string& title, const std::string& text) {
+        m_notices.tell_once(title, text, true);
+    }
     // Shows a text of the binding engines, such as a warning about a value, when the panel next stands still.
     void warn(const std::string& text) { m_editing.warn(text); }
 

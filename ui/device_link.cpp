@@ -2,7 +2,9 @@
 
 #include <arpa/inet.h>
 
+#include <frontpanel_binding/parameter_address.h>
 #include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/list_line.h>
 #include <frontpanel_menu/menu.h>
 #include <frontpanel_ui/panel.h>
 
@@ -15,18 +17,28 @@ bool is_loopback(const std::string& address) {
            ntohl(parsed.s_addr) >> IN_CLASSA_NSHIFT == IN_LOOPBACKNET;
 }
 
+const char* mark_of(const std::optional<Value_state>& state) {
+    if (state && state->is_writing) {
+        return WRITING_MARK;
+    }
+    return state && state->freshness == Freshness::OLD ? OLD_MARK : "";
+}
+
 Device_link link_to(Menu& menu) {
-    const auto read_failed = [&device = menu.access()](const Data_entry& entry) {
-        if (is_live(entry) || entry.Get_pid() == Data_entry::PID_NONE) {
-            return false;
-        }
-        unsigned int varidx = 0;
-        Data_model::Index_convert(entry.Get_index(), varidx);
-        return device.last_read_failed(entry.Get_pid(), varidx);
+    const auto has_parameter = [](const Data_entry& entry) {
+        return !is_live(entry) && entry.Get_pid() != Data_entry::PID_NONE;
+    };
+    const auto read_failed = [has_parameter, &device = menu.access()](const Data_entry& entry) {
+        return has_parameter(entry) &&
+               device.last_read_failed(entry.Get_pid(), varidx_of(*entry.Get_index()));
+    };
+    const auto state = [has_parameter, &device = menu.access()](const Data_entry& entry) {
+        return has_parameter(entry) ? device.state(entry.Get_pid(), varidx_of(*entry.Get_index()))
+                                    : std::nullopt;
     };
     const auto poll = [&menu](size_t at_most) { menu.bindings()->poll(at_most); };
     const auto settle = [&menu] { return menu.bindings()->settle(); };
-    return {menu.access(), menu.gate(), read_failed, is_loopback, can_post, poll, settle};
+    return {menu.access(), menu.gate(), read_failed, state, is_loopback, can_post, poll, settle};
 }
 
 }  // namespace frontpanel

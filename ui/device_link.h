@@ -2,11 +2,13 @@
 #ifndef FRONTPANEL_UI_DEVICE_LINK_H
 #define FRONTPANEL_UI_DEVICE_LINK_H
 
+#include <frontpanel_base/value_state.h>
 #include <frontpanel_binding/binding_report.h>
 #include <frontpanel_data/data_entry.h>
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace frontpanel {
@@ -20,6 +22,8 @@ struct Device_link {
     // Whether the last read of the entry's parameter failed. The entry's own refresh cannot tell: it reports
     // a failed read and a corrected value alike.
     std::function<bool(const Data_entry&)> read_failed;
+    // What is known of the value that the entry shows; nothing where every read asks the device itself.
+    std::function<std::optional<Value_state>(const Data_entry&)> state;
     // Whether an address belongs to the device's network, so that it may be asked for an answer.
     std::function<bool(const std::string&)> may_probe;
     // Whether a choice can be posted to a card. The entry's own commit cannot tell.
@@ -29,6 +33,9 @@ struct Device_link {
     // Brings every entry up to date with what was read and written since.
     std::function<Binding_settlement()> settle;
 };
+
+// The mark of a value that is being written, or is old; empty for any other.
+const char* mark_of(const std::optional<Value_state>& state);
 
 // Whether the text is an IPv4 address in figures, 127.0.0.0 to 127.255.255.255.
 bool is_loopback(const std::string& address);

@@ -1,6 +1,7 @@
 #include <frontpanel_ui/main_loop.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include <frontpanel_ui/panel.h>
 
@@ -29,6 +30,10 @@ void Main_loop::turn() {
     }
     if (m_over) {
         return;
+    }
+    pollfd device{m_panel.device_descriptor(), POLLIN, 0};
+    if (poll(&device, 1, 0) > 0) {
+        m_panel.hurry();
     }
     if (m_panel.now() >= m_panel.due()) {
         m_panel.tick();
@@ -94,10 +99,11 @@ Time Main_loop::due() const {
 }
 
 void Main_loop::wait(const End_watch& end) const {
-    pollfd sources[] = {m_front.source(), {end.descriptor(), POLLIN, 0}};
+    pollfd sources[] = {
+        m_front.source(), {end.descriptor(), POLLIN, 0}, {m_panel.device_descriptor(), POLLIN, 0}};
     const Time now = m_panel.now();
     // A signal such as that of a resized terminal ends the wait: the front is asked then.
-    poll(sources, 2, due() <= now ? 0 : milliseconds_between(now, due()));
+    poll(sources, std::size(sources), due() <= now ? 0 : milliseconds_between(now, due()));
 }
 
 int Main_loop::run(const End_watch& end) {

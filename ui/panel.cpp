@@ -95,6 +95,8 @@ struct Panel::Parts {
     Controller controller;
     std::optional<Session> session;
     Time next_tick;
+    Time last_tick = Time::min();
+    bool is_hurried = false;     // a tick comes before the next one
     std::optional<Frame> frame;  // the last one drawn
     bool has_changed = true;     // since then
     bool is_over = false;
@@ -143,14 +145,35 @@ bool Panel::is_over() const {
 }
 
 void Panel::tick() {
+    Parts& parts = *m_parts;
     const Time time = now();
-    m_parts->session->tick(time);
-    m_parts->next_tick = time + TICK;
-    m_parts->has_changed = true;
+    const bool is_between = std::exchange(parts.is_hurried, false) && time < parts.next_tick;
+    parts.last_tick = time;
+    if (parts.options.before_tick) {
+        parts.options.before_tick();
+    }
+    parts.session->tick(time, !is_between);
+    parts.next_tick = is_between ? parts.next_tick : time + TICK;
+    parts.has_changed = true;
 }
 
 Time Panel::due() const {
-    return m_parts->next_tick;
+    const Parts& parts = *m_parts;
+    return parts.is_hurried ? std::min(parts.next_tick, parts.last_tick + SHORTEST_TICK)
+                            : parts.next_tick;
+}
+
+void Panel::hurry() {
+    m_parts->is_hurried = true;
+}
+
+int Panel::device_descriptor() const {
+    return m_parts->is_hurried ? -1 : m_parts->options.device_descriptor;
+}
+
+void Panel::tell(const std::string& title, const std::string& text) {
+    m_parts->controller.tell_device(title, text);
+    m_parts->has_changed = true;
 }
 
 bool Panel::has_changed() const {

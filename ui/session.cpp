@@ -66,8 +66,8 @@ void Session::press_on_lock(const Key& key, Time now) {
     }
 }
 
-void Session::tick(Time now) {
-    m_heart = !m_heart;
+void Session::tick(Time now, bool beats) {
+    m_heart = m_heart != beats;
     m_controller.tick();
     const std::chrono::seconds time_out(m_device.time_for_timeout);
     if (!m_dim && time_out.count() > 0 && now - m_last_key >= time_out) {

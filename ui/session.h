@@ -31,8 +31,9 @@ public:
     void press(const Key& key, Time now);
     // See `Controller::may_end`. A question is not asked on a dim panel.
     bool may_end(std::function<void()> ends, Time now);
-    // Reads what is shown from the device again, serves the requests and watches the time.
-    void tick(Time now);
+    // Reads what is shown from the device again, serves the requests and watches the time. The heart beats, unless the
+    // tick comes between two beats.
+    void tick(Time now, bool beats = true);
     // The controller's frame, or the question for the PIN.
     Frame draw(Time now);
     void set_size(Lcd_size size) { m_controller.set_size(size); }

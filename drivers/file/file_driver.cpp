@@ -41,7 +41,8 @@ struct Spot {
     Place place;  // of its source, while the menu file is read
     Path_pattern path;
     std::optional<Path_pattern> write_path;
-    std::string written_to;  // the file and its name, as the menu file has them; empty: it is only read
+    std::string
+        written_to;  // the file and its name, as the menu file has them; empty: it is only read
     Line_part part;
     bool is_text;
     bool is_hexadecimal;
@@ -98,8 +99,7 @@ Scaled_number number_of_hexadecimal(std::string_view text, const Scale& scale) {
     return scale.from_device(number);
 }
 
-void deliver_number(std::size_t number, const Spot& spot, std::string_view text,
-                    Value_sink& sink) {
+void deliver_number(std::size_t number, const Spot& spot, std::string_view text, Value_sink& sink) {
     if (text.size() > LONGEST_NUMBER) {
         sink.failure(number, "not a number: " + quoted(text));
         return;
@@ -181,7 +181,8 @@ public:
             source.member("format").report("a hexadecimal number is at least 0: \"min\" is below");
         }
         m_spots.push_back({parameter.name, source.place(), Path_pattern(path, name, name_file),
-                           std::move(write_path), std::move(written_to), part, parameter.is_text, is_number && is_hexadecimal(source),
+                           std::move(write_path), std::move(written_to), part, parameter.is_text,
+                           is_number && is_hexadecimal(source),
                            is_number ? Scale::of(source) : Scale()});
     }
 
@@ -226,7 +227,8 @@ public:
             return Driver_result::refused("a part of a line can only be read");
         }
         File_reader reader;
-        const Path_pattern::Found found = (spot.write_path ? *spot.write_path : spot.path).find(reader);
+        const Path_pattern::Found found =
+            (spot.write_path ? *spot.write_path : spot.path).find(reader);
         if (found.path.empty()) {
             return Driver_result::refused(found.failure);
         }

@@ -53,8 +53,9 @@ std::string_view word_of(std::string_view line, std::size_t word) {
 Found_part part_of(std::string_view text, const Line_part& part) {
     const std::optional<std::string_view> line = line_of(text, part);
     if (!line) {
-        return {{}, part.beginning.empty() ? "there is no line " + std::to_string(part.line)
-                                           : "no line begins with \"" + part.beginning + "\""};
+        return {{},
+                part.beginning.empty() ? "there is no line " + std::to_string(part.line)
+                                       : "no line begins with \"" + part.beginning + "\""};
     }
     const std::string_view found = part.word == 0 ? trimmed(*line) : word_of(*line, part.word);
     if (found.empty() && part.word != 0) {

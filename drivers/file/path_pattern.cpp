@@ -17,7 +17,8 @@ constexpr std::size_t MOST_SCANNED = 10000;  // files of a folder
 constexpr int LARGEST_NUMBER = 999999999;
 
 std::vector<std::string> parts_of(const std::string& given) {
-    const std::string path = given.front() == '/' ? given : "./" + given;
+    const bool has_start = given.front() == '/' || given.compare(0, 2, "./") == 0;
+    const std::string path = has_start ? given : "./" + given;
     std::vector<std::string> parts;
     std::size_t begin = 0;
     for (std::size_t end = path.find('/'); end != std::string::npos; end = path.find('/', begin)) {
@@ -51,9 +52,8 @@ std::optional<int> number_in(const std::string& name, const std::string& pattern
         name.compare(name.size() - behind.size(), behind.size(), behind) != 0) {
         return std::nullopt;
     }
-    return parse_number(
-        name.substr(before.size(), name.size() - before.size() - behind.size()), 0,
-        LARGEST_NUMBER);
+    return parse_number(name.substr(before.size(), name.size() - before.size() - behind.size()), 0,
+                        LARGEST_NUMBER);
 }
 
 // The names in a folder that a part with a star stands for, by their numbers.
@@ -90,8 +90,8 @@ std::string Path_pattern::mistake_in(const std::string& path) {
     };
     if (std::any_of(parts.begin(), parts.end(), has_two) ||
         static_cast<std::size_t>(std::count(path.begin(), path.end(), '*')) > MOST_STARS) {
-        return "expected at most one \"*\" between two slashes, and " +
-               std::to_string(MOST_STARS) + " in all";
+        return "expected at most one \"*\" between two slashes, and " + std::to_string(MOST_STARS) +
+               " in all";
     }
     return parts.back().empty() ? "expected the path of a file, found that of a folder" : "";
 }

@@ -26,7 +26,7 @@ std::optional<Json_value> simulation_in(const Json_value& device) {
 }  // namespace
 
 void Device_description::load(const Json_value& device) {
-    device.expect_members({"parameters", "products", "cards"});
+    device.expect_members({"drivers", "parameters", "products", "cards"});
     m_problems.attempt([&] {
         for (const Json_value& parameter : device.member("parameters").items()) {
             m_problems.attempt([&] { load_parameter(parameter); });
@@ -141,14 +141,14 @@ void Device_description::check_name(const Json_value& name, const Parameter& dec
 
 void Device_description::load_limits(const Json_value& parameter, Parameter& declared) {
     if (declared.type == INTEGER) {
-        parameter.expect_members(
-            {"name", "pid", "index", "type", "description", "min", "max", "value", "moves"});
+        parameter.expect_members({"name", "pid", "index", "type", "description", "source", "min",
+                                  "max", "value", "moves"});
         const Number_limits limits = number_limits_of(parameter, m_problems);
         declared.min = limits.min;
         declared.max = limits.max;
     } else {
         parameter.expect_members(
-            {"name", "pid", "index", "type", "description", "length", "value"});
+            {"name", "pid", "index", "type", "description", "source", "length", "value"});
         declared.length = text_limit_of(parameter, m_problems);
         const auto value = parameter.find("value");
         if (m_loading.simulator && value && value->is_text()) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <frontpanel_menu/entry_access.h>
+#include <frontpanel_menu/list_line.h>
 #include <frontpanel_menu/shown_value.h>
 #include "menu_tree.h"
 #include "reports/entry_report.h"
@@ -26,7 +27,19 @@ struct Row {
     int shortcut;
 };
 
-std::string value_of(Data_entry& entry) {
+// A value that was never read, or cannot be read, is not that of the entry's beginning.
+bool is_unknown(Menu& menu, const Data_entry& entry) {
+    if (is_live(entry) || entry.Get_pid() == Data_entry::PID_NONE) {
+        return false;
+    }
+    const auto state = menu.access().state(entry.Get_pid(), varidx_of(*entry.Get_index()));
+    return state && state->freshness == Freshness::UNKNOWN;
+}
+
+std::string value_of(Menu& menu, Data_entry& entry) {
+    if (is_unknown(menu, housed(entry))) {
+        return UNKNOWN_VALUE;
+    }
     std::string value = shown_value(entry).value_or("---");
     const size_t end = value.find_last_not_of(' ');
     return value.substr(0, end == std::string::npos ? 0 : end + 1);
@@ -40,7 +53,7 @@ Row row_of(Menu& menu, const Placed_entry& placed) {
             entry.Get_name(),
             type_of(entry),
             parameter_of(shown),
-            is_menu(entry) ? "" : value_of(entry),
+            is_menu(entry) ? "" : value_of(menu, entry),
             hidden_because(menu, entry),
             is_menu(shown) ? "" : access_of(shown),
             allowed_of(shown),

@@ -1,7 +1,7 @@
 # bash completion for frontpanel                                                   -*- shell-script -*-
 
 _frontpanel() {
-    local options='--help --version --config --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --check'
+    local options='--help --version --config --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --probe --simulate --check'
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
     COMPREPLY=()
     case $previous in

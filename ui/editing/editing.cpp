@@ -58,6 +58,14 @@ bool waits_for_its_card(Data_entry& entry) {
     return size <= 1 && shown_value(entry) == NO_OPTION_YET;
 }
 
+// Why there is nothing to edit.
+std::string no_value_text(const std::optional<Value_state>& state) {
+    if (!state) {
+        return "read error";
+    }
+    return state->reason.empty() ? "no value yet" : "no value: " + state->reason;
+}
+
 // A rule may leave a number without any allowed value.
 bool has_no_value(Data_entry& entry) {
     return kind_of(entry).has(Entry_kind::IS_NUMBER) && !shown_value(entry);
@@ -91,8 +99,11 @@ void Editing::open(Data_entry& entry, const std::string& name) {
         return;
     }
     if (refresh(entry, m_device.access); m_device.read_failed(entry)) {
-        tell("read error", true);
+        tell(no_value_text(m_device.state(entry)), true);
         return;
+    }
+    if (const auto state = m_device.state(entry); state && state->freshness == Freshness::OLD) {
+        tell("old value: " + state->reason);
     }
     if (has_no_value(entry) || waits_for_its_card(entry)) {
         tell(is_live(entry) ? "no options yet" : "no value allowed");
@@ -375,7 +386,8 @@ void Editing::close() {
 
 void Editing::draw(Frame& frame) {
     const Editor_view shown = m_editor->view(frame.lcd.size().columns);
-    m_title_line.draw(frame.lcd, TITLE_ROW, 0, {m_title, note_of(shown), ""});
+    m_title_line.draw(frame.lcd, TITLE_ROW, 0,
+                      {m_title, note_of(shown), mark_of(m_device.state(entry()))});
     frame.lcd.put(TEXT_ROW, 0, shown.text);
     if (shown.cursor != Editor_view::NO_CURSOR) {
         frame.lcd.set_cursor(TEXT_ROW, shown.cursor);

@@ -50,6 +50,11 @@ bool is_visible(Data_entry& entry, Data_interface& device) {
     return entry.isVisible(true, &device) >= 0;
 }
 
+// Not while a value is on its way for the first time.
+bool is_alarming(const std::optional<Value_state>& state, bool is_unread) {
+    return state ? state->freshness != Freshness::FRESH && state->has_failed : is_unread;
+}
+
 }  // namespace
 
 List_view::List_view(Data_entry& menu, const Device_link& device)
@@ -188,10 +193,16 @@ Text_line::Texts List_view::texts_of(Data_entry& entry) {
     if (is_menu(entry)) {
         return {name, MENU_MARK, ""};
     }
-    const std::string mark = is_read_only(entry) ? READ_ONLY_MARK : "";
-    if (m_device.read_failed(housed(entry))) {
-        m_alarm = true;
-        return {name, READ_ERROR, mark};
+    const std::optional<Value_state> state = m_device.state(housed(entry));
+    const bool is_unread = m_device.read_failed(housed(entry));
+    const bool is_unknown = state && (is_unread || state->freshness == Freshness::UNKNOWN);
+    std::string mark = mark_of(state);
+    if (mark.empty() && is_read_only(entry)) {
+        mark = READ_ONLY_MARK;
+    }
+    m_alarm = m_alarm || is_alarming(state, is_unread);
+    if (is_unread || is_unknown) {
+        return {name, is_unknown ? UNKNOWN_VALUE : READ_ERROR, mark};
     }
     return {name, shown_value(entry).value_or(NO_VALUE), mark, least_name_columns(entry)};
 }

@@ -1,5 +1,6 @@
 #include "views/notices.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <frontpanel_display/key_table.h>
@@ -11,6 +12,9 @@ constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
 constexpr int LEAST_ROWS_WITH_TITLE = 3;
 constexpr const char* QUESTION_MARK = "ok?";
+constexpr size_t MOST_TOLD = 5;  // that wait, of those that are told once
+constexpr const char* MORE_TITLE = "Device";
+constexpr const char* MORE = "more: see the log";
 
 Scrolling_text scrolling(const std::string& text) {
     Scrolling_text scrolls;
@@ -31,11 +35,23 @@ void Notices::set_keys(const std::string& accepting, const std::string& cancelli
 }
 
 void Notices::tell(const std::string& title, const std::string& text, bool alarm) {
-    m_notices.push_back({title, {}, {scrolling(text)}, {}, alarm, nullptr});
+    m_notices.push_back({title, text, {}, {scrolling(text)}, {}, alarm, nullptr});
+}
+
+void Notices::tell_once(const std::string& title, const std::string& text, bool alarm) {
+    const bool is_full = m_notices.size() >= MOST_TOLD;
+    const std::string shown_title = is_full ? MORE_TITLE : title;
+    const std::string shown = is_full ? MORE : text;
+    const bool waits = std::any_of(m_notices.begin(), m_notices.end(), [&](const Notice& notice) {
+        return notice.title == shown_title && notice.told == shown;
+    });
+    if (!waits) {
+        tell(shown_title, shown, alarm);
+    }
 }
 
 void Notices::ask(const std::string& title, const std::vector<std::string>& texts, Answer answer) {
-    Notice notice{title, {}, {}, {}, false, std::move(answer)};
+    Notice notice{title, "", {}, {}, {}, false, std::move(answer)};
     for (const std::string& text : texts) {
         notice.texts.push_back(scrolling(text));
         notice.titled.push_back(scrolling(std::string(title).append(": ").append(text)));

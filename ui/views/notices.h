@@ -24,6 +24,9 @@ public:
     // Shows a text under a title once those before it are gone; any key acknowledges it. `alarm` lights the
     // alarm LED with it.
     void tell(const std::string& title, const std::string& text, bool alarm = false);
+    // The same, but nothing when this notice waits already: what comes again and again costs one key. Of many that wait
+    // one says that there are more.
+    void tell_once(const std::string& title, const std::string& text, bool alarm = false);
     // Shows texts one by one, at least one, with the keys that answer. SELECT goes on to the next and accepts with the
     // last, BACK cancels at any; no other key does anything. The answer is given once.
     void ask(const std::string& title, const std::vector<std::string>& texts, Answer answer);
@@ -44,6 +47,7 @@ public:
 private:
     struct Notice {
         std::string title;
+        std::string told;  // the text, as `tell_once` got it
         Text_line title_line;
         std::vector<Scrolling_text> texts;   // the first is shown
         std::vector<Scrolling_text> titled;  // of a question: each text behind the title

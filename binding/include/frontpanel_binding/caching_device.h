@@ -16,8 +16,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <unordered_set>
 
+#include <frontpanel_base/value_state.h>
 #include <frontpanel_binding/binding_registry.h>
 #include <frontpanel_data/pdt_data_access.h>
 
@@ -37,6 +39,8 @@ public:
 
     // Whether the latest `Get` of the parameter through this wrapper failed; false for one that was never read.
     bool last_read_failed(uint32_t pid, uint32_t varidx) const;
+    // What a device that implements `Value_states` knows of the parameter's value; nothing for any other device.
+    std::optional<Value_state> state(uint32_t pid, uint32_t varidx) const;
 
     // Internal: for a journal, which is asked to note each write from now on; null for none.
     void set_journal(Write_journal* journal) { m_journal = journal; }
@@ -59,7 +63,8 @@ private:
     static uint64_t address(uint32_t pid, uint32_t varidx) { return uint64_t{pid} << 32 | varidx; }
 
     Data_interface& m_device;
-    Pdt_data_access* m_sockets;  // the device; null when it has no sockets
+    Pdt_data_access* m_sockets;    // the device; null when it has no sockets
+    const Value_states* m_states;  // the device; null when it does not know
     std::shared_ptr<Binding_registry> m_registry;
     std::unordered_set<uint64_t> m_failed_reads;
     Write_journal* m_journal = nullptr;

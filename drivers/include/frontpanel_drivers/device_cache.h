@@ -18,6 +18,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include <frontpanel_base/value_state.h>
 #include <frontpanel_data/pdt_data_access.h>
 #include <frontpanel_drivers/driver.h>
 
@@ -25,21 +26,6 @@ namespace frontpanel {
 
 class Driver_desk;
 class Driver_news;
-
-enum class Freshness {
-    FRESH,
-    OLD,  // no longer confirmed: read more than three poll intervals ago, or pushed before the connection was lost
-    UNKNOWN  // never read, or a write to it timed out
-};
-
-// What is known of a parameter's value.
-struct Value_state {
-    Freshness freshness = Freshness::FRESH;
-    bool is_writing = false;           // the value is one that the device has not confirmed yet
-    std::chrono::milliseconds age{0};  // since the device confirmed the value; 0 for an UNKNOWN one
-    std::string reason =
-        {};  // why it is not fresh, in one line; empty for a fresh one whose last read did not fail
-};
 
 // What happened at a driver, for the log and for notices. Each is reported once.
 struct Driver_event {
@@ -70,6 +56,14 @@ struct Unsent_write {
     std::string text() const;
 };
 
+// A parameter with what is known of it, for reports.
+struct Driven_value {
+    std::string driver;
+    std::string parameter;
+    std::optional<Parameter_value> value;
+    Value_state state;
+};
+
 struct Device_cache_settings {
     using Time = std::chrono::steady_clock::time_point;
 
@@ -88,7 +82,7 @@ struct Device_cache_settings {
         1000};  // how long the destructor waits for a driver that hangs
 };
 
-class Device_cache : public Pdt_data_access {
+class Device_cache : public Pdt_data_access, public Value_states {
 public:
     // Results of `Get` and `Set`, beside those of the device that has the other parameters.
     enum Result {
@@ -128,8 +122,9 @@ public:
     // Whether the parameter lives at a driver.
     bool has(std::uint32_t pid, std::uint32_t varidx) const;
     std::size_t parameter_count() const { return m_places.size(); }
-    // Of a parameter that lives at no driver: fresh.
-    Value_state state(std::uint32_t pid, std::uint32_t varidx) const;
+    // OLD is a value that was read more than three poll intervals ago, or was pushed before the connection was lost;
+    // UNKNOWN one that was never read, or to which a write timed out. Nothing for a parameter that lives at no driver.
+    std::optional<Value_state> state(std::uint32_t pid, std::uint32_t varidx) const override;
     // Readable when a value that was lately asked for, or its state, changed, or an event happened.
     int descriptor() const;
     // Whether it was readable; it no longer is.
@@ -142,6 +137,8 @@ public:
     std::vector<Unsent_write> flush(std::chrono::milliseconds most);
     // Asks for every parameter, and waits until each has been read or has failed, `most` at the longest.
     void read_all(std::chrono::milliseconds most);
+    // Every parameter, by driver and in the order in which they were added.
+    std::vector<Driven_value> values() const;
     // Without threads: does once for each driver what its thread would, without waiting. Whether anything was done.
     bool step();
 

@@ -8,10 +8,14 @@
 namespace frontpanel {
 
 constexpr int CURSOR_COLUMNS = 1;
-constexpr int LEAST_NAME_COLUMNS = 4;        // beside a text; a number leaves its name a single one
-constexpr int LEAST_VALUE_COLUMNS = 8;       // of a value that goes round
-constexpr const char* MENU_MARK = "...";     // behind the name of an entry that opens a menu
-constexpr const char* READ_ONLY_MARK = "=";  // behind the name of an entry that cannot be changed
+constexpr int LEAST_NAME_COLUMNS = 4;     // beside a text; a number leaves its name a single one
+constexpr int LEAST_VALUE_COLUMNS = 8;    // of a value that goes round
+constexpr const char* MENU_MARK = "...";  // behind the name of an entry that opens a menu
+// Behind the name of an entry, one of them: the first that holds.
+constexpr const char* WRITING_MARK = "*";    // the device does not have the value yet
+constexpr const char* OLD_MARK = "?";        // the device does not confirm the value any more
+constexpr const char* READ_ONLY_MARK = "=";  // the value cannot be changed
+constexpr const char* UNKNOWN_VALUE = "--";  // in place of a value that is not known
 
 struct Line_room {
     int left;

@@ -91,6 +91,7 @@ private:
     std::string misfit(Data_entry& entry, const return_s& value, const Rule_verdict& verdict) const;
     std::string present_misfit(Data_entry& entry, const return_s& value) const;
     std::string range_misfit(Range_entry& entry, int value, const Rule_verdict& verdict) const;
+    std::string why_unreadable(const Device_variable& variable) const;
     bool is_held(const Wanted_value& wanted) const;
     Refusal refusal_of(const Wanted_value& wanted, std::string reason) const;
     Outcome failure(const Wanted_value& wanted, std::string reason) const;

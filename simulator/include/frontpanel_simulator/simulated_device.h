@@ -21,12 +21,19 @@ namespace frontpanel {
 // Whether the web service of the cards runs.
 enum class Cards { OFF, ON };
 
+// What becomes of parameters that have a "source", which is where they live in a real device.
+enum class Sources {
+    SIMULATED,  // they are parameters like any other; without "value" they start at 0, or the limit nearest to it
+    LEFT_OUT  // they live elsewhere
+};
+
 class Simulated_device {
 public:
     // Reads the member "device" of `file`. What is wrong with it becomes one of `problems`, and work goes on behind it;
     // a device with problems is not meant to be used. With `Cards::ON` a file that has cards gets their service, on a
     // free port of loopback. When it cannot be started there are no cards, and `cards_failure` says why.
-    Simulated_device(const Json_value& file, Problems& problems, Cards cards = Cards::OFF);
+    Simulated_device(const Json_value& file, Problems& problems, Cards cards = Cards::OFF,
+                     Sources sources = Sources::SIMULATED);
     Simulated_device(const Simulated_device&) = delete;
     Simulated_device& operator=(const Simulated_device&) = delete;
 
@@ -52,6 +59,7 @@ private:
     class Reader;
     void start_cards();
 
+    Sources m_sources;
     Memory_device m_memory;
     Movement m_movement{m_memory};
     std::unique_ptr<Card_service> m_cards;

@@ -28,6 +28,54 @@ TEST_F(Loaded_panel_test, WarnsOfWhatTheDisplayCannotShowAtOnce) {
     EXPECT_EQ(load_panel(options.menu, Cards::OFF, 16).warnings.size(), 1U);
 }
 
+class Loaded_driven_panel_test : public Menu_files {
+protected:
+    Loaded_driven_panel_test() {
+        write("value", "7");
+        options.menu = write("driven.json", R"({"device": {
+            "drivers": {"files": {"driver": "file"}}, "parameters": [
+            {"pid": 1, "type": "integer", "min": 3, "max": 9, "source": {"path": "value"}},
+            {"pid": 2, "type": "integer", "min": 0, "max": 9, "value": 4},
+            {"pid": 3, "type": "integer", "min": 0, "max": 9, "source": {"path": "missing"}}]},
+            "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 1}]}})");
+    }
+    static std::optional<int32_t> value_of(const Loaded_panel& loaded, uint32_t pid) {
+        int32_t value = 0;
+        return loaded.menu->access().Get(pid, 0, &value, sizeof value) == 0
+                   ? std::optional<int32_t>(value)
+                   : std::nullopt;
+    }
+};
+
+TEST_F(Loaded_driven_panel_test, ParametersLiveAtDriversOrAreSimulated) {
+    const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20);
+    ASSERT_NE(loaded.driven, nullptr);
+    EXPECT_TRUE(loaded.warnings.empty());
+    loaded.driven->cache().start();
+    loaded.driven->cache().read_all(std::chrono::seconds(10));
+    EXPECT_EQ(value_of(loaded, 1), 7);
+    EXPECT_EQ(value_of(loaded, 2), 4);
+    EXPECT_EQ(value_of(loaded, 3), std::nullopt);
+    EXPECT_EQ(loaded.device->memory().integer(1, 0), std::nullopt);
+}
+
+TEST_F(Loaded_driven_panel_test, TheSimulatorTakesThePlaceOfEveryDriver) {
+    const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20, Drivers::SIMULATED);
+    EXPECT_EQ(loaded.driven, nullptr);
+    EXPECT_EQ(value_of(loaded, 1), 3);
+    EXPECT_EQ(value_of(loaded, 3), 0);
+}
+
+TEST_F(Loaded_driven_panel_test, OnlyTheCheckWarnsOfWhatCannotBeReadHere) {
+    const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20, Drivers::CHECKED);
+    ASSERT_EQ(loaded.warnings.size(), 1U);
+    EXPECT_NE(loaded.warnings[0].find("cannot be read here: No such file"), std::string::npos);
+}
+
+TEST_F(Loaded_panel_test, AMenuWithoutSourcesHasNoDrivers) {
+    EXPECT_EQ(load_panel(options.menu, Cards::OFF, 20).driven, nullptr);
+}
+
 TEST_F(Loaded_panel_test, MistakesOfMenuAndDeviceAreToldTogether) {
     options.menu = write("bad.json", R"({"device": {"parameters": [
         {"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 10}]},

@@ -26,5 +26,13 @@ TEST(Shipped, TheTourStandsBesideTheMenu) {
     EXPECT_EQ(menu.substr(0, menu.rfind('/')), tour.substr(0, tour.rfind('/')));
 }
 
+TEST(Shipped, AMenuThatShipsWithThePanelGoesByItsName) {
+    const std::string folder = FRONTPANEL_SOURCE_DIR "/menus";
+    EXPECT_EQ(menu_file("this-machine", folder), folder + "/this-machine.json");
+    EXPECT_EQ(menu_file("no-such-menu", folder), "no-such-menu");
+    EXPECT_EQ(menu_file("./this-machine", folder), "./this-machine");
+    EXPECT_EQ(menu_file("", folder), "");
+}
+
 }  // namespace
 }  // namespace frontpanel

@@ -381,4 +381,25 @@ TEST(Caching_device_sockets, ASlotEntryFindsTheSocketsOfTheDevice) {
     EXPECT_EQ(device.current_socket(), 3);
 }
 
+// A device that answers from memory.
+class Remembering_device : public Fake_device, public Value_states {
+public:
+    std::optional<Value_state> state(uint32_t pid, uint32_t varidx) const override {
+        Value_state state;
+        state.reason = std::to_string(pid) + "." + std::to_string(varidx);
+        return pid == MODE ? std::optional<Value_state>(state) : std::nullopt;
+    }
+};
+
+TEST(Caching_device_states, AreThoseOfTheDeviceIfItKnowsThem) {
+    Remembering_device device;
+    const Caching_device access(device, std::make_shared<Binding_registry>());
+    ASSERT_TRUE(access.state(MODE, 3));
+    EXPECT_EQ(access.state(MODE, 3)->reason, "100.3");
+    EXPECT_FALSE(access.state(TITLE, 0));
+    Fake_device other;
+    const Caching_device plain(other, std::make_shared<Binding_registry>());
+    EXPECT_FALSE(plain.state(MODE, 3));
+}
+
 }  // namespace

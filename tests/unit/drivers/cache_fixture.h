@@ -111,7 +111,7 @@ protected:
         m_cache.take_events();
     }
     std::vector<std::string> events() { return texts_of(m_cache.take_events()); }
-    Freshness freshness(std::uint32_t pid) const { return m_cache.state(pid, 0).freshness; }
+    Freshness freshness(std::uint32_t pid) const { return m_cache.state(pid, 0)->freshness; }
 
     std::shared_ptr<Test_clock> m_clock = std::make_shared<Test_clock>();
     std::shared_ptr<Scripted_device> m_device = std::make_shared<Scripted_device>();

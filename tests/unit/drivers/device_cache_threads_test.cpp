@@ -37,7 +37,7 @@ TEST_F(Device_cache_threads_test, AValueThatWasAskedForArrivesAndWakesTheLoop) {
     start();
     m_device->hold(0, 17);
     wait_until([this] { return number_of(*m_cache, 0) == 17; });
-    EXPECT_EQ(m_cache->state(0, 0).freshness, Freshness::FRESH);
+    EXPECT_EQ(m_cache->state(0, 0)->freshness, Freshness::FRESH);
 }
 
 TEST_F(Device_cache_threads_test, AValueThatIsPushedWakesTheLoop) {
@@ -62,7 +62,7 @@ TEST_F(Device_cache_threads_test, TheMenuGoesOnWhileADriverHangs) {
     m_device->wait_until_hanging();
     EXPECT_EQ(set_number(*m_cache, 1, 5), 0);
     EXPECT_EQ(number_of(*m_cache, 1), 5);
-    EXPECT_TRUE(m_cache->state(1, 0).is_writing);
+    EXPECT_TRUE(m_cache->state(1, 0)->is_writing);
     m_device->go_on();
     EXPECT_TRUE(m_cache->flush(10s).empty());
 }
@@ -115,7 +115,7 @@ TEST_F(Device_cache_threads_test, ADriverThatHangsIsReportedAsAway) {
     clock->advance(5001ms);
     EXPECT_EQ(texts_of(m_cache->take_events()), Lines{"plc: away: it does not answer"});
     EXPECT_EQ(texts_of(m_cache->take_events()), Lines{});
-    EXPECT_EQ(m_cache->state(0, 0).reason, "it does not answer");
+    EXPECT_EQ(m_cache->state(0, 0)->reason, "it does not answer");
     m_device->go_on();
     EXPECT_TRUE(m_cache->flush(0ms).empty());
     set_number(*m_cache, 0, 1);

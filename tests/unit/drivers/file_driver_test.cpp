@@ -57,7 +57,7 @@ protected:
         m_clock->advance(5s);
         cache.Get(pid, 0, buffer, 4);  // wanted
         cache.step();
-        const Value_state state = cache.state(pid, 0);
+        const Value_state state = *cache.state(pid, 0);
         if (state.freshness != Freshness::FRESH || !state.reason.empty()) {
             return state.reason;
         }
@@ -192,7 +192,8 @@ TEST_F(File_driver_test, AFolderIsFoundByTheNameInIt) {
     EXPECT_EQ(read(), "2");
 }
 
-TEST_F(File_driver_test, ADeviceUnderAnotherNumberIsFoundAgainAndAnotherOneUnderItsNumberIsNotTaken) {
+TEST_F(File_driver_test,
+       ADeviceUnderAnotherNumberIsFoundAgainAndAnotherOneUnderItsNumberIsNotTaken) {
     write("hwmon/hwmon0/name", "coretemp\n");
     write("hwmon/hwmon0/temp1_input", "1");
     load_number(R"("path": "hwmon/hwmon*/temp1_input", "name": "coretemp")");
@@ -205,12 +206,34 @@ TEST_F(File_driver_test, ADeviceUnderAnotherNumberIsFoundAgainAndAnotherOneUnder
     EXPECT_EQ(read(), "nothing is named \"coretemp\"");
 }
 
+TEST_F(File_driver_test, APathMayBeRelativeToTheWorkingFolder) {
+    write("hwmon/hwmon3/name", "coretemp\n");
+    write("hwmon/hwmon3/temp1_input", "7");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(m_folder.path());
+    m_text =
+        R"({"device": {"drivers": {"files": {"driver": "file", "folder": "hwmon"}}, "parameters": [)" +
+        number(1, R"("path": "hwmon*/temp1_input", "name": "coretemp")") + "]}}";
+    m_document.emplace(m_source, m_text);
+    Device_cache_settings settings;
+    settings.has_threads = false;
+    settings.clock = [clock = m_clock] { return clock->now(); };
+    m_device.emplace(Json_value(m_document->root(), m_problems), m_problems,
+                     Driver_table{&file_driver_row()}, "", m_others, settings);
+    EXPECT_EQ(read(), "7");
+    EXPECT_EQ(read(), "7");
+    std::filesystem::current_path(before);
+}
+
 TEST_F(File_driver_test, TheNameMayBeInAnotherFileAndBesideAFileWithoutStar) {
     write("thermal/thermal_zone0/type", "x86_pkg_temp\n");
     write("thermal/thermal_zone0/temp", "5");
-    load(number(1, R"("path": "thermal/thermal_zone*/temp", "name": "x86_pkg_temp", "name-file": "type")") +
-         "," +
-         number(2, R"("path": "thermal/thermal_zone0/temp", "name": "other", "name-file": "type")"));
+    load(
+        number(
+            1,
+            R"("path": "thermal/thermal_zone*/temp", "name": "x86_pkg_temp", "name-file": "type")") +
+        "," +
+        number(2, R"("path": "thermal/thermal_zone0/temp", "name": "other", "name-file": "type")"));
     EXPECT_EQ(read(1), "5");
     EXPECT_EQ(read(2), "nothing is named \"other\"");
 }
@@ -239,7 +262,7 @@ TEST_F(File_driver_test, AFileThatVanishesMakesItsValueOldAndComesBack) {
     EXPECT_EQ(read(), "5");
     std::filesystem::remove(m_folder.file("value"));
     EXPECT_EQ(read(), "No such file or directory");
-    EXPECT_EQ(m_device->cache().state(1, 0).freshness, Freshness::OLD);
+    EXPECT_EQ(m_device->cache().state(1, 0)->freshness, Freshness::OLD);
     EXPECT_EQ(number_of(m_device->cache(), 1), 5);
     write("value", "6");
     EXPECT_EQ(read(), "6");
@@ -372,18 +395,18 @@ TEST_F(File_driver_test, MistakesInASourceAreReported) {
          number(10, R"("path": "a", "name": "x", "name-file": "../x")") + "," +
          text(11, R"("path": "a", "scale": "2", "format": "decimal")") + "," +
          number(12, R"("paht": "a")"));
-    EXPECT_EQ(problems(),
-              (Lines{"expected a path of 1 to 1024 characters",
-                     "expected at most one \"*\" between two slashes, and 4 in all",
-                     "expected the path of a file, found that of a folder",
-                     "expected a member \"path\"", "expected a whole number from 1 to 100000, found 0",
-                     "expected a whole number from 0 to 1000, found -1",
-                     "expected \"decimal\" or \"hexadecimal\", found \"hex\"",
-                     "expected a scale such as \"1/1000\" or \"100\", found \"1:2\"",
-                     "\"name-file\" needs a \"name\"",
-                     "expected the name of a file, without a folder", "\"scale\" is for numbers",
-                     "\"format\" is for numbers", "expected a member \"path\"",
-                     "unknown member \"paht\"; did you mean \"path\"?"}));
+    EXPECT_EQ(
+        problems(),
+        (Lines{"expected a path of 1 to 1024 characters",
+               "expected at most one \"*\" between two slashes, and 4 in all",
+               "expected the path of a file, found that of a folder", "expected a member \"path\"",
+               "expected a whole number from 1 to 100000, found 0",
+               "expected a whole number from 0 to 1000, found -1",
+               "expected \"decimal\" or \"hexadecimal\", found \"hex\"",
+               "expected a scale such as \"1/1000\" or \"100\", found \"1:2\"",
+               "\"name-file\" needs a \"name\"", "expected the name of a file, without a folder",
+               "\"scale\" is for numbers", "\"format\" is for numbers",
+               "expected a member \"path\"", "unknown member \"paht\"; did you mean \"path\"?"}));
 }
 
 TEST_F(File_driver_test, ThePathsOfADriverMayBeBelowAFolder) {

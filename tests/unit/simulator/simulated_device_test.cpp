@@ -40,9 +40,10 @@ std::string deep_tree(int depth) {
 // The device of a file that is written in the test, with what is wrong with the file.
 class Simulation {
 public:
-    explicit Simulation(const std::string& text, Cards cards = Cards::OFF)
+    explicit Simulation(const std::string& text, Cards cards = Cards::OFF,
+                        Sources sources = Sources::SIMULATED)
         : m_document(m_source, text),
-          m_device(Json_value(m_document.root(), m_problems), m_problems, cards) {}
+          m_device(Json_value(m_document.root(), m_problems), m_problems, cards, sources) {}
 
     Simulated_device& operator*() { return m_device; }
     Simulated_device* operator->() { return &m_device; }
@@ -247,6 +248,27 @@ TEST(SimulatedDevice, AMovementKeepsTheLimits) {
 TEST(Simulated_deviceDeathTest, WithoutItsCardServiceTheDeviceIsUsable) {
     EXPECT_EXIT(start_without_descriptors(), testing::ExitedWithCode(0),
                 "^the cards cannot be started: the card service ");
+}
+
+constexpr const char* SOURCES = R"({"device": {"parameters": [
+    {"pid": 1, "type": "integer", "min": 3, "max": 9, "source": {}},
+    {"pid": 2, "type": "integer", "min": 3, "max": 9, "value": 5, "source": {}},
+    {"pid": 3, "type": "text", "length": 4, "source": {}},
+    {"pid": 4, "type": "integer", "min": 0, "max": 9, "value": 8}]}})";
+
+TEST(SimulatedDevice, AParameterOfARealDeviceNeedsNoStartValue) {
+    Simulation device(SOURCES);
+    EXPECT_EQ(device.errors(), "");
+    EXPECT_EQ(device->memory().integer(1, 0), 3);
+    EXPECT_EQ(device->memory().integer(2, 0), 5);
+    EXPECT_EQ(device->memory().text(3, 0), "");
+}
+
+TEST(SimulatedDevice, AParameterThatLivesElsewhereIsLeftOut) {
+    Simulation device(SOURCES, Cards::OFF, Sources::LEFT_OUT);
+    EXPECT_EQ(device.errors(), "");
+    EXPECT_EQ(device->memory().integer(2, 0), std::nullopt);
+    EXPECT_EQ(device->memory().integer(4, 0), 8);
 }
 
 }  // namespace

@@ -99,6 +99,43 @@ TEST_F(Main_loop_test, ReadsTheDeviceAgainWithEveryTick) {
     EXPECT_EQ(loop.due(), now + Panel::TICK);
 }
 
+// A device that has something new wakes the loop, at most every SHORTEST_TICK; the Alive LED keeps its pace.
+TEST(Main_loop_device, ADeviceThatChangedIsReadAtOnce) {
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(pipe(ends), 0);
+    Time now{std::chrono::hours(1)};
+    Panel_options options = with_clock([&] { return now; });
+    int ticks = 0;
+    options.device_descriptor = ends[0];
+    options.before_tick = [&] {
+        char byte = 0;
+        ++ticks;
+        EXPECT_LE(read(ends[0], &byte, ticks == 1 ? 1 : 0), 1);
+    };
+    Application_panel shown(menu_text(PARAMETERS, ITEMS), std::move(options));
+    Fake_front front;
+    Main_loop loop(shown.panel, front);
+    loop.turn();
+    const bool heart = shown.panel.frame().leds.heart;
+    shown.device().set_integer(1, 0, 42);
+    EXPECT_EQ(write(ends[1], "x", 1), 1);
+    now += milliseconds(1);
+    loop.turn();
+    EXPECT_EQ(front.frames.back()[0], ">Gain         42");
+    EXPECT_EQ(shown.panel.frame().leds.heart, heart);
+    EXPECT_EQ(write(ends[1], "x", 1), 1);
+    now += milliseconds(1);
+    loop.turn();
+    EXPECT_EQ(ticks, 1);
+    EXPECT_EQ(shown.panel.device_descriptor(), -1);
+    EXPECT_EQ(loop.due(), now - milliseconds(1) + Panel::SHORTEST_TICK);
+    now += Panel::SHORTEST_TICK;
+    loop.turn();
+    EXPECT_EQ(ticks, 2);
+    close(ends[0]);
+    close(ends[1]);
+}
+
 TEST(Main_loop_typing, TheKeyThatEndsThePanelIsACharacterInAText) {
     Application_panel shown(
         menu_text(R"({"name": "label", "pid": 1, "type": "text", "length": 8, "value": "A"})",

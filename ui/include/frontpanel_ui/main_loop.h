@@ -5,7 +5,8 @@
 //     Main_loop loop(panel, front);
 //     while (!loop.is_over()) {
 //         loop.turn();
-//         // poll() for `front.source()` and the application's descriptors, until `loop.due()` at the latest
+//         // poll() for `front.source()`, `panel.device_descriptor()` and the application's descriptors, until
+//         // `loop.due()` at the latest
 //     }
 //
 // Everything runs on the thread that calls it, the menu thread.

@@ -54,6 +54,12 @@ struct Panel_options {
     std::optional<Encoder_settings> encoder = std::nullopt;  // default: those of the menu
     std::optional<std::chrono::seconds> idle_timeout =
         std::nullopt;  // default: what the device says; 0 for never
+    // Readable when something that is shown changed at the device: the main loop then lets the panel tick at once. -1 for
+    // a device that does not know.
+    int device_descriptor = -1;
+    // Called at the beginning of each tick, before anything is read: takes what the device has to tell, so that its
+    // descriptor is no longer readable.
+    std::function<void()> before_tick = nullptr;
     // Whether an address belongs to the device's network, so that an opened editor may ping it; default: loopback only.
     std::function<bool(const std::string& address)> may_probe = nullptr;
     std::function<Time()> clock = nullptr;  // default: the steady clock
@@ -68,6 +74,8 @@ class Panel {
 public:
     // How often what is shown is read again, and long texts scroll.
     static constexpr std::chrono::milliseconds TICK{400};
+    // Between two ticks when the device asks for them.
+    static constexpr std::chrono::milliseconds SHORTEST_TICK{100};
 
     // Shows the menu's homescreen, or else its top menu. The menu outlives the panel. Throws std::invalid_argument
     // when `options.pin` is no PIN.
@@ -93,6 +101,12 @@ public:
     // Reads what is shown and what rules depend on from the device, scrolls, and watches the idle timeout.
     void tick();
     Time due() const;
+    // The device has something new: the next tick is due at once, or soon after a tick that has just been.
+    void hurry();
+    // The descriptor of the options; -1 while the panel hurries anyway.
+    int device_descriptor() const;
+    // Shows a text under a title until a key acknowledges it, with the alarm LED. Nothing when it is shown already.
+    void tell(const std::string& title, const std::string& text);
     // Whether something happened since `frame` was called last.
     bool has_changed() const;
     // What the display shows. The same frame until something happens: drawing scrolls long texts on.

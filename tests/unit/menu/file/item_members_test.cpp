@@ -51,8 +51,9 @@ protected:
     std::optional<rapidjson::SchemaDocument> m_schema;
 };
 
-TEST_F(Menu_schema, HoldsForTheShippedMenu) {
+TEST_F(Menu_schema, HoldsForTheShippedMenus) {
     EXPECT_EQ(fault_of(read_input_file(FRONTPANEL_SOURCE_DIR "/menus/demo.json")), "");
+    EXPECT_EQ(fault_of(read_input_file(FRONTPANEL_SOURCE_DIR "/menus/this-machine.json")), "");
 }
 
 // The loader reports what it does not know, so each of its types has exactly the members of the schema.

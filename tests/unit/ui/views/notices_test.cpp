@@ -35,6 +35,22 @@ TEST_F(Notices_test, AnyKeyAcknowledgesAndTheNextOneFollows) {
     EXPECT_TRUE(notices.empty());
 }
 
+TEST_F(Notices_test, WhatWaitsAlreadyIsNotToldAgainAndOfManyOneStandsForTheRest) {
+    notices.tell_once("plc", "away", true);
+    notices.tell_once("plc", "away", true);
+    notices.press(Key::DOWN);
+    EXPECT_TRUE(notices.empty());
+    for (int i = 0; i < 100; ++i) {
+        notices.tell_once("plc", "away " + std::to_string(i), true);
+    }
+    Lines told;
+    for (; !notices.empty(); notices.press(Key::DOWN)) {
+        told.push_back(lines()[1]);
+    }
+    EXPECT_EQ(told, (Lines{"away 0          ", "away 1          ", "away 2          ",
+                           "away 3          ", "away 4          ", "more: see the lo"}));
+}
+
 TEST_F(Notices_test, AQuestionIsAcceptedWithItsLastText) {
     ask({"loud", "very loud"});
     EXPECT_EQ(lines(), (Lines{"Gain: loud      ", "Enter yes Esc no"}));

@@ -1,0 +1,13 @@
+// The drivers that this build has.
+#ifndef FRONTPANEL_APP_DRIVER_TABLE_H
+#define FRONTPANEL_APP_DRIVER_TABLE_H
+
+#include <frontpanel_drivers/driven_device.h>
+
+namespace frontpanel {
+
+const Driver_table& driver_table();
+
+}  // namespace frontpanel
+
+#endif
