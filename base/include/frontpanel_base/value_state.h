@@ -20,10 +20,10 @@ enum class Freshness {
 
 struct Value_state {
     Freshness freshness = Freshness::FRESH;
-    bool is_writing = false;  // the value is one that the device has not confirmed yet
-    bool has_failed = false;  // the last attempt to read it failed, or cannot be made
+    bool is_writing = false;           // the value is one that the device has not confirmed yet
+    bool has_failed = false;           // the last attempt to read it failed, or cannot be made
     std::chrono::milliseconds age{0};  // since the device confirmed the value; 0 for an UNKNOWN one
-    std::string reason = {};  // why it is not fresh or has failed, in one line; else empty
+    std::string reason = {};           // why it is not fresh or has failed, in one line; else empty
 };
 
 class Value_states {

@@ -27,7 +27,8 @@ protected:
     support::Captured probe_of(const std::string& parameters) {
         options.probe = true;
         options.menu = write("driven.json", R"({"device": {
-            "drivers": {"files": {"driver": "file"}}, "parameters": [)" + parameters + R"(]},
+            "drivers": {"files": {"driver": "file"}}, "parameters": [)" +
+                                                parameters + R"(]},
             "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 1}]}})");
         return support::capture(0, [this] {
             Output_log log(options.log);
@@ -44,15 +45,17 @@ constexpr const char* GAIN =
 TEST_F(Probe_test, EveryParameterIsReadOnce) {
     write("value", "7");
     const std::string table = probe_of(GAIN).out;
-    EXPECT_EQ(table.substr(0, 70), "PARAMETER  DRIVER  VALUE  AGE    ERROR\n"
-                                   "gain       files   7      0.0 s")
+    EXPECT_EQ(table.substr(0, 70),
+              "PARAMETER  DRIVER  VALUE  AGE    ERROR\n"
+              "gain       files   7      0.0 s")
         << table;
     EXPECT_EQ(status, EXIT_PLAYED);
 }
 
 TEST_F(Probe_test, AParameterThatCannotBeReadChangesTheStatus) {
-    EXPECT_EQ(probe_of(GAIN).out, "PARAMETER  DRIVER  VALUE  AGE  ERROR\n"
-                                  "gain       files   --     --   No such file or directory\n");
+    EXPECT_EQ(probe_of(GAIN).out,
+              "PARAMETER  DRIVER  VALUE  AGE  ERROR\n"
+              "gain       files   --     --   No such file or directory\n");
     EXPECT_EQ(status, EXIT_DIFFERENCE);
 }
 

@@ -128,8 +128,8 @@ TEST_F(Driven_values_test, AnUnknownValueIsNoBaseForSeveralValuesAtOnce) {
     return_s value;
     value.rt = INTEGER;
     value.i = 5;
-    const Write_gate::Outcome outcome = m_driven.menu().gate().write(
-        {{{1, 0}, value}}, Write_gate::Hidden_items::ACCEPTED, {});
+    const Write_gate::Outcome outcome =
+        m_driven.menu().gate().write({{{1, 0}, value}}, Write_gate::Hidden_items::ACCEPTED, {});
     EXPECT_EQ(outcome.result, Write_gate::Result::REFUSED);
     EXPECT_EQ(outcome.refusal.text(), "Gain 5: value unknown: not read yet");
     EXPECT_TRUE(m_driven.device().writes().empty());
