@@ -3,13 +3,16 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_base/atomic_file.h>
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_menu/menu_files.h>
 #include "output_log.h"
 #include "shipped.h"
 
@@ -93,6 +96,45 @@ void check_pair(const Role& first, const Role& second) {
                                 " name the same file");
 }
 
+// Reads the menu once more than showing it does: before its log is emptied.
+std::vector<std::pair<const char*, std::string>> files_of_menu(const Options& options) {
+    std::vector<std::pair<const char*, std::string>> files;
+    try {
+        const Menu_document document(options.menu);
+        for (const std::string& file : document.files()) {
+            files.emplace_back("the menu", file);
+        }
+        for (const std::string& file : preset_files_of(document)) {
+            files.emplace_back("the presets", file);
+        }
+    } catch (const Input_error&) {
+        // Loading the menu reports it.
+    }
+    return files;
+}
+
+// The menu file itself has been compared.
+void check_menu_files(const Options& options, const std::vector<Role>& roles) {
+    if (options.log.empty() && options.state.empty() && options.screenshot.empty()) {
+        return;
+    }
+    std::map<Identity, const Role*> written;
+    for (const Role& role : roles) {
+        const auto identity = role.is_written ? identity_of(role.file) : std::nullopt;
+        if (identity) {
+            written.emplace(*identity, &role);
+        }
+    }
+    for (const auto& [owner, file] : files_of_menu(options)) {
+        const auto identity = identity_of(file);
+        const auto found = identity ? written.find(*identity) : written.end();
+        if (found != written.end()) {
+            throw Input_error(file + ": belongs to " + owner + ", and " + found->second->option +
+                              " would overwrite it");
+        }
+    }
+}
+
 }  // namespace
 
 void check_files(const Options& options) {
@@ -102,6 +144,7 @@ void check_files(const Options& options) {
             check_pair(roles[first], roles[second]);
         }
     }
+    check_menu_files(options, roles);
 }
 
 }  // namespace frontpanel

@@ -76,20 +76,6 @@ std::optional<std::vector<Wanted_value>> usable_preset(const std::string& file,
     return std::nullopt;
 }
 
-std::vector<fs::path> files_in(const std::string& folder) {
-    std::vector<fs::path> files;
-    std::error_code error;
-    for (fs::directory_iterator file(folder, error), end; !error && file != end;
-         file.increment(error)) {
-        if (file->path().extension() == EXTENSION && file->is_regular_file(error)) {
-            files.push_back(file->path());
-        }
-    }
-    std::sort(files.begin(), files.end());
-    files.resize(std::min(files.size(), MOST_PRESETS));
-    return files;
-}
-
 std::string shown_stem(const fs::path& file) {
     std::string name = file.stem().string();
     std::replace_if(
@@ -146,13 +132,31 @@ int Mount_node::isVisible(bool if_control_refresh, Data_interface* iface) {
     return visible;
 }
 
+std::string Mounted_menu::folder_of(const Place& place, const std::string& folder) {
+    return (fs::path(place.source->name).parent_path() / folder).string();
+}
+
+std::vector<std::string> Mounted_menu::files_in(const std::string& folder) {
+    std::vector<std::string> files;
+    std::error_code error;
+    for (fs::directory_iterator file(folder, error), end; !error && file != end;
+         file.increment(error)) {
+        if (file->path().extension() == EXTENSION && file->is_regular_file(error)) {
+            files.push_back(file->path().string());
+        }
+    }
+    std::sort(files.begin(), files.end());
+    files.resize(std::min(files.size(), MOST_PRESETS));
+    return files;
+}
+
 Mounted_menu::Mounted_menu(std::string folder, const Parameter_table& parameters, Write_gate& gate)
     : m_folder(std::move(folder)), m_parameters(parameters), m_gate(gate) {}
 
 Data_entry* Mounted_menu::build(Data_entry& parent) {
     destroy();
     m_problems.clear();
-    for (const fs::path& file : files_in(m_folder)) {
+    for (const fs::path file : files_in(m_folder)) {
         const size_t before = m_problems.size();
         auto values = usable_preset(file.string(), m_parameters, m_problems);
         Preset_damage damage;
@@ -176,8 +180,8 @@ Data_entry* Mounted_menu::build(Data_entry& parent) {
 
 std::vector<std::string> Mounted_menu::mistakes() const {
     std::vector<std::string> mistakes;
-    for (const fs::path& file : files_in(m_folder)) {
-        usable_preset(file.string(), m_parameters, mistakes);
+    for (const std::string& file : files_in(m_folder)) {
+        usable_preset(file, m_parameters, mistakes);
     }
     return mistakes;
 }

@@ -102,8 +102,7 @@ void build_mount(Load_context& context, const Json_value& item, const Spot& spot
     set_properties(context, item, node, spot);
     bind(context, item, node);
     const Json_value place = item.member(member::FOLDER);
-    const std::string folder =
-        (std::filesystem::path(place.place().source->name).parent_path() / place.text()).string();
+    const std::string folder = Mounted_menu::folder_of(place.place(), place.text());
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error)) {
         place.warn("there is no folder \"" + folder + "\"");

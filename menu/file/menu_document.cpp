@@ -105,6 +105,14 @@ Menu_document::Menu_document(const std::string& file, std::string text) {
     m_problems.attempt([&] { m_root = read(file, std::move(text)); });
 }
 
+std::vector<std::string> Menu_document::files() const {
+    std::vector<std::string> files;
+    for (const File& file : m_files) {
+        files.push_back(file.path);
+    }
+    return files;
+}
+
 Json_node Menu_document::read(const std::string& file, std::string text) {
     const Source& source = m_sources.emplace_back(Source{file, m_sources.size()});
     m_file_bytes = text.size();

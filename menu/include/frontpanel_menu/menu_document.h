@@ -34,6 +34,10 @@ public:
     // The whole document; valid as long as the document lives. Where the file could not be read as a whole, access to
     // it throws, so read it within `Problems::attempt`.
     Json_value root() { return {m_root, m_problems}; }
+    // The same without a report of what is wrong.
+    const Json_node& node() const { return m_root; }
+    // The file and those that it includes, as far as they could be read.
+    std::vector<std::string> files() const;
     // Whoever reads a part of the document reports here what is wrong with it.
     Problems& problems() { return m_problems; }
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include <frontpanel_base/problems.h>
 #include <frontpanel_binding/parameter_table.h>
 #include <frontpanel_menu/write_gate.h>
 
@@ -68,6 +69,11 @@ public:
     Mounted_menu(std::string folder, const Parameter_table& parameters, Write_gate& gate);
     Mounted_menu(const Mounted_menu&) = delete;
     Mounted_menu& operator=(const Mounted_menu&) = delete;
+
+    // The folder that a menu file names at a place, relative to that file.
+    static std::string folder_of(const Place& place, const std::string& folder);
+    // The presets of a folder by name, as many as are shown; empty for a folder that cannot be read.
+    static std::vector<std::string> files_in(const std::string& folder);
 
     // Builds the menu anew, an entry for each preset by name, below `parent`, which outlives it. The first
     // entry, or null when the folder cannot be read. A preset that cannot be used has an entry that reports it.

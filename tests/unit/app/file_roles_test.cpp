@@ -134,5 +134,39 @@ TEST_F(File_roles, TheFileThatIsWrittenFirstIsNoOther) {
               m_options.screenshot + ": --screenshot names a file that --state replaces");
 }
 
+TEST_F(File_roles, WhatTheMenuIncludesAndItsPresetsAreNotWritten) {
+    fs::create_directory(file("more"));
+    fs::create_directory(file("more/presets"));
+    std::ofstream(m_options.menu)
+        << R"({"templates": {"include": "more/parts.json"}, "device": {"include": "device.json"},
+               "menu": {"items": [{"template": "part"}, {"include": "more/items.json"}]}})";
+    std::ofstream(file("device.json")) << "{}";
+    std::ofstream(file("more/parts.json")) << R"({"part": {"content": []}})";
+    std::ofstream(file("more/items.json")) << R"([{"type": "mount", "folder": "presets"}])";
+    std::ofstream(file("more/presets/Film.json")) << "{}";
+    fs::create_hard_link(file("device.json"), file("other name"));
+    for (std::string Options::*const written :
+         {&Options::log, &Options::state, &Options::screenshot}) {
+        for (const char* const name :
+             {"device.json", "more/parts.json", "more/items.json", "other name"}) {
+            m_options.*written = file(name);
+            EXPECT_NE(refusal().find(": belongs to the menu, and --"), std::string::npos) << name;
+        }
+        m_options.*written = file("more/presets/Film.json");
+        EXPECT_NE(refusal().find("Film.json: belongs to the presets, and --"), std::string::npos);
+        m_options.*written = file("more/presets/Film");
+        EXPECT_EQ(refusal(), "");
+        m_options.*written = "";
+    }
+}
+
+TEST_F(File_roles, AMenuThatCannotBeReadIsReportedByItsLoad) {
+    m_options.log = file("log");
+    std::ofstream(m_options.menu) << R"({"device": {"include": "none.json"}, )";
+    EXPECT_EQ(refusal(), "");
+    fs::remove(m_options.menu);
+    EXPECT_EQ(refusal(), "");
+}
+
 }  // namespace
 }  // namespace frontpanel
