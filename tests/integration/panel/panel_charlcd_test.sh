@@ -62,13 +62,13 @@ PANEL_PROCESS=$!
 wait_for "a missing display is not reported" says \
     "frontpanel: display $FOLDER/lcd is unreachable (No such file or directory); retrying"
 plug_in
-wait_for "the homescreen" shows " Level=   -18.4 dBFS" " In 3.Gain    0.0 dB" "" ""
+wait_for "the homescreen" shows " Level=     -18.4 dB" " Gain 3       0.0 dB" "" ""
 says "frontpanel: display $FOLDER/lcd shows the panel on 20x4" || fail "the display is not reported"
 
 # A display that is plugged in again shows the whole frame.
 unplug
 plug_in
-wait_for "the homescreen again" shows " Level=   -18.4 dBFS" " In 3.Gain    0.0 dB" "" ""
+wait_for "the homescreen again" shows " Level=     -18.4 dB" " Gain 3       0.0 dB" "" ""
 
 # Nothing is left on it that could be taken for a value.
 STATUS=0

@@ -141,7 +141,7 @@ wait_for "a server that is unreachable is not told" says \
 terminal new-session -d -s lasting cat
 start_server
 wait_for "the display is not told" says "shows the panel on 20x4"
-expect "the homescreen" " Level=   -18.4 dBFS" " In 3.Gain    0.0 dB" "" ""
+expect "the homescreen" " Level=     -18.4 dB" " Gain 3       0.0 dB" "" ""
 press Enter
 expect "the top menu" \
     "Main             1/6" ">Audio           ..." " Video           ..." " Clock           ..."
@@ -179,7 +179,7 @@ wait_for "the screen of a panel that has ended stays" is_gone
 
 # Keys as somebody wants them, and a panel that is larger than the display.
 start_panel --keys 'n=down,o=select,x=back,5=1' --size 40x4
-expect "a large panel on a small display" " Level=" " In 3.Gain" "" ""
+expect "a large panel on a small display" " Level=" " Gain 3" "" ""
 press o
 expect "a menu of a large panel on a small display" \
     "Main" ">Audio" " Video" " Clock"

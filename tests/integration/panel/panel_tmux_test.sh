@@ -8,7 +8,7 @@ set -euo pipefail
 
 PANEL=$1
 TOUR=$2
-HOMESCREEN=" Level=   -18.4 dBFS" # its first line
+HOMESCREEN=" Level=     -18.4 dB" # its first line
 if ! command -v tmux >/dev/null; then
     echo "skipped: tmux is not installed"
     exit 77
