@@ -38,17 +38,6 @@ namespace {
 constexpr std::chrono::milliseconds LAST_WRITES(3000);
 constexpr std::chrono::milliseconds SIGNALLED_WRITES(700);
 
-// What the transfers of live data need while the cards run.
-std::optional<Curl_home> prepare_transfers(Simulated_device& device) {
-    if (device.cards() == nullptr) {
-        return std::nullopt;
-    }
-    if (!can_post()) {
-        std::cerr << "warning: live values cannot be posted: /dev is not writable\n";
-    }
-    return std::optional<Curl_home>(std::in_place);
-}
-
 // With `end` for a person, otherwise the script is played.
 int use(const Options& options, const Display_row& display, const std::optional<Script>& script,
         const Loaded_panel& loaded, Output_log& log, const End_watch* end) {
@@ -140,14 +129,11 @@ int show(const Options& options, Output_log& log) {
     std::optional<End_watch> end;
     watch_for_the_end(end, interactive, keeps_values);
     const Loaded_panel loaded = load(options, log, Cards::ON);
-    if (const std::string& failure = loaded.device->cards_failure(); !failure.empty()) {
-        log.report("warning: " + failure);
-    }
     std::optional<Script> script;
     if (!interactive) {
         script = script_to_play(options);
     }
-    const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device);
+    const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device, log);
     start_drivers(loaded, interactive ? First_values::NOT_AWAITED : First_values::AWAITED);
     const auto use_it = [&] {
         const int status =

@@ -1,7 +1,9 @@
 #include "reports.h"
 
 #include <iostream>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_base/input_error.h>
@@ -12,9 +14,11 @@
 #include <frontpanel_menu/menu_dump.h>
 #include <frontpanel_menu/menu_graph.h>
 #include <frontpanel_simulator/state_file.h>
+#include <frontpanel_ui/panel.h>
 #include <frontpanel_ui/script.h>
 #include "driver_work.h"
 #include "playing.h"
+#include "rule_state.h"
 #include "using_panel.h"
 
 namespace frontpanel {
@@ -39,6 +43,19 @@ Loaded_panel load(const Options& options, Output_log& log, Cards cards) {
     Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns, drivers);
     log.return_errors();
     return loaded;
+}
+
+std::optional<Curl_home> prepare_transfers(Simulated_device& device, Output_log& log) {
+    if (!device.cards_failure().empty()) {
+        log.report("warning: " + device.cards_failure());
+    }
+    if (device.cards() == nullptr) {
+        return std::nullopt;
+    }
+    if (!can_post()) {
+        std::cerr << "warning: live values cannot be posted: /dev is not writable\n";
+    }
+    return std::optional<Curl_home>(std::in_place);
 }
 
 void check_written(bool failed) {
@@ -75,13 +92,15 @@ bool is_report(const Options& options) {
 namespace {
 
 // The state is only read: a report keeps nothing.
-void restore_state(const Options& options, Simulated_device& device) {
-    if (!options.state.empty()) {
-        for (const std::string& line :
-             State_file(options.state, device.memory(), device.cards()).restore()) {
-            std::cerr << "warning: " << one_line(line) << '\n';
-        }
+void restore_state(const Options& options, const Loaded_panel& loaded) {
+    if (options.state.empty()) {
+        return;
     }
+    State_file file(options.state, loaded.device->memory(), loaded.device->cards());
+    for (const std::string& line : file.restore()) {
+        std::cerr << "warning: " << one_line(line) << '\n';
+    }
+    restore_rules(file, *loaded.menu);
 }
 
 }  // namespace
@@ -90,11 +109,13 @@ void restore_state(const Options& options, Simulated_device& device) {
 int report(const Options& options) {
     Output_log log(options.log);
     debug = options.debug;
-    const Loaded_panel loaded = load(options, log, Cards::OFF);
+    const bool is_played = !options.script.empty();
+    const Loaded_panel loaded = load(options, log, is_played ? Cards::ON : Cards::OFF);
+    const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device, log);
     VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
-    restore_state(options, *loaded.device);
+    restore_state(options, loaded);
     start_drivers(loaded, First_values::AWAITED);
-    const int status = options.script.empty() ? EXIT_PLAYED : play_unseen(options, loaded, log);
+    const int status = is_played ? play_unseen(options, loaded, log) : EXIT_PLAYED;
     refresh_all(*loaded.menu);
     log.out() << report_of(options, *loaded.menu);
     log.out().flush();

@@ -2,6 +2,9 @@
 #ifndef FRONTPANEL_APP_REPORTS_H
 #define FRONTPANEL_APP_REPORTS_H
 
+#include <optional>
+
+#include "curl_home.h"
 #include "loaded_panel.h"
 #include "options.h"
 #include "output_log.h"
@@ -10,6 +13,9 @@ namespace frontpanel {
 
 // Loads the menu of the options. Input_error and Input_errors as `load_panel` throws them.
 Loaded_panel load(const Options& options, Output_log& log, Cards cards);
+
+// What the transfers of live data need while cards run; reports what does not work of them.
+std::optional<Curl_home> prepare_transfers(Simulated_device& device, Output_log& log);
 
 // Whether the options ask for a report.
 bool is_report(const Options& options);

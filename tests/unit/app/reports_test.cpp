@@ -1,11 +1,15 @@
 #include "reports.h"
 
+#include <unistd.h>
+
 #include <fstream>
 #include <iterator>
 
 #include <frontpanel_base/json_document.h>
+#include <frontpanel_simulator/state_file.h>
 
 #include "menu_files.h"
+#include "rule_state.h"
 #include "support/capture.h"
 
 namespace frontpanel {
@@ -88,6 +92,45 @@ TEST_F(Reports_test, TheyShowTheStateAndWhatAScriptMakesOfIt) {
     options.script = write("down.script", "select\ndown\nselect\nexpect-write 1 8\n");
     EXPECT_EQ(gain_line(), "  Gain  range  1          6      allowed 0..9\n");
     EXPECT_EQ(status, EXIT_DIFFERENCE);
+}
+
+// A person changed what a rule had written before the restart.
+TEST_F(Reports_test, ARuleDoesNotActAgainOnTheStateThatIsRestored) {
+    options.menu = write("rules.json", R"({"device": {"parameters": [
+        {"name": "mode", "pid": 1, "type": "integer", "min": 0, "max": 9, "value": 1},
+        {"name": "gain", "pid": 2, "type": "integer", "min": 0, "max": 99, "value": 5}]},
+        "menu": {"name": "Main", "items": [
+            {"type": "range", "name": "Mode", "parameter": "mode",
+             "binding": "set [gain] = 50 if [mode] == 1"},
+            {"type": "range", "name": "Gain", "parameter": "gain"}]}})");
+    options.dump = "table";
+    EXPECT_NE(report_of().find("Gain  range  2          50 "), std::string::npos);
+    options.state = folder.file("values");
+    {
+        const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20);
+        State_file file(options.state, loaded.device->memory(), nullptr);
+        loaded.menu->bindings()->poll();
+        loaded.menu->bindings()->settle();
+        loaded.device->memory().set_integer(2, 0, 60);
+        keep_rules(*loaded.menu, file);
+        file.save();
+    }
+    EXPECT_NE(report_of().find("Gain  range  2          60 "), std::string::npos) << report_of();
+}
+
+TEST_F(Reports_test, CardsRunWhileAScriptIsPlayed) {
+    options.menu = write("cards.json", R"({"device": {"parameters": [], "cards": [{"slot": 3,
+        "combo-boxes": [{"pid": 9063, "options": ["Sport", "News"], "selected": 1}]}]},
+        "menu": {"name": "Main", "items": [{"type": "enum", "name": "Preset", "pid": 9063,
+            "live": {"slot": 3, "web-type": "combobox"}}]}})");
+    options.dump = "table";
+    EXPECT_EQ(report_of().find("News"), std::string::npos);
+    options.script = write("wait.script", "tick 12\nexpect 1 |>*News|\n");
+    EXPECT_NE(report_of().find("News"), std::string::npos);
+    EXPECT_EQ(status, EXIT_PLAYED);
+    for (const char* const kind : {"-json", "-json.gz", "-post"}) {
+        unlink(("/tmp/9063" + std::string(kind)).c_str());
+    }
 }
 
 TEST_F(Reports_test, AGraphIsForGraphviz) {
