@@ -11,6 +11,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -50,6 +51,10 @@ public:
     // The next writes end like that, one each; further ones are done.
     void answer_writes(std::vector<Driver_result> results) {
         locked([&] { m_write_results = std::move(results); });
+    }
+    // Called once, while the next write is on its way to the device.
+    void during_write(std::function<void()> act) {
+        locked([&] { m_during_write = std::move(act); });
     }
     // A read ends after that number of parameters.
     void read_at_most(std::size_t count) {
@@ -133,6 +138,7 @@ private:
     std::set<std::size_t> m_pushed;
     std::vector<std::pair<std::size_t, Parameter_value>> m_waiting;
     std::vector<Driver_result> m_write_results;
+    std::function<void()> m_during_write;
     Driver_result m_read_result;
     std::size_t m_most_read = SIZE_MAX;
     std::string m_away;
@@ -209,6 +215,11 @@ public:
         std::unique_lock<std::mutex> lock(m_device->m_mutex);
         const std::string written = std::to_string(number) + "=" + text_of(value);
         m_device->begin(lock, "write " + written);
+        if (const auto act = std::exchange(m_device->m_during_write, nullptr)) {
+            lock.unlock();
+            act();
+            lock.lock();
+        }
         if (!m_device->m_away.empty()) {
             return away_or_done();
         }

@@ -9,7 +9,7 @@
 namespace frontpanel {
 namespace {
 
-class Driver_work_test : public Menu_files {
+class Driver_work_test : public Driven_menu_files {
 protected:
     Driver_work_test() {
         write("value", "7");

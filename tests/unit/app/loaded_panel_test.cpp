@@ -28,7 +28,7 @@ TEST_F(Loaded_panel_test, WarnsOfWhatTheDisplayCannotShowAtOnce) {
     EXPECT_EQ(load_panel(options.menu, Cards::OFF, 16).warnings.size(), 1U);
 }
 
-class Loaded_driven_panel_test : public Menu_files {
+class Loaded_driven_panel_test : public Driven_menu_files {
 protected:
     Loaded_driven_panel_test() {
         write("value", "7");

@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 
 #include <frontpanel_base/input_error.h>
+#include "driver_table.h"
 #include "options.h"
 #include "support/folder.h"
 
@@ -41,6 +43,20 @@ protected:
 
     support::Folder folder;
     Options options;
+};
+
+// Tests with files as the device. A build may leave out the driver.
+class Driven_menu_files : public Menu_files {
+protected:
+    void SetUp() override {
+        const Driver_table& drivers = driver_table();
+        const bool has_files =
+            std::any_of(drivers.begin(), drivers.end(),
+                        [](const Driver_row* row) { return row->name == std::string("file"); });
+        if (!has_files) {
+            GTEST_SKIP() << "built without the driver for files";
+        }
+    }
 };
 
 }  // namespace frontpanel

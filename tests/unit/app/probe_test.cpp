@@ -22,7 +22,7 @@ TEST(Probe_table, HasALineForEachParameter) {
               "x           far away  --     --     no route\n");
 }
 
-class Probe_test : public Menu_files {
+class Probe_test : public Driven_menu_files {
 protected:
     support::Captured probe_of(const std::string& parameters) {
         options.probe = true;

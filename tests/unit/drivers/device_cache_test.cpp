@@ -258,6 +258,44 @@ TEST_F(Device_cache_test, ANewerValueReplacesOneThatWasNotSent) {
     EXPECT_EQ(m_device->writes(), (Lines{"1=7", "0=3"}));
 }
 
+TEST_F(Device_cache_test, ANewerValueFollowsOneThatIsOnItsWay) {
+    add_numbers(1);
+    read(0);
+    m_device->during_write([this] { set_number(m_cache, 0, 2); });
+    set_number(m_cache, 0, 1);
+    step();
+    EXPECT_EQ(m_device->writes(), (Lines{"0=1", "0=2"}));
+    EXPECT_EQ(number_of(m_cache, 0), 2);
+}
+
+TEST_F(Device_cache_test, AnOlderValueThatWasNotSentDoesNotReplaceANewerOne) {
+    add_numbers(1);
+    read(0);
+    m_device->during_write([this] {
+        set_number(m_cache, 0, 2);
+        m_device->be_away("cable");
+    });
+    set_number(m_cache, 0, 1);
+    step();
+    EXPECT_EQ(number_of(m_cache, 0), 2);
+    m_device->be_back();
+    m_clock->advance(1s);
+    step();
+    EXPECT_EQ(m_device->writes(), Lines{"0=2"});
+}
+
+TEST_F(Device_cache_test, ANewerValueStaysWhenTheOneOnItsWayIsRefused) {
+    add_numbers(1);
+    read(0);
+    m_device->answer_writes({Driver_result::refused("no")});
+    m_device->during_write([this] { set_number(m_cache, 0, 2); });
+    set_number(m_cache, 0, 1);
+    step();
+    EXPECT_EQ(m_device->writes(), Lines{"0=2"});
+    EXPECT_EQ(number_of(m_cache, 0), 2);
+    EXPECT_EQ(events(), Lines{"plc: p0: write refused: no"});
+}
+
 TEST_F(Device_cache_test, ARefusedWriteBringsTheOldValueBackWithTheReason) {
     add_numbers(1);
     m_device->hold(0, 4);
