@@ -72,11 +72,9 @@ protected:
             EXPECT_EQ(shown.has_value(), state.freshness != Freshness::UNKNOWN);
             if (state.freshness == Freshness::FRESH) {
                 const auto& history = m_history[pid];
-                EXPECT_TRUE(std::any_of(history.begin(), history.end(),
-                                        [&](const Held& held) {
-                                            return held.value == Parameter_value(*shown);
-                                        }))
-                    << *shown;
+                EXPECT_TRUE(std::any_of(history.begin(), history.end(), [&](const Held& held) {
+                    return held.value == Parameter_value(*shown);
+                })) << *shown;
             }
         }
     }
