@@ -1,0 +1,216 @@
+#include "child_process.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <optional>
+
+namespace frontpanel {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr int FIRST_FREE = STDERR_FILENO + 1;
+
+struct Pipe {
+    Descriptor reading;
+    Descriptor writing;
+
+    // Neither end is in the place of a standard stream, which this process may have closed.
+    bool open() {
+        int ends[2];
+        if (pipe2(ends, O_CLOEXEC) != 0) {
+            return false;
+        }
+        const Descriptor first(ends[0]);
+        const Descriptor second(ends[1]);
+        reading = Descriptor(fcntl(ends[0], F_DUPFD_CLOEXEC, FIRST_FREE));
+        writing = Descriptor(fcntl(ends[1], F_DUPFD_CLOEXEC, FIRST_FREE));
+        return reading.is_open() && writing.is_open();
+    }
+};
+
+void never_wait(const Descriptor& descriptor) {
+    fcntl(descriptor.number(), F_SETFL, fcntl(descriptor.number(), F_GETFL) | O_NONBLOCK);
+}
+
+// What the child needs, ready before it is forked: afterwards it may not allocate.
+struct Start {
+    const char* program;
+    const char* folder;  // null: stay
+    std::vector<char*> arguments;
+    int input;
+    int output;
+    int errors;
+    int report;  // gets errno when the program cannot be started
+    pid_t parent;
+};
+
+void close_from(unsigned first) {
+    if (close_range(first, ~0U, 0) == 0) {
+        return;
+    }
+    constexpr rlim_t MOST = 65536;  // of a kernel that cannot close a range
+    rlimit limit{MOST, MOST};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    for (unsigned number = first; number < std::min(limit.rlim_cur, MOST); ++number) {
+        close(static_cast<int>(number));
+    }
+}
+
+void take_streams(const Start& start) {
+    dup2(start.input, STDIN_FILENO);
+    dup2(start.output, STDOUT_FILENO);
+    dup2(start.errors, STDERR_FILENO);
+    if (start.report != FIRST_FREE) {
+        dup3(start.report, FIRST_FREE, O_CLOEXEC);
+    }
+    close_from(FIRST_FREE + 1);
+}
+
+void take_signals() {
+    for (int number = 1; number < NSIG; ++number) {
+        std::signal(number, SIG_DFL);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+[[noreturn]] void become(const Start& start) {
+    constexpr int CANNOT_START = 127;
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() != start.parent) {
+        _exit(CANNOT_START);
+    }
+    take_streams(start);
+    take_signals();
+    if (start.folder == nullptr || chdir(start.folder) == 0) {
+        execv(start.program, start.arguments.data());
+    }
+    const int error = errno;
+    [[maybe_unused]] const ssize_t written = write(FIRST_FREE, &error, sizeof error);
+    _exit(CANNOT_START);
+}
+
+// What the child reports; 0 once it has become the program.
+int error_of(const Descriptor& report) {
+    int error = 0;
+    ssize_t size = -1;
+    do {
+        size = read(report.number(), &error, sizeof error);
+    } while (size < 0 && errno == EINTR);
+    return size == sizeof error ? error : 0;
+}
+
+std::string description_of(const siginfo_t& end) {
+    return end.si_code == CLD_EXITED ? "it ended with status " + std::to_string(end.si_status)
+                                     : "it was ended by signal " + std::to_string(end.si_status);
+}
+
+// How a child has ended, which stays a zombie.
+std::optional<siginfo_t> ended(pid_t process) {
+    siginfo_t end{};
+    const int result = waitid(P_PID, static_cast<id_t>(process), &end, WEXITED | WNOHANG | WNOWAIT);
+    // A process that is no child any more was taken by somebody else, who waits for all children.
+    return (result == 0 && end.si_pid == process) || (result != 0 && errno == ECHILD)
+               ? std::optional<siginfo_t>(end)
+               : std::nullopt;
+}
+
+}  // namespace
+
+Child_process::~Child_process() {
+    end();
+}
+
+std::string Child_process::start(const std::string& program,
+                                 const std::vector<std::string>& arguments,
+                                 const std::string& folder) {
+    Pipe input;
+    Pipe output;
+    Pipe errors;
+    Pipe report;
+    if (!input.open() || !output.open() || !errors.open() || !report.open()) {
+        return std::strerror(errno);
+    }
+    Start start{program.c_str(),
+                folder.empty() ? nullptr : folder.c_str(),
+                {},
+                input.reading.number(),
+                output.writing.number(),
+                errors.writing.number(),
+                report.writing.number(),
+                getpid()};
+    for (const std::string& argument : arguments) {
+        start.arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
+    start.arguments.push_back(nullptr);
+    const pid_t process = fork();
+    if (process == 0) {
+        become(start);
+    }
+    if (process < 0) {
+        return std::strerror(errno);
+    }
+    setpgid(process, process);  // whichever of both is first
+    report.writing.reset();
+    m_process = process;
+    m_input = std::move(input.writing);
+    m_output = std::move(output.reading);
+    m_errors = std::move(errors.reading);
+    for (const Descriptor* const descriptor : {&m_input, &m_output, &m_errors}) {
+        never_wait(*descriptor);
+    }
+    if (const int error = error_of(report.reading); error != 0) {
+        end(PATIENCE);
+        return std::strerror(error);
+    }
+    return "";
+}
+
+// Without a handler for SIGCHLD, which belongs to the application, a short pause is all that is left.
+bool Child_process::has_ended(milliseconds most) const {
+    constexpr int PAUSE = 5;  // milliseconds
+    const Clock::time_point until = Clock::now() + most;
+    while (!ended(m_process)) {
+        if (Clock::now() >= until) {
+            return false;
+        }
+        poll(nullptr, 0, PAUSE);
+    }
+    return true;
+}
+
+// The group is killed while its leader is a zombie, whose number nobody else can have.
+std::string Child_process::end(milliseconds by_itself) {
+    if (!is_running()) {
+        return "";
+    }
+    m_input.reset();
+    m_output.reset();
+    if (!has_ended(by_itself)) {
+        kill(-m_process, SIGTERM);
+        if (!has_ended(PATIENCE)) {
+            kill(-m_process, SIGKILL);
+            has_ended(PATIENCE);
+        }
+    }
+    const std::optional<siginfo_t> how = ended(m_process);
+    kill(-m_process, SIGKILL);
+    waitpid(m_process, nullptr, how ? 0 : WNOHANG);
+    m_process = -1;
+    return how ? description_of(*how) : "it cannot be ended";
+}
+
+}  // namespace frontpanel

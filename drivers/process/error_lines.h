@@ -1,0 +1,47 @@
+// What an adapter prints to its standard error, for the log: whole lines with the name of the driver in front, printable,
+// and no more than a log can bear.
+#ifndef FRONTPANEL_DRIVER_PROCESS_ERROR_LINES_H
+#define FRONTPANEL_DRIVER_PROCESS_ERROR_LINES_H
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace frontpanel {
+
+class Error_lines {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    static constexpr std::size_t LONGEST_LINE = 200;  // bytes; the rest is dropped
+    static constexpr std::size_t MOST_LINES = 50;     // in a span
+    static constexpr std::chrono::seconds SPAN{60};
+
+    // `print` gets whole lines without their ends.
+    Error_lines(std::string name, std::function<void(const std::string&)> print)
+        : m_name(std::move(name)), m_print(std::move(print)) {}
+
+    void take(std::string_view bytes, Time now);
+    // Takes an unfinished line as one.
+    void end(Time now);
+    // The last line that is not empty; empty if there was none.
+    const std::string& last() const { return m_last; }
+    void forget_last() { m_last.clear(); }
+
+private:
+    void finish_line(Time now);
+    void begin_span(Time now);
+
+    const std::string m_name;
+    const std::function<void(const std::string&)> m_print;
+    std::string m_line;
+    std::string m_last;
+    Time m_span_began{};
+    std::size_t m_printed = 0;  // in this span
+    std::size_t m_dropped = 0;
+};
+
+}  // namespace frontpanel
+
+#endif

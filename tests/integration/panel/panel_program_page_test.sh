@@ -1,0 +1,91 @@
+#!/usr/bin/env bash
+# Follows docs/own-program.md literally: writes its files, runs its commands and compares what they print.
+# usage: panel_program_page_test.sh FRONTPANEL PAGE
+set -uo pipefail
+
+PANEL=$1
+PAGE=$2
+FOLDER=$(mktemp -d)
+trap 'rm -rf "$FOLDER"' EXIT
+cd "$FOLDER" || exit 1
+export XDG_STATE_HOME=$FOLDER
+FAILURES=0
+
+fail() {
+    echo "FAILED: $*"
+    FAILURES=$((FAILURES + 1))
+}
+
+mkdir bin
+printf '#!/bin/sh\nexec "%s" "$@"\n' "$PANEL" >bin/frontpanel
+chmod +x bin/frontpanel
+PATH=$FOLDER/bin:$PATH
+
+# The Nth block of a kind: of the lines between ```KIND and ```.
+block() {
+    awk -v kind="\`\`\`$1" -v wanted="$2" '
+        $0 == kind { inside = 1; ++number; next }
+        /^```/ { inside = 0 }
+        inside && number == wanted' "$PAGE"
+}
+
+# run N: the Nth block of commands; what it prints is in "out".
+run() {
+    block sh "$1" >commands
+    [ -s commands ] || fail "there is no block of commands $1"
+    bash -e commands >out 2>errors || fail "commands $1: status $?: $(cat errors)"
+    [ ! -s errors ] || fail "commands $1: $(cat errors)"
+}
+
+# shows N: what was printed is the Nth block of text, whatever the age of a value is.
+shows() {
+    block text "$1" >wanted
+    diff <(sed -E 's/[0-9]+\.[0-9] s/AGE/' wanted) <(sed -E 's/[0-9]+\.[0-9] s/AGE/' out) ||
+        fail "text $1"
+}
+
+# play KEY...: a person at the display of the page, whose first frame is as the page shows it.
+play() {
+    {
+        row=0
+        while IFS= read -r line; do
+            row=$((row + 1))
+            printf 'expect %d |%-20s|\n' "$row" "$line"
+        done <display
+        printf '%s\n' "$@"
+    } >person.script
+    frontpanel --menu room.json --script person.script --size 20x4 >frames 2>errors
+}
+
+block python 1 >room.py
+block json 1 >room.json
+run 1 && shows 1
+run 2 && shows 2
+run 3 && shows 3
+
+block text 4 >display
+grep -q Target display || fail "the page shows no display"
+play down select up select tick || fail "the panel: status $?: $(cat errors)"
+run 4 && shows 5
+
+# A target beyond what the program takes.
+sed -i 's/"target": 23/"target": 30/' room.py
+sed -i 's/23 C/30 C/' display
+play down select up select tick tick
+grep -q 'expected 5 to 30' frames errors || fail "the refusal: $(cat errors frames)"
+[ "$(cat target)" = 24 ] || fail "a refused target was kept: $(cat target)"
+
+# A program that is missing, and a name that is mistyped.
+sed 's/"python3"/"no-such-program"/; s/"command"/"comand"/' room.json >mistaken.json
+frontpanel --menu mistaken.json --check >out 2>errors && fail "a mistake was not reported"
+grep -q 'unknown member "comand"; did you mean "command"?' out errors || fail "--check: $(cat out errors)"
+sed 's/"python3"/"no-such-program"/' room.json >missing.json
+frontpanel --menu missing.json --check >out 2>errors || fail "a missing program is no mistake"
+grep -q 'warning: cannot be reached here: PATH has no program "no-such-program"' out errors ||
+    fail "--check: $(cat out errors)"
+
+# At a desk.
+frontpanel --menu room.json --simulate --check >out 2>errors || fail "--simulate: $(cat errors)"
+
+[ "$FAILURES" -eq 0 ] && echo "all as expected"
+exit "$FAILURES"

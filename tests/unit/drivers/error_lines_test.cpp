@@ -1,0 +1,50 @@
+#include "error_lines.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace frontpanel {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class Error_lines_test : public testing::Test {
+protected:
+    Lines m_printed;
+    Error_lines m_lines{"room", [this](const std::string& line) { m_printed.push_back(line); }};
+    Error_lines::Time m_now = Error_lines::Time() + std::chrono::hours(1);
+};
+
+TEST_F(Error_lines_test, AreWholeAndPrintableWithTheNameInFront) {
+    m_lines.take("first\nsec", m_now);
+    m_lines.take("ond \x1b[2J\n\n", m_now);
+    EXPECT_EQ(m_printed, (Lines{"room: first", "room: second ?[2J"}));
+    EXPECT_EQ(m_lines.last(), "second ?[2J");
+}
+
+TEST_F(Error_lines_test, AnUnfinishedOneIsTakenAtTheEnd) {
+    m_lines.take("last words", m_now);
+    EXPECT_EQ(m_printed, Lines{});
+    m_lines.end(m_now);
+    m_lines.end(m_now);
+    EXPECT_EQ(m_printed, Lines{"room: last words"});
+}
+
+TEST_F(Error_lines_test, ALongOneIsCut) {
+    m_lines.take(std::string(100000, 'x') + "\n", m_now);
+    EXPECT_EQ(m_printed, Lines{"room: " + std::string(Error_lines::LONGEST_LINE, 'x')});
+}
+
+TEST_F(Error_lines_test, VeryManyAreDroppedAndCounted) {
+    for (int i = 0; i < 1000; ++i) {
+        m_lines.take("again\n", m_now);
+    }
+    EXPECT_EQ(m_printed.size(), Error_lines::MOST_LINES);
+    m_printed.clear();
+    m_lines.take("later\n", m_now + Error_lines::SPAN);
+    EXPECT_EQ(m_printed, (Lines{"room: 950 more lines were dropped", "room: later"}));
+}
+
+}  // namespace
+}  // namespace frontpanel
