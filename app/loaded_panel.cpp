@@ -25,8 +25,12 @@ bool has_drivers(const Json_value& root) {
 
 }  // namespace
 
-Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drivers drivers) {
+Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drivers drivers,
+                        const Shows_character& shows) {
     Menu_document document(file);
+    if (shows) {
+        warn_of_characters(document, shows);
+    }
     Problems& problems = document.problems();
     const Json_value root = document.root();
     const bool is_driven = drivers != Drivers::SIMULATED && has_drivers(root);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <frontpanel_drivers/driven_device.h>
+#include <frontpanel_menu/character_check.h>
 #include <frontpanel_menu/menu_loader.h>
 #include <frontpanel_simulator/simulated_device.h>
 
@@ -28,9 +29,11 @@ struct Loaded_panel {
 };
 
 // Input_error and Input_errors as `load_menu` throws them. `columns` are those of the display. The drivers work once the
-// cache of `driven` is started.
+// cache of `driven` is started. With `shows` there is a warning of each text with a character that the display cannot
+// show.
 Loaded_panel load_panel(const std::string& file, Cards cards, int columns,
-                        Drivers drivers = Drivers::LOADED);
+                        Drivers drivers = Drivers::LOADED,
+                        const Shows_character& shows = nullptr);
 
 }  // namespace frontpanel
 

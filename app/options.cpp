@@ -118,6 +118,11 @@ std::string hint_of_option(const CLI::App& app) {
 void describe_front(CLI::App& app, Options& options) {
     add_parsed(app, "--display", options.display, parse_display, display_names())
         ->type_name("DISPLAY");
+    add_parsed(
+        app, "--charset", options.rom,
+        [](const std::string& text) { return &parse_character_rom(text); },
+        "Characters of charlcd: " + character_rom_names())
+        ->type_name("NAME");
     add_parsed(app, "--keys", options.keys, parse_key_map,
                "Keys of lcdproc, such as Enter=select,F1=1")
         ->type_name("KEYS");

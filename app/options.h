@@ -8,6 +8,7 @@
 #include <variant>
 
 #include <frontpanel_display/lcd.h>
+#include <frontpanel_displays/character_rom.h>
 #include <frontpanel_displays/display_table.h>
 #include <frontpanel_displays/key_map.h>
 
@@ -32,7 +33,8 @@ struct Options {
     Lcd_size size;
     bool has_size = false;  // `size` was named
     Display_choice display;
-    Key_map keys = usual_keys();   // of a display server
+    const Character_rom* rom = &Character_rom::a00();  // of a display of the kernel
+    Key_map keys = usual_keys();                       // of a display server
     int time_out = 300;            // seconds without a key until the panel rests; 0 for never
     std::string pin_file;          // empty: the panel does not lock
     bool no_acceleration = false;  // of the encoder, whatever the menu says

@@ -35,12 +35,13 @@ std::string report_of(const Options& options, Menu& menu) {
 }  // namespace
 
 // The library reports mistakes of an expression to standard error, where the panel prints one line of its own.
-Loaded_panel load(const Options& options, Output_log& log, Cards cards) {
+Loaded_panel load(const Options& options, Output_log& log, Cards cards,
+                  const Shows_character& shows) {
     log.take_errors();
     const Drivers drivers = options.simulate ? Drivers::SIMULATED
                             : options.check  ? Drivers::CHECKED
                                              : Drivers::LOADED;
-    Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns, drivers);
+    Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns, drivers, shows);
     log.return_errors();
     return loaded;
 }
@@ -65,7 +66,13 @@ void check_written(bool failed) {
 }
 
 int check(const Options& options, Output_log& log) {
-    const Loaded_panel loaded = load(options, log, Cards::OFF);
+    Shows_character shows;
+    if (const Display_row* const display = options.display.display) {
+        shows = [&options, display](char32_t character) {
+            return display->shows(character, *options.rom);
+        };
+    }
+    const Loaded_panel loaded = load(options, log, Cards::OFF, shows);
     if (!options.script.empty()) {
         parse_script(options.script, read_input_file(options.script));
     }

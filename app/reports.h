@@ -11,8 +11,9 @@
 
 namespace frontpanel {
 
-// Loads the menu of the options. Input_error and Input_errors as `load_panel` throws them.
-Loaded_panel load(const Options& options, Output_log& log, Cards cards);
+// Loads the menu of the options. Input_error, Input_errors and `shows` as those of `load_panel`.
+Loaded_panel load(const Options& options, Output_log& log, Cards cards,
+                  const Shows_character& shows = nullptr);
 
 // What the transfers of live data need while cards run; reports what does not work of them.
 std::optional<Curl_home> prepare_transfers(Simulated_device& device, Output_log& log);
@@ -21,7 +22,7 @@ std::optional<Curl_home> prepare_transfers(Simulated_device& device, Output_log&
 bool is_report(const Options& options);
 // Prints it to standard output. The exit status; Input_error when that cannot be written.
 int report(const Options& options);
-// Checks the menu, and the script if one is named. The exit status; Input_error for what is wrong.
+// Checks the menu, with the characters of the display if one is named, and the script if one is named. The exit status; Input_error for what is wrong.
 int check(const Options& options, Output_log& log);
 
 // Input_error when printing to standard output has failed.

@@ -112,8 +112,13 @@ void check_front(const Options& options, const Display_row& display, const Outpu
 
 Display_setup setup_of(const Options& options, Output_log& log) {
     const auto size = options.has_size ? std::optional<Lcd_size>(options.size) : std::nullopt;
-    return {options.display.argument, size,      options.keys,
-            log.out_descriptor(),     log.out(), std::cerr};
+    return {options.display.argument,
+            size,
+            options.keys,
+            log.out_descriptor(),
+            log.out(),
+            std::cerr,
+            options.rom};
 }
 
 Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& log) {

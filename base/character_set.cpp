@@ -9,7 +9,6 @@ namespace frontpanel {
 namespace {
 
 constexpr char UNKNOWN = '?';
-constexpr char32_t DAMAGED = 0xFFFFFFFF;
 constexpr char32_t LARGEST = 0x10FFFF;
 
 constexpr std::pair<char32_t, char> PLAIN_FORMS[] = {
@@ -59,18 +58,12 @@ bool has_cell(char32_t character) {
     return (character >= 0x20 && character <= 0x7E) || (character >= 0xA0 && character <= 0xFF);
 }
 
-bool is_control(char32_t character) {
-    return character < 0x20 || (character >= 0x7F && character <= 0x9F);
-}
-
 char cell_of(char32_t character, std::set<char32_t>& lost) {
     if (has_cell(character)) {
         return static_cast<char>(character);
     }
-    for (const auto& [known, plain] : PLAIN_FORMS) {
-        if (character == known) {
-            return plain;
-        }
+    if (const std::optional<char> plain = plain_form_of(character)) {
+        return *plain;
     }
     if (character != DAMAGED) {
         lost.insert(character);
@@ -80,13 +73,56 @@ char cell_of(char32_t character, std::set<char32_t>& lost) {
 
 }  // namespace
 
-std::string cells_of(std::string_view text, std::set<char32_t>& lost) {
-    std::string cells;
-    cells.reserve(text.size());
+std::u32string characters_of(std::string_view text) {
+    std::u32string characters;
+    characters.reserve(text.size());
     while (!text.empty()) {
-        cells += cell_of(take_character(text), lost);
+        characters += take_character(text);
+    }
+    return characters;
+}
+
+std::string utf8_of(char32_t character) {
+    const auto byte = [](char32_t bits) { return static_cast<char>(bits); };
+    const auto following = [&](unsigned shift) {
+        return byte(0x80U | (character >> shift & 0x3FU));
+    };
+    if (character < 0x80) {
+        return {byte(character)};
+    }
+    if (character < 0x800) {
+        return {byte(0xC0U | character >> 6U), following(0)};
+    }
+    if (character < 0x10000) {
+        return {byte(0xE0U | character >> 12U), following(6), following(0)};
+    }
+    return {byte(0xF0U | character >> 18U), following(12), following(6), following(0)};
+}
+
+bool is_control(char32_t character) {
+    return character < 0x20 || (character >= 0x7F && character <= 0x9F);
+}
+
+std::optional<char> plain_form_of(char32_t character) {
+    for (const auto& [known, plain] : PLAIN_FORMS) {
+        if (character == known) {
+            return plain;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string cells_of(const std::u32string& characters, std::set<char32_t>& lost) {
+    std::string cells;
+    cells.reserve(characters.size());
+    for (const char32_t character : characters) {
+        cells += cell_of(character, lost);
     }
     return cells;
+}
+
+std::string cells_of(std::string_view text, std::set<char32_t>& lost) {
+    return cells_of(characters_of(text), lost);
 }
 
 std::string text_of(std::string_view cells) {

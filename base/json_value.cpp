@@ -1,3 +1,4 @@
+#include <frontpanel_base/character_set.h>
 #include <frontpanel_base/json_value.h>
 
 #include <rapidjson/stringbuffer.h>
@@ -232,6 +233,10 @@ bool Json_value::is_object() const {
     return m_node->is(Kind::OBJECT);
 }
 
+bool Json_value::is_list() const {
+    return m_node->is(Kind::LIST);
+}
+
 int64_t Json_value::integer(int64_t min, int64_t max) const {
     const std::optional<int64_t> number = m_node->integer();
     if (!number || *number < min || *number > max) {
@@ -258,6 +263,19 @@ std::string Json_value::text() const {
     return std::string(m_node->text());
 }
 
+std::string Json_value::shown_text() const {
+    if (!is_text()) {
+        fail_type("a text");
+    }
+    const std::u32string characters = characters_of(m_node->text());
+    if (std::any_of(characters.begin(), characters.end(), [](char32_t character) {
+            return character == DAMAGED || is_control(character);
+        })) {
+        fail("expected printable characters in UTF-8");
+    }
+    return std::string(m_node->text());
+}
+
 std::string Json_value::text_with_lines() const {
     if (!is_text()) {
         fail_type("a text");
@@ -271,10 +289,18 @@ std::string Json_value::text_with_lines() const {
 }
 
 std::string Json_value::text_of_length(size_t min, size_t max) const {
-    std::string text = this->text();
+    return of_length(text(), min, max);
+}
+
+std::string Json_value::shown_text_of_length(size_t min, size_t max) const {
+    return of_length(shown_text(), min, max);
+}
+
+std::string Json_value::of_length(std::string text, size_t min, size_t max) const {
     if (text.size() < min || text.size() > max) {
         fail("expected a text of " + std::to_string(min) + " to " + std::to_string(max) +
-             " characters, found " + std::to_string(text.size()));
+             " characters, found " + std::to_string(text.size()) +
+             (is_printable(text) ? "" : " bytes of UTF-8"));
     }
     return text;
 }

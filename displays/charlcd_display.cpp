@@ -7,12 +7,13 @@
 #include <frontpanel_display/retry.h>
 #include "charlcd_screen.h"
 #include "device_writer.h"
+#include "lost_characters.h"
 
 namespace frontpanel {
 
 class Charlcd_display::Client {
 public:
-    Client(const std::string& device, Lcd_size size, std::ostream& log);
+    Client(const std::string& device, Lcd_size size, const Character_rom& rom, std::ostream& log);
     ~Client();
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
@@ -32,6 +33,7 @@ private:
 
     std::string m_device;
     Lcd_size m_size;
+    const Character_rom& m_rom;
     std::ostream& m_log;
     Device_writer m_writer;
     Retry m_retry;
@@ -41,10 +43,12 @@ private:
     std::optional<Charlcd_screen> m_screen;  // what the device has, or will have after the write
     std::optional<Frame> m_frame;            // to be shown
     bool m_has_news = false;                 // `m_frame` was not sent
+    Lost_characters m_lost;
 };
 
-Charlcd_display::Client::Client(const std::string& device, Lcd_size size, std::ostream& log)
-    : m_device(device), m_size(size), m_log(log), m_writer(device) {}
+Charlcd_display::Client::Client(const std::string& device, Lcd_size size, const Character_rom& rom,
+                                std::ostream& log)
+    : m_device(device), m_size(size), m_rom(rom), m_log(log), m_writer(device) {}
 
 // A value that stays on the display would be taken for the device's.
 Charlcd_display::Client::~Client() {
@@ -107,12 +111,13 @@ void Charlcd_display::Client::send() {
     }
     std::string bytes;
     if (!m_screen) {
-        m_screen.emplace(m_size);
+        m_screen.emplace(m_size, m_rom);
         bytes = m_screen->setup();
     }
     if (m_has_news) {
         bytes += m_screen->update(*m_frame);
         m_has_news = false;
+        m_lost.report(m_screen->lost(), [this](const std::string& text) { say(text); });
     }
     if (!bytes.empty() || m_now >= m_deadline) {
         m_writer.write(std::move(bytes));
@@ -135,8 +140,9 @@ void Charlcd_display::Client::report_up() {
     say("shows the panel on " + size_text(m_size));
 }
 
-Charlcd_display::Charlcd_display(const std::string& device, Lcd_size size, std::ostream& log)
-    : m_client(std::make_unique<Client>(device, size, log)) {}
+Charlcd_display::Charlcd_display(const std::string& device, Lcd_size size, std::ostream& log,
+                                 const Character_rom& rom)
+    : m_client(std::make_unique<Client>(device, size, rom, log)) {}
 
 Charlcd_display::~Charlcd_display() = default;
 

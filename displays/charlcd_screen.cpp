@@ -1,6 +1,9 @@
 #include "charlcd_screen.h"
 
 #include <algorithm>
+#include <optional>
+
+#include <frontpanel_base/character_set.h>
 
 namespace frontpanel {
 namespace {
@@ -20,15 +23,22 @@ std::string position(int row, int column) {
     return "\x1B[Lx" + std::to_string(column) + "y" + std::to_string(row) + ";";
 }
 
-// The ROMs of these displays differ from ASCII in two places.
-char byte_of(char cell) {
-    return cell >= ' ' && cell < '~' && cell != '\\' ? cell : '?';
+// The rows of the character are two hexadecimal digits each, the upper one first.
+std::string definition(size_t code, const Glyph& glyph) {
+    constexpr const char* DIGITS = "0123456789abcdef";
+    std::string sequence = "\x1B[LG" + std::to_string(code);
+    for (const uint8_t row : glyph) {
+        sequence += DIGITS[row >> 4U];
+        sequence += DIGITS[row & 0xFU];
+    }
+    return sequence + ';';
 }
 
 }  // namespace
 
-Charlcd_screen::Charlcd_screen(Lcd_size size)
+Charlcd_screen::Charlcd_screen(Lcd_size size, const Character_rom& rom)
     : m_size(size),
+      m_rom(rom),
       m_lines(static_cast<size_t>(size.rows), std::string(static_cast<size_t>(size.columns), ' ')) {
 }
 
@@ -41,7 +51,7 @@ std::string Charlcd_screen::farewell() {
 }
 
 std::string Charlcd_screen::update(const Frame& frame) {
-    std::string bytes;
+    std::string bytes = define_characters(frame.lcd);
     for (int row = 0; row < m_size.rows; ++row) {
         bytes += update_row(frame.lcd, row);
     }
@@ -53,11 +63,66 @@ std::string Charlcd_screen::update(const Frame& frame) {
     return bytes;
 }
 
+std::u32string Charlcd_screen::characters_of(const Lcd& lcd, int row) const {
+    std::u32string characters = row < lcd.size().rows ? lcd.characters(row) : U"";
+    characters.resize(static_cast<size_t>(m_size.columns), U' ');
+    return characters;
+}
+
+// What is defined stays where it is as long as it is shown: a code that changes its meaning changes all its cells.
+std::string Charlcd_screen::define_characters(const Lcd& lcd) {
+    std::vector<char32_t> needed;
+    for (int row = 0; row < m_size.rows; ++row) {
+        for (const char32_t character : characters_of(lcd, row)) {
+            if (!m_rom.code_of(character) && !plain_form_of(character) &&
+                glyph_of(character) != nullptr &&
+                std::find(needed.begin(), needed.end(), character) == needed.end()) {
+                needed.push_back(character);
+            }
+        }
+    }
+    std::string bytes;
+    for (const char32_t character : needed) {
+        if (std::find(m_defined.begin(), m_defined.end(), character) != m_defined.end()) {
+            continue;
+        }
+        auto* const free =
+            std::find_if(m_defined.begin(), m_defined.end(), [&needed](char32_t defined) {
+                return std::find(needed.begin(), needed.end(), defined) == needed.end();
+            });
+        if (free == m_defined.end()) {
+            break;
+        }
+        *free = character;
+        bytes += definition(static_cast<size_t>(free - m_defined.begin()), *glyph_of(character));
+    }
+    return bytes;
+}
+
+char Charlcd_screen::code_of(char32_t character) {
+    if (const std::optional<char> code = m_rom.code_of(character)) {
+        return *code;
+    }
+    if (const std::optional<char> plain = plain_form_of(character)) {
+        return *plain;
+    }
+    const auto* const defined = std::find(m_defined.begin(), m_defined.end(), character);
+    if (defined != m_defined.end()) {
+        return static_cast<char>(defined - m_defined.begin());
+    }
+    if (const std::optional<char> plain = plain_letter_of(character)) {
+        return *plain;
+    }
+    m_lost.insert(character);
+    return '?';
+}
+
 // What stays between two changes is sent again where that is shorter than a new position.
 std::string Charlcd_screen::update_row(const Lcd& lcd, int row) {
-    std::string line = row < lcd.size().rows ? lcd.line(row) : "";
-    line.resize(static_cast<size_t>(m_size.columns), ' ');
-    std::transform(line.begin(), line.end(), line.begin(), byte_of);
+    std::string line;
+    for (const char32_t character : characters_of(lcd, row)) {
+        line += code_of(character);
+    }
     std::string& held = m_lines[static_cast<size_t>(row)];
 
     std::string bytes;

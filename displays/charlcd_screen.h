@@ -3,33 +3,47 @@
 #ifndef FRONTPANEL_DISPLAYS_CHARLCD_SCREEN_H
 #define FRONTPANEL_DISPLAYS_CHARLCD_SCREEN_H
 
+#include <array>
+#include <set>
 #include <string>
 #include <vector>
 
 #include <frontpanel_display/lcd.h>
+#include <frontpanel_displays/character_rom.h>
 
 namespace frontpanel {
 
 // Shows frames on such a display: knows what the display has, and returns the bytes that make it show another frame.
 class Charlcd_screen {
 public:
-    // A display of this size, of which nothing else is known.
-    explicit Charlcd_screen(Lcd_size size);
+    static constexpr size_t MOST_DEFINED = 8;  // characters
+
+    // A display of this size, of which nothing else is known. `rom` outlives the screen.
+    explicit Charlcd_screen(Lcd_size size, const Character_rom& rom = Character_rom::a00());
 
     // What makes the display blank, lit and without a cursor, whatever was sent to it before.
     std::string setup() const;
     // What makes it show the frame from what it shows now, at first from `setup`; empty when it does. What does not fit
-    // the display is cut, what is left of it stays blank.
+    // the display is cut, what is left of it stays blank. A character that the ROM lacks is defined; while all eight are
+    // in use, it takes a plain form, or becomes '?'.
     std::string update(const Frame& frame);
+    // The characters that became '?' in any frame.
+    const std::set<char32_t>& lost() const { return m_lost; }
     // What leaves nothing on the display that somebody could take for a value.
     static std::string farewell();
 
 private:
+    std::string define_characters(const Lcd& lcd);
+    char code_of(char32_t character);
+    std::u32string characters_of(const Lcd& lcd, int row) const;
     std::string update_row(const Lcd& lcd, int row);
     std::string update_cursor(const Lcd& lcd);
     std::string move_to(int row, int column);
 
     Lcd_size m_size;
+    const Character_rom& m_rom;
+    std::array<char32_t, MOST_DEFINED> m_defined{};  // by their codes; 0 for none
+    std::set<char32_t> m_lost;
     std::vector<std::string> m_lines;
     // Where the next byte goes.
     int m_row = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_displays/charlcd_display.h>
 #include <frontpanel_displays/lcdproc_display.h>
@@ -35,7 +36,7 @@ bool is_device(const std::string& argument) {
 std::unique_ptr<Front> open_charlcd(const Display_setup& setup) {
     return std::make_unique<Charlcd_display>(
         setup.argument.empty() ? Charlcd_display::USUAL_DEVICE : setup.argument,
-        setup.size.value_or(Lcd_size()), setup.messages);
+        setup.size.value_or(Lcd_size()), setup.messages, *setup.rom);
 }
 
 }  // namespace
@@ -45,9 +46,14 @@ const std::vector<Display_row>& display_table() {
         {"terminal", "", nullptr, true, open_terminal, nullptr},
         {"text", "", nullptr, false, nullptr, open_text},
         {"lcdproc", "[:IP[:PORT]]", is_lcdproc_server, false, open_lcdproc, nullptr},
-        {"charlcd", "[:PATH]", is_device, false, open_charlcd, nullptr},
+        {"charlcd", "[:PATH]", is_device, false, open_charlcd, nullptr, true},
     };
     return TABLE;
+}
+
+bool Display_row::shows(char32_t character, const Character_rom& rom) const {
+    return has_rom ? can_show(rom, character)
+                   : Character_rom::iso_8859_1().code_of(character) || plain_form_of(character);
 }
 
 const Display_row& default_display(bool interactive) {

@@ -1,14 +1,13 @@
 #include <frontpanel_displays/lcdproc_display.h>
 
 #include <algorithm>
-#include <set>
 #include <string>
 #include <utility>
 
-#include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include "lcdproc_protocol.h"
 #include "line_socket.h"
+#include "lost_characters.h"
 
 namespace frontpanel {
 namespace {
@@ -46,7 +45,6 @@ private:
     void say(const std::string& text);
     void report_size();
     void complain(const std::string& text);
-    void report_lost_characters(const Lcd& lcd);
 
     Lcdproc_server m_server;
     Key_map m_keys;
@@ -62,7 +60,7 @@ private:
     std::optional<Frame> m_frame;            // to be shown
     bool m_fenced = false;                   // the server has not done yet
     bool m_hidden = false;                   // behind another client's screen
-    std::set<char32_t> m_lost;               // characters that were reported
+    Lost_characters m_lost;
 };
 
 Lcdproc_display::Client::Client(const Lcdproc_server& server, Key_map keys,
@@ -75,7 +73,7 @@ Lcdproc_display::Client::~Client() {
 }
 
 void Lcdproc_display::Client::show(const Frame& frame) {
-    report_lost_characters(frame.lcd);
+    m_lost.report(frame.lcd.lost(), [this](const std::string& text) { say(text); });
     m_frame = frame;
     send_frame();
     m_socket.service();
@@ -238,15 +236,6 @@ void Lcdproc_display::Client::report_size() {
 void Lcdproc_display::Client::complain(const std::string& text) {
     if (m_retry.complain()) {
         say("answered \"" + text + "\"");
-    }
-}
-
-void Lcdproc_display::Client::report_lost_characters(const Lcd& lcd) {
-    constexpr size_t MOST_REPORTED = 256;
-    for (const char32_t character : lcd.lost()) {
-        if (m_lost.size() < MOST_REPORTED && m_lost.insert(character).second) {
-            say("cannot show the character " + code_point_name(character));
-        }
     }
 }
 

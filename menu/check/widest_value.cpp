@@ -23,7 +23,7 @@ constexpr std::size_t MOST_ROWS = 1000;
 
 std::string text_or_empty(const Json_value& item, const char* name) {
     const auto found = item.find(name);
-    return found ? found->text() : std::string();
+    return found ? found->shown_text() : std::string();
 }
 
 struct Numbers {
@@ -67,7 +67,8 @@ void add_between(Numbers& numbers) {
 std::string widest_choice(const Json_value& choices) {
     std::string widest;
     for (const Json_value& choice : choices.items()) {
-        const std::string text = choice.is_text() ? choice.text() : choice.member("text").text();
+        const std::string text =
+            choice.is_text() ? choice.shown_text() : choice.member("text").shown_text();
         if (width_of(text) > width_of(widest)) {
             widest = text;
         }

@@ -28,11 +28,11 @@ std::vector<Choice> choices_of(Load_context& context, const Json_value& list) {
         Choice& choice = choices.emplace_back();
         context.problems.attempt([&] {
             if (item.is_text()) {
-                choice.text = item.text_of_length(1, LONGEST_TEXT);
+                choice.text = item.shown_text_of_length(1, LONGEST_TEXT);
                 return;
             }
             item.expect_members({TEXT, member::OPTIONS});
-            choice.text = item.member(TEXT).text_of_length(1, LONGEST_TEXT);
+            choice.text = item.member(TEXT).shown_text_of_length(1, LONGEST_TEXT);
             choice.options = context.options.use(item.member(member::OPTIONS));
         });
     }

@@ -3,6 +3,8 @@
 #include <optional>
 #include <vector>
 
+#include <frontpanel_editors/line_text.h>
+
 namespace frontpanel {
 namespace {
 
@@ -29,12 +31,14 @@ std::string shown_name(const std::string& name) {
 
 std::string name_of(const Json_value& item) {
     const Json_value name = item.member(member::NAME);
-    const std::string shown = shown_name(name.text());
+    const std::string text = name.shown_text();
+    const std::string shown = shown_name(text);
     if (shown.empty() || shown.size() > LONGEST_NAME) {
         name.fail("expected a name of 1 to 24 characters before any ':', found " +
-                  std::to_string(shown.size()));
+                  std::to_string(shown.size()) +
+                  (width_of(shown) == static_cast<int>(shown.size()) ? "" : " bytes of UTF-8"));
     }
-    return name.text();
+    return text;
 }
 
 int visible_of(const Json_value& item) {

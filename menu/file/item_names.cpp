@@ -33,7 +33,7 @@ std::string Item_names::hint(const std::string& unknown) const {
 }
 
 Data_entry& Item_names::find(const Json_value& reference) const {
-    const std::string text = reference.text();
+    const std::string text = reference.shown_text();
     const auto by_id = m_ids.find(text);
     const auto by_path = m_paths.find(text);
     if (by_id == m_ids.end() && by_path == m_paths.end()) {

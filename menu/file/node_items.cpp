@@ -15,7 +15,7 @@ void add_wrong_item(Load_context& context, const Json_value& item) {
     }
     const auto name = item.find(member::NAME);
     if (name && name->is_text()) {
-        context.names.add(shown_name(name->text()), nullptr);
+        context.names.add(shown_name(name->shown_text()), nullptr);
     }
     const auto id = item.find(member::ID);
     if (id && id->is_text()) {

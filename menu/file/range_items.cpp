@@ -21,10 +21,10 @@ std::string format_of(const Json_value& item) {
     if (!format) {
         return item.find(member::VALUE_FORMAT) ? "%d" : "";
     }
-    if (const auto error = range_format_error(format->text())) {
+    if (const auto error = range_format_error(format->shown_text())) {
         format->fail(*error);
     }
-    return format->text();
+    return format->shown_text();
 }
 
 std::string value_format_of(const Json_value& item, int min, int max) {

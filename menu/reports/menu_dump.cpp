@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <vector>
 
+#include <frontpanel_base/character_set.h>
+#include <frontpanel_editors/line_text.h>
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/list_line.h>
 #include <frontpanel_menu/shown_value.h>
@@ -83,20 +85,27 @@ std::string notes_of(const Row& row) {
 
 using Columns = std::array<std::string, 5>;
 
+size_t columns_in(const std::string& text) {
+    return static_cast<size_t>(width_of(text));
+}
+
 Columns columns_of(const Row& row) {
     return {std::string(2 * static_cast<size_t>(row.depth), ' ') + row.name, row.type,
             row.parameter, row.value, notes_of(row)};
 }
 
-// JSON is UTF-8, and a text of the device ISO-8859-1: other bytes than ASCII stand as escapes.
+// JSON is UTF-8, as the texts of a menu are. A text of the device that is none is taken for ISO-8859-1, and its bytes
+// stand as escapes.
 std::string quoted(const std::string& text) {
+    const std::u32string characters = characters_of(text);
+    const bool is_utf8 = characters.find(DAMAGED) == std::u32string::npos;
     std::string result = "\"";
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         if (character == '"' || character == '\\') {
             result += '\\';
             result += character;
-        } else if (byte >= ' ' && byte <= '~') {
+        } else if ((byte >= ' ' && byte <= '~') || (byte > '~' + 1 && is_utf8)) {
             result += character;
         } else {
             std::array<char, 8> escape{};
@@ -145,7 +154,7 @@ std::string dump_of(Menu& menu) {
     std::array<size_t, 4> width{};
     for (const Columns& line : table) {
         for (size_t column = 0; column < width.size(); ++column) {
-            width[column] = std::max(width[column], line[column].size());
+            width[column] = std::max(width[column], columns_in(line[column]));
         }
     }
     std::string text;
@@ -154,7 +163,7 @@ std::string dump_of(Menu& menu) {
         for (size_t column = 0; column < line.size(); ++column) {
             written += line[column];
             if (column < width.size()) {
-                written.append(width[column] - line[column].size() + 2, ' ');
+                written.append(width[column] - columns_in(line[column]) + 2, ' ');
             }
         }
         text += written.substr(0, written.find_last_not_of(' ') + 1) + "\n";

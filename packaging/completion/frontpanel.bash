@@ -1,7 +1,7 @@
 # bash completion for frontpanel                                                   -*- shell-script -*-
 
 _frontpanel() {
-    local options='--help --version --config --menu --script --size --state --screenshot --log --debug --display --keys --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --probe --simulate --check'
+    local options='--help --version --config --menu --script --size --state --screenshot --log --debug --display --charset --keys --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --probe --simulate --check'
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
     COMPREPLY=()
     case $previous in
@@ -18,6 +18,10 @@ _frontpanel() {
             # "terminal, text, lcdproc[:IP[:PORT]], ..." of the program's own help
             mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" --help 2>/dev/null |
                 sed -nE '/^ +--display /{s/^ +--display [A-Z]+ +//;s/,|\[[^ ]*//g;p}')" -- "$current")
+            return
+            ;;
+        --charset)
+            mapfile -t COMPREPLY < <(compgen -W 'a00 a02 iso-8859-1' -- "$current")
             return
             ;;
         --debug | --keys | --timeout | --explain) return ;;

@@ -13,6 +13,25 @@
 
 namespace support {
 
+// What the codes from 0x20 on show, as tables of the controller print them; "\x7F" where a code is not used here.
+inline const std::u32string& shown_by_a00() {
+    static const std::u32string TABLE =
+        U" !\"#$%&'()*+,-./0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[¥]^_`abcdefghijklmnopqrstuvwxyz{|}→←" +
+        std::u32string(0xA0 - 0x80, U'\x7F') +
+        U" 。「」、・ヲァィゥェォャュョッーアイウエオカキクケコサシスセソタチツテトナニヌネノハヒフヘホマミムメモヤユヨラリルレロワン゛°"
+        U"αäβεµσρ\x7F√\x7F\x7F\x7F¢£ñö\x7F\x7Fθ∞ΩüΣπ\x7F\x7F千万円÷ █";
+    return TABLE;
+}
+inline const std::u32string& shown_by_a02() {
+    static const std::u32string TABLE =
+        U" !\"#$%&'()*+,-./0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`abcdefghijklmnopqrstuvwxyz{|}~\x7F"
+        U"БДЖЗИЙЛПУЦЧШЩЪЫЭα♪ΓπΣσ♬τ\x7FΘΩδ∞♥ε∩"
+        U" ¡¢£¤¥¦§ƒ©ª«ЮЯ®‘°±²³₧µ¶·ω¹º»¼½¾¿ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏÐÑÒÓÔÕÖ×ΦÙÚÛÜÝÞßàáâãäåæçèéêëìíîïðñòóôõö÷φùúûüýþÿ";
+    return TABLE;
+}
+
+inline const std::u32string SHOWN_BY_A02_BELOW_ASCII = U"▶◀“”⏫⏬●↲↑↓→\x7F≤≥▲▼";
+
 class Charlcd_emulator {
 public:
     using Bitmap =
@@ -47,6 +66,18 @@ public:
     // Sequences that mean nothing to the display.
     int mistakes() const { return m_mistakes; }
     size_t bytes() const { return m_bytes; }
+
+    // What a person reads in a line by a table of codes; a defined character is U+E000 and its code.
+    std::u32string text(int row, const std::u32string& table) const {
+        std::u32string read;
+        for (const char code : m_lines.at(static_cast<size_t>(row))) {
+            const auto number = static_cast<unsigned char>(code);
+            read += number < 8      ? static_cast<char32_t>(0xE000 + number)
+                    : number < 0x20 ? SHOWN_BY_A02_BELOW_ASCII.at(number - 0x10U)
+                                    : table.at(number - 0x20U);
+        }
+        return read;
+    }
 
     // The grid within a border, as a person sees it: a code that is no ASCII as '#', a defined one as its number.
     std::string picture() const {

@@ -1,19 +1,34 @@
-// The character set of the panel's displays: ISO-8859-1, one byte a cell.
+// The character set of most of the panel's displays: ISO-8859-1, one byte a cell. Displays with another set take the
+// characters themselves.
 //
 // Texts reach the panel as UTF-8, and bytewise: the library cuts and scrolls them without regard to characters.
 #ifndef FRONTPANEL_BASE_CHARACTER_SET_H
 #define FRONTPANEL_BASE_CHARACTER_SET_H
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 
 namespace frontpanel {
 
+// In the place of a byte that is no UTF-8.
+inline constexpr char32_t DAMAGED = 0xFFFFFFFF;
+
+// The characters of a UTF-8 text.
+std::u32string characters_of(std::string_view text);
+// The character as UTF-8.
+std::string utf8_of(char32_t character);
+// Whether it is a control character, one of U+0080 to U+009F included.
+bool is_control(char32_t character);
+// The plain form of a dash or a quotation mark.
+std::optional<char> plain_form_of(char32_t character);
+
 // The cells of a UTF-8 text. Dashes and quotation marks become their plain forms; what a display cannot show
 // (controls, characters beyond ISO-8859-1, damaged bytes) becomes one '?' for each character, or each damaged
 // byte. Characters that were lost so are added to `lost`.
 std::string cells_of(std::string_view text, std::set<char32_t>& lost);
+std::string cells_of(const std::u32string& characters, std::set<char32_t>& lost);
 
 // The cells as UTF-8 text; a cell that is no character of a display becomes '?'.
 std::string text_of(std::string_view cells);

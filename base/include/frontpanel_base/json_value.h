@@ -33,13 +33,17 @@ public:
 
     bool is_text() const;
     bool is_object() const;
+    bool is_list() const;
     int64_t integer(int64_t min, int64_t max) const;
     bool boolean() const;
-    // Printable ASCII, since that is what the display shows.
+    // Printable ASCII: names that a file or a rule refers to, and values that an editor takes.
     std::string text() const;
+    // Any UTF-8 text without control characters: what a display only shows.
+    std::string shown_text() const;
     // The same, with line ends: what no display shows.
     std::string text_with_lines() const;
     std::string text_of_length(size_t min, size_t max) const;
+    std::string shown_text_of_length(size_t min, size_t max) const;  // in bytes
     // The text, which must be one of `known`: its place among them.
     size_t choice(const std::vector<const char*>& known) const;
 
@@ -57,6 +61,7 @@ public:
     void warn(const std::string& text) const;
 
 private:
+    std::string of_length(std::string text, size_t min, size_t max) const;
     void expect_object() const;
     // Reports duplicates, and leaves them out.
     template <typename Work>

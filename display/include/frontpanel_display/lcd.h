@@ -27,8 +27,8 @@ public:
     // A blank grid.
     explicit Lcd(Lcd_size size);
 
-    // Writes `text`, which is UTF-8, from `column` on. Text beyond the end of the row is dropped. A character that no
-    // display has becomes '?': see character_set.h. Outside the grid nothing happens.
+    // Writes `text`, which is UTF-8, from `column` on. Text beyond the end of the row is dropped. A character that
+    // ISO-8859-1 lacks becomes '?' in `line`: see character_set.h. Outside the grid nothing happens.
     void put(int row, int column, std::string_view text);
     // Writes `text` so that it ends in the row's last column; a longer text keeps its start.
     void put_right(int row, std::string_view text);
@@ -38,17 +38,23 @@ public:
     Lcd_size size() const { return m_size; }
     // The whole line: exactly `columns` cells, one byte of ISO-8859-1 each. Requires: `row` is within the grid.
     const std::string& line(int row) const { return m_lines.at(static_cast<size_t>(row)); }
+    // The characters of the same cells, for a display of another set: what ISO-8859-1 lacks stands here as itself.
+    // Controls and damaged bytes are '?' here too.
+    const std::u32string& characters(int row) const {
+        return m_characters.at(static_cast<size_t>(row));
+    }
     // -1 when no cursor is shown.
     int cursor_row() const { return m_cursor_row; }
     int cursor_column() const { return m_cursor_column; }
-    // The characters that became '?' because no display has them.
+    // The characters that became '?' in `line`.
     const std::set<char32_t>& lost() const { return m_lost; }
 
 private:
-    void put_cells(int row, int column, std::string_view cells);
+    void put_characters(int row, int column, const std::u32string& characters);
 
     Lcd_size m_size;
     std::vector<std::string> m_lines;
+    std::vector<std::u32string> m_characters;
     int m_cursor_row = -1;
     int m_cursor_column = -1;
     std::set<char32_t> m_lost;

@@ -12,6 +12,7 @@
 #include <string>
 
 #include <frontpanel_display/front.h>
+#include <frontpanel_displays/character_rom.h>
 
 namespace frontpanel {
 
@@ -24,7 +25,9 @@ public:
 
     // Opens the device with the first call of `next`. Status messages go to `log`, a line each; `log` outlives the
     // display. std::system_error when no thread can be created.
-    Charlcd_display(const std::string& device, Lcd_size size, std::ostream& log);
+    // `rom` outlives it too.
+    Charlcd_display(const std::string& device, Lcd_size size, std::ostream& log,
+                    const Character_rom& rom = Character_rom::a00());
     // Leaves the display blank.
     ~Charlcd_display() override;
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <frontpanel_display/front.h>
+#include <frontpanel_displays/character_rom.h>
 #include <frontpanel_displays/key_map.h>
 
 namespace frontpanel {
@@ -24,6 +25,7 @@ struct Display_setup {
     int terminal;                 // the descriptor of a terminal
     std::ostream& out;            // for frames as text; outlives the display
     std::ostream& messages;       // status messages, a line each; outlives the display
+    const Character_rom* rom = &Character_rom::a00();  // of a display whose ROM nobody can ask for
 };
 
 struct Display_row {
@@ -39,6 +41,11 @@ struct Display_row {
     std::unique_ptr<Front> (*open_front)(const Display_setup& setup);
     std::unique_ptr<Display> (*open_display)(const Display_setup& setup);
 
+    // Whether it has the characters of a ROM, which `Display_setup` names, and defines others; ISO-8859-1 otherwise.
+    bool has_rom = false;
+
+    // Whether it can show the character, if only in a plain form.
+    bool shows(char32_t character, const Character_rom& rom) const;
     bool is_interactive() const { return open_front != nullptr; }
 };
 

@@ -10,6 +10,7 @@
 #include "simulated_script_device.h"
 #include "support/charlcd_pipe.h"
 
+#include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_displays/charlcd_display.h>
 #include <frontpanel_ui/script_player.h>
@@ -36,8 +37,11 @@ public:
         }
         m_pipe.read_all();
         for (int row = 0; row < frame.lcd.size().rows; ++row) {
-            EXPECT_EQ(m_pipe.emulator.lines()[static_cast<size_t>(row)], frame.lcd.line(row))
-                << "frame " << m_frames;
+            const std::u32string shown = m_pipe.emulator.text(row, support::shown_by_a00());
+            const std::u32string wanted = frame.lcd.characters(row);
+            for (size_t column = 0; column < wanted.size(); ++column) {
+                expect_shown(shown[column], wanted[column]);
+            }
         }
         const bool has_cursor = frame.lcd.cursor_row() >= 0;
         EXPECT_EQ(m_pipe.emulator.blinks(), has_cursor) << "frame " << m_frames;
@@ -52,6 +56,18 @@ public:
     size_t bytes() const { return m_pipe.emulator.bytes(); }
 
 private:
+    // A character of the ROM, or one that is drawn as the one that is wanted.
+    void expect_shown(char32_t shown, char32_t wanted) const {
+        if (shown == wanted) {
+            return;
+        }
+        ASSERT_GE(shown, 0xE000U) << "frame " << m_frames << ": " << utf8_of(wanted);
+        const auto drawn = m_pipe.emulator.defined(static_cast<int>(shown - 0xE000U));
+        const Glyph* const glyph = glyph_of(wanted);
+        ASSERT_NE(glyph, nullptr) << "frame " << m_frames << ": " << utf8_of(wanted);
+        EXPECT_EQ(drawn, *glyph) << "frame " << m_frames << ": " << utf8_of(wanted);
+    }
+
     support::Charlcd_pipe m_pipe;
     std::ostringstream m_log;
     Charlcd_display m_display;

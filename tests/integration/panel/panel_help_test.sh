@@ -89,6 +89,7 @@ completes "20x2|20x4|" --size 20
 completes "terminal|text|" --display t
 completes "lcdproc|" --display lcd
 completes "charlcd|" --display c
+completes "a00|a02|" --charset a
 completes "--script|--screenshot|" --menu my.json --sc
 completes "" --menu absent
 

@@ -172,6 +172,8 @@ TEST(Options, TellDisplayKeysTimeOutAndPin) {
     EXPECT_FALSE(usual.has_size);
     EXPECT_EQ(usual.display.display, nullptr);
     EXPECT_EQ(usual.keys.size(), 6U);
+    EXPECT_EQ(usual.rom, &Character_rom::a00());
+    EXPECT_EQ(options_of({"--charset", "a02"}).rom, &Character_rom::a02());
     EXPECT_EQ(usual.time_out, 300);
     EXPECT_EQ(usual.pin_file, "");
 
@@ -189,8 +191,9 @@ TEST(Options, TellDisplayKeysTimeOutAndPin) {
 
 TEST(Options, WhatIsNoDisplayKeyMapOrTimeOutIsOneLine) {
     const std::vector<std::vector<const char*>> CASES = {
-        {"--display", "screen"}, {"--keys", "A=jump"},     {"--timeout", "-1"},
-        {"--timeout", "86401"},  {"--timeout", "a while"}, {"--pin-file", ""},
+        {"--display", "screen"}, {"--charset", "utf-8"}, {"--keys", "A=jump"},
+        {"--timeout", "-1"},     {"--timeout", "86401"}, {"--timeout", "a while"},
+        {"--pin-file", ""},
     };
     for (const std::vector<const char*>& arguments : CASES) {
         const Outcome outcome = parse(arguments);

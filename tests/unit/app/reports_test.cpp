@@ -44,6 +44,49 @@ TEST_F(Reports_test, AreAskedForByTheirOptions) {
     EXPECT_TRUE(is_report(options));
 }
 
+TEST_F(Reports_test, ACheckReportsWhatTheNamedDisplayCannotShow) {
+    write(
+        "menu.json",
+        R"({"device": {"parameters": [{"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5}]},
+        "menu": {"name": "Ger\u00e4t", "items": [
+            {"type": "range", "name": "R", "pid": 1, "format": "%d k\u03a9"}]}})");
+    const auto errors_of = [this](const char* display) {
+        options.display = display == nullptr ? Display_choice() : parse_display(display);
+        return support::capture(0,
+                                [this] {
+                                    Output_log log(options.log);
+                                    status = check(options, log);
+                                })
+            .err;
+    };
+    EXPECT_EQ(errors_of(nullptr), "");
+    EXPECT_EQ(errors_of("charlcd"), "");
+    EXPECT_EQ(errors_of("text"), options.menu +
+                                     ":3:64: warning: the display cannot show "
+                                     "\"\u03a9\" (U+03A9)\n");
+    options.rom = &Character_rom::iso_8859_1();
+    EXPECT_EQ(errors_of("charlcd"), "");
+    EXPECT_EQ(status, EXIT_PLAYED);
+}
+
+TEST_F(Reports_test, AUtf8TextIsItselfInADump) {
+    write(
+        "menu.json",
+        R"({"device": {"parameters": [{"pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5}]},
+        "menu": {"name": "Ger\u00e4t", "items": [
+            {"type": "range", "name": "R", "pid": 1, "format": "%d k\u03a9"},
+            {"type": "range", "name": "S", "pid": 1}]}})");
+    options.dump = "table";
+    EXPECT_EQ(report_of(),
+              "entry  type   parameter  value  state\n"
+              "Ger\u00e4t  node\n"
+              "  R    range  1          5 k\u03a9   allowed 0..9\n"
+              "  S    range  1          5      allowed 0..9\n");
+    options.dump = "json";
+    const std::string text = report_of();
+    EXPECT_NE(text.find("\"value\": \"5 k\u03a9\""), std::string::npos) << text;
+}
+
 TEST_F(Reports_test, ADumpIsATable) {
     options.dump = "table";
     EXPECT_EQ(report_of(),

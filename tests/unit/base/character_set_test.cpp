@@ -61,6 +61,15 @@ TEST(CharacterSet, CellsGoBackToTheirText) {
     EXPECT_TRUE(lost.empty());
 }
 
+TEST(CharacterSet, CharactersAreCodePointsAndDamagedBytes) {
+    EXPECT_EQ(characters_of("a\u00E9\u20AC\U0001F50A"), U"a\u00E9\u20AC\U0001F50A");
+    EXPECT_EQ(characters_of("\xFFz"), (std::u32string{DAMAGED, U'z'}));
+    for (const char32_t character :
+         {0x1U, 0x7FU, 0x80U, 0x7FFU, 0x800U, 0xFFFFU, 0x10000U, 0x10FFFFU}) {
+        EXPECT_EQ(characters_of(utf8_of(character)), std::u32string(1, character));
+    }
+}
+
 TEST(CharacterSet, NamesCodePointsAsTheyAreUsuallyWritten) {
     EXPECT_EQ(code_point_name(0xA), "U+000A");
     EXPECT_EQ(code_point_name(0x20AC), "U+20AC");

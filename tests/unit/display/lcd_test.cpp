@@ -52,6 +52,16 @@ TEST(Lcd, ShowsAQuestionMarkForWhatADisplayCannotShow) {
     EXPECT_EQ(lcd.lost(), (std::set<char32_t>{0x1, 0xA, 0x7F, 0x20AC}));
 }
 
+TEST(Lcd, KeepsTheCharactersThatIso88591Lacks) {
+    Lcd lcd({16, 2});
+    lcd.put(0, 0, "4 k\u03A9 \u2013 \u00B0\x01\xFF\u0085");
+    EXPECT_EQ(lcd.line(0), "4 k? - \xB0???     ");
+    EXPECT_EQ(lcd.characters(0), U"4 k\u03A9 \u2013 \u00B0???     ");
+    lcd.put_right(1, "5 \u20AC");
+    EXPECT_EQ(lcd.characters(1), U"             5 \u20AC");
+    EXPECT_EQ(lcd.lost(), (std::set<char32_t>{0x1, 0x85, 0x3A9, 0x20AC}));
+}
+
 TEST(Lcd, CountsCellsAndNotBytes) {
     Lcd lcd({16, 2});
     lcd.put(0, 13, "20\xc2\xb0 C");

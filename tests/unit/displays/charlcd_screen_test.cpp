@@ -116,6 +116,70 @@ TEST_F(Charlcd_screen_test, TheFarewellLeavesNothingToRead) {
     EXPECT_FALSE(display.blinks());
 }
 
+TEST_F(Charlcd_screen_test, ShowsWhatTheRomHas) {
+    sent_for(frame_of("Gerät 20 °C", "4.7 kΩ ±µ→"));
+    EXPECT_EQ(display.text(0, support::shown_by_a00()), U"Gerät 20 °C     ");
+    EXPECT_EQ(display.text(1, support::shown_by_a00()).substr(0, 8), U"4.7 kΩ \uE000");
+    EXPECT_EQ(display.text(1, support::shown_by_a00()).substr(8, 2), U"µ→");
+
+    Charlcd_screen european({16, 2}, Character_rom::a02());
+    support::Charlcd_emulator other(16, 2);
+    other.feed(european.setup() + european.update(frame_of("Gerät é\\~ 20 °C", "4.7 kΩ ±µ→≤Ж")));
+    EXPECT_EQ(other.text(0, support::shown_by_a02()), U"Gerät é\\~ 20 °C ");
+    EXPECT_EQ(other.text(1, support::shown_by_a02()), U"4.7 kΩ ±µ→≤Ж    ");
+    EXPECT_EQ(other.mistakes(), 0);
+    for (int code = 0; code < 8; ++code) {
+        EXPECT_FALSE(other.defined(code));
+    }
+}
+
+// What the controller takes for a command must never be sent as text.
+TEST_F(Charlcd_screen_test, NoCodeOfARomIsACommand) {
+    for (const Character_rom* const rom :
+         {&Character_rom::a00(), &Character_rom::a02(), &Character_rom::iso_8859_1()}) {
+        for (char32_t character = 0; character < 0x10000; ++character) {
+            if (const std::optional<char> code = rom->code_of(character)) {
+                EXPECT_EQ(std::string("\b\t\n\f\r\x1B").find(*code), std::string::npos)
+                    << rom->name() << ' ' << std::hex << static_cast<unsigned>(character);
+                EXPECT_GE(static_cast<unsigned char>(*code), 8U) << rom->name();
+            }
+        }
+    }
+}
+
+TEST_F(Charlcd_screen_test, DefinesWhatTheRomLacks) {
+    EXPECT_EQ(sent_for(frame_of("é", "")), std::string("\x1B[LG002040e111f100e00;\0", 23));
+    EXPECT_EQ(display.defined(0),
+              (Glyph{0b00010, 0b00100, 0b01110, 0b10001, 0b11111, 0b10000, 0b01110, 0}));
+    EXPECT_EQ(sent_for(frame_of("éé", "")), std::string("\0", 1));
+    EXPECT_TRUE(screen.lost().empty());
+}
+
+TEST_F(Charlcd_screen_test, ACharacterThatIsNoLongerShownMakesRoom) {
+    sent_for(frame_of("àáâãåèéê", ""));
+    for (int code = 0; code < 8; ++code) {
+        EXPECT_TRUE(display.defined(code));
+    }
+    sent_for(frame_of("àáâãåèéë", ""));
+    EXPECT_EQ(display.text(0, support::shown_by_a00()).substr(0, 8),
+              U"\uE000\uE001\uE002\uE003\uE004\uE005\uE006\uE007");
+    EXPECT_EQ(display.defined(7), *glyph_of(U'ë'));
+}
+
+TEST_F(Charlcd_screen_test, ANinthCharacterTakesAPlainFormOrAMark) {
+    sent_for(frame_of("àáâãåèéêë", "²"));
+    EXPECT_EQ(display.text(0, support::shown_by_a00()).substr(7, 2), U"\uE007e");
+    EXPECT_EQ(display.text(1, support::shown_by_a00()).substr(0, 1), U"?");
+    EXPECT_EQ(screen.lost(), std::set<char32_t>{U'²'});
+}
+
+TEST_F(Charlcd_screen_test, WhatNobodyHasDrawnIsAMark) {
+    sent_for(frame_of("\u4E2D\u0416 – “x”", "\x01\xFF"));
+    EXPECT_EQ(display.text(0, support::shown_by_a00()).substr(0, 9), U"\u003F? - \"x\" ");
+    EXPECT_EQ(display.text(1, support::shown_by_a00()).substr(0, 3), U"?\u003F ");
+    EXPECT_EQ(screen.lost(), (std::set<char32_t>{U'\u0416', U'\u4E2D'}));
+}
+
 TEST_F(Charlcd_screen_test, RandomFramesAreShownWithFewerBytesThanAWholeOne) {
     for (const Lcd_size size : {Lcd_size{16, 2}, Lcd_size{20, 4}, Lcd_size{40, 4}}) {
         Charlcd_screen random_screen(size);

@@ -55,6 +55,16 @@ TEST(DisplayTable, WhatIsNoDisplayIsTold) {
     EXPECT_EQ(display_names(), "terminal, text, lcdproc[:IP[:PORT]], charlcd[:PATH]");
 }
 
+TEST(DisplayTable, ADisplayShowsIso88591OrTheCharactersOfItsRom) {
+    const Character_rom& rom = Character_rom::a00();
+    for (const Display_row& row : display_table()) {
+        EXPECT_TRUE(row.shows(U'\u00B0', rom)) << row.name;
+        EXPECT_TRUE(row.shows(U'\u2013', rom)) << row.name;
+        EXPECT_EQ(row.shows(U'\u03A9', rom), row.has_rom) << row.name;
+        EXPECT_FALSE(row.shows(U'\u4E2D', rom)) << row.name;
+    }
+}
+
 TEST(DisplayTable, OpensTheDisplay) {
     std::ostringstream out;
     std::ostringstream messages;

@@ -45,6 +45,23 @@ TEST_P(Shown_values, ANumberIsWholeAndTheNameGivesWay) {
     }
 }
 
+TEST_P(Shown_values, ATextInUtf8TakesAColumnForEachCharacter) {
+    Menu_panel panel(
+        menu_text(
+            PARAMETERS,
+            R"({"type": "range", "name": "Ger\u00e4t", "parameter": "b", "format": "%d k\u03a9"},
+            {"type": "enum", "name": "\u00dc", "parameter": "key", "choices": ["a", "b", "\u00b0C"]})"),
+        GetParam());
+    const auto size = static_cast<size_t>(GetParam().columns);
+    const auto row = [&](int first) { return GetParam().rows >= 3 ? first + 1 : first; };
+    const Lcd& lcd = panel.controller().draw().lcd;
+    EXPECT_EQ(lcd.characters(row(0)),
+              U">Ger\u00e4t" + std::u32string(size - 10, U' ') + U"1 k\u03a9");
+    EXPECT_EQ(lcd.characters(row(1)), U" \u00dc" + std::u32string(size - 4, U' ') + U"\u00b0C");
+    panel.press(Key::SELECT);
+    EXPECT_EQ(panel.controller().draw().lcd.characters(1).substr(0, 4), U"1 k\u03a9");
+}
+
 TEST_P(Shown_values, ANumberAmongTextGoesRoundWithMarksWhereItHasNoRoom) {
     const std::string text = "Frequency 1234567890 Hz now";
     Menu_panel panel(item("range", "Gen", R"("parameter": "gen", "format": "Frequency %d Hz now")"),

@@ -1,0 +1,51 @@
+#include <frontpanel_menu/character_check.h>
+
+#include <set>
+#include <string>
+
+#include <frontpanel_base/character_set.h>
+
+namespace frontpanel {
+namespace {
+
+// The characters of a text that a display shows; others, such as rules on several lines, are judged where they are read.
+std::u32string shown_characters(const Json_value& value) {
+    try {
+        return characters_of(value.shown_text());
+    } catch (const Placed_error&) {
+        return {};
+    }
+}
+
+// ASCII is on every display.
+void check_text(const Json_value& value, const Shows_character& shows) {
+    std::set<char32_t> told;
+    for (const char32_t character : shown_characters(value)) {
+        if (character > 0x7E && !shows(character) && told.insert(character).second) {
+            value.warn("the display cannot show \"" + utf8_of(character) + "\" (" +
+                       code_point_name(character) + ")");
+        }
+    }
+}
+
+void check_value(const Json_value& value, const Shows_character& shows) {
+    if (value.is_text()) {
+        check_text(value, shows);
+    } else if (value.is_object()) {
+        for (const Json_value::Member& member : value.members()) {
+            check_value(member.value, shows);
+        }
+    } else if (value.is_list()) {
+        for (const Json_value& item : value.items()) {
+            check_value(item, shows);
+        }
+    }
+}
+
+}  // namespace
+
+void warn_of_characters(Menu_document& document, const Shows_character& shows) {
+    document.problems().attempt([&] { check_value(document.root(), shows); });
+}
+
+}  // namespace frontpanel
