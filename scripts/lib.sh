@@ -10,13 +10,13 @@ for folder in "$SOURCE_DIR"/drivers/*/CMakeLists.txt; do
     [ ! -e "$folder" ] || DRIVERS+=("drivers/$(basename "$(dirname "$folder")")")
 done
 # shellcheck disable=SC2034  # used by the scripts that source this
-COMPONENTS=(base binding editors menu display ui displays simulator drivers "${DRIVERS[@]}" app)
+COMPONENTS=(base binding editors menu display ui displays inputs simulator drivers "${DRIVERS[@]}" app)
 
 # The Debian packages that each script needs, one list per script.
 PANEL_PACKAGES=(
     cmake g++ ninja-build pkg-config
     libboost-dev rapidjson-dev
-    libcli11-dev libcpp-httplib-dev libmodbus-dev libncurses-dev zlib1g-dev
+    libcli11-dev libcpp-httplib-dev libevdev-dev libmodbus-dev libncurses-dev zlib1g-dev
     curl gzip iputils-ping
 )
 TEST_PACKAGES=(
@@ -40,7 +40,7 @@ declare -A CROSS_COMPILERS=(
     [s390x]=g++-s390x-linux-gnu
 )
 # shellcheck disable=SC2034
-DEVICE_PACKAGES=(libc-bin libcpp-httplib-dev libgmock-dev libgtest-dev libmodbus-dev libncurses-dev zlib1g-dev)
+DEVICE_PACKAGES=(libc-bin libcpp-httplib-dev libevdev-dev libgmock-dev libgtest-dev libmodbus-dev libncurses-dev zlib1g-dev)
 
 say() {
     printf '%s: %s\n' "$(basename "$0")" "$*" >&2

@@ -1,0 +1,37 @@
+// Keys from an input device of the kernel: a rotary encoder, buttons, or a knob on USB. The device may be missing, be
+// unplugged and plugged in again while the panel runs.
+#ifndef FRONTPANEL_INPUTS_EVDEV_INPUT_H
+#define FRONTPANEL_INPUTS_EVDEV_INPUT_H
+
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include <frontpanel_display/input.h>
+#include <frontpanel_inputs/event_keys.h>
+
+namespace frontpanel {
+
+class Evdev_input : public Input {
+public:
+    // A device that is away is looked for this often at least.
+    static constexpr std::chrono::milliseconds LONGEST_PAUSE{2000};
+
+    // `device` is a path, or the name of a device in /dev/input; the path may be that of a pipe with recorded events. It
+    // is opened with the first call of `next`, and grabbed. Status messages go to `log`, a line each; `log` outlives the
+    // input. Requires: `check_event_names` accepts the keys.
+    Evdev_input(const std::string& device, const Event_key_map& keys, std::ostream& log);
+    ~Evdev_input() override;
+
+    std::optional<Front_event> next(Time now) override;
+    pollfd source() const override;
+    Time due() const override;
+
+private:
+    class Reader;
+    std::unique_ptr<Reader> m_reader;
+};
+
+}  // namespace frontpanel
+
+#endif

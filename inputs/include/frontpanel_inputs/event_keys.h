@@ -1,0 +1,66 @@
+// What the events of the kernel's input devices mean to the panel: rotary encoders, buttons and knobs.
+#ifndef FRONTPANEL_INPUTS_EVENT_KEYS_H
+#define FRONTPANEL_INPUTS_EVENT_KEYS_H
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <frontpanel_display/key.h>
+
+namespace frontpanel {
+
+// By the kernel's name of a key, such as "KEY_ENTER" or "BTN_0". An axis, such as "REL_X" or "ABS_WHEEL", is mapped to
+// UP when it grows clockwise, which is the usual, or to DOWN when it grows the other way.
+using Event_key_map = std::map<std::string, Key>;
+
+// The arrow keys, Enter and Escape, function keys and digits for shortcuts, and what knobs send.
+Event_key_map usual_event_keys();
+
+// Whether a name in a key map is meant for an input device: it begins with KEY_, BTN_, REL_ or ABS_.
+bool is_event_name(const std::string& name);
+// Input_error when the kernel has no key or axis of a name in the map, or an axis is mapped to anything but UP or DOWN.
+void check_event_names(const Event_key_map& keys);
+
+// An event as the kernel has it, without its time.
+struct Input_signal {
+    uint16_t type;
+    uint16_t code;
+    int32_t value;
+};
+
+// The values that an absolute axis takes, both included.
+struct Axis_range {
+    int32_t min;
+    int32_t max;
+};
+
+class Event_keys {
+public:
+    static constexpr int MOST_STEPS = 100;  // of one event
+
+    // Requires: `check_event_names` accepts the map.
+    explicit Event_keys(const Event_key_map& keys);
+
+    // The device is a new one, or its state is unknown: an absolute axis starts where it is next.
+    void forget_state() { m_positions.clear(); }
+    // An absolute axis is there now.
+    void set_position(uint16_t code, int32_t value) { m_positions[code] = value; }
+    // The keys that the event presses, in their order. An absolute axis turns by the shorter way: at the end of
+    // `range` it goes on at the other end, as an encoder that turns round does.
+    std::vector<Key> take(const Input_signal& signal,
+                          const std::optional<Axis_range>& range = std::nullopt);
+
+private:
+    std::vector<Key> turn(uint16_t type, uint16_t code, int64_t steps) const;
+
+    std::map<uint16_t, Key> m_keys;                     // by the code of a key
+    std::map<std::pair<uint16_t, uint16_t>, bool> m_reversed;  // axes by type and code
+    std::map<uint16_t, int32_t> m_positions;            // of absolute axes
+};
+
+}  // namespace frontpanel
+
+#endif
