@@ -9,6 +9,7 @@
 #include <frontpanel_base/nearest_name.h>
 #include <frontpanel_base/numbers.h>
 #include "configuration.h"
+#include "inputs.h"
 #include "output_log.h"
 #include "shipped.h"
 
@@ -115,6 +116,24 @@ std::string hint_of_option(const CLI::App& app) {
     return "";
 }
 
+void take_inputs(const std::vector<std::string>& texts, Options& options) {
+    options.inputs.clear();
+    for (const std::string& text : texts) {
+        try {
+            options.inputs.push_back(parse_input(text));
+        } catch (const Input_error& error) {
+            throw CLI::ValidationError("--input", error.what());
+        }
+    }
+}
+
+// The keys of the display.
+Key_map take_keys(const std::string& text, Options& options) {
+    Key_map of_display;
+    split_keys(parse_key_map(text), of_display, options.input_keys);
+    return of_display;
+}
+
 void describe_front(CLI::App& app, Options& options) {
     add_parsed(app, "--display", options.display, parse_display, display_names())
         ->type_name("DISPLAY");
@@ -123,9 +142,20 @@ void describe_front(CLI::App& app, Options& options) {
         [](const std::string& text) { return &parse_character_rom(text); },
         "Characters of charlcd: " + character_rom_names())
         ->type_name("NAME");
-    add_parsed(app, "--keys", options.keys, parse_key_map,
-               "Keys of lcdproc, such as Enter=select,F1=1")
+    app.add_option_function<std::vector<std::string>>(
+           "--input",
+           [&options](const std::vector<std::string>& texts) { take_inputs(texts, options); },
+           "An encoder, buttons or a knob; as often as needed")
+        ->type_name("evdev:DEVICE")
+        ->allow_extra_args(false);
+    add_parsed(
+        app, "--keys", options.keys,
+        [&options](const std::string& text) { return take_keys(text, options); },
+        "Keys of lcdproc and inputs, such as Enter=select,F1=1")
         ->type_name("KEYS");
+    add_parsed(app, "--leds", options.leds, parse_led_map,
+               "LEDs of the board, such as alarm=NAME,alive=NAME")
+        ->type_name("LEDS");
     add_parsed(app, "--timeout", options.time_out, parse_time_out,
                "Idle seconds before dimming (default 300, 0: never)")
         ->type_name("SECONDS");

@@ -6,11 +6,13 @@
 #include <ostream>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include <frontpanel_display/lcd.h>
 #include <frontpanel_displays/character_rom.h>
 #include <frontpanel_displays/display_table.h>
 #include <frontpanel_displays/key_map.h>
+#include <frontpanel_displays/led_folders.h>
 
 namespace frontpanel {
 
@@ -35,6 +37,9 @@ struct Options {
     Display_choice display;
     const Character_rom* rom = &Character_rom::a00();  // of a display of the kernel
     Key_map keys = usual_keys();                       // of a display server
+    Key_map input_keys;                                // of input devices; empty: the usual ones
+    std::vector<std::string> inputs;                   // paths or names of input devices
+    Led_map leds;                                      // of the board
     int time_out = 300;            // seconds without a key until the panel rests; 0 for never
     std::string pin_file;          // empty: the panel does not lock
     bool no_acceleration = false;  // of the encoder, whatever the menu says

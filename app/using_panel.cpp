@@ -12,6 +12,7 @@
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_display/key_table.h>
 #include "driver_work.h"
+#include "inputs.h"
 
 namespace frontpanel {
 namespace {
@@ -57,7 +58,10 @@ std::string name_of(const Key_map& keys, Key::Kind kind) {
 }
 
 // A display server names its keys itself. Those of the usual map are a keyboard's.
-std::optional<Answer_keys> answer_keys_of(const Options& options) {
+std::optional<Answer_keys> answer_keys_of(const Options& options, const Display_row& display) {
+    if (!display.has_keys) {
+        return Answer_keys{"Select", "Back"};  // a knob and a button without a name
+    }
     const std::string accepting = name_of(options.keys, Key::SELECT);
     const std::string cancelling = name_of(options.keys, Key::BACK);
     const bool is_usual =
@@ -65,13 +69,13 @@ std::optional<Answer_keys> answer_keys_of(const Options& options) {
     return is_usual ? std::nullopt : std::optional<Answer_keys>({accepting, cancelling});
 }
 
-Panel_options options_for_person(const Options& options, const Loaded_panel& loaded,
-                                 Output_log& log) {
+Panel_options options_for_person(const Options& options, const Display_row& display,
+                                 const Loaded_panel& loaded, Output_log& log) {
     Panel_options panel = panel_options_of(options, *loaded.menu, log);
     panel.encoder->acceleration = panel.encoder->acceleration && !options.no_acceleration;
     panel.idle_timeout = std::chrono::seconds(options.time_out);
     panel.pin = pin_of(options);
-    panel.answer_keys = answer_keys_of(options);
+    panel.answer_keys = answer_keys_of(options, display);
     // Each turn of the loop asks the time. Lines that the library prints unasked make the log grow as well.
     Movement* const movement = options.still ? nullptr : &loaded.device->movement();
     panel.clock = [&log, movement, start = std::chrono::steady_clock::now()] {
@@ -141,14 +145,19 @@ Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& l
 int use_panel(const Options& options, const Display_row& display, const Loaded_panel& loaded,
               Output_log& log, const End_watch& end) {
     Panel* shown = nullptr;
-    Panel_options panel_options = options_for_person(options, loaded, log);
+    Panel_options panel_options = options_for_person(options, display, loaded, log);
     follow_drivers(panel_options, loaded, log, shown, Pace::OF_A_PERSON);
     Panel panel(*loaded.menu, std::move(panel_options));
     shown = &panel;
     if (display.takes_terminal) {
         log.take_errors();
     }
-    const int status = panel.run(*display.open_front(setup_of(options, log)), end);
+    if (!display.has_keys && options.inputs.empty()) {
+        std::cerr << "warning: the display has no keys: name an input with --input\n";
+    }
+    const std::unique_ptr<Front> front =
+        whole_front(display.open_front(setup_of(options, log)), options, std::cerr);
+    const int status = panel.run(*front, end);
     if (display.takes_terminal) {
         log.return_errors();
     }

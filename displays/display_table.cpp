@@ -46,7 +46,7 @@ const std::vector<Display_row>& display_table() {
         {"terminal", "", nullptr, true, open_terminal, nullptr},
         {"text", "", nullptr, false, nullptr, open_text},
         {"lcdproc", "[:IP[:PORT]]", is_lcdproc_server, false, open_lcdproc, nullptr},
-        {"charlcd", "[:PATH]", is_device, false, open_charlcd, nullptr, true},
+        {"charlcd", "[:PATH]", is_device, false, open_charlcd, nullptr, true, false},
     };
     return TABLE;
 }

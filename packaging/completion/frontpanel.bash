@@ -1,7 +1,7 @@
 # bash completion for frontpanel                                                   -*- shell-script -*-
 
 _frontpanel() {
-    local options='--help --version --config --menu --script --size --state --screenshot --log --debug --display --charset --keys --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --probe --simulate --check'
+    local options='--help --version --config --menu --script --size --state --screenshot --log --debug --display --charset --input --keys --leds --timeout --no-acceleration --still --pin-file --dump --dump=json --graph --explain --probe --simulate --check'
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} pattern
     COMPREPLY=()
     case $previous in
@@ -24,7 +24,7 @@ _frontpanel() {
             mapfile -t COMPREPLY < <(compgen -W 'a00 a02 iso-8859-1' -- "$current")
             return
             ;;
-        --debug | --keys | --timeout | --explain) return ;;
+        --debug | --input | --leds | --keys | --timeout | --explain) return ;;
         *)
             mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
             return

@@ -43,6 +43,8 @@ struct Display_row {
 
     // Whether it has the characters of a ROM, which `Display_setup` names, and defines others; ISO-8859-1 otherwise.
     bool has_rom = false;
+    // Whether it has keys of its own.
+    bool has_keys = true;
 
     // Whether it can show the character, if only in a plain form.
     bool shows(char32_t character, const Character_rom& rom) const;

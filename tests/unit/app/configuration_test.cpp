@@ -86,6 +86,18 @@ TEST_F(Configuration, GivesEachOptionItsValue) {
     EXPECT_EQ(options_of("dump=json").dump, "json");
 }
 
+TEST_F(Configuration, AnOptionThatMayBeGivenSeveralTimesHasALineEachOrAList) {
+    const std::vector<std::string> wanted{"/dev/input/event0", "A knob"};
+    EXPECT_EQ(options_of("input = evdev:/dev/input/event0\ninput = \"evdev:A knob\"\n").inputs,
+              wanted);
+    EXPECT_EQ(options_of("input = [\"evdev:/dev/input/event0\", \"evdev:A knob\"]\n").inputs,
+              wanted);
+    EXPECT_EQ(options_of("input = evdev:one\n", {"--input", "evdev:two"}).inputs,
+              std::vector<std::string>{"two"});
+    EXPECT_EQ(error_of("input = evdev:one\ninput = two\n"),
+              "2: --input: expected evdev:PATH or evdev:NAME, found \"two\"\n");
+}
+
 TEST_F(Configuration, TheCommandLineWins) {
     const Options options =
         options_of("size = 16x2\nmenu = file\ntimeout = 1\n", {"--size", "40x4", "--menu=line"});

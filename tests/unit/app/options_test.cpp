@@ -189,10 +189,32 @@ TEST(Options, TellDisplayKeysTimeOutAndPin) {
     EXPECT_EQ(options.pin_file, "pin");
 }
 
+TEST(Options, SeveralInputsHaveTheirKeys) {
+    const Options options =
+        options_of({"--input", "evdev:/dev/input/event0", "--input", "evdev:A knob", "--keys",
+                    "KEY_A=select,REL_X=down", "--check"});
+    EXPECT_EQ(options.inputs, (std::vector<std::string>{"/dev/input/event0", "A knob"}));
+    EXPECT_EQ(options.input_keys.size(), 2U);
+    EXPECT_EQ(options.keys.size(), 6U);
+    EXPECT_TRUE(options.check);
+}
+
+TEST(Options, LedsHaveTheirFolders) {
+    EXPECT_EQ(options_of({"--leds", "alarm=red,edit=/tmp/led"}).leds,
+              (Led_map{{"alarm", "/sys/class/leds/red"}, {"edit", "/tmp/led"}}));
+}
+
 TEST(Options, WhatIsNoDisplayKeyMapOrTimeOutIsOneLine) {
     const std::vector<std::vector<const char*>> CASES = {
-        {"--display", "screen"}, {"--charset", "utf-8"}, {"--keys", "A=jump"},
-        {"--timeout", "-1"},     {"--timeout", "86401"}, {"--timeout", "a while"},
+        {"--display", "screen"},
+        {"--charset", "utf-8"},
+        {"--input", "knob"},
+        {"--leds", "power=red"},
+        {"--keys", "KEY_X=select,KEY_NONE=up"},
+        {"--keys", "A=jump"},
+        {"--timeout", "-1"},
+        {"--timeout", "86401"},
+        {"--timeout", "a while"},
         {"--pin-file", ""},
     };
     for (const std::vector<const char*>& arguments : CASES) {

@@ -1,0 +1,75 @@
+#include "inputs.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include <frontpanel_base/input_error.h>
+
+namespace frontpanel {
+namespace {
+
+class Silent_front : public Front {
+public:
+    void show(const Frame&) override {}
+    std::optional<Front_event> next(Time) override { return std::nullopt; }
+    pollfd source() const override { return {-1, POLLIN, 0}; }
+    Time due() const override { return Time::max(); }
+};
+
+TEST(Inputs, AreNamedByPathOrName) {
+    EXPECT_EQ(parse_input("evdev:/dev/input/event0"), "/dev/input/event0");
+    EXPECT_EQ(parse_input("evdev:A knob: large"), "A knob: large");
+    for (const std::string bad : {"", "evdev", "evdev:", "/dev/input/event0", "uinput:x"}) {
+        try {
+            parse_input(bad);
+            ADD_FAILURE() << bad;
+        } catch (const Input_error& error) {
+            EXPECT_EQ(error.what(), "expected evdev:PATH or evdev:NAME, found \"" + bad + "\"");
+        }
+    }
+}
+
+TEST(Inputs, EachPartHasTheKeysWithItsNames) {
+    Key_map display;
+    Key_map inputs;
+    split_keys({{"Enter", {Key::SELECT}}, {"KEY_A", {Key::BACK}}}, display, inputs);
+    EXPECT_EQ(display.size(), 1U);
+    EXPECT_EQ(display.count("Enter"), 1U);
+    EXPECT_EQ(inputs.size(), 1U);
+    EXPECT_EQ(inputs.count("KEY_A"), 1U);
+    split_keys({{"BTN_0", {Key::SELECT}}}, display, inputs);
+    EXPECT_EQ(display.size(), usual_keys().size());
+    EXPECT_EQ(inputs.size(), 1U);
+    split_keys({{"Enter", {Key::SELECT}}}, display, inputs);
+    EXPECT_EQ(display.size(), 1U);
+    EXPECT_TRUE(inputs.empty());
+    EXPECT_THROW(split_keys({{"KEY_NONE", {Key::SELECT}}}, display, inputs), Input_error);
+}
+
+TEST(Inputs, StandBesideTheDisplay) {
+    std::ostringstream log;
+    Options options;
+    auto display = std::make_unique<Silent_front>();
+    const Front* const alone = display.get();
+    EXPECT_EQ(whole_front(std::move(display), options, log).get(), alone);
+    options.inputs = {"/nonexistent/one", "/nonexistent/two"};
+    const auto front = whole_front(std::make_unique<Silent_front>(), options, log);
+    EXPECT_FALSE(front->next(Time(std::chrono::seconds(1000))));
+    EXPECT_EQ(log.str(),
+              "frontpanel: input /nonexistent/one is unreachable (No such file or directory); retrying\n"
+              "frontpanel: input /nonexistent/two is unreachable (No such file or directory); retrying\n");
+}
+
+TEST(Inputs, TheLedsOfTheBoardStandBesideTheDisplay) {
+    std::ostringstream log;
+    Options options;
+    options.leds = {{"alarm", "/nonexistent/led"}};
+    const auto front = whole_front(std::make_unique<Silent_front>(), options, log);
+    EXPECT_FALSE(front->next(Time(std::chrono::seconds(1000))));
+    EXPECT_EQ(log.str(),
+              "frontpanel: LED /nonexistent/led is unreachable (No such file or directory); retrying\n");
+}
+
+}  // namespace
+}  // namespace frontpanel
