@@ -1,5 +1,6 @@
 // What one redraw of a range entry costs, next to printing the number alone.
 #include <benchmark/benchmark.h>
+#include <frontpanel_data/evaluator.h>
 #include <frontpanel_data/range_entry.h>
 
 #include <cstdio>
@@ -71,6 +72,34 @@ void show_an_expression(benchmark::State& state) {
     Shown_range("%.1f dB", "v/10").show(state, 125);
 }
 BENCHMARK(show_an_expression);
+
+void show_a_number_by_a_format(benchmark::State& state) {
+    Shown_range("%d", "v").show(state, 12345);
+}
+BENCHMARK(show_a_number_by_a_format);
+
+// What these two cannot do without: the evaluator, and bare formatting.
+void evaluate_and_print_a_number(benchmark::State& state) {
+    char line[LENGTH + 1];
+    for (auto _ : state) {
+        char text[] = "v=12345;\nv=v;\n";
+        evaluateExpression(text);
+        std::snprintf(line, sizeof line, "%d", static_cast<int>(variable[0].value));
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(evaluate_and_print_a_number);
+
+void evaluate_and_print_tenths(benchmark::State& state) {
+    char line[LENGTH + 1];
+    for (auto _ : state) {
+        char text[] = "v=125;\nv=v/10;\n";
+        evaluateExpression(text);
+        std::snprintf(line, sizeof line, "%.1f dB", variable[0].value);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(evaluate_and_print_tenths);
 
 void show_a_scrolling_text(benchmark::State& state) {
     Shown_range("0:Reference locked,%d", "v").show(state, 0);

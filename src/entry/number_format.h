@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace number_format {
 
@@ -17,12 +18,45 @@ enum class Argument {
     REAL     // a double as it is
 };
 
-// Whether `format` holds at most one conversion, and one that takes this argument. Width and precision have
-// at most three digits each, so that no format makes a display wait.
-bool fits(const char* format, Argument argument);
+// What holds a printed text.
+struct Buffer {
+    char text[256];
+    std::string longer;  // of a text that has no place there, or of a conversion that is rare
+};
 
-// The first `limit` characters of `value` printed with a format that fits; not-a-number prints as 0.
-std::string print(const char* format, Argument argument, double value, std::size_t limit);
+class Format {
+public:
+    // `text` outlives the format.
+    Format(const char* text, Argument argument);
+
+    // Whether the text holds at most one conversion, and one that takes the argument. Width and precision have
+    // at most three digits each, so that no format makes a display wait.
+    bool fits() const { return m_fits; }
+
+    // The first `limit` characters of `value` printed; not-a-number prints as 0. Refers to `buffer`. Usual
+    // conversions allocate nothing.
+    // Requires: the format fits.
+    std::string_view print(double value, std::size_t limit, Buffer& buffer) const;
+
+private:
+    bool read_conversion(const char* at);
+    bool is_usual() const;
+    bool write(double value, Buffer& buffer, std::size_t& length) const;
+
+    const char* m_text;
+    Argument m_argument;
+    bool m_fits = false;
+    // The conversion.
+    const char* m_start = nullptr;  // its '%'; null without one
+    const char* m_end = nullptr;    // behind it
+    char m_kind = '\0';
+    bool m_left = false;
+    bool m_zeros = false;
+    char m_plus = '\0';  // sign of numbers that are not negative
+    bool m_rare_flag = false;
+    int m_width = 0;
+    int m_precision = -1;  // none
+};
 
 // Cut towards zero, limited to the range of `int`; 0 for not-a-number.
 int to_int(double value);

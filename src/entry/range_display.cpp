@@ -45,17 +45,24 @@ std::optional<std::string_view> table_text(std::string_view format, std::string_
     }
 }
 
-bool contains(const char* text, const char* part) {
-    return std::strstr(text, part) != nullptr;
+bool starts_with(const char* text, const char* start) {
+    return std::strncmp(text, start, std::strlen(start)) == 0;
 }
 
-// Menu files rely on "%d" and "%02x" counting wherever they stand in the whole format.
+// Menu files rely on "%d" and "%02x" counting wherever they stand in the whole format, and also behind a "%".
 Argument argument_of(const std::string& display_format, const char* format) {
-    if (contains(display_format.c_str(), "%d") || contains(format, "%02X") ||
-        contains(display_format.c_str(), "%02x")) {
-        return Argument::WHOLE;
+    Argument argument = Argument::REAL;
+    const char* const start = display_format.c_str();
+    for (const char* at = std::strchr(start, '%'); at != nullptr; at = std::strchr(at + 1, '%')) {
+        if (starts_with(at, "%d") || starts_with(at, "%02x") ||
+            (at >= format && starts_with(at, "%02X"))) {
+            return Argument::WHOLE;
+        }
+        if (at >= format && starts_with(at, "%.1f")) {
+            argument = Argument::TENTHS;
+        }
     }
-    return contains(format, "%.1f") ? Argument::TENTHS : Argument::REAL;
+    return argument;
 }
 
 // By its name: other expressions of the panel may have left variables that sort before it.
@@ -69,9 +76,40 @@ const VariableDescriptor* find_variable(const char* name) {
     return found != end && std::strcmp(found->name, name) == 0 ? found : nullptr;
 }
 
-double converted(int value, const std::string& expression) {
-    std::string text = "v=" + std::to_string(value) + ";\nv=" + expression + ";\n";
-    if (evaluateExpression(text.data()) != 0) {
+// "v=VALUE;\nv=EXPRESSION;\n", without an allocation for usual expressions.
+class Conversion_text {
+public:
+    Conversion_text(std::string_view value, std::string_view expression) {
+        constexpr std::string_view PARTS[] = {"v=", ";\nv=", ";\n"};
+        const std::string_view all[] = {PARTS[0], value, PARTS[1], expression, PARTS[2]};
+        std::size_t size = 1;
+        for (const std::string_view part : all) {
+            size += part.size();
+        }
+        if (size > sizeof m_short) {
+            m_long.resize(size);
+            m_text = m_long.data();
+        }
+        char* at = m_text;
+        for (const std::string_view part : all) {
+            at = std::copy(part.begin(), part.end(), at);
+        }
+        *at = '\0';
+    }
+    Conversion_text(const Conversion_text&) = delete;
+    Conversion_text& operator=(const Conversion_text&) = delete;
+
+    char* text() { return m_text; }
+
+private:
+    char m_short[128];
+    std::string m_long;
+    char* m_text = m_short;
+};
+
+double converted(int value, std::string_view digits, const std::string& expression) {
+    Conversion_text text(digits, expression);
+    if (evaluateExpression(text.text()) != 0) {
         return value;
     }
     const VariableDescriptor* const result = find_variable("v");
@@ -97,13 +135,12 @@ std::string_view text_of(int value, const std::string& display_format,
         }
     }
     const char* const format = display_format.c_str() + number_at;
-    const Argument argument = argument_of(display_format, format);
-    if (!number_format::fits(format, argument)) {
+    const number_format::Format number(format, argument_of(display_format, format));
+    if (!number.fits()) {
         return plain;
     }
-    storage.formatted = number_format::print(format, argument, converted(value, value_format),
-                                             table ? limit : std::min(limit, NUMBER_FIELD));
-    return storage.formatted;
+    return number.print(converted(value, digits, value_format),
+                        table ? limit : std::min(limit, NUMBER_FIELD), storage.formatted);
 }
 
 }  // namespace range_display

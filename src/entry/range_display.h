@@ -6,16 +6,18 @@
 #include <string>
 #include <string_view>
 
+#include "number_format.h"
+
 namespace range_display {
 
 // What holds a text that is not part of the format.
 struct Storage {
     char digits[12];
-    std::string formatted;
+    number_format::Buffer formatted;
 };
 
 // The text that shows `value`, at most `limit` characters, as the constructor of `Range_entry` tells. It
-// refers to `display_format` or to `storage`. Plain numbers and table texts allocate nothing.
+// refers to `display_format` or to `storage`. Allocates nothing, but for rare conversions and long expressions.
 std::string_view text_of(int value, const std::string& display_format,
                          const std::string& value_format, std::size_t limit, Storage& storage);
 
