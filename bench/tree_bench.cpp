@@ -115,4 +115,30 @@ void is_visible(benchmark::State& state, Entries (*shape)(Menu&, int64_t)) {
 BENCHMARK_CAPTURE(is_visible, wide, wide)->RangeMultiplier(10)->Range(10, 1000000);
 BENCHMARK_CAPTURE(is_visible, deep, deep)->RangeMultiplier(10)->Range(10, 1000000);
 
+// The next sibling, by a call of its own and as the walks fetch it.
+void next_by_call(benchmark::State& state) {
+    Menu menu;
+    const Entries entries = wide(menu, 2);
+    Data_entry* entry = entries.front().get();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(entry);
+        benchmark::DoNotOptimize(entry->Get_next());
+    }
+}
+BENCHMARK(next_by_call);
+
+void next_by_dispatcher(benchmark::State& state) {
+    Menu menu;
+    const Entries entries = wide(menu, 2);
+    Data_entry* entry = entries.front().get();
+    void* found = nullptr;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(entry);
+        Data_entry::EntryTypeSpecificOperation(entry, nullptr, nullptr, false,
+                                               Data_entry::OPERATION_NEXT, &found);
+        benchmark::DoNotOptimize(found);
+    }
+}
+BENCHMARK(next_by_dispatcher);
+
 }  // namespace

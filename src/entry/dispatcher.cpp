@@ -1,6 +1,8 @@
 // The type dispatcher: one table tells which steps there are, in which order they run, and which types
 // perform them. A new type adds its bit to the rows it takes part in, or rows of its own.
+#include <cstdint>
 #include <cstdio>
+#include <iterator>
 
 #include <frontpanel_data/entry.h>
 #include <frontpanel_data/link_entry.h>
@@ -251,6 +253,62 @@ constexpr Step STEPS[] = {
     {Entry::OPERATION_PREPARE, TIME, prepare<TimeSelection>},
 };
 
+// For a single bit of `flags` the row of each type is found at once. Several bits are rare, and their rows run in the
+// order of the table.
+constexpr std::size_t BITS = 23;
+constexpr std::size_t TYPES = 8;
+constexpr uint8_t NO_ROW = 0xFF;
+static_assert(std::size(STEPS) < NO_ROW, "a row has a number");
+
+struct Rows {
+    uint8_t of[BITS][TYPES];
+    bool is_unique;  // no type has two rows for one bit
+};
+
+constexpr Rows rows_by_bit() {
+    Rows rows = {};
+    rows.is_unique = true;
+    for (std::size_t bit = 0; bit < BITS; ++bit) {
+        for (std::size_t type = 0; type < TYPES; ++type) {
+            rows.of[bit][type] = NO_ROW;
+            for (std::size_t row = 0; row < std::size(STEPS); ++row) {
+                if ((STEPS[row].bits & (1 << bit)) != 0 && (STEPS[row].types & (1u << type)) != 0) {
+                    rows.is_unique = rows.is_unique && rows.of[bit][type] == NO_ROW;
+                    rows.of[bit][type] = static_cast<uint8_t>(row);
+                }
+            }
+        }
+    }
+    return rows;
+}
+
+constexpr Rows ROWS = rows_by_bit();
+static_assert(ROWS.is_unique, "a single bit has one step");
+static_assert(Entry::OPERATION_DYNAMIC == 1 << (BITS - 1), "the highest bit");
+
+bool is_single_bit(int flags) {
+    return flags > 0 && (flags & (flags - 1)) == 0;
+}
+
+void perform_one(Call& call, Entry::Entry_type type) {
+    const auto bit = static_cast<std::size_t>(__builtin_ctz(static_cast<unsigned int>(call.flags)));
+    const uint8_t row = bit < BITS ? ROWS.of[bit][type] : NO_ROW;
+    if (row != NO_ROW) {
+        STEPS[row].perform(call);
+    }
+}
+
+void perform_all(Call& call, Entry::Entry_type type) {
+    for (const Step& step : STEPS) {
+        if ((call.flags & step.bits) == 0 || (type_bit(type) & step.types) == 0) {
+            continue;
+        }
+        if (!step.perform(call)) {
+            return;
+        }
+    }
+}
+
 bool is_handled(int type) {
     return type >= Entry::NODE && type <= Entry::LINK_ENTRY;
 }
@@ -279,13 +337,6 @@ int Data_entry::EntryTypeSpecificOperation(Data_entry* data_entry, Data_interfac
                  flags,
                  flag_specific,
                  0};
-    for (const Step& step : STEPS) {
-        if ((flags & step.bits) == 0 || (type_bit(type) & step.types) == 0) {
-            continue;
-        }
-        if (!step.perform(call)) {
-            break;
-        }
-    }
+    is_single_bit(flags) ? perform_one(call, type) : perform_all(call, type);
     return call.result;
 }
