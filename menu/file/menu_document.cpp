@@ -379,9 +379,9 @@ void Menu_document::repeat(const Json_node& node, const Scope& scope) {
         set_copy(inner);
         expand_element(once, inner);
     }
-    if (!is_named && to > from) {
-        value.member("counter").warn("nothing that is repeated names \"{" + counter +
-                                     "}\", so that all copies are the same");
+    if (!is_named) {
+        value.member("counter").warn("nothing that is repeated names \"{" + counter + "}\"" +
+                                     (to > from ? ", so that all copies are the same" : ""));
     }
 }
 
