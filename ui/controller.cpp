@@ -87,7 +87,12 @@ void Controller::press(const Key& pressed) {
         settle_and_show();
         return;
     }
-    press_meant(meant_key(turned(pressed), place()));
+    // One erasing key too many must not lose the edit.
+    const bool erases_nothing =
+        pressed.kind == Key::ERASE && !characters().empty() && !m_editing.can_erase();
+    if (!erases_nothing) {
+        press_meant(meant_key(turned(pressed), place()));
+    }
 }
 
 void Controller::press_meant(const Key& key) {

@@ -106,13 +106,18 @@ TEST_F(ArrowKeys, EraseTakesTheCharacterAtTheCursorOfAText) {
     EXPECT_TRUE(panel.leds().edit);
 }
 
-TEST_F(ArrowKeys, EraseLeavesOtherEditorsWithTheOldValue) {
+// One key too many loses no edit where characters are typed.
+TEST_F(ArrowKeys, EraseLeavesOnlyEditorsThatTakeNoCharacters) {
     for (int number = 1; number < 4; ++number) {
         edit(number);
-        panel.press(Key::UP).press(Key::ERASE);
-        EXPECT_FALSE(panel.leds().edit) << number;
+        panel.press(Key::UP);
+        const bool is_typed = !panel.controller().characters().empty();
+        const Lines before = panel.lines();
+        panel.press(Key::ERASE);
+        EXPECT_EQ(panel.leds().edit, is_typed) << number;
+        EXPECT_EQ(panel.lines() == before, is_typed) << number;
         EXPECT_TRUE(panel.device().writes().empty()) << number;
-        panel.press(Key::BACK);
+        panel.press(Key::BACK, is_typed ? 2 : 1);
     }
 }
 
