@@ -107,9 +107,9 @@ TEST_P(First_hour, NumbersTextsAndAddressesAreTyped) {
     press(Key::DOWN);
     press(Key::SELECT);
     type("x7");
-    EXPECT_EQ(line(1), "x7");
+    EXPECT_EQ(line(1), "Ax7");
     press(Key::SELECT);
-    EXPECT_EQ(device().text(2, 0), "x7");
+    EXPECT_EQ(device().text(2, 0), "Ax7");
     press(Key::DOWN);
     press(Key::SELECT);
     press(Key::LEFT, 3);
