@@ -9,5 +9,6 @@ function(frontpanel_add_benchmark)
     target_link_libraries(${arg_NAME} PRIVATE
         frontpanel_data ${arg_LIBRARIES} benchmark::benchmark benchmark::benchmark_main)
     add_test(NAME bench.${arg_NAME} COMMAND ${arg_NAME} --benchmark_min_time=0.001)
-    set_tests_properties(bench.${arg_NAME} PROPERTIES TIMEOUT 120)
+    # Long ones first, so that others run beside them.
+    set_tests_properties(bench.${arg_NAME} PROPERTIES TIMEOUT 120 COST 100)
 endfunction()

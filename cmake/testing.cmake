@@ -1,9 +1,13 @@
 # How tests are declared.
 include(GoogleTest)
 
+# What tests compile to is run once, so optimising them costs more than it saves.
+set(FRONTPANEL_TEST_OPTIONS "" CACHE STRING "Compiler options of the tests' own sources, behind all others")
+
 # Compiling the GoogleTest headers takes longer than most tests do, so they are compiled once.
 add_library(frontpanel_test_headers OBJECT ${PROJECT_SOURCE_DIR}/tests/support/test_headers.cpp)
 frontpanel_configure_target(frontpanel_test_headers)
+target_compile_options(frontpanel_test_headers PRIVATE ${FRONTPANEL_TEST_OPTIONS})
 target_link_libraries(frontpanel_test_headers PUBLIC GTest::gmock GTest::gtest)
 target_precompile_headers(frontpanel_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 
@@ -63,7 +67,7 @@ function(frontpanel_add_test)
     add_executable(${arg_NAME} ${arg_SOURCES})
     frontpanel_configure_target(${arg_NAME})
     # Where GCC inlines, it warns of pointers that are null only for what a test never asks for.
-    target_compile_options(${arg_NAME} PRIVATE -Wno-null-dereference)
+    target_compile_options(${arg_NAME} PRIVATE -Wno-null-dereference ${FRONTPANEL_TEST_OPTIONS})
     target_precompile_headers(${arg_NAME} REUSE_FROM frontpanel_test_headers)
     target_include_directories(${arg_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_compile_definitions(${arg_NAME} PRIVATE
@@ -80,7 +84,8 @@ function(frontpanel_add_test)
     endforeach()
     set(lock)
     if(arg_RESOURCE_LOCK)
-        set(lock RESOURCE_LOCK ${arg_RESOURCE_LOCK})
+        # Tests that wait for each other begin first.
+        set(lock RESOURCE_LOCK ${arg_RESOURCE_LOCK} COST 1000)
     endif()
     if(NOT arg_LABEL)
         frontpanel_discover_tests(${arg_NAME} ${arg_TIMEOUT} ${lock})
