@@ -12,16 +12,13 @@
 #include "driver_work.h"
 #include "reports.h"
 #include "shipped.h"
-#include "simulated_script_device.h"
 #include "using_panel.h"
 
 namespace frontpanel {
 namespace {
 
-int play_on(const Script& script, Panel& panel, const Loaded_panel& loaded, Display& display,
+int play_on(const Script& script, Panel& panel, Script_device& played, Display& display,
             std::ostream& out) {
-    Simulated_device& device = *loaded.device;
-    Simulated_script_device played(device.memory(), device.cards(), loaded.menu->parameters());
     Script_player player(panel, played, display, out, std::cerr);
     const int differences = player.play(script);
     if (differences != 0) {
@@ -39,7 +36,8 @@ int take_picture(const Options& options, const Script& script, Panel& panel,
     check_writable(options.screenshot);
     Picture_display display(options.screenshot);
     std::ostringstream unseen;
-    const int status = play_on(script, panel, loaded, display, unseen);
+    Simulated_script_device played = script_device_of(loaded);
+    const int status = play_on(script, panel, played, display, unseen);
     display.finish();
     return status;
 }
@@ -85,10 +83,17 @@ int play(const Options& options, const Display_row& display, const Script& scrip
     if (!options.screenshot.empty()) {
         return take_picture(options, script, panel, loaded);
     }
-    return play_on(script, panel, loaded, *display.open_display(setup_of(options, log)), log.out());
+    Simulated_script_device played = script_device_of(loaded);
+    return play_on(script, panel, played, *display.open_display(setup_of(options, log)), log.out());
 }
 
-int play_unseen(const Options& options, const Loaded_panel& loaded, Output_log& log) {
+Simulated_script_device script_device_of(const Loaded_panel& loaded) {
+    Simulated_device& device = *loaded.device;
+    return {device.memory(), device.cards(), loaded.menu->parameters()};
+}
+
+int play_unseen(const Options& options, const Loaded_panel& loaded, Script_device& played,
+                Output_log& log) {
     const Script script = parse_script(options.script, read_input_file(options.script));
     std::ostringstream unseen;
     const Display_setup setup{"",     options.size, options.keys, log.out_descriptor(),
@@ -96,7 +101,7 @@ int play_unseen(const Options& options, const Loaded_panel& loaded, Output_log& 
     Panel* shown = nullptr;
     Panel panel(*loaded.menu, options_for_script(options, loaded, log, shown));
     shown = &panel;
-    return play_on(script, panel, loaded, *default_display(false).open_display(setup), unseen);
+    return play_on(script, panel, played, *default_display(false).open_display(setup), unseen);
 }
 
 }  // namespace frontpanel

@@ -122,7 +122,8 @@ int report(const Options& options) {
     VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
     restore_state(options, loaded);
     start_drivers(loaded, First_values::AWAITED);
-    const int status = is_played ? play_unseen(options, loaded, log) : EXIT_PLAYED;
+    Simulated_script_device played = script_device_of(loaded);
+    const int status = is_played ? play_unseen(options, loaded, played, log) : EXIT_PLAYED;
     refresh_all(*loaded.menu);
     log.out() << report_of(options, *loaded.menu);
     log.out().flush();

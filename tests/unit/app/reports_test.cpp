@@ -161,6 +161,21 @@ TEST_F(Reports_test, ARuleDoesNotActAgainOnTheStateThatIsRestored) {
     EXPECT_NE(report_of().find("Gain  range  2          60 "), std::string::npos) << report_of();
 }
 
+TEST_F(Reports_test, AFaultThatAScriptBeginsIsExplained) {
+    options.menu = write("rules.json", R"({"device": {"parameters": [
+        {"name": "mode", "pid": 1, "type": "integer", "min": 0, "max": 9, "value": 1},
+        {"name": "gain", "pid": 2, "type": "integer", "min": 0, "max": 99, "value": 5}]},
+        "menu": {"name": "Main", "items": [
+            {"type": "range", "name": "Mode", "parameter": "mode", "binding": "set [gain] = [mode]"},
+            {"type": "range", "name": "Gain", "parameter": "gain"}]}})");
+    options.explain = "Mode";
+    EXPECT_EQ(report_of().find("fault: "), std::string::npos);
+    options.script = write("fail.script", "fail write gain on\nset mode 7\ntick\n");
+    EXPECT_NE(report_of().find("rules.json:5:80: cannot write [gain] = 7: device result"),
+              std::string::npos)
+        << report_of();
+}
+
 TEST_F(Reports_test, CardsRunWhileAScriptIsPlayed) {
     options.menu = write("cards.json", R"({"device": {"parameters": [], "cards": [{"slot": 3,
         "combo-boxes": [{"pid": 9063, "options": ["Sport", "News"], "selected": 1}]}]},
