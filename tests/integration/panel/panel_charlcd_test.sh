@@ -124,7 +124,7 @@ plug_in
 "$PANEL" --still --display "charlcd:$FOLDER/lcd" --input "evdev:$FOLDER/event" \
     --leds "edit=$FOLDER/edit,alive=$FOLDER/alive" </dev/null >"$FOLDER/panel" 2>&1 5>&- &
 PANEL_PROCESS=$!
-wait_for "the homescreen" shows " Level=   -18.4 dBFS" " In 3.Gain    0.0 dB" "" ""
+wait_for "the homescreen" shows " Level=     -18.4 dB" " Gain 3       0.0 dB" "" ""
 wait_for "the knob is not found" says "frontpanel: input $FOLDER/event is used"
 press $SELECT
 wait_for "the menu" shows "Main             1/6" ">Audio           ..." " Video           ..." " Clock           ..."
