@@ -1,5 +1,7 @@
 #include "support/allocation_counter.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
@@ -9,11 +11,21 @@
 namespace {
 std::atomic<std::size_t> g_allocations{0};
 std::atomic<std::uint64_t> g_bytes{0};
+std::atomic<std::size_t> g_live{0};
 std::atomic<std::size_t> g_failing{0};  // the number of the call that fails
+
+void free_counted(void* memory) {
+    g_live -= malloc_usable_size(memory);
+    std::free(memory);
+}
 }  // namespace
 
 std::size_t support::allocations() {
     return g_allocations;
+}
+
+std::size_t support::live_bytes() {
+    return g_live;
 }
 
 std::uint64_t support::allocated_bytes() {
@@ -30,6 +42,7 @@ void* operator new(std::size_t size) {
     }
     g_bytes += size;
     if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+        g_live += malloc_usable_size(memory);
         return memory;
     }
     throw std::bad_alloc();
@@ -38,14 +51,14 @@ void* operator new[](std::size_t size) {
     return operator new(size);
 }
 void operator delete(void* memory) noexcept {
-    std::free(memory);
+    free_counted(memory);
 }
 void operator delete[](void* memory) noexcept {
-    std::free(memory);
+    free_counted(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
+    free_counted(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
+    free_counted(memory);
 }

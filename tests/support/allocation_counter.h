@@ -12,6 +12,8 @@ namespace support {
 std::size_t allocations();
 // The bytes that these calls asked for, freed ones included.
 std::uint64_t allocated_bytes();
+// How many bytes are allocated now, with what the allocator rounds up.
+std::size_t live_bytes();
 // Makes one call of it throw std::bad_alloc, the next one for 1; 0 for none.
 void fail_allocation(std::size_t number);
 

@@ -1,0 +1,91 @@
+"""Prints the ratios of ratios.tsv from the results of one run, writes them as JSON, and draws the growth curves.
+
+usage: ratios.py RATIOS RESULTS_FOLDER JSON_FILE SVG_FILE
+RESULTS_FOLDER holds BENCHMARK.json of each benchmark, as Google Benchmark writes it.
+"""
+import json
+import math
+import pathlib
+import sys
+
+CURVES = ["build_apart", "build/wide", "build/deep", "remove", "walk/wide", "walk/deep",
+          "is_visible/wide", "is_visible/deep"]
+COLOURS = ["#888888", "#1b6ca8", "#7ab8d9", "#b3541e", "#2e7d32", "#81c784", "#6a1b9a", "#ba68c8"]
+
+
+def nanoseconds(result):
+    """The time per entry where the case reports it, else the time of an iteration."""
+    if "per_entry" in result:
+        return result["per_entry"] * 1e9
+    scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[result["time_unit"]]
+    return result["cpu_time"] * scale
+
+
+def read_results(folder):
+    times = {}
+    for file in sorted(folder.glob("*.json")):
+        for result in json.loads(file.read_text())["benchmarks"]:
+            times[f"{file.stem}:{result['name']}"] = nanoseconds(result)
+    return times
+
+
+def read_ratios(file, times):
+    for line in file.read_text().splitlines():
+        if line and not line.startswith("#"):
+            what, case, beside, limit = line.split("\t")
+            yield {"what": what, "ns": times[case], "beside_ns": times[beside],
+                   "ratio": times[case] / times[beside], "limit": float(limit)}
+
+
+def curves(times):
+    for name in CURVES:
+        prefix = f"tree_bench:{name}/"
+        points = sorted((int(case[len(prefix):]), ns) for case, ns in times.items()
+                        if case.startswith(prefix) and case[len(prefix):].isdigit())
+        if points:
+            yield name, points
+
+
+def draw(times, file):
+    """Time per entry over the number of entries, both in powers of ten."""
+    width, height, left, top = 560, 300, 60, 20
+
+    def x(entries):
+        return left + (math.log10(entries) - 1) / 5 * width
+
+    def y(ns):
+        return top + height - min(max(math.log10(ns) - 1, 0), 2.5) / 2.5 * height
+
+    lines = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + width + 150}" height="{top + height + 45}" '
+             'font-family="sans-serif" font-size="11">', '<rect width="100%" height="100%" fill="white"/>']
+    for power in range(1, 7):
+        at = x(10 ** power)
+        lines.append(f'<path d="M{at:.1f} {top}v{height}" stroke="#ddd"/>'
+                     f'<text x="{at:.1f}" y="{top + height + 15}" text-anchor="middle">{10 ** power:,}</text>')
+    for ns in (10, 30, 100, 300, 1000, 3000):
+        lines.append(f'<path d="M{left} {y(ns):.1f}h{width}" stroke="#ddd"/>'
+                     f'<text x="{left - 6}" y="{y(ns) + 4:.1f}" text-anchor="end">{ns} ns</text>')
+    lines.append(f'<text x="{left + width / 2}" y="{top + height + 35}" text-anchor="middle">entries</text>')
+    for number, (name, points) in enumerate(curves(times)):
+        path = " ".join(f"{x(entries):.1f},{y(ns):.1f}" for entries, ns in points)
+        row = top + 12 + 16 * number
+        lines.append(f'<polyline points="{path}" fill="none" stroke="{COLOURS[number]}" stroke-width="2"/>'
+                     f'<path d="M{left + width + 10} {row}h20" stroke="{COLOURS[number]}" stroke-width="2"/>'
+                     f'<text x="{left + width + 35}" y="{row + 4}">{name}</text>')
+    file.write_text("\n".join(lines + ["</svg>", ""]))
+
+
+def main():
+    ratios_file, folder, json_file, svg_file = map(pathlib.Path, sys.argv[1:])
+    times = read_results(folder)
+    ratios = list(read_ratios(ratios_file, times))
+    print(f"{'ns':>9} {'beside':>9} {'ratio':>7} {'limit':>6}  what")
+    for row in ratios:
+        mark = "  above its limit" if row["ratio"] > row["limit"] else ""
+        print(f"{row['ns']:9.1f} {row['beside_ns']:9.1f} {row['ratio']:7.2f} {row['limit']:6.2f}  {row['what']}{mark}")
+    json_file.write_text(json.dumps({"ratios": ratios, "ns": times}, indent=1) + "\n")
+    draw(times, svg_file)
+
+
+if __name__ == "__main__":
+    main()
