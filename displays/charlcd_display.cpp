@@ -52,6 +52,11 @@ Charlcd_display::Client::Client(const std::string& device, Lcd_size size, const 
 
 // A value that stays on the display would be taken for the device's.
 Charlcd_display::Client::~Client() {
+    if (m_is_up && m_writer.is_busy()) {
+        pollfd written = source();
+        poll(&written, 1, static_cast<int>(Device_writer::FAREWELL.count()));
+        static_cast<void>(m_writer.take_result());
+    }
     if (m_is_up && !m_writer.is_busy()) {
         m_writer.write(Charlcd_screen::farewell());
     }

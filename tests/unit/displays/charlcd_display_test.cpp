@@ -187,6 +187,21 @@ TEST_F(Charlcd_display_test, ADeviceThatHangsIsGivenUp) {
     EXPECT_EQ(line(1), ">Level          ");
 }
 
+TEST_F(Charlcd_display_test, TheEndRightAfterAFrameLeavesTheDisplayBlank) {
+    start();
+    display->show(frame_of("Main", ">Level"));
+    display.reset();
+    pipe.read_all();
+    EXPECT_EQ(line(1), std::string(16, ' '));
+}
+
+TEST_F(Charlcd_display_test, TheEndOfADisplayThatHangsDoesNotHang) {
+    start();
+    pipe.fill();
+    display->show(frame_of("Main", ">Level"));
+    display.reset();
+}
+
 TEST_F(Charlcd_display_test, TheEndLeavesTheDisplayBlank) {
     start();
     display.reset();
