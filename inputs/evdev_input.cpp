@@ -65,9 +65,8 @@ std::optional<Front_event> Evdev_input::Reader::next(Time now) {
 }
 
 void Evdev_input::Reader::open(Time now) {
-    const bool is_path = m_name.find('/') != std::string::npos;
-    Opened_device opened =
-        is_path ? open_event_device(m_name) : find_event_device(m_name, FOLDER);
+    const bool is_path = m_name.front() == '/' || m_name.front() == '.';
+    Opened_device opened = is_path ? open_event_device(m_name) : find_event_device(m_name, FOLDER);
     if (!opened.device) {
         lose(opened.error, now);
         return;

@@ -106,15 +106,14 @@ private:
 
     Descriptor m_descriptor;
     std::string m_error;
-    std::string m_bytes;  // the beginning of an event
+    std::string m_bytes;   // the beginning of an event
     bool m_skips = false;  // events were lost: up to the next report the others are incomplete
 };
 
 // Whether there are more bytes now.
 bool Recorded_device::receive() {
     char bytes[sizeof(input_event)];
-    const ssize_t size =
-        read(m_descriptor.number(), bytes, sizeof(input_event) - m_bytes.size());
+    const ssize_t size = read(m_descriptor.number(), bytes, sizeof(input_event) - m_bytes.size());
     if (size > 0) {
         m_bytes.append(bytes, static_cast<size_t>(size));
         return true;
@@ -166,8 +165,8 @@ Opened_device open_kernel_device(Descriptor descriptor) {
     Evdev device(opened);
     const int grabbed = libevdev_grab(opened, LIBEVDEV_GRAB);
     if (grabbed < 0) {
-        return {nullptr, grabbed == -EBUSY ? "another program has grabbed it"
-                                           : std::strerror(-grabbed)};
+        return {nullptr,
+                grabbed == -EBUSY ? "another program has grabbed it" : std::strerror(-grabbed)};
     }
     return {std::make_unique<Kernel_device>(std::move(descriptor), std::move(device)), ""};
 }

@@ -22,12 +22,12 @@ struct Usual_key {
 };
 // Volume knobs on USB are keyboards with these keys.
 constexpr Usual_key USUAL_KEYS[] = {
-    {"KEY_UP", Key::UP},          {"KEY_DOWN", Key::DOWN},       {"KEY_LEFT", Key::LEFT},
-    {"KEY_RIGHT", Key::RIGHT},    {"KEY_ENTER", Key::SELECT},    {"KEY_KPENTER", Key::SELECT},
-    {"KEY_SELECT", Key::SELECT},  {"KEY_OK", Key::SELECT},       {"BTN_0", Key::SELECT},
-    {"KEY_MUTE", Key::SELECT},    {"KEY_ESC", Key::BACK},        {"KEY_BACK", Key::BACK},
-    {"BTN_1", Key::BACK},         {"KEY_VOLUMEUP", Key::UP},     {"KEY_VOLUMEDOWN", Key::DOWN},
-    {"KEY_INSERT", Key::INSERT},  {"KEY_DELETE", Key::DELETE},   {"KEY_BACKSPACE", Key::ERASE},
+    {"KEY_UP", Key::UP},          {"KEY_DOWN", Key::DOWN},     {"KEY_LEFT", Key::LEFT},
+    {"KEY_RIGHT", Key::RIGHT},    {"KEY_ENTER", Key::SELECT},  {"KEY_KPENTER", Key::SELECT},
+    {"KEY_SELECT", Key::SELECT},  {"KEY_OK", Key::SELECT},     {"BTN_0", Key::SELECT},
+    {"KEY_MUTE", Key::SELECT},    {"KEY_ESC", Key::BACK},      {"KEY_BACK", Key::BACK},
+    {"BTN_1", Key::BACK},         {"KEY_VOLUMEUP", Key::UP},   {"KEY_VOLUMEDOWN", Key::DOWN},
+    {"KEY_INSERT", Key::INSERT},  {"KEY_DELETE", Key::DELETE}, {"KEY_BACKSPACE", Key::ERASE},
     {"KEY_KPPLUS", Key::COARSER}, {"KEY_KPMINUS", Key::FINER},
 };
 

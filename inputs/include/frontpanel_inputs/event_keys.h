@@ -56,9 +56,9 @@ public:
 private:
     std::vector<Key> turn(uint16_t type, uint16_t code, int64_t steps) const;
 
-    std::map<uint16_t, Key> m_keys;                     // by the code of a key
+    std::map<uint16_t, Key> m_keys;                            // by the code of a key
     std::map<std::pair<uint16_t, uint16_t>, bool> m_reversed;  // axes by type and code
-    std::map<uint16_t, int32_t> m_positions;            // of absolute axes
+    std::map<uint16_t, int32_t> m_positions;                   // of absolute axes
 };
 
 }  // namespace frontpanel

@@ -9,6 +9,7 @@
 #include <frontpanel_display/retry.h>
 
 #include "support/event_pipe.h"
+#include "support/pseudo_evdev.h"
 
 namespace frontpanel {
 namespace {
@@ -115,6 +116,59 @@ TEST_F(Evdev_input_test, ADeviceThatComesAndGoesIsReportedOnce) {
     }
     EXPECT_EQ(log.str(),
               place() + "is used\n" + place() + "is unreachable (it went away); retrying\n");
+}
+
+// ---- a device that answers as one of the kernel does
+
+class Pseudo_device_test : public Evdev_input_test {
+protected:
+    Pseudo_device_test() : knob("A knob") { knob.set_wheel(22); }
+
+    support::Pseudo_evdev knob;
+};
+
+TEST_F(Pseudo_device_test, ADeviceIsGrabbedAndPressesKeys) {
+    open(knob.path());
+    EXPECT_EQ(pressed(), Kinds());
+    EXPECT_TRUE(knob.is_grabbed());
+    EXPECT_EQ(log.str(), "frontpanel: input " + knob.path() + " is used (A knob)\n");
+    knob.signal(EV_REL, REL_DIAL, -2);
+    knob.signal(EV_KEY, BTN_0, 1);
+    knob.signal(EV_KEY, BTN_0, 0);
+    EXPECT_EQ(pressed(), (Kinds{Key::DOWN, Key::DOWN, Key::SELECT}));
+}
+
+TEST_F(Pseudo_device_test, AnAbsoluteAxisStartsWhereItIsAndGoesRound) {
+    open(knob.path());
+    EXPECT_EQ(pressed(), Kinds());
+    knob.signal(EV_ABS, ABS_WHEEL, 23);
+    knob.signal(EV_ABS, ABS_WHEEL, 0);
+    EXPECT_EQ(pressed(), (Kinds{Key::UP, Key::UP}));
+    knob.signal(EV_ABS, ABS_WHEEL, 23);
+    EXPECT_EQ(pressed(), Kinds{Key::DOWN});
+}
+
+TEST_F(Pseudo_device_test, AfterLostEventsNothingIsPressedAndTheAxisGoesOnFromWhereItIs) {
+    open(knob.path());
+    EXPECT_EQ(pressed(), Kinds());
+    knob.set_wheel(5);
+    knob.set_button(true);
+    knob.send(EV_SYN, SYN_DROPPED, 0);
+    knob.signal(EV_KEY, BTN_0, 1);
+    EXPECT_EQ(pressed(), Kinds());
+    knob.signal(EV_ABS, ABS_WHEEL, 6);
+    knob.signal(EV_KEY, BTN_0, 0);
+    knob.signal(EV_KEY, BTN_0, 1);
+    EXPECT_EQ(pressed(), (Kinds{Key::UP, Key::SELECT}));
+}
+
+TEST_F(Pseudo_device_test, ADeviceThatAnotherProgramHasGrabbedIsRetried) {
+    knob.take_away();
+    open(knob.path());
+    EXPECT_EQ(pressed(), Kinds());
+    EXPECT_EQ(log.str(), "frontpanel: input " + knob.path() +
+                             " is unreachable (another program has grabbed it); retrying\n");
+    EXPECT_EQ(input->source().fd, -1);
 }
 
 // ---- a device of the kernel, where this machine can make one

@@ -14,9 +14,8 @@ class Event_keys_test : public testing::Test {
 protected:
     Kinds take(int type, int code, int value, std::optional<Axis_range> range = std::nullopt) {
         Kinds kinds;
-        for (const Key& key : keys.take({static_cast<uint16_t>(type), static_cast<uint16_t>(code),
-                                         value},
-                                        range)) {
+        for (const Key& key :
+             keys.take({static_cast<uint16_t>(type), static_cast<uint16_t>(code), value}, range)) {
             kinds.push_back(key.kind);
         }
         return kinds;

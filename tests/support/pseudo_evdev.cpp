@@ -1,0 +1,132 @@
+#include "support/pseudo_evdev.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+support::Pseudo_evdev* device = nullptr;
+
+void set_bit(std::string& bits, unsigned bit) {
+    bits[bit / 8] = static_cast<char>(bits[bit / 8] | 1 << bit % 8);
+}
+
+}  // namespace
+
+// In the place of the system's: libraries call this one.
+extern "C" __attribute__((visibility("default"))) int ioctl(int descriptor, unsigned long request,
+                                                            ...) {
+    va_list arguments;
+    va_start(arguments, request);
+    void* const argument = va_arg(arguments, void*);
+    va_end(arguments);
+    if (device != nullptr && _IOC_TYPE(request) == 'E') {
+        return device->answer(request, argument);
+    }
+    using Function = int (*)(int, unsigned long, void*);
+    static const auto of_system = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "ioctl"));
+    return of_system(descriptor, request, argument);
+}
+
+namespace support {
+
+Pseudo_evdev::Pseudo_evdev(const std::string& name)
+    : m_name(name), m_master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+    EXPECT_GE(m_master, 0);
+    EXPECT_EQ(grantpt(m_master), 0);
+    EXPECT_EQ(unlockpt(m_master), 0);
+    char path[64] = "";
+    EXPECT_EQ(ptsname_r(m_master, path, sizeof path), 0);
+    m_path = path;
+    m_holder = open(path, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios settings{};
+    tcgetattr(m_holder, &settings);
+    cfmakeraw(&settings);
+    tcsetattr(m_holder, TCSANOW, &settings);
+    device = this;
+}
+
+Pseudo_evdev::~Pseudo_evdev() {
+    device = nullptr;
+    close(m_holder);
+    close(m_master);
+}
+
+void Pseudo_evdev::send(int type, int code, int value) const {
+    input_event event{};
+    event.type = static_cast<uint16_t>(type);
+    event.code = static_cast<uint16_t>(code);
+    event.value = value;
+    ASSERT_EQ(write(m_master, &event, sizeof event), static_cast<ssize_t>(sizeof event));
+}
+
+void Pseudo_evdev::signal(int type, int code, int value) const {
+    send(type, code, value);
+    send(EV_SYN, SYN_REPORT, 0);
+}
+
+int Pseudo_evdev::answer(unsigned long request, void* argument) {
+    const unsigned number = _IOC_NR(request);
+    const size_t size = _IOC_SIZE(request);
+    const auto give = [argument, size](const std::string& bytes) {
+        const size_t given = std::min(size, bytes.size());
+        std::memcpy(argument, bytes.data(), given);
+        return static_cast<int>(given);
+    };
+    if (request == EVIOCGVERSION) {
+        *static_cast<int*>(argument) = EV_VERSION;
+        return 0;
+    }
+    if (request == EVIOCGID) {
+        std::memset(argument, 0, size);
+        return 0;
+    }
+    if (request == EVIOCGRAB) {
+        if (m_is_taken) {
+            errno = EBUSY;
+            return -1;
+        }
+        m_is_grabbed = argument != nullptr;
+        return 0;
+    }
+    if (number == _IOC_NR(EVIOCGNAME(0))) {
+        return give(m_name + std::string(1, '\0'));
+    }
+    std::string bits(size, '\0');
+    if (number == _IOC_NR(EVIOCGBIT(0, 0))) {
+        for (const unsigned type : {0U + EV_SYN, 0U + EV_KEY, 0U + EV_REL, 0U + EV_ABS}) {
+            set_bit(bits, type);
+        }
+    } else if (number == _IOC_NR(EVIOCGBIT(EV_REL, 0))) {
+        set_bit(bits, REL_DIAL);
+    } else if (number == _IOC_NR(EVIOCGBIT(EV_ABS, 0))) {
+        set_bit(bits, ABS_WHEEL);
+    } else if (number == _IOC_NR(EVIOCGBIT(EV_KEY, 0))) {
+        set_bit(bits, BTN_0);
+    } else if (number == _IOC_NR(EVIOCGKEY(0))) {
+        if (m_button) {
+            set_bit(bits, BTN_0);
+        }
+    } else if (request == EVIOCGABS(ABS_WHEEL)) {
+        const input_absinfo wheel{m_wheel, 0, 23, 0, 0, 0};
+        std::memcpy(argument, &wheel, sizeof wheel);
+        return 0;
+    } else if (number == _IOC_NR(EVIOCGPHYS(0)) || number == _IOC_NR(EVIOCGUNIQ(0))) {
+        errno = ENOENT;
+        return -1;
+    }
+    return give(bits);
+}
+
+}  // namespace support
