@@ -32,8 +32,7 @@ struct Loaded_panel {
 // cache of `driven` is started. With `shows` there is a warning of each text with a character that the display cannot
 // show.
 Loaded_panel load_panel(const std::string& file, Cards cards, int columns,
-                        Drivers drivers = Drivers::LOADED,
-                        const Shows_character& shows = nullptr);
+                        Drivers drivers = Drivers::LOADED, const Shows_character& shows = nullptr);
 
 }  // namespace frontpanel
 

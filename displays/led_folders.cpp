@@ -44,8 +44,8 @@ public:
 };
 
 void write_file(const std::string& folder, const char* name, const std::string& text) {
-    const Descriptor file(
-        open((folder + "/" + name).c_str(), O_WRONLY | O_TRUNC | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    const Descriptor file(open((folder + "/" + name).c_str(),
+                               O_WRONLY | O_TRUNC | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     if (!file.is_open() || write(file.number(), text.data(), text.size()) < 0) {
         throw Led_error(name, errno);
     }

@@ -56,9 +56,10 @@ TEST(Inputs, StandBesideTheDisplay) {
     options.inputs = {"/nonexistent/one", "/nonexistent/two"};
     const auto front = whole_front(std::make_unique<Silent_front>(), options, log);
     EXPECT_FALSE(front->next(Time(std::chrono::seconds(1000))));
-    EXPECT_EQ(log.str(),
-              "frontpanel: input /nonexistent/one is unreachable (No such file or directory); retrying\n"
-              "frontpanel: input /nonexistent/two is unreachable (No such file or directory); retrying\n");
+    EXPECT_EQ(
+        log.str(),
+        "frontpanel: input /nonexistent/one is unreachable (No such file or directory); retrying\n"
+        "frontpanel: input /nonexistent/two is unreachable (No such file or directory); retrying\n");
 }
 
 TEST(Inputs, TheLedsOfTheBoardStandBesideTheDisplay) {
@@ -67,8 +68,9 @@ TEST(Inputs, TheLedsOfTheBoardStandBesideTheDisplay) {
     options.leds = {{"alarm", "/nonexistent/led"}};
     const auto front = whole_front(std::make_unique<Silent_front>(), options, log);
     EXPECT_FALSE(front->next(Time(std::chrono::seconds(1000))));
-    EXPECT_EQ(log.str(),
-              "frontpanel: LED /nonexistent/led is unreachable (No such file or directory); retrying\n");
+    EXPECT_EQ(
+        log.str(),
+        "frontpanel: LED /nonexistent/led is unreachable (No such file or directory); retrying\n");
 }
 
 }  // namespace

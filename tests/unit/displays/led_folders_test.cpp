@@ -115,8 +115,8 @@ TEST_F(Led_folders_test, AnLedThatVanishesAndComesBackIsSetAgain) {
     log.str("");
     fs::remove_all(folder.file("alarm"));
     show(false, false, false);
-    EXPECT_EQ(log.str(),
-              place("alarm") + "is unreachable (brightness: No such file or directory); retrying\n");
+    EXPECT_EQ(log.str(), place("alarm") +
+                             "is unreachable (brightness: No such file or directory); retrying\n");
     show(false, true, false);
     add("alarm");
     now = leds->due();
@@ -142,7 +142,8 @@ TEST_F(Led_folders_test, ARefusedWriteIsReported) {
     fs::create_directory(path + "/brightness");
     open("alarm=" + path);
     show(false, true, false);
-    EXPECT_EQ(log.str(), place("alarm") + "is unreachable (brightness: Is a directory); retrying\n");
+    EXPECT_EQ(log.str(),
+              place("alarm") + "is unreachable (brightness: Is a directory); retrying\n");
     EXPECT_EQ(leds->due(), now + Retry::FIRST_PAUSE);
 }
 
