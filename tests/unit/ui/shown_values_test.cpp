@@ -50,7 +50,7 @@ TEST_P(Shown_values, ATextInUtf8TakesAColumnForEachCharacter) {
         menu_text(
             PARAMETERS,
             R"({"type": "range", "name": "Ger\u00e4t", "parameter": "b", "format": "%d k\u03a9"},
-            {"type": "enum", "name": "\u00dc", "parameter": "key", "choices": ["a", "b", "\u00b0C"]})"),
+            {"type": "enum", "name": "\u00dc", "parameter": "key", "choices": ["a", "b", "\u00b0C", "d"]})"),
         GetParam());
     const auto size = static_cast<size_t>(GetParam().columns);
     const auto row = [&](int first) { return GetParam().rows >= 3 ? first + 1 : first; };
