@@ -1,5 +1,7 @@
 #include "inputs.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -12,20 +14,49 @@
 
 namespace frontpanel {
 
+namespace {
+
+// Names of the kernel, whatever a display calls its keys.
+bool is_event_name(const std::string& name) {
+    constexpr const char* PREFIXES[] = {"KEY_", "BTN_", "REL_", "ABS_"};
+    return std::any_of(std::begin(PREFIXES), std::end(PREFIXES),
+                       [&name](const char* prefix) { return name.rfind(prefix, 0) == 0; });
+}
+
+#ifdef FRONTPANEL_INPUTS
+
+std::vector<std::unique_ptr<Input>> inputs_of(const Options& options, std::ostream& log) {
+    const Event_key_map keys = options.input_keys.empty() ? usual_event_keys() : options.input_keys;
+    std::vector<std::unique_ptr<Input>> inputs;
+    for (const std::string& device : options.inputs) {
+        inputs.push_back(std::make_unique<Evdev_input>(device, keys, log));
+    }
+    return inputs;
+}
+
+#else
+
+void check_event_names(const Key_map&) {}
+
+std::vector<std::unique_ptr<Input>> inputs_of(const Options& options, std::ostream&) {
+    if (!options.inputs.empty()) {
+        throw Input_error("--input: this build has no inputs");
+    }
+    return {};
+}
+
+#endif
+
+}  // namespace
+
 std::string parse_input(const std::string& text) {
     constexpr const char* PREFIX = "evdev:";
     std::string place = text.substr(text.find(':') + 1);
     if (text.rfind(PREFIX, 0) != 0 || place.empty()) {
         throw Input_error("expected evdev:PATH or evdev:NAME, found \"" + text + "\"");
     }
-#ifndef FRONTPANEL_INPUTS
-    throw Input_error("this build has no inputs");
-#else
     return place;
-#endif
 }
-
-#ifdef FRONTPANEL_INPUTS
 
 void split_keys(const Key_map& keys, Key_map& of_display, Key_map& of_inputs) {
     Key_map others;
@@ -37,36 +68,6 @@ void split_keys(const Key_map& keys, Key_map& of_display, Key_map& of_inputs) {
     of_inputs = std::move(named);
     of_display = others.empty() ? usual_keys() : std::move(others);
 }
-
-namespace {
-
-std::vector<std::unique_ptr<Input>> inputs_of(const Options& options, std::ostream& log) {
-    const Event_key_map keys = options.input_keys.empty() ? usual_event_keys() : options.input_keys;
-    std::vector<std::unique_ptr<Input>> inputs;
-    for (const std::string& device : options.inputs) {
-        inputs.push_back(std::make_unique<Evdev_input>(device, keys, log));
-    }
-    return inputs;
-}
-
-}  // namespace
-
-#else
-
-void split_keys(const Key_map& keys, Key_map& of_display, Key_map& of_inputs) {
-    of_display = keys;
-    of_inputs.clear();
-}
-
-namespace {
-
-std::vector<std::unique_ptr<Input>> inputs_of(const Options&, std::ostream&) {
-    return {};
-}
-
-}  // namespace
-
-#endif
 
 std::unique_ptr<Front> whole_front(std::unique_ptr<Front> display, const Options& options,
                                    std::ostream& log) {

@@ -11,7 +11,7 @@
 
 namespace frontpanel {
 
-// The path or the name behind "evdev:". Input_error for any other text, and in a build without inputs.
+// The path or the name behind "evdev:". Input_error for any other text.
 std::string parse_input(const std::string& text);
 
 // Gives each part the keys with names of its own: input devices those of the kernel, such as "KEY_ENTER", and the
@@ -19,7 +19,7 @@ std::string parse_input(const std::string& text);
 // Input_error when the kernel has no key of a name.
 void split_keys(const Key_map& keys, Key_map& of_display, Key_map& of_inputs);
 
-// The display with the inputs and the LEDs of the options. Status messages go to `log`, which outlives the front.
+// The display with the inputs and the LEDs of the options. Input_error for an input in a build without them. Status messages go to `log`, which outlives the front.
 std::unique_ptr<Front> whole_front(std::unique_ptr<Front> display, const Options& options,
                                    std::ostream& log);
 

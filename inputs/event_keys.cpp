@@ -72,12 +72,6 @@ Event_key_map usual_event_keys() {
     return keys;
 }
 
-bool is_event_name(const std::string& name) {
-    constexpr const char* PREFIXES[] = {"KEY_", "BTN_", "REL_", "ABS_"};
-    return std::any_of(std::begin(PREFIXES), std::end(PREFIXES),
-                       [&name](const char* prefix) { return name.rfind(prefix, 0) == 0; });
-}
-
 void check_event_names(const Event_key_map& keys) {
     for (const auto& [name, key] : keys) {
         const int type = type_of(name);

@@ -19,8 +19,6 @@ using Event_key_map = std::map<std::string, Key>;
 // The arrow keys, Enter and Escape, function keys and digits for shortcuts, and what knobs send.
 Event_key_map usual_event_keys();
 
-// Whether a name in a key map is meant for an input device: it begins with KEY_, BTN_, REL_ or ABS_.
-bool is_event_name(const std::string& name);
 // Input_error when the kernel has no key or axis of a name in the map, or an axis is mapped to anything but UP or DOWN.
 void check_event_names(const Event_key_map& keys);
 

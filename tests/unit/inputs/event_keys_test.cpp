@@ -91,12 +91,7 @@ TEST_F(Event_keys_test, AMapTakesThePlaceOfTheUsualKeysAndReversesAxes) {
 }
 
 TEST_F(Event_keys_test, NamesAreThoseOfTheKernel) {
-    for (const auto& [name, key] : usual_event_keys()) {
-        EXPECT_TRUE(is_event_name(name)) << name;
-    }
     EXPECT_NO_THROW(check_event_names(usual_event_keys()));
-    EXPECT_FALSE(is_event_name("Enter"));
-    EXPECT_FALSE(is_event_name("EV_KEY"));
     const auto error_of = [](const std::string& name, Key::Kind kind) -> std::string {
         try {
             check_event_names({{name, {kind}}});
