@@ -101,7 +101,7 @@ Driver_result Modbus_driver::read(const std::vector<std::size_t>& numbers, Value
         requests.pop_front();
         const std::size_t waiting = requests.size();
         if (!passes_resting(request, sink)) {
-            const Driver_result result = read_one(request, requests, sink);
+            Driver_result result = read_one(request, requests, sink);
             if (result.kind == Driver_result::AWAY) {
                 return result;
             }
@@ -127,7 +127,7 @@ Driver_result Modbus_driver::read_one(const Register_request& request, Requests&
                                       Value_sink& sink) {
     const int unit = request.range.unit;
     Words words;
-    const Modbus_line::Answer answer =
+    Modbus_line::Answer answer =
         m_line.read(request.range, words, m_resting.is_alive(unit) ? m_settings.retries : 0);
     note(unit, answer);
     if (answer.kind == Driver_result::DONE) {
@@ -186,7 +186,7 @@ Driver_result Modbus_driver::write(std::size_t number, const Parameter_value& va
     }
     Words words(static_cast<std::size_t>(place.range.count), 0);
     if (place.is_part()) {
-        const Driver_result result = read_part(place.range, words);
+        Driver_result result = read_part(place.range, words);
         if (result.kind != Driver_result::DONE) {
             return result;
         }

@@ -31,7 +31,7 @@ constexpr std::array<const char*, 4> SERIAL_MEMBERS{"device", "baud", "parity", 
 constexpr std::array<const char*, 2> TCP_MEMBERS{"host", "port"};
 
 std::string host_of(const Json_value& value) {
-    const std::string text = value.text();
+    std::string text = value.text();
     in6_addr address{};
     if (inet_pton(AF_INET, text.c_str(), &address) != 1 &&
         inet_pton(AF_INET6, text.c_str(), &address) != 1) {

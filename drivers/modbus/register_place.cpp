@@ -1,5 +1,6 @@
 #include "register_place.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -63,10 +64,9 @@ Type type_of(const Json_value& source) {
     if (!value) {
         return TYPES.front();
     }
-    std::vector<const char*> names;
-    for (const Type& type : TYPES) {
-        names.push_back(type.name);
-    }
+    std::vector<const char*> names(TYPES.size());
+    std::transform(TYPES.begin(), TYPES.end(), names.begin(),
+                   [](const Type& type) { return type.name; });
     return TYPES[value->choice(names)];
 }
 
@@ -136,10 +136,9 @@ std::int64_t Register_place::highest() const {
 }
 
 std::vector<const char*> register_members() {
-    std::vector<const char*> names;
-    for (const Table& table : TABLES) {
-        names.push_back(table.member);
-    }
+    std::vector<const char*> names(TABLES.size());
+    std::transform(TABLES.begin(), TABLES.end(), names.begin(),
+                   [](const Table& table) { return table.member; });
     names.insert(names.end(), REGISTER_MEMBERS.begin(), REGISTER_MEMBERS.end());
     names.push_back("unit");
     return names;
