@@ -30,7 +30,7 @@ private:
     void open(Time now);
     void read();
     void take(const Event_device::Signal& signal);
-    void lose(const std::string& reason, Time now);
+    void lose(std::string reason, Time now);
     void say(const std::string& text);
     void report_use();
 
@@ -110,12 +110,13 @@ void Evdev_input::Reader::take(const Event_device::Signal& signal) {
     }
 }
 
-void Evdev_input::Reader::lose(const std::string& reason, Time now) {
+// The reason may be the device's own.
+void Evdev_input::Reader::lose(std::string reason, Time now) {
     m_device.reset();
     const bool is_news = m_retry.lose(now);
     m_next_try = std::min(m_retry.next_try(), now + LONGEST_PAUSE);
     if (is_news) {
-        say("is unreachable (" + reason + "); retrying");
+        say("is unreachable (" + std::move(reason) + "); retrying");
     }
 }
 
