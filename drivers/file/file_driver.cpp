@@ -50,7 +50,7 @@ struct Spot {
 };
 
 std::string path_of(const Json_value& value, const std::string& folder) {
-    const std::string path = value.text().empty() ? "" : joined(folder, value.text());
+    std::string path = value.text().empty() ? "" : joined(folder, value.text());
     if (const std::string mistake = Path_pattern::mistake_in(path); !mistake.empty()) {
         value.fail(mistake);
     }

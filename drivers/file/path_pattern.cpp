@@ -37,6 +37,10 @@ std::string joined(const std::vector<std::string>& parts, std::size_t count) {
     return path;
 }
 
+std::string below(std::string folder, const std::string& name) {
+    return folder.append("/").append(name);
+}
+
 std::string trimmed(const std::string& text) {
     const std::size_t end = text.find_last_not_of(" \t\r\n");
     return text.substr(0, end == std::string::npos ? 0 : end + 1);
@@ -124,11 +128,11 @@ std::vector<std::string> Path_pattern::expand() const {
         std::vector<std::string> longer;
         for (const std::string& path : paths) {
             if (m_parts[i].find('*') == std::string::npos) {
-                longer.push_back(path + "/" + m_parts[i]);
+                longer.push_back(below(path, m_parts[i]));
                 continue;
             }
             for (const std::string& name : names_like(path + "/", m_parts[i])) {
-                longer.push_back(path + "/" + name);
+                longer.push_back(below(path, name));
             }
         }
         longer.resize(std::min(longer.size(), MOST_FOUND));
