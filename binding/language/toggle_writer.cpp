@@ -61,8 +61,15 @@ std::string enclosed(const Piece& piece, Level least) {
     return piece.level < least ? "(" + piece.text + ")" : piece.text;
 }
 
-std::string either(const std::string& left, const std::string& right) {
-    return left.empty() || right.empty() ? left + right : left + "||" + right;
+// Of a piece that is not needed any longer: a long chain grows in place.
+std::string take_enclosed(Piece& piece, Level least) {
+    return piece.level < least ? enclosed(piece, least) : std::move(piece.text);
+}
+
+std::string either(std::string left, const std::string& right) {
+    left += left.empty() || right.empty() ? "" : "||";
+    left += right;
+    return left;
 }
 
 // Of a fault, which may be a chain of "||".
@@ -71,10 +78,11 @@ std::string only_if(const std::string& condition, const std::string& fault) {
 }
 
 // Signs on both sides bind to the left.
-Piece joined(const Piece& left, const Binary& with, const Piece& right) {
-    return {enclosed(left, with.level) + with.sign +
-                enclosed(right, static_cast<Level>(with.level + 1)),
-            with.level, either(left.fault, right.fault)};
+Piece joined(Piece left, const Binary& with, const Piece& right) {
+    std::string text = take_enclosed(left, with.level);
+    text += with.sign;
+    text += enclosed(right, static_cast<Level>(with.level + 1));
+    return {std::move(text), with.level, either(std::move(left.fault), right.fault)};
 }
 
 bool is_number(const std::string& text) {
@@ -148,7 +156,7 @@ private:
         const int argument = argument_at(i);
         if (const auto binary = binary_of(operation)) {
             const Piece right = pop();
-            m_stack.back() = joined(m_stack.back(), *binary, right);
+            m_stack.back() = joined(std::move(m_stack.back()), *binary, right);
             check_size();
             return i + 1;
         }
@@ -197,10 +205,10 @@ private:
                 replace({"-" + enclosed(m_stack.back(), SIGN), SIGN, m_stack.back().fault});
                 break;
             case Operation::NOT:
-                replace(joined(m_stack.back(), {"==", EQUALITY}, {"0"}));
+                replace(joined(std::move(m_stack.back()), {"==", EQUALITY}, {"0"}));
                 break;
             case Operation::TRUTH:
-                replace(joined(m_stack.back(), {"!=", EQUALITY}, {"0"}));
+                replace(joined(std::move(m_stack.back()), {"!=", EQUALITY}, {"0"}));
                 break;
             case Operation::ABSOLUTE:
                 replace({"fabs(" + m_stack.back().text + ")", PRIMARY, m_stack.back().fault});
@@ -230,14 +238,15 @@ private:
     void logic(bool is_and, int begin, int end) {
         Piece left = pop();
         const Piece right = run(begin, end);
-        std::string fault = left.fault;
+        std::string fault = std::move(left.fault);
         if (!right.fault.empty()) {
             const std::string name = name_of(left);
-            fault = either(fault, only_if(name + (is_and ? "!=0" : "==0"), right.fault));
+            fault = either(std::move(fault), only_if(name + (is_and ? "!=0" : "==0"), right.fault));
         }
-        push({enclosed(left, is_and ? BOTH : EITHER) + (is_and ? "&&" : "||") +
-                  enclosed(right, is_and ? EQUALITY : BOTH),
-              is_and ? BOTH : EITHER, fault});
+        std::string text = take_enclosed(left, is_and ? BOTH : EITHER);
+        text += is_and ? "&&" : "||";
+        text += enclosed(right, is_and ? EQUALITY : BOTH);
+        push({std::move(text), is_and ? BOTH : EITHER, std::move(fault)});
         check_size();
     }
 

@@ -256,6 +256,14 @@ std::vector<Shape> large_shapes() {
         {"rules on too many items",
          [] { return menu_of(ranges(R"(, "binding": "visible if [g] == 1")", 50000)); },
          "grow beyond 500000 steps here"},
+        {"long toggles in copies",
+         [] {
+             return menu_of(RANGE + std::string(R"(, "id": "z"})"), "",
+                            R"(, "homescreen": [{"target": "z", "toggle": ")" +
+                                repeated("[g]==1||", 1990) +
+                                R"(0", "repeat": {"counter": "n", "from": 1, "to": 100}}])");
+         },
+         ""},
         {"slot lists",
          [] { return menu_of(filled(R"({"type": "slot", "name": "S", "pid": 101})", 40000)); },
          "grow beyond 500000 steps here"},
