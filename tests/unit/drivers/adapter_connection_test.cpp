@@ -82,6 +82,14 @@ TEST_F(Adapter_connection_test, ALineWithoutAnEndClosesIt) {
     EXPECT_EQ(next_line(), "(none) a line is longer than 4096 bytes");
 }
 
+TEST_F(Adapter_connection_test, TheAdapterLearnsWhyItIsEnded) {
+    m_connection.fail("no \x1b JSON");
+    EXPECT_EQ(m_connection.fault(), "no \x1b JSON");
+    EXPECT_FALSE(m_connection.is_open());
+    const std::string line = R"({"type":"error","message":"no ? JSON"})";
+    EXPECT_EQ(m_server.lines_to(line), std::vector<std::string>{line});
+}
+
 TEST_F(Adapter_connection_test, ItCanBeOpenedAgain) {
     m_connection.send("never sent");
     m_connection.close("enough");

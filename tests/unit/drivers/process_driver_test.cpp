@@ -537,20 +537,6 @@ TEST_F(Process_driver_test, AnAdapterThatEndsWithoutAGreetingIsAwayWithItsLastWo
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "room: first\nroom: no ?[2J bus\n");
 }
 
-TEST_F(Process_driver_test, TheAdapterLearnsWhyItsConnectionIsEnded) {
-    start(R"(
-signal.signal(signal.SIGTERM, signal.SIG_IGN)
-greet()
-hear()
-print("oops", flush=True)
-said = hear()
-open("said.new", "w").write(said["type"] + ": " + said["message"])
-os.rename("said.new", "said")
-)");
-    m_driver->read();
-    EXPECT_EQ(content("said"), "error: expected a JSON object, found \"oops\"");
-}
-
 // ---- the child
 
 TEST_F(Process_driver_test, AnAdapterThatCannotBeStartedIsAway) {
