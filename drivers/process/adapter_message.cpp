@@ -1,6 +1,5 @@
 #include "adapter_message.h"
 
-#include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 #include <rapidjson/stream.h>
 #include <rapidjson/stringbuffer.h>
