@@ -206,6 +206,24 @@ void check_rule(const Load_context& context, const Rule_source& source, const Ru
     }
 }
 
+// A reading beyond a limit is shown, and written, as the limit, though nobody can change it.
+void warn_of_limited_reading(const Rule_source& source, const std::vector<Rule_note>& notes,
+                             const Data_entry& entry, Problems& problems) {
+    const auto of_kind = [&notes](Suggestion_kind kind) {
+        return std::find_if(notes.begin(), notes.end(),
+                            [kind](const Rule_note& note) { return note.kind == kind; });
+    };
+    const auto range = of_kind(SUGGESTION_RANGE);
+    if (entry.Get_orig_access_type() != Data_entry::READ_ONLY || range == notes.end() ||
+        of_kind(SUGGESTION_ACCESS) != notes.end()) {
+        return;
+    }
+    warn_in(
+        source, range->offset,
+        "the item is only shown, but a value beyond the range would be written, and shown, as its end",
+        problems);
+}
+
 // Where the rules stand, for what is reported of them while the menu is used: the document is gone by then.
 Rule_places places_of(Load_context& context, const Rule_source& source,
                       const std::vector<size_t>& offsets) {
@@ -267,6 +285,7 @@ void bind(Load_context& context, const Json_value& item, Data_entry& entry,
         for (const Named_parameter& parameter : compiled.parameters) {
             context.problems.attempt([&] { check_rule_parameter(context, source, parameter); });
         }
+        warn_of_limited_reading(source, compiled.notes, entry, context.problems);
         for (const Rule_note& note : compiled.notes) {
             if (note.kind == SUGGESTION_VISIBILITY) {
                 context.built.conditional.insert(&entry);

@@ -71,10 +71,23 @@ std::vector<range_s> ranges_of(Load_context& context, const Json_value& list, in
     return ranges;
 }
 
+// Whether a person can never change the item. One with a rule of access is judged like one that can be changed.
+bool is_only_shown(const Json_value& item, Data_entry::Data_access access) {
+    const std::optional<Json_value> rules = item.find(member::BINDING);
+    return access == Data_entry::READ_ONLY &&
+           (!rules || rules->text_with_lines().find("access") == std::string::npos);
+}
+
+void warn_of_ignored(const Json_value& item, const char* name) {
+    if (const auto written = item.find(name)) {
+        written->warn("ignored: the item is only shown, and shows every value of the device");
+    }
+}
+
 // Without allowed ranges of its own an entry allows what lies between its bounds. It must always have some:
 // the first suggestion of a binding would leave it none.
-void set_ranges(Load_context& context, const Json_value& item, Range_entry& entry, Bounds bounds) {
-    const std::optional<Json_value> list = item.find(member::RANGES);
+void set_ranges(Load_context& context, const std::optional<Json_value>& list, Range_entry& entry,
+                Bounds bounds) {
     std::vector<range_s> ranges{{bounds.min, bounds.max + 1, {}}};
     if (list) {
         ranges = ranges_of(context, *list, bounds.min, bounds.max);
@@ -85,6 +98,10 @@ void set_ranges(Load_context& context, const Json_value& item, Range_entry& entr
     }
 }
 
+Bounds limits_of(const Parameter& parameter) {
+    return {parameter.min, static_cast<int>(std::min<int64_t>(parameter.max, HIGHEST_IN_RANGE))};
+}
+
 // "min" and "max" of an item, or those of its parameter, which hold what the device takes.
 Bounds bounds_of(Load_context& context, const Json_value& item, const Parameter& parameter) {
     const auto bound = [&](const char* name, int64_t min, int otherwise) {
@@ -92,8 +109,7 @@ Bounds bounds_of(Load_context& context, const Json_value& item, const Parameter&
             [&] { return integer_or(item, name, min, HIGHEST_IN_RANGE, otherwise); }, otherwise);
     };
     const int min = bound(member::MIN, LOWEST, parameter.min);
-    const int max = bound(member::MAX, min,
-                          static_cast<int>(std::min<int64_t>(parameter.max, HIGHEST_IN_RANGE)));
+    const int max = bound(member::MAX, min, limits_of(parameter).max);
     if (min > max) {
         item.fail("no number lies between \"min\" and \"max\"");
     }
@@ -130,9 +146,20 @@ void check_step(Load_context& context, const Json_value& item, const Data_entry&
 void build_range(Load_context& context, const Json_value& item, const Spot& spot) {
     Problems& problems = context.problems;
     const Leaf leaf = leaf_of(context, item, spot, INTEGER);
-    const auto [min, max] = bounds_of(context, item, leaf.parameter.value_or(Parameter{}));
-    check_bound(item, member::MIN, min, leaf.parameter.value_or(Parameter{}));
-    check_bound(item, member::MAX, max, leaf.parameter.value_or(Parameter{}));
+    const Parameter parameter = leaf.parameter.value_or(Parameter{});
+    Bounds bounds = bounds_of(context, item, parameter);
+    check_bound(item, member::MIN, bounds.min, parameter);
+    check_bound(item, member::MAX, bounds.max, parameter);
+    std::optional<Json_value> ranges = item.find(member::RANGES);
+    // A limit of a reading that nobody can change would show, and write, the limit in place of the reading.
+    if (is_only_shown(item, leaf.access)) {
+        bounds = limits_of(parameter);
+        ranges.reset();
+        for (const char* const name : {member::MIN, member::MAX, member::RANGES}) {
+            warn_of_ignored(item, name);
+        }
+    }
+    const auto [min, max] = bounds;
     const int start = problems.value_or(
         [&, low = min, high = max] {
             return integer_or(item, member::DEFAULT, low, high, std::clamp(0, low, high));
@@ -146,11 +173,10 @@ void build_range(Load_context& context, const Json_value& item, const Spot& spot
         leaf.name.c_str(), leaf.description.c_str(), leaf.pid, kept_index(context, leaf, spot), min,
         max, start, format.data(), value_format.data(), spot.parent, leaf.access, leaf.visible,
         true, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
-    const Bounds bounds{min, max};
     check_decimals(item, format, value_format, bounds);
     finish(context, item, range, spot);
     check_step(context, item, range, bounds);
-    problems.attempt([&] { set_ranges(context, item, range, bounds); });
+    problems.attempt([&] { set_ranges(context, ranges, range, bounds); });
     if (item.find(member::BINDING)) {
         context.menu.keep_own_ranges(range);  // before its rules narrow them
     }
