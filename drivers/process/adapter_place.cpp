@@ -96,11 +96,10 @@ bool read_ipv6(const std::string& host, std::uint16_t port, Adapter_place& place
 void read_address(const Json_value& value, Adapter_place& place) {
     const std::string text = value.text();
     const std::size_t colon = text.rfind(':');
-    const std::optional<std::uint16_t> port =
-        colon == std::string::npos ? std::nullopt
-                                   : parse_number<std::uint16_t>(text.substr(colon + 1), 1);
+    const std::string digits = colon == std::string::npos ? "" : text.substr(colon + 1);
+    const std::uint16_t port = parse_number<std::uint16_t>(digits, 1).value_or(0);
     const std::string host = text.substr(0, colon);
-    if (!port || (!read_ipv4(host, *port, place) && !read_ipv6(host, *port, place))) {
+    if (port == 0 || (!read_ipv4(host, port, place) && !read_ipv6(host, port, place))) {
         value.fail(
             "expected an address on this machine with a port, such as \"localhost:7400\", "
             "\"127.0.0.1:7400\" or \"[::1]:7400\", found \"" +
