@@ -1,10 +1,11 @@
 #include "reports/entry_report.h"
 
 #include <array>
-#include <cstdio>
 #include <numeric>
+#include <string_view>
 #include <vector>
 
+#include <frontpanel_base/numbers.h>
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/entry_kind.h>
 #include "file/option_names.h"
@@ -12,8 +13,9 @@
 namespace frontpanel {
 namespace {
 
-std::string joined(const std::string& list, const std::string& element) {
-    return list.empty() ? element : list + ", " + element;
+void append(std::string& list, const std::string& element) {
+    list += list.empty() ? "" : ", ";
+    list += element;
 }
 
 // The library's report of the entry lists its ranges: "range={  [0, 80] [120, 240] }".
@@ -23,11 +25,17 @@ std::string ranges_of(Data_entry& entry) {
     std::string text;
     size_t at = report.rfind("range={");
     while (at != std::string::npos && (at = report.find('[', at)) != std::string::npos) {
-        int low = 0;
-        int high = 0;
-        if (std::sscanf(report.c_str() + at++, "[%d, %d]", &low, &high) == 2) {
-            text = joined(text,
-                          std::to_string(low) + (low == high ? "" : ".." + std::to_string(high)));
+        const size_t comma = report.find(", ", ++at);
+        const size_t end = report.find(']', at);
+        if (end == std::string::npos || comma > end) {
+            continue;
+        }
+        const std::string_view ends(report);
+        const auto low = parse_number<int>(ends.substr(at, comma - at));
+        const auto high = parse_number<int>(ends.substr(comma + 2, end - comma - 2));
+        if (low && high) {
+            append(text,
+                   std::to_string(*low) + (*low == *high ? "" : ".." + std::to_string(*high)));
         }
     }
     return text;
@@ -58,7 +66,7 @@ std::string choices_of(Enum_entry& entry) {
         if (!option.empty()) {
             choice.append(" (").append(option).append(")");
         }
-        text = joined(text, choice);
+        append(text, choice);
     }
     return text;
 }
@@ -125,7 +133,7 @@ std::string hidden_because(Menu& menu, Data_entry& entry) {
     const std::vector<std::string> options = entry.Get_options();
     std::string names;
     for (const std::string& option : options) {
-        names = joined(names, Option_names::file_name(option));
+        append(names, Option_names::file_name(option));
     }
     if (is_menu(entry) && names.empty()) {
         return "none of its items is shown";

@@ -13,6 +13,7 @@
 #include <functional>
 
 #include <frontpanel_menu/menu_document.h>
+#include <frontpanel_menu/menu_dump.h>
 #include "support/allocation_counter.h"
 #include "support/folder.h"
 #include "support/panel_fixture.h"
@@ -384,6 +385,19 @@ TEST(MenuGrowth, FilesThatIncludeEachOtherManyTimesAreRefusedSoon) {
         SCOPED_TRACE(file);
         expect_little(outcome);
     }
+}
+
+TEST(MenuGrowth, AReportOfALongListOfRangesCopiesItOnce) {
+    const std::string item =
+        RANGE + (R"(, "ranges": [)" +
+                 repeated(R"({"min": 1, "max": 1},{"min": 3, "max": 4})", 10000, ",") + "]}");
+    const Outcome outcome = outcome_of([&] {
+        const Simulated_menu loaded = simulated_text(menu_of(item));
+        return dump_of(*loaded.menu);
+    });
+    EXPECT_NE(outcome.error.find("allowed 1, 3..4, 1, 3..4"), std::string::npos)
+        << outcome.error.substr(0, 1000);
+    expect_little(outcome);
 }
 
 }  // namespace
