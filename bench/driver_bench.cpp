@@ -116,8 +116,8 @@ std::string menu_of(std::uint32_t count) {
         const std::string number = std::to_string(pid);
         parameters += comma + R"({"pid": )" + number +
                       R"(, "type": "integer", "min": 0, "max": 100, "source": {}})";
-        items += comma + R"({"type": "range", "name": "Gain )" + number + R"(", "pid": )" + number +
-                 "}";
+        items +=
+            comma + R"({"type": "range", "name": "Gain )" + number + R"(", "pid": )" + number + "}";
     }
     return R"({"device": {"parameters": [)" + parameters +
            R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}}";

@@ -36,13 +36,23 @@ void support::fail_allocation(std::size_t number) {
     g_failing = number == 0 ? 0 : g_allocations + number;
 }
 
-void* operator new(std::size_t size) {
+// Null when there is no memory, or this is the call that fails.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     if (++g_allocations == g_failing) {
-        throw std::bad_alloc();
+        return nullptr;
     }
     g_bytes += size;
-    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+    void* const memory = std::malloc(size == 0 ? 1 : size);
+    if (memory != nullptr) {
         g_live += malloc_usable_size(memory);
+    }
+    return memory;
+}
+void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept {
+    return operator new(size, nothrow);
+}
+void* operator new(std::size_t size) {
+    if (void* const memory = operator new(size, std::nothrow)) {
         return memory;
     }
     throw std::bad_alloc();
