@@ -17,7 +17,7 @@ namespace {
 constexpr char NO_COMMENT = '\x01';
 
 bool is_control(char byte) {
-    return (byte >= '\0' && byte < ' ' && byte != '\t') || byte == '\x7F';
+    return (static_cast<unsigned char>(byte) < ' ' && byte != '\t') || byte == '\x7F';
 }
 
 bool is_quote(char byte) {
