@@ -41,19 +41,19 @@ void start_drivers(const Loaded_panel& loaded, First_values first_values) {
 }
 
 void follow_drivers(Panel_options& options, const Loaded_panel& loaded, Output_log& log,
-                    Panel* const& panel, Pace pace) {
+                    const Shown_panel& shown, Pace pace) {
     if (loaded.driven == nullptr) {
         return;
     }
     Device_cache& cache = loaded.driven->cache();
     options.device_descriptor = cache.descriptor();
-    options.before_tick = [&cache, &log, &panel, pace] {
+    options.before_tick = [&cache, &log, &shown, pace] {
         if (pace == Pace::OF_A_SCRIPT) {
             (void)cache.flush(WRITE_OF_A_SCRIPT);
         }
         cache.take_changes();
         for (const Driver_event& event : cache.take_events()) {
-            tell(event, log, panel);
+            tell(event, log, shown.panel);
         }
     };
 }

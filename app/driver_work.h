@@ -16,12 +16,17 @@ namespace frontpanel {
 enum class First_values { AWAITED, NOT_AWAITED };
 void start_drivers(const Loaded_panel& loaded, First_values first_values);
 
-// Sets what a panel needs to follow its drivers: it ticks when something changes, and shows what happens at them. `panel`
-// is the panel that is made with the options, as soon as there is one; it and the log outlive the options. In a script
+// The panel that is made with the options, as soon as there is one.
+struct Shown_panel {
+    Panel* panel = nullptr;
+};
+
+// Sets what a panel needs to follow its drivers: it ticks when something changes, and shows what happens at them. `shown`
+// and the log outlive the options. In a script
 // each tick waits for what was written before.
 enum class Pace { OF_A_PERSON, OF_A_SCRIPT };
 void follow_drivers(Panel_options& options, const Loaded_panel& loaded, Output_log& log,
-                    Panel* const& panel, Pace pace);
+                    const Shown_panel& shown, Pace pace);
 
 // Waits for what was written, `most` at the longest, and reports what did not get out. The exit status: `status`, or
 // EXIT_DIFFERENCE in place of success.

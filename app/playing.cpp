@@ -57,10 +57,10 @@ std::string script_of(const Options& options) {
 
 // Each step of a script's encoder is one, however fast the script is played.
 Panel_options options_for_script(const Options& options, const Loaded_panel& loaded,
-                                 Output_log& log, Panel* const& panel) {
+                                 Output_log& log, const Shown_panel& shown) {
     Panel_options of_script = panel_options_of(options, *loaded.menu, log);
     of_script.encoder->acceleration = false;
-    follow_drivers(of_script, loaded, log, panel, Pace::OF_A_SCRIPT);
+    follow_drivers(of_script, loaded, log, shown, Pace::OF_A_SCRIPT);
     return of_script;
 }
 
@@ -77,9 +77,9 @@ Script script_to_play(const Options& options) {
 
 int play(const Options& options, const Display_row& display, const Script& script,
          const Loaded_panel& loaded, Output_log& log) {
-    Panel* shown = nullptr;
+    Shown_panel shown;
     Panel panel(*loaded.menu, options_for_script(options, loaded, log, shown));
-    shown = &panel;
+    shown.panel = &panel;
     if (!options.screenshot.empty()) {
         return take_picture(options, script, panel, loaded);
     }
@@ -98,9 +98,9 @@ int play_unseen(const Options& options, const Loaded_panel& loaded, Script_devic
     std::ostringstream unseen;
     const Display_setup setup{"",     options.size, options.keys, log.out_descriptor(),
                               unseen, std::cerr};
-    Panel* shown = nullptr;
+    Shown_panel shown;
     Panel panel(*loaded.menu, options_for_script(options, loaded, log, shown));
-    shown = &panel;
+    shown.panel = &panel;
     return play_on(script, panel, played, *default_display(false).open_display(setup), unseen);
 }
 

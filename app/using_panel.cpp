@@ -144,11 +144,11 @@ Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& l
 // A terminal that shows the panel has no room for what is said to standard error meanwhile.
 int use_panel(const Options& options, const Display_row& display, const Loaded_panel& loaded,
               Output_log& log, const End_watch& end) {
-    Panel* shown = nullptr;
+    Shown_panel shown;
     Panel_options panel_options = options_for_person(options, display, loaded, log);
     follow_drivers(panel_options, loaded, log, shown, Pace::OF_A_PERSON);
     Panel panel(*loaded.menu, std::move(panel_options));
-    shown = &panel;
+    shown.panel = &panel;
     if (display.takes_terminal) {
         log.take_errors();
     }

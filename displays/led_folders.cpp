@@ -96,7 +96,9 @@ Led_map parse_led_map(const std::string& text) {
         if (find_led(name) == nullptr || folder.empty()) {
             throw Input_error("expected edit, alarm or alive=FOLDER, found \"" + assignment + "\"");
         }
-        folder = folder.find('/') == std::string::npos ? CLASS + folder : folder;
+        if (folder.find('/') == std::string::npos) {
+            folder.insert(0, CLASS);
+        }
         if (std::any_of(leds.begin(), leds.end(),
                         [&folder](const auto& led) { return led.second == folder; })) {
             throw Input_error("duplicate folder \"" + folder + "\"");

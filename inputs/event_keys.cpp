@@ -79,7 +79,11 @@ void check_event_names(const Event_key_map& keys) {
             throw Input_error("unknown key or axis \"" + name + "\" of an input device");
         }
         if (is_axis(type) && key.kind != Key::UP && key.kind != Key::DOWN) {
-            throw Input_error("expected " + name + "=up or " + name + "=down");
+            throw Input_error(std::string("expected ")
+                                  .append(name)
+                                  .append("=up or ")
+                                  .append(name)
+                                  .append("=down"));
         }
     }
 }

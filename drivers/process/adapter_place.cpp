@@ -36,7 +36,7 @@ std::string found_in_path(const std::string& name) {
     const std::string folders = variable == nullptr ? "/usr/local/bin:/usr/bin:/bin" : variable;
     for (std::size_t start = 0; start <= folders.size();) {
         const std::size_t end = std::min(folders.find(':', start), folders.size());
-        const std::string file = folders.substr(start, end - start) + "/" + name;
+        std::string file = folders.substr(start, end - start) + "/" + name;
         if (folders[start] == '/' && is_program(file)) {
             return file;
         }

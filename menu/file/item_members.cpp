@@ -31,7 +31,7 @@ std::string shown_name(const std::string& name) {
 
 std::string name_of(const Json_value& item) {
     const Json_value name = item.member(member::NAME);
-    const std::string text = name.shown_text();
+    std::string text = name.shown_text();
     const std::string shown = shown_name(text);
     if (shown.empty() || shown.size() > LONGEST_NAME) {
         name.fail("expected a name of 1 to 24 characters before any ':', found " +

@@ -32,12 +32,12 @@ TEST_F(Driver_work_test, ARefusedWriteIsShownAndLogged) {
         Output_log log(options.log);
         const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20);
         start_drivers(loaded, First_values::AWAITED);
-        Panel* shown = nullptr;
+        Shown_panel shown;
         Panel_options panel_options;
         panel_options.size = {20, 2};
         follow_drivers(panel_options, loaded, log, shown, Pace::OF_A_SCRIPT);
         Panel panel(*loaded.menu, std::move(panel_options));
-        shown = &panel;
+        shown.panel = &panel;
         for (const Key::Kind key : {Key::SELECT, Key::UP, Key::SELECT}) {
             panel.press({key});
         }
@@ -83,7 +83,7 @@ TEST_F(Driver_work_test, APanelWithoutDriversIsLeftAlone) {
         Output_log log(options.log);
         const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20);
         start_drivers(loaded, First_values::AWAITED);
-        Panel* shown = nullptr;
+        Shown_panel shown;
         Panel_options panel_options;
         follow_drivers(panel_options, loaded, log, shown, Pace::OF_A_PERSON);
         EXPECT_EQ(panel_options.device_descriptor, -1);
