@@ -1,6 +1,6 @@
 // The base entry: construction, tree links, display, and the plain queries and setters.
-// The child list stands in child_list.cpp, bindings in entry_binding.cpp, visibility in visibility.cpp,
-// options in product_options.cpp, the dispatcher in dispatcher.cpp and the traversal in traversal.cpp.
+// See child_list.cpp for the child list, entry_binding.cpp for bindings, visibility.cpp for visibility,
+// product_options.cpp for options, dispatcher.cpp for the dispatcher and traversal.cpp for the traversal.
 #include <frontpanel_data/entry.h>
 
 #include <algorithm>

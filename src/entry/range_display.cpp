@@ -49,7 +49,7 @@ bool starts_with(const char* text, const char* start) {
     return std::strncmp(text, start, std::strlen(start)) == 0;
 }
 
-// Menu files rely on "%d" and "%02x" counting wherever they stand in the whole format, and also behind a "%".
+// Menu files rely on this: "%d" and "%02x" count anywhere in the whole format, even directly behind a "%".
 Argument argument_of(const std::string& display_format, const char* format) {
     Argument argument = Argument::REAL;
     const char* const start = display_format.c_str();
