@@ -63,6 +63,7 @@ public:
         return m_line.open();
     }
     void disconnect() override { m_line.close(); }
+    void stop() override { m_line.stop(); }
 
     Driver_result read(const std::vector<std::size_t>& numbers, Value_sink& sink) override;
     Driver_result write(std::size_t number, const Parameter_value& value) override;

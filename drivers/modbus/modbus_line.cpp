@@ -4,6 +4,7 @@
 #include <modbus.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -11,13 +12,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <optional>
 #include <system_error>
 #include <utility>
 #include <vector>
-
-#include <frontpanel_base/descriptor.h>
 
 namespace frontpanel {
 namespace {
@@ -30,6 +30,7 @@ constexpr milliseconds BUSY_PAUSE(50);
 constexpr int DATA_BITS = 8;
 constexpr int CHARACTER_BITS = 11;
 constexpr int MILLISECONDS = 1000;
+constexpr const char* PANEL_ENDS = "the panel ends";
 
 constexpr std::array<const char*, MODBUS_EXCEPTION_MAX> EXCEPTIONS{
     nullptr,
@@ -47,10 +48,6 @@ constexpr std::array<const char*, MODBUS_EXCEPTION_MAX> EXCEPTIONS{
 
 std::string system_text(int error) {
     return std::generic_category().message(error);
-}
-
-void pause(milliseconds time) {
-    poll(nullptr, 0, static_cast<int>(time.count()));
 }
 
 struct Address {
@@ -78,12 +75,15 @@ Address address_of(const std::string& host, std::uint16_t port) {
     return address;
 }
 
-// Waits for a connection that is under way. 0, or the error.
-int connection_error(int socket, milliseconds timeout) {
-    pollfd source{socket, POLLOUT, 0};
-    const int ready = poll(&source, 1, static_cast<int>(timeout.count()));
-    if (ready <= 0) {
-        return ready == 0 ? ETIMEDOUT : errno;
+// Waits for a connection that is under way, or until `stop` is readable. 0, or the error.
+int connection_error(int socket, int stop, milliseconds timeout) {
+    std::array<pollfd, 2> sources{{{socket, POLLOUT, 0}, {stop, POLLIN, 0}}};
+    const int ready = poll(sources.data(), sources.size(), static_cast<int>(timeout.count()));
+    if (ready < 0) {
+        return errno;
+    }
+    if (sources[0].revents == 0) {
+        return ready == 0 ? ETIMEDOUT : ECANCELED;
     }
     int error = 0;
     socklen_t size = sizeof error;
@@ -91,7 +91,7 @@ int connection_error(int socket, milliseconds timeout) {
 }
 
 // A connected socket, or `error`.
-Descriptor connected_socket(const Modbus_settings& settings, int& error) {
+Descriptor connected_socket(const Modbus_settings& settings, int stop, int& error) {
     const Address address = address_of(settings.host, settings.port);
     Descriptor socket(
         ::socket(address.storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
@@ -104,7 +104,8 @@ Descriptor connected_socket(const Modbus_settings& settings, int& error) {
     const auto* const where = reinterpret_cast<const sockaddr*>(&address.storage);
     error = 0;
     if (::connect(socket.number(), where, address.size) != 0) {
-        error = errno == EINPROGRESS ? connection_error(socket.number(), settings.timeout) : errno;
+        error = errno == EINPROGRESS ? connection_error(socket.number(), stop, settings.timeout)
+                                     : errno;
     }
     return socket;
 }
@@ -211,14 +212,47 @@ void Modbus_line::Closer::operator()(modbus_t* context) const {
     modbus_free(context);
 }
 
-Modbus_line::Modbus_line(Modbus_settings settings) : m_settings(std::move(settings)) {}
+Modbus_line::Modbus_line(Modbus_settings settings)
+    : m_settings(std::move(settings)), m_stop(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (!m_stop.is_open()) {
+        throw std::system_error(errno, std::generic_category(), "cannot create a descriptor");
+    }
+}
 
 Modbus_line::~Modbus_line() = default;
+
+// The library waits for an answer by itself: only the end of the connection ends that.
+void Modbus_line::stop() {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = ::write(m_stop.number(), &one, sizeof one);
+    const std::lock_guard<std::mutex> lock(m_context_mutex);
+    if (m_context && !m_settings.is_serial()) {
+        shutdown(modbus_get_socket(m_context.get()), SHUT_RDWR);
+    }
+}
+
+bool Modbus_line::is_stopped() const {
+    pollfd source{m_stop.number(), POLLIN, 0};
+    return poll(&source, 1, 0) > 0;
+}
+
+void Modbus_line::pause(milliseconds time) const {
+    pollfd source{m_stop.number(), POLLIN, 0};
+    poll(&source, 1, static_cast<int>(time.count()));
+}
+
+void Modbus_line::set_context(modbus_t* context) {
+    const std::lock_guard<std::mutex> lock(m_context_mutex);
+    m_context.reset(context);
+}
 
 Driver_result Modbus_line::open() {
     close();
     m_is_disturbed = false;
     Driver_result result = m_settings.is_serial() ? open_serial() : open_tcp();
+    if (is_stopped()) {
+        result = Driver_result::away(PANEL_ENDS);
+    }
     if (result.kind != Driver_result::DONE) {
         close();
         return result;
@@ -234,22 +268,23 @@ Driver_result Modbus_line::open() {
 
 Driver_result Modbus_line::open_tcp() {
     int error = 0;
-    Descriptor socket = connected_socket(m_settings, error);
+    Descriptor socket = connected_socket(m_settings, m_stop.number(), error);
     if (error != 0) {
         return Driver_result::away(system_text(error));
     }
-    m_context.reset(modbus_new_tcp("127.0.0.1", m_settings.port));
-    if (!m_context) {
+    modbus_t* const context = modbus_new_tcp("127.0.0.1", m_settings.port);
+    if (context == nullptr) {
         return Driver_result::away(system_text(errno));
     }
     // The library would wait for a connection with a descriptor set of a fixed size, and looks names up.
-    modbus_set_socket(m_context.get(), socket.release());
+    modbus_set_socket(context, socket.release());
+    set_context(context);
     return Driver_result::done();
 }
 
 Driver_result Modbus_line::open_serial() {
-    m_context.reset(modbus_new_rtu(m_settings.device.c_str(), m_settings.baud, m_settings.parity,
-                                   DATA_BITS, m_settings.stop_bits));
+    set_context(modbus_new_rtu(m_settings.device.c_str(), m_settings.baud, m_settings.parity,
+                               DATA_BITS, m_settings.stop_bits));
     if (!m_context || modbus_connect(m_context.get()) != 0) {
         return Driver_result::away(system_text(errno));
     }
@@ -257,7 +292,7 @@ Driver_result Modbus_line::open_serial() {
 }
 
 void Modbus_line::close() {
-    m_context.reset();
+    set_context(nullptr);
 }
 
 bool Modbus_line::is_hung_up() const {
@@ -271,8 +306,11 @@ bool Modbus_line::is_hung_up() const {
 bool Modbus_line::is_quiet() {
     const int line = modbus_get_socket(m_context.get());
     const auto end = Clock::now() + 3 * m_settings.timeout;
-    pollfd source{line, POLLIN, 0};
-    while (poll(&source, 1, static_cast<int>(m_settings.timeout.count())) > 0) {
+    std::array<pollfd, 2> sources{{{line, POLLIN, 0}, {m_stop.number(), POLLIN, 0}}};
+    while (poll(sources.data(), sources.size(), static_cast<int>(m_settings.timeout.count())) > 0) {
+        if (sources[1].revents != 0) {
+            return false;
+        }
         std::array<char, MODBUS_RTU_MAX_ADU_LENGTH> stray{};
         if (Clock::now() > end || ::read(line, stray.data(), stray.size()) <= 0) {
             return false;
@@ -283,6 +321,9 @@ bool Modbus_line::is_quiet() {
 
 // Makes sure that what arrives next is an answer to what is sent next.
 Driver_result Modbus_line::make_ready() {
+    if (is_stopped()) {
+        return Driver_result::away(PANEL_ENDS);
+    }
     if (!m_context) {
         return open();
     }
@@ -290,7 +331,7 @@ Driver_result Modbus_line::make_ready() {
         return is_hung_up() ? open() : Driver_result::done();
     }
     if (m_is_disturbed && !is_quiet()) {
-        return open();
+        return is_stopped() ? Driver_result::away(PANEL_ENDS) : open();
     }
     m_is_disturbed = false;
     // Frames are told apart by a pause of three and a half characters.

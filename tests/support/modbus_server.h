@@ -129,6 +129,12 @@ public:
         raise();
         m_done.wait_for(lock, std::chrono::seconds(20), [this] { return !m_sends_late; });
     }
+    // Waits until there are `count` requests that nobody has taken.
+    bool wait_for_requests(std::size_t count) {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        return m_done.wait_for(lock, std::chrono::seconds(20),
+                               [&] { return m_requests.size() >= count; });
+    }
     // Waits until the client's connection is gone.
     bool wait_for_hang_up() {
         std::unique_lock<std::mutex> lock(m_mutex);
@@ -268,6 +274,7 @@ private:
                              std::to_string(request[header()]) + " " +
                              std::to_string(first(request)) + (is_single(request) ? "=" : "+") +
                              std::to_string(value(request)));
+        m_done.notify_all();
     }
     Modbus_turn turn_for(const Request& request) {
         const auto missing = m_missing.lower_bound(first(request));

@@ -409,6 +409,68 @@ TEST_F(Tcp_test, NothingIsPrintedWhateverTheControllerAnswers) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
+// ---- the end of the panel
+
+constexpr const char* PATIENT = R"(, "timeout": "3s", "retries": 5)";
+
+TEST_F(Tcp_test, AStopEndsAReadWithoutAnAnswer) {
+    connect_to_server({R"("holding": 0)"}, PATIENT);
+    m_server.answer({{Turn::SILENT}, {Turn::SILENT}});
+    std::thread end([this] {
+        m_server.wait_for_requests(1);
+        m_driver->stop();
+    });
+    EXPECT_EQ(text_of(m_driver->read({0}, m_sink)).substr(0, 4), "away");
+    end.join();
+    EXPECT_EQ(m_sink.take(), Lines{});
+    EXPECT_EQ(m_server.take_requests(), Lines{"unit 1: 3 0+1"});
+    m_driver->disconnect();
+    EXPECT_TRUE(m_server.wait_for_hang_up());
+}
+
+TEST_F(Tcp_test, AStopEndsAWriteWithoutAnAnswerWhichIsUnknown) {
+    connect_to_server({R"("holding": 0)"}, PATIENT);
+    m_server.answer({{Turn::SILENT}});
+    std::thread end([this] {
+        m_server.wait_for_requests(1);
+        m_driver->stop();
+    });
+    EXPECT_EQ(write(0, 5), "timed out: Connection reset by peer");
+    end.join();
+}
+
+TEST_F(Tcp_test, AfterAStopNothingIsSent) {
+    connect_to_server({R"("holding": 0)"}, PATIENT);
+    m_driver->stop();
+    EXPECT_EQ(write(0, 5), "away: the panel ends");
+    EXPECT_EQ(read(), Lines{"away: the panel ends"});
+    EXPECT_EQ(connect(), "away: the panel ends");
+    EXPECT_EQ(m_server.take_requests(), Lines{});
+}
+
+// The queue of a listener that accepts nobody is full after a few connections.
+TEST_F(Modbus_driver_test, AStopEndsAConnectionThatNobodyAccepts) {
+    const Descriptor listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* const where = reinterpret_cast<sockaddr*>(&address);
+    ASSERT_EQ(bind(listener.number(), where, size), 0);
+    ASSERT_EQ(listen(listener.number(), 0), 0);
+    ASSERT_EQ(getsockname(listener.number(), where, &size), 0);
+    std::vector<Descriptor> waiting;
+    for (int i = 0; i < 4; ++i) {
+        waiting.emplace_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        (void)::connect(waiting.back().number(), where, size);
+    }
+    load(R"("host": "127.0.0.1", "port": )" + std::to_string(ntohs(address.sin_port)) + PATIENT,
+         {R"("holding": 0)"});
+    std::thread end([this] { m_driver->stop(); });
+    EXPECT_EQ(connect(), "away: the panel ends");
+    end.join();
+}
+
 // ---- a serial line
 
 // A pair of pseudo terminals, which socat joins as a cable does.
@@ -460,6 +522,19 @@ TEST_F(Serial_test, AnAnswerThatComesAfterItsTimeIsNotTakenForTheNextOne) {
     // A write is sent to a unit that rests, and ends its rest.
     EXPECT_EQ(write(1, 223), "done");
     EXPECT_EQ(read({1}), Lines{"1=223"});
+}
+
+TEST_F(Serial_test, AfterAStopNoFurtherTryIsMade) {
+    Modbus_server server(m_folder.file("its"));
+    connect_to_line({R"("holding": 0)"}, R"(, "timeout": "1s", "retries": 5)");
+    server.answer({{Turn::SILENT}, {Turn::SILENT}});
+    std::thread end([this, &server] {
+        server.wait_for_requests(1);
+        m_driver->stop();
+    });
+    EXPECT_EQ(read(), Lines{"away: the panel ends"});
+    end.join();
+    EXPECT_EQ(server.take_requests(), Lines{"unit 1: 3 0+1"});
 }
 
 TEST_F(Serial_test, AnotherUnitDoesNotAnswer) {
