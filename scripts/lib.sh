@@ -16,13 +16,15 @@ COMPONENTS=(base binding editors menu display ui displays inputs simulator drive
 PANEL_PACKAGES=(
     cmake g++ ninja-build pkg-config
     libboost-dev rapidjson-dev
-    libcli11-dev libcpp-httplib-dev libevdev-dev libmodbus-dev libncurses-dev zlib1g-dev
+    libcli11-dev libcpp-httplib-dev libevdev-dev libmodbus-dev libmosquitto-dev libncurses-dev
+    zlib1g-dev
     curl gzip iputils-ping
 )
 TEST_PACKAGES=(
     "${PANEL_PACKAGES[@]}"
     abigail-tools binutils lcdproc libbenchmark-dev libgmock-dev libgtest-dev librsvg2-bin
-    libxml2-utils locales mandoc procps python3 python3-pymodbus python3-serial-asyncio socat tmux
+    libxml2-utils locales mandoc mosquitto openssl procps python3 python3-pymodbus python3-serial-asyncio
+    socat tmux
 )
 # shellcheck disable=SC2034  # used by the scripts that source this
 CI_PACKAGES=(
@@ -40,7 +42,10 @@ declare -A CROSS_COMPILERS=(
     [s390x]=g++-s390x-linux-gnu
 )
 # shellcheck disable=SC2034
-DEVICE_PACKAGES=(libc-bin libcpp-httplib-dev libevdev-dev libgmock-dev libgtest-dev libmodbus-dev libncurses-dev zlib1g-dev)
+DEVICE_PACKAGES=(
+    libc-bin libcpp-httplib-dev libevdev-dev libgmock-dev libgtest-dev libmodbus-dev libmosquitto-dev
+    libncurses-dev zlib1g-dev
+)
 
 say() {
     printf '%s: %s\n' "$(basename "$0")" "$*" >&2

@@ -74,6 +74,12 @@ public:
         }
         return lines;
     }
+    // Waits for bytes of the client, whatever they are.
+    void take_bytes() {
+        char bytes[1000];
+        ASSERT_TRUE(is_ready(m_client, POLLIN));
+        ASSERT_GE(recv(m_client, bytes, sizeof bytes, 0), 0);
+    }
     // Whether the client has sent nothing that was not asked for yet.
     bool is_silent() {
         pollfd source{m_client, POLLIN, 0};

@@ -63,6 +63,7 @@ public:
     }
     const std::string& line() const { return m_line; }  // the last one
     const std::string& output() const { return m_all; }
+    void signal(int number) const { kill(m_process, number); }
     void end() {
         m_in.reset();
         if (m_process > 0) {

@@ -1,0 +1,89 @@
+// A connection to a broker, used by one thread; only `stop` comes from another one.
+#ifndef FRONTPANEL_DRIVER_MQTT_MQTT_LINK_H
+#define FRONTPANEL_DRIVER_MQTT_MQTT_LINK_H
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <frontpanel_drivers/driver.h>
+
+#include "mqtt_settings.h"
+
+struct mosquitto;
+struct mosquitto_message;
+
+namespace frontpanel {
+
+class Mqtt_link {
+public:
+    // Takes each message, within a call of the link.
+    using On_message = std::function<void(const std::string& topic, std::string_view message)>;
+
+    Mqtt_link(Mqtt_settings settings, On_message on_message);
+    ~Mqtt_link();
+
+    // Connects and subscribes to topics, each with its quality of service. DONE or AWAY.
+    Driver_result open(const std::map<std::string, int>& topics);
+    // Says that the panel goes, and disconnects.
+    void close();
+    bool is_open() const { return m_client != nullptr; }
+    // Whether the broker has refused the topic.
+    bool is_refused(const std::string& topic) const { return m_refused.count(topic) > 0; }
+
+    // DONE when the broker has it, or, for quality 0, when it is sent. TIMED_OUT when that is unknown; AWAY when nothing was
+    // sent.
+    Driver_result publish(const std::string& topic, const std::string& message, int qos,
+                          bool is_retained);
+    // Until `wake` is readable or a message has arrived. DONE or AWAY.
+    Driver_result wait(std::chrono::milliseconds most, int wake);
+
+    // Calls return soon from now on, but `close`.
+    void stop() { m_is_stopping = true; }
+
+private:
+    using Time = std::chrono::steady_clock::time_point;
+    struct Callbacks;
+
+    Driver_result start();
+    Driver_result log_in();
+    Driver_result subscribe(const std::map<std::string, int>& topics);
+    Driver_result subscribe_to(std::vector<std::string> topics, int qos);
+    // Works until `is_done` or `end`, which is TIMED_OUT; a lost connection is AWAY and closes.
+    template <typename Is_done>
+    Driver_result work(Time end, int wake, Is_done is_done);
+    // Whether something is wrong: the result of a call of the library.
+    int work_once(std::chrono::milliseconds most, int wake, bool& is_woken);
+    int connection_error();
+    Driver_result lost(int result);
+    std::string reason_of(int result, int error) const;
+
+    struct Destroyer {
+        void operator()(mosquitto* client) const;
+    };
+
+    Mqtt_settings m_settings;
+    On_message m_on_message;
+    std::unique_ptr<mosquitto, Destroyer> m_client;  // null: closed
+    std::atomic<bool> m_is_stopping{false};
+    // What has arrived on this connection.
+    bool m_is_connecting = false;
+    std::optional<int> m_welcome;
+    std::map<int, std::vector<std::string>>
+        m_asked;  // subscriptions that are not answered, by message
+    std::set<std::string> m_refused;
+    std::optional<int> m_published;  // the message that was acknowledged last
+    bool m_has_message = false;
+    std::string m_trouble;  // what the library has logged
+};
+
+}  // namespace frontpanel
+
+#endif

@@ -1,0 +1,94 @@
+#include "mqtt_settings.h"
+
+#include <arpa/inet.h>
+#include <mosquitto.h>
+
+#include <frontpanel_base/json_members.h>
+
+namespace frontpanel {
+namespace {
+
+constexpr int PORT_WITH_TLS = 8883;
+constexpr std::int64_t LARGEST_PORT = 65535;
+constexpr int LARGEST_QOS = 2;
+constexpr std::size_t LONGEST_CLIENT = 23;  // that every broker takes
+constexpr std::size_t LONGEST_TOPIC = 1000;
+
+std::string host_of(const Json_value& value) {
+    const std::string text = value.text();
+    in6_addr address{};
+    if (inet_pton(AF_INET, text.c_str(), &address) != 1 &&
+        inet_pton(AF_INET6, text.c_str(), &address) != 1) {
+        value.fail("expected an IPv4 or IPv6 address, found \"" + text + "\"");
+    }
+    return text;
+}
+
+std::string file_of(const Json_value& options, const char* name, const std::string& folder) {
+    const auto value = options.find(name);
+    if (!value) {
+        return "";
+    }
+    const std::string path = value->text();
+    if (path.empty()) {
+        value->fail("expected a path");
+    }
+    return folder.empty() || path.front() == '/' ? path : folder + "/" + path;
+}
+
+void read_encryption(const Json_value& options, const std::string& folder,
+                     Mqtt_settings& settings) {
+    settings.ca = file_of(options, "ca", folder);
+    settings.certificate = file_of(options, "cert", folder);
+    settings.key = file_of(options, "key", folder);
+    if (settings.certificate.empty() != settings.key.empty()) {
+        options.member(settings.key.empty() ? "cert" : "key")
+            .fail("\"cert\" and \"key\" go together");
+    }
+    if (!settings.key.empty() && settings.ca.empty()) {
+        options.member("key").fail("\"key\" needs \"ca\"");
+    }
+}
+
+}  // namespace
+
+std::vector<std::string> Mqtt_settings::files() const {
+    std::vector<std::string> named;
+    for (const std::string& file : {login, ca, certificate, key}) {
+        if (!file.empty()) {
+            named.push_back(file);
+        }
+    }
+    return named;
+}
+
+std::vector<const char*> mqtt_members() {
+    return {"host", "port", "client", "login", "ca", "cert", "key", "status", "qos"};
+}
+
+Mqtt_settings mqtt_settings_of(const Json_value& options, const std::string& folder) {
+    Mqtt_settings settings;
+    settings.host = host_of(options.member("host"));
+    read_encryption(options, folder, settings);
+    settings.port = static_cast<std::uint16_t>(integer_or(
+        options, "port", 1, LARGEST_PORT, settings.is_encrypted() ? PORT_WITH_TLS : settings.port));
+    if (const auto client = options.find("client")) {
+        settings.client = client->text_of_length(1, LONGEST_CLIENT);
+    }
+    settings.login = file_of(options, "login", folder);
+    if (const auto status = options.find("status")) {
+        settings.status = topic_of(*status);
+    }
+    settings.qos = integer_or(options, "qos", 0, LARGEST_QOS, settings.qos);
+    return settings;
+}
+
+std::string topic_of(const Json_value& value) {
+    std::string topic = value.text_of_length(1, LONGEST_TOPIC);
+    if (mosquitto_pub_topic_check(topic.c_str()) != MOSQ_ERR_SUCCESS) {
+        value.fail("expected a topic without \"+\" and \"#\", found \"" + topic + "\"");
+    }
+    return topic;
+}
+
+}  // namespace frontpanel

@@ -1,0 +1,64 @@
+#include "mqtt_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <frontpanel_base/json_document.h>
+
+namespace frontpanel {
+namespace {
+
+struct Read_settings {
+    explicit Read_settings(const std::string& text) {
+        const Source file{"menu.json", 0};
+        const Json_document document(file, text);
+        Problems problems;
+        try {
+            settings = mqtt_settings_of(Json_value(document.root(), problems), "menus");
+        } catch (const Placed_error& thrown) {
+            error = thrown.what();
+            error = error.substr(error.find(": ") + 2);
+        }
+    }
+    Mqtt_settings settings;
+    std::string error;
+};
+
+TEST(MqttSettings, FilesAreNamedRelativeToTheMenu) {
+    const Read_settings read(R"({"host": "::1", "login": "login.txt", "ca": "/etc/ca.pem"})");
+    EXPECT_EQ(read.error, "");
+    EXPECT_EQ(read.settings.files(), (std::vector<std::string>{"menus/login.txt", "/etc/ca.pem"}));
+}
+
+TEST(MqttSettings, EncryptionHasAPortOfItsOwn) {
+    EXPECT_EQ(Read_settings(R"({"host": "127.0.0.1"})").settings.port, 1883);
+    EXPECT_EQ(Read_settings(R"({"host": "127.0.0.1", "ca": "a"})").settings.port, 8883);
+    EXPECT_EQ(Read_settings(R"({"host": "127.0.0.1", "ca": "a", "port": 1})").settings.port, 1);
+}
+
+TEST(MqttSettings, MistakesAreReported) {
+    const struct {
+        const char* options;
+        const char* error;
+    } cases[] = {
+        {"{}", R"(expected a member "host")"},
+        {R"({"host": "broker.local"})",
+         R"(expected an IPv4 or IPv6 address, found "broker.local")"},
+        {R"({"host": "127.0.0.1", "qos": 3})", "expected a whole number from 0 to 2, found 3"},
+        {R"({"host": "127.0.0.1", "status": "panel/#"})",
+         R"(expected a topic without "+" and "#", found "panel/#")"},
+        {R"({"host": "127.0.0.1", "ca": "a", "key": "k"})", R"("cert" and "key" go together)"},
+        {R"({"host": "127.0.0.1", "cert": "a", "key": "k"})", R"("key" needs "ca")"},
+        {R"({"host": "127.0.0.1", "login": ""})", "expected a path"},
+        {R"({"host": "127.0.0.1", "client": "123456789012345678901234"})",
+         "expected a text of 1 to 23 characters, found 24"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.options);
+        EXPECT_EQ(Read_settings(c.options).error, c.error);
+    }
+}
+
+}  // namespace
+}  // namespace frontpanel

@@ -1,0 +1,144 @@
+#include "topic_source.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <frontpanel_base/json_document.h>
+
+namespace frontpanel {
+namespace {
+
+// A source of its members beside "topic", or the errors in it without their places.
+struct Read_source {
+    explicit Read_source(const std::string& members, bool is_text = false) {
+        const Source file{"menu.json", 0};
+        const std::string text = R"({"topic": "a/b")" + members + "}";
+        const Json_document document(file, text);
+        Problems problems;
+        problems.attempt(
+            [&] { source = topic_source_of(Json_value(document.root(), problems), {}, is_text); });
+        for (const std::string& line : problems.errors()) {
+            error += line.substr(line.find(": ") + 2);
+        }
+    }
+    Topic_source source;
+    std::string error;
+};
+
+Topic_source source_of(const std::string& members, bool is_text = false) {
+    const Read_source read(members, is_text);
+    EXPECT_EQ(read.error, "");
+    return read.source;
+}
+
+std::string shown(const std::variant<Parameter_value, No_value>& value) {
+    if (const auto* const none = std::get_if<No_value>(&value)) {
+        return none->reason;
+    }
+    const auto& found = std::get<Parameter_value>(value);
+    const auto* const number = std::get_if<std::int32_t>(&found);
+    return number != nullptr ? std::to_string(*number) : "'" + std::get<std::string>(found) + "'";
+}
+
+constexpr const char* POWER = R"(, "member": "ENERGY.Power", "scale": "10")";
+constexpr const char* SWITCH = R"(, "words": ["OFF", "ON"])";
+
+TEST(TopicSource, NumbersAreReadFromMessages) {
+    const struct {
+        const char* members;
+        const char* message;
+        const char* value;
+    } cases[] = {
+        {"", "21", "21"},
+        {"", " -7\r\n", "-7"},
+        {R"(, "scale": "10")", "21.55", "216"},
+        {R"(, "scale": "1/1000")", "36600", "37"},
+        {"", "", "not a number: \"\""},
+        {"", "unavailable", "not a number: \"unavailable\""},
+        {"", "2147483648", "the number does not fit 32 bits: \"2147483648\""},
+        {"", "true", "not a number: \"true\""},
+        {POWER, R"({"ENERGY": {"Power": 23.4, "Today": 1}})", "234"},
+        {POWER, R"({"ENERGY": {"Power": "5"}})", "50"},
+        {POWER, R"({"ENERGY": {"Today": 1}})", "the message has no member \"ENERGY.Power\""},
+        {POWER, R"({"ENERGY": 7})", "the message has no member \"ENERGY.Power\""},
+        {POWER, R"({"ENERGY": {"Power": []}})", "\"ENERGY.Power\" is no number and no text"},
+        {POWER, R"({"ENERGY": {"Power": null}})", "\"ENERGY.Power\" is no number and no text"},
+        {POWER, R"({"ENERGY": {"Power": 2)", "the message is no JSON text"},
+        {POWER, "23", "the message has no member \"ENERGY.Power\""},
+        {R"(, "member": "on")", R"({"on": true})", "1"},
+        {R"(, "member": "on")", R"({"on": false})", "0"},
+        {SWITCH, "ON", "1"},
+        {SWITCH, "OFF\n", "0"},
+        {SWITCH, "on", "\"on\" is none of the words"},
+        {R"(, "member": "s", "words": ["closed", "open"])", R"({"s": "open"})", "1"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.message);
+        EXPECT_EQ(shown(value_in(source_of(c.members), c.message)), c.value);
+    }
+}
+
+TEST(TopicSource, TextsAreReadAsTheyAre) {
+    EXPECT_EQ(shown(value_in(source_of("", true), "two words")), "'two words'");
+    EXPECT_EQ(shown(value_in(source_of(R"(, "member": "t")", true), R"({"t": "Ger\u00e4t"})")),
+              "'Ger\xC3\xA4t'");
+    EXPECT_EQ(shown(value_in(source_of(R"(, "member": "t")", true), R"({"t": 1.50})")), "'1.50'");
+}
+
+TEST(TopicSource, AMessageBeyond64KiBIsNoValue) {
+    EXPECT_EQ(shown(value_in(source_of(""), std::string(LARGEST_MESSAGE + 1, '1'))),
+              "the message has more than 64 KiB");
+    const std::string deep(LARGEST_MESSAGE, '[');
+    EXPECT_EQ(shown(value_in(source_of(POWER), deep)), "the message is no JSON text");
+}
+
+TEST(TopicSource, ValuesAreWrittenAsTheyAreRead) {
+    const struct {
+        const char* members;
+        Parameter_value value;
+        const char* message;
+    } cases[] = {
+        {R"(, "write": "w")", 7, "7"},
+        {R"(, "write": "w", "scale": "10")", 215, "21.5"},
+        {R"(, "write": "w", "scale": "1/1000")", 37, "37000"},
+        {R"(, "write": "w", "words": ["OFF", "ON"])", 1, "ON"},
+        {R"(, "write": "w", "words": ["OFF", "ON"])", 2, "2 has no word"},
+        {R"(, "write": "w", "words": ["OFF", "ON"])", -1, "-1 has no word"},
+        {R"(, "write": "w", "write-member": "set.level", "scale": "10")", 5,
+         R"({"set":{"level":0.5}})"},
+        {R"(, "write": "w", "write-member": "state", "words": ["OFF", "ON"])", 0,
+         R"({"state":"OFF"})"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.members);
+        const auto message = message_for(source_of(c.members), c.value);
+        const auto* const none = std::get_if<No_value>(&message);
+        EXPECT_EQ(none != nullptr ? none->reason : std::get<std::string>(message), c.message);
+    }
+    const Topic_source text = source_of(R"(, "write": "w", "write-member": "name")", true);
+    EXPECT_EQ(std::get<std::string>(message_for(text, Parameter_value("a\"b\\c\n"))),
+              R"({"name":"a\"b\\c\u000a"})");
+}
+
+TEST(TopicSource, MistakesAreReported) {
+    const struct {
+        const char* members;
+        const char* error;
+    } cases[] = {
+        {R"(, "member": "a..b")", R"(expected names with a "." between them, found "a..b")"},
+        {R"(, "retain": true)", R"("retain" needs "write")"},
+        {R"(, "write": "a/+")", R"(expected a topic without "+" and "#", found "a/+")"},
+        {R"(, "words": ["a", "a"])", R"("a" is there already)"},
+        {R"(, "words": ["a", "b"], "scale": "2")", R"("scale" does not go with "words")"},
+        {R"(, "qos": 3)", "expected a whole number from 0 to 2, found 3"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.members);
+        EXPECT_EQ(Read_source(c.members).error, c.error);
+    }
+    EXPECT_EQ(Read_source(R"(, "scale": "2")", true).error, R"("scale" is for numbers)");
+}
+
+}  // namespace
+}  // namespace frontpanel
