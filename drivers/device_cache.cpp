@@ -40,10 +40,10 @@ Device_cache_settings completed(Device_cache_settings settings) {
 }
 
 const char* text_of(Driver_event::Kind kind) {
-    static constexpr const char* TEXTS[] = {"away",       "back",          "read failed",
-                                            "read again", "write refused", "write timed out",
-                                            "not written"};
-    static_assert(std::size(TEXTS) == Driver_event::WRITE_DROPPED + 1, "a text for each kind");
+    static constexpr const char* TEXTS[] = {"away",        "back",          "read failed",
+                                            "read again",  "write refused", "write timed out",
+                                            "not written", "no answer"};
+    static_assert(std::size(TEXTS) == Driver_event::WRITE_UNANSWERED + 1, "a text for each kind");
     return TEXTS[kind];
 }
 

@@ -21,6 +21,10 @@ bool Driver::pushes(std::size_t /*number*/) const {
     return false;
 }
 
+bool Driver::repeats(std::size_t /*number*/) const {
+    return false;
+}
+
 Driver_result Driver::wait(std::chrono::milliseconds most, int wake, Value_sink& /*sink*/) {
     constexpr std::chrono::milliseconds LONGEST(std::numeric_limits<int>::max());
     pollfd source{wake, POLLIN, 0};

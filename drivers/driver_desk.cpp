@@ -18,11 +18,15 @@ constexpr int OLD_AFTER = 3;                // poll intervals
 constexpr milliseconds PROVEN_AFTER(5000);  // a connection that stands so long is one
 constexpr milliseconds HANGS_AFTER(5000);   // a call of a driver that takes longer
 constexpr milliseconds LONGEST_WAIT(60000);
-constexpr std::size_t MOST_WRITES = 32;  // between two reads
+constexpr milliseconds ANSWERED_WITHIN(5000);  // a write that was passed on
+constexpr std::size_t MOST_WRITES = 32;        // between two reads
 constexpr const char* NO_ANSWER = "it does not answer";
 constexpr const char* NO_VALUE = "it delivers no value";
 constexpr const char* UNKNOWN_ERROR = "unknown error";
 constexpr const char* NOT_READ = "not read yet";
+constexpr const char* NOT_RECEIVED = "nothing received yet";
+constexpr const char* OVERDUE = "nothing received for too long";
+constexpr const char* NOT_TAKEN = "the device keeps its value";
 
 std::string reason_of(const std::string& reason, const char* otherwise) {
     return reason.empty() ? otherwise : one_line(reason);
@@ -84,6 +88,7 @@ std::size_t Driver_desk::add(const Driver_parameter& parameter, std::optional<Mi
     Record& record = m_records.emplace_back();
     record.parameter = parameter;
     record.poll = poll.value_or(m_poll);
+    record.is_repeated = m_driver->repeats(m_records.size() - 1);
     return m_records.size() - 1;
 }
 
@@ -98,27 +103,35 @@ bool Driver_desk::hangs(Time time) const {
     return since && time - *since > HANGS_AFTER;
 }
 
+// A value that was pushed holds as long as the device could push another one.
+bool Driver_desk::is_confirmed(const Record& record, Time time) const {
+    const bool is_recent = time - record.taken <= OLD_AFTER * record.poll;
+    if (!record.is_pushed) {
+        return is_recent;
+    }
+    const bool is_current = m_is_connected && record.connection == m_connection;
+    return is_current && record.failure.empty() && !hangs(time) &&
+           (is_recent || !record.is_repeated);
+}
+
 Freshness Driver_desk::freshness(const Record& record, Time time) const {
     if (!record.is_known) {
         return Freshness::UNKNOWN;
     }
-    if (record.is_pushed && (!record.failure.empty() || hangs(time))) {
-        return Freshness::OLD;
-    }
-    const bool is_current = record.is_pushed && m_is_connected && record.connection == m_connection;
-    return is_current || time - record.taken <= OLD_AFTER * record.poll ? Freshness::FRESH
-                                                                        : Freshness::OLD;
+    return is_confirmed(record, time) ? Freshness::FRESH : Freshness::OLD;
 }
 
 Driver_desk::Sight Driver_desk::sight(const Record& record, Time time) const {
-    const bool is_writing = record.unsent || record.in_flight;
+    for (const auto* const written : {&record.unsent, &record.in_flight, &record.passed_on}) {
+        if (*written) {
+            return {*written, freshness(record, time), true};
+        }
+    }
     std::optional<Parameter_value> value;
-    if (is_writing) {
-        value = record.unsent ? record.unsent : record.in_flight;
-    } else if (record.is_known) {
+    if (record.is_known) {
         value = record.value;
     }
-    return {std::move(value), freshness(record, time), is_writing};
+    return {std::move(value), freshness(record, time), false};
 }
 
 bool Driver_desk::has_failed(const Record& record, Time time) const {
@@ -135,13 +148,19 @@ std::string Driver_desk::reason(const Record& record, Time time) const {
     if (!record.failure.empty()) {
         return record.failure;
     }
-    return freshness(record, time) == Freshness::FRESH ? "" : NOT_READ;
+    if (freshness(record, time) == Freshness::FRESH) {
+        return "";
+    }
+    if (!record.is_pushed) {
+        return NOT_READ;
+    }
+    return record.is_known && record.connection == m_connection ? OVERDUE : NOT_RECEIVED;
 }
 
 Value_state Driver_desk::state_of(const Record& record, Time time) const {
     Value_state state;
     state.freshness = freshness(record, time);
-    state.is_writing = record.unsent || record.in_flight;
+    state.is_writing = record.unsent || record.in_flight || record.passed_on;
     state.has_failed = has_failed(record, time);
     if (record.is_known) {
         state.age = std::chrono::duration_cast<Milliseconds>(time - record.taken);
@@ -338,6 +357,7 @@ Driver_desk::Milliseconds Driver_desk::turn(Lock& lock) {
     if (m_is_connected || connect(lock)) {
         send_writes(lock);
         read_due(lock);
+        give_up_answers(now());
         if (m_is_connected && now() - m_connected_at >= PROVEN_AFTER) {
             prove();
         }
@@ -382,6 +402,9 @@ Driver_desk::Milliseconds Driver_desk::time_left(Time time) const {
                 due = std::min(due, m_records[number].next_read);
             }
         }
+        for (const std::size_t number : m_passed_on) {
+            due = std::min(due, m_records[number].passed_on_at + ANSWERED_WITHIN);
+        }
         if (!m_is_proven) {
             due = std::min(due, m_connected_at + PROVEN_AFTER);
         }
@@ -416,10 +439,13 @@ bool Driver_desk::connect(Lock& lock) {
 void Driver_desk::go_away(const std::string& reason) {
     const Time time = now();
     for (Record& record : m_records) {
-        if (m_is_connected && record.is_pushed && record.connection == m_connection) {
+        if (m_is_connected && record.is_pushed && !record.is_repeated &&
+            record.connection == m_connection) {
             record.taken = time;
         }
+        record.passed_on.reset();
     }
+    m_passed_on.clear();
     m_is_connected = false;
     m_away_reason = reason_of(reason, "no connection");
     m_pause = std::clamp(2 * m_pause, m_settings.first_pause, m_settings.longest_pause);
@@ -499,7 +525,10 @@ void Driver_desk::finish_write(Record& record, std::size_t number, const Driver_
     prove();
     const std::string reason = reason_of(result.reason, "no reason given");
     changing(record, [&](Time time) {
-        if (result.kind == Driver_result::DONE) {
+        record.passed_on.reset();
+        if (result.kind == Driver_result::PASSED_ON) {
+            await_answer(number, time);
+        } else if (result.kind == Driver_result::DONE) {
             record.value = std::move(*record.in_flight);
             record.is_known = true;
             record.taken = time;
@@ -517,6 +546,30 @@ void Driver_desk::finish_write(Record& record, std::size_t number, const Driver_
     } else if (result.kind == Driver_result::TIMED_OUT) {
         tell(Driver_event::WRITE_TIMED_OUT, &record, reason);
     }
+}
+
+// Requires: the value is in flight. A device that has it already has nothing to push.
+void Driver_desk::await_answer(std::size_t number, Time time) {
+    Record& record = m_records[number];
+    if (freshness(record, time) == Freshness::FRESH && record.value == record.in_flight) {
+        return;
+    }
+    record.passed_on = std::move(record.in_flight);
+    record.passed_on_at = time;
+    m_passed_on.push_back(number);
+}
+
+void Driver_desk::give_up_answers(Time time) {
+    const auto is_over = [this, time](std::size_t number) {
+        Record& record = m_records[number];
+        if (record.passed_on && time - record.passed_on_at >= ANSWERED_WITHIN) {
+            changing(record, [&](Time) { record.passed_on.reset(); });
+            tell(Driver_event::WRITE_UNANSWERED, &record, NOT_TAKEN);
+        }
+        return !record.passed_on;
+    };
+    m_passed_on.erase(std::remove_if(m_passed_on.begin(), m_passed_on.end(), is_over),
+                      m_passed_on.end());
 }
 
 // ---- reads
@@ -599,6 +652,7 @@ void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool
         record.taken = time;
         record.connection = m_connection;
         record.next_read = time + record.poll;
+        record.passed_on.reset();
         end_failure(record);
     });
 }
@@ -615,6 +669,7 @@ void Driver_desk::receive_failure(std::size_t number, const std::string& failure
         record.is_pushed = is_pushed;
         record.is_reported = true;
         record.next_read = time + record.poll;
+        record.passed_on.reset();
         if (is_new) {
             tell(Driver_event::READ_FAILED, &record, record.failure);
         }

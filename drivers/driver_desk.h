@@ -72,6 +72,7 @@ private:
         Parameter_value value{};  // as the device last confirmed it
         bool is_known = false;
         bool is_pushed = false;
+        bool is_repeated = false;      // a pushed value has a successor in each poll interval
         bool is_active = false;        // among m_active
         bool is_reported = false;      // in the read that is under way
         Time taken{};                  // when the value was confirmed
@@ -83,6 +84,8 @@ private:
         std::uint64_t unsent_turn = 0;  // its place in m_writes
         Time unsent_since{};
         std::optional<Parameter_value> in_flight;
+        std::optional<Parameter_value> passed_on;  // until the device pushes a value
+        Time passed_on_at{};
     };
     // What somebody who looks at the parameter sees.
     struct Sight {
@@ -102,6 +105,7 @@ private:
 
     Time now() const { return m_settings.clock(); }
     bool is_wanted(const Record& record, Time time) const;
+    bool is_confirmed(const Record& record, Time time) const;
     Freshness freshness(const Record& record, Time time) const;
     Sight sight(const Record& record, Time time) const;
     bool has_failed(const Record& record, Time time) const;
@@ -126,6 +130,8 @@ private:
     void send_writes(Lock& lock);
     void send_write(Lock& lock, std::size_t number);
     void finish_write(Record& record, std::size_t number, const Driver_result& result, Time since);
+    void await_answer(std::size_t number, Time time);
+    void give_up_answers(Time time);
     void read_due(Lock& lock);
     std::vector<std::size_t> due_numbers(Time time);
     void finish_read(const std::vector<std::size_t>& numbers, const Driver_result& result);
@@ -148,6 +154,7 @@ private:
     std::deque<Record> m_records;       // their number does not change once the driver works
     std::vector<std::size_t> m_active;  // that somebody wanted lately
     std::deque<Queued_write> m_writes;
+    std::vector<std::size_t> m_passed_on;  // those with a write that was passed on
     std::uint64_t m_turn = 0;
     bool m_is_awake = false;  // m_wake is raised
     bool m_is_stopping = false;

@@ -66,6 +66,10 @@ public:
     void push_by_itself(std::size_t number) {
         locked([&] { m_pushed.insert(number); });
     }
+    // A value that is pushed has a successor in each poll interval. Said before the parameter is added.
+    void repeat(std::size_t number) {
+        locked([&] { m_repeated.insert(number); });
+    }
     void throw_in_reads(const std::string& what) {
         locked([&] { m_thrown = what; });
     }
@@ -136,6 +140,7 @@ private:
     std::map<std::size_t, Parameter_value> m_values;
     std::map<std::size_t, std::string> m_failures;
     std::set<std::size_t> m_pushed;
+    std::set<std::size_t> m_repeated;
     std::vector<std::pair<std::size_t, Parameter_value>> m_waiting;
     std::vector<Driver_result> m_write_results;
     std::function<void()> m_during_write;
@@ -183,6 +188,10 @@ public:
     bool pushes(std::size_t number) const override {
         const std::lock_guard<std::mutex> lock(m_device->m_mutex);
         return m_device->m_pushed.count(number) > 0;
+    }
+    bool repeats(std::size_t number) const override {
+        const std::lock_guard<std::mutex> lock(m_device->m_mutex);
+        return m_device->m_repeated.count(number) > 0;
     }
 
     Driver_result read(const std::vector<std::size_t>& numbers,

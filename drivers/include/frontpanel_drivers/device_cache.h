@@ -36,7 +36,8 @@ struct Driver_event {
         READ_AGAIN,       // and does no longer
         WRITE_REFUSED,    // the old value is back
         WRITE_TIMED_OUT,  // the value is unknown until it is read again
-        WRITE_DROPPED     // never sent, since the driver was away too long: the old value is back
+        WRITE_DROPPED,    // never sent, since the driver was away too long: the old value is back
+        WRITE_UNANSWERED  // passed on, but the device has not pushed a value since: the old value is back
     };
     Kind kind;
     std::string driver;     // the instance
@@ -122,8 +123,8 @@ public:
     // Whether the parameter lives at a driver.
     bool has(std::uint32_t pid, std::uint32_t varidx) const;
     std::size_t parameter_count() const { return m_places.size(); }
-    // OLD is a value that was read more than three poll intervals ago, or was pushed before the connection was lost;
-    // UNKNOWN one that was never read, or to which a write timed out. Nothing for a parameter that lives at no driver.
+    // OLD is a value that was read more than three poll intervals ago, or was pushed before the connection was lost, or
+    // has no successor within three poll intervals though its driver repeats it; UNKNOWN one that was never read, or to which a write timed out. Nothing for a parameter that lives at no driver.
     std::optional<Value_state> state(std::uint32_t pid, std::uint32_t varidx) const override;
     // Readable when a value that was lately asked for, or its state, changed, or an event happened.
     int descriptor() const;

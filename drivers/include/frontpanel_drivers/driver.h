@@ -39,7 +39,8 @@ struct Driver_result {
         DONE,
         REFUSED,    // by the device; the connection stands
         TIMED_OUT,  // no answer in time: a write may or may not have been done
-        AWAY        // no connection: nothing was sent that could still have an effect
+        AWAY,       // no connection: nothing was sent that could still have an effect
+        PASSED_ON   // of a write: on its way to the device, which pushes the value that it then has
     };
     Kind kind = DONE;
     std::string reason = {};  // empty when DONE
@@ -48,6 +49,7 @@ struct Driver_result {
     static Driver_result refused(std::string reason) { return {REFUSED, std::move(reason)}; }
     static Driver_result timed_out(std::string reason) { return {TIMED_OUT, std::move(reason)}; }
     static Driver_result away(std::string reason) { return {AWAY, std::move(reason)}; }
+    static Driver_result passed_on() { return {PASSED_ON, ""}; }
 };
 
 // Takes what a driver receives. Valid only within the call that it was passed to.
@@ -91,12 +93,16 @@ public:
     // Whether the driver passes changes of the parameter to the sink of `wait` by itself, so that it is not polled.
     // Asked while connected; may depend on what the device said.
     virtual bool pushes(std::size_t number) const;
+    // Whether a parameter that is pushed is pushed once in every `poll` interval at least, so that a value without a
+    // successor is old. Asked once, after `add`; the base returns false.
+    virtual bool repeats(std::size_t number) const;
     // Reads parameters, in ascending order, and passes each to `sink`. Neighbours may be asked for in one request. A
     // driver that takes longer than about half a second returns after some of them, at least one: the others are asked
     // for again, behind the writes that wait. DONE, or AWAY when the connection is gone. TIMED_OUT and REFUSED are the
     // failure of every parameter that was not passed to `sink`.
     virtual Driver_result read(const std::vector<std::size_t>& numbers, Value_sink& sink) = 0;
-    // Writes a value of the parameter's type, within its declared limits. DONE only when the device has taken it.
+    // Writes a value of the parameter's type, within its declared limits. DONE only when the device has taken it;
+    // PASSED_ON, of a parameter that is pushed, when somebody else brings it to the device.
     virtual Driver_result write(std::size_t number, const Parameter_value& value) = 0;
     // Waits until `wake` is readable, or `most` has passed, or something arrived, which is passed to `sink` and answered
     // as far as needed. `wake` is only polled, never read. DONE, or AWAY when the connection is gone. The base waits for

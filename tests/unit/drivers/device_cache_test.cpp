@@ -461,7 +461,7 @@ TEST_F(Device_cache_test, AParameterThatIsPushedIsNotPolledAndStaysFresh) {
     EXPECT_EQ(m_device->take_calls(), Lines{"connect"});
 }
 
-TEST_F(Device_cache_test, APushedValueAgesFromTheLossOfTheConnectionUntilItIsPushedAgain) {
+TEST_F(Device_cache_test, APushedValueIsOldFromTheLossOfTheConnectionUntilItIsPushedAgain) {
     add_numbers(1);
     m_device->push_by_itself(0);
     m_device->push(0, 8);
@@ -470,16 +470,137 @@ TEST_F(Device_cache_test, APushedValueAgesFromTheLossOfTheConnectionUntilItIsPus
     m_clock->advance(1h);
     m_device->be_away("closed");
     step();
-    EXPECT_EQ(freshness(0), Freshness::FRESH);
-    m_clock->advance(3001ms);
     EXPECT_EQ(freshness(0), Freshness::OLD);
     EXPECT_EQ(m_cache.state(0, 0)->reason, "closed");
+    EXPECT_EQ(m_cache.state(0, 0)->age, 0ms);
+    m_clock->advance(3s);
+    EXPECT_EQ(m_cache.state(0, 0)->age, 3s);
     m_device->be_back();
     step();
+    m_clock->advance(5s);
+    step();
     EXPECT_EQ(freshness(0), Freshness::OLD);
+    EXPECT_EQ(m_cache.state(0, 0)->reason, "nothing received yet");
     m_device->push(0, 8);
     step();
     EXPECT_EQ(freshness(0), Freshness::FRESH);
+    EXPECT_EQ(m_cache.state(0, 0)->reason, "");
+}
+
+TEST_F(Device_cache_test, AValueThatIsRepeatedIsOldWithoutASuccessorInThreeIntervals) {
+    m_device->push_by_itself(0);
+    m_device->repeat(0);
+    const std::size_t driver = add_driver("plc", m_device);
+    m_cache.add_parameter(driver, number_parameter(0), 10s);
+    number_of(m_cache, 0);
+    step();
+    EXPECT_EQ(m_cache.state(0, 0)->reason, "nothing received yet");
+    m_device->push(0, 8);
+    step();
+    m_clock->advance(30s);
+    EXPECT_EQ(freshness(0), Freshness::FRESH);
+    m_clock->advance(1ms);
+    EXPECT_EQ(freshness(0), Freshness::OLD);
+    EXPECT_EQ(m_cache.state(0, 0)->reason, "nothing received for too long");
+    EXPECT_EQ(number_of(m_cache, 0), 8);
+    m_device->push(0, 8);
+    step();
+    EXPECT_EQ(freshness(0), Freshness::FRESH);
+    m_clock->advance(20s);
+    m_device->be_away("closed");
+    step();
+    EXPECT_EQ(freshness(0), Freshness::OLD);
+    EXPECT_EQ(m_cache.state(0, 0)->age, 20s);
+}
+
+// ---- writes that somebody else brings to the device
+
+class Passed_on_test : public Cache_test {
+protected:
+    // The device has said 8, and 9 has been passed on.
+    void SetUp() override {
+        m_device->push_by_itself(0);
+        add_numbers(1);
+        m_device->push(0, 8);
+        read(0);
+        write(9);
+    }
+    void write(std::int32_t number) {
+        m_device->answer_writes({Driver_result::passed_on()});
+        set_number(m_cache, 0, number);
+        step();
+    }
+    bool is_writing() const { return m_cache.state(0, 0)->is_writing; }
+};
+
+TEST_F(Passed_on_test, TheWriteIsUnderWayUntilTheDevicePushesAValue) {
+    EXPECT_EQ(number_of(m_cache, 0), 9);
+    EXPECT_TRUE(is_writing());
+    EXPECT_TRUE(m_cache.flush(1s).empty());
+    m_device->push(0, 7);
+    step();
+    EXPECT_EQ(number_of(m_cache, 0), 7);
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(freshness(0), Freshness::FRESH);
+    m_clock->advance(1min);
+    step();
+    EXPECT_EQ(events(), Lines{});
+}
+
+TEST_F(Passed_on_test, WithoutAnAnswerTheDevicesValueIsBack) {
+    m_clock->advance(4999ms);
+    step();
+    EXPECT_EQ(number_of(m_cache, 0), 9);
+    m_cache.take_changes();
+    m_clock->advance(1ms);
+    step();
+    EXPECT_TRUE(m_cache.take_changes());
+    EXPECT_EQ(number_of(m_cache, 0), 8);
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(events(), Lines{"plc: p0: no answer: the device keeps its value"});
+    step();
+    EXPECT_EQ(events(), Lines{});
+}
+
+TEST_F(Passed_on_test, ANewerWriteIsAwaitedFromItsOwnTime) {
+    m_clock->advance(4s);
+    write(10);
+    m_clock->advance(4s);
+    step();
+    EXPECT_EQ(number_of(m_cache, 0), 10);
+    EXPECT_EQ(events(), Lines{});
+    m_device->push(0, 10);
+    step();
+    m_clock->advance(1min);
+    step();
+    EXPECT_EQ(events(), Lines{});
+}
+
+TEST_F(Passed_on_test, AValueThatTheDeviceHasIsNotAwaited) {
+    m_device->push(0, 9);
+    step();
+    write(9);
+    EXPECT_FALSE(is_writing());
+    m_clock->advance(1min);
+    step();
+    EXPECT_EQ(events(), Lines{});
+}
+
+TEST_F(Passed_on_test, AFailureOfTheDeviceIsItsAnswer) {
+    m_device->push(0, 5000);
+    step();
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(number_of(m_cache, 0), 8);
+    EXPECT_EQ(freshness(0), Freshness::OLD);
+}
+
+TEST_F(Passed_on_test, TheLossOfTheConnectionEndsTheWait) {
+    m_device->be_away("closed");
+    step();
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(number_of(m_cache, 0), 8);
+    EXPECT_EQ(freshness(0), Freshness::OLD);
+    EXPECT_EQ(events(), Lines{"plc: away: closed"});
 }
 
 // ---- the rest of the device
