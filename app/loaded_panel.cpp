@@ -26,7 +26,7 @@ bool has_drivers(const Json_value& root) {
 }  // namespace
 
 Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drivers drivers,
-                        const Shows_character& shows) {
+                        const Shows_character& shows, bool has_all_warnings) {
     Menu_document document(file);
     if (shows) {
         warn_of_characters(document, shows);
@@ -46,6 +46,7 @@ Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drive
     Simulated_device& device = *panel.device;
     Loading loading;
     loading.columns = columns;
+    loading.has_all_warnings = has_all_warnings;
     loading.card_service = device.cards() != nullptr ? device.cards()->address() : "";
     loading.simulator = Simulator_facts{device.product_options(),
                                         [&device](int slot, uint32_t pid, bool is_tree) {

@@ -30,9 +30,10 @@ struct Loaded_panel {
 
 // Input_error and Input_errors as `load_menu` throws them. `columns` are those of the display. The drivers work once the
 // cache of `driven` is started. With `shows` there is a warning of each text with a character that the display cannot
-// show.
+// show. `has_all_warnings`: see `Loading`.
 Loaded_panel load_panel(const std::string& file, Cards cards, int columns,
-                        Drivers drivers = Drivers::LOADED, const Shows_character& shows = nullptr);
+                        Drivers drivers = Drivers::LOADED, const Shows_character& shows = nullptr,
+                        bool has_all_warnings = true);
 
 }  // namespace frontpanel
 

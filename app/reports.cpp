@@ -41,7 +41,8 @@ Loaded_panel load(const Options& options, Output_log& log, Cards cards,
     const Drivers drivers = options.simulate ? Drivers::SIMULATED
                             : options.check  ? Drivers::CHECKED
                                              : Drivers::LOADED;
-    Loaded_panel loaded = load_panel(options.menu, cards, options.size.columns, drivers, shows);
+    Loaded_panel loaded =
+        load_panel(options.menu, cards, options.size.columns, drivers, shows, options.check);
     log.return_errors();
     return loaded;
 }

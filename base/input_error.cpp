@@ -1,5 +1,8 @@
 #include <frontpanel_base/input_error.h>
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -16,6 +19,13 @@ std::string bytes_text(size_t bytes) {
     constexpr size_t KIB = 1024;
     return bytes % (KIB * KIB) == 0 ? std::to_string(bytes / (KIB * KIB)) + " MiB"
                                     : std::to_string(bytes / KIB) + " KiB";
+}
+
+// Of a file of a known size, so that its text is never copied while it grows.
+size_t expected_size(const std::string& path, size_t largest) {
+    struct stat status {};
+    const bool is_known = stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    return is_known ? std::min(static_cast<size_t>(status.st_size), largest) : 0;
 }
 
 }  // namespace
@@ -37,6 +47,8 @@ std::string read_input_file(const std::string& path, size_t largest) {
         throw Input_error(path + ": cannot be opened: " + std::strerror(errno));
     }
     std::string text;
+    text.reserve(expected_size(path, largest));
+    errno = 0;
     std::array<char, size_t{16} * 1024> piece;
     do {
         file.read(piece.data(), piece.size());

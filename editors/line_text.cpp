@@ -38,6 +38,9 @@ bool is_between(char byte, unsigned char first, unsigned char last) {
 
 // The bytes of the character that begins a text, at least one.
 std::size_t length_of_first(std::string_view text) {
+    if (is_between(text.front(), 0x00, 0x7F)) {
+        return 1;
+    }
     for (const Lead& lead : LEADS) {
         if (!is_between(text.front(), lead.first, lead.last) || text.size() <= lead.following ||
             !is_between(text[1], lead.least_second, lead.greatest_second)) {
@@ -116,7 +119,11 @@ std::string part_of(const Characters& text, std::size_t start, std::size_t colum
 }  // namespace
 
 int width_of(std::string_view text) {
-    return static_cast<int>(characters_of(text).size());
+    int width = 0;
+    for (; !text.empty(); text.remove_prefix(length_of_first(text))) {
+        ++width;
+    }
+    return width;
 }
 
 std::string start_of(std::string_view text, int columns) {

@@ -17,6 +17,8 @@ void check_equal_names(const Built_menu& built);
 void check_reach(const Built_menu& built);
 // Reports rules that drive each other in a circle of writes, and warns of limits that follow each other in one.
 void check_circles(const Built_menu& built, Problems& problems);
+// Whether there may be a circle of writes to report.
+bool has_circle_of_writes(const Built_menu& built);
 // Warns of conditions that bounds make always or never true, unless a copy of the same text is different.
 void check_constants(const Built_menu& built, Problems& problems);
 

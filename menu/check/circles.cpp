@@ -137,4 +137,11 @@ void check_circles(const Built_menu& built, Problems& problems) {
     Circles(built, problems).check();
 }
 
+bool has_circle_of_writes(const Built_menu& built) {
+    const std::vector<Binding_cycle> cycles = built.menu.bindings()->find_cycles();
+    return std::any_of(cycles.begin(), cycles.end(), [](const Binding_cycle& cycle) {
+        return cycle.kind == Binding_cycle::Kind::WRITES;
+    });
+}
+
 }  // namespace frontpanel

@@ -1,6 +1,7 @@
 #include "file/item_builder.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <frontpanel_base/nearest_name.h>
 #include <frontpanel_menu/entry_access.h>
@@ -28,10 +29,12 @@ constexpr Common_member COMMON_MEMBERS[] = {
     {member::ALLOW_CIRCLE, false, true},
 };
 
+using Members = std::vector<const char*>;
+
 // The common members that the condition holds for, and those of the kind.
 template <typename Condition>
-std::vector<const char*> members_with(const Entry_kind& kind, Condition has) {
-    std::vector<const char*> members;
+Members members_with(const Entry_kind& kind, Condition has) {
+    Members members;
     for (const Common_member& member : COMMON_MEMBERS) {
         if (has(member)) {
             members.push_back(member.name);
@@ -40,6 +43,42 @@ std::vector<const char*> members_with(const Entry_kind& kind, Condition has) {
     members.insert(members.end(), kind.members.begin(), kind.members.end());
     return members;
 }
+
+Members all_members_of(const Entry_kind& kind) {
+    return members_with(kind, [&kind](const Common_member& member) {
+        return member.is_of_every_kind || !kind.has(Entry_kind::HAS_OWN_MEMBERS);
+    });
+}
+
+Members all_bridged_members_of(const Entry_kind& kind) {
+    return members_with(kind, [](const Common_member& member) { return member.is_bridged; });
+}
+
+// Of each row of the table of kinds.
+std::vector<Members> members_by_kind(Members (*members)(const Entry_kind& kind)) {
+    std::vector<Members> all;
+    std::transform(entry_kinds().begin(), entry_kinds().end(), std::back_inserter(all), members);
+    return all;
+}
+
+const Members& of_kind(const std::vector<Members>& all, const Entry_kind& kind) {
+    return all[static_cast<size_t>(&kind - entry_kinds().data())];
+}
+
+// The kinds that items name by their type.
+struct Named_kinds {
+    Named_kinds() {
+        for (const Entry_kind& kind : entry_kinds()) {
+            if (kind.name != nullptr) {
+                kinds.push_back(&kind);
+                names.push_back(kind.name);
+            }
+        }
+    }
+
+    std::vector<const Entry_kind*> kinds;
+    std::vector<const char*> names;
+};
 
 // A wrong name is reported, and the item goes on under another.
 std::string checked_name(Load_context& context, const Json_value& item, const Spot& spot) {
@@ -87,25 +126,18 @@ std::string no_parameter(const Parameter_table& parameters, const std::string& n
 }
 
 const Entry_kind& kind_of_item(const Json_value& item) {
-    std::vector<const Entry_kind*> kinds;
-    std::vector<const char*> names;
-    for (const Entry_kind& kind : entry_kinds()) {
-        if (kind.name != nullptr) {
-            kinds.push_back(&kind);
-            names.push_back(kind.name);
-        }
-    }
-    return *kinds[item.member(member::TYPE).choice(names)];
+    static const Named_kinds KINDS;
+    return *KINDS.kinds[item.member(member::TYPE).choice(KINDS.names)];
 }
 
-std::vector<const char*> members_of(const Entry_kind& kind) {
-    return members_with(kind, [&kind](const Common_member& member) {
-        return member.is_of_every_kind || !kind.has(Entry_kind::HAS_OWN_MEMBERS);
-    });
+const std::vector<const char*>& members_of(const Entry_kind& kind) {
+    static const std::vector<Members> ALL = members_by_kind(all_members_of);
+    return of_kind(ALL, kind);
 }
 
-std::vector<const char*> bridged_members_of(const Entry_kind& kind) {
-    return members_with(kind, [](const Common_member& member) { return member.is_bridged; });
+const std::vector<const char*>& bridged_members_of(const Entry_kind& kind) {
+    static const std::vector<Members> ALL = members_by_kind(all_bridged_members_of);
+    return of_kind(ALL, kind);
 }
 
 Leaf entry_of(Load_context& context, const Json_value& item, const Spot& spot) {

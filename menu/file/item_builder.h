@@ -40,9 +40,9 @@ struct Leaf {
 const Entry_kind& kind_of_item(const Json_value& item);
 // What an error says of a parameter name that nothing declares.
 std::string no_parameter(const Parameter_table& parameters, const std::string& name);
-// All members that an item of a kind may have: in a menu, or behind a bridge.
-std::vector<const char*> members_of(const Entry_kind& kind);
-std::vector<const char*> bridged_members_of(const Entry_kind& kind);
+// All members that an item of a row of `entry_kinds` may have: in a menu, or behind a bridge.
+const std::vector<const char*>& members_of(const Entry_kind& kind);
+const std::vector<const char*>& bridged_members_of(const Entry_kind& kind);
 
 Leaf entry_of(Load_context& context, const Json_value& item, const Spot& spot);
 // Of an entry that shows a parameter of that type.

@@ -33,9 +33,10 @@ void order(const Built_menu::Submenu& menu) {
 }  // namespace
 
 void Link_places::keep(Load_context& context, const Json_value& item, unsigned int level) {
-    Built_menu::Submenu& menu = *context.open_menu();
-    m_pending.push_back({item, level, context.open_menus.back(), menu.children.size()});
-    menu.children.push_back(nullptr);
+    const size_t menu = context.open_menus.back();
+    std::vector<Data_entry*>& children = context.built.menus[menu].children;
+    m_pending.push_back({item, level, menu, children.size()});
+    children.push_back(nullptr);
 }
 
 void Link_places::fill(Load_context& context) {

@@ -52,7 +52,14 @@ void load_root(Load_context& context, const Json_value& menu) {
     build_node(context, menu, {nullptr, 0});
 }
 
-void check(const Built_menu& built, Problems& problems) {
+// Circles of writes alone are errors: all else is warned of, which nobody sees of a menu without errors unless asked for.
+void check(const Load_context& context) {
+    const Built_menu& built = context.built;
+    Problems& problems = context.problems;
+    if (!context.loading.has_all_warnings && problems.error_count() == 0 &&
+        !has_circle_of_writes(built)) {
+        return;
+    }
     check_line_widths(built, problems);
     check_equal_names(built);
     check_circles(built, problems);
@@ -73,7 +80,7 @@ void load(Load_context& context, const Json_value& file) {
     context.links.fill(context);
     load_home(context, file);
     context.links.set_escapes(context);
-    check(context.built, problems);
+    check(context);
     if (context.menu.entry_count() > 0) {
         context.menu.share_shortcuts();
     }

@@ -293,6 +293,52 @@ TEST(MenuLoader, AFolderIsRefused) {
     }
 }
 
+// Two items of one name, with rules.
+std::string twins(const std::string& rules, const std::string& other_rules) {
+    const auto item = [](const std::string& pid, const std::string& rule) {
+        return R"({"type": "range", "name": "Level", "pid": )" + pid + R"(, "binding": ")" + rule +
+               "\"}";
+    };
+    return menu_text(R"({"pid": 5, "type": "integer", "min": 0, "max": 100},
+        {"pid": 6, "type": "integer", "min": 0, "max": 100})",
+                     item("5", rules) + "," + item("6", other_rules));
+}
+
+Loaded_menu loaded_for_panel(const std::string& text) {
+    Memory_device device;
+    Loading loading;
+    loading.has_all_warnings = false;
+    return load_menu_text("menu.json", text, device, loading);
+}
+
+TEST(MenuLoader, AMenuForAPanelIsNotSearchedForWarnings) {
+    const std::string text = twins("range [6]..100", "range [5]..100");
+    Memory_device device;
+    EXPECT_EQ(load_menu_text("menu.json", text, device).warnings.size(), 2U);
+    EXPECT_TRUE(loaded_for_panel(text).warnings.empty());
+}
+
+TEST(MenuLoader, AMenuWithErrorsHasAllWarningsAlsoForAPanel) {
+    for (const std::string& text :
+         {twins("set [6] = value if value > 1", "set [5] = value if value > 1"),
+          twins("range [6]..", "range [5]..100")}) {
+        Memory_device device;
+        std::vector<std::string> lines;
+        try {
+            load_menu_text("menu.json", text, device);
+        } catch (const Input_errors& errors) {
+            lines = errors.lines();
+        }
+        EXPECT_EQ(lines.size(), 2U);
+        try {
+            loaded_for_panel(text);
+            FAIL();
+        } catch (const Input_errors& errors) {
+            EXPECT_EQ(errors.lines(), lines);
+        }
+    }
+}
+
 TEST(MenuLoader, TheShippedMenuLoadsWithoutWarning) {
     Simulated_menu loaded = simulated_file(FRONTPANEL_SOURCE_DIR "/menus/demo.json");
     EXPECT_TRUE(loaded.warnings.empty());
