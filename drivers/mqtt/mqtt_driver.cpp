@@ -1,11 +1,9 @@
 #include <frontpanel_driver_mqtt/mqtt_driver.h>
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <chrono>
 #include <map>
-#include <system_error>
+#include <set>
 #include <utility>
 #include <variant>
 
@@ -16,6 +14,10 @@
 namespace frontpanel {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds RETAINED_WITHIN(1000);  // of the subscription
 constexpr const char* NO_MESSAGE = "no message yet";
 constexpr const char* TOPIC_REFUSED = "the broker refuses the topic";
 
@@ -24,6 +26,7 @@ public:
     Mqtt_driver(const Json_value& options, const Driver_setup& setup)
         : m_settings(mqtt_settings_of(options, setup.folder)),
           m_place(options.place()),
+          m_has_poll(options.find("poll")),
           m_link(m_settings, [this](const std::string& topic, std::string_view message) {
               take(topic, message);
           }) {}
@@ -31,6 +34,8 @@ public:
     void add(const Json_value& source, const Driver_parameter& parameter) override {
         m_sources.push_back(topic_source_of(source, m_settings, parameter.is_text));
         m_declared.push_back({source.place(), parameter.name});
+        m_are_repeated.push_back(m_has_poll || source.find("poll"));
+        m_silent.insert(m_sources.size() - 1);
         const Topic_source& added = m_sources.back();
         m_numbers[added.topic].push_back(m_sources.size() - 1);
         int& qos = m_topics[added.topic];
@@ -38,17 +43,14 @@ public:
     }
 
     void check(Problems& problems) const override {
-        for (const std::string& file : m_settings.files()) {
-            if (access(file.c_str(), R_OK) != 0) {
-                problems.warn(m_place,
-                              "\"" + file + "\": " + std::generic_category().message(errno));
-            }
+        for (const std::string& fault : m_settings.file_faults()) {
+            problems.warn(m_place, fault);
         }
         warn_of_doubles(problems, "is read from", [](const Topic_source& source) {
-            return std::pair(source.topic, source.member);
+            return std::pair(source.topic, source.member.name());
         });
         warn_of_doubles(problems, "is written to", [](const Topic_source& source) {
-            return std::pair(source.write_topic, source.write_member);
+            return std::pair(source.write_topic, source.write_member.name());
         });
     }
 
@@ -59,15 +61,20 @@ public:
             for (const std::size_t number : numbers) {
                 if (m_link.is_refused(topic)) {
                     m_waiting[number] = No_value{TOPIC_REFUSED};
+                    m_silent.erase(number);
                 }
             }
         }
+        m_silent_until = Clock::now() + RETAINED_WITHIN;
         return result;
     }
     void disconnect() override { m_link.close(); }
     void stop() override { m_link.stop(); }
 
     bool pushes(std::size_t /*number*/) const override { return true; }
+    bool repeats(std::size_t number) const override {
+        return number < m_are_repeated.size() && m_are_repeated[number];
+    }
 
     Driver_result read(const std::vector<std::size_t>& /*numbers*/, Value_sink& sink) override {
         pass(sink);
@@ -83,16 +90,23 @@ public:
         if (const auto* const none = std::get_if<No_value>(&message)) {
             return Driver_result::refused(none->reason);
         }
-        return m_link.publish(source.write_topic, std::get<std::string>(message), source.qos,
-                              source.is_retained);
+        Driver_result result = m_link.publish(source.write_topic, std::get<std::string>(message),
+                                              source.qos, source.is_retained);
+        return result.kind == Driver_result::DONE ? Driver_result::passed_on() : result;
     }
 
-    Driver_result wait(std::chrono::milliseconds most, int wake, Value_sink& sink) override {
+    Driver_result wait(milliseconds most, int wake, Value_sink& sink) override {
         // What has arrived during another call comes first.
         if (!m_waiting.empty()) {
-            most = std::chrono::milliseconds(0);
+            most = milliseconds(0);
+        } else if (!m_silent.empty()) {
+            const auto left = std::chrono::ceil<milliseconds>(m_silent_until - Clock::now());
+            most = std::min(most, std::max(left, milliseconds(0)));
         }
         Driver_result result = m_link.wait(most, wake);
+        if (result.kind == Driver_result::DONE && Clock::now() >= m_silent_until) {
+            give_up_silent_ones();
+        }
         pass(sink);
         return result;
     }
@@ -122,8 +136,17 @@ private:
         if (numbers == m_numbers.end()) {
             return;
         }
+        Topic_message received(message);
         for (const std::size_t number : numbers->second) {
-            m_waiting[number] = value_in(m_sources[number], message);
+            m_waiting[number] = value_in(m_sources[number], received);
+            m_silent.erase(number);
+        }
+    }
+
+    // What a topic holds comes with the subscription: where nothing came, there is nothing.
+    void give_up_silent_ones() {
+        for (const std::size_t number : std::exchange(m_silent, {})) {
+            m_waiting.emplace(number, No_value{NO_MESSAGE});
         }
     }
 
@@ -138,12 +161,16 @@ private:
     }
 
     Mqtt_settings m_settings;
-    Place m_place;  // for `check` only
+    Place m_place;    // for `check` only
+    bool m_has_poll;  // of sources that have none
+    std::vector<bool> m_are_repeated;
     std::vector<Topic_source> m_sources;
     std::vector<Declared> m_declared;
     std::map<std::string, std::vector<std::size_t>> m_numbers;  // by topic
     std::map<std::string, int> m_topics;                        // quality of service, by topic
     std::map<std::size_t, Received> m_waiting;                  // arrived, and not yet passed on
+    std::set<std::size_t> m_silent;  // for which there has never been a message
+    Clock::time_point m_silent_until{};
     Mqtt_link m_link;
 };
 

@@ -1,6 +1,7 @@
 #include "mqtt_link.h"
 
 #include <mosquitto.h>
+#include <mqtt_protocol.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -18,15 +19,19 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr milliseconds PATIENCE(3000);  // for an answer of the broker
-constexpr milliseconds LAST_WORDS(500);
-constexpr milliseconds SLICE(100);  // between two looks at what `stop` says
+constexpr milliseconds LAST_WORDS(400);
+constexpr milliseconds CLOSELY(10);  // a message behind another one
+constexpr milliseconds SLICE(100);   // between two looks at m_is_stopping
 constexpr milliseconds LONGEST_WAIT(
-    1000);                      // between two looks at the time of the next sign of life
-constexpr int KEEP_ALIVE = 15;  // seconds
+    1000);                     // between two looks at the time of the next sign of life
+constexpr int KEEP_ALIVE = 5;  // seconds, the shortest time that the library takes
 constexpr int REFUSED = 128;
 constexpr std::size_t TOPICS_AT_ONCE = 100;
 constexpr std::size_t LARGEST_LOGIN = 4096;
+constexpr std::uint32_t LARGEST_PACKET = 1048576;
+constexpr int NO_PORT = -1;
 constexpr const char* NO_ANSWER = "no answer from the broker";
+constexpr const char* PANEL_ENDS = "the panel ends";
 constexpr const char* HERE = "online";
 constexpr const char* GONE = "offline";
 
@@ -48,41 +53,68 @@ const char* text_or_null(const std::string& text) {
     return text.empty() ? nullptr : text.c_str();
 }
 
+// A key that is protected by a password cannot be used: nobody may be asked on the terminal.
+int no_password(char* /*buffer*/, int /*size*/, int /*is_writing*/, void* /*object*/) {
+    return 0;
+}
+
+// "OpenSSL Error[0]: error:0A000086:SSL routines::certificate verify failed" without what a person does not need.
+std::string trouble_of(const std::string& logged) {
+    const std::size_t end = logged.find_last_of(':');
+    std::string trouble = logged.substr(end == std::string::npos ? 0 : end + 1);
+    trouble.erase(0, std::min(trouble.find_first_not_of(' '), trouble.size()));
+    return trouble.empty() ? logged : trouble;
+}
+
 }  // namespace
 
-// What the library calls, with the link.
+// What the library calls, with the link. Nothing is thrown through it.
 struct Mqtt_link::Callbacks {
     static Mqtt_link& link(void* object) { return *static_cast<Mqtt_link*>(object); }
+    template <typename Act>
+    static void guarded(void* object, Act act) noexcept {
+        try {
+            act(link(object));
+        } catch (...) {
+            link(object).m_is_out_of_memory = true;
+        }
+    }
 
-    static void welcomed(mosquitto* /*client*/, void* object, int code) {
+    static void welcomed(mosquitto* /*client*/, void* object, int code, int /*flags*/,
+                         const mosquitto_property* /*properties*/) {
         link(object).m_welcome = code;
     }
     static void subscribed(mosquitto* /*client*/, void* object, int message, int count,
                            const int* granted) {
-        const auto asked = link(object).m_asked.find(message);
-        if (asked == link(object).m_asked.end()) {
-            return;
-        }
-        for (std::size_t i = 0; i < asked->second.size(); ++i) {
-            if (i >= static_cast<std::size_t>(count) || granted[i] >= REFUSED) {
-                link(object).m_refused.insert(asked->second[i]);
+        guarded(object, [&](Mqtt_link& link) {
+            const auto asked = link.m_asked.find(message);
+            if (asked == link.m_asked.end()) {
+                return;
             }
-        }
-        link(object).m_asked.erase(asked);
+            for (std::size_t i = 0; i < asked->second.size(); ++i) {
+                if (i >= static_cast<std::size_t>(count) || granted[i] >= REFUSED) {
+                    link.m_refused.insert(asked->second[i]);
+                }
+            }
+            link.m_asked.erase(asked);
+        });
     }
-    static void published(mosquitto* /*client*/, void* object, int message) {
-        link(object).m_published = message;
+    static void published(mosquitto* /*client*/, void* object, int message, int code,
+                          const mosquitto_property* /*properties*/) {
+        guarded(object, [&](Mqtt_link& link) { link.m_answers[message] = code; });
     }
     static void arrived(mosquitto* /*client*/, void* object, const mosquitto_message* message) {
-        link(object).m_has_message = true;
-        const auto* const bytes = static_cast<const char*>(message->payload);
-        const auto size = static_cast<std::size_t>(std::max(message->payloadlen, 0));
-        link(object).m_on_message(message->topic,
-                                  bytes == nullptr ? "" : std::string_view(bytes, size));
+        guarded(object, [&](Mqtt_link& link) {
+            link.m_has_message = true;
+            const auto* const bytes = static_cast<const char*>(message->payload);
+            const auto size = static_cast<std::size_t>(std::max(message->payloadlen, 0));
+            link.m_on_message(message->topic,
+                              bytes == nullptr ? "" : std::string_view(bytes, size));
+        });
     }
     static void logged(mosquitto* /*client*/, void* object, int level, const char* text) {
         if (level == MOSQ_LOG_ERR) {
-            link(object).m_trouble = text;
+            guarded(object, [&](Mqtt_link& link) { link.m_trouble = trouble_of(text); });
         }
     }
 };
@@ -104,62 +136,108 @@ Mqtt_link::~Mqtt_link() = default;
 Driver_result Mqtt_link::open(const std::map<std::string, int>& topics) {
     Driver_result result = start();
     if (result.kind == Driver_result::DONE) {
-        result = work(Clock::now() + PATIENCE, -1, [this] { return m_welcome.has_value(); });
-    }
-    if (result.kind == Driver_result::DONE && *m_welcome != 0) {
-        result = Driver_result::away(mosquitto_connack_string(*m_welcome));
-    }
-    if (result.kind == Driver_result::DONE) {
         result = subscribe(topics);
     }
     if (result.kind != Driver_result::DONE) {
-        m_client.reset();
-        return Driver_result::away(result.reason);
+        return lost(result.reason);
     }
     if (!m_settings.status.empty()) {
+        const std::string here = HERE;
         mosquitto_publish(m_client.get(), nullptr, m_settings.status.c_str(),
-                          static_cast<int>(std::char_traits<char>::length(HERE)), HERE, 1, true);
+                          static_cast<int>(here.size()), here.data(), 1, true);
     }
     return result;
 }
 
+// Up to the broker's welcome.
 Driver_result Mqtt_link::start() {
-    m_client.reset(mosquitto_new(text_or_null(m_settings.client), true, this));
     m_welcome.reset();
     m_asked.clear();
     m_refused.clear();
+    m_answers.clear();
     m_trouble.clear();
+    m_is_out_of_memory = false;
+    m_client.reset(mosquitto_new(text_or_null(m_settings.client), true, this));
     if (!m_client) {
         return Driver_result::away(system_text(errno));
     }
+    Driver_result result = connect();
+    if (result.kind == Driver_result::DONE) {
+        result = work(Clock::now() + PATIENCE, -1, [this] { return m_welcome.has_value(); });
+    }
+    if (result.kind == Driver_result::DONE && *m_welcome != 0) {
+        result = Driver_result::away(welcome_text());
+    }
+    if (result.kind == Driver_result::AWAY && is_other_protocol()) {
+        m_is_old_broker = !m_is_old_broker;
+    }
+    m_trouble.clear();
+    return result;
+}
+
+// Whether the broker may have closed the connection because it does not know the protocol. Not every one gives the reason.
+bool Mqtt_link::is_other_protocol() const {
+    if (m_welcome) {
+        return *m_welcome == MQTT_RC_UNSUPPORTED_PROTOCOL_VERSION ||
+               *m_welcome == CONNACK_REFUSED_PROTOCOL_VERSION;
+    }
+    return m_is_accepted && m_trouble.empty();
+}
+
+Driver_result Mqtt_link::connect() {
     mosquitto* const client = m_client.get();
-    mosquitto_connect_callback_set(client, Callbacks::welcomed);
+    mosquitto_connect_v5_callback_set(client, Callbacks::welcomed);
     mosquitto_subscribe_callback_set(client, Callbacks::subscribed);
-    mosquitto_publish_callback_set(client, Callbacks::published);
+    mosquitto_publish_v5_callback_set(client, Callbacks::published);
     mosquitto_message_callback_set(client, Callbacks::arrived);
     mosquitto_log_callback_set(client, Callbacks::logged);
-    if (!m_settings.status.empty()) {
-        mosquitto_will_set(client, m_settings.status.c_str(),
-                           static_cast<int>(std::char_traits<char>::length(GONE)), GONE, 1, true);
+    mosquitto_int_option(client, MOSQ_OPT_TCP_NODELAY, 1);
+    if (!m_is_old_broker) {
+        mosquitto_int_option(client, MOSQ_OPT_PROTOCOL_VERSION, MQTT_PROTOCOL_V5);
+        limit_messages();
     }
-    if (Driver_result result = log_in(); result.kind != Driver_result::DONE) {
-        return result;
+    if (!m_settings.status.empty()) {
+        const std::string gone = GONE;
+        mosquitto_will_set(client, m_settings.status.c_str(), static_cast<int>(gone.size()),
+                           gone.data(), 1, true);
+    }
+    for (const auto prepare : {&Mqtt_link::encrypt, &Mqtt_link::log_in}) {
+        if (Driver_result result = (this->*prepare)(); result.kind != Driver_result::DONE) {
+            return result;
+        }
     }
     m_is_connecting = true;
+    m_is_accepted = false;
     const int result =
         mosquitto_connect_async(client, m_settings.host.c_str(), m_settings.port, KEEP_ALIVE);
-    return result == MOSQ_ERR_SUCCESS ? Driver_result::done() : lost(result);
+    return result == MOSQ_ERR_SUCCESS ? Driver_result::done() : lost(result, errno);
+}
+
+// The broker is asked to send no larger packet. The library takes that only with the connect that waits: with a port that
+// is invalid it keeps it for the one that does not.
+void Mqtt_link::limit_messages() {
+    mosquitto_property* properties = nullptr;
+    mosquitto_property_add_int32(&properties, MQTT_PROP_MAXIMUM_PACKET_SIZE, LARGEST_PACKET);
+    mosquitto_connect_bind_v5(m_client.get(), m_settings.host.c_str(), NO_PORT, KEEP_ALIVE, nullptr,
+                              properties);
+    mosquitto_property_free_all(&properties);
+}
+
+Driver_result Mqtt_link::encrypt() {
+    if (const std::vector<std::string> faults = m_settings.file_faults(); !faults.empty()) {
+        return Driver_result::away(faults.front());
+    }
+    if (!m_settings.is_encrypted()) {
+        return Driver_result::done();
+    }
+    const int result = mosquitto_tls_set(m_client.get(), m_settings.ca.c_str(), nullptr,
+                                         text_or_null(m_settings.certificate),
+                                         text_or_null(m_settings.key), no_password);
+    return result == MOSQ_ERR_SUCCESS ? Driver_result::done()
+                                      : Driver_result::away(mosquitto_strerror(result));
 }
 
 Driver_result Mqtt_link::log_in() {
-    if (m_settings.is_encrypted()) {
-        const int result = mosquitto_tls_set(m_client.get(), m_settings.ca.c_str(), nullptr,
-                                             text_or_null(m_settings.certificate),
-                                             text_or_null(m_settings.key), nullptr);
-        if (result != MOSQ_ERR_SUCCESS) {
-            return Driver_result::away("a file for the encryption cannot be used");
-        }
-    }
     if (m_settings.login.empty()) {
         return Driver_result::done();
     }
@@ -168,8 +246,12 @@ Driver_result Mqtt_link::log_in() {
         std::size_t at = 0;
         const std::string user = line_of(text, at);
         const std::string password = line_of(text, at);
-        mosquitto_username_pw_set(m_client.get(), user.c_str(), text_or_null(password));
-        return Driver_result::done();
+        const int result =
+            mosquitto_username_pw_set(m_client.get(), user.c_str(), text_or_null(password));
+        return result == MOSQ_ERR_SUCCESS
+                   ? Driver_result::done()
+                   : Driver_result::away("\"" + m_settings.login +
+                                         "\": " + mosquitto_strerror(result));
     } catch (const Input_error& error) {
         return Driver_result::away(error.what());
     }
@@ -191,7 +273,7 @@ Driver_result Mqtt_link::subscribe(const std::map<std::string, int>& topics) {
             }
         }
     }
-    return Driver_result::done();
+    return work(Clock::now() + PATIENCE, -1, [this] { return m_asked.empty(); });
 }
 
 Driver_result Mqtt_link::subscribe_to(std::vector<std::string> topics, int qos) {
@@ -204,55 +286,87 @@ Driver_result Mqtt_link::subscribe_to(std::vector<std::string> topics, int qos) 
         mosquitto_subscribe_multiple(m_client.get(), &message, static_cast<int>(pointers.size()),
                                      pointers.data(), qos, 0, nullptr);
     if (result != MOSQ_ERR_SUCCESS) {
-        return lost(result);
+        return lost(result, errno);
     }
     m_asked[message] = std::move(topics);
-    return work(Clock::now() + PATIENCE, -1, [this] { return m_asked.empty(); });
+    return Driver_result::done();
 }
 
 void Mqtt_link::close() {
     if (!m_client) {
         return;
     }
-    m_is_stopping = false;
+    m_is_closing = true;
     if (!m_settings.status.empty()) {
-        publish(m_settings.status, GONE, 1, true);
+        publish(m_settings.status, GONE, 1, true, LAST_WORDS);
     }
     if (m_client) {
         mosquitto_disconnect(m_client.get());
         work(Clock::now() + LAST_WORDS, -1,
              [this] { return !mosquitto_want_write(m_client.get()); });
     }
-    m_client.reset();
+    lost("");
+    m_is_closing = false;
 }
 
 // ---- messages
 
 Driver_result Mqtt_link::publish(const std::string& topic, const std::string& message, int qos,
                                  bool is_retained) {
+    return publish(topic, message, qos, is_retained, PATIENCE);
+}
+
+Driver_result Mqtt_link::publish(const std::string& topic, const std::string& message, int qos,
+                                 bool is_retained, milliseconds patience) {
     // A connection that the broker has closed is noticed before anything is sent.
-    if (Driver_result result = wait(milliseconds(0), -1); result.kind != Driver_result::DONE) {
+    if (Driver_result result = look(); result.kind != Driver_result::DONE) {
         return result;
     }
     int number = 0;
-    m_published.reset();
+    m_answers.clear();
     const int sent =
         mosquitto_publish(m_client.get(), &number, topic.c_str(), static_cast<int>(message.size()),
                           message.data(), qos, is_retained);
+    if (sent == MOSQ_ERR_CONN_LOST || sent == MOSQ_ERR_ERRNO) {
+        return Driver_result::timed_out(lost(sent, errno).reason);
+    }
+    if (sent == MOSQ_ERR_NO_CONN) {
+        return lost(sent, errno);
+    }
+    if (sent != MOSQ_ERR_SUCCESS) {
+        return Driver_result::refused(mosquitto_strerror(sent));
+    }
     const Driver_result result =
-        sent == MOSQ_ERR_SUCCESS
-            ? work(Clock::now() + PATIENCE, -1, [this, number] { return m_published == number; })
-            : lost(sent);
-    return result.kind == Driver_result::DONE ? result : Driver_result::timed_out(result.reason);
+        work(Clock::now() + patience, -1, [this, number] { return m_answers.count(number) > 0; });
+    return result.kind == Driver_result::DONE ? answer_to(number)
+                                              : Driver_result::timed_out(result.reason);
+}
+
+Driver_result Mqtt_link::answer_to(int message) const {
+    const int code = m_answers.at(message);
+    return code < REFUSED ? Driver_result::done()
+                          : Driver_result::refused(mosquitto_reason_string(code));
 }
 
 Driver_result Mqtt_link::wait(milliseconds most, int wake) {
     if (!m_client) {
-        return Driver_result::away(m_trouble);
+        return Driver_result::away(m_away_reason);
     }
     m_has_message = false;
     Driver_result result = work(Clock::now() + most, wake, [this] { return m_has_message; });
+    if (result.kind == Driver_result::DONE && m_has_message) {
+        result = work(Clock::now() + CLOSELY, wake, [] { return false; });
+    }
     return result.kind == Driver_result::TIMED_OUT ? Driver_result::done() : result;
+}
+
+// Takes what is there.
+Driver_result Mqtt_link::look() {
+    if (!m_client) {
+        return Driver_result::away(m_away_reason);
+    }
+    const Driver_result result = work(Clock::now(), -1, [] { return false; });
+    return result.kind == Driver_result::AWAY ? result : Driver_result::done();
 }
 
 // ---- the loop
@@ -260,15 +374,21 @@ Driver_result Mqtt_link::wait(milliseconds most, int wake) {
 template <typename Is_done>
 Driver_result Mqtt_link::work(Time end, int wake, Is_done is_done) {
     for (bool is_first = true; !is_done(); is_first = false) {
+        if (m_is_stopping && !m_is_closing) {
+            return Driver_result::timed_out(PANEL_ENDS);
+        }
         const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
-        if ((!is_first && left <= milliseconds(0)) || m_is_stopping) {
+        if (!is_first && left <= milliseconds(0)) {
             return Driver_result::timed_out(NO_ANSWER);
         }
         bool is_woken = false;
         const int result = work_once(
             std::clamp(left, milliseconds(0), wake < 0 ? SLICE : LONGEST_WAIT), wake, is_woken);
         if (result != MOSQ_ERR_SUCCESS) {
-            return lost(result);
+            return lost(result, errno);
+        }
+        if (m_is_out_of_memory) {
+            return lost(MOSQ_ERR_NOMEM, errno);
         }
         if (is_woken) {
             break;
@@ -287,6 +407,7 @@ int Mqtt_link::work_once(milliseconds most, int wake, bool& is_woken) {
     int result = MOSQ_ERR_SUCCESS;
     if (sources[0].revents != 0 && std::exchange(m_is_connecting, false)) {
         result = connection_error();
+        m_is_accepted = result == MOSQ_ERR_SUCCESS;
     }
     if (result == MOSQ_ERR_SUCCESS && (sources[0].revents & ~POLLOUT) != 0) {
         result = mosquitto_loop_read(client, 1);
@@ -306,15 +427,27 @@ int Mqtt_link::connection_error() {
     return error == 0 ? MOSQ_ERR_SUCCESS : MOSQ_ERR_ERRNO;
 }
 
-Driver_result Mqtt_link::lost(int result) {
-    m_trouble = reason_of(result, errno);
+Driver_result Mqtt_link::lost(int result, int error) {
+    return lost(reason_of(result, error));
+}
+
+Driver_result Mqtt_link::lost(const std::string& reason) {
+    m_away_reason = reason;
     m_client.reset();
-    return Driver_result::away(m_trouble);
+    return Driver_result::away(reason);
+}
+
+std::string Mqtt_link::welcome_text() const {
+    return m_is_old_broker ? mosquitto_connack_string(*m_welcome)
+                           : mosquitto_reason_string(*m_welcome);
 }
 
 std::string Mqtt_link::reason_of(int result, int error) const {
-    if (m_welcome && *m_welcome != 0) {
-        return mosquitto_connack_string(*m_welcome);
+    if (m_welcome.value_or(0) != 0) {
+        return welcome_text();
+    }
+    if (!m_trouble.empty()) {
+        return m_trouble;
     }
     switch (result) {
         case MOSQ_ERR_ERRNO:
@@ -323,8 +456,6 @@ std::string Mqtt_link::reason_of(int result, int error) const {
             return "the broker has closed the connection";
         case MOSQ_ERR_KEEPALIVE:
             return NO_ANSWER;
-        case MOSQ_ERR_TLS:
-            return m_trouble.empty() ? mosquitto_strerror(result) : m_trouble;
         default:
             return mosquitto_strerror(result);
     }

@@ -30,19 +30,20 @@ public:
     Mqtt_link(Mqtt_settings settings, On_message on_message);
     ~Mqtt_link();
 
-    // Connects and subscribes to topics, each with its quality of service. DONE or AWAY.
+    // Connects and subscribes to topics, each with its quality of service. DONE or AWAY. A broker that does not know
+    // MQTT 5 is asked for MQTT 3.1.1 the next time.
     Driver_result open(const std::map<std::string, int>& topics);
-    // Says that the panel goes, and disconnects.
+    // Reports that the panel ends, and disconnects, within a second.
     void close();
     bool is_open() const { return m_client != nullptr; }
     // Whether the broker has refused the topic.
     bool is_refused(const std::string& topic) const { return m_refused.count(topic) > 0; }
 
-    // DONE when the broker has it, or, for quality 0, when it is sent. TIMED_OUT when that is unknown; AWAY when nothing was
-    // sent.
+    // DONE when the broker has confirmed it, or, for quality 0, when it is sent. REFUSED by the broker; TIMED_OUT when
+    // that is unknown; AWAY when nothing was sent.
     Driver_result publish(const std::string& topic, const std::string& message, int qos,
                           bool is_retained);
-    // Until `wake` is readable or a message has arrived. DONE or AWAY.
+    // Until `wake` is readable or messages have arrived: those that follow one closely are taken with it. DONE or AWAY.
     Driver_result wait(std::chrono::milliseconds most, int wake);
 
     // Calls return soon from now on, but `close`.
@@ -53,17 +54,27 @@ private:
     struct Callbacks;
 
     Driver_result start();
+    bool is_other_protocol() const;
+    Driver_result connect();
     Driver_result log_in();
+    Driver_result encrypt();
+    void limit_messages();
     Driver_result subscribe(const std::map<std::string, int>& topics);
     Driver_result subscribe_to(std::vector<std::string> topics, int qos);
+    Driver_result publish(const std::string& topic, const std::string& message, int qos,
+                          bool is_retained, std::chrono::milliseconds patience);
+    Driver_result answer_to(int message) const;
+    Driver_result look();
     // Works until `is_done` or `end`, which is TIMED_OUT; a lost connection is AWAY and closes.
     template <typename Is_done>
     Driver_result work(Time end, int wake, Is_done is_done);
     // Whether something is wrong: the result of a call of the library.
     int work_once(std::chrono::milliseconds most, int wake, bool& is_woken);
     int connection_error();
-    Driver_result lost(int result);
+    Driver_result lost(int result, int error);
+    Driver_result lost(const std::string& reason);
     std::string reason_of(int result, int error) const;
+    std::string welcome_text() const;
 
     struct Destroyer {
         void operator()(mosquitto* client) const;
@@ -73,14 +84,19 @@ private:
     On_message m_on_message;
     std::unique_ptr<mosquitto, Destroyer> m_client;  // null: closed
     std::atomic<bool> m_is_stopping{false};
+    bool m_is_closing = false;
+    bool m_is_old_broker = false;  // it does not know MQTT 5
+    std::string m_away_reason;     // while closed
     // What has arrived on this connection.
     bool m_is_connecting = false;
+    bool m_is_accepted = false;
     std::optional<int> m_welcome;
     std::map<int, std::vector<std::string>>
         m_asked;  // subscriptions that are not answered, by message
     std::set<std::string> m_refused;
-    std::optional<int> m_published;  // the message that was acknowledged last
+    std::map<int, int> m_answers;  // to what was published, by message
     bool m_has_message = false;
+    bool m_is_out_of_memory = false;
     std::string m_trouble;  // what the library has logged
 };
 

@@ -2,6 +2,11 @@
 
 #include <arpa/inet.h>
 #include <mosquitto.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
 
 #include <frontpanel_base/json_members.h>
 
@@ -36,6 +41,14 @@ std::string file_of(const Json_value& options, const char* name, const std::stri
     return folder.empty() || path.front() == '/' ? path : folder + "/" + path;
 }
 
+std::string fault_of(const std::string& file) {
+    struct stat status {};
+    if (stat(file.c_str(), &status) != 0 || access(file.c_str(), R_OK) != 0) {
+        return std::generic_category().message(errno);
+    }
+    return S_ISREG(status.st_mode) ? "" : "not a file";
+}
+
 void read_encryption(const Json_value& options, const std::string& folder,
                      Mqtt_settings& settings) {
     settings.ca = file_of(options, "ca", folder);
@@ -52,14 +65,15 @@ void read_encryption(const Json_value& options, const std::string& folder,
 
 }  // namespace
 
-std::vector<std::string> Mqtt_settings::files() const {
-    std::vector<std::string> named;
+std::vector<std::string> Mqtt_settings::file_faults() const {
+    std::vector<std::string> faults;
     for (const std::string& file : {login, ca, certificate, key}) {
-        if (!file.empty()) {
-            named.push_back(file);
+        const std::string fault = file.empty() ? "" : fault_of(file);
+        if (!fault.empty()) {
+            faults.push_back("\"" + file + "\": " + fault);
         }
     }
-    return named;
+    return faults;
 }
 
 std::vector<const char*> mqtt_members() {

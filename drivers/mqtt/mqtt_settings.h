@@ -23,8 +23,8 @@ struct Mqtt_settings {
     int qos = 1;              // of sources that name none
 
     bool is_encrypted() const { return !ca.empty(); }
-    // The files that are named.
-    std::vector<std::string> files() const;
+    // Why each named file that cannot be read cannot: "PATH: REASON". A pipe, which could hang, is none.
+    std::vector<std::string> file_faults() const;
 };
 
 std::vector<const char*> mqtt_members();

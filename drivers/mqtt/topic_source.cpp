@@ -1,21 +1,24 @@
 #include "topic_source.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
+#include <utility>
 
-#include <frontpanel_base/json_document.h>
+#include <frontpanel_base/character_set.h>
+#include <frontpanel_base/input_error.h>
 #include <frontpanel_base/json_members.h>
+#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
 
 constexpr int LARGEST_QOS = 2;
 constexpr std::size_t MOST_WORDS = 256;
-constexpr std::size_t LONGEST_MEMBER = 200;
 constexpr std::size_t LONGEST_QUOTED = 20;
 constexpr std::size_t LONGEST_NUMBER = 64;
+constexpr int MOST_DIGITS = 18;  // that a scale takes
 constexpr const char* BLANKS = " \t\r\n";
+constexpr const char* DIGITS = "0123456789";
+constexpr const char* LINE_END = "\r\n";
 
 using Found_text = std::variant<std::string, No_value>;
 
@@ -29,31 +32,9 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
 }
 
-// "a.b" as "a" and "b".
-std::vector<std::string> steps_of(const std::string& member) {
-    std::vector<std::string> steps(1);
-    for (const char c : member) {
-        if (c == '.') {
-            steps.emplace_back();
-        } else {
-            steps.back() += c;
-        }
-    }
-    return steps;
-}
-
-std::string member_of(const Json_value& source, const char* name) {
+Message_member member_of(const Json_value& source, const char* name) {
     const auto value = source.find(name);
-    if (!value) {
-        return "";
-    }
-    std::string member = value->text_of_length(1, LONGEST_MEMBER);
-    const std::vector<std::string> steps = steps_of(member);
-    if (std::any_of(steps.begin(), steps.end(),
-                    [](const std::string& step) { return step.empty(); })) {
-        value->fail("expected names with a \".\" between them, found \"" + member + "\"");
-    }
-    return member;
+    return value ? Message_member(*value) : Message_member();
 }
 
 std::vector<std::string> words_of(const Json_value& source) {
@@ -79,7 +60,38 @@ void expect_plain(const Json_value& source, const char* reason,
     }
 }
 
-Found_text text_of(const Json_node& node, const std::string& member) {
+bool is_utf8(std::string_view text) {
+    return characters_of(text).find(DAMAGED) == std::u32string::npos;
+}
+
+// A number such as "2.5e-3" without its exponent, and without digits behind the last one that a scale takes. Any other
+// text as it is.
+std::string without_exponent(const std::string& text) {
+    const std::size_t mark = text.find_first_of("eE");
+    if (mark == std::string::npos) {
+        return text;
+    }
+    const std::size_t first = text.front() == '-' ? 1 : 0;
+    const std::size_t point = std::min(text.find('.'), mark);
+    const bool has_plus = text.compare(mark + 1, 1, "+") == 0;
+    const auto exponent = parse_number<int>(
+        std::string_view(text).substr(mark + (has_plus ? 2 : 1)), -MOST_DIGITS, MOST_DIGITS);
+    std::string digits = text.substr(first, mark - first);
+    digits.erase(std::min(point - first, digits.size()), 1);
+    if (!exponent || digits.empty() || digits.find_first_not_of(DIGITS) != std::string::npos) {
+        return text;
+    }
+    const std::string zeros(MOST_DIGITS, '0');
+    const auto split =
+        static_cast<std::size_t>(static_cast<int>(point - first) + MOST_DIGITS + *exponent);
+    digits = zeros + digits + zeros;
+    std::string whole = digits.substr(0, split);
+    whole.erase(0, std::min(whole.find_first_not_of('0'), whole.size()));
+    const std::size_t kept = zeros.size() - std::min(whole.size(), zeros.size());
+    return (first == 1 ? "-" : "") + whole + "." + digits.substr(split, kept);
+}
+
+Found_text text_of_node(const Json_node& node, const std::string& member) {
     switch (node.kind()) {
         case Json_node::Kind::TEXT:
         case Json_node::Kind::REAL:
@@ -89,25 +101,7 @@ Found_text text_of(const Json_node& node, const std::string& member) {
         case Json_node::Kind::BOOLEAN:
             return std::string(node.boolean() ? "true" : "false");
         default:
-            return No_value{"\"" + member + "\" is no number and no text"};
-    }
-}
-
-Found_text member_in(const std::string& member, std::string_view message) {
-    const Source file{"message", 0};
-    try {
-        const std::string text(message);
-        const Json_document document(file, text);
-        const Json_node* node = &document.root();
-        for (const std::string& step : steps_of(member)) {
-            node = node->member(step);
-            if (node == nullptr) {
-                return No_value{"the message has no member \"" + member + "\""};
-            }
-        }
-        return text_of(*node, member);
-    } catch (const Input_error&) {
-        return No_value{"the message is no JSON text"};
+            return No_value{"\"" + member + "\" is neither a number nor a text"};
     }
 }
 
@@ -121,47 +115,17 @@ std::variant<Parameter_value, No_value> number_in(const Topic_source& source,
         }
         return Parameter_value(static_cast<std::int32_t>(found - source.words.begin()));
     }
-    if (!source.member.empty() && (word == "true" || word == "false")) {
+    if (!source.member.is_whole() && (word == "true" || word == "false")) {
         return Parameter_value(word == "true" ? 1 : 0);
     }
     if (word.size() > LONGEST_NUMBER) {
         return No_value{"not a number: " + quoted(word)};
     }
-    const Scaled_number number = source.scale.from_device(word);
+    const Scaled_number number = source.scale.from_device(without_exponent(std::string(word)));
     if (const auto* const reason = std::get_if<std::string>(&number)) {
         return No_value{*reason + ": " + quoted(word)};
     }
     return Parameter_value(std::get<std::int32_t>(number));
-}
-
-std::string json_text(const std::string& text) {
-    constexpr std::array<char, 17> DIGITS{"0123456789abcdef"};
-    constexpr unsigned BLANK = 0x20;
-    constexpr unsigned HALF_BITS = 4;
-    constexpr unsigned HALF = 15;
-    std::string result = "\"";
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < BLANK) {
-            result += std::string("\\u00") + DIGITS[byte >> HALF_BITS] + DIGITS[byte & HALF];
-            continue;
-        }
-        if (c == '"' || c == '\\') {
-            result += '\\';
-        }
-        result += c;
-    }
-    return result + "\"";
-}
-
-std::string json_with(const std::string& member, const std::string& value) {
-    std::string begin;
-    std::string end;
-    for (const std::string& step : steps_of(member)) {
-        begin += "{" + json_text(step) + ":";
-        end += "}";
-    }
-    return begin + value + end;
 }
 
 }  // namespace
@@ -197,21 +161,43 @@ Topic_source topic_source_of(const Json_value& source, const Mqtt_settings& sett
     return result;
 }
 
+std::variant<std::string, No_value> Topic_message::text_of(const Message_member& member) {
+    if (!std::exchange(m_is_parsed, true) && m_text.find('\0') == std::string_view::npos) {
+        try {
+            m_document.emplace(m_source, std::string(m_text));
+        } catch (const Input_error&) {
+            // What is wrong with it is no news to the person at the panel.
+        }
+    }
+    if (!m_document) {
+        return No_value{"the message is not JSON"};
+    }
+    const Json_node* const node = member.find(m_document->root());
+    if (node == nullptr) {
+        return No_value{"the message has no member \"" + member.name() + "\""};
+    }
+    return text_of_node(*node, member.name());
+}
+
 std::variant<Parameter_value, No_value> value_in(const Topic_source& source,
-                                                 std::string_view message) {
-    if (message.size() > LARGEST_MESSAGE) {
+                                                 Topic_message& message) {
+    if (message.text().size() > Topic_message::LARGEST) {
         return No_value{"the message has more than 64 KiB"};
     }
-    Found_text text = source.member.empty() ? Found_text(std::string(message))
-                                            : member_in(source.member, message);
+    Found_text text = source.member.is_whole() ? Found_text(std::string(message.text()))
+                                               : message.text_of(source.member);
     if (const auto* const none = std::get_if<No_value>(&text)) {
         return *none;
     }
     std::string& found = std::get<std::string>(text);
-    if (source.is_text) {
-        return Parameter_value(std::move(found));
+    if (!source.is_text) {
+        return number_in(source, found);
     }
-    return number_in(source, found);
+    if (!is_utf8(found)) {
+        return No_value{"the text is not UTF-8"};
+    }
+    found.resize(found.find_last_not_of(LINE_END) + 1);
+    return Parameter_value(std::move(found));
 }
 
 std::variant<std::string, No_value> message_for(const Topic_source& source,
@@ -229,10 +215,13 @@ std::variant<std::string, No_value> message_for(const Topic_source& source,
     } else {
         text = std::get<std::string>(value);
     }
-    if (source.write_member.empty()) {
+    if (!is_utf8(text)) {
+        return No_value{"the text is not UTF-8"};
+    }
+    if (source.write_member.is_whole()) {
         return text;
     }
-    return json_with(source.write_member, is_number ? text : json_text(text));
+    return source.write_member.message_with(is_number ? text : json_text(text));
 }
 
 }  // namespace frontpanel

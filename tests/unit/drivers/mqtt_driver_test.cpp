@@ -11,6 +11,7 @@
 #include "support/fake_server.h"
 #include "support/folder.h"
 #include "support/helper_process.h"
+#include "topic_source.h"
 #include "unit/drivers/cache_fixture.h"
 
 namespace support {
@@ -28,6 +29,10 @@ public:
     explicit Broker(const std::string& settings = "allow_anonymous true\n") : m_settings(settings) {
         start();
     }
+    // One that has just begun does not heed any other signal.
+    ~Broker() { signal(SIGKILL); }
+    Broker(const Broker&) = delete;
+    Broker& operator=(const Broker&) = delete;
     std::string port() const { return std::to_string(m_port); }
     const Folder& folder() const { return m_folder; }
     void stop() { m_process.reset(); }
@@ -39,7 +44,11 @@ public:
         m_is_running = m_process->wait_for(" running");
     }
     bool is_running() const { return m_is_running; }
-    void signal(int number) const { m_process->signal(number); }
+    void signal(int number) const {
+        if (m_process) {
+            m_process->signal(number);
+        }
+    }
 
 private:
     std::string m_settings;
@@ -65,8 +74,8 @@ public:
             m_client, [](mosquitto* /*client*/, void* peer, int /*message*/, int /*count*/,
                          const int* /*granted*/) { static_cast<Peer*>(peer)->m_is_here = true; });
         mosquitto_publish_callback_set(m_client,
-                                       [](mosquitto* /*client*/, void* peer, int /*message*/) {
-                                           ++static_cast<Peer*>(peer)->m_published;
+                                       [](mosquitto* /*client*/, void* peer, int message) {
+                                           static_cast<Peer*>(peer)->m_published = message;
                                        });
         mosquitto_connect(m_client, "127.0.0.1", std::stoi(broker.port()), 60);
         mosquitto_subscribe(m_client, nullptr, "#", 2);
@@ -78,10 +87,15 @@ public:
 
     // Returns when the broker has it.
     void publish(const std::string& topic, const std::string& message, bool is_retained = false) {
-        const int before = m_published;
-        mosquitto_publish(m_client, nullptr, topic.c_str(), static_cast<int>(message.size()),
+        int number = 0;
+        mosquitto_publish(m_client, &number, topic.c_str(), static_cast<int>(message.size()),
                           message.data(), 1, is_retained);
-        EXPECT_TRUE(work([this, before] { return m_published > before; }));
+        EXPECT_TRUE(work([this, number] { return m_published == number; }));
+    }
+    // Does not wait for the broker.
+    void queue(const std::string& topic, const std::string& message) {
+        mosquitto_publish(m_client, nullptr, topic.c_str(), static_cast<int>(message.size()),
+                          message.data(), 0, false);
     }
     // The messages up to and with `last`, "topic=message".
     Lines messages_to(const std::string& last) {
@@ -123,7 +137,7 @@ private:
 };
 
 std::string text_of(const Driver_result& result) {
-    const char* const kinds[] = {"done", "refused: ", "timed out: ", "away: "};
+    const char* const kinds[] = {"done", "refused: ", "timed out: ", "away: ", "passed on"};
     return kinds[result.kind] + result.reason;
 }
 
@@ -180,15 +194,14 @@ TEST_F(Broker_test, RetainedMessagesArriveAtOnceAndOthersWhenTheyArePublished) {
     Peer peer(m_broker);
     peer.publish("room/temperature", "21.5", true);
     load(port(), {R"("topic": "room/temperature", "scale": "10")",
-                  R"("topic": "room/state", "member": "lamp.level")",
-                  R"("topic": "room/state", "member": "lamp.on")"});
+                  R"("topic": "room/state", "member": "/lamp/level")",
+                  R"("topic": "room/state", "member": "/lamp/on")"});
     ASSERT_EQ(connect(), "done");
     EXPECT_EQ(wait_for(1), Lines{"0=215"});
     peer.publish("room/state", R"({"lamp": {"on": true, "level": 70}})");
     EXPECT_EQ(wait_for(2), (Lines{"1=70", "2=1"}));
     peer.publish("room/state", "nonsense");
-    EXPECT_EQ(wait_for(2),
-              (Lines{"1: the message is no JSON text", "2: the message is no JSON text"}));
+    EXPECT_EQ(wait_for(2), (Lines{"1: the message is not JSON", "2: the message is not JSON"}));
     peer.publish("room/temperature", "22");
     EXPECT_EQ(wait_for(1), Lines{"0=220"});
 }
@@ -201,7 +214,7 @@ TEST_F(Broker_test, ValuesArePublishedOnceWithEveryQuality) {
                           std::string(qos),
                       R"("topic": "a")"});
         ASSERT_EQ(connect(), "done");
-        EXPECT_EQ(write(0, 1), "done");
+        EXPECT_EQ(write(0, 1), "passed on");
         EXPECT_EQ(peer.messages_to("lamp/set=ON"), Lines{"lamp/set=ON"});
         peer.publish("end", "");
         EXPECT_EQ(peer.messages_to("end="), Lines{"end="});
@@ -214,7 +227,7 @@ TEST_F(Broker_test, AValueIsRetainedWhereTheSourceSaysSo) {
     Peer peer(m_broker);
     load(port(), {R"("topic": "a", "write": "level", "write-member": "set", "retain": true)"});
     ASSERT_EQ(connect(), "done");
-    EXPECT_EQ(write(0, 7), "done");
+    EXPECT_EQ(write(0, 7), "passed on");
     EXPECT_EQ(peer.messages_to(R"(level={"set":7})").size(), 1U);
     EXPECT_EQ(Peer(m_broker).messages_to(R"(level={"set":7} retained)").size(), 1U);
 }
@@ -232,24 +245,113 @@ TEST_F(Broker_test, ABrokerThatIsAwayAndBackIsUsedAgain) {
     EXPECT_EQ(wait_for(1), Lines{"0=5"});
 }
 
-TEST_F(Broker_test, AWriteThatTheBrokerDoesNotAnswerIsUnknown) {
-    load(port(), {R"("topic": "a", "write": "b")"});
+TEST_F(Broker_test, ABrokerThatIsKilledDuringAWriteLeavesItUnknown) {
+    load(port(), {R"("topic": "a", "write": "b", "qos": 2)"});
     ASSERT_EQ(connect(), "done");
+    // The connection stands, and the broker can no longer answer.
     m_broker.signal(SIGSTOP);
     EXPECT_EQ(write(0, 1), "timed out: no answer from the broker");
-    m_broker.signal(SIGCONT);
+    m_broker.signal(SIGKILL);
+    EXPECT_EQ(wait_for(1).front().substr(0, 6), "away: ");
+    EXPECT_EQ(write(0, 2).substr(0, 6), "away: ");
+    m_broker.stop();
+    m_broker.start();
+    Peer peer(m_broker);
+    ASSERT_EQ(connect(), "done");
+    EXPECT_EQ(write(0, 3), "passed on");
+    EXPECT_EQ(peer.messages_to("b=3"), Lines{"b=3"});
+}
+
+TEST_F(Broker_test, AMessageThatHoldsNoValueIsAFailureWithItsReason) {
+    Peer peer(m_broker);
+    load(port(), {R"("topic": "a")", R"("topic": "b", "member": "level")"});
+    ASSERT_EQ(connect(), "done");
+    const struct {
+        const char* topic;
+        std::string message;
+        const char* received;
+    } cases[] = {
+        {"a", "21", "0=21"},
+        {"a", "\xFF\xFE garbage", "0: not a number: \"\xFF\xFE garbage\""},
+        {"a", std::string("\0\0", 2), "0: not a number"},
+        {"a", "", "0: not a number: \"\""},
+        {"a", std::string(Topic_message::LARGEST, '1'), "0: not a number: \"1111"},
+        {"a", std::string(Topic_message::LARGEST + 1, '1'), "0: the message has more than 64 KiB"},
+        {"a", "22", "0=22"},
+        {"b", R"({"level": 5})", "1=5"},
+        {"b", R"({"volume": 5})", "1: the message has no member \"level\""},
+        {"b", R"([5])", "1: the message has no member \"level\""},
+        {"b", R"({"level": 5)", "1: the message is not JSON"},
+        {"b", std::string(60000, '['), "1: the message is not JSON"},
+        {"b", R"({"level": 6})", "1=6"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.message.substr(0, 20));
+        peer.publish(c.topic, c.message);
+        const Lines received = wait_for(1);
+        ASSERT_EQ(received.size(), 1U);
+        EXPECT_EQ(received.front().substr(0, std::string(c.received).size()), c.received);
+    }
+}
+
+TEST_F(Broker_test, AMessageOfMoreThanAMegabyteIsNotSentToThePanel) {
+    Peer peer(m_broker);
+    load(port(), {R"("topic": "a")"});
+    ASSERT_EQ(connect(), "done");
+    peer.publish("a", std::string(1000000, '1'));
+    EXPECT_EQ(wait_for(1), Lines{"0: the message has more than 64 KiB"});
+    peer.publish("a", std::string(1100000, '1'));
+    peer.publish("a", "7");
+    EXPECT_EQ(wait_for(1), Lines{"0=7"});
+}
+
+TEST_F(Broker_test, ATopicWithoutAMessageIsAFailureUntilThereIsOne) {
+    Peer peer(m_broker);
+    peer.publish("held", "1", true);
+    load(port(),
+         {R"("topic": "held")", R"("topic": "silent")", R"("topic": "silent", "member": "x")"});
+    ASSERT_EQ(connect(), "done");
+    EXPECT_EQ(wait_for(3), (Lines{"0=1", "1: no message yet", "2: no message yet"}));
+    peer.publish("silent", "5");
+    EXPECT_EQ(wait_for(1), (Lines{"1=5", "2: the message has no member \"x\""}));
+}
+
+TEST_F(Mqtt_driver_test, APollIsTheIntervalInWhichAMessageIsExpected) {
+    load("", {R"("topic": "a")", R"("topic": "b", "poll": "10s")"});
+    EXPECT_FALSE(m_driver->repeats(0));
+    EXPECT_TRUE(m_driver->repeats(1));
+    load(R"(, "poll": "10s")", {R"("topic": "a")"});
+    EXPECT_TRUE(m_driver->repeats(0));
+}
+
+TEST_F(Broker_test, MessagesThatFollowEachOtherCloselyArePassedTogether) {
+    Peer peer(m_broker);
+    load(port(), {R"("topic": "a")"});
+    ASSERT_EQ(connect(), "done");
+    for (int i = 0; i < 5000; ++i) {
+        peer.queue("a", std::to_string(i));
+    }
+    peer.publish("a", "5000");
+    // They have all arrived at the broker, and most of them here.
+    Lines received;
+    while (received.empty() || received.back() != "0=5000") {
+        const Lines some = wait_for(1);
+        ASSERT_EQ(some.size(), 1U);
+        received.push_back(some.front());
+    }
+    EXPECT_LT(received.size(), 1000U);
 }
 
 TEST_F(Broker_test, TheStatusTopicSaysWhetherThePanelIsThere) {
     Peer peer(m_broker);
     load(port(R"(, "status": "panel")"), {R"("topic": "a", "write": "b")"});
     ASSERT_EQ(connect(), "done");
-    EXPECT_EQ(write(0, 1), "done");
+    EXPECT_EQ(write(0, 1), "passed on");
     EXPECT_EQ(peer.messages_to("b=1"), (Lines{"panel=online", "b=1"}));
     m_driver->disconnect();
     EXPECT_EQ(peer.messages_to("panel=offline").size(), 1U);
     ASSERT_EQ(connect(), "done");
-    EXPECT_EQ(write(0, 2), "done");
+    EXPECT_EQ(write(0, 2), "passed on");
     peer.messages_to("b=2");
     // A panel that ends without a word: the broker says so.
     m_driver.reset();
@@ -282,10 +384,9 @@ TEST_F(Mqtt_driver_test, UserAndPasswordComeFromAFile) {
     }
     const std::string options = R"(, "login": "login", "port": )" + broker.port();
     load(options, {}, folder.path());
-    EXPECT_EQ(connect(),
-              "away: " + folder.file("login") + ": cannot be opened: No such file or directory");
+    EXPECT_EQ(connect(), "away: \"" + folder.file("login") + "\": No such file or directory");
     std::ofstream(folder.file("login")) << "panel\nwrong\n";
-    EXPECT_EQ(connect(), "away: Connection Refused: not authorised.");
+    EXPECT_EQ(connect(), "away: Not authorized");
     std::ofstream(folder.file("login")) << "panel\nsecret\n";
     EXPECT_EQ(connect(), "done");
 }
@@ -304,6 +405,9 @@ TEST_F(Mqtt_driver_test, AnEncryptedConnectionIsMadeOnlyToABrokerThatIsKnown) {
             " -addext subjectAltName=IP:127.0.0.1 -keyout " + name + ".key -out " + name +
             ".pem 2>/dev/null");
     }
+    run("cd " + folder.path() +
+        " && openssl rsa -aes128 -passout pass:secret -in broker.key -out locked.key 2>/dev/null");
+    std::ofstream(folder.file("garbage.pem")) << "garbage\n";
     Broker broker("allow_anonymous true\ncertfile " + folder.file("broker.pem") + "\nkeyfile " +
                   folder.file("broker.key") + "\n");
     if (!broker.is_running()) {
@@ -312,42 +416,96 @@ TEST_F(Mqtt_driver_test, AnEncryptedConnectionIsMadeOnlyToABrokerThatIsKnown) {
     const std::string options = R"(, "port": )" + broker.port();
     load(options + R"(, "ca": "broker.pem")", {R"("topic": "a", "write": "a")"}, folder.path());
     ASSERT_EQ(connect(), "done");
-    EXPECT_EQ(write(0, 7), "done");
+    EXPECT_EQ(write(0, 7), "passed on");
     EXPECT_EQ(wait_for(1), Lines{"0=7"});
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
     load(options + R"(, "ca": "other.pem")", {}, folder.path());
-    EXPECT_NE(connect(), "done");
+    EXPECT_EQ(connect(), "away: certificate verify failed");
     load(options + R"(, "ca": "missing.pem")", {}, folder.path());
-    EXPECT_EQ(connect(), "away: a file for the encryption cannot be used");
+    EXPECT_EQ(connect(), "away: \"" + folder.file("missing.pem") + "\": No such file or directory");
+    load(options + R"(, "ca": "garbage.pem")", {}, folder.path());
+    EXPECT_EQ(connect().substr(0, 6), "away: ");
+    // A key with a password, which nobody is asked for.
+    load(options + R"(, "ca": "broker.pem", "cert": "broker.pem", "key": "locked.key")", {},
+         folder.path());
+    EXPECT_EQ(connect().substr(0, 6), "away: ");
     load(options, {}, folder.path());
-    EXPECT_NE(connect(), "done");
+    EXPECT_EQ(connect().substr(0, 6), "away: ");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(Mqtt_driver_test, ACertificateOfAnotherAddressIsRefused) {
+    const Folder folder;
+    run("cd " + folder.path() +
+        " && openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=elsewhere -addext "
+        "subjectAltName=IP:127.0.0.9 -keyout a.key -out a.pem 2>/dev/null");
+    Broker broker("allow_anonymous true\ncertfile " + folder.file("a.pem") + "\nkeyfile " +
+                  folder.file("a.key") + "\n");
+    if (!broker.is_running()) {
+        GTEST_SKIP() << "no broker without Debian's package mosquitto";
+    }
+    load(R"(, "ca": "a.pem", "port": )" + broker.port(), {}, folder.path());
+    EXPECT_EQ(connect().substr(0, 6), "away: ");
+}
+
+TEST_F(Mqtt_driver_test, AWriteThatTheBrokerForbidsIsRefused) {
+    const Folder folder;
+    const std::string rules = folder.file("rules");
+    std::ofstream(rules) << "topic read #\ntopic readwrite open\n";
+    Broker broker("allow_anonymous true\nacl_file " + rules + "\n");
+    if (!broker.is_running()) {
+        GTEST_SKIP() << "no broker without Debian's package mosquitto";
+    }
+    for (const char* const qos : {"1", "2"}) {
+        SCOPED_TRACE(qos);
+        const std::string end = R"(, "qos": )" + std::string(qos);
+        load(R"(, "port": )" + broker.port(),
+             {R"("topic": "a", "write": "a")" + end, R"("topic": "open", "write": "open")" + end});
+        ASSERT_EQ(connect(), "done");
+        EXPECT_EQ(write(0, 1), "refused: Not authorized");
+        EXPECT_EQ(write(1, 1), "passed on");
+    }
 }
 
 // ---- a broker that misbehaves
 
 class Fake_broker_test : public Mqtt_driver_test {
 protected:
+    void SetUp() override {
+        load(R"(, "port": )" + std::to_string(m_server.port()), {R"("topic": "a", "write": "b")"});
+    }
     // Connects while the broker says `answers`, one for each packet of the driver.
     std::string connect_and_say(const std::vector<std::string>& answers) {
-        load(R"(, "port": )" + std::to_string(m_server.port()), {R"("topic": "a")"});
         std::thread broker([&] {
             m_server.accept_client();
             for (const std::string& answer : answers) {
-                m_server.take_bytes();
+                m_packets.push_back(m_server.take_bytes());
                 m_server.say(answer);
+            }
+            if (m_hangs_up) {
+                m_server.hang_up();
             }
         });
         const std::string result = connect();
         broker.join();
         return result;
     }
+    // The protocol that the last connection began with.
+    int protocol() const { return m_packets.front()[8]; }
+
+    bool m_hangs_up = false;
+    Lines m_packets;
 
     Fake_server m_server;
 };
 
-const std::string WELCOME("\x20\x02\x00\x00", 4);
+const std::string WELCOME("\x20\x03\x00\x00\x00", 5);
+const std::string OLD_WELCOME("\x20\x02\x00\x00", 4);
 
 TEST_F(Fake_broker_test, ATopicThatTheBrokerRefusesIsAFailureOfItsParameters) {
-    EXPECT_EQ(connect_and_say({WELCOME, std::string("\x90\x03\x00\x01\x80", 5)}), "done");
+    EXPECT_EQ(connect_and_say({WELCOME, std::string("\x90\x04\x00\x01\x00\x87", 6)}), "done");
     EXPECT_EQ(wait_for(1), Lines{"0: the broker refuses the topic"});
 }
 
@@ -358,6 +516,64 @@ TEST_F(Fake_broker_test, GarbageEndsTheConnection) {
 
 TEST_F(Fake_broker_test, ABrokerThatSaysNothingIsAwayWithinBounds) {
     EXPECT_EQ(connect_and_say({}), "away: no answer from the broker");
+}
+
+// The broker takes a write, and then `act` happens.
+class Fake_broker_write_test : public Fake_broker_test {
+protected:
+    std::string write_during(const std::function<void()>& act) {
+        EXPECT_EQ(connect_and_say({WELCOME, std::string("\x90\x04\x00\x01\x00\x01", 6)}), "done");
+        std::thread broker([&] {
+            m_server.take_bytes();
+            act();
+        });
+        const std::string result = write(0, 1);
+        broker.join();
+        return result;
+    }
+};
+
+TEST_F(Fake_broker_write_test, ALostConnectionLeavesItUnknown) {
+    EXPECT_EQ(write_during([this] { m_server.hang_up(); }),
+              "timed out: the broker has closed the connection");
+    EXPECT_EQ(write(0, 1), "away: the broker has closed the connection");
+}
+
+TEST_F(Fake_broker_write_test, TheEndOfThePanelEndsIt) {
+    EXPECT_EQ(write_during([this] { m_driver->stop(); }), "timed out: the panel ends");
+    m_driver->disconnect();
+    EXPECT_EQ(m_server.take_bytes(), std::string("\xE0\x00", 2));
+}
+
+TEST_F(Fake_broker_write_test, ARefusalIsReported) {
+    EXPECT_EQ(write_during([this] { m_server.say(std::string("\x40\x03\x00\x02\x97", 5)); }),
+              "refused: Quota exceeded");
+}
+
+TEST_F(Fake_broker_test, AnOldBrokerIsAskedForTheOldProtocol) {
+    const std::string granted("\x90\x03\x00\x01\x01", 5);
+    EXPECT_EQ(connect_and_say({std::string("\x20\x02\x00\x01", 4)}),
+              "away: Unsupported Protocol Version");
+    EXPECT_EQ(protocol(), 5);
+    m_server.hang_up();
+    m_packets.clear();
+    EXPECT_EQ(connect_and_say({OLD_WELCOME, granted}), "done");
+    EXPECT_EQ(protocol(), 4);
+}
+
+TEST_F(Fake_broker_test, ABrokerThatHangsUpIsAskedForTheOtherProtocol) {
+    m_hangs_up = true;
+    for (const int expected : {5, 4, 5}) {
+        m_packets.clear();
+        EXPECT_EQ(connect_and_say({""}), "away: the broker has closed the connection");
+        EXPECT_EQ(protocol(), expected);
+    }
+    m_server.stop_listening();
+    EXPECT_EQ(connect(), "away: Connection refused");
+    m_server.listen_again();
+    m_packets.clear();
+    EXPECT_EQ(connect_and_say({""}), "away: the broker has closed the connection");
+    EXPECT_EQ(protocol(), 4);
 }
 
 // ---- in a menu file
@@ -389,12 +605,12 @@ protected:
         return lines;
     }
     // Lets the driver work until the parameter is fresh, or for a long time.
-    Freshness step_until(Freshness wanted) {
+    Freshness step_until(Freshness wanted, milliseconds pace = 100ms) {
         const auto end = std::chrono::steady_clock::now() + 20s;
         Device_cache& cache = m_device->cache();
         do {
             number_of(cache, 1);
-            m_clock->advance(100ms);
+            m_clock->advance(pace);
             cache.step();
         } while (cache.state(1, 0)->freshness != wanted && std::chrono::steady_clock::now() < end);
         return cache.state(1, 0)->freshness;
@@ -453,10 +669,12 @@ TEST_F(Mqtt_menu_test, AWriteWhileTheBrokerRestartsIsSentOnce) {
     m_clock->advance(5s);
     cache.step();
     EXPECT_EQ(peer.messages_to("set=8"), Lines{"set=8"});
-    EXPECT_FALSE(cache.state(1, 0)->is_writing);
+    // The broker has it, and the device has not answered yet.
+    EXPECT_TRUE(cache.state(1, 0)->is_writing);
     peer.publish("level", "8");
-    m_clock->advance(5s);
-    EXPECT_EQ(step_until(Freshness::FRESH), Freshness::FRESH);
+    EXPECT_EQ(step_until(Freshness::FRESH, 0ms), Freshness::FRESH);
+    EXPECT_FALSE(cache.state(1, 0)->is_writing);
+    EXPECT_EQ(number_of(cache, 1), 8);
     EXPECT_EQ(texts_of(cache.take_events()),
               (Lines{"home: away: the broker has closed the connection", "home: back"}));
 }

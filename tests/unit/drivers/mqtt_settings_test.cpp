@@ -1,10 +1,13 @@
 #include "mqtt_settings.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <fstream>
 #include <string>
 
 #include <frontpanel_base/json_document.h>
+#include "support/folder.h"
 
 namespace frontpanel {
 namespace {
@@ -28,7 +31,22 @@ struct Read_settings {
 TEST(MqttSettings, FilesAreNamedRelativeToTheMenu) {
     const Read_settings read(R"({"host": "::1", "login": "login.txt", "ca": "/etc/ca.pem"})");
     EXPECT_EQ(read.error, "");
-    EXPECT_EQ(read.settings.files(), (std::vector<std::string>{"menus/login.txt", "/etc/ca.pem"}));
+    EXPECT_EQ(read.settings.login, "menus/login.txt");
+    EXPECT_EQ(read.settings.ca, "/etc/ca.pem");
+}
+
+TEST(MqttSettings, AFileThatCannotBeReadIsAFault) {
+    const support::Folder folder;
+    Mqtt_settings settings;
+    settings.login = folder.file("login");
+    settings.ca = folder.file("pipe");
+    ASSERT_EQ(mkfifo(settings.ca.c_str(), 0600), 0);
+    EXPECT_EQ(settings.file_faults(),
+              (std::vector<std::string>{"\"" + settings.login + "\": No such file or directory",
+                                        "\"" + settings.ca + "\": not a file"}));
+    settings.ca = "";
+    std::ofstream(settings.login) << "user\n";
+    EXPECT_EQ(settings.file_faults(), std::vector<std::string>{});
 }
 
 TEST(MqttSettings, EncryptionHasAPortOfItsOwn) {

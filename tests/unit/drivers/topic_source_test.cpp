@@ -41,7 +41,12 @@ std::string shown(const std::variant<Parameter_value, No_value>& value) {
     return number != nullptr ? std::to_string(*number) : "'" + std::get<std::string>(found) + "'";
 }
 
-constexpr const char* POWER = R"(, "member": "ENERGY.Power", "scale": "10")";
+std::string shown_value(const Topic_source& source, const std::string& text) {
+    Topic_message message(text);
+    return shown(value_in(source, message));
+}
+
+constexpr const char* POWER = R"(, "member": "/ENERGY/Power", "scale": "10")";
 constexpr const char* SWITCH = R"(, "words": ["OFF", "ON"])";
 
 TEST(TopicSource, NumbersAreReadFromMessages) {
@@ -60,12 +65,24 @@ TEST(TopicSource, NumbersAreReadFromMessages) {
         {"", "true", "not a number: \"true\""},
         {POWER, R"({"ENERGY": {"Power": 23.4, "Today": 1}})", "234"},
         {POWER, R"({"ENERGY": {"Power": "5"}})", "50"},
-        {POWER, R"({"ENERGY": {"Today": 1}})", "the message has no member \"ENERGY.Power\""},
-        {POWER, R"({"ENERGY": 7})", "the message has no member \"ENERGY.Power\""},
-        {POWER, R"({"ENERGY": {"Power": []}})", "\"ENERGY.Power\" is no number and no text"},
-        {POWER, R"({"ENERGY": {"Power": null}})", "\"ENERGY.Power\" is no number and no text"},
-        {POWER, R"({"ENERGY": {"Power": 2)", "the message is no JSON text"},
-        {POWER, "23", "the message has no member \"ENERGY.Power\""},
+        {POWER, R"({"ENERGY": {"Today": 1}})", "the message has no member \"/ENERGY/Power\""},
+        {POWER, R"({"ENERGY": 7})", "the message has no member \"/ENERGY/Power\""},
+        {POWER, R"({"ENERGY": {"Power": []}})", "\"/ENERGY/Power\" is neither a number nor a text"},
+        {POWER, R"({"ENERGY": {"Power": null}})",
+         "\"/ENERGY/Power\" is neither a number nor a text"},
+        {POWER, R"({"ENERGY": {"Power": 2)", "the message is not JSON"},
+        {POWER, R"({"ENERGY": {"Power": 1.25e1}})", "125"},
+        {POWER, R"({"ENERGY": {"Power": 2.5E-03}})", "0"},
+        {POWER, R"({"ENERGY": {"Power": -1e+2}})", "-1000"},
+        {POWER, R"({"ENERGY": {"Power": 1.2345678901234567e-05}})", "0"},
+        {POWER, R"({"ENERGY": {"Power": 12345678901234567e-15}})", "123"},
+        {POWER, R"({"ENERGY": {"Power": 1e99}})", "not a number: \"1e99\""},
+        {POWER, R"({"ENERGY": {"Power": 99999999999999999999}})",
+         "the number has too many digits: \"99999999999999999999\""},
+        {"", "e5", "not a number: \"e5\""},
+        {"", "1.xe-18", "not a number: \"1.xe-18\""},
+        {"", "1e2.5", "not a number: \"1e2.5\""},
+        {POWER, "23", "the message has no member \"/ENERGY/Power\""},
         {R"(, "member": "on")", R"({"on": true})", "1"},
         {R"(, "member": "on")", R"({"on": false})", "0"},
         {SWITCH, "ON", "1"},
@@ -75,22 +92,39 @@ TEST(TopicSource, NumbersAreReadFromMessages) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.message);
-        EXPECT_EQ(shown(value_in(source_of(c.members), c.message)), c.value);
+        EXPECT_EQ(shown_value(source_of(c.members), c.message), c.value);
     }
 }
 
 TEST(TopicSource, TextsAreReadAsTheyAre) {
-    EXPECT_EQ(shown(value_in(source_of("", true), "two words")), "'two words'");
-    EXPECT_EQ(shown(value_in(source_of(R"(, "member": "t")", true), R"({"t": "Ger\u00e4t"})")),
+    EXPECT_EQ(shown_value(source_of("", true), "two words"), "'two words'");
+    EXPECT_EQ(shown_value(source_of(R"(, "member": "t")", true), R"({"t": "Ger\u00e4t"})"),
               "'Ger\xC3\xA4t'");
-    EXPECT_EQ(shown(value_in(source_of(R"(, "member": "t")", true), R"({"t": 1.50})")), "'1.50'");
+    EXPECT_EQ(shown_value(source_of(R"(, "member": "t")", true), R"({"t": 1.50})"), "'1.50'");
+    EXPECT_EQ(shown_value(source_of("", true), "a line\r\n"), "'a line'");
+    EXPECT_EQ(shown_value(source_of("", true), ""), "''");
+}
+
+TEST(TopicSource, ATextThatIsNotUtf8IsNoValue) {
+    EXPECT_EQ(shown_value(source_of("", true), "Ger\xE4t"), "the text is not UTF-8");
+    EXPECT_EQ(shown_value(source_of(R"(, "member": "t")", true), "{\"t\": \"Ger\xE4t\"}"),
+              "the text is not UTF-8");
+    const auto message =
+        message_for(source_of(R"(, "write": "w")", true), Parameter_value("Ger\xE4t"));
+    EXPECT_EQ(std::get<No_value>(message).reason, "the text is not UTF-8");
+}
+
+TEST(TopicSource, AMessageWithAZeroByteIsNotJson) {
+    const std::string message = R"({"ENERGY": {"Power": 1}})";
+    EXPECT_EQ(shown_value(source_of(POWER), message), "10");
+    EXPECT_EQ(shown_value(source_of(POWER), message + '\0'), "the message is not JSON");
 }
 
 TEST(TopicSource, AMessageBeyond64KiBIsNoValue) {
-    EXPECT_EQ(shown(value_in(source_of(""), std::string(LARGEST_MESSAGE + 1, '1'))),
+    EXPECT_EQ(shown_value(source_of(""), std::string(Topic_message::LARGEST + 1, '1')),
               "the message has more than 64 KiB");
-    const std::string deep(LARGEST_MESSAGE, '[');
-    EXPECT_EQ(shown(value_in(source_of(POWER), deep)), "the message is no JSON text");
+    const std::string deep(Topic_message::LARGEST, '[');
+    EXPECT_EQ(shown_value(source_of(POWER), deep), "the message is not JSON");
 }
 
 TEST(TopicSource, ValuesAreWrittenAsTheyAreRead) {
@@ -105,7 +139,7 @@ TEST(TopicSource, ValuesAreWrittenAsTheyAreRead) {
         {R"(, "write": "w", "words": ["OFF", "ON"])", 1, "ON"},
         {R"(, "write": "w", "words": ["OFF", "ON"])", 2, "2 has no word"},
         {R"(, "write": "w", "words": ["OFF", "ON"])", -1, "-1 has no word"},
-        {R"(, "write": "w", "write-member": "set.level", "scale": "10")", 5,
+        {R"(, "write": "w", "write-member": "/set/level", "scale": "10")", 5,
          R"({"set":{"level":0.5}})"},
         {R"(, "write": "w", "write-member": "state", "words": ["OFF", "ON"])", 0,
          R"({"state":"OFF"})"},
@@ -126,7 +160,9 @@ TEST(TopicSource, MistakesAreReported) {
         const char* members;
         const char* error;
     } cases[] = {
-        {R"(, "member": "a..b")", R"(expected names with a "." between them, found "a..b")"},
+        {R"(, "member": "/a~2")",
+         R"(expected a name or a JSON pointer such as "/a/b", found "/a~2")"},
+        {R"(, "member": "")", "expected a text of 1 to 200 characters, found 0"},
         {R"(, "retain": true)", R"("retain" needs "write")"},
         {R"(, "write": "a/+")", R"(expected a topic without "+" and "#", found "a/+")"},
         {R"(, "words": ["a", "a"])", R"("a" is there already)"},
