@@ -168,6 +168,7 @@ public:
         m_said.clear();
         m_watches.assign(m_spots.size(), Watch::NOT_TRIED);
         m_asked.assign(m_spots.size(), 0);
+        m_heard = Clock::now();
         m_is_awaited.assign(m_spots.size(), false);
         m_last_id = 0;
         m_owes_since.reset();
@@ -244,7 +245,8 @@ public:
         const Time end = Clock::now() + most;
         bool is_over = false;
         while (m_connection.is_open() && !is_over) {
-            serve(m_news.empty() ? end : std::min(end, m_delivered + NEWS_INTERVAL), wake);
+            const Time check = check_adapter();
+            serve(std::min({end, check, m_news.empty() ? end : m_delivered + NEWS_INTERVAL}), wake);
             is_over = this->is_over(end) || is_readable(wake) || has_due_news();
         }
         if (has_due_news() || !m_connection.is_open()) {
@@ -298,6 +300,23 @@ private:
         const std::uint64_t place = m_connection.send(line);
         m_requests.emplace(++m_last_id, Request{asked, number, place, now + m_timeout});
         return place;
+    }
+
+    // One that only sends changes may have none, or may hang: after a time limit without a word it is asked. When to call
+    // this again.
+    Time check_adapter() {
+        if (!m_requests.empty()) {
+            return Time::max();
+        }
+        const auto watched = std::find(m_watches.begin(), m_watches.end(), Watch::STANDS);
+        if (watched == m_watches.end()) {
+            return Time::max();
+        }
+        if (Clock::now() - m_heard < m_timeout) {
+            return m_heard + m_timeout;
+        }
+        ask(static_cast<std::size_t>(watched - m_watches.begin()));
+        return Time::max();
     }
 
     void ask(std::size_t number) {
@@ -356,6 +375,7 @@ private:
         m_connection.serve(std::min(end, Clock::now() + LONGEST_START_TIMEOUT), wake);
         for (std::size_t lines = 0; lines < MOST_LINES && m_connection.has_line(); ++lines) {
             m_owes_since.reset();
+            m_heard = Clock::now();
             take(parse_adapter_message(*m_connection.next_line()));
         }
         expire(Clock::now());
@@ -440,20 +460,43 @@ private:
             }
             give_up(request);
         }
-        if (is_late && m_owes_since && now - *m_owes_since >= SILENT_AFTER * m_timeout) {
+        if (!is_late || !is_silent(now)) {
+            return;
+        }
+        if (now - *m_owes_since >= SILENT_AFTER * m_timeout) {
             m_connection.close("it does not answer");
+        } else {
+            doubt_watches();
+        }
+    }
+
+    // Whether it owes answers for longer than a time limit, and has said nothing else since.
+    bool is_silent(Time now) const { return m_owes_since && now - *m_owes_since >= m_timeout; }
+
+    std::string lateness() const {
+        return "no answer in " + std::to_string(m_timeout.count()) + " ms";
+    }
+
+    // Of an adapter that is silent, no value counts as pushed until it is asked for again.
+    void doubt_watches() {
+        for (std::size_t number = 0; number < m_watches.size(); ++number) {
+            if (m_watches[number] == Watch::STANDS) {
+                m_watches[number] = Watch::NOT_TRIED;
+                settle(number, failure(lateness()));
+            }
         }
     }
 
     void give_up(const Request& request) {
-        const std::string reason = "no answer in " + std::to_string(m_timeout.count()) + " ms";
+        const std::string reason = lateness();
         if (request.asked == Asked::WRITE) {
             m_write_result = Driver_result::timed_out(reason);
             return;
         }
         m_asked[request.number] = 0;
         if (request.asked == Asked::SUBSCRIBE) {
-            m_watches[request.number] = Watch::NOT_POSSIBLE;
+            m_watches[request.number] =
+                is_silent(request.deadline) ? Watch::NOT_TRIED : Watch::NOT_POSSIBLE;
         }
         settle(request.number, failure(reason));
     }
@@ -505,6 +548,7 @@ private:
     std::vector<Watch> m_watches;
     std::optional<Driver_result> m_write_result;
     std::optional<Time> m_owes_since;  // the first request that was made since its last word
+    Time m_heard{};                    // its last word
     std::string m_said;                // an error that answers no request
 
     std::map<std::size_t, News> m_news;  // the last of each parameter, to be passed on

@@ -201,6 +201,41 @@ while True:
     EXPECT_EQ(m_driver->read({text()}), Lines{"1='subscribe read read'"});
 }
 
+constexpr const char* ASKED_SOON = R"(, "timeout": "1s", "start-timeout": "60s")";
+
+TEST_F(Process_driver_test, AnAdapterThatPushesAndSaysNothingIsAskedWhetherItIsThere) {
+    start(R"(
+can_subscribe = True
+values.update(n0=1)
+greet()
+answer(hear())
+request = hear()
+values.update(n0=2)
+answer(request)
+hang()
+)",
+          ASKED_SOON);
+    EXPECT_EQ(m_driver->read(), Lines{"0=1"});
+    EXPECT_EQ(m_driver->wait(), "0=2");
+    EXPECT_TRUE(m_driver->driver().pushes(0));
+}
+
+TEST_F(Process_driver_test, WhatAnAdapterPushedIsNotBelievedWhenItHangs) {
+    start(R"(
+can_subscribe = True
+values.update(n0=1, n1=5)
+greet()
+answer(hear())
+answer(hear())
+hang()
+)",
+          ASKED_SOON, 2);
+    EXPECT_EQ(m_driver->read({0, 1}), (Lines{"0=1", "1=5"}));
+    EXPECT_EQ(m_driver->wait(), "0: no answer in 1000 ms, 1: no answer in 1000 ms");
+    EXPECT_FALSE(m_driver->driver().pushes(0));
+    EXPECT_FALSE(m_driver->driver().pushes(1));
+}
+
 // What was on its way when the write was made must not be taken for what the device holds afterwards.
 TEST_F(Process_driver_test, AChangeFromBeforeAWriteIsNotTheLastWord) {
     start(R"(
