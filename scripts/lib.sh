@@ -23,8 +23,8 @@ PANEL_PACKAGES=(
 TEST_PACKAGES=(
     "${PANEL_PACKAGES[@]}"
     abigail-tools binutils lcdproc libbenchmark-dev libgmock-dev libgtest-dev librsvg2-bin
-    libxml2-utils locales mandoc mosquitto openssl procps python3 python3-pymodbus python3-serial-asyncio
-    socat tmux
+    libxml2-utils locales mandoc mosquitto mosquitto-clients openssl procps
+    python3 python3-pymodbus python3-serial-asyncio socat tmux
 )
 # shellcheck disable=SC2034  # used by the scripts that source this
 CI_PACKAGES=(

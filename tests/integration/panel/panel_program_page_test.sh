@@ -9,11 +9,7 @@ set -uo pipefail
 # play KEY...: a person at the display of the page, whose first frame is as the page shows it.
 play() {
     {
-        row=0
-        while IFS= read -r line; do
-            row=$((row + 1))
-            printf 'expect %d |%-20s|\n' "$row" "$line"
-        done <display
+        expect_display display
         printf '%s\n' "$@"
     } >person.script
     frontpanel --menu room.json --script person.script --size 20x4 >frames 2>errors

@@ -15,11 +15,7 @@ run 3 && shows 2
 block text 3 >wanted
 grep -q "Limit" wanted || fail "the page shows no display"
 {
-    row=0
-    while IFS= read -r line; do
-        row=$((row + 1))
-        printf 'expect %d |%-20s|\n' "$row" "$line"
-    done <wanted
+    expect_display wanted
     printf 'down\nselect\nup\nselect\ntick\n'
 } >person.script
 frontpanel --menu sensor.json --script person.script --size 20x4 >frames 2>errors ||
