@@ -1,8 +1,10 @@
 #include <frontpanel_base/character_set.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 namespace frontpanel {
@@ -14,6 +16,19 @@ constexpr char32_t LARGEST = 0x10FFFF;
 constexpr std::pair<char32_t, char> PLAIN_FORMS[] = {
     {0x2010, '-'},  {0x2011, '-'},  {0x2012, '-'}, {0x2013, '-'}, {0x2014, '-'},
     {0x2018, '\''}, {0x2019, '\''}, {0x201C, '"'}, {0x201D, '"'}, {0x2212, '-'},
+};
+
+struct Block {
+    char32_t first;
+    char32_t last;
+};
+// What stands between them is combining, wide, without a picture of its own, or from right to left.
+constexpr Block ONE_COLUMN[] = {
+    {0x20, 0x7E},     {0xA0, 0xAC},     {0xAE, 0x2FF},    {0x370, 0x377},   {0x37A, 0x37F},
+    {0x384, 0x482},   {0x48A, 0x52F},   {0x1E00, 0x1EFF}, {0x2010, 0x2027}, {0x2030, 0x205E},
+    {0x2070, 0x20BF}, {0x2100, 0x218B}, {0x2190, 0x2319}, {0x231C, 0x2328}, {0x232B, 0x23E8},
+    {0x2500, 0x25FC}, {0x25FF, 0x2613}, {0x2616, 0x2647}, {0x2654, 0x267E}, {0x2701, 0x2704},
+    {0x2706, 0x2709}, {0x270C, 0x2727}, {0xFF61, 0xFF9F},
 };
 
 struct Lead {
@@ -123,6 +138,21 @@ std::string cells_of(const std::u32string& characters, std::set<char32_t>& lost)
 
 std::string cells_of(std::string_view text, std::set<char32_t>& lost) {
     return cells_of(characters_of(text), lost);
+}
+
+bool has_one_column(char32_t character) {
+    return std::any_of(std::begin(ONE_COLUMN), std::end(ONE_COLUMN),
+                       [character](const Block& block) {
+                           return character >= block.first && character <= block.last;
+                       });
+}
+
+std::string text_in_columns(const std::u32string& characters) {
+    std::string text;
+    for (const char32_t character : characters) {
+        text += has_one_column(character) ? utf8_of(character) : std::string(1, UNKNOWN);
+    }
+    return text;
 }
 
 std::string text_of(std::string_view cells) {

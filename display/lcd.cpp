@@ -29,6 +29,10 @@ void Lcd::put_characters(int row, int column, const std::u32string& characters) 
                    });
 }
 
+std::string Lcd::text(int row) const {
+    return text_in_columns(characters(row));
+}
+
 void Lcd::put(int row, int column, std::string_view text) {
     put_characters(row, column, characters_of(text));
 }

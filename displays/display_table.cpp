@@ -45,15 +45,24 @@ const std::vector<Display_row>& display_table() {
     static const std::vector<Display_row> TABLE = {
         {"terminal", "", nullptr, true, open_terminal, nullptr},
         {"text", "", nullptr, false, nullptr, open_text},
-        {"lcdproc", "[:IP[:PORT]]", is_lcdproc_server, false, open_lcdproc, nullptr},
-        {"charlcd", "[:PATH]", is_device, false, open_charlcd, nullptr, true, false},
+        {"lcdproc", "[:IP[:PORT]]", is_lcdproc_server, false, open_lcdproc, nullptr,
+         Display_characters::ISO_8859_1},
+        {"charlcd", "[:PATH]", is_device, false, open_charlcd, nullptr,
+         Display_characters::OF_A_ROM, false},
     };
     return TABLE;
 }
 
 bool Display_row::shows(char32_t character, const Character_rom& rom) const {
-    return has_rom ? can_show(rom, character)
-                   : Character_rom::iso_8859_1().code_of(character) || plain_form_of(character);
+    switch (characters) {
+        case Display_characters::ALL:
+            return has_one_column(character);
+        case Display_characters::ISO_8859_1:
+            return Character_rom::iso_8859_1().code_of(character) || plain_form_of(character);
+        case Display_characters::OF_A_ROM:
+            return can_show(rom, character);
+    }
+    return false;
 }
 
 const Display_row& default_display(bool interactive) {

@@ -103,12 +103,12 @@ std::string cells(const Lcd& lcd) {
 std::string line(const Lcd& lcd, int row) {
     std::string text;
     for (int column = 0; column < lcd.size().columns; ++column) {
-        const char character = lcd.line(row)[static_cast<size_t>(column)];
-        if (character != ' ') {
+        const char32_t character = lcd.characters(row)[static_cast<size_t>(column)];
+        if (character != U' ') {
             const Place place = cell_place(row, column);
             text += print(place.x + CELL_WIDTH / 2, place.y + BASELINE,
                           is_cursor(lcd, row, column) ? "inverse" : "ink",
-                          text_of(std::string(1, character)));
+                          text_in_columns(std::u32string(1, character)));
         }
     }
     return text;
@@ -170,7 +170,7 @@ std::string knob(Lcd_size lcd) {
 std::string description(const Lcd& lcd) {
     std::string text = "<title>Front panel</title>\n<desc>";
     for (int row = 0; row < lcd.size().rows; ++row) {
-        text += (row == 0 ? "|" : "\n|") + escaped(text_of(lcd.line(row))) + "|";
+        text += (row == 0 ? "|" : "\n|") + escaped(lcd.text(row)) + "|";
     }
     return text + "</desc>\n";
 }

@@ -9,9 +9,9 @@
 #include <clocale>
 #include <cstdlib>
 
-#include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_display/legend.h>
+#include <frontpanel_displays/character_rom.h>
 #include "terminal_keys.h"
 
 namespace frontpanel {
@@ -71,15 +71,19 @@ void check_extents(int output) {
     }
 }
 
-// A terminal of another character set shows what it has of ours.
-std::string terminal_text(const std::string& cells) {
+char ascii_of(char32_t character) {
+    return character >= U' ' && character <= U'~' ? static_cast<char>(character)
+                                                  : plain_letter_of(character).value_or('?');
+}
+
+// A terminal of another character set has ASCII.
+std::string terminal_text(const Lcd& lcd, int row) {
     if (std::string(nl_langinfo(CODESET)) == "UTF-8") {
-        return text_of(cells);
+        return lcd.text(row);
     }
-    std::string text = cells;
-    std::replace_if(
-        text.begin(), text.end(), [](char cell) { return static_cast<unsigned char>(cell) > 0x7E; },
-        '?');
+    const std::u32string& characters = lcd.characters(row);
+    std::string text(characters.size(), ' ');
+    std::transform(characters.begin(), characters.end(), text.begin(), ascii_of);
     return text;
 }
 
@@ -153,7 +157,7 @@ void Terminal::draw_lcd(const Lcd& lcd, bool dim) const {
     mvaddch(bottom, right, ACS_LRCORNER);
     attrset(dim ? A_DIM : A_NORMAL);
     for (int row = 0; row < lcd.size().rows; ++row) {
-        mvaddstr(BORDER + row, BORDER, terminal_text(lcd.line(row)).c_str());
+        mvaddstr(BORDER + row, BORDER, terminal_text(lcd, row).c_str());
     }
     attrset(A_NORMAL);
 }

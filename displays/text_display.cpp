@@ -2,8 +2,6 @@
 
 #include <string>
 
-#include <frontpanel_base/character_set.h>
-
 namespace frontpanel {
 namespace {
 
@@ -18,7 +16,7 @@ void Text_display::show(const Frame& frame) {
         "+" + std::string(static_cast<size_t>(frame.lcd.size().columns), '-') + "+\n";
     m_out << edge;
     for (int row = 0; row < frame.lcd.size().rows; ++row) {
-        m_out << '|' << text_of(frame.lcd.line(row)) << "|\n";
+        m_out << '|' << frame.lcd.text(row) << "|\n";
     }
     m_out << edge << lamp(frame.leds.edit) << " Edit  " << lamp(frame.leds.alarm) << " Alarm\n";
 }

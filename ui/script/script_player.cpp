@@ -159,7 +159,7 @@ std::optional<std::string> Script_player::line_difference(const Step& step) cons
     if (step.row >= m_frame->lcd.size().rows) {
         return "the display has no line " + std::to_string(step.row + 1);
     }
-    const std::string shown = text_of(m_frame->lcd.line(step.row));
+    const std::string shown = m_frame->lcd.text(step.row);
     if (matches(shown, step.text)) {
         return std::nullopt;
     }
@@ -168,7 +168,7 @@ std::optional<std::string> Script_player::line_difference(const Step& step) cons
 }
 
 bool Script_player::shows_part(const Step& step) const {
-    return matches(text_of(m_frame->lcd.line(step.row)), "*" + step.text + "*");
+    return matches(m_frame->lcd.text(step.row), "*" + step.text + "*");
 }
 
 // A text that scrolls shows all of itself in a round.
@@ -176,7 +176,7 @@ std::optional<std::string> Script_player::part_difference(const Step& step) {
     if (step.row >= m_frame->lcd.size().rows) {
         return line_difference(step);
     }
-    const std::string first = text_of(m_frame->lcd.line(step.row));
+    const std::string first = m_frame->lcd.text(step.row);
     for (int frame = 0; frame < LONGEST_ROUND && !shows_part(step); ++frame) {
         m_panel.scroll();
         m_frame = m_panel.frame();

@@ -30,6 +30,12 @@ std::optional<char> plain_form_of(char32_t character);
 std::string cells_of(std::string_view text, std::set<char32_t>& lost);
 std::string cells_of(const std::u32string& characters, std::set<char32_t>& lost);
 
+// Whether a terminal shows it in one column, whatever stands beside it: no control, combining or wide character, none of
+// a script that is written from right to left.
+bool has_one_column(char32_t character);
+// The characters as UTF-8; '?' for one that would not take one column.
+std::string text_in_columns(const std::u32string& characters);
+
 // The cells as UTF-8 text; a cell that is no character of a display becomes '?'.
 std::string text_of(std::string_view cells);
 

@@ -43,6 +43,8 @@ public:
     const std::u32string& characters(int row) const {
         return m_characters.at(static_cast<size_t>(row));
     }
+    // The line as UTF-8 text of `columns` columns: a character that does not take one column is '?'.
+    std::string text(int row) const;
     // -1 when no cursor is shown.
     int cursor_row() const { return m_cursor_row; }
     int cursor_column() const { return m_cursor_column; }

@@ -28,6 +28,13 @@ struct Display_setup {
     const Character_rom* rom = &Character_rom::a00();  // of a display whose ROM nobody can ask for
 };
 
+// What a display has of the characters of a text.
+enum class Display_characters {
+    ALL,         // that take one column
+    ISO_8859_1,  // and plain forms of dashes and quotation marks
+    OF_A_ROM     // which `Display_setup` names; others are defined
+};
+
 struct Display_row {
     const char* name;
     const char*
@@ -41,8 +48,7 @@ struct Display_row {
     std::unique_ptr<Front> (*open_front)(const Display_setup& setup);
     std::unique_ptr<Display> (*open_display)(const Display_setup& setup);
 
-    // Whether it has the characters of a ROM, which `Display_setup` names, and defines others; ISO-8859-1 otherwise.
-    bool has_rom = false;
+    Display_characters characters = Display_characters::ALL;
     // Whether it has keys of its own.
     bool has_keys = true;
 

@@ -204,6 +204,21 @@ wait_for "the legend does not come back" screen_has "quit"
 terminal send-keys q
 ended keys 0
 
+# A terminal shows whatever takes one column, and one without UTF-8 has plain forms.
+cat >"$FOLDER/signs.json" <<'END'
+{"device": {"parameters": [{"name": "r", "pid": 1, "type": "integer", "min": 0, "max": 9, "value": 5}]},
+ "menu": {"name": "Gerät 日", "items": [{"type": "range", "name": "Prüfling", "parameter": "r", "format": "≤ %d kΩ"}]}}
+END
+terminal send-keys "clear; '$PANEL' --menu signs.json" Enter
+wait_for "the signs of a value" shows_line 2 ">Prüfling     ≤ 5 kΩ"
+wait_for "a wide character has a mark" shows_line 1 "Gerät [?]          1/1"
+terminal send-keys q
+wait_for "the panel with signs does not end" shell_is_back
+terminal send-keys "clear; LC_ALL=C '$PANEL' --menu signs.json" Enter
+wait_for "the signs of a value in ASCII" shows_line 2 ">Prufling     [?] 5 k[?]"
+terminal send-keys q
+wait_for "the panel in ASCII does not end" shell_is_back
+
 # A terminal on which nothing can be placed is refused, and so is none at all.
 terminal send-keys "clear; TERM=dumb '$PANEL'; echo status \$? of dumb" Enter
 wait_for "a terminal without a cursor is not refused" screen_has "status 2 of dumb"

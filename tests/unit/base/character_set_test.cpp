@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cwchar>
+
 namespace frontpanel {
 namespace {
 
@@ -68,6 +71,31 @@ TEST(CharacterSet, CharactersAreCodePointsAndDamagedBytes) {
          {0x1U, 0x7FU, 0x80U, 0x7FFU, 0x800U, 0xFFFFU, 0x10000U, 0x10FFFFU}) {
         EXPECT_EQ(characters_of(utf8_of(character)), std::u32string(1, character));
     }
+}
+
+// As the system counts, which decides where a terminal's next character stands.
+TEST(CharacterSet, WhatHasOneColumnTakesOne) {
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+    size_t count = 0;
+    for (char32_t character = 0; character < 0x20000; ++character) {
+        const int width = wcwidth(static_cast<wchar_t>(character));
+        if (has_one_column(character)) {
+            ++count;
+            // -1 for a code point that stands for nothing yet
+            EXPECT_TRUE(width == 1 || width == -1) << code_point_name(character);
+        }
+    }
+    EXPECT_GE(count, 2500U);
+    std::setlocale(LC_CTYPE, "C");
+    for (const char32_t character :
+         std::u32string(U"~ \u00E4\u00B0\u03A9\u0416\u2264\u20AC\u2713\uFF71")) {
+        EXPECT_TRUE(has_one_column(character)) << code_point_name(character);
+    }
+    for (const char32_t character : {U'\x1B', U'\u0085', U'\u00AD', U'\u0301', U'\u05D0', U'\u200B',
+                                     U'\u202E', U'\u65E5', U'\uFEFF', U'\U0001F50A', DAMAGED}) {
+        EXPECT_FALSE(has_one_column(character)) << code_point_name(character);
+    }
+    EXPECT_EQ(text_in_columns(U"5 k\u03A9 \u65E5\u0301"), "5 k\u03A9 ??");
 }
 
 TEST(CharacterSet, NamesCodePointsAsTheyAreUsuallyWritten) {

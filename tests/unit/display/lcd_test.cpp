@@ -62,6 +62,13 @@ TEST(Lcd, KeepsTheCharactersThatIso88591Lacks) {
     EXPECT_EQ(lcd.lost(), (std::set<char32_t>{0x1, 0x85, 0x3A9, 0x20AC}));
 }
 
+TEST(Lcd, ALineOfTextHasAColumnForEachCell) {
+    Lcd lcd({16, 2});
+    lcd.put(0, 0, "4 k\u03A9 e\u0301 \u65E5 \u2264\x1B|");
+    EXPECT_EQ(lcd.text(0), "4 k\u03A9 e? ? \u2264?|   ");
+    EXPECT_EQ(lcd.text(1), std::string(16, ' '));
+}
+
 TEST(Lcd, CountsCellsAndNotBytes) {
     Lcd lcd({16, 2});
     lcd.put(0, 13, "20\xc2\xb0 C");

@@ -55,13 +55,15 @@ TEST(DisplayTable, WhatIsNoDisplayIsTold) {
     EXPECT_EQ(display_names(), "terminal, text, lcdproc[:IP[:PORT]], charlcd[:PATH]");
 }
 
-TEST(DisplayTable, ADisplayShowsIso88591OrTheCharactersOfItsRom) {
+TEST(DisplayTable, ADisplayShowsTheCharactersThatItHas) {
     const Character_rom& rom = Character_rom::a00();
     for (const Display_row& row : display_table()) {
         EXPECT_TRUE(row.shows(U'\u00B0', rom)) << row.name;
         EXPECT_TRUE(row.shows(U'\u2013', rom)) << row.name;
-        EXPECT_EQ(row.shows(U'\u03A9', rom), row.has_rom) << row.name;
+        EXPECT_EQ(row.shows(U'\u03A9', rom), row.name != std::string("lcdproc")) << row.name;
+        EXPECT_EQ(row.shows(U'\u03A8', rom), row.characters == Display_characters::ALL) << row.name;
         EXPECT_FALSE(row.shows(U'\u4E2D', rom)) << row.name;
+        EXPECT_FALSE(row.shows(U'\u0301', rom)) << row.name;
     }
 }
 

@@ -13,7 +13,7 @@ TEST(TextDisplay, PrintsTheLinesWithinABorderAndTheLedsBelow) {
     frame.lcd.put_right(0, "-3 dB");
     frame.lcd.put(1, 0,
                   " 20 \xC2\xB0"
-                  "C");
+                  "C 5 k\u03A9");
     std::ostringstream out;
     Text_display display(out);
     display.show(frame);
@@ -21,7 +21,7 @@ TEST(TextDisplay, PrintsTheLinesWithinABorderAndTheLedsBelow) {
               "+----------------+\n"
               "|>Gain      -3 dB|\n"
               "| 20 \xC2\xB0"
-              "C          |\n"
+              "C 5 k\u03A9     |\n"
               "+----------------+\n"
               "( ) Edit  ( ) Alarm\n");
 }
