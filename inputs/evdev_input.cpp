@@ -39,6 +39,7 @@ private:
     Event_keys m_keys;
     std::unique_ptr<Event_device> m_device;  // null while it is away
     std::deque<Key> m_pressed;
+    bool m_has_more = false;  // events that were not looked at
     Retry m_retry;
     Time m_next_try{};
 };
@@ -81,9 +82,11 @@ void Evdev_input::Reader::open(Time now) {
     }
 }
 
-// Up to the first event that presses a key. A device that never runs out of others must not hold the panel.
+// Up to the first event that presses a key. A device that never runs out of others must not hold the panel. What it has
+// handed over already does not make its descriptor readable.
 void Evdev_input::Reader::read() {
     constexpr int MOST_EVENTS = 1000;
+    m_has_more = false;
     for (int count = 0; count < MOST_EVENTS && m_pressed.empty(); ++count) {
         const std::optional<Event_device::Signal> signal = m_device->next();
         if (!signal) {
@@ -91,6 +94,7 @@ void Evdev_input::Reader::read() {
         }
         take(*signal);
     }
+    m_has_more = m_pressed.empty();
 }
 
 // What was pressed among lost events is not known: nothing is pressed for it. Axes go on from where they are now.
@@ -113,6 +117,7 @@ void Evdev_input::Reader::take(const Event_device::Signal& signal) {
 // The reason may be the device's own.
 void Evdev_input::Reader::lose(std::string reason, Time now) {
     m_device.reset();
+    m_has_more = false;
     const bool is_news = m_retry.lose(now);
     m_next_try = std::min(m_retry.next_try(), now + LONGEST_PAUSE);
     if (is_news) {
@@ -121,7 +126,7 @@ void Evdev_input::Reader::lose(std::string reason, Time now) {
 }
 
 Time Evdev_input::Reader::due() const {
-    if (!m_pressed.empty()) {
+    if (!m_pressed.empty() || m_has_more) {
         return Time::min();
     }
     return m_device ? m_retry.settles() : m_next_try;

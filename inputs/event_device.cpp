@@ -171,15 +171,36 @@ Opened_device open_kernel_device(Descriptor descriptor) {
     return {std::make_unique<Kernel_device>(std::move(descriptor), std::move(device)), ""};
 }
 
-// Only asks for the name.
-bool has_name(const std::string& path, const std::string& name) {
-    const Descriptor descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+// The files of input devices, in the order of their numbers.
+std::vector<std::string> device_files(const std::string& folder) {
+    std::vector<std::string> files;
+    std::error_code error;
+    for (fs::directory_iterator file(folder, error), end; !error && file != end;
+         file.increment(error)) {
+        if (file->path().filename().string().rfind("event", 0) == 0) {
+            files.push_back(file->path().string());
+        }
+    }
+    std::sort(files.begin(), files.end(), [](const std::string& one, const std::string& other) {
+        return std::pair(one.size(), one) < std::pair(other.size(), other);
+    });
+    return files;
+}
+
+enum class Name { OTHER, WANTED, UNREADABLE };
+
+// Only asks for the name. With UNREADABLE `errno` holds the reason.
+Name ask_name(const std::string& path, const std::string& wanted) {
+    const Descriptor descriptor(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    if (!descriptor.is_open()) {
+        return Name::UNREADABLE;
+    }
     libevdev* opened = nullptr;
-    if (!descriptor.is_open() || libevdev_new_from_fd(descriptor.number(), &opened) < 0) {
-        return false;
+    if (libevdev_new_from_fd(descriptor.number(), &opened) < 0) {
+        return Name::OTHER;
     }
     const Evdev device(opened);
-    return name == libevdev_get_name(opened);
+    return wanted == libevdev_get_name(opened) ? Name::WANTED : Name::OTHER;
 }
 
 }  // namespace
@@ -199,20 +220,25 @@ Opened_device open_event_device(const std::string& path) {
     return open_kernel_device(std::move(descriptor));
 }
 
+// Of several devices of the name one may be free: two knobs of a kind, or the parts of a keyboard.
 Opened_device find_event_device(const std::string& name, const std::string& folder) {
-    std::vector<std::string> files;
-    std::error_code error;
-    for (fs::directory_iterator file(folder, error), end; !error && file != end;
-         file.increment(error)) {
-        if (file->path().filename().string().rfind("event", 0) == 0) {
-            files.push_back(file->path().string());
+    std::string refusal;
+    std::string unreadable;
+    for (const std::string& file : device_files(folder)) {
+        const Name found = ask_name(file, name);
+        if (found == Name::UNREADABLE && unreadable.empty()) {
+            unreadable = "; " + file + ": " + std::strerror(errno);
         }
+        if (found != Name::WANTED) {
+            continue;
+        }
+        Opened_device opened = open_event_device(file);
+        if (opened.device) {
+            return opened;
+        }
+        refusal = refusal.empty() ? opened.error : refusal;
     }
-    std::sort(files.begin(), files.end());
-    const auto found = std::find_if(files.begin(), files.end(),
-                                    [&name](const auto& file) { return has_name(file, name); });
-    return found == files.end() ? Opened_device{nullptr, "no input device has this name"}
-                                : open_event_device(*found);
+    return {nullptr, refusal.empty() ? "no input device has this name" + unreadable : refusal};
 }
 
 }  // namespace frontpanel

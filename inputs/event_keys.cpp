@@ -105,15 +105,7 @@ std::vector<Key> Event_keys::take(const Input_signal& signal,
         return turn(signal.type, signal.code, signal.value);
     }
     if (signal.type == EV_ABS) {
-        const auto before = m_positions.find(signal.code);
-        const bool is_first = before == m_positions.end();
-        int64_t steps = is_first ? 0 : int64_t{signal.value} - before->second;
-        m_positions[signal.code] = signal.value;
-        if (range && range->max > range->min) {
-            const int64_t round = int64_t{range->max} - range->min + 1;
-            steps += steps > round / 2 ? -round : steps < -(round / 2) ? round : 0;
-        }
-        return turn(signal.type, signal.code, steps);
+        return turn(signal.type, signal.code, steps_to(signal, range));
     }
     if (signal.type == EV_KEY) {
         const auto found = m_keys.find(signal.code);
@@ -123,6 +115,22 @@ std::vector<Key> Event_keys::take(const Input_signal& signal,
         return counts ? std::vector<Key>{found->second} : std::vector<Key>();
     }
     return {};
+}
+
+int64_t Event_keys::steps_to(const Input_signal& signal, const std::optional<Axis_range>& range) {
+    const auto known = m_positions.find(signal.code);
+    const int64_t before = known == m_positions.end() ? signal.value : known->second;
+    const int64_t steps = signal.value - before;
+    m_positions[signal.code] = signal.value;
+    if (!range || range->max <= range->min) {
+        return steps;
+    }
+    if (signal.value == range->max || before == range->max) {
+        m_whole_ranges.insert(signal.code);
+    }
+    const int64_t round =
+        int64_t{range->max} - range->min + (m_whole_ranges.count(signal.code) > 0);
+    return steps + (steps > round / 2 ? -round : steps < -(round / 2) ? round : 0);
 }
 
 std::vector<Key> Event_keys::turn(uint16_t type, uint16_t code, int64_t steps) const {

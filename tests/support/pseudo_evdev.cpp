@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -13,10 +14,18 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace {
 
-support::Pseudo_evdev* device = nullptr;
+std::vector<support::Pseudo_evdev*> devices;
+
+support::Pseudo_evdev* device_of(int descriptor) {
+    const auto found = std::find_if(
+        devices.begin(), devices.end(),
+        [descriptor](const auto* const device) { return device->is_open_at(descriptor); });
+    return found == devices.end() ? nullptr : *found;
+}
 
 void set_bit(std::string& bits, unsigned bit) {
     bits[bit / 8] = static_cast<char>(bits[bit / 8] | 1 << bit % 8);
@@ -31,7 +40,9 @@ extern "C" __attribute__((visibility("default"))) int ioctl(int descriptor, unsi
     va_start(arguments, request);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (device != nullptr && _IOC_TYPE(request) == 'E') {
+    support::Pseudo_evdev* const device =
+        _IOC_TYPE(request) == 'E' ? device_of(descriptor) : nullptr;
+    if (device != nullptr) {
         return device->answer(request, argument);
     }
     using Function = int (*)(int, unsigned long, void*);
@@ -54,13 +65,20 @@ Pseudo_evdev::Pseudo_evdev(const std::string& name)
     tcgetattr(m_holder, &settings);
     cfmakeraw(&settings);
     tcsetattr(m_holder, TCSANOW, &settings);
-    device = this;
+    devices.push_back(this);
 }
 
 Pseudo_evdev::~Pseudo_evdev() {
-    device = nullptr;
+    devices.erase(std::find(devices.begin(), devices.end(), this));
     close(m_holder);
     close(m_master);
+}
+
+bool Pseudo_evdev::is_open_at(int descriptor) const {
+    struct stat asked {};
+    struct stat mine {};
+    return fstat(descriptor, &asked) == 0 && fstat(m_holder, &mine) == 0 &&
+           asked.st_rdev == mine.st_rdev;
 }
 
 void Pseudo_evdev::send(int type, int code, int value) const {
@@ -119,7 +137,7 @@ int Pseudo_evdev::answer(unsigned long request, void* argument) {
             set_bit(bits, BTN_0);
         }
     } else if (request == EVIOCGABS(ABS_WHEEL)) {
-        const input_absinfo wheel{m_wheel, 0, 23, 0, 0, 0};
+        const input_absinfo wheel{m_wheel, 0, m_wheel_end, 0, 0, 0};
         std::memcpy(argument, &wheel, sizeof wheel);
         return 0;
     } else if (number == _IOC_NR(EVIOCGPHYS(0)) || number == _IOC_NR(EVIOCGUNIQ(0))) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,20 +44,26 @@ public:
     explicit Event_keys(const Event_key_map& keys);
 
     // The device is a new one, or its state is unknown: an absolute axis starts where it is next.
-    void forget_state() { m_positions.clear(); }
+    void forget_state() {
+        m_positions.clear();
+        m_whole_ranges.clear();
+    }
     // An absolute axis is there now.
     void set_position(uint16_t code, int32_t value) { m_positions[code] = value; }
     // The keys that the event presses, in their order. An absolute axis turns by the shorter way: at the end of
-    // `range` it goes on at the other end, as an encoder that turns round does.
+    // `range` it goes on at the other end, as an encoder that turns round does. The largest value of the range counts
+    // as one that the axis has once the axis has taken it: the kernel's rotary encoders announce one more than they have.
     std::vector<Key> take(const Input_signal& signal,
                           const std::optional<Axis_range>& range = std::nullopt);
 
 private:
+    int64_t steps_to(const Input_signal& signal, const std::optional<Axis_range>& range);
     std::vector<Key> turn(uint16_t type, uint16_t code, int64_t steps) const;
 
     std::map<uint16_t, Key> m_keys;                            // by the code of a key
     std::map<std::pair<uint16_t, uint16_t>, bool> m_reversed;  // axes by type and code
     std::map<uint16_t, int32_t> m_positions;                   // of absolute axes
+    std::set<uint16_t> m_whole_ranges;  // absolute axes that have taken their largest value
 };
 
 }  // namespace frontpanel

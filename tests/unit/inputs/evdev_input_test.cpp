@@ -63,6 +63,20 @@ TEST_F(Evdev_input_test, StepsThatAreLeftAreDueAtOnce) {
     EXPECT_EQ(input->due(), Time::max());
 }
 
+TEST_F(Evdev_input_test, AFloodOfEventsWithoutKeysHoldsNobodyAndIsReadOn) {
+    pipe.plug_in();
+    open();
+    pressed();
+    for (int i = 0; i < 1500; ++i) {
+        pipe.send(EV_MSC, MSC_SCAN, i);
+    }
+    pipe.signal(EV_REL, REL_X, 1);
+    EXPECT_FALSE(input->next(now));
+    EXPECT_EQ(input->due(), Time::min());
+    EXPECT_EQ(pressed(), Kinds{Key::UP});
+    EXPECT_EQ(input->due(), Time::max());
+}
+
 TEST_F(Evdev_input_test, KeysAmongLostEventsAreNotPressed) {
     pipe.plug_in();
     open();
@@ -144,6 +158,17 @@ TEST_F(Pseudo_device_test, AnAbsoluteAxisStartsWhereItIsAndGoesRound) {
     knob.signal(EV_ABS, ABS_WHEEL, 23);
     knob.signal(EV_ABS, ABS_WHEEL, 0);
     EXPECT_EQ(pressed(), (Kinds{Key::UP, Key::UP}));
+    knob.signal(EV_ABS, ABS_WHEEL, 23);
+    EXPECT_EQ(pressed(), Kinds{Key::DOWN});
+}
+
+TEST_F(Pseudo_device_test, AnEncoderOfTheKernelGoesRoundByOneStep) {
+    knob.set_wheel(23);
+    knob.set_wheel_end(24);
+    open(knob.path());
+    EXPECT_EQ(pressed(), Kinds());
+    knob.signal(EV_ABS, ABS_WHEEL, 0);
+    EXPECT_EQ(pressed(), Kinds{Key::UP});
     knob.signal(EV_ABS, ABS_WHEEL, 23);
     EXPECT_EQ(pressed(), Kinds{Key::DOWN});
 }

@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "support/event_pipe.h"
+#include "support/pseudo_evdev.h"
 
 namespace frontpanel {
 namespace {
+
+namespace fs = std::filesystem;
 
 class Event_device_test : public testing::Test {
 protected:
@@ -95,6 +99,36 @@ TEST_F(Event_device_test, ADeviceIsLookedForByItsName) {
               "no input device has this name");
     std::ofstream(folder.file("event0")) << "text";
     EXPECT_EQ(find_event_device("Knob", folder.path()).error, "no input device has this name");
+    const support::Pseudo_evdev knob("Knob");
+    fs::create_symlink(knob.path(), folder.file("event10"));
+    EXPECT_EQ(find_event_device("Kno", folder.path()).error, "no input device has this name");
+    EXPECT_TRUE(find_event_device("Knob", folder.path()).device);
+    EXPECT_TRUE(knob.is_grabbed());
+}
+
+TEST_F(Event_device_test, ADeviceThatCannotBeAskedForItsNameIsReported) {
+    support::Folder folder;
+    fs::create_symlink("event0", folder.file("event0"));
+    EXPECT_EQ(find_event_device("Knob", folder.path()).error,
+              "no input device has this name; " + folder.file("event0") +
+                  ": Too many levels of symbolic links");
+}
+
+TEST_F(Event_device_test, OfSeveralDevicesOfANameAFreeOneIsTaken) {
+    support::Folder folder;
+    support::Pseudo_evdev taken("Knob");
+    support::Pseudo_evdev third("Knob");
+    const support::Pseudo_evdev second("Knob");
+    fs::create_symlink(taken.path(), folder.file("event2"));
+    fs::create_symlink(second.path(), folder.file("event9"));
+    fs::create_symlink(third.path(), folder.file("event10"));
+    taken.take_away();
+    EXPECT_TRUE(find_event_device("Knob", folder.path()).device);
+    EXPECT_TRUE(second.is_grabbed());
+    EXPECT_FALSE(third.is_grabbed());
+    third.take_away();
+    fs::remove(folder.file("event9"));
+    EXPECT_EQ(find_event_device("Knob", folder.path()).error, "another program has grabbed it");
 }
 
 }  // namespace

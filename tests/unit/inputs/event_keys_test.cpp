@@ -62,6 +62,20 @@ TEST_F(Event_keys_test, AnAbsoluteAxisGoesRound) {
     EXPECT_EQ(take(EV_ABS, ABS_Y, 3, Axis_range{2, 2}), Kinds{Key::UP});
 }
 
+// A rotary encoder of 24 steps announces 0 to 24, and goes from 23 to 0.
+TEST_F(Event_keys_test, AnEncoderOfTheKernelGoesRoundByOneStep) {
+    constexpr Axis_range RANGE{0, 24};
+    take(EV_ABS, ABS_X, 22, RANGE);
+    EXPECT_EQ(take(EV_ABS, ABS_X, 23, RANGE), Kinds{Key::UP});
+    EXPECT_EQ(take(EV_ABS, ABS_X, 0, RANGE), Kinds{Key::UP});
+    EXPECT_EQ(take(EV_ABS, ABS_X, 1, RANGE), Kinds{Key::UP});
+    EXPECT_EQ(take(EV_ABS, ABS_X, 0, RANGE), Kinds{Key::DOWN});
+    EXPECT_EQ(take(EV_ABS, ABS_X, 23, RANGE), Kinds{Key::DOWN});
+    keys.set_position(ABS_Y, 24);
+    EXPECT_EQ(take(EV_ABS, ABS_Y, 0, RANGE), Kinds{Key::UP});
+    EXPECT_EQ(take(EV_ABS, ABS_Y, 24, RANGE), Kinds{Key::DOWN});
+}
+
 TEST_F(Event_keys_test, AKeyCountsWhenItIsPressed) {
     EXPECT_EQ(take(EV_KEY, KEY_ENTER, 1), Kinds{Key::SELECT});
     EXPECT_EQ(take(EV_KEY, KEY_ENTER, 0), Kinds());
