@@ -23,10 +23,27 @@ bool is_event_name(const std::string& name) {
                        [&name](const char* prefix) { return name.rfind(prefix, 0) == 0; });
 }
 
+bool is_axis(const std::pair<const std::string, Key>& entry) {
+    return entry.first.rfind("REL_", 0) == 0 || entry.first.rfind("ABS_", 0) == 0;
+}
+
+bool has_axes_only(const Key_map& keys) {
+    return std::all_of(keys.begin(), keys.end(), is_axis);
+}
+
 #ifdef FRONTPANEL_INPUTS
 
+// Who turns an axis round still has the usual buttons.
+Event_key_map event_keys_of(const Options& options) {
+    Event_key_map keys = options.input_keys;
+    if (has_axes_only(keys)) {
+        keys.merge(usual_event_keys());
+    }
+    return keys;
+}
+
 std::vector<std::unique_ptr<Input>> inputs_of(const Options& options, std::ostream& log) {
-    const Event_key_map keys = options.input_keys.empty() ? usual_event_keys() : options.input_keys;
+    const Event_key_map keys = event_keys_of(options);
     std::vector<std::unique_ptr<Input>> inputs;
     for (const std::string& device : options.inputs) {
         inputs.push_back(std::make_unique<Evdev_input>(device, keys, log));
@@ -65,8 +82,18 @@ void split_keys(const Key_map& keys, Key_map& of_display, Key_map& of_inputs) {
         (is_event_name(name) ? named : others)[name] = key;
     }
     check_event_names(named);
+    if (!has_select(keys) && !has_axes_only(keys)) {
+        throw Input_error("no key selects");
+    }
     of_inputs = std::move(named);
     of_display = others.empty() ? usual_keys() : std::move(others);
+}
+
+void check_input_keys(const Options& options) {
+    if (!options.inputs.empty() && !has_axes_only(options.input_keys) &&
+        !has_select(options.input_keys)) {
+        throw Input_error("--keys: no key of an input selects, and the display has no keys");
+    }
 }
 
 std::unique_ptr<Front> whole_front(std::unique_ptr<Front> display, const Options& options,

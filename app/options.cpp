@@ -130,7 +130,7 @@ void take_inputs(const std::vector<std::string>& texts, Options& options) {
 // The keys of the display.
 Key_map take_keys(const std::string& text, Options& options) {
     Key_map of_display;
-    split_keys(parse_key_map(text), of_display, options.input_keys);
+    split_keys(parse_some_keys(text), of_display, options.input_keys);
     return of_display;
 }
 

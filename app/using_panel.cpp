@@ -103,6 +103,9 @@ void check_front(const Options& options, const Display_row& display, const Outpu
     if (!options.script.empty() || !options.screenshot.empty()) {
         throw Input_error("scripts and pictures are for the display \"text\"");
     }
+    if (!display.has_keys) {
+        check_input_keys(options);
+    }
     if (!display.takes_terminal) {
         return;
     }

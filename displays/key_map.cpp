@@ -56,7 +56,7 @@ Key_map usual_keys() {
     return keys;
 }
 
-Key_map parse_key_map(const std::string& text) {
+Key_map parse_some_keys(const std::string& text) {
     Key_map keys;
     size_t start = 0;
     while (start <= text.size()) {
@@ -67,8 +67,17 @@ Key_map parse_key_map(const std::string& text) {
     if (keys.size() > MOST_KEYS) {
         throw Input_error("more than " + std::to_string(MOST_KEYS) + " keys");
     }
-    const auto selects = [](const auto& entry) { return entry.second.kind == Key::SELECT; };
-    if (std::none_of(keys.begin(), keys.end(), selects)) {
+    return keys;
+}
+
+bool has_select(const Key_map& keys) {
+    return std::any_of(keys.begin(), keys.end(),
+                       [](const auto& entry) { return entry.second.kind == Key::SELECT; });
+}
+
+Key_map parse_key_map(const std::string& text) {
+    Key_map keys = parse_some_keys(text);
+    if (!has_select(keys)) {
         throw Input_error("no key selects");
     }
     return keys;

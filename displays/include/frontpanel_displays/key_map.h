@@ -18,6 +18,9 @@ Key_map usual_keys();
 // "Up=up,Down=down,Enter=select,F1=1": a key of the display and a word of `KEY_TABLE`, or the number of a shortcut
 // button, 1 to 99. Input_error when the text is invalid, names a key twice or has no key for select.
 Key_map parse_key_map(const std::string& text);
+// The same for keys of which others select.
+Key_map parse_some_keys(const std::string& text);
+bool has_select(const Key_map& keys);
 
 }  // namespace frontpanel
 

@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "support/event_pipe.h"
+
 #include <frontpanel_base/input_error.h>
 
 namespace frontpanel {
@@ -45,6 +47,43 @@ TEST(Inputs, EachPartHasTheKeysWithItsNames) {
     EXPECT_EQ(display.size(), 1U);
     EXPECT_TRUE(inputs.empty());
     EXPECT_THROW(split_keys({{"KEY_NONE", {Key::SELECT}}}, display, inputs), Input_error);
+}
+
+TEST(Inputs, WhoNamesAxesAloneKeepsTheUsualKeys) {
+    Key_map display;
+    Key_map inputs;
+    split_keys({{"REL_X", {Key::DOWN}}}, display, inputs);
+    EXPECT_EQ(display.size(), usual_keys().size());
+    EXPECT_EQ(inputs.size(), 1U);
+    EXPECT_THROW(split_keys({{"REL_X", {Key::DOWN}}, {"KEY_A", {Key::BACK}}}, display, inputs),
+                 Input_error);
+    EXPECT_THROW(split_keys({{"A", {Key::BACK}}}, display, inputs), Input_error);
+
+    support::Event_pipe pipe;
+    pipe.plug_in();
+    std::ostringstream log;
+    Options options;
+    options.inputs = {pipe.path()};
+    options.input_keys = {{"REL_X", {Key::DOWN}}};
+    const auto front = whole_front(std::make_unique<Silent_front>(), options, log);
+    const Time now(std::chrono::seconds(1000));
+    EXPECT_FALSE(front->next(now));
+    pipe.signal(EV_REL, REL_X, 1);
+    pipe.signal(EV_KEY, KEY_ENTER, 1);
+    EXPECT_EQ(front->next(now)->key.kind, Key::DOWN);
+    EXPECT_EQ(front->next(now)->key.kind, Key::SELECT);
+}
+
+TEST(Inputs, ADisplayWithoutKeysNeedsAnInputThatSelects) {
+    Options options;
+    options.inputs = {"/nonexistent/one"};
+    EXPECT_NO_THROW(check_input_keys(options));
+    options.input_keys = {{"REL_X", {Key::DOWN}}};
+    EXPECT_NO_THROW(check_input_keys(options));
+    options.input_keys = {{"KEY_A", {Key::BACK}}};
+    EXPECT_THROW(check_input_keys(options), Input_error);
+    options.inputs.clear();
+    EXPECT_NO_THROW(check_input_keys(options));
 }
 
 TEST(Inputs, StandBesideTheDisplay) {

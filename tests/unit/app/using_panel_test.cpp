@@ -55,6 +55,14 @@ TEST_F(Using_panel_test, OnlyADisplayThatTakesTheTerminalNeedsOne) {
     EXPECT_EQ(error, "standard output is not a terminal: name a script with --script");
 }
 
+TEST_F(Using_panel_test, ADisplayWithoutKeysNeedsAnInputThatSelects) {
+    options.inputs = {"/nonexistent/knob"};
+    options.input_keys = {{"KEY_A", {Key::BACK}}};
+    EXPECT_EQ(front_error("lcdproc"), "");
+    EXPECT_EQ(front_error("charlcd"),
+              "--keys: no key of an input selects, and the display has no keys");
+}
+
 TEST_F(Using_panel_test, TheDisplayDecidesItsSizeUnlessOneIsNamed) {
     with_log([&](Output_log& log) {
         const std::optional<Lcd_size> open = setup_of(options, log).size;

@@ -50,6 +50,7 @@ TEST(KeyMap, WhatIsNoMapIsTold) {
     }
     EXPECT_EQ(key_error("A=select,A=up"), "duplicate key \"A\"");
     EXPECT_EQ(key_error("A=up,B=down"), "no key selects");
+    EXPECT_EQ(parse_some_keys("A=up,B=down").size(), 2U);
     EXPECT_NE(key_error(std::string(41, 'k') + "=select"), "");
 }
 
