@@ -50,14 +50,16 @@ Charlcd_display::Client::Client(const std::string& device, Lcd_size size, const 
                                 std::ostream& log)
     : m_device(device), m_size(size), m_rom(rom), m_log(log), m_writer(device) {}
 
-// A value that stays on the display would be taken for the device's.
+// A value that stays on the display would be taken for the device's, also one of the very first write.
 Charlcd_display::Client::~Client() {
-    if (m_is_up && m_writer.is_busy()) {
+    if (m_screen && m_writer.is_busy()) {
         pollfd written = source();
         poll(&written, 1, static_cast<int>(Device_writer::FAREWELL.count()));
-        static_cast<void>(m_writer.take_result());
+        if (!m_writer.take_result().value_or("").empty()) {
+            return;
+        }
     }
-    if (m_is_up && !m_writer.is_busy()) {
+    if (m_screen && !m_writer.is_busy()) {
         m_writer.write(Charlcd_screen::farewell());
     }
 }

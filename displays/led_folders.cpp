@@ -171,6 +171,9 @@ void Led_folders::Lamp::update(Time now) {
 void Led_folders::Lamp::set_up() {
     const Identity identity = identity_of(m_folder);
     if (!m_is_up || identity != m_identity) {
+        if (identity != m_identity) {
+            m_trigger.clear();
+        }
         m_identity = identity;
         const std::string most = read_file(m_folder, "max_brightness");
         if (!parse_number<int>(most, 1)) {
@@ -193,17 +196,23 @@ void Led_folders::Lamp::set(bool lit) {
     m_is_lit = lit;
 }
 
+// An LED that refused a write may take the last one. Its loss was reported.
 void Led_folders::Lamp::give_back() {
-    if (!m_is_up) {
+    if (m_brightest.empty()) {
         return;
     }
     try {
+        if (identity_of(m_folder) != m_identity) {
+            return;
+        }
         set(false);
         if (!m_trigger.empty()) {
             write_file(m_folder, "trigger", m_trigger);
         }
     } catch (const Led_error& error) {
-        say(std::string("cannot be switched off (") + error.what() + ")");
+        if (m_is_up) {
+            say(std::string("cannot be switched off (") + error.what() + ")");
+        }
     }
 }
 

@@ -195,6 +195,17 @@ TEST_F(Charlcd_display_test, TheEndRightAfterAFrameLeavesTheDisplayBlank) {
     EXPECT_EQ(line(1), std::string(16, ' '));
 }
 
+TEST_F(Charlcd_display_test, TheEndRightAfterTheStartLeavesTheDisplayBlank) {
+    pipe.plug_in();
+    open();
+    display->show(frame_of("Main", ">Level"));
+    next();
+    display.reset();
+    EXPECT_NE(pipe.read_all(), "");
+    EXPECT_EQ(line(1), std::string(16, ' '));
+    EXPECT_FALSE(pipe.emulator.blinks());
+}
+
 TEST_F(Charlcd_display_test, TheEndOfADisplayThatHangsDoesNotHang) {
     start();
     pipe.fill();

@@ -81,6 +81,33 @@ TEST_F(Led_folders_test, ATriggerIsTakenAndGivenBackAtTheEnd) {
     EXPECT_EQ(read("alarm/brightness"), "0");
 }
 
+TEST_F(Led_folders_test, AnLedThatRefusedAWriteIsGivenBackToo) {
+    const std::string path = add("alarm");
+    open("alarm=" + path);
+    show(false, true, false);
+    fs::rename(path + "/brightness", path + "/away");
+    show(false, false, false);
+    fs::rename(path + "/away", path + "/brightness");
+    EXPECT_EQ(read("alarm/brightness"), "255");
+    leds.reset();
+    EXPECT_EQ(read("alarm/brightness"), "0");
+    EXPECT_EQ(read("alarm/trigger"), "heartbeat");
+}
+
+TEST_F(Led_folders_test, ATriggerIsNotGivenToAnotherLed) {
+    open("alarm=" + add("alarm"));
+    show(false, true, false);
+    fs::rename(folder.file("alarm"), folder.file("old"));
+    add("alarm");
+    write("alarm/trigger", "[none] timer\n");
+    now = leds->due();
+    EXPECT_FALSE(leds->next(now));
+    EXPECT_EQ(read("alarm/brightness"), "255");
+    leds.reset();
+    EXPECT_EQ(read("alarm/brightness"), "0");
+    EXPECT_EQ(read("alarm/trigger"), "[none] timer\n");
+}
+
 TEST_F(Led_folders_test, AnLedWithoutATriggerIsUsed) {
     const std::string path = add("alarm");
     fs::remove(path + "/trigger");
