@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <set>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include <frontpanel_base/input_error.h>
@@ -102,6 +104,27 @@ std::string hint_of_name(const CLI::App& app, const std::string& name) {
     return nearest.hint();
 }
 
+bool is_one_of(const std::string& text, std::initializer_list<const char*> words) {
+    return std::find(words.begin(), words.end(), text) != words.end();
+}
+
+// The value that an option has which needs none, such as "true", or "table" of "dump"; empty when the text switches it
+// off.
+std::string flag_value(const CLI::Option& option, const std::string& text) {
+    const std::string word = CLI::detail::to_lower(text);
+    const std::string usual = option.get_flag_value(option.get_lnames()[0], "");
+    if (is_one_of(word, {"false", "no", "off", "0"})) {
+        return "";
+    }
+    if (is_one_of(word, {"true", "yes", "on", "1"})) {
+        return usual;
+    }
+    if (usual == "true") {
+        throw Input_error(option.get_name() + ": expected true or false, found \"" + text + "\"");
+    }
+    return text;
+}
+
 class Configuration {
 public:
     explicit Configuration(CLI::App& app) : m_app(app) {
@@ -152,7 +175,8 @@ private:
 
     void set(CLI::Option& option, const std::vector<std::string>& values) {
         const bool is_flag = option.get_expected_min() == 0;
-        if (is_flag && values.front() == "false") {
+        const std::string of_flag = is_flag ? flag_value(option, values.front()) : "";
+        if (is_flag && of_flag.empty()) {
             return;
         }
         if (is_on_command_line(option)) {
@@ -160,9 +184,7 @@ private:
         }
         check_excludes(option);
         if (is_flag) {
-            const std::string& value = values.front();
-            option.add_result(
-                option.get_flag_value(option.get_lnames()[0], value == "true" ? "" : value));
+            option.add_result(of_flag);
         } else {
             option.add_result(values);
         }
@@ -174,11 +196,17 @@ private:
     std::set<const CLI::Option*> m_named;  // in the file
 };
 
+// Some editors begin a file with the mark of UTF-8.
+std::string without_mark(std::string text) {
+    constexpr const char* MARK = "\xEF\xBB\xBF";
+    return text.rfind(MARK, 0) == 0 ? text.substr(std::strlen(MARK)) : std::move(text);
+}
+
 }  // namespace
 
 void configure(CLI::App& app, const std::string& file) {
     Configuration configuration(app);
-    std::istringstream lines(read_input_file(file));
+    std::istringstream lines(without_mark(read_input_file(file)));
     int number = 0;
     for (std::string line; std::getline(lines, line);) {
         ++number;

@@ -184,9 +184,11 @@ void describe_reports(CLI::App& app, Options& options) {
             });
     CLI::Option* const probe =
         app.add_flag("--probe", options.probe, "Read each driver's parameters once, then exit");
-    dump->excludes(graph)->excludes(explain)->excludes(probe);
-    graph->excludes(explain)->excludes(probe);
-    explain->excludes(probe);
+    CLI::Option* const check = app.get_option("--check");
+    dump->excludes(graph)->excludes(explain)->excludes(probe)->excludes(check);
+    graph->excludes(explain)->excludes(probe)->excludes(check);
+    explain->excludes(probe)->excludes(check);
+    probe->excludes(check);
 }
 
 // Every option has a line of help of at most 80 characters, an entry in packaging/frontpanel.1, one in

@@ -124,6 +124,7 @@ expect 0 "" --explain Gain --menu small.json --debug 0xffffffff
 expect 2 'frontpanel: the menu has no entry "Bass"' --explain Bass --menu small.json
 expect 2 'frontpanel: --explain: expected a path or an id' --explain '' --menu small.json
 expect 2 'frontpanel: --dump excludes --graph' --dump --graph
+expect 2 'frontpanel: --check excludes --dump' --check --dump
 expect 0 "" --graph --debug 0xffffffff
 grep -qx 'digraph "Main" {' out || fail "--graph begins with '$(head -1 out)'"
 if command -v dot >/dev/null; then

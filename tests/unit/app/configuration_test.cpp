@@ -84,6 +84,20 @@ TEST_F(Configuration, GivesEachOptionItsValue) {
     EXPECT_FALSE(options.check);
     EXPECT_EQ(options.dump, "table");
     EXPECT_EQ(options_of("dump=json").dump, "json");
+    EXPECT_TRUE(options_of("\xEF\xBB\xBFstill\n").still);
+}
+
+TEST_F(Configuration, AnOptionWithoutAValueIsOnOrOff) {
+    for (const char* const word : {"true", "yes", "on", "1", "True"}) {
+        EXPECT_TRUE(options_of(std::string("still = ") + word).still) << word;
+        EXPECT_EQ(options_of(std::string("dump = ") + word).dump, "table") << word;
+    }
+    for (const char* const word : {"false", "no", "off", "0", "NO"}) {
+        EXPECT_FALSE(options_of(std::string("still = ") + word).still) << word;
+        EXPECT_EQ(options_of(std::string("dump = ") + word).dump, "") << word;
+    }
+    EXPECT_EQ(error_of("still = maybe"), "1: --still: expected true or false, found \"maybe\"\n");
+    EXPECT_EQ(error_of("still = 2"), "1: --still: expected true or false, found \"2\"\n");
 }
 
 TEST_F(Configuration, AnOptionThatMayBeGivenSeveralTimesHasALineEachOrAList) {
@@ -111,6 +125,8 @@ TEST_F(Configuration, AReportOfTheCommandLineTakesThePlaceOfAnother) {
     EXPECT_EQ(options.dump, "table");
     EXPECT_FALSE(options.graph);
     EXPECT_EQ(options.debug, 1U);
+    EXPECT_FALSE(options_of("graph\n", {"--check"}).graph);
+    EXPECT_FALSE(options_of("check\n", {"--probe"}).check);
 }
 
 TEST_F(Configuration, MistakesAreReportedWithFileAndLine) {
