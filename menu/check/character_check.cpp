@@ -1,5 +1,7 @@
 #include <frontpanel_menu/character_check.h>
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -28,12 +30,20 @@ void check_text(const Json_value& value, const Shows_character& shows) {
     }
 }
 
+// What is for the reader of the file, or for drivers.
+bool is_shown(const std::string& member) {
+    constexpr const char* UNSHOWN[] = {"description", "source", "drivers"};
+    return std::find(std::begin(UNSHOWN), std::end(UNSHOWN), member) == std::end(UNSHOWN);
+}
+
 void check_value(const Json_value& value, const Shows_character& shows) {
     if (value.is_text()) {
         check_text(value, shows);
     } else if (value.is_object()) {
         for (const Json_value::Member& member : value.members()) {
-            check_value(member.value, shows);
+            if (is_shown(member.name)) {
+                check_value(member.value, shows);
+            }
         }
     } else if (value.is_list()) {
         for (const Json_value& item : value.items()) {

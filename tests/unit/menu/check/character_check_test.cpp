@@ -32,6 +32,13 @@ TEST(CharacterCheck, EachTextWithACharacterThatTheDisplayLacksIsWarnedOf) {
     EXPECT_TRUE(warnings_of(text, [](char32_t) { return true; }).empty());
 }
 
+TEST(CharacterCheck, WhatIsNeverShownIsNotJudged) {
+    EXPECT_EQ(warnings_of(R"({"device": {"drivers": {"d": {"driver": "file", "folder": "/\u4e2d"}},
+        "parameters": [{"description": "\u4e2d", "source": {"path": "\u4e2d"}}]}})",
+                          is_latin),
+              Lines());
+}
+
 TEST(CharacterCheck, ADamagedDocumentIsNoMatterOfTheDisplay) {
     EXPECT_EQ(warnings_of("{", is_latin), Lines());
     Menu_document rules("menu.json", R"({"binding": "a\nb", "name": "\u0007"})");
