@@ -39,6 +39,62 @@ constexpr Code A02[] = {
 // Where it holds something else than ISO-8859-1.
 constexpr char32_t NOT_IN_A02[] = {0xA0, 0xA8, 0xAC, 0xAD, 0xAF, 0xB4, 0xB8, 0xD8, 0xF8};
 
+// Characters that look the same on a display: a ROM with the second shows the first by it.
+constexpr std::pair<char32_t, char32_t> ALIKE[] = {
+    // Cyrillic
+    {U'А', U'A'},
+    {U'В', U'B'},
+    {U'Е', U'E'},
+    {U'К', U'K'},
+    {U'М', U'M'},
+    {U'Н', U'H'},
+    {U'О', U'O'},
+    {U'Р', U'P'},
+    {U'С', U'C'},
+    {U'Т', U'T'},
+    {U'Х', U'X'},
+    {U'Ѕ', U'S'},
+    {U'І', U'I'},
+    {U'Ј', U'J'},
+    {U'а', U'a'},
+    {U'е', U'e'},
+    {U'о', U'o'},
+    {U'р', U'p'},
+    {U'с', U'c'},
+    {U'у', U'y'},
+    {U'х', U'x'},
+    {U'ѕ', U's'},
+    {U'і', U'i'},
+    {U'ј', U'j'},
+    {U'Г', U'Γ'},
+    {U'Ф', U'Φ'},
+    // Greek
+    {U'Α', U'A'},
+    {U'Β', U'B'},
+    {U'Ε', U'E'},
+    {U'Ζ', U'Z'},
+    {U'Η', U'H'},
+    {U'Ι', U'I'},
+    {U'Κ', U'K'},
+    {U'Μ', U'M'},
+    {U'Ν', U'N'},
+    {U'Ο', U'O'},
+    {U'Ρ', U'P'},
+    {U'Τ', U'T'},
+    {U'Υ', U'Y'},
+    {U'Χ', U'X'},
+    {U'ο', U'o'},
+    {U'Π', U'П'},
+    // others
+    {U'Đ', U'Ð'},
+    {U'\u00BA', U'°'},
+    {U'\u02DA', U'°'},
+    {U'\u212A', U'K'},
+    {U'\u212B', U'Å'},
+    {U'\u2219', U'·'},
+    {U'\u22C5', U'·'},
+};
+
 constexpr int FIRST_LATIN = 0xA0;
 constexpr int LAST_LATIN = 0xFF;
 
@@ -62,22 +118,30 @@ constexpr Base BASES[] = {
     {'a', {0, 0, 0b01110, 0b00001, 0b01111, 0b10001, 0b01111, 0}},
     {'c', {0, 0, 0b01110, 0b10000, 0b10000, 0b10001, 0b01110, 0}},
     {'e', {0, 0, 0b01110, 0b10001, 0b11111, 0b10000, 0b01110, 0}},
+    {'g', {0, 0, 0b01111, 0b10001, 0b01111, 0b00001, 0b01110, 0}},
     {'i', {0, 0, 0b01100, 0b00100, 0b00100, 0b00100, 0b01110, 0}},
     {'n', {0, 0, 0b10110, 0b11001, 0b10001, 0b10001, 0b10001, 0}},
     {'o', {0, 0, 0b01110, 0b10001, 0b10001, 0b10001, 0b01110, 0}},
     {'r', {0, 0, 0b10110, 0b11001, 0b10000, 0b10000, 0b10000, 0}},
     {'s', {0, 0, 0b01111, 0b10000, 0b01110, 0b00001, 0b11110, 0}},
+    {'t', {0, 0b01000, 0b11100, 0b01000, 0b01000, 0b01001, 0b00110, 0}},
     {'u', {0, 0, 0b10001, 0b10001, 0b10001, 0b10011, 0b01101, 0}},
+    {'w', {0, 0, 0b10001, 0b10001, 0b10101, 0b10101, 0b01010, 0}},
     {'y', {0, 0, 0b10001, 0b10001, 0b01111, 0b00001, 0b01110, 0}},
     {'z', {0, 0, 0b11111, 0b00010, 0b00100, 0b01000, 0b11111, 0}},
     {'A', {0, 0b01110, 0b10001, 0b10001, 0b11111, 0b10001, 0b10001, 0}},
     {'C', {0, 0b01111, 0b10000, 0b10000, 0b10000, 0b10000, 0b01111, 0}},
+    {'D', {0, 0b11110, 0b10001, 0b10001, 0b10001, 0b10001, 0b11110, 0}},
     {'E', {0, 0b11111, 0b10000, 0b11110, 0b10000, 0b10000, 0b11111, 0}},
+    {'G', {0, 0b01111, 0b10000, 0b10011, 0b10001, 0b10001, 0b01111, 0}},
     {'I', {0, 0b01110, 0b00100, 0b00100, 0b00100, 0b00100, 0b01110, 0}},
     {'N', {0, 0b10001, 0b11001, 0b10101, 0b10011, 0b10001, 0b10001, 0}},
     {'O', {0, 0b01110, 0b10001, 0b10001, 0b10001, 0b10001, 0b01110, 0}},
+    {'R', {0, 0b11110, 0b10001, 0b11110, 0b10100, 0b10010, 0b10001, 0}},
     {'S', {0, 0b01111, 0b10000, 0b01110, 0b00001, 0b00001, 0b11110, 0}},
+    {'T', {0, 0b11111, 0b00100, 0b00100, 0b00100, 0b00100, 0b00100, 0}},
     {'U', {0, 0b10001, 0b10001, 0b10001, 0b10001, 0b10001, 0b01110, 0}},
+    {'W', {0, 0b10001, 0b10001, 0b10101, 0b10101, 0b10101, 0b01010, 0}},
     {'Y', {0, 0b10001, 0b01010, 0b00100, 0b00100, 0b00100, 0b00100, 0}},
     {'Z', {0, 0b11111, 0b00010, 0b00100, 0b01000, 0b10000, 0b11111, 0}},
 };
@@ -86,6 +150,7 @@ struct Accent {
     uint8_t upper;
     uint8_t lower;
     uint8_t over_capital;
+    uint8_t below = 0;
 };
 constexpr Accent GRAVE{0b01000, 0b00100, 0b01000};
 constexpr Accent ACUTE{0b00010, 0b00100, 0b00010};
@@ -94,6 +159,12 @@ constexpr Accent TILDE{0b01101, 0b10110, 0b01101};
 constexpr Accent DIAERESIS{0b01010, 0, 0b01010};
 constexpr Accent RING{0b00100, 0, 0b00100};
 constexpr Accent CARON{0b01010, 0b00100, 0b01010};
+constexpr Accent MACRON{0b01110, 0, 0b01110};
+constexpr Accent BREVE{0b10001, 0b01110, 0b01010};
+constexpr Accent DOUBLE_ACUTE{0b00101, 0b01010, 0b00101};
+constexpr Accent OGONEK{0, 0, 0, 0b00010};
+constexpr Accent CEDILLA{0, 0, 0, 0b00100};
+constexpr Accent NONE{0, 0, 0};
 
 struct Accented {
     char32_t character;
@@ -101,30 +172,57 @@ struct Accented {
     Accent accent;
 };
 constexpr Accented ACCENTED[] = {
-    {U'À', 'A', GRAVE},      {U'Á', 'A', ACUTE},      {U'Â', 'A', CIRCUMFLEX},
-    {U'Ã', 'A', TILDE},      {U'Ä', 'A', DIAERESIS},  {U'È', 'E', GRAVE},
-    {U'É', 'E', ACUTE},      {U'Ê', 'E', CIRCUMFLEX}, {U'Ë', 'E', DIAERESIS},
-    {U'Ì', 'I', GRAVE},      {U'Í', 'I', ACUTE},      {U'Î', 'I', CIRCUMFLEX},
-    {U'Ï', 'I', DIAERESIS},  {U'Ñ', 'N', TILDE},      {U'Ò', 'O', GRAVE},
-    {U'Ó', 'O', ACUTE},      {U'Ô', 'O', CIRCUMFLEX}, {U'Õ', 'O', TILDE},
-    {U'Ö', 'O', DIAERESIS},  {U'Ù', 'U', GRAVE},      {U'Ú', 'U', ACUTE},
-    {U'Û', 'U', CIRCUMFLEX}, {U'Ü', 'U', DIAERESIS},  {U'Ý', 'Y', ACUTE},
-    {U'à', 'a', GRAVE},      {U'á', 'a', ACUTE},      {U'â', 'a', CIRCUMFLEX},
-    {U'ã', 'a', TILDE},      {U'ä', 'a', DIAERESIS},  {U'å', 'a', RING},
-    {U'è', 'e', GRAVE},      {U'é', 'e', ACUTE},      {U'ê', 'e', CIRCUMFLEX},
-    {U'ë', 'e', DIAERESIS},  {U'ì', 'i', GRAVE},      {U'í', 'i', ACUTE},
-    {U'î', 'i', CIRCUMFLEX}, {U'ï', 'i', DIAERESIS},  {U'ñ', 'n', TILDE},
-    {U'ò', 'o', GRAVE},      {U'ó', 'o', ACUTE},      {U'ô', 'o', CIRCUMFLEX},
-    {U'õ', 'o', TILDE},      {U'ö', 'o', DIAERESIS},  {U'ù', 'u', GRAVE},
-    {U'ú', 'u', ACUTE},      {U'û', 'u', CIRCUMFLEX}, {U'ü', 'u', DIAERESIS},
-    {U'ý', 'y', ACUTE},      {U'ÿ', 'y', DIAERESIS},  {U'Č', 'C', CARON},
-    {U'č', 'c', CARON},      {U'Ć', 'C', ACUTE},      {U'ć', 'c', ACUTE},
-    {U'ě', 'e', CARON},      {U'ń', 'n', ACUTE},      {U'Ń', 'N', ACUTE},
-    {U'ň', 'n', CARON},      {U'Ň', 'N', CARON},      {U'ř', 'r', CARON},
-    {U'Š', 'S', CARON},      {U'š', 's', CARON},      {U'Ś', 'S', ACUTE},
-    {U'ś', 's', ACUTE},      {U'ů', 'u', RING},       {U'Ž', 'Z', CARON},
-    {U'ž', 'z', CARON},      {U'ź', 'z', ACUTE},      {U'Ź', 'Z', ACUTE},
-    {U'ż', 'z', RING},       {U'Ż', 'Z', RING},
+    {U'À', 'A', GRAVE},        {U'Á', 'A', ACUTE},        {U'Â', 'A', CIRCUMFLEX},
+    {U'Ã', 'A', TILDE},        {U'Ä', 'A', DIAERESIS},    {U'È', 'E', GRAVE},
+    {U'É', 'E', ACUTE},        {U'Ê', 'E', CIRCUMFLEX},   {U'Ë', 'E', DIAERESIS},
+    {U'Ì', 'I', GRAVE},        {U'Í', 'I', ACUTE},        {U'Î', 'I', CIRCUMFLEX},
+    {U'Ï', 'I', DIAERESIS},    {U'Ñ', 'N', TILDE},        {U'Ò', 'O', GRAVE},
+    {U'Ó', 'O', ACUTE},        {U'Ô', 'O', CIRCUMFLEX},   {U'Õ', 'O', TILDE},
+    {U'Ö', 'O', DIAERESIS},    {U'Ù', 'U', GRAVE},        {U'Ú', 'U', ACUTE},
+    {U'Û', 'U', CIRCUMFLEX},   {U'Ü', 'U', DIAERESIS},    {U'Ý', 'Y', ACUTE},
+    {U'à', 'a', GRAVE},        {U'á', 'a', ACUTE},        {U'â', 'a', CIRCUMFLEX},
+    {U'ã', 'a', TILDE},        {U'ä', 'a', DIAERESIS},    {U'å', 'a', RING},
+    {U'è', 'e', GRAVE},        {U'é', 'e', ACUTE},        {U'ê', 'e', CIRCUMFLEX},
+    {U'ë', 'e', DIAERESIS},    {U'ì', 'i', GRAVE},        {U'í', 'i', ACUTE},
+    {U'î', 'i', CIRCUMFLEX},   {U'ï', 'i', DIAERESIS},    {U'ñ', 'n', TILDE},
+    {U'ò', 'o', GRAVE},        {U'ó', 'o', ACUTE},        {U'ô', 'o', CIRCUMFLEX},
+    {U'õ', 'o', TILDE},        {U'ö', 'o', DIAERESIS},    {U'ù', 'u', GRAVE},
+    {U'ú', 'u', ACUTE},        {U'û', 'u', CIRCUMFLEX},   {U'ü', 'u', DIAERESIS},
+    {U'ý', 'y', ACUTE},        {U'ÿ', 'y', DIAERESIS},    {U'Č', 'C', CARON},
+    {U'č', 'c', CARON},        {U'Ć', 'C', ACUTE},        {U'ć', 'c', ACUTE},
+    {U'ě', 'e', CARON},        {U'ń', 'n', ACUTE},        {U'Ń', 'N', ACUTE},
+    {U'ň', 'n', CARON},        {U'Ň', 'N', CARON},        {U'ř', 'r', CARON},
+    {U'Š', 'S', CARON},        {U'š', 's', CARON},        {U'Ś', 'S', ACUTE},
+    {U'ś', 's', ACUTE},        {U'ů', 'u', RING},         {U'Ž', 'Z', CARON},
+    {U'ž', 'z', CARON},        {U'ź', 'z', ACUTE},        {U'Ź', 'Z', ACUTE},
+    {U'ż', 'z', RING},         {U'Ż', 'Z', RING},         {U'ā', 'a', MACRON},
+    {U'Ā', 'A', MACRON},       {U'ē', 'e', MACRON},       {U'Ē', 'E', MACRON},
+    {U'ī', 'i', MACRON},       {U'Ī', 'I', MACRON},       {U'ō', 'o', MACRON},
+    {U'Ō', 'O', MACRON},       {U'ū', 'u', MACRON},       {U'Ū', 'U', MACRON},
+    {U'ă', 'a', BREVE},        {U'ğ', 'g', BREVE},        {U'Ğ', 'G', BREVE},
+    {U'ŭ', 'u', BREVE},        {U'ő', 'o', DOUBLE_ACUTE}, {U'Ő', 'O', DOUBLE_ACUTE},
+    {U'ű', 'u', DOUBLE_ACUTE}, {U'Ű', 'U', DOUBLE_ACUTE}, {U'ą', 'a', OGONEK},
+    {U'Ą', 'A', OGONEK},       {U'ę', 'e', OGONEK},       {U'Ę', 'E', OGONEK},
+    {U'į', 'i', OGONEK},       {U'Į', 'I', OGONEK},       {U'ų', 'u', OGONEK},
+    {U'Ų', 'U', OGONEK},       {U'ş', 's', CEDILLA},      {U'Ş', 'S', CEDILLA},
+    {U'ș', 's', CEDILLA},      {U'Ș', 'S', CEDILLA},      {U'ţ', 't', CEDILLA},
+    {U'Ţ', 'T', CEDILLA},      {U'ț', 't', CEDILLA},      {U'Ț', 'T', CEDILLA},
+    {U'ņ', 'n', CEDILLA},      {U'Ņ', 'N', CEDILLA},      {U'ė', 'e', RING},
+    {U'ċ', 'c', RING},         {U'ġ', 'g', RING},         {U'ı', 'i', NONE},
+    {U'ŕ', 'r', ACUTE},        {U'Ŕ', 'R', ACUTE},        {U'Ř', 'R', CARON},
+    {U'Ď', 'D', CARON},        {U'Ť', 'T', CARON},        {U'ŵ', 'w', CIRCUMFLEX},
+    {U'Ŵ', 'W', CIRCUMFLEX},   {U'ŷ', 'y', CIRCUMFLEX},   {U'Ŷ', 'Y', CIRCUMFLEX},
+    {U'Ÿ', 'Y', DIAERESIS},    {U'ĉ', 'c', CIRCUMFLEX},   {U'Ĉ', 'C', CIRCUMFLEX},
+    {U'ĝ', 'g', CIRCUMFLEX},   {U'Ĝ', 'G', CIRCUMFLEX},   {U'ŝ', 's', CIRCUMFLEX},
+    {U'Ŝ', 'S', CIRCUMFLEX},
+};
+
+// Letters whose accent finds no room.
+constexpr std::pair<char32_t, char> PLAIN_LETTERS[] = {
+    {U'ď', 'd'}, {U'ť', 't'}, {U'ľ', 'l'}, {U'Ľ', 'L'}, {U'ĺ', 'l'}, {U'Ĺ', 'L'},
+    {U'đ', 'd'}, {U'Đ', 'D'}, {U'ķ', 'k'}, {U'Ķ', 'K'}, {U'ļ', 'l'}, {U'Ļ', 'L'},
+    {U'ģ', 'g'}, {U'Ģ', 'G'}, {U'Ă', 'A'}, {U'Ŭ', 'U'}, {U'ĥ', 'h'}, {U'Ĥ', 'H'},
+    {U'ĵ', 'j'}, {U'Ĵ', 'J'}, {U'ħ', 'h'}, {U'Ħ', 'H'},
 };
 
 struct Drawn {
@@ -138,12 +236,19 @@ constexpr Drawn DRAWN[] = {
     {U'~', '\0', {0, 0, 0b01000, 0b10101, 0b00010, 0, 0, 0}},
     {U'Å', 'A', {0b00100, 0b01010, 0b00100, 0b01110, 0b10001, 0b11111, 0b10001, 0}},
     {U'Ě', 'E', {0b01010, 0b00100, 0b11111, 0b10000, 0b11110, 0b10000, 0b11111, 0}},
+    {U'Ċ', 'C', {0b00100, 0, 0b01111, 0b10000, 0b10000, 0b10000, 0b01111, 0}},
+    {U'Ė', 'E', {0b00100, 0, 0b11111, 0b10000, 0b11110, 0b10000, 0b11111, 0}},
+    {U'Ġ', 'G', {0b00100, 0, 0b01111, 0b10000, 0b10011, 0b10001, 0b01111, 0}},
+    {U'İ', 'I', {0b00100, 0, 0b01110, 0b00100, 0b00100, 0b00100, 0b01110, 0}},
+    {U'Ů', 'U', {0b00100, 0, 0b10001, 0b10001, 0b10001, 0b10001, 0b01110, 0}},
     {U'ç', 'c', {0, 0, 0b01110, 0b10000, 0b10001, 0b01110, 0b00100, 0b01100}},
     {U'Ç', 'C', {0b01110, 0b10001, 0b10000, 0b10000, 0b10001, 0b01110, 0b00100, 0b01100}},
     {U'ø', 'o', {0, 0b00001, 0b01110, 0b10011, 0b10101, 0b11001, 0b01110, 0b10000}},
     {U'Ø', 'O', {0b00001, 0b01110, 0b10011, 0b10101, 0b10101, 0b11001, 0b01110, 0b10000}},
     {U'æ', '\0', {0, 0, 0b11010, 0b00101, 0b01111, 0b10100, 0b01011, 0}},
     {U'Æ', '\0', {0b01111, 0b10100, 0b10100, 0b11111, 0b10100, 0b10100, 0b10111, 0}},
+    {U'œ', '\0', {0, 0, 0b01010, 0b10101, 0b10111, 0b10100, 0b01011, 0}},
+    {U'Œ', '\0', {0b01111, 0b10100, 0b10100, 0b10111, 0b10100, 0b10100, 0b01111, 0}},
     {U'ß', '\0', {0b01100, 0b10010, 0b10010, 0b10100, 0b10010, 0b10010, 0b10100, 0}},
     {U'ł', 'l', {0b01100, 0b00100, 0b00110, 0b00100, 0b01100, 0b00100, 0b01110, 0}},
     {U'Ł', 'L', {0b10000, 0b10100, 0b11000, 0b10000, 0b10000, 0b10000, 0b11111, 0}},
@@ -200,12 +305,10 @@ Glyph drawn(const Accented& accented) {
             rows = base.rows;
         }
     }
-    if (accented.letter >= 'a') {
-        rows[0] = accented.accent.upper;
-        rows[1] = accented.accent.lower;
-    } else {
-        rows[0] = accented.accent.over_capital;
-    }
+    const bool is_small = accented.letter >= 'a';
+    rows[0] |= is_small ? accented.accent.upper : accented.accent.over_capital;
+    rows[1] |= is_small ? accented.accent.lower : uint8_t{0};
+    rows[7] |= accented.accent.below;
     return rows;
 }
 
@@ -232,6 +335,14 @@ void Character_rom::add(char32_t character, int code) {
     m_codes[character] = static_cast<char>(code);
 }
 
+void Character_rom::add_alike() {
+    for (const auto& [character, known] : ALIKE) {
+        if (const std::optional<char> code = code_of(known)) {
+            m_codes.emplace(character, *code);
+        }
+    }
+}
+
 void Character_rom::add_ascii() {
     for (int code = ' '; code <= '~'; ++code) {
         add(static_cast<char32_t>(code), code);
@@ -251,6 +362,7 @@ const Character_rom& Character_rom::a00() {
         for (const auto& [character, code] : A00) {
             rom.add(character, code);
         }
+        rom.add_alike();
         return rom;
     }();
     return ROM;
@@ -270,6 +382,7 @@ const Character_rom& Character_rom::a02() {
         for (const auto& [character, code] : A02) {
             rom.add(character, code);
         }
+        rom.add_alike();
         return rom;
     }();
     return ROM;
@@ -282,6 +395,7 @@ const Character_rom& Character_rom::iso_8859_1() {
         for (int code = FIRST_LATIN; code <= LAST_LATIN; ++code) {
             rom.add(static_cast<char32_t>(code), code);
         }
+        rom.add_alike();
         return rom;
     }();
     return ROM;
@@ -324,6 +438,11 @@ std::optional<char> plain_letter_of(char32_t character) {
     for (const Drawn& drawing : DRAWN) {
         if (drawing.character == character && drawing.plain != '\0') {
             return drawing.plain;
+        }
+    }
+    for (const auto& [letter, plain] : PLAIN_LETTERS) {
+        if (letter == character) {
+            return plain;
         }
     }
     return plain_form_of(character);

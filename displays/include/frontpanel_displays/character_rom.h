@@ -30,6 +30,7 @@ private:
     explicit Character_rom(std::string name) : m_name(std::move(name)) {}
     void add(char32_t character, int code);
     void add_ascii();
+    void add_alike();
 
     std::string m_name;
     std::unordered_map<char32_t, char> m_codes;
