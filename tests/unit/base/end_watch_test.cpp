@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include <frontpanel_base/signal_cleanup.h>
@@ -38,8 +39,19 @@ void say_good_bye() {
     _exit(status == 0 ? 0 : 1);
 }
 
+// A shell without job control starts its commands in the background with SIGINT and SIGQUIT ignored.
+class End_watchDeathTest : public testing::Test {
+protected:
+    void SetUp() override {
+        for (const int signal_number :
+             {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
+            std::signal(signal_number, SIG_DFL);
+        }
+    }
+};
+
 // Each in a process of its own: signals are the whole process's.
-TEST(End_watchDeathTest, ASignalIsNotedAndDoesNotEndTheProcess) {
+TEST_F(End_watchDeathTest, ASignalIsNotedAndDoesNotEndTheProcess) {
     for (const int signal_number :
          {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU}) {
         EXPECT_EXIT(
@@ -55,7 +67,7 @@ TEST(End_watchDeathTest, ASignalIsNotedAndDoesNotEndTheProcess) {
 }
 
 // A tool that waits for an alarm of its own would wait for ever.
-TEST(End_watchDeathTest, AnAlarmIsNotBlockedInACommand) {
+TEST_F(End_watchDeathTest, AnAlarmIsNotBlockedInACommand) {
     EXPECT_EXIT(
         {
             const End_watch watch{hours(1)};
@@ -65,7 +77,7 @@ TEST(End_watchDeathTest, AnAlarmIsNotBlockedInACommand) {
 }
 
 // The call that runs a command ignores SIGINT for its time.
-TEST(End_watchDeathTest, ASignalDuringACommandIsNoted) {
+TEST_F(End_watchDeathTest, ASignalDuringACommandIsNoted) {
     EXPECT_EXIT(
         {
             const End_watch watch{hours(1)};
@@ -76,11 +88,11 @@ TEST(End_watchDeathTest, ASignalDuringACommandIsNoted) {
         testing::ExitedWithCode(0), "");
 }
 
-TEST(End_watchDeathTest, ACommandThatDoesNotEndDoesNotHoldTheProcess) {
+TEST_F(End_watchDeathTest, ACommandThatDoesNotEndDoesNotHoldTheProcess) {
     EXPECT_EXIT(hang_in_a_command(), testing::KilledBySignal(SIGINT), "^bye$");
 }
 
-TEST(End_watchDeathTest, ASecondSignalEndsTheProcessAtOnce) {
+TEST_F(End_watchDeathTest, ASecondSignalEndsTheProcessAtOnce) {
     EXPECT_EXIT(
         {
             const Signal_cleanup act(Ending::REQUESTED, say_good_bye);
@@ -95,7 +107,7 @@ TEST(End_watchDeathTest, ASecondSignalEndsTheProcessAtOnce) {
         testing::KilledBySignal(SIGTERM), "^bye$");
 }
 
-TEST(End_watchDeathTest, AfterTheWatchASignalEndsTheProcessAsEver) {
+TEST_F(End_watchDeathTest, AfterTheWatchASignalEndsTheProcessAsEver) {
     EXPECT_EXIT(
         {
             { const End_watch watch; }
@@ -105,7 +117,7 @@ TEST(End_watchDeathTest, AfterTheWatchASignalEndsTheProcessAsEver) {
         testing::KilledBySignal(SIGTERM), "");
 }
 
-TEST(End_watchDeathTest, AnIgnoredSignalStaysIgnored) {
+TEST_F(End_watchDeathTest, AnIgnoredSignalStaysIgnored) {
     EXPECT_EXIT(
         {
             std::signal(SIGHUP, SIG_IGN);
@@ -119,7 +131,7 @@ TEST(End_watchDeathTest, AnIgnoredSignalStaysIgnored) {
 }
 
 // A write to a closed pipe only fails while there is a watch.
-TEST(End_watchDeathTest, AClosedPipeDoesNotEndTheProcessUnlessItIsSentTheSignal) {
+TEST_F(End_watchDeathTest, AClosedPipeDoesNotEndTheProcessUnlessItIsSentTheSignal) {
     EXPECT_EXIT(
         {
             const End_watch watch{hours(1)};
@@ -133,7 +145,7 @@ TEST(End_watchDeathTest, AClosedPipeDoesNotEndTheProcessUnlessItIsSentTheSignal)
         testing::ExitedWithCode(0), "");
 }
 
-TEST(End_watchDeathTest, AForcedEndDoesItsActBeforeTheLastActs) {
+TEST_F(End_watchDeathTest, AForcedEndDoesItsActBeforeTheLastActs) {
     EXPECT_EXIT(
         {
             const Signal_cleanup act(Ending::REQUESTED, say_good_bye);
@@ -152,7 +164,7 @@ TEST(End_watchDeathTest, AForcedEndDoesItsActBeforeTheLastActs) {
         testing::KilledBySignal(SIGTERM), "^saved bye$");
 }
 
-TEST(End_watchDeathTest, AnActThatWasWithdrawnIsNotDone) {
+TEST_F(End_watchDeathTest, AnActThatWasWithdrawnIsNotDone) {
     EXPECT_EXIT(
         {
             End_watch watch{milliseconds(0)};
