@@ -39,17 +39,13 @@ constexpr uint32_t QUIET = DIAGNOSTIC_QUIET;
 constexpr uint32_t VERBOSE = DIAGNOSTIC_VERBOSE;
 
 // Value models and leaves: quiet under QUIET unless VERBOSE is set too.
-inline bool leaf_gate() {
-    return (debug & (QUIET | VERBOSE)) != QUIET;
-}
+bool leaf_gate();
 
 // Refresh, set and visibility of the base entry: only under QUIET or VERBOSE.
-inline bool entry_gate() {
-    return (debug & (QUIET | VERBOSE)) != 0;
-}
+bool entry_gate();
 
 // How a line begins. Each but NONE and FUNCTION_ONLY ends with the line number and a blank.
-enum class Prefix {
+enum class Prefix : uint32_t {
     NONE,            // nothing
     FUNCTION_FIRST,  // "[function][file][line] "
     FILE_FIRST,      // "[file][function][line] "
@@ -58,50 +54,51 @@ enum class Prefix {
     TWO_TABS         // as FUNCTION_FIRST, behind two
 };
 
-struct Place {
-    const char* function;
-    const char* file;
-    int line;
-};
+// A number of a line in the source with the prefix that it is printed in: one argument instead of two, since there are
+// some two hundred calls.
+constexpr uint32_t PREFIX_BITS = 3;
+constexpr uint32_t place(Prefix prefix, int line) {
+    return static_cast<uint32_t>(line) << PREFIX_BITS | static_cast<uint32_t>(prefix);
+}
 
-__attribute__((format(printf, 3, 4))) void write(Prefix prefix, const Place& place,
-                                                 const char* format, ...);
+// The mask of a line that is printed whatever `debug` holds, which the listener is not told of.
+constexpr uint32_t UNCONDITIONAL = 0;
 
-// Tells the listener of a line while it is printed.
-class Announcement {
-public:
-    explicit Announcement(uint32_t mask) { tell(mask); }
-    ~Announcement() { tell(0); }
-    Announcement(const Announcement&) = delete;
-    Announcement& operator=(const Announcement&) = delete;
-
-private:
-    static void tell(uint32_t mask) {
-        if (debug_listener != nullptr) {
-            debug_listener(mask);
-        }
-    }
-};
+// Prints a line, and tells the listener its mask before and 0 after it.
+__attribute__((cold, format(printf, 5, 6))) void write(uint32_t mask, uint32_t place,
+                                                       const char* function, const char* file,
+                                                       const char* format, ...);
+// The same without a prefix.
+__attribute__((cold, format(printf, 2, 3))) void write_text(uint32_t mask, const char* format, ...);
 
 }  // namespace diagnostics
 
-#define FRONTPANEL_LINE(gate, mask, prefix, function, ...)                                      \
-    do {                                                                                        \
-        if ((debug & (mask)) != 0 && (gate)) {                                                  \
-            const ::diagnostics::Announcement announcement(mask);                               \
-            ::diagnostics::write((prefix), {(function), __FILE_NAME__, __LINE__}, __VA_ARGS__); \
-        }                                                                                       \
+// The call that prints a line, for each prefix.
+#define FRONTPANEL_PRINT_NONE(mask, function, ...) ::diagnostics::write_text(mask, __VA_ARGS__)
+#define FRONTPANEL_PRINT_FUNCTION_FIRST(mask, ...) \
+    FRONTPANEL_PRINT(FUNCTION_FIRST, mask, __VA_ARGS__)
+#define FRONTPANEL_PRINT_FILE_FIRST(mask, ...) FRONTPANEL_PRINT(FILE_FIRST, mask, __VA_ARGS__)
+#define FRONTPANEL_PRINT_FUNCTION_ONLY(mask, ...) FRONTPANEL_PRINT(FUNCTION_ONLY, mask, __VA_ARGS__)
+#define FRONTPANEL_PRINT_TAB(mask, ...) FRONTPANEL_PRINT(TAB, mask, __VA_ARGS__)
+#define FRONTPANEL_PRINT_TWO_TABS(mask, ...) FRONTPANEL_PRINT(TWO_TABS, mask, __VA_ARGS__)
+#define FRONTPANEL_PRINT(prefix, mask, function, ...)                                         \
+    ::diagnostics::write(mask, ::diagnostics::place(::diagnostics::Prefix::prefix, __LINE__), \
+                         function, __FILE_NAME__, __VA_ARGS__)
+
+#define FRONTPANEL_LINE(gate, mask, prefix, function, ...)                         \
+    do {                                                                           \
+        if ((debug & ::diagnostics::mask) != 0 && ::diagnostics::gate()) {         \
+            FRONTPANEL_PRINT_##prefix(::diagnostics::mask, function, __VA_ARGS__); \
+        }                                                                          \
     } while (false)
 
 // LEAF_LINE(mask, prefix, function, format, ...): a line of a value model or a leaf.
-#define LEAF_LINE(mask, prefix, function, ...)                       \
-    FRONTPANEL_LINE(::diagnostics::leaf_gate(), ::diagnostics::mask, \
-                    ::diagnostics::Prefix::prefix, function, __VA_ARGS__)
+#define LEAF_LINE(mask, prefix, function, ...) \
+    FRONTPANEL_LINE(leaf_gate, mask, prefix, function, __VA_ARGS__)
 
 // ENTRY_LINE(mask, prefix, function, format, ...): a line of the base entry's refresh, set or visibility.
-#define ENTRY_LINE(mask, prefix, function, ...)                       \
-    FRONTPANEL_LINE(::diagnostics::entry_gate(), ::diagnostics::mask, \
-                    ::diagnostics::Prefix::prefix, function, __VA_ARGS__)
+#define ENTRY_LINE(mask, prefix, function, ...) \
+    FRONTPANEL_LINE(entry_gate, mask, prefix, function, __VA_ARGS__)
 
 // SYSTEM_LOG(first, second, format, ...): a system-log line at error level behind "[first][second][line] ",
 // written whatever `debug` holds. `format` is a literal.

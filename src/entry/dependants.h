@@ -12,7 +12,10 @@ namespace dependants {
 
 // Where the classes differ on purpose.
 struct Commit_lines {
-    diagnostics::Place place;      // the commit, as its lines name it
+    // The commit, as its lines name it.
+    const char* function;
+    const char* file;
+    int line;
     uint32_t mask;                 // category of the lines, leaf gate
     bool reports_missing_binding;  // says when there is no binding (ranges do)
     bool announces_walk;           // says that it looks for dependants (ranges and texts do)

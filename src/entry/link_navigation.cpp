@@ -118,9 +118,10 @@ Data_entry* Link_entry::enter_mounted_menu() {
     if (first != nullptr) {
         return first;
     }
-    diagnostics::write(diagnostics::Prefix::FUNCTION_FIRST, {"Get_child", __FILE_NAME__, __LINE__},
-                       "Dynamic menu creation failed (Child entry is null). Reverting to parent "
-                       "link.\n");
+    FRONTPANEL_PRINT_FUNCTION_FIRST(
+        diagnostics::UNCONDITIONAL, "Get_child",
+        "Dynamic menu creation failed (Child entry is null). Reverting to parent "
+        "link.\n");
     return Get_parent_link();
 }
 

@@ -233,7 +233,7 @@ int Range_entry::Commit(Data_interface* pDataAccessInf) {
     const int result = m_model.Commit(pDataAccessInf);
     dependants::refresh(
         *this, binding, pDataAccessInf,
-        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::GENERAL, true, true, true});
+        {"Commit", __FILE_NAME__, __LINE__, diagnostics::GENERAL, true, true, true});
     return result;
 }
 

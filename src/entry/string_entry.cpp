@@ -91,6 +91,6 @@ int String_entry::Commit(Data_interface* pDataAccessInf) {
     const int result = m_model.Commit(pDataAccessInf);
     dependants::refresh(
         *this, binding, pDataAccessInf,
-        {{"Commit", __FILE_NAME__, __LINE__}, diagnostics::BINDING, false, true, false});
+        {"Commit", __FILE_NAME__, __LINE__, diagnostics::BINDING, false, true, false});
     return result;
 }

@@ -22,11 +22,10 @@
 
 // LIVE_FAILURE(lead, operation, format, ...): a line on standard output whatever `debug` holds. The lead is
 // "Error:" or "Error: ": both are in use, and whoever reads the output knows each line by its own.
-#define LIVE_FAILURE(lead, operation, ...)                                           \
-    do {                                                                             \
-        const ::diagnostics::Place place{(operation), __FILE_NAME__, __LINE__};      \
-        ::diagnostics::write(::diagnostics::Prefix::NONE, place, "%s", (lead));      \
-        ::diagnostics::write(::diagnostics::Prefix::FILE_FIRST, place, __VA_ARGS__); \
+#define LIVE_FAILURE(lead, operation, ...)                                                   \
+    do {                                                                                     \
+        ::diagnostics::write_text(::diagnostics::UNCONDITIONAL, "%s", (lead));               \
+        FRONTPANEL_PRINT_FILE_FIRST(::diagnostics::UNCONDITIONAL, (operation), __VA_ARGS__); \
     } while (false)
 
 #endif
