@@ -5,17 +5,26 @@
 
 #include <frontpanel_data/link_entry.h>
 
-// The tables of virtual operations, by their names in the binary interface of C++ that all our compilers follow.
-extern "C" {
-extern const void* const _ZTV10Node_entry[];
-extern const void* const _ZTV10Link_entry[];
-}
-
 namespace overriding {
 namespace {
 
-// Behind the offset to the top and the type.
+// In a table: behind the offset to the top and the type.
 constexpr std::size_t FIRST_SLOT = 2;
+constexpr std::size_t OPERATIONS = 79;  // of Data_entry
+
+// The tables of virtual operations and the operations, by their names in the binary interface of C++ that all our
+// compilers follow. Names of our own for them: an optimiser that sees the whole library objects to a second declaration
+// of a table.
+#define FRONTPANEL_KNOWN_AS(symbol) __attribute__((weakref(symbol)))
+using Table = const void * [FIRST_SLOT + OPERATIONS];
+FRONTPANEL_KNOWN_AS("_ZTV10Node_entry") static Table NODE_TABLE;
+FRONTPANEL_KNOWN_AS("_ZTV10Link_entry") static Table LINK_TABLE;
+FRONTPANEL_KNOWN_AS("_ZN10Data_entry5PrintEv") static void print_of_entry();
+FRONTPANEL_KNOWN_AS("_ZN10Link_entry5PrintEv") static void print_of_link();
+FRONTPANEL_KNOWN_AS("_ZN10Data_entry9isVisibleEbP14Data_interface")
+static void is_visible_of_entry();
+FRONTPANEL_KNOWN_AS("_ZN10Link_entry9isVisibleEbP14Data_interface")
+static void is_visible_of_link();
 
 // The slot that a pointer to a virtual operation stands for. It holds the offset in the table, to which most
 // processors' interface adds 1.
@@ -37,23 +46,31 @@ const void* const* table_of(const Data_entry& entry) {
     return table;
 }
 
-Version version_of(const Data_entry& entry, std::size_t slot) {
+// One version may have two addresses: in the library's own tables the one inside the library, and in the tables of a
+// program that is linked to a fixed address the one that the program reaches it by.
+bool is_version(const void* version, const void* in_table, void (*in_program)()) {
+    return version == in_table || version == reinterpret_cast<const void*>(in_program);
+}
+
+Version version_of(const Data_entry& entry, std::size_t slot, void (*of_entry)(),
+                   void (*of_link)()) {
     const void* const version = table_of(entry)[slot];
-    if (version == _ZTV10Node_entry[FIRST_SLOT + slot]) {
+    if (is_version(version, NODE_TABLE[FIRST_SLOT + slot], of_entry)) {
         return Version::BASE;
     }
-    return version == _ZTV10Link_entry[FIRST_SLOT + slot] ? Version::LINK : Version::OTHER;
+    return is_version(version, LINK_TABLE[FIRST_SLOT + slot], of_link) ? Version::LINK
+                                                                       : Version::OTHER;
 }
 
 }  // namespace
 
 Version of_print(const Data_entry& entry) {
-    return version_of(entry, slot_of(&Data_entry::Print));
+    return version_of(entry, slot_of(&Data_entry::Print), print_of_entry, print_of_link);
 }
 
 Version of_is_visible(const Data_entry& entry) {
     int (Data_entry::*const operation)(bool, Data_interface*) = &Data_entry::isVisible;
-    return version_of(entry, slot_of(operation));
+    return version_of(entry, slot_of(operation), is_visible_of_entry, is_visible_of_link);
 }
 
 }  // namespace overriding

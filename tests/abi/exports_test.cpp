@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <regex>
 #include <set>
@@ -197,6 +198,23 @@ TEST(Exports, HoldTheGlobalsThatApplicationsSet) {
         }
         EXPECT_TRUE(found) << name;
     }
+}
+
+// A program that is linked to a fixed address holds copies of them, which an optimised library has to use too.
+TEST(Exports, HoldNoVariableThatIsNotListedAsPreemptible) {
+    std::ifstream file(FRONTPANEL_SOURCE_DIR "/src/preemptible.list");
+    const std::string list((std::istreambuf_iterator<char>(file)), {});
+    std::size_t variables = 0;
+    for (const std::string& line : lines_of("nm -D --defined-only '" FRONTPANEL_DATA_LIBRARY "'")) {
+        static const std::regex VARIABLE(R"([0-9a-f]+ [BD] ((?!_ZT)\w+))");
+        std::smatch parts;
+        if (std::regex_match(line, parts, VARIABLE)) {
+            ++variables;
+            EXPECT_TRUE(std::regex_search(list, std::regex("\\b" + parts[1].str() + ";")))
+                << parts[1];
+        }
+    }
+    EXPECT_GT(variables, 10u);
 }
 
 std::vector<std::string> dynamic_values(const std::string& tag) {

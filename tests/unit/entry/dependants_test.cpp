@@ -71,7 +71,7 @@ protected:
     Refreshing c{"C", nullptr, logged(&log)};
     Fake_binding* binding = nullptr;  // the committed entry's
     var_index_s key;
-    dependants::Commit_lines lines = {{"Commit", "range_entry.cpp", 1}, 0x1, true, true, true};
+    dependants::Commit_lines lines = {"Commit", "range_entry.cpp", 1, 0x1, true, true, true};
 };
 
 TEST_F(Dependants, AreRefreshedInOrderWithTheirBindings) {

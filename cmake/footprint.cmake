@@ -1,0 +1,57 @@
+# What keeps the library small and its calls short, in every optimised build: the packages are made of one.
+include(CheckCXXSourceCompiles)
+include(CheckLinkerFlag)
+
+# Relocations of addresses within the library, which its tables of virtual operations hold by the hundred, take eight
+# bytes for each 63 of them instead of 24 for each. The device's dynamic linker has to know the form: glibc 2.36 or later.
+check_linker_flag(CXX LINKER:--fatal-warnings,-z,pack-relative-relocs FRONTPANEL_LINKER_PACKS_RELOCATIONS)
+check_cxx_source_compiles("
+    #include <features.h>
+    #if !__GLIBC_PREREQ(2, 36)
+    #error its dynamic linker does not know packed relocations
+    #endif
+    int main() {}" FRONTPANEL_LIBC_UNPACKS_RELOCATIONS)
+if(FRONTPANEL_LINKER_PACKS_RELOCATIONS AND FRONTPANEL_LIBC_UNPACKS_RELOCATIONS)
+    set(pack_relocations ON)
+else()
+    set(pack_relocations OFF)
+endif()
+option(FRONTPANEL_PACK_RELOCATIONS
+    "Pack the library's relocations (needs glibc 2.36 on the device)" ${pack_relocations})
+
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    set(link_time_optimisation ON)
+else()
+    set(link_time_optimisation OFF)
+endif()
+option(FRONTPANEL_LTO "Optimise the library as a whole when it is linked" ${link_time_optimisation})
+
+# frontpanel_reduce_footprint(<shared library> OBJECTS <library of its objects> PREEMPTIBLE <dynamic list>)
+#
+# The dynamic list names the symbols that a program may hold a copy of; the library uses its own of all others.
+function(frontpanel_reduce_footprint library)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "OBJECTS;PREEMPTIBLE" "")
+    if(FRONTPANEL_SANITIZE OR FRONTPANEL_COVERAGE)
+        return()
+    endif()
+    set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel,None>)
+    set(smallest $<CONFIG:MinSizeRel>)
+
+    target_compile_options(${arg_OBJECTS} PRIVATE
+        $<${optimised}:-ffunction-sections;-fdata-sections;-fno-semantic-interposition;-fno-plt>)
+    target_link_options(${library} PRIVATE
+        $<${optimised}:LINKER:--gc-sections,-Bsymbolic,--dynamic-list=${arg_PREEMPTIBLE},--hash-style=gnu>)
+    set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${arg_PREEMPTIBLE})
+    if(FRONTPANEL_PACK_RELOCATIONS)
+        target_link_options(${library} PRIVATE $<${optimised}:LINKER:-z,pack-relative-relocs>)
+    endif()
+    # Code and constants share their pages, since each change of protection pads the file to a page.
+    target_link_options(${library} PRIVATE $<${smallest}:LINKER:-z,noseparate-code>)
+
+    if(FRONTPANEL_LTO)
+        # Tests of private code link the same objects as they were compiled: they replace functions by the linker.
+        target_compile_options(${arg_OBJECTS} PRIVATE $<${optimised}:-flto;-ffat-lto-objects>)
+        target_link_options(${arg_OBJECTS} INTERFACE $<${optimised}:-fno-lto>)
+        target_link_options(${library} PRIVATE $<${optimised}:-flto=1;-flto-partition=one>)
+    endif()
+endfunction()
