@@ -47,6 +47,7 @@ struct Spot {
     bool is_text;
     bool is_hexadecimal;
     Scale scale;
+    std::optional<Parameter_value> absent;  // what stands for a file that is missing
 };
 
 std::string path_of(const Json_value& value, const std::string& folder) {
@@ -73,6 +74,18 @@ Line_part part_of_source(const Json_value& source) {
 bool is_hexadecimal(const Json_value& source) {
     const auto format = source.find("format");
     return format && format->choice({"decimal", "hexadecimal"}) == 1;
+}
+
+std::optional<Parameter_value> absent_value(const Json_value& source,
+                                            const Driver_parameter& parameter) {
+    const auto value = source.find("absent");
+    if (!value) {
+        return std::nullopt;
+    }
+    if (parameter.is_text) {
+        return Parameter_value(value->text_of_length(0, parameter.length));
+    }
+    return Parameter_value(static_cast<std::int32_t>(value->integer(parameter.min, parameter.max)));
 }
 
 void expect_text_members(const Json_value& source) {
@@ -119,15 +132,24 @@ void deliver_text(std::size_t number, std::string_view text, Value_sink& sink) {
     sink.value(number, std::string(line.substr(0, line.find_last_not_of(" \t\r") + 1)));
 }
 
+void deliver_failure(std::size_t number, const Spot& spot, const std::string& failure,
+                     bool is_missing, Value_sink& sink) {
+    if (is_missing && spot.absent) {
+        sink.value(number, *spot.absent);
+    } else {
+        sink.failure(number, failure);
+    }
+}
+
 void read_spot(std::size_t number, Spot& spot, File_reader& reader, Value_sink& sink) {
     const Path_pattern::Found found = spot.path.find(reader);
     if (found.path.empty()) {
-        sink.failure(number, found.failure);
+        deliver_failure(number, spot, found.failure, found.is_missing, sink);
         return;
     }
     const File_reader::Content& content = reader.read(found.path);
     if (!content.failure.empty()) {
-        sink.failure(number, content.failure);
+        deliver_failure(number, spot, content.failure, content.is_missing, sink);
         return;
     }
     const Found_part part = part_of(content.text, spot.part);
@@ -183,7 +205,8 @@ public:
         m_spots.push_back({parameter.name, source.place(), Path_pattern(path, name, name_file),
                            std::move(write_path), std::move(written_to), part, parameter.is_text,
                            is_number && is_hexadecimal(source),
-                           is_number ? Scale::of(source) : Scale()});
+                           is_number ? Scale::of(source) : Scale(),
+                           absent_value(source, parameter)});
     }
 
     void check(Problems& problems) const override {
@@ -192,9 +215,11 @@ public:
         for (const Spot& spot : m_spots) {
             Path_pattern path = spot.path;
             const Path_pattern::Found found = path.find(reader);
-            const std::string failure =
-                found.path.empty() ? found.failure : reader.read(found.path).failure;
-            if (!failure.empty()) {
+            const bool is_found = !found.path.empty();
+            const std::string failure = is_found ? reader.read(found.path).failure : found.failure;
+            const bool is_missing =
+                is_found ? reader.read(found.path).is_missing : found.is_missing;
+            if (!failure.empty() && !(is_missing && spot.absent)) {
                 problems.warn(spot.place, "cannot be read here: " + failure);
             }
             if (spot.write_path) {
@@ -265,7 +290,7 @@ const Driver_row& file_driver_row() {
     static const Driver_row ROW{
         "file",
         {"folder"},
-        {"path", "name", "name-file", "line", "word", "format", "scale", "write"},
+        {"path", "name", "name-file", "line", "word", "format", "scale", "write", "absent"},
         create};
     return ROW;
 }

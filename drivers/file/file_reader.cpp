@@ -17,7 +17,7 @@ constexpr int FLAGS = O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 File_reader::Content read_new(const std::string& path) {
     const Descriptor file(open(path.c_str(), O_RDONLY | FLAGS));
     if (!file.is_open()) {
-        return {"", std::strerror(errno)};
+        return {"", std::strerror(errno), errno == ENOENT || errno == ENOTDIR};
     }
     File_reader::Content content;
     std::array<char, 4096> piece;

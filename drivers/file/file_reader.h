@@ -16,7 +16,8 @@ public:
 
     struct Content {
         std::string text;
-        std::string failure;  // empty: none
+        std::string failure;      // empty: none
+        bool is_missing = false;  // the failure is that there is no such file
     };
 
     // Valid as long as the reader.

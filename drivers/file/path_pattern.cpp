@@ -163,7 +163,7 @@ Path_pattern::Found Path_pattern::find(File_reader& reader) {
         return {"", std::to_string(found.size()) + " files match" +
                         (m_name.empty() ? ": \"name\" selects one" : "")};
     }
-    return {"", m_name.empty() ? "no file matches" : "nothing is named \"" + m_name + "\""};
+    return {"", m_name.empty() ? "no file matches" : "nothing is named \"" + m_name + "\"", true};
 }
 
 }  // namespace frontpanel

@@ -26,8 +26,9 @@ public:
     static std::string mistake_in(const std::string& path);
 
     struct Found {
-        std::string path;     // empty: none
-        std::string failure;  // why
+        std::string path;         // empty: none
+        std::string failure;      // why
+        bool is_missing = false;  // there is none
     };
     // The one file that is meant now.
     Found find(File_reader& reader);

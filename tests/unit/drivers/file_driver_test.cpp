@@ -268,6 +268,36 @@ TEST_F(File_driver_test, AFileThatVanishesMakesItsValueOldAndComesBack) {
     EXPECT_EQ(read(), "6");
 }
 
+TEST_F(File_driver_test, AFileThatIsMissingMayHaveAValueOfItsOwn) {
+    load(number(1, R"("path": "a", "absent": -5)") + "," +
+         number(2, R"("path": "hw*/b", "name": "chip", "absent": 7)") + "," +
+         text(3, R"("path": "c", "absent": "none")") + "," +
+         number(4, R"("path": "hw*/d", "absent": 0)"));
+    EXPECT_EQ(read(1), "-5");
+    EXPECT_EQ(read(2), "7");
+    EXPECT_EQ(read(3), "'none'");
+    EXPECT_EQ(read(4), "0");
+    m_device->check(m_problems);
+    EXPECT_EQ(problems(), Lines{});
+    write("a", "8");
+    write("hw1/b", "9");
+    write("hw1/name", "chip");
+    EXPECT_EQ(read(1), "8");
+    EXPECT_EQ(read(2), "9");
+    write("a", "x");
+    EXPECT_EQ(read(1), "not a number: \"x\"");
+    write("hw1/d", "1");
+    write("hw2/d", "2");
+    EXPECT_EQ(read(4), "2 files match: \"name\" selects one");
+}
+
+TEST_F(File_driver_test, AValueForAMissingFileFitsItsParameter) {
+    load(number(1, R"("path": "a", "absent": 5)", R"("min": 6, "max": 9)") + "," +
+         text(2, R"("path": "c", "absent": "12345678901")"));
+    EXPECT_EQ(problems(), (Lines{"expected a whole number from 6 to 9, found 5",
+                                 "expected a text of 0 to 10 characters, found 11"}));
+}
+
 TEST_F(File_driver_test, APipeIsNeverWaitedFor) {
     ASSERT_EQ(mkfifo(m_folder.file("pipe").c_str(), 0600), 0);
     load_number(R"("path": "pipe")");
