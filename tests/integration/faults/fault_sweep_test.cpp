@@ -3,8 +3,10 @@
 // Each call of a function fails in a run of its own. FRONTPANEL_FAULTS is the most calls of each function and tour
 // that are tried, spread over the tour; "all" tries every call.
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -30,9 +32,15 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr long USUAL_CALLS = 3;
-constexpr int LONGEST_RUN = 60000;  // milliseconds, for a machine that is busy otherwise
+constexpr int LONGEST_RUN = 60000;      // milliseconds, for a machine that is busy otherwise
+constexpr timespec LONGEST_END{30, 0};  // of a process that the panel started and told to end
 
-const char* const TOURS[] = {"tour", "tour-home", "tour-cards"};
+const char* const TOURS[] = {
+    "tour", "tour-home", "tour-cards",
+#ifdef FRONTPANEL_HAS_DRIVERS
+    "tour-drivers",  // its menu and files are in a folder beside this test
+#endif
+};
 
 std::string content(const std::string& file) {
     std::ifstream stream(file);
@@ -47,24 +55,66 @@ std::set<std::string> names_in(const std::string& folder) {
     return names;
 }
 
+// Processes that the panel leaves become children of this one, and their ends are signals that it waits for.
+void adopt_orphans() {
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    sigset_t ends;
+    sigemptyset(&ends);
+    sigaddset(&ends, SIGCHLD);
+    sigprocmask(SIG_BLOCK, &ends, nullptr);
+}
+
+void kill_children() {
+    std::ifstream children("/proc/thread-self/children");
+    for (pid_t child = 0; children >> child;) {
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+    }
+}
+
+// Whether all of them end in time. The others are killed.
+bool await_orphans() {
+    sigset_t ends;
+    sigemptyset(&ends);
+    sigaddset(&ends, SIGCHLD);
+    for (;;) {
+        const pid_t ended = waitpid(-1, nullptr, WNOHANG);
+        if (ended < 0) {
+            return true;
+        }
+        if (ended == 0 && sigtimedwait(&ends, nullptr, &LONGEST_END) < 0) {
+            kill_children();
+            return false;
+        }
+    }
+}
+
 // A run of the panel in folders of its own, which may be followed by others.
 class Panel_run {
 public:
     Panel_run(const std::string& tour, const std::string& fault, const std::string& state = "") {
         fs::create_directory(m_folder.file("temporary"));
         fs::create_directory(m_folder.file("state"));
+        const std::string own_files = FRONTPANEL_SOURCE_DIR "/tests/integration/faults/" + tour;
+        if (fs::exists(own_files)) {
+            fs::copy(own_files, own_folder());
+        }
         if (!state.empty()) {
             std::ofstream(state_file()) << state;
         }
         play(tour, fault);
     }
     void play(const std::string& tour, const std::string& fault) {
-        const std::string script = FRONTPANEL_SOURCE_DIR "/menus/" + tour + ".script";
+        const bool has_own_menu = fs::exists(own_folder());
+        const std::string menu = has_own_menu ? own_folder() + "/menu.json" : "demo";
+        const std::string script = has_own_menu
+                                       ? own_folder() + "/tour.script"
+                                       : FRONTPANEL_SOURCE_DIR "/menus/" + tour + ".script";
         fs::remove(m_folder.file("errors"));
         fs::remove(m_folder.file("count"));
         const pid_t process = fork();
         if (process == 0) {
-            become_panel(script, fault);
+            become_panel(menu, script, fault);
         }
         wait_for(process);
     }
@@ -81,9 +131,14 @@ public:
     std::string state_file() const { return m_folder.file("state/values"); }
     std::set<std::string> state_names() const { return names_in(m_folder.file("state")); }
     std::set<std::string> temporary_names() const { return names_in(m_folder.file("temporary")); }
+    // What the tour with drivers writes to a file.
+    std::string level() const { return content(own_folder() + "/level"); }
+    // Of processes that the panel started.
+    bool has_left_processes() const { return m_has_left_processes; }
 
 private:
-    [[noreturn]] void become_panel(const std::string& script, const std::string& fault) const {
+    [[noreturn]] void become_panel(const std::string& menu, const std::string& script,
+                                   const std::string& fault) const {
         setenv("TMPDIR", m_folder.file("temporary").c_str(), 1);
         setenv("XDG_STATE_HOME", m_folder.path().c_str(), 1);
         setenv("FRONTPANEL_FAULT", fault.c_str(), 1);
@@ -93,8 +148,11 @@ private:
         redirect("/dev/null", O_WRONLY, STDOUT_FILENO);
         redirect(m_folder.file("errors"), O_WRONLY | O_CREAT, STDERR_FILENO);
         setpgid(0, 0);
-        execl(FRONTPANEL_PANEL, "frontpanel", "--script", script.c_str(), "--state",
-              state_file().c_str(), nullptr);
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+        execl(FRONTPANEL_PANEL, "frontpanel", "--menu", menu.c_str(), "--script", script.c_str(),
+              "--state", state_file().c_str(), nullptr);
         _exit(127);
     }
     static void redirect(const std::string& file, int flags, int number) {
@@ -113,11 +171,14 @@ private:
             kill(-process, SIGKILL);
         }
         waitpid(process, &m_status, 0);
+        m_has_left_processes = !await_orphans();
     }
+    std::string own_folder() const { return m_folder.file("own"); }
 
     support::Folder m_folder;
     int m_status = -1;
     bool m_has_ended = false;
+    bool m_has_left_processes = false;
 };
 
 // The calls to try of so many: all of them, or some from the first to the last.
@@ -153,13 +214,17 @@ std::string without_selections(std::string state) {
     return state;
 }
 
-void expect_order(const Panel_run& run, const std::string& state_without_fault) {
+void expect_order(const Panel_run& run, const Panel_run& whole) {
     SCOPED_TRACE(run.errors());
     ASSERT_TRUE(run.has_ended_in_time());
     ASSERT_TRUE(run.has_exited()) << "ended by signal " << WTERMSIG(run.status());
     EXPECT_LE(run.exit_status(), 2);
     EXPECT_EQ(run.temporary_names(), std::set<std::string>());
+    EXPECT_FALSE(run.has_left_processes());
+    EXPECT_THAT(run.level(), testing::MatchesRegex("([0-9]\n)?"));
     if (run.exit_status() == 0) {
+        const std::string state_without_fault = whole.state();
+        EXPECT_EQ(run.level(), whole.level());
         const bool has_cards =
             run.errors().find("the cards cannot be started") == std::string::npos;
         EXPECT_EQ(run.state(),
@@ -177,7 +242,10 @@ std::ptrdiff_t line_count(const std::string& text) {
     return std::count(text.begin(), text.end(), '\n');
 }
 
-class Fault_sweep : public testing::TestWithParam<const char*> {};
+class Fault_sweep : public testing::TestWithParam<const char*> {
+protected:
+    static void SetUpTestSuite() { adopt_orphans(); }
+};
 
 TEST_P(Fault_sweep, AFailedCallEndsThePanelInOrderOrNotAtAll) {
     const std::string function = GetParam();
@@ -189,7 +257,7 @@ TEST_P(Fault_sweep, AFailedCallEndsThePanelInOrderOrNotAtAll) {
             const std::string fault = function + ":" + std::to_string(number);
             SCOPED_TRACE(tour + " with " + fault);
             const Panel_run run(tour, fault);
-            expect_order(run, whole.state());
+            expect_order(run, whole);
             reached += run.calls() == 0 || run.calls() >= number ? 1 : 0;
         }
     }
@@ -201,7 +269,10 @@ INSTANTIATE_TEST_SUITE_P(Functions, Fault_sweep,
                                          "fork", "waitpid", "system", "pthread_create"),
                          [](const auto& function) { return std::string(function.param); });
 
-class Kill_sweep : public testing::TestWithParam<const char*> {};
+class Kill_sweep : public testing::TestWithParam<const char*> {
+protected:
+    static void SetUpTestSuite() { adopt_orphans(); }
+};
 
 TEST_P(Kill_sweep, APanelThatIsKilledLeavesValuesOfOneMoment) {
     const std::string function = GetParam();
