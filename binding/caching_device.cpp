@@ -28,7 +28,23 @@ bool Caching_device::last_read_failed(uint32_t pid, uint32_t varidx) const {
 }
 
 std::optional<Value_state> Caching_device::state(uint32_t pid, uint32_t varidx) const {
-    return m_states != nullptr ? m_states->state(pid, varidx) : std::nullopt;
+    if (m_states == nullptr) {
+        return std::nullopt;
+    }
+    std::optional<Value_state> now = m_states->state(pid, varidx);
+    const auto kept = m_doubtful.find(address(pid, varidx));
+    const bool is_newer = now && now->freshness == Freshness::FRESH && !now->is_writing;
+    return is_newer && kept != m_doubtful.end() ? kept->second : now;
+}
+
+void Caching_device::keep_state(uint32_t pid, uint32_t varidx) {
+    const std::optional<Value_state> state =
+        m_states != nullptr ? m_states->state(pid, varidx) : std::nullopt;
+    if (state && (state->freshness != Freshness::FRESH || state->is_writing)) {
+        m_doubtful[address(pid, varidx)] = *state;
+    } else if (!m_doubtful.empty()) {
+        m_doubtful.erase(address(pid, varidx));
+    }
 }
 
 void Caching_device::Init() {
@@ -36,6 +52,8 @@ void Caching_device::Init() {
 }
 
 int Caching_device::Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) {
+    // Before the value is read: one that arrives in between is newer than its state, never older.
+    keep_state(pid, varidx);
     const int result = m_device.Get(pid, varidx, buffer, length);
     if (result == 0) {
         m_failed_reads.erase(address(pid, varidx));
@@ -54,6 +72,7 @@ int Caching_device::Set(unsigned int pid, unsigned int varidx, const void* buffe
     }
     const int result = m_device.Set(pid, varidx, buffer, length);
     if (result == 0) {
+        keep_state(pid, varidx);
         m_registry->core().parameters.keep_write(pid, varidx, buffer, length);
     } else {
         const std::string_view bytes(static_cast<const char*>(buffer), length);

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 
 #include <frontpanel_base/value_state.h>
@@ -39,7 +40,9 @@ public:
 
     // Whether the latest `Get` of the parameter through this wrapper failed; false for one that was never read.
     bool last_read_failed(uint32_t pid, uint32_t varidx) const;
-    // What a device that implements `Value_states` knows of the parameter's value; nothing for any other device.
+    // What a device that implements `Value_states` knows of the parameter's value; nothing for any other device. A value
+    // that was old or on its way when it was read or written here remains so until it is read again, although the device
+    // has a newer one by now.
     std::optional<Value_state> state(uint32_t pid, uint32_t varidx) const;
 
     // Internal: for a journal, which is asked to note each write from now on; null for none.
@@ -58,6 +61,8 @@ public:
     int setCurrentRouterSocket(int socket) override;
 
 private:
+    void keep_state(uint32_t pid, uint32_t varidx);
+
     static constexpr int LOCAL_SOCKET = 0;
 
     static uint64_t address(uint32_t pid, uint32_t varidx) { return uint64_t{pid} << 32 | varidx; }
@@ -67,6 +72,8 @@ private:
     const Value_states* m_states;  // the device; null when it does not know
     std::shared_ptr<Binding_registry> m_registry;
     std::unordered_set<uint64_t> m_failed_reads;
+    std::unordered_map<uint64_t, Value_state>
+        m_doubtful;  // states with which values were read here
     Write_journal* m_journal = nullptr;
 };
 

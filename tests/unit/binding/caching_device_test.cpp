@@ -391,6 +391,57 @@ public:
     }
 };
 
+// Answers every access, and has the state that the test sets.
+class Changing_device : public Data_interface, public Value_states {
+public:
+    std::optional<Value_state> state(uint32_t /*pid*/, uint32_t /*varidx*/) const override {
+        return m_state;
+    }
+    int Get(unsigned int /*pid*/, unsigned int /*varidx*/, void* /*buffer*/,
+            unsigned int /*length*/) override {
+        return 0;
+    }
+    int Set(unsigned int /*pid*/, unsigned int /*varidx*/, const void* /*buffer*/,
+            unsigned int /*length*/) override {
+        m_state.is_writing = true;
+        return 0;
+    }
+    int Get_prod_list(PROD_LIST_S* /*list*/, bool /*remote*/, bool /*refresh*/) override {
+        return 0;
+    }
+    int Set_product_id(prod_id_t /*product*/) override { return 0; }
+    int Get_prod_alias_name(char* /*name*/, prod_id_t /*product*/) override { return 0; }
+
+    Value_state m_state;
+};
+
+TEST(Caching_device_states, AValueThatWasOldWhenItWasReadIsOldUntilItIsReadAgain) {
+    Changing_device device;
+    Caching_device access(device, std::make_shared<Binding_registry>(&device));
+    int32_t value = 0;
+    device.m_state.freshness = Freshness::OLD;
+    device.m_state.reason = "away";
+    access.Get(MODE, 0, &value, sizeof value);
+    device.m_state = {};
+    EXPECT_EQ(access.state(MODE, 0)->freshness, Freshness::OLD);
+    EXPECT_EQ(access.state(MODE, 0)->reason, "away");
+    access.Get(MODE, 0, &value, sizeof value);
+    EXPECT_EQ(access.state(MODE, 0)->freshness, Freshness::FRESH);
+    device.m_state.freshness = Freshness::OLD;
+    EXPECT_EQ(access.state(MODE, 0)->freshness, Freshness::OLD);
+}
+
+TEST(Caching_device_states, AValueThatWasWrittenIsOnItsWayUntilItIsReadAgain) {
+    Changing_device device;
+    Caching_device access(device, std::make_shared<Binding_registry>(&device));
+    int32_t value = 0;
+    access.Set(MODE, 0, &value, sizeof value);
+    device.m_state = {};  // done, or refused: then this is no longer the value of the device
+    EXPECT_TRUE(access.state(MODE, 0)->is_writing);
+    access.Get(MODE, 0, &value, sizeof value);
+    EXPECT_FALSE(access.state(MODE, 0)->is_writing);
+}
+
 TEST(Caching_device_states, AreThoseOfTheDeviceIfItKnowsThem) {
     Remembering_device device;
     const Caching_device access(device, std::make_shared<Binding_registry>());
