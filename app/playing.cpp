@@ -89,7 +89,8 @@ int play(const Options& options, const Display_row& display, const Script& scrip
 
 Simulated_script_device script_device_of(const Loaded_panel& loaded) {
     Simulated_device& device = *loaded.device;
-    return {device.memory(), device.cards(), loaded.menu->parameters()};
+    Device_cache* const driven = loaded.driven == nullptr ? nullptr : &loaded.driven->cache();
+    return {device.memory(), device.cards(), loaded.menu->parameters(), driven};
 }
 
 int play_unseen(const Options& options, const Loaded_panel& loaded, Script_device& played,

@@ -8,11 +8,24 @@ namespace {
 
 constexpr int FAULT_RESULT = 100;  // none of the device's own
 
+std::string text_of(const Parameter_value& value) {
+    const auto* const number = std::get_if<std::int32_t>(&value);
+    return number != nullptr ? std::to_string(*number)
+                             : Memory_device::text_of_write(std::get<std::string>(value));
+}
+
 }  // namespace
 
 Simulated_script_device::Simulated_script_device(Memory_device& device, const Card_service* cards,
-                                                 const Parameter_table& parameters)
-    : m_device(device), m_cards(cards), m_parameters(parameters) {
+                                                 const Parameter_table& parameters,
+                                                 Device_cache* driven)
+    : m_device(device), m_cards(cards), m_parameters(parameters), m_driven(driven) {
+    if (m_driven != nullptr) {
+        m_driven->set_write_listener(
+            [this](std::uint32_t pid, std::uint32_t varidx, const Parameter_value& value) {
+                m_writes.push_back({{pid, varidx, ""}, text_of(value), false});
+            });
+    }
     m_device.set_write_listener([this](const Memory_device::Write& write) {
         m_writes.push_back({{write.pid, write.varidx, ""}, write.value, write.result != 0});
     });
@@ -28,6 +41,9 @@ Simulated_script_device::Simulated_script_device(Memory_device& device, const Ca
 Simulated_script_device::~Simulated_script_device() {
     m_device.set_write_listener(nullptr);
     m_device.set_fault(nullptr);
+    if (m_driven != nullptr) {
+        m_driven->set_write_listener(nullptr);
+    }
 }
 
 std::optional<Parameter_name> Simulated_script_device::find(const std::string& name) const {
@@ -41,7 +57,16 @@ std::optional<Parameter_name> Simulated_script_device::find(const std::string& n
 }
 
 bool Simulated_script_device::has_parameter(const Parameter_name& parameter) const {
-    return m_device.type(parameter.pid, parameter.varidx) != INVALID_TYPE;
+    return m_device.type(parameter.pid, parameter.varidx) != INVALID_TYPE || is_driven(parameter);
+}
+
+bool Simulated_script_device::is_driven(const Parameter_name& parameter) const {
+    return m_driven != nullptr && m_driven->has(parameter.pid, parameter.varidx);
+}
+
+std::string Simulated_script_device::why_fixed(const Parameter_name& parameter) const {
+    return is_driven(parameter) ? "lives at a driver: use --simulate to change it or let it fail"
+                                : "";
 }
 
 std::optional<std::string> Simulated_script_device::set(const Parameter_name& parameter,

@@ -287,6 +287,9 @@ int Device_cache::Set(unsigned int pid, unsigned int varidx, const void* buffer,
     Parameter_value value;
     const int result = parameter.is_text ? text_of(parameter, buffer, length, value)
                                          : number_of(parameter, buffer, length, value);
+    if (result == DONE && m_write_listener) {
+        m_write_listener(pid, varidx, value);
+    }
     if (result == DONE) {
         place->desk->set(place->number, std::move(value));
     }

@@ -21,21 +21,6 @@ std::vector<Record> as_vector(const std::deque<Record>& records) {
     return std::vector<Record>(records.begin(), records.end());
 }
 
-std::string with_escapes(const std::string& bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        if (byte >= ' ' && byte <= '~') {
-            text += byte;
-            continue;
-        }
-        char escape[5];
-        std::snprintf(escape, sizeof escape, "\\x%02x",
-                      static_cast<unsigned int>(static_cast<unsigned char>(byte)));
-        text += escape;
-    }
-    return text;
-}
-
 std::string in_hexadecimal(const std::string& bytes) {
     std::string text;
     for (const char byte : bytes) {
@@ -57,6 +42,21 @@ bool is_within(int number, int count) {
 }
 
 }  // namespace
+
+std::string Memory_device::text_of_write(const std::string& bytes) {
+    std::string text;
+    for (const char byte : bytes) {
+        if (byte >= ' ' && byte <= '~') {
+            text += byte;
+            continue;
+        }
+        char escape[5];
+        std::snprintf(escape, sizeof escape, "\\x%02x",
+                      static_cast<unsigned int>(static_cast<unsigned char>(byte)));
+        text += escape;
+    }
+    return text;
+}
 
 Memory_device::Memory_device()
     : m_has_changed(false), m_product_id(0), m_socket(0), m_use_selection_local(false) {
@@ -486,7 +486,8 @@ std::string Memory_device::value_text(const Parameter* parameter, const void* bu
     const std::size_t kept = std::min<std::size_t>(length, MAX_STRING_LENGTH);
     const std::string bytes(static_cast<const char*>(buffer), kept);
     const bool is_text = parameter != nullptr && parameter->type == STRING;
-    return (is_text ? with_escapes(bytes) : in_hexadecimal(bytes)) + (kept < length ? "..." : "");
+    return (is_text ? Memory_device::text_of_write(bytes) : in_hexadecimal(bytes)) +
+           (kept < length ? "..." : "");
 }
 
 }  // namespace frontpanel

@@ -92,6 +92,12 @@ void Script_player::resolve(const Script& script, Step& step) const {
         throw Input_error(script.file + ":" + std::to_string(step.line) +
                           ": the device has no parameter " + name_of(step.parameter));
     }
+    const std::string why_fixed =
+        step.kind == Step::EXPECT_WRITE ? "" : m_device.why_fixed(step.parameter);
+    if (!why_fixed.empty()) {
+        throw Input_error(script.file + ":" + std::to_string(step.line) + ": parameter " +
+                          name_of(step.parameter) + " " + why_fixed);
+    }
 }
 
 void Script_player::show() {

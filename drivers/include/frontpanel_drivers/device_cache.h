@@ -143,6 +143,11 @@ public:
     // Without threads: does once for each driver what its thread would, without waiting. Whether anything was done.
     bool step();
 
+    // Called with each value that `Set` keeps for a driver, on the menu thread; null for nobody.
+    using Write_listener =
+        std::function<void(std::uint32_t pid, std::uint32_t varidx, const Parameter_value& value)>;
+    void set_write_listener(Write_listener listener) { m_write_listener = std::move(listener); }
+
     // The value in memory; NOT_KNOWN when there is none. Marks the parameter as wanted.
     int Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) override;
     // Keeps the value for the driver, and as the value that `Get` returns from now on. A value that has not been sent is
@@ -178,6 +183,7 @@ private:
     Data_interface& m_others;
     Pdt_data_access* m_sockets;  // the others; null when they have no sockets
     Device_cache_settings m_settings;
+    Write_listener m_write_listener;
     std::shared_ptr<Driver_news> m_news;  // shared with the threads, which may outlive the cache
     std::vector<std::shared_ptr<Driver_desk>> m_desks;
     std::vector<std::thread> m_threads;

@@ -66,6 +66,9 @@ public:
         int result;
     };
 
+    // A text as `Write::value` holds it.
+    static std::string text_of_write(const std::string& bytes);
+
     // A call of `Get` that failed.
     struct Failed_read {
         uint32_t pid;

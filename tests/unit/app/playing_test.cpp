@@ -1,5 +1,6 @@
 #include "playing.h"
 
+#include "driver_work.h"
 #include "menu_files.h"
 #include "reports.h"
 #include "shipped.h"
@@ -64,6 +65,50 @@ TEST_F(Playing_test, TheTourIsForTheShippedMenuOnItsDisplay) {
     options.size = {};
     EXPECT_NE(error_of([this] { script_to_play(options); }),
               "standard output is not a terminal: name a script with --script");
+}
+
+class Driven_playing_test : public Driven_menu_files {
+protected:
+    Driven_playing_test() {
+        write("value", "7");
+        options.menu = write("driven.json", R"({"device": {
+            "drivers": {"files": {"driver": "file"}}, "parameters": [
+            {"name": "gain", "pid": 1, "type": "integer", "min": 0, "max": 9,
+             "source": {"path": "value"}}]},
+            "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 1}]}})");
+    }
+    int play_script(const std::string& text) {
+        options.script = write("a.script", text);
+        int status = -1;
+        support::capture(0, [&] {
+            Output_log log(options.log);
+            const Loaded_panel loaded = load(options, log, Cards::OFF);
+            start_drivers(loaded, First_values::AWAITED);
+            status = play(options, default_display(false), script_to_play(options), loaded, log);
+        });
+        return status;
+    }
+};
+
+TEST_F(Driven_playing_test, WritesToADriverAreExpectedLikeAnyOther) {
+    EXPECT_EQ(play_script("expect 1 |*7|\nexpect-no-write\nselect\nup\nselect\n"
+                          "expect-write gain 8\nexpect-no-write\ntick\nexpect 1 |*8|\n"),
+              EXIT_PLAYED);
+    EXPECT_EQ(read_input_file(folder.file("value")), "8\n");
+    EXPECT_EQ(play_script("select\nup\nselect\nexpect-no-write\n"), EXIT_DIFFERENCE);
+}
+
+TEST_F(Driven_playing_test, AParameterAtADriverIsChangedOnlyWithASimulatedDevice) {
+    for (const char* const step : {"set gain 3", "fail read gain on", "fail write [gain] off"}) {
+        EXPECT_EQ(error_of([&] { play_script(std::string("say a\n") + step); }),
+                  folder.file("a.script") +
+                      ":2: parameter [gain] lives at a driver: use "
+                      "--simulate to change it or let it fail");
+    }
+    options.simulate = true;
+    EXPECT_EQ(play_script("set gain 3\ntick\nexpect 1 |*3|\nfail write gain on\nselect\nup\n"
+                          "select\nexpect-write gain 4 (failed)\n"),
+              EXIT_PLAYED);
 }
 
 }  // namespace

@@ -31,6 +31,9 @@ public:
     }
     // Whether the device has the parameter. The operations below are called with addresses of such parameters only.
     virtual bool has_parameter(const Parameter_name& parameter) const = 0;
+    // Why a script cannot change the parameter or let it fail; empty when it can. Of such a parameter the two operations
+    // below are not called.
+    virtual std::string why_fixed(const Parameter_name& /*parameter*/) const { return ""; }
     // Changes the parameter as the device does by itself. Nothing, or why it cannot hold the value.
     virtual std::optional<std::string> set(const Parameter_name& parameter,
                                            const std::string& value) = 0;

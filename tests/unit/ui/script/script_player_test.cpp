@@ -265,6 +265,29 @@ TEST(ScriptPlayer, AParameterThatTheDeviceLacksIsAnErrorBeforeAnythingIsPlayed) 
     }
 }
 
+TEST(ScriptPlayer, AParameterThatAScriptCannotChangeIsAnErrorBeforeAnythingIsPlayed) {
+    struct Fixed_device : Fake_script_device {
+        using Fake_script_device::Fake_script_device;
+        std::string why_fixed(const Parameter_name& /*parameter*/) const override {
+            return "is bolted down";
+        }
+    };
+    for (const char* step : {"set 5 3", "fail read 5 on", "fail write 5 off"}) {
+        std::ostringstream out;
+        Application_panel shown(menu_text(PARAMETERS, ITEMS), {{16, 2}});
+        Text_display display(out);
+        Fixed_device device(shown.device());
+        Script_player player(shown.panel, device, display, out, out);
+        try {
+            player.play(parse_script("a.script", std::string("select\n") + step));
+            ADD_FAILURE() << step;
+        } catch (const Input_error& error) {
+            EXPECT_STREQ(error.what(), "a.script:2: parameter 5 is bolted down");
+        }
+        EXPECT_EQ(out.str(), "") << step;
+    }
+}
+
 TEST(ScriptPlayer, AStarStandsForAnyCharacters) {
     EXPECT_TRUE(matches("", ""));
     EXPECT_TRUE(matches("", "*"));
