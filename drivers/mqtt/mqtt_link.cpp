@@ -278,6 +278,7 @@ Driver_result Mqtt_link::subscribe(const std::map<std::string, int>& topics) {
 
 Driver_result Mqtt_link::subscribe_to(std::vector<std::string> topics, int qos) {
     std::vector<char*> pointers;
+    pointers.reserve(topics.size());
     for (std::string& topic : topics) {
         pointers.push_back(topic.data());
     }

@@ -20,7 +20,7 @@ constexpr std::size_t LONGEST_CLIENT = 23;  // that every broker takes
 constexpr std::size_t LONGEST_TOPIC = 1000;
 
 std::string host_of(const Json_value& value) {
-    const std::string text = value.text();
+    std::string text = value.text();
     in6_addr address{};
     if (inet_pton(AF_INET, text.c_str(), &address) != 1 &&
         inet_pton(AF_INET6, text.c_str(), &address) != 1) {
@@ -39,6 +39,10 @@ std::string file_of(const Json_value& options, const char* name, const std::stri
         value->fail("expected a path");
     }
     return folder.empty() || path.front() == '/' ? path : folder + "/" + path;
+}
+
+std::string quoted(const std::string& text) {
+    return "\"" + text + "\"";
 }
 
 std::string fault_of(const std::string& file) {
@@ -70,7 +74,7 @@ std::vector<std::string> Mqtt_settings::file_faults() const {
     for (const std::string& file : {login, ca, certificate, key}) {
         const std::string fault = file.empty() ? "" : fault_of(file);
         if (!fault.empty()) {
-            faults.push_back("\"" + file + "\": " + fault);
+            faults.push_back(quoted(file).append(": ").append(fault));
         }
     }
     return faults;

@@ -82,8 +82,8 @@ std::string without_exponent(const std::string& text) {
         return text;
     }
     const std::string zeros(MOST_DIGITS, '0');
-    const auto split =
-        static_cast<std::size_t>(static_cast<int>(point - first) + MOST_DIGITS + *exponent);
+    const int shift = MOST_DIGITS + *exponent;  // of the point, as many zeros precede the digits
+    const std::size_t split = point - first + static_cast<std::size_t>(shift);
     digits = zeros + digits + zeros;
     std::string whole = digits.substr(0, split);
     whole.erase(0, std::min(whole.find_first_not_of('0'), whole.size()));

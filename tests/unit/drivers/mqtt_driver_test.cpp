@@ -2,6 +2,7 @@
 #include <frontpanel_driver_mqtt/mqtt_driver.h>
 
 #include <mosquitto.h>
+#include <poll.h>
 
 #include <csignal>
 #include <fstream>
@@ -236,7 +237,7 @@ TEST_F(Broker_test, ABrokerThatIsAwayAndBackIsUsedAgain) {
     load(port(), {R"("topic": "a", "write": "b")"});
     ASSERT_EQ(connect(), "done");
     m_broker.stop();
-    EXPECT_EQ(wait_for(1), Lines{"away: the broker has closed the connection"});
+    EXPECT_EQ(wait_for(2), Lines{"away: the broker has closed the connection"});
     EXPECT_EQ(write(0, 1), "away: the broker has closed the connection");
     EXPECT_EQ(connect(), "away: Connection refused");
     m_broker.start();
@@ -252,7 +253,7 @@ TEST_F(Broker_test, ABrokerThatIsKilledDuringAWriteLeavesItUnknown) {
     m_broker.signal(SIGSTOP);
     EXPECT_EQ(write(0, 1), "timed out: no answer from the broker");
     m_broker.signal(SIGKILL);
-    EXPECT_EQ(wait_for(1).front().substr(0, 6), "away: ");
+    EXPECT_EQ(wait_for(2).front().substr(0, 6), "away: ");
     EXPECT_EQ(write(0, 2).substr(0, 6), "away: ");
     m_broker.stop();
     m_broker.start();
@@ -580,12 +581,12 @@ TEST_F(Fake_broker_test, ABrokerThatHangsUpIsAskedForTheOtherProtocol) {
 
 class Mqtt_menu_test : public testing::Test {
 protected:
-    void load(const std::string& driver, const std::string& parameters) {
+    void load(const std::string& driver, const std::string& parameters, bool has_threads = false) {
         m_text = R"({"device": {"drivers": {"home": {"driver": "mqtt", "host": "127.0.0.1")" +
                  driver + R"(}}, "parameters": [)" + parameters + "]}}";
         m_document.emplace(m_source, m_text);
         Device_cache_settings settings;
-        settings.has_threads = false;
+        settings.has_threads = has_threads;
         settings.clock = [clock = m_clock] { return clock->now(); };
         m_device.emplace(Json_value(m_document->root(), m_problems), m_problems,
                          Driver_table{&mqtt_driver_row()}, "/nowhere", m_others, settings);
@@ -641,6 +642,43 @@ TEST_F(Mqtt_menu_test, DoubledTopicsAndMissingFilesAreProbablyMistakes) {
     EXPECT_EQ(problems(), (Lines{"warning: \"/nowhere/login\": No such file or directory",
                                  "warning: \"a\" is written to the same topic",
                                  "warning: \"b\" is read from the same topic"}));
+}
+
+TEST_F(Mqtt_menu_test, AFloodOfMessagesWakesTheMenuNowAndThen) {
+    constexpr int COUNT = 10000;
+    Broker broker;
+    if (!broker.is_running()) {
+        GTEST_SKIP() << "no broker without Debian's package mosquitto";
+    }
+    load(R"(, "port": )" + broker.port(),
+         R"({"pid": 1, "type": "integer", "min": 0, "max": 10000, "source": {"topic": "level"}})",
+         true);
+    ASSERT_EQ(problems(), Lines{});
+    Device_cache& cache = m_device->cache();
+    cache.start();
+    Peer peer(broker);
+    peer.publish("level", "0", true);
+    const auto end = std::chrono::steady_clock::now() + 60s;
+    const auto wait_for_value = [&](int wanted) {
+        int wakes = 0;
+        while (number_of(cache, 1) != wanted && std::chrono::steady_clock::now() < end) {
+            pollfd source{cache.descriptor(), POLLIN, 0};
+            poll(&source, 1, 100);
+            wakes += cache.take_changes() ? 1 : 0;
+        }
+        return wakes;
+    };
+    wait_for_value(0);
+    std::thread flood([&] {
+        for (int i = 1; i < COUNT; ++i) {
+            peer.queue("level", std::to_string(i));
+        }
+        peer.publish("level", std::to_string(COUNT));
+    });
+    const int wakes = wait_for_value(COUNT);
+    flood.join();
+    EXPECT_EQ(number_of(cache, 1), COUNT);
+    EXPECT_LT(wakes, COUNT / 5);
 }
 
 TEST_F(Mqtt_menu_test, AWriteWhileTheBrokerRestartsIsSentOnce) {
