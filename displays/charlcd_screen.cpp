@@ -34,6 +34,11 @@ std::string definition(size_t code, const Glyph& glyph) {
     return sequence + ';';
 }
 
+template <typename Characters>
+bool contains(const Characters& characters, char32_t character) {
+    return std::find(characters.begin(), characters.end(), character) != characters.end();
+}
+
 }  // namespace
 
 Charlcd_screen::Charlcd_screen(Lcd_size size, const Character_rom& rom)
@@ -69,30 +74,38 @@ std::u32string Charlcd_screen::characters_of(const Lcd& lcd, int row) const {
     return characters;
 }
 
-// What is defined stays where it is as long as it is shown: a code that changes its meaning changes all its cells.
-std::string Charlcd_screen::define_characters(const Lcd& lcd) {
-    std::vector<char32_t> needed;
+// The characters of the frame that the display has to draw, as many as it can: at first those that have no plain form,
+// then those that it has already.
+std::vector<char32_t> Charlcd_screen::characters_to_draw(const Lcd& lcd) const {
+    std::vector<char32_t> drawn;
     for (int row = 0; row < m_size.rows; ++row) {
         for (const char32_t character : characters_of(lcd, row)) {
             if (!m_rom.code_of(character) && !plain_form_of(character) &&
-                glyph_of(character) != nullptr &&
-                std::find(needed.begin(), needed.end(), character) == needed.end()) {
-                needed.push_back(character);
+                glyph_of(character) != nullptr && !contains(drawn, character)) {
+                drawn.push_back(character);
             }
         }
     }
+    const auto rank = [this](char32_t character) {
+        return !plain_letter_of(character) ? 0 : contains(m_defined, character) ? 1 : 2;
+    };
+    std::stable_sort(drawn.begin(), drawn.end(),
+                     [rank](char32_t one, char32_t other) { return rank(one) < rank(other); });
+    drawn.resize(std::min(drawn.size(), MOST_DEFINED));
+    return drawn;
+}
+
+// What is defined stays where it is as long as it is shown: a code that changes its meaning changes all its cells.
+std::string Charlcd_screen::define_characters(const Lcd& lcd) {
+    const std::vector<char32_t> drawn = characters_to_draw(lcd);
     std::string bytes;
-    for (const char32_t character : needed) {
-        if (std::find(m_defined.begin(), m_defined.end(), character) != m_defined.end()) {
+    for (const char32_t character : drawn) {
+        if (contains(m_defined, character)) {
             continue;
         }
         auto* const free =
-            std::find_if(m_defined.begin(), m_defined.end(), [&needed](char32_t defined) {
-                return std::find(needed.begin(), needed.end(), defined) == needed.end();
-            });
-        if (free == m_defined.end()) {
-            break;
-        }
+            std::find_if(m_defined.begin(), m_defined.end(),
+                         [&drawn](char32_t defined) { return !contains(drawn, defined); });
         *free = character;
         bytes += definition(static_cast<size_t>(free - m_defined.begin()), *glyph_of(character));
     }

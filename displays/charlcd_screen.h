@@ -24,8 +24,8 @@ public:
     // What makes the display blank, lit and without a cursor, whatever was sent to it before.
     std::string setup() const;
     // What makes it show the frame from what it shows now, at first from `setup`; empty when it does. What does not fit
-    // the display is cut, what is left of it stays blank. A character that the ROM lacks is defined; while all eight are
-    // in use, it takes a plain form, or becomes '?'.
+    // the display is cut, what is left of it stays blank. A character that the ROM lacks is defined. Of more than eight
+    // those with a plain form take it, and any other becomes '?'.
     std::string update(const Frame& frame);
     // The characters that became '?' in any frame.
     const std::set<char32_t>& lost() const { return m_lost; }
@@ -33,6 +33,7 @@ public:
     static std::string farewell();
 
 private:
+    std::vector<char32_t> characters_to_draw(const Lcd& lcd) const;
     std::string define_characters(const Lcd& lcd);
     char code_of(char32_t character);
     std::u32string characters_of(const Lcd& lcd, int row) const;

@@ -167,10 +167,25 @@ TEST_F(Charlcd_screen_test, ACharacterThatIsNoLongerShownMakesRoom) {
 }
 
 TEST_F(Charlcd_screen_test, ANinthCharacterTakesAPlainFormOrAMark) {
-    sent_for(frame_of("àáâãåèéêë", "²"));
+    sent_for(frame_of("²³¹½±€§¿¡", ""));
+    EXPECT_EQ(display.text(0, support::shown_by_a00()).substr(7, 2), U"\uE007?");
+    EXPECT_EQ(screen.lost(), std::set<char32_t>{U'¡'});
+}
+
+// A letter without its accent is still read, a sign of a unit is not.
+TEST_F(Charlcd_screen_test, ALetterMakesRoomForACharacterWithoutAPlainForm) {
+    sent_for(frame_of("àáâãåèéêë", ""));
     EXPECT_EQ(display.text(0, support::shown_by_a00()).substr(7, 2), U"\uE007e");
-    EXPECT_EQ(display.text(1, support::shown_by_a00()).substr(0, 1), U"?");
-    EXPECT_EQ(screen.lost(), std::set<char32_t>{U'²'});
+    sent_for(frame_of("àáâãåèéêë", "±²"));
+    EXPECT_EQ(display.text(0, support::shown_by_a00()).substr(0, 9),
+              U"\uE000\uE001\uE002\uE003\uE004\uE005eee");
+    EXPECT_EQ(display.text(1, support::shown_by_a00()).substr(0, 2), U"\uE006\uE007");
+    EXPECT_EQ(display.defined(6), *glyph_of(U'±'));
+    EXPECT_TRUE(screen.lost().empty());
+    // Those that are defined stay, whatever comes before them.
+    sent_for(frame_of("ëàáâãåè", "±²"));
+    EXPECT_EQ(display.text(0, support::shown_by_a00()).substr(0, 7),
+              U"e\uE000\uE001\uE002\uE003\uE004\uE005");
 }
 
 TEST_F(Charlcd_screen_test, WhatNobodyHasDrawnIsAMark) {
