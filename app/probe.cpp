@@ -29,6 +29,10 @@ std::string text_of(std::chrono::milliseconds age) {
     return std::to_string(tenths / TENTHS) + "." + std::to_string(tenths % TENTHS) + " s";
 }
 
+std::size_t columns_of(const std::string& text) {
+    return characters_of(text).size();
+}
+
 bool has_failed(const Driven_value& value) {
     return value.state.has_failed || !value.value;
 }
@@ -47,14 +51,14 @@ std::string probe_table(const std::vector<Driven_value>& values) {
     std::array<std::size_t, std::tuple_size<Row>::value> widths{};
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], row[i].size());
+            widths[i] = std::max(widths[i], columns_of(row[i]));
         }
     }
     std::string table;
     for (const Row& row : rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i) {
-            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+            line += row[i] + std::string(widths[i] - columns_of(row[i]) + 2, ' ');
         }
         table += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
     }

@@ -22,6 +22,15 @@ TEST(Probe_table, HasALineForEachParameter) {
               "x           far away  --     --     no route\n");
 }
 
+TEST(Probe_table, ColumnsCountCharacters) {
+    Value_state fresh;
+    EXPECT_EQ(
+        probe_table({{"plc", "Größe", std::string("5 °C"), fresh}, {"plc", "x", 12345, fresh}}),
+        "PARAMETER  DRIVER  VALUE   AGE    ERROR\n"
+        "Größe      plc     \"5 °C\"  0.0 s\n"
+        "x          plc     12345   0.0 s\n");
+}
+
 class Probe_test : public Driven_menu_files {
 protected:
     support::Captured probe_of(const std::string& parameters) {
