@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -24,35 +23,8 @@ constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 static_assert(std::is_trivially_copyable_v<Json_node> && std::is_trivially_copyable_v<Json_member>,
               "storage copies bytes and destroys nothing");
-static_assert(sizeof(Json_node) <= 40 && sizeof(Json_member) <= 80,
+static_assert(sizeof(void*) != 8 || (sizeof(Json_node) == 24 && sizeof(Json_member) == 48),
               "a large menu has to fit a small device");
-
-// Lines and columns of offsets, fast for increasing ones. Line ends are noted before the text is decoded in place.
-class Line_counter {
-public:
-    Line_counter(const Source& source, const std::string& text) : m_source(source) {
-        for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1)) {
-            m_line_starts.push_back(static_cast<uint32_t>(at + 1));
-        }
-    }
-
-    Place place_at(size_t offset) {
-        if (m_line > 0 && m_line_starts[m_line - 1] > offset) {
-            m_line = 0;
-        }
-        while (m_line < m_line_starts.size() && m_line_starts[m_line] <= offset) {
-            ++m_line;
-        }
-        const size_t line_start = m_line == 0 ? 0 : m_line_starts[m_line - 1];
-        return {&m_source, static_cast<uint32_t>(m_line + 1),
-                static_cast<uint32_t>(offset - line_start + 1), nullptr};
-    }
-
-private:
-    const Source& m_source;
-    std::vector<uint32_t> m_line_starts;  // behind the first
-    size_t m_line = 0;
-};
 
 std::optional<int64_t> integer_of(std::string_view text) {
     return parse_number<int64_t>(text);
@@ -62,30 +34,30 @@ std::optional<int64_t> integer_of(std::string_view text) {
 // which they are stored together at its end.
 class Builder {
 public:
-    Builder(Line_counter& counter, const std::string& text,
+    Builder(const Json_origin& origin, const std::string& text,
             const rapidjson::InsituStringStream& stream, Json_storage& storage, size_t most_values)
-        : m_counter(counter),
+        : m_origin(origin),
           m_text(text),
           m_stream(stream),
           m_storage(storage),
           m_most_values(most_values) {}
 
-    bool Null() { return add(Json_node(Kind::NOTHING, place_before(4))); }
-    bool Bool(bool value) { return add(Json_node::of_boolean(value, place_before(value ? 4 : 5))); }
+    bool Null() { return add(Json_node(Kind::NOTHING, mark_before(4))); }
+    bool Bool(bool value) { return add(Json_node::of_boolean(value, mark_before(value ? 4 : 5))); }
     bool RawNumber(const char* text, rapidjson::SizeType length, bool /*copy*/) {
         const std::string_view number(text, length);
-        const Place place = place_of(text);
+        const Json_mark mark = mark_of(text);
         const std::optional<int64_t> integer = integer_of(number);
-        return add(integer ? Json_node::of_integer(*integer, place)
-                           : Json_node::of_text(Kind::REAL, number, place));
+        return add(integer ? Json_node::of_integer(*integer, mark)
+                           : Json_node::of_text(Kind::REAL, number, mark));
     }
     bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
-        const Place place = place_of(text - 1);
-        return add(Json_node::of_text(Kind::TEXT, checked({text, length}, place), place));
+        const Json_mark mark = mark_of(text - 1);
+        return add(Json_node::of_text(Kind::TEXT, checked({text, length}, mark), mark));
     }
     bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/) {
-        const Place place = place_of(text - 1);
-        m_members.push_back({checked({text, length}, place), place, {}});
+        const Json_mark mark = mark_of(text - 1);
+        m_members.emplace_back(checked({text, length}, mark), mark, Json_node());
         return true;
     }
     bool StartObject() { return open(Kind::OBJECT); }
@@ -93,14 +65,14 @@ public:
         const Json_span<Json_member> kept =
             m_storage.keep(m_members.data() + (m_members.size() - count), count);
         m_members.resize(m_members.size() - count);
-        return close(Json_node::of_members(kept, m_open.back().place()));
+        return close(Json_node::of_members(kept, m_open.back().mark()));
     }
     bool StartArray() { return open(Kind::LIST); }
     bool EndArray(rapidjson::SizeType count) {
         const Json_span<Json_node> kept =
             m_storage.keep(m_elements.data() + (m_elements.size() - count), count);
         m_elements.resize(m_elements.size() - count);
-        return close(Json_node::of_elements(kept, m_open.back().place()));
+        return close(Json_node::of_elements(kept, m_open.back().mark()));
     }
     // The parser makes none of these from numbers as they are written.
     bool Int(int /*value*/) { return false; }
@@ -113,25 +85,27 @@ public:
     size_t value_count() const { return m_value_count; }
 
 private:
-    Place place_of(const char* begin) {
-        return m_counter.place_at(static_cast<size_t>(begin - m_text.data()));
+    Json_mark mark_of(const char* begin) const {
+        return {&m_origin, static_cast<uint32_t>(begin - m_text.data())};
     }
     // Of what the parser has just taken.
-    Place place_before(size_t length) { return place_of(m_stream.src_ - length); }
-    static std::string_view checked(std::string_view text, const Place& place) {
+    Json_mark mark_before(size_t length) const { return mark_of(m_stream.src_ - length); }
+    static std::string_view checked(std::string_view text, const Json_mark& mark) {
         if (text.size() > Json_document::LONGEST_TEXT) {
-            throw Placed_error(place, "a text is longer than " +
-                                          std::to_string(Json_document::LONGEST_TEXT) + " bytes");
+            throw Placed_error(
+                mark.place(),
+                "a text is longer than " + std::to_string(Json_document::LONGEST_TEXT) + " bytes");
         }
         return text;
     }
-    void count(const Place& place) {
+    void count(const Json_mark& mark) {
         if (++m_value_count > m_most_values) {
-            throw Placed_error(place, "more than " + std::to_string(m_most_values) + " values");
+            throw Placed_error(mark.place(),
+                               "more than " + std::to_string(m_most_values) + " values");
         }
     }
     bool add(const Json_node& node) {
-        count(node.place());
+        count(node.mark());
         return put(node);
     }
     bool put(const Json_node& node) {
@@ -145,13 +119,13 @@ private:
         return true;
     }
     bool open(Kind kind) {
-        const Place place = place_before(1);
-        count(place);
+        const Json_mark mark = mark_before(1);
+        count(mark);
         if (m_open.size() == DEEPEST_VALUE) {
-            throw Placed_error(
-                place, "values are nested more than " + std::to_string(DEEPEST_VALUE) + " deep");
+            throw Placed_error(mark.place(), "values are nested more than " +
+                                                 std::to_string(DEEPEST_VALUE) + " deep");
         }
-        m_open.emplace_back(kind, place);
+        m_open.emplace_back(kind, mark);
         return true;
     }
     bool close(const Json_node& node) {
@@ -159,7 +133,7 @@ private:
         return put(node);
     }
 
-    Line_counter& m_counter;
+    const Json_origin& m_origin;
     const std::string& m_text;
     const rapidjson::InsituStringStream& m_stream;
     Json_storage& m_storage;
@@ -187,21 +161,52 @@ std::optional<size_t> comma_before_bracket(const std::string& text, size_t offse
     return is_comma ? std::optional<size_t>(before) : std::nullopt;
 }
 
-[[noreturn]] void fail(Line_counter& counter, const std::string& text,
+[[noreturn]] void fail(const Json_origin& origin, const std::string& text,
                        const rapidjson::ParseResult& result) {
     const size_t offset = result.Offset();
+    const auto place_at = [&origin](size_t place) {
+        return Json_mark{&origin, static_cast<uint32_t>(place)}.place();
+    };
     if (result.Code() == rapidjson::kParseErrorNumberTooBig) {
-        throw Placed_error(counter.place_at(offset),
+        throw Placed_error(place_at(offset),
                            "the number " + number_at(text, offset) + " is too large");
     }
     if (const auto comma = comma_before_bracket(text, offset)) {
-        throw Placed_error(counter.place_at(*comma),
+        throw Placed_error(place_at(*comma),
                            std::string("unexpected comma before '") + text[offset] + "'");
     }
-    throw Placed_error(counter.place_at(offset), rapidjson::GetParseError_En(result.Code()));
+    throw Placed_error(place_at(offset), rapidjson::GetParseError_En(result.Code()));
 }
 
 }  // namespace
+
+// The ends of lines are counted first, so that a large file takes no more memory than it needs.
+Json_lines::Json_lines(std::string_view text) {
+    m_starts.reserve(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')));
+    for (size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1)) {
+        m_starts.push_back(static_cast<uint32_t>(at + 1));
+    }
+}
+
+Place Json_lines::place_at(const Source& source, uint32_t offset) const {
+    const bool is_in_last = (m_last == 0 || m_starts[m_last - 1] <= offset) &&
+                            (m_last == m_starts.size() || m_starts[m_last] > offset);
+    if (!is_in_last) {
+        const auto next = std::upper_bound(m_starts.begin(), m_starts.end(), offset);
+        m_last = static_cast<size_t>(next - m_starts.begin());
+    }
+    const uint32_t start = m_last == 0 ? 0 : m_starts[m_last - 1];
+    return {&source, static_cast<uint32_t>(m_last + 1), offset - start + 1, nullptr};
+}
+
+Place Json_mark::place() const {
+    Place place{};
+    if (origin != nullptr) {
+        place = origin->lines->place_at(*origin->source, offset);
+        place.copy = origin->copy;
+    }
+    return place;
+}
 
 std::string shown_number(std::string_view number) {
     constexpr size_t LONGEST = 40;
@@ -209,35 +214,35 @@ std::string shown_number(std::string_view number) {
                                     : std::string(number.substr(0, LONGEST)) + "...";
 }
 
-Json_node Json_node::of_boolean(bool value, const Place& place) {
-    Json_node node(Kind::BOOLEAN, place);
+Json_node Json_node::of_boolean(bool value, const Json_mark& mark) {
+    Json_node node(Kind::BOOLEAN, mark);
     node.m_content.number = value ? 1 : 0;
     return node;
 }
 
-Json_node Json_node::of_integer(int64_t number, const Place& place) {
-    Json_node node(Kind::INTEGER, place);
+Json_node Json_node::of_integer(int64_t number, const Json_mark& mark) {
+    Json_node node(Kind::INTEGER, mark);
     node.m_content.number = number;
     return node;
 }
 
-Json_node Json_node::of_text(Kind kind, std::string_view text, const Place& place) {
-    Json_node node(kind, place);
-    node.m_size = static_cast<uint32_t>(text.size());
+Json_node Json_node::of_text(Kind kind, std::string_view text, const Json_mark& mark) {
+    Json_node node(kind, mark);
+    node.m_size = static_cast<uint32_t>(text.size()) & LARGEST;
     node.m_content.text = text.data();
     return node;
 }
 
-Json_node Json_node::of_elements(Json_span<Json_node> elements, const Place& place) {
-    Json_node node(Kind::LIST, place);
-    node.m_size = static_cast<uint32_t>(elements.size());
+Json_node Json_node::of_elements(Json_span<Json_node> elements, const Json_mark& mark) {
+    Json_node node(Kind::LIST, mark);
+    node.m_size = static_cast<uint32_t>(elements.size()) & LARGEST;
     node.m_content.elements = elements.begin();
     return node;
 }
 
-Json_node Json_node::of_members(Json_span<Json_member> members, const Place& place) {
-    Json_node node(Kind::OBJECT, place);
-    node.m_size = static_cast<uint32_t>(members.size());
+Json_node Json_node::of_members(Json_span<Json_member> members, const Json_mark& mark) {
+    Json_node node(Kind::OBJECT, mark);
+    node.m_size = static_cast<uint32_t>(members.size()) & LARGEST;
     node.m_content.members = members.begin();
     return node;
 }
@@ -268,15 +273,12 @@ const Json_node* Json_node::member(std::string_view name) const {
     const Json_span<Json_member> all = members();
     const auto* const found =
         std::find_if(all.begin(), all.end(),
-                     [name](const Json_member& candidate) { return candidate.name == name; });
+                     [name](const Json_member& candidate) { return candidate.name() == name; });
     return found == all.end() ? nullptr : &found->value;
 }
 
 bool Json_node::is_same(const Json_node& other) const {
-    const bool is_same_place =
-        m_place.source == other.m_place.source && m_place.line == other.m_place.line &&
-        m_place.column == other.m_place.column && m_place.copy == other.m_place.copy;
-    return is_same_place && m_kind == other.m_kind && m_size == other.m_size &&
+    return mark() == other.mark() && m_kind == other.m_kind && m_size == other.m_size &&
            m_stands_for_number == other.m_stands_for_number &&
            m_is_incomplete == other.m_is_incomplete &&
            std::memcmp(&m_content, &other.m_content, sizeof m_content) == 0;
@@ -327,25 +329,25 @@ void* Json_storage::allocate(size_t bytes) {
 }
 
 Json_document::Json_document(const Source& source, std::string text, size_t most_values)
-    : m_text(std::move(text)) {
-    Line_counter counter(source, m_text);
-    if (m_text.size() > std::numeric_limits<uint32_t>::max()) {
-        throw Placed_error(counter.place_at(0), "the text is longer than any file");
+    : m_text(std::move(text)), m_lines(m_text), m_origin{&source, &m_lines, nullptr} {
+    if (m_text.size() > Json_node::LARGEST) {
+        throw Placed_error({&source, 1, 1, nullptr}, "the text is longer than any file");
     }
     const bool is_marked = m_text.compare(0, BYTE_ORDER_MARK.size(), BYTE_ORDER_MARK) == 0;
     rapidjson::InsituStringStream stream(m_text.data());
     stream.src_ += is_marked ? BYTE_ORDER_MARK.size() : 0;
-    Builder builder(counter, m_text, stream, m_storage, most_values);
+    Builder builder(m_origin, m_text, stream, m_storage, most_values);
     rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator> reader;
     // The parser recurses only where the builder has accepted another level.
     const rapidjson::ParseResult result =
         reader.Parse<rapidjson::kParseInsituFlag | rapidjson::kParseNumbersAsStringsFlag>(stream,
                                                                                           builder);
     if (result.IsError()) {
-        fail(counter, m_text, result);
+        fail(m_origin, m_text, result);
     }
     if (stream.Tell() < m_text.size()) {
-        throw Placed_error(counter.place_at(stream.Tell()), "unexpected zero byte");
+        const Json_mark mark{&m_origin, static_cast<uint32_t>(stream.Tell())};
+        throw Placed_error(mark.place(), "unexpected zero byte");
     }
     m_root = builder.root();
     m_value_count = builder.value_count();

@@ -83,7 +83,7 @@ void write(Writer& writer, const Json_node& node) {
         case Kind::OBJECT:
             writer.StartObject();
             for (const Json_member& member : node.members()) {
-                write_text(writer, member.name);
+                write_text(writer, member.name());
                 write(writer, member.value);
             }
             writer.EndObject();
@@ -162,16 +162,16 @@ std::vector<Json_value::Member> Json_value::members() const {
     std::vector<Member> members;
     for_each_member([&](const Json_member& member) {
         members.push_back(
-            {std::string(member.name), member.place, Json_value(member.value, *m_problems)});
+            {std::string(member.name()), member.place(), Json_value(member.value, *m_problems)});
     });
     return members;
 }
 
 void Json_value::expect_members(const std::vector<const char*>& known) const {
     for_each_member([&](const Json_member& member) {
-        if (std::find(known.begin(), known.end(), member.name) == known.end()) {
-            m_problems->report(member.place, "unknown member \"" + std::string(member.name) + "\"" +
-                                                 hint_of(member.name, known));
+        if (std::find(known.begin(), known.end(), member.name()) == known.end()) {
+            m_problems->report(member.place(), "unknown member \"" + std::string(member.name()) +
+                                                   "\"" + hint_of(member.name(), known));
         }
     });
 }
@@ -185,18 +185,18 @@ void Json_value::for_each_member(Work work) const {
     const Json_span<Json_member> all = m_node->members();
     const auto is_new = [&](const Json_member& member) {
         if (all.size() > MOST_SEARCHED) {
-            return seen.insert(member.name).second;
+            return seen.insert(member.name()).second;
         }
         return std::none_of(all.begin(), &member, [&member](const Json_member& before) {
-            return before.name == member.name;
+            return before.name() == member.name();
         });
     };
     for (const Json_member& member : all) {
         if (is_new(member)) {
             work(member);
         } else {
-            m_problems->report(member.place,
-                               "duplicate member \"" + std::string(member.name) + "\"");
+            m_problems->report(member.place(),
+                               "duplicate member \"" + std::string(member.name()) + "\"");
         }
     }
 }

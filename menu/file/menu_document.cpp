@@ -72,27 +72,20 @@ struct Inside {
     std::vector<const File*>& files;
 };
 
-int64_t calculated(const Placeholder& placeholder, int64_t number, const Place& place) {
+int64_t calculated(const Placeholder& placeholder, int64_t number, const Json_mark& mark) {
     int64_t product = 0;
     int64_t sum = 0;
     if (placeholder.is_too_large || __builtin_mul_overflow(number, placeholder.factor, &product) ||
         __builtin_add_overflow(product, placeholder.summand, &sum)) {
-        throw Placed_error(place, "the number of \"" + placeholder.text + "\" is too large, with " +
-                                      placeholder.name + " = " + std::to_string(number));
+        throw Placed_error(mark.place(), "the number of \"" + placeholder.text +
+                                             "\" is too large, with " + placeholder.name + " = " +
+                                             std::to_string(number));
     }
     return sum;
 }
 
-Json_node with_copy(Json_node node, const std::string* copy) {
-    Place place = node.place();
-    place.copy = copy;
-    node.set_place(place);
-    return node;
-}
-
-Place with_copy(Place place, const std::string* copy) {
-    place.copy = copy;
-    return place;
+bool has_copy(const Json_mark& mark, const std::string* copy) {
+    return mark.origin == nullptr || mark.origin->copy == copy;
 }
 
 }  // namespace
@@ -130,17 +123,38 @@ Json_node Menu_document::read(const std::string& file, std::string text) {
         written = without_member(written, "templates");
     }
     Json_node whole = expand(written, Scope());
+    m_elements = {};
+    m_members = {};
     warn_of_unused_templates();
     return whole;
+}
+
+// Values of one copy follow each other.
+Json_mark Menu_document::with_copy(const Json_mark& mark, const std::string* copy) {
+    if (has_copy(mark, copy)) {
+        return mark;
+    }
+    const Json_lines* const lines = mark.origin->lines;
+    if (m_last_origin == nullptr || m_last_origin->lines != lines || m_last_origin->copy != copy) {
+        m_last_origin =
+            &m_origins.try_emplace({lines, copy}, Json_origin{mark.origin->source, lines, copy})
+                 .first->second;
+    }
+    return {m_last_origin, mark.offset};
+}
+
+Json_node Menu_document::with_copy(Json_node node, const std::string* copy) {
+    node.set_mark(with_copy(node.mark(), copy));
+    return node;
 }
 
 // An object of templates, or a list of such objects; any of them may be a file's.
 void Menu_document::load_templates(const Json_node& templates) {
     m_problems.attempt([&] {
-        count(templates.place(), 1);
+        count(templates.mark(), 1);
         const Json_value value(templates, m_problems);
         if (const Json_node* const file = directive(templates, "include")) {
-            count(templates.place(), COPY_COST);
+            count(templates.mark(), COPY_COST);
             expect_members(templates, {"include"});
             in_file(*file, std::string(file->text()),
                     [this](const Json_node& content) { load_templates(content); });
@@ -158,13 +172,13 @@ void Menu_document::load_templates(const Json_node& templates) {
 }
 
 void Menu_document::load_template(const Json_member& member) {
-    count(member.place, 1);
-    const std::string title(member.name);
+    count(member.mark(), 1);
+    const std::string title(member.name());
     Template& added = m_templates[title];
     if (added.place.source != nullptr) {
-        throw Placed_error(member.place, "duplicate template \"" + title + "\"");
+        throw Placed_error(member.place(), "duplicate template \"" + title + "\"");
     }
-    added.place = member.place;
+    added.place = member.place();
     const Json_value value(member.value, m_problems);
     expect_members(member.value, {"arguments", "content"});
     if (const auto arguments = value.find("arguments")) {
@@ -198,19 +212,19 @@ void Menu_document::expect_members(const Json_node& node, const std::vector<cons
 }
 
 // What has been done, whether anything comes of it or not.
-void Menu_document::count(const Place& place, size_t values) {
+void Menu_document::count(const Json_mark& mark, size_t values) {
     m_value_count += values;
     if (m_value_count > MOST_VALUES) {
-        m_problems.end(place,
+        m_problems.end(mark.place(),
                        "the menu grows beyond " + std::to_string(MOST_VALUES) + " values here");
     }
 }
 
-void Menu_document::count_text(const Place& place, size_t bytes) {
+void Menu_document::count_text(const Json_mark& mark, size_t bytes) {
     m_text_bytes += bytes;
     if (m_text_bytes > MOST_BYTES) {
-        m_problems.end(place, "the texts of the menu grow beyond " + std::to_string(MOST_BYTES) +
-                                  " bytes here");
+        m_problems.end(mark.place(), "the texts of the menu grow beyond " +
+                                         std::to_string(MOST_BYTES) + " bytes here");
     }
 }
 
@@ -219,13 +233,13 @@ Json_node Menu_document::without_member(const Json_node& node, const char* name)
     rest.reserve(node.members().size());
     bool is_found = false;
     for (const Json_member& member : node.members()) {
-        if (is_found || member.name != name) {
+        if (is_found || member.name() != name) {
             rest.push_back(member);
         } else {
             is_found = true;
         }
     }
-    return Json_node::of_members(m_storage.keep(rest.data(), rest.size()), node.place());
+    return Json_node::of_members(m_storage.keep(rest.data(), rest.size()), node.mark());
 }
 
 Menu_document::Unknown Menu_document::unknown_in(std::string_view member) {
@@ -240,7 +254,7 @@ bool Menu_document::stays(Unknown unknown, const Placeholder& placeholder) {
 }
 
 Json_node Menu_document::expand(const Json_node& node, const Scope& scope, Unknown unknown) {
-    count(node.place(), 1);
+    count(node.mark(), 1);
     if (node.is(Kind::OBJECT) && directive(node, "include") != nullptr) {
         Json_node content;
         include(node, scope,
@@ -254,7 +268,7 @@ Json_node Menu_document::expand(const Json_node& node, const Scope& scope, Unkno
         return with_copy(node, scope.copy);
     }
     if (m_depth == DEEPEST_VALUE) {
-        m_problems.end(with_copy(node.place(), scope.copy),
+        m_problems.end(with_copy(node.mark(), scope.copy).place(),
                        "values are nested more than " + std::to_string(DEEPEST_VALUE) + " deep");
     }
     ++m_depth;
@@ -266,19 +280,19 @@ Json_node Menu_document::expand(const Json_node& node, const Scope& scope, Unkno
 
 Json_node Menu_document::expand_text(const Json_node& node, const Scope& scope, Unknown unknown) {
     if (scope.copy == nullptr) {
-        count_text(node.place(), node.text().size());
+        count_text(node.mark(), node.text().size());
         return node;
     }
     const std::string written(node.text());
     const auto first = find_placeholder(written, 0);
-    const Place place = with_copy(node.place(), scope.copy);
+    const Json_mark mark = with_copy(node.mark(), scope.copy);
     if (!first) {
-        count_text(place, written.size());
+        count_text(mark, written.size());
         return with_copy(node, scope.copy);
     }
     const std::string text = replaced(node, scope, unknown);
-    count_text(place, text.size());
-    Json_node result = Json_node::of_text(Kind::TEXT, m_storage.keep(text), place);
+    count_text(mark, text.size());
+    Json_node result = Json_node::of_text(Kind::TEXT, m_storage.keep(text), mark);
     const auto value = scope.values.find(first->name);
     if (first->begin == 0 && first->end == written.size() && value != scope.values.end() &&
         value->second.is(Kind::INTEGER)) {
@@ -301,7 +315,7 @@ Json_node Menu_document::expand_elements(const Json_node& node, const Scope& sco
         !std::equal(added.begin(), added.end(), node.elements().begin(),
                     [](const Json_node& a, const Json_node& b) { return a.is_same(b); })) {
         result = Json_node::of_elements(m_storage.keep(added.begin(), added.size()),
-                                        with_copy(node.place(), scope.copy));
+                                        with_copy(node.mark(), scope.copy));
     }
     if (is_incomplete) {
         result.set_incomplete();
@@ -314,17 +328,17 @@ Json_node Menu_document::expand_members(const Json_node& node, const Scope& scop
     const size_t start = m_members.size();
     bool is_changed = scope.copy != nullptr;
     for (const Json_member& member : node.members()) {
-        const Place place = with_copy(member.place, scope.copy);
-        count_text(place, member.name.size());
-        Json_node value(Kind::WRONG, member.value.place());  // until it is known better
-        m_problems.attempt([&] { value = expand(member.value, scope, unknown_in(member.name)); });
+        const Json_mark mark = with_copy(member.mark(), scope.copy);
+        count_text(mark, member.name().size());
+        Json_node value(Kind::WRONG, member.value.mark());  // until it is known better
+        m_problems.attempt([&] { value = expand(member.value, scope, unknown_in(member.name())); });
         is_changed = is_changed || !value.is_same(member.value);
-        m_members.push_back({member.name, place, value});
+        m_members.emplace_back(member.name(), mark, value);
     }
     const size_t size = m_members.size() - start;
     const Json_node result =
         is_changed ? Json_node::of_members(m_storage.keep(m_members.data() + start, size),
-                                           with_copy(node.place(), scope.copy))
+                                           with_copy(node.mark(), scope.copy))
                    : node;
     m_members.resize(start);
     return result;
@@ -356,7 +370,7 @@ const Json_node& Menu_document::without_repeat(const Json_node& node) {
 }
 
 void Menu_document::repeat(const Json_node& node, const Scope& scope) {
-    count(node.place(), 1);
+    count(node.mark(), 1);
     const Json_node& once = without_repeat(node);
     const Json_node written = expand(*node.member("repeat"), scope);
     const Json_value value(written, m_problems);
@@ -374,8 +388,8 @@ void Menu_document::repeat(const Json_node& node, const Scope& scope) {
     bool is_named = false;
     inner.named[counter] = &is_named;
     for (int64_t i = from; i <= to; ++i) {
-        count(node.place(), COPY_COST + inner.values.size());
-        inner.values[counter] = Json_node::of_integer(i, node.place());
+        count(node.mark(), COPY_COST + inner.values.size());
+        inner.values[counter] = Json_node::of_integer(i, node.mark());
         set_copy(inner);
         expand_element(once, inner);
     }
@@ -386,7 +400,7 @@ void Menu_document::repeat(const Json_node& node, const Scope& scope) {
 }
 
 void Menu_document::use_template(const Json_node& node, const Scope& scope) {
-    count(node.place(), COPY_COST + node.members().size());
+    count(node.mark(), COPY_COST + node.members().size());
     expect_members(node, {"template", "arguments"});
     const Json_node& name = *directive(node, "template");
     const std::string title = replaced(name, scope, Unknown::REJECTED);
@@ -413,7 +427,7 @@ void Menu_document::use_template(const Json_node& node, const Scope& scope) {
     set_copy(inner);
     for (const Json_node& element : found->second.content->elements()) {
         m_problems.attempt([&] {
-            count(element.place(), 1);
+            count(element.mark(), 1);
             expand_element(element, inner);
         });
     }
@@ -426,7 +440,7 @@ Menu_document::Scope Menu_document::scope_of_use(const Json_node& node, const Te
     inner.depth = scope.depth + 1;
     const Json_node* const written = node.member("arguments");
     const Json_node arguments =
-        written == nullptr ? Json_node(Kind::OBJECT, node.place()) : expand(*written, scope);
+        written == nullptr ? Json_node(Kind::OBJECT, node.mark()) : expand(*written, scope);
     const Json_value value(arguments, m_problems);
     std::vector<const char*> names(used.arguments.size());
     std::transform(used.arguments.begin(), used.arguments.end(), names.begin(),
@@ -439,7 +453,7 @@ Menu_document::Scope Menu_document::scope_of_use(const Json_node& node, const Te
             argument.fail("expected a whole number or a text");
         }
         const std::optional<int64_t> number = given.integer();
-        inner.values[name] = number ? Json_node::of_integer(*number, given.place()) : given;
+        inner.values[name] = number ? Json_node::of_integer(*number, given.mark()) : given;
     }
     return inner;
 }
@@ -458,13 +472,12 @@ void Menu_document::set_copy(Scope& scope) {
     scope.copy = text.empty() ? nullptr : &m_copies.emplace_back(shortened(std::move(text)));
 }
 
-std::string Menu_document::replaced(const Json_node& text, const Scope& scope,
-                                    Unknown unknown) const {
+std::string Menu_document::replaced(const Json_node& text, const Scope& scope, Unknown unknown) {
     std::string written(text.text());
     if (scope.copy == nullptr) {
         return written;
     }
-    const Place place = with_copy(text.place(), scope.copy);
+    const Json_mark mark = with_copy(text.mark(), scope.copy);
     std::string result;
     size_t done = 0;
     while (const auto found = find_placeholder(written, done)) {
@@ -475,16 +488,16 @@ std::string Menu_document::replaced(const Json_node& text, const Scope& scope,
             *named->second = true;
         }
         if (value == scope.values.end() && !stays(unknown, *found)) {
-            throw Placed_error(place, "\"{" + found->name + "}\" is unknown here");
+            throw Placed_error(mark.place(), "\"{" + found->name + "}\" is unknown here");
         }
         if (value == scope.values.end()) {
             result.append(written, found->begin, found->end - found->begin);
         } else if (found->is_plain) {
             result += shown(value->second);
         } else if (const auto number = value->second.integer()) {
-            result += std::to_string(calculated(*found, *number, place));
+            result += std::to_string(calculated(*found, *number, mark));
         } else {
-            throw Placed_error(place, "\"" + found->name + "\" is not a whole number here");
+            throw Placed_error(mark.place(), "\"" + found->name + "\" is not a whole number here");
         }
         done = found->end;
         if (result.size() > LONGEST_TEXT) {
@@ -493,7 +506,7 @@ std::string Menu_document::replaced(const Json_node& text, const Scope& scope,
     }
     result.append(written, done, std::string::npos);
     if (result.size() > LONGEST_TEXT) {
-        throw Placed_error(place,
+        throw Placed_error(mark.place(),
                            "the text grows beyond " + std::to_string(LONGEST_TEXT) + " bytes here");
     }
     return result;
@@ -505,7 +518,7 @@ void Menu_document::include(const Json_node& node, const Scope& scope,
     if (written == nullptr) {
         return;  // callers ask first
     }
-    count(node.place(), COPY_COST + node.members().size());
+    count(node.mark(), COPY_COST + node.members().size());
     expect_members(node, {"include"});
     in_file(*written, replaced(*written, scope, Unknown::REJECTED), work);
 }
@@ -518,7 +531,7 @@ void Menu_document::include_elements(const Json_node& node, const Scope& scope) 
         }
         for (const Json_node& element : file.elements()) {
             m_problems.attempt([&] {
-                count(element.place(), 1);
+                count(element.mark(), 1);
                 expand_element(element, scope);
             });
         }
@@ -554,7 +567,7 @@ Menu_document::File& Menu_document::file_of(const Json_node& name, const std::st
         (fs::path(name.place().source->name).parent_path() / text).lexically_normal().string();
     const auto [known, is_new] = m_paths.emplace(path, nullptr);
     if (is_new) {
-        count(name.place(), FILE_COST);
+        count(name.mark(), FILE_COST);
         known->second = find_file(name, path);
     }
     if (known->second == nullptr) {

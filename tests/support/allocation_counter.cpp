@@ -12,7 +12,15 @@ namespace {
 std::atomic<std::size_t> g_allocations{0};
 std::atomic<std::uint64_t> g_bytes{0};
 std::atomic<std::size_t> g_live{0};
+std::atomic<std::size_t> g_peak{0};
 std::atomic<std::size_t> g_failing{0};  // the number of the call that fails
+
+void count_live(void* memory) {
+    const std::size_t live = g_live += malloc_usable_size(memory);
+    std::size_t peak = g_peak;
+    while (live > peak && !g_peak.compare_exchange_weak(peak, live)) {
+    }
+}
 
 void free_counted(void* memory) {
     g_live -= malloc_usable_size(memory);
@@ -26,6 +34,14 @@ std::size_t support::allocations() {
 
 std::size_t support::live_bytes() {
     return g_live;
+}
+
+std::size_t support::peak_bytes() {
+    return g_peak;
+}
+
+void support::forget_peak() {
+    g_peak = g_live.load();
 }
 
 std::uint64_t support::allocated_bytes() {
@@ -44,7 +60,7 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     g_bytes += size;
     void* const memory = std::malloc(size == 0 ? 1 : size);
     if (memory != nullptr) {
-        g_live += malloc_usable_size(memory);
+        count_live(memory);
     }
     return memory;
 }

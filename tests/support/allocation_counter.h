@@ -14,6 +14,9 @@ std::size_t allocations();
 std::uint64_t allocated_bytes();
 // How many bytes are allocated now, with what the allocator rounds up.
 std::size_t live_bytes();
+// The most that were allocated at once since the last call of `forget_peak`.
+std::size_t peak_bytes();
+void forget_peak();
 // Makes one call of it throw std::bad_alloc, the next one for 1; 0 for none.
 void fail_allocation(std::size_t number);
 

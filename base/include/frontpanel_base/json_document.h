@@ -14,7 +14,38 @@
 
 namespace frontpanel {
 
-struct Json_member;
+class Json_member;
+
+// Where the lines of a text begin. One thread at a time.
+class Json_lines {
+public:
+    explicit Json_lines(std::string_view text);
+
+    // The same as the sum of the lines before; fast for offsets that follow each other.
+    Place place_at(const Source& source, uint32_t offset) const;
+
+private:
+    std::vector<uint32_t> m_starts;  // behind the first
+    mutable size_t m_last = 0;       // that was found last: lines that begin before it
+};
+
+// What the values of a file, or of a copy of a part of it, have in common.
+struct Json_origin {
+    const Source* source;
+    const Json_lines* lines;
+    const std::string* copy;  // see `Place`
+};
+
+// A place that is looked up when somebody asks for it.
+struct Json_mark {
+    const Json_origin* origin = nullptr;  // null: nowhere
+    uint32_t offset = 0;                  // in the text
+
+    Place place() const;
+    bool operator==(const Json_mark& other) const {
+        return origin == other.origin && offset == other.offset;
+    }
+};
 
 // Adjacent items that the span does not own.
 template <typename Item>
@@ -39,19 +70,29 @@ class Json_node {
 public:
     // WRONG is a value whose mistake has been reported. REAL is any number that is not an INTEGER.
     enum class Kind : uint8_t { NOTHING, BOOLEAN, INTEGER, REAL, TEXT, LIST, OBJECT, WRONG };
+    // Bytes of a text, and elements and members.
+    static constexpr uint32_t LARGEST = 0x7FFFFFF;
 
-    Json_node() = default;
-    Json_node(Kind kind, const Place& place) : m_place(place), m_kind(kind) {}
-    static Json_node of_boolean(bool value, const Place& place);
-    static Json_node of_integer(int64_t number, const Place& place);
+    Json_node() : Json_node(Kind::NOTHING, {}) {}
+    // The origin outlives the node.
+    Json_node(Kind kind, const Json_mark& mark)
+        : m_origin(mark.origin),
+          m_offset(mark.offset),
+          m_size(0),
+          m_kind(kind),
+          m_stands_for_number(false),
+          m_is_incomplete(false) {}
+    static Json_node of_boolean(bool value, const Json_mark& mark);
+    static Json_node of_integer(int64_t number, const Json_mark& mark);
     // A TEXT, or a REAL as it was written.
-    static Json_node of_text(Kind kind, std::string_view text, const Place& place);
-    static Json_node of_elements(Json_span<Json_node> elements, const Place& place);
-    static Json_node of_members(Json_span<Json_member> members, const Place& place);
+    static Json_node of_text(Kind kind, std::string_view text, const Json_mark& mark);
+    static Json_node of_elements(Json_span<Json_node> elements, const Json_mark& mark);
+    static Json_node of_members(Json_span<Json_member> members, const Json_mark& mark);
 
     Kind kind() const { return m_kind; }
     bool is(Kind kind) const { return m_kind == kind; }
-    const Place& place() const { return m_place; }
+    Json_mark mark() const { return {m_origin, m_offset}; }
+    Place place() const { return mark().place(); }
     bool boolean() const { return m_kind == Kind::BOOLEAN && m_content.number != 0; }
     // Of an INTEGER, and of a TEXT that replaces a number: an argument of a template is a text wherever it is used.
     std::optional<int64_t> integer() const;
@@ -65,7 +106,10 @@ public:
     // A LIST without an element whose error has been reported.
     bool is_incomplete() const { return m_is_incomplete; }
 
-    void set_place(const Place& place) { m_place = place; }
+    void set_mark(const Json_mark& mark) {
+        m_origin = mark.origin;
+        m_offset = mark.offset;
+    }
     void set_incomplete() { m_is_incomplete = true; }
     void set_stands_for_number() { m_stands_for_number = true; }
     // Whether both are one value, at one place, with the same content in memory.
@@ -79,18 +123,41 @@ private:
         const Json_member* members;
     };
 
-    Place m_place{};
-    Kind m_kind = Kind::NOTHING;
-    bool m_stands_for_number = false;
-    bool m_is_incomplete = false;
-    uint32_t m_size = 0;  // of the text, the elements or the members
+    static constexpr unsigned SIZE_BITS = 27;
+    static_assert(LARGEST == (uint32_t{1} << SIZE_BITS) - 1);
+
     Content m_content;
+    const Json_origin* m_origin = nullptr;
+    uint32_t m_offset = 0;
+    uint32_t m_size : SIZE_BITS;  // of the text, the elements or the members
+    Kind m_kind : 3;
+    bool m_stands_for_number : 1;
+    bool m_is_incomplete : 1;
 };
 
-struct Json_member {
-    std::string_view name;
-    Place place;  // of the name
+class Json_member {
+public:
+    Json_member() = default;
+    // The text and the origin outlive the member.
+    Json_member(std::string_view name, const Json_mark& mark, const Json_node& member_value)
+        : value(member_value),
+          m_name(name.data()),
+          m_origin(mark.origin),
+          m_size(static_cast<uint32_t>(name.size())),
+          m_offset(mark.offset) {}
+
+    std::string_view name() const { return {m_name, m_size}; }
+    // Of the name.
+    Json_mark mark() const { return {m_origin, m_offset}; }
+    Place place() const { return mark().place(); }
+
     Json_node value;
+
+private:
+    const char* m_name = nullptr;
+    const Json_origin* m_origin = nullptr;
+    uint32_t m_size = 0;
+    uint32_t m_offset = 0;
 };
 
 // A number as a message shows it: the end of a long one is left out.
@@ -133,6 +200,8 @@ public:
 
 private:
     std::string m_text;  // texts are decoded in place
+    Json_lines m_lines;  // as they were before
+    Json_origin m_origin;
     Json_storage m_storage;
     size_t m_value_count = 0;
     Json_node m_root;

@@ -50,7 +50,7 @@ public:
     // The value as a JSON text.
     std::string json() const;
 
-    const Place& place() const { return m_node->place(); }
+    Place place() const { return m_node->place(); }
     // The place of a character of a text, from 0; escapes count as they are usually written.
     Place place_in_text(size_t offset) const;
     // The same of several bytes, the first ones first.

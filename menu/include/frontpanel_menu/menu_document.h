@@ -62,6 +62,9 @@ private:
         std::unique_ptr<Json_document> document;  // null when its error has been reported
     };
 
+    // A place of the file as one of a copy; null: of no copy.
+    Json_mark with_copy(const Json_mark& mark, const std::string* copy);
+    Json_node with_copy(Json_node node, const std::string* copy);
     Json_node read(const std::string& file, std::string text);
     void load_templates(const Json_node& templates);
     void load_template(const Json_member& member);
@@ -96,15 +99,17 @@ private:
     File& file_of(const Json_node& name, const std::string& text);
     File* find_file(const Json_node& name, const std::string& path);
     std::unique_ptr<Json_document> parse(const Json_node& name, const std::string& path);
-    std::string replaced(const Json_node& text, const Scope& scope, Unknown unknown) const;
+    std::string replaced(const Json_node& text, const Scope& scope, Unknown unknown);
     Json_node without_member(const Json_node& node, const char* name);
-    void count(const Place& place, size_t values);
-    void count_text(const Place& place, size_t bytes);
+    void count(const Json_mark& mark, size_t values);
+    void count_text(const Json_mark& mark, size_t bytes);
     void expect_members(const Json_node& node, const std::vector<const char*>& known);
 
     Problems m_problems;
     std::deque<Source> m_sources;
     std::deque<std::string> m_copies;
+    std::map<std::pair<const Json_lines*, const std::string*>, Json_origin> m_origins;  // of copies
+    const Json_origin* m_last_origin = nullptr;                                         // of these
     std::deque<File> m_files;
     std::map<File_id, File*> m_files_by_id;
     std::map<std::string, File*> m_paths;  // null where there is no file

@@ -363,6 +363,40 @@ INSTANTIATE_TEST_SUITE_P(Exploding, Menu_growth, testing::ValuesIn(exploding_sha
                          identifier_of);
 INSTANTIATE_TEST_SUITE_P(Large, Menu_growth, testing::ValuesIn(large_shapes()), identifier_of);
 
+// Numbers with names, bounds and formats of their own, and a rule each where one is given, a thousand in each menu.
+std::string ordinary_menu(size_t count, const std::string& rule) {
+    const std::string number = R"({"type": "range", "name": "Gain #", "parameter": "gain #",
+        "value_format": "v/10", "format": "%.1f dB")" +
+                               (rule.empty() ? "" : R"(, "binding": ")" + rule + "\"") + "}";
+    const std::string items = R"({"type": "node", "name": "Bank", "items": [)" +
+                              numbered(number, std::min<size_t>(count, 1000)) + "]}";
+    return menu_of(repeated(items, std::max<size_t>(count / 1000, 1), ","), "", "",
+                   "," + numbered(R"({"name": "gain #", "pid": 2#, "type": "integer", "min": -600,
+                       "max": 120, "value": 0})",
+                                  count));
+}
+
+// The most memory that a check takes at once, for each entry.
+size_t bytes_of_an_entry(size_t count, const std::string& rule) {
+    const std::string text = ordinary_menu(count, rule);
+    support::forget_peak();
+    const size_t before = support::live_bytes();
+    EXPECT_EQ(complaints_of(text), Lines{});
+    return (support::peak_bytes() - before) / count;
+}
+
+TEST(MenuGrowth, AnOrdinaryMenuOf10000EntriesIsCheckedInLittleMemory) {
+    constexpr size_t MOST_BYTES = 2500;
+    constexpr size_t MOST_BYTES_WITH_RULES = 3900;
+    const std::string rule = "visible if [gain 7] <= 100";
+    const size_t plain = bytes_of_an_entry(10000, "");
+    const size_t ruled = bytes_of_an_entry(10000, rule);
+    EXPECT_LT(plain, MOST_BYTES);
+    EXPECT_LT(ruled, MOST_BYTES_WITH_RULES);
+    EXPECT_LT(plain, bytes_of_an_entry(1000, "") * 3 / 2);
+    EXPECT_LT(ruled, bytes_of_an_entry(1000, rule) * 3 / 2);
+}
+
 TEST(MenuGrowth, FilesThatIncludeEachOtherManyTimesAreRefusedSoon) {
     const support::Folder folder;
     const auto write = [&folder](const std::string& name, const std::string& text) {
