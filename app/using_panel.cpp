@@ -17,6 +17,8 @@
 namespace frontpanel {
 namespace {
 
+constexpr size_t REFRESHES_AT_ONCE = 250;  // some tenths of a millisecond
+
 bool has_terminal(const Output_log& log) {
     return isatty(log.out_descriptor()) != 0;
 }
@@ -73,6 +75,7 @@ Panel_options options_for_person(const Options& options, const Display_row& disp
                                  const Loaded_panel& loaded, Output_log& log) {
     Panel_options panel = panel_options_of(options, *loaded.menu, log);
     panel.encoder->acceleration = panel.encoder->acceleration && !options.no_acceleration;
+    panel.refreshes_at_once = REFRESHES_AT_ONCE;
     panel.idle_timeout = std::chrono::seconds(options.time_out);
     panel.pin = pin_of(options);
     panel.answer_keys = answer_keys_of(options, display);

@@ -112,8 +112,9 @@ bool Binding_registry::has_unsettled() const {
     return !m_core->cascade.is_at_rest();
 }
 
-Binding_settlement Binding_registry::settle(Data_interface* iface) {
-    Binding_settlement settlement = m_core->cascade.settle(iface != nullptr ? iface : interface());
+Binding_settlement Binding_registry::settle(Data_interface* iface, std::size_t at_most) {
+    Binding_settlement settlement =
+        m_core->cascade.settle(iface != nullptr ? iface : interface(), at_most);
     if (m_done_listener && std::exchange(m_core->has_new_writes, false)) {
         m_done_listener();
     }

@@ -121,7 +121,8 @@ bool Controller::is_free() const {
 
 // Lets the rules act on what was read and written. Whether anything was refreshed for it.
 bool Controller::settle() {
-    const Binding_settlement settled = m_device.settle();
+    const Binding_settlement settled = m_device.settle(m_most_refreshes);
+    m_has_rest = !settled.is_complete;
     tell_circle(settled);
     return settled.refreshes > 0;
 }
@@ -146,12 +147,16 @@ void Controller::tell_fault(const Rule_fault& fault) {
     }
 }
 
+// A key does not wait for the whole list where work is done in parts: what is drawn is asked, and the others in turns.
 void Controller::settle_and_show() {
     if (!is_free() || !settle()) {
         return;
     }
     if (m_editing.is_open()) {
         follow_edited();
+    } else if (m_most_refreshes != SIZE_MAX) {
+        m_navigation.begin_round();
+        m_navigation.tick();
     } else {
         m_navigation.refresh();
     }
@@ -177,6 +182,20 @@ void Controller::tick() {
     } else {
         m_navigation.tick();
     }
+}
+
+bool Controller::has_rest() const {
+    const bool asks = m_navigation.is_in_round() && !m_editing.is_open();
+    return (m_has_rest || asks) && is_free();
+}
+
+bool Controller::settle_rest() {
+    if (!m_has_rest) {
+        return m_navigation.tick_unseen();
+    }
+    const size_t told = m_told_circles.size();
+    settle();
+    return m_told_circles.size() > told;
 }
 
 void Controller::follow_edited() {

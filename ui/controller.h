@@ -63,6 +63,13 @@ public:
     bool may_end(std::function<void()> ends);
     // Reads what is shown from the device again, and what rules depend on.
     void tick();
+    // How many entries follow the device in one `press` or `tick`; default: all that have to. What is shown follows at
+    // once; the rest waits for `settle_rest`.
+    void set_most_refreshes(size_t most) { m_most_refreshes = most; }
+    // Whether entries wait, and may follow now.
+    bool has_rest() const;
+    // Lets as many of them follow as a tick does, or asks some of the list. Whether another frame is due for it.
+    bool settle_rest();
     // From now on frames have this size.
     void set_size(Lcd_size size) { m_size = size; }
     // The entry of the open editor; null while none is open.
@@ -98,6 +105,8 @@ private:
 
     Device_link m_device;
     Lcd_size m_size;
+    size_t m_most_refreshes = SIZE_MAX;
+    bool m_has_rest = false;
     Notices m_notices;
     Navigation m_navigation;
     Data_entry* m_edited = nullptr;  // as it stands in the menu: a link, or the edited entry itself

@@ -37,7 +37,9 @@ Device_link link_to(Menu& menu) {
                                     : std::nullopt;
     };
     const auto poll = [&menu](size_t at_most) { menu.bindings()->poll(at_most); };
-    const auto settle = [&menu] { return menu.bindings()->settle(); };
+    const auto settle = [&menu](size_t at_most) {
+        return menu.bindings()->settle(nullptr, at_most);
+    };
     return {menu.access(), menu.gate(), read_failed, state, is_loopback, can_post, poll, settle};
 }
 

@@ -30,8 +30,8 @@ struct Device_link {
     std::function<bool()> may_post;
     // Asks the device for what the rules of the menu depend on: for so many parameters, in turns.
     std::function<void(std::size_t)> poll;
-    // Brings every entry up to date with what was read and written since.
-    std::function<Binding_settlement()> settle;
+    // Brings every entry up to date with what was read and written since; so many of them, in turns.
+    std::function<Binding_settlement(std::size_t)> settle;
 };
 
 // The mark of a value that is being written, or is old; empty for any other.

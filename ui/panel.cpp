@@ -15,6 +15,8 @@
 namespace frontpanel {
 namespace {
 
+constexpr int PAUSE_OF_REST = 6;  // beside the time that the work before it took
+
 Panel_options completed(Panel_options options) {
     if (options.pin && !is_pin(*options.pin)) {
         throw std::invalid_argument("a PIN is " + std::to_string(SHORTEST_PIN) + " to " +
@@ -53,6 +55,7 @@ struct Panel::Parts {
           interface_before(std::exchange(VarIdDataInfStore::m_pDataAccessInf, &menu.access())),
           controller(menu.root(), link_of(menu, options), options.size),
           next_tick(options.clock() + TICK) {
+        controller.set_most_refreshes(options.refreshes_at_once);
         controller.show_home(home_of(menu));
         if (options.log != nullptr) {
             controller.set_log(*options.log);
@@ -68,10 +71,13 @@ struct Panel::Parts {
             return std::chrono::duration_cast<std::chrono::milliseconds>(
                 options.clock().time_since_epoch());
         });
-        menu.bindings()->set_warning_listener(
-            [this](const std::string& text) { controller.warn(text); });
+        menu.bindings()->set_warning_listener([this](const std::string& text) {
+            controller.warn(text);
+            has_changed = true;
+        });
         menu.bindings()->set_fault_listener([this](const Rule_fault& fault) {
             controller.tell_fault(fault);
+            has_changed = true;
             if (options.rule_fault) {
                 options.rule_fault(fault);
             }
@@ -89,6 +95,22 @@ struct Panel::Parts {
     Parts(const Parts&) = delete;
     Parts& operator=(const Parts&) = delete;
 
+    // The full tick.
+    Time tick_due() const {
+        return is_hurried ? std::min(next_tick, last_tick + SHORTEST_TICK) : next_tick;
+    }
+    // After work that began then: the rest waits, and leaves the processor to others meanwhile.
+    void pause_rest(Time began) {
+        if (controller.has_rest()) {
+            const Time now = options.clock();
+            next_rest = now + PAUSE_OF_REST * (now - began);
+        }
+    }
+    void settle_rest(Time began) {
+        has_changed = controller.settle_rest() || has_changed;
+        pause_rest(began);
+    }
+
     Menu& menu;
     Panel_options options;
     Data_interface* interface_before;
@@ -96,9 +118,10 @@ struct Panel::Parts {
     std::optional<Session> session;
     Time next_tick;
     Time last_tick = Time::min();
-    bool is_hurried = false;     // a tick comes before the next one
-    std::optional<Frame> frame;  // the last one drawn
-    bool has_changed = true;     // since then
+    Time next_rest = Time::min();  // of entries that wait
+    bool is_hurried = false;       // a tick comes before the next one
+    std::optional<Frame> frame;    // the last one drawn
+    bool has_changed = true;       // since then
     bool is_over = false;
 };
 
@@ -108,7 +131,9 @@ Panel::Panel(Menu& menu, Panel_options options)
 Panel::~Panel() = default;
 
 void Panel::press(const Key& key) {
-    m_parts->session->press(key, now());
+    const Time time = now();
+    m_parts->session->press(key, time);
+    m_parts->pause_rest(time);
     m_parts->has_changed = true;
 }
 
@@ -147,20 +172,25 @@ bool Panel::is_over() const {
 void Panel::tick() {
     Parts& parts = *m_parts;
     const Time time = now();
+    if (parts.controller.has_rest() && time < parts.tick_due()) {
+        parts.settle_rest(time);
+        return;
+    }
     const bool is_between = std::exchange(parts.is_hurried, false) && time < parts.next_tick;
     parts.last_tick = time;
     if (parts.options.before_tick) {
         parts.options.before_tick();
     }
     parts.session->tick(time, !is_between);
+    parts.pause_rest(time);
     parts.next_tick = is_between ? parts.next_tick : time + TICK;
     parts.has_changed = true;
 }
 
 Time Panel::due() const {
     const Parts& parts = *m_parts;
-    return parts.is_hurried ? std::min(parts.next_tick, parts.last_tick + SHORTEST_TICK)
-                            : parts.next_tick;
+    return parts.controller.has_rest() ? std::min(parts.tick_due(), parts.next_rest)
+                                       : parts.tick_due();
 }
 
 void Panel::hurry() {

@@ -38,7 +38,7 @@ void Cascade::remove(Engine& engine) {
     m_engines.erase(state.number);
     if (state.is_listed) {
         const auto first = m_waiting.begin() + static_cast<std::ptrdiff_t>(m_next);
-        m_waiting.erase(std::remove(first, m_waiting.end(), state.number), m_waiting.end());
+        m_waiting.erase(std::remove(first, m_waiting.end(), &engine), m_waiting.end());
     }
 }
 
@@ -118,7 +118,7 @@ void Cascade::mark(Engine& engine) {
     state.is_marked = engine.entry() != nullptr;
     if (state.is_marked && !state.is_listed) {
         state.is_listed = true;
-        m_waiting.push_back(state.number);
+        m_waiting.push_back(&engine);
     }
 }
 
@@ -131,10 +131,66 @@ void Cascade::evaluated(Engine& engine) {
     }
 }
 
+void Cascade::device_changed(Engine& engine) {
+    engine.cascade_state().refreshes = 0;
+    input_changed(engine);
+}
+
+// A parameter that changes again meanwhile is spread to all of its readers once more, from where it got to.
+void Cascade::device_changed(Cached_parameter& parameter) {
+    if (parameter.readers.size() <= MOST_MARKED_AT_ONCE) {
+        for (Engine* const reader : parameter.readers) {
+            device_changed(*reader);
+        }
+        return;
+    }
+    if (parameter.left_to_mark == 0) {
+        parameter.next_to_mark = 0;
+        m_spreading.push_back(&parameter);
+    }
+    parameter.left_to_mark = parameter.readers.size();
+}
+
+// The others have moved.
+void Cascade::reader_removed(Cached_parameter& parameter) {
+    if (parameter.left_to_mark > 0) {
+        parameter.left_to_mark = parameter.readers.size();
+    }
+}
+
+// Marks some readers of the parameter that waits longest.
+void Cascade::spread() {
+    Cached_parameter& parameter = *m_spreading.front();
+    const std::size_t size = parameter.readers.size();
+    const std::size_t count = std::min(parameter.left_to_mark, MOST_MARKED_AT_ONCE);
+    for (std::size_t i = 0; i < count && size > 0; ++i) {
+        parameter.next_to_mark %= size;
+        device_changed(*parameter.readers[parameter.next_to_mark++]);
+    }
+    parameter.left_to_mark -= count;
+    if (parameter.left_to_mark == 0) {
+        m_spreading.pop_front();
+    }
+}
+
+// Those that were taken already leave the list before they are half of it.
+void Cascade::shorten_waiting() {
+    constexpr std::size_t FEW = 1000;
+    if (m_next > FEW && m_next > m_waiting.size() / 2) {
+        m_waiting.erase(m_waiting.begin(), m_waiting.begin() + static_cast<std::ptrdiff_t>(m_next));
+        m_next = 0;
+    }
+}
+
 // Null when nobody waits any more. One that was evaluated since it was marked is listed without waiting.
 Engine* Cascade::take_next() {
-    while (m_next < m_waiting.size()) {
-        Engine* const engine = m_engines.at(m_waiting[m_next++]);
+    shorten_waiting();
+    while (m_next < m_waiting.size() || !m_spreading.empty()) {
+        if (m_next == m_waiting.size()) {
+            spread();
+            continue;
+        }
+        Engine* const engine = m_waiting[m_next++];
         Cascade_state& state = engine->cascade_state();
         state.is_listed = false;
         if (std::exchange(state.is_marked, false)) {
@@ -146,7 +202,7 @@ Engine* Cascade::take_next() {
     return nullptr;
 }
 
-Binding_settlement Cascade::settle(Data_interface* iface) {
+Binding_settlement Cascade::settle(Data_interface* iface, std::size_t at_most) {
     Binding_settlement settlement;
     if (m_is_settling) {
         return settlement;
@@ -157,14 +213,23 @@ Binding_settlement Cascade::settle(Data_interface* iface) {
     }
     m_is_frozen = false;
     m_is_settling = true;
-    ++m_round;
-    run_round(iface, settlement);
+    if (!m_is_round_open) {
+        ++m_round;
+    }
+    run_round(iface, at_most, settlement);
+    m_is_round_open = !is_at_rest();
+    settlement.is_complete = !m_is_round_open;
     m_is_settling = false;
     return settlement;
 }
 
-void Cascade::run_round(Data_interface* iface, Binding_settlement& settlement) {
-    while (Engine* const engine = take_next()) {
+void Cascade::run_round(Data_interface* iface, std::size_t at_most,
+                        Binding_settlement& settlement) {
+    for (std::size_t taken = 0; taken < at_most; ++taken) {
+        Engine* const engine = take_next();
+        if (engine == nullptr) {
+            return;
+        }
         Cascade_state& state = engine->cascade_state();
         if (state.round != m_round) {
             state.round = m_round;

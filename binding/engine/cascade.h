@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -40,6 +41,8 @@ public:
     // How many commits may be under way within each other. A chain of entries that limit each other is as long as a
     // menu, and would take the stack of its thread.
     static constexpr std::size_t DEEPEST_COMMITS = 32;
+    // Readers of a parameter that are marked together.
+    static constexpr std::size_t MOST_MARKED_AT_ONCE = 1000;
 
     void add(Engine& engine);
     void remove(Engine& engine);
@@ -61,27 +64,37 @@ public:
     void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes);
 
     void input_changed(Engine& engine);
+    // The same of all readers of a parameter that the device changed by itself: what follows from it is no circle of the
+    // round. Of a parameter with very many readers, `settle` marks them by and by.
+    void device_changed(Cached_parameter& parameter);
+    // A reader of the parameter ends.
+    void reader_removed(Cached_parameter& parameter);
     void mark(Engine& engine);
     // The engine answered with what the parameters are now.
     void evaluated(Engine& engine);
-    bool is_at_rest() const { return m_next == m_waiting.size(); }
+    bool is_at_rest() const { return m_next == m_waiting.size() && m_spreading.empty(); }
 
-    // Nothing within a round: what a refresh marks is the round's already.
-    Binding_settlement settle(Data_interface* iface);
+    // Nothing within a round: what a refresh marks is the round's already. A round that is not at rest after `at_most`
+    // refreshes goes on with the next call.
+    Binding_settlement settle(Data_interface* iface, std::size_t at_most);
 
 private:
     Engine* take_next();
+    void shorten_waiting();
+    void device_changed(Engine& engine);
+    void spread();
     bool is_within_turn() const;
     void end_commits();
     void refresh(Engine& engine, Data_interface* iface);
     bool tell_options(uint64_t number);
-    void run_round(Data_interface* iface, Binding_settlement& settlement);
+    void run_round(Data_interface* iface, std::size_t at_most, Binding_settlement& settlement);
     std::string circle_of(const Engine& engine) const;
 
     std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
     std::set<std::pair<const Data_entry*, uint64_t>> m_by_entry;  // engines that have one
-    std::vector<uint64_t> m_waiting;
-    std::size_t m_next = 0;  // the first of `m_waiting` that was not taken yet
+    std::vector<Engine*> m_waiting;
+    std::size_t m_next = 0;                     // the first of `m_waiting` that was not taken yet
+    std::deque<Cached_parameter*> m_spreading;  // whose readers are not all marked yet
     uint64_t m_last_number = 0;
     uint64_t m_last_evaluated = 0;
     uint64_t m_round = 0;
@@ -90,7 +103,8 @@ private:
     std::vector<const Cached_parameter*> m_commits;  // under way, the outermost first
     bool m_is_frozen = false;
     bool m_is_settling = false;
-    std::string m_frozen_circle;  // not yet reported by a round
+    bool m_is_round_open = false;  // it goes on with the next call of `settle`
+    std::string m_frozen_circle;   // not yet reported by a round
 };
 
 }  // namespace frontpanel::binding_engine

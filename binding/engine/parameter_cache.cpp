@@ -122,6 +122,7 @@ void Parameter_cache::add_reader(Cached_parameter& parameter, Engine& engine) {
 
 void Parameter_cache::remove_reader(Cached_parameter& parameter, Engine& engine) {
     erase_one(parameter.readers, &engine);
+    m_cascade.reader_removed(parameter);
     update_polling(parameter);
 }
 
@@ -314,8 +315,12 @@ void Parameter_cache::kept(Cached_parameter& parameter, bool changed) {
     for (Cached_parameter::Record* const record : parameter.records) {
         write_record(record->second, parameter);
     }
-    for (Engine* const reader : parameter.readers) {
-        m_cascade.input_changed(*reader);
+    if (m_is_polling) {
+        m_cascade.device_changed(parameter);
+    } else {
+        for (Engine* const reader : parameter.readers) {
+            m_cascade.input_changed(*reader);
+        }
     }
     if (m_is_polling && !parameter.records.empty()) {
         m_changed.push_back(parameter.records.front()->first);

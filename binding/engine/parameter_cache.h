@@ -46,6 +46,8 @@ struct Cached_parameter {
     int watchers = 0;
     uint64_t written_in = 0;  // the turn of `writes`
     int writes = 0;
+    std::size_t next_to_mark = 0;  // of the readers: see Cascade
+    std::size_t left_to_mark = 0;
     std::size_t polled_at = 0;  // place among the polled ones, from 1; 0: not polled
 };
 

@@ -12,7 +12,6 @@ namespace frontpanel {
 namespace {
 
 constexpr int LEAST_ROWS_WITH_TITLE = 3;
-constexpr size_t ENTRIES_A_TURN = 64;
 constexpr const char* READ_ERROR = "read error";
 constexpr const char* NO_VALUE = "---";
 
@@ -84,12 +83,14 @@ void List_view::rest(const std::string& text) {
 }
 
 void List_view::refresh() {
+    m_left_in_round = 0;
     refresh([](size_t, const Data_entry*) { return true; });
 }
 
 void List_view::refresh_shown() {
     const size_t first = m_turn;
     m_turn += ENTRIES_A_TURN;
+    m_left_in_round -= std::min(m_left_in_round, ENTRIES_A_TURN);
     refresh([this, first](size_t position, const Data_entry* entry) {
         return (position >= first && position < first + ENTRIES_A_TURN) || is_drawn(entry);
     });
@@ -114,7 +115,8 @@ void List_view::refresh(const std::function<bool(size_t, Data_entry*)>& is_due) 
             visible.push_back(entry);
         }
     }
-    if (m_turn >= all.size()) {
+    m_size = all.size();
+    if (m_turn >= m_size) {
         m_turn = 0;
     }
     m_visible = std::move(visible);

@@ -33,6 +33,12 @@ public:
     // As `refresh`, but of a long menu only what was drawn last and some of the rest, which is taken in turns: a menu of
     // a thousand entries costs no more at rest than a short one.
     void refresh_shown();
+    // From now on every entry is to be asked once more by `refresh_shown`, soon.
+    void begin_round() { m_left_in_round = m_size + ENTRIES_A_TURN; }
+    // Whether some were not asked since.
+    bool is_in_round() const { return m_left_in_round > 0; }
+    // The entries that are visible, as far as they were asked.
+    const std::vector<Data_entry*>& visible() const { return m_visible; }
     // Moves the cursor; it stays at the ends, or with wrap goes round from them.
     void move(int steps);
     void set_wrap(bool wrap) { m_wrap = wrap; }
@@ -46,6 +52,8 @@ public:
     bool alarm() const { return m_alarm; }
 
 private:
+    static constexpr size_t ENTRIES_A_TURN = 64;
+
     void draw_title(Lcd& lcd);
     Text_line::Texts texts_of(Data_entry& entry);
     // The lines of the entries that are drawn, so that each goes on scrolling where it was.
@@ -62,6 +70,8 @@ private:
     int m_top = 0;      // first of m_visible on the display
     int m_drawn = 0;    // how many of them were drawn
     size_t m_turn = 0;  // the entry of a long menu that is refreshed next
+    size_t m_size = 0;  // of the menu, hidden entries included
+    size_t m_left_in_round = 0;
     bool m_alarm = false;
     bool m_has_title = true;
     bool m_is_at_rest = false;

@@ -255,6 +255,13 @@ void Navigation::tick() {
     leave_hidden();
 }
 
+bool Navigation::tick_unseen() {
+    const Data_entry* const menu = m_path.shown().menu;
+    const std::vector<Data_entry*> before = m_list.visible();
+    tick();
+    return m_path.shown().menu != menu || m_list.visible() != before;
+}
+
 void Navigation::leave_hidden() {
     const auto& steps = m_path.steps();
     const auto found = std::find_if(steps.begin(), steps.end(), [this](const Menu_step& step) {

@@ -57,6 +57,11 @@ public:
     void tick();
     // Whether an entry of the shown menu is still shown, and every menu on the way to it.
     bool is_shown(Data_entry& entry);
+    // Asks all entries of the list once more, some with each `tick`; and whether some were not asked since.
+    void begin_round() { m_list.begin_round(); }
+    bool is_in_round() const { return m_list.is_in_round(); }
+    // A tick that may change nothing that is drawn. Whether other entries are listed now than before.
+    bool tick_unseen();
     // The entry under the cursor; null for none.
     Data_entry* selected() const;
 

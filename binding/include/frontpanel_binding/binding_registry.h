@@ -183,8 +183,9 @@ public:
     // evaluated them, until what these refreshes change is settled as well. An entry that was never refreshed waits
     // until it is, unless it has write rules. Also rebuilds the visible options of entries whose allowed keys changed.
     // An entry is refreshed 32 times at most; beyond that, the result and its engine's errors name the circle. Entries
-    // and engines may end meanwhile. A call from within a refresh does nothing.
-    Binding_settlement settle(Data_interface* iface = nullptr);
+    // and engines may end meanwhile. A call from within a refresh does nothing. After `at_most` refreshes the rest is
+    // left to the next call, so that the caller can do something else in between.
+    Binding_settlement settle(Data_interface* iface = nullptr, std::size_t at_most = SIZE_MAX);
 
     // What the device would hold after these values were written, each once more after the rules have acted: beside them
     // stands what write rules would write to other parameters. Nothing is written, and no fault is reported.

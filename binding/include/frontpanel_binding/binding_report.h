@@ -63,7 +63,8 @@ struct Binding_cycle {
 // How a round of refreshes ended.
 struct Binding_settlement {
     bool at_rest = true;        // false: some entries drive each other on and on
-    std::size_t refreshes = 0;  // made in this round
+    bool is_complete = true;    // false: entries wait for the next call
+    std::size_t refreshes = 0;  // made in this call
     std::string path;           // when not at rest, the circle: "Gain -> Level -> Gain"
 };
 

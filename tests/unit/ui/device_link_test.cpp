@@ -65,11 +65,11 @@ TEST_F(Device_link_test, ProbesLoopbackAlone) {
 TEST_F(Device_link_test, PollsAndSettlesWhatRulesDependOn) {
     refresh(gain, link.access);
     link.poll(SIZE_MAX);
-    link.settle();
-    EXPECT_EQ(link.settle().refreshes, 0U);
+    link.settle(SIZE_MAX);
+    EXPECT_EQ(link.settle(SIZE_MAX).refreshes, 0U);
     menu.device().set_integer(2, 0, 0);
     link.poll(SIZE_MAX);
-    const Binding_settlement settled = link.settle();
+    const Binding_settlement settled = link.settle(SIZE_MAX);
     EXPECT_GT(settled.refreshes, 0U);
     EXPECT_TRUE(settled.at_rest);
     EXPECT_LT(gain.isVisible(true, &link.access), 0);

@@ -204,5 +204,93 @@ TEST_F(Panel_test, RunsOnAFrontUntilThePersonQuits) {
     EXPECT_EQ(front.last[0], "Gain            ");
 }
 
+// A menu in which 100 entries depend on one parameter.
+class Panel_with_dependants : public testing::Test {
+protected:
+    Panel_with_dependants() {
+        settle_all();
+        for (Data_entry* entry = bank().Get_child(); entry != nullptr; entry = entry->Get_next()) {
+            entry->isVisible(true, &shown.loaded.menu->access());
+        }
+    }
+
+    static std::string text() {
+        std::string items;
+        for (int i = 0; i < 100; ++i) {
+            items += std::string(i == 0 ? "" : ",") +
+                     R"({"type": "range", "name": "Level", "pid": 2, "binding": "range 0..[1]"})";
+        }
+        return menu_text(std::string(PARAMETERS) +
+                             R"(, {"pid": 2, "type": "integer", "min": 0, "max": 99, "value": 0})",
+                         R"({"type": "range", "name": "Gain", "parameter": "gain"},
+                            {"type": "range", "name": "Other", "pid": 2},
+                            {"type": "node", "name": "Bank", "items": [)" +
+                             items + "]}");
+    }
+    Panel_options options() {
+        Panel_options options;
+        options.size = {16, 2};
+        options.refreshes_at_once = 10;
+        options.clock = [this] { return now; };
+        options.before_tick = [this] { now += work; };
+        return options;
+    }
+    Data_entry& bank() { return *shown.loaded.menu->root().Get_child()->Get_next()->Get_next(); }
+    int last_max() {
+        Data_entry* entry = bank().Get_child();
+        while (entry->Get_next() != nullptr) {
+            entry = entry->Get_next();
+        }
+        return static_cast<Range_entry*>(entry)->Get_max();
+    }
+    bool has_rest() { return shown.loaded.menu->bindings()->has_unsettled(); }
+    int settle_all() {
+        int ticks = 0;
+        for (; has_rest() && ticks < 1000; ++ticks) {
+            EXPECT_LE(shown.panel.due(), now);
+            shown.panel.tick();
+        }
+        return ticks;
+    }
+    void change_gain(int32_t value) {
+        shown.device().set_integer(1, 0, value);
+        now += Panel::TICK;
+        shown.panel.tick();
+    }
+
+    Time now{seconds(1000)};
+    std::chrono::milliseconds work{0};  // of a tick
+    Application_panel shown{text(), options()};
+};
+
+TEST_F(Panel_with_dependants, AKeyComesBeforeTheRestOfTheEntries) {
+    change_gain(60);
+    EXPECT_TRUE(has_rest());
+    shown.panel.press({Key::DOWN});
+    EXPECT_EQ(shown.lines()[1].substr(0, 6), ">Other");
+    EXPECT_TRUE(has_rest());
+    EXPECT_EQ(settle_all(), 8) << "10 in the tick, 10 with the key, then 10 at once";
+    EXPECT_LE(shown.panel.due(), now) << "the list is asked as well";
+    EXPECT_EQ(last_max(), 60);
+}
+
+TEST_F(Panel_with_dependants, WhatIsShownFollowsAtOnceAndTheRestNeedsNoFrame) {
+    change_gain(60);
+    EXPECT_EQ(shown.lines()[0], ">Gain         60");
+    const bool heart = shown.panel.frame().leds.heart;
+    EXPECT_FALSE(shown.panel.has_changed());
+    EXPECT_EQ(settle_all(), 9);
+    EXPECT_FALSE(shown.panel.has_changed());
+    EXPECT_EQ(shown.panel.due(), now + Panel::TICK);
+    EXPECT_EQ(shown.panel.frame().leds.heart, heart);
+}
+
+TEST_F(Panel_with_dependants, TheRestPausesForSixTimesAsLongAsItWorked) {
+    work = std::chrono::milliseconds(5);
+    change_gain(60);
+    ASSERT_TRUE(has_rest());
+    EXPECT_EQ(shown.panel.due(), now + 6 * work);
+}
+
 }  // namespace
 }  // namespace frontpanel

@@ -60,6 +60,10 @@ struct Panel_options {
     // Called at the beginning of each tick, before anything is read: takes what the device has to tell, so that its
     // descriptor is no longer readable.
     std::function<void()> before_tick = nullptr;
+    // How many entries that are not shown follow a change of the device, or of a person, before the panel looks for the
+    // next key; the others follow in further ticks, which are due after pauses that leave most of the processor to others.
+    // Default: all at once.
+    size_t refreshes_at_once = SIZE_MAX;
     // Whether an address belongs to the device's network, so that an opened editor may ping it; default: loopback only.
     std::function<bool(const std::string& address)> may_probe = nullptr;
     std::function<Time()> clock = nullptr;  // default: the steady clock
@@ -98,7 +102,8 @@ public:
     void quit();
     // Whether the person ended the panel.
     bool is_over() const;
-    // Reads what is shown and what rules depend on from the device, scrolls, and watches the idle timeout.
+    // Reads what is shown and what rules depend on from the device, scrolls, and watches the idle timeout; or, when only
+    // that is due, lets more entries follow.
     void tick();
     Time due() const;
     // The device has something new: the next tick is due at once, or soon after a tick that has just been.

@@ -310,6 +310,113 @@ TEST_F(Cascade_test, RandomChangesLeaveEveryWriteAsItsRuleSays) {
     EXPECT_TRUE(registry->find_cycles().empty());
 }
 
+// ---- in parts
+
+// Leaves that are visible while parameter 100 is below their number, refreshed once.
+class Cascade_in_parts : public Cascade_test {
+protected:
+    static constexpr int COUNT = 10;
+
+    Cascade_in_parts() {
+        for (int i = 0; i < COUNT; ++i) {
+            leaves.emplace_back("Leaf", log);
+            bind(leaves.back(), "visible if [100] < " + std::to_string(i));
+            refresh(leaves.back(), &cache);
+        }
+        log.clear();
+    }
+
+    Binding_settlement settle_part(std::size_t at_most) {
+        Binding_settlement settlement;
+        capture(0, [&] { settlement = registry->settle(&cache, at_most); });
+        return settlement;
+    }
+
+    std::vector<std::string> log;
+    std::deque<Logged_leaf> leaves;
+};
+
+TEST_F(Cascade_in_parts, TheRestWaitsForTheNextCall) {
+    device.set_integer(100, 0, 5);
+    registry->poll();
+    for (const std::size_t expected : {4U, 4U}) {
+        const Binding_settlement part = settle_part(4);
+        EXPECT_EQ(part.refreshes, expected);
+        EXPECT_FALSE(part.is_complete);
+        EXPECT_TRUE(part.at_rest);
+        EXPECT_TRUE(registry->has_unsettled());
+    }
+    const Binding_settlement last = settle_part(4);
+    EXPECT_EQ(last.refreshes, 2U);
+    EXPECT_TRUE(last.is_complete);
+    EXPECT_FALSE(registry->has_unsettled());
+    EXPECT_EQ(log.size(), 10U);
+    EXPECT_EQ(leaves[5].Get_bind_vis(), VIS_FALSE);
+    EXPECT_EQ(leaves[6].Get_bind_vis(), VIS_TRUE);
+}
+
+TEST_F(Cascade_in_parts, WhoWaitsIsRefreshedOnceHoweverManyChangesCome) {
+    for (int change = 1; change <= 50; ++change) {
+        device.set_integer(100, 0, change % 9);
+        registry->poll();
+    }
+    while (registry->has_unsettled()) {
+        settle_part(3);
+    }
+    EXPECT_EQ(log.size(), 10U);
+}
+
+TEST_F(Cascade_in_parts, ChangesThatNeverEndAreNoCircle) {
+    for (int change = 1; change <= 2000; ++change) {
+        device.set_integer(100, 0, change % 9);
+        registry->poll();
+        const Binding_settlement part = settle_part(7);
+        ASSERT_TRUE(part.at_rest) << part.path;
+        ASSERT_EQ(part.refreshes, 7U) << "nobody is left out";
+    }
+}
+
+TEST_F(Cascade_in_parts, AThousandReadersAndMoreAreMarkedByAndBy) {
+    for (int i = COUNT; i < 3000; ++i) {
+        leaves.emplace_back("Leaf", log);
+        bind(leaves.back(), "visible if [100] < 5");
+        refresh(leaves.back(), &cache);
+    }
+    log.clear();
+    device.set_integer(100, 0, 5);
+    registry->poll();
+    EXPECT_TRUE(registry->has_unsettled());
+    EXPECT_EQ(settle_part(100).refreshes, 100U);
+    device.set_integer(100, 0, 6);
+    registry->poll();
+    leaves.pop_front();
+    while (registry->has_unsettled()) {
+        settle_part(100);
+    }
+    for (std::size_t i = 0; i < leaves.size(); ++i) {
+        ASSERT_EQ(leaves[i].Get_bind_vis(), i > 5 && i < 9 ? VIS_TRUE : VIS_FALSE) << i;
+    }
+    EXPECT_GE(log.size(), leaves.size());
+    EXPECT_LE(log.size(), 2 * leaves.size());
+}
+
+TEST_F(Cascade_in_parts, ACircleOfWritesIsFoundAcrossThem) {
+    Logged_leaf gain("Gain", log);
+    Logged_leaf level("Level", log);
+    bind(gain, "set [102] = [101] + 1");
+    bind(level, "set [101] = [102] + 1");
+    Binding_settlement part;
+    for (int parts = 0; parts < 100 && part.at_rest; ++parts) {
+        part = settle_part(3);
+    }
+    EXPECT_FALSE(part.at_rest);
+    EXPECT_THAT(part.path, testing::AnyOf("Gain -> Level -> Gain", "Level -> Gain -> Level"));
+    while (registry->has_unsettled()) {
+        settle_part(3);
+    }
+    EXPECT_LE(log.size(), 64U);
+}
+
 // ---- circles end
 
 TEST_F(Cascade_test, WritesThatGoInACircleEndAndNameTheirPath) {
