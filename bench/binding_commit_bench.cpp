@@ -91,6 +91,47 @@ private:
     int32_t m_value = 0;
 };
 
+// An entry that only takes part in refreshes.
+class Quick_entry : public Node_entry {
+public:
+    explicit Quick_entry(const Index_t& index)
+        : Node_entry("Level", "Follows", &index, nullptr, VISIBLE_ALL, SHORTCUT_NONE, nullptr,
+                     nullptr, nullptr) {}
+    int Refresh(Data_interface*, bool) override { return 0; }
+};
+
+// The commit of an entry by the library, which refreshes each dependant of its parameter.
+void commit(benchmark::State& state) {
+    static char no_format[] = "";
+    const Index_t no_level = {};
+    Quick_device device;
+    const auto registry = std::make_shared<Binding_registry>(&device);
+    Caching_device cache(device, registry);
+    Range_entry mode("Mode", "A number", MODE, &no_level, 0, 100, 0, no_format, no_format, nullptr,
+                     Data_entry::READ_WRITE, Data_entry::VISIBLE_ALL, true,
+                     Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr);
+    mode.setValidRangeAndValues({{0, 101, {}}});
+    mode.Set_binding_object(new Expression_binding(registry));
+    var_index_s key;
+    key.var = MODE;
+    key.rt = INTEGER;
+    std::deque<Quick_entry> dependants;
+    std::vector<Data_entry*>& listed = (*registry->var_index_map())[key].binding_dependant_entries;
+    for (int64_t i = 0; i < state.range(0); ++i) {
+        listed.push_back(&dependants.emplace_back(no_level));
+    }
+    int32_t value = 0;
+    for (auto _ : state) {
+        value ^= 1;
+        mode.Set_value(&value, sizeof value);
+        benchmark::DoNotOptimize(mode.Commit(&cache));
+    }
+    state.counters["per_entry"] =
+        benchmark::Counter(static_cast<double>(state.iterations() * state.range(0)),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(commit)->RangeMultiplier(10)->Range(10, 100000);
+
 // Ten dependants, whatever the size of the menu.
 void commit_by_menu_size(benchmark::State& state) {
     Bound_menu menu(state.range(0), 10);

@@ -8,9 +8,23 @@ import math
 import pathlib
 import sys
 
-CURVES = ["build_apart", "build/wide", "build/deep", "remove", "walk/wide", "walk/deep",
-          "is_visible/wide", "is_visible/deep"]
-COLOURS = ["#888888", "#1b6ca8", "#7ab8d9", "#b3541e", "#2e7d32", "#81c784", "#6a1b9a", "#ba68c8"]
+# What the growth curves show: a name, the cases as BENCHMARK:CASE without the number of entries, a colour, and whether the
+# time is of all entries together.
+CURVES = [
+    ("build_apart", "tree_bench:build_apart", "#888888", False),
+    ("build/wide", "tree_bench:build/wide", "#1b6ca8", False),
+    ("build/deep", "tree_bench:build/deep", "#7ab8d9", False),
+    ("remove", "tree_bench:remove", "#b3541e", False),
+    ("walk/wide", "tree_bench:walk/wide", "#2e7d32", False),
+    ("walk/deep", "tree_bench:walk/deep", "#81c784", False),
+    ("is_visible/wide", "tree_bench:is_visible/wide", "#6a1b9a", False),
+    ("is_visible/deep", "tree_bench:is_visible/deep", "#ba68c8", False),
+    ("commit, a dependant", "binding_commit_bench:commit", "#c2185b", False),
+    ("an option at a position", "enum_entry_bench:display_each_position", "#f9a825", False),
+    ("live tree, a node", "live_data_bench:read_tree", "#00838f", True),
+    ("load, an entry", "menu_bench:load/plain", "#3e2723", False),
+    ("load, with a rule", "menu_bench:load/rules", "#8d6e63", False),
+]
 
 
 def nanoseconds(result):
@@ -41,12 +55,12 @@ def read_ratios(file, times):
 
 
 def curves(times):
-    for name in CURVES:
-        prefix = f"tree_bench:{name}/"
+    for name, cases, colour, is_of_all in CURVES:
+        prefix = f"{cases}/"
         points = sorted((int(case[len(prefix):]), ns) for case, ns in times.items()
                         if case.startswith(prefix) and case[len(prefix):].isdigit())
         if points:
-            yield name, points
+            yield name, colour, [(entries, ns / entries if is_of_all else ns) for entries, ns in points]
 
 
 def draw(times, file):
@@ -57,23 +71,23 @@ def draw(times, file):
         return left + (math.log10(entries) - 1) / 5 * width
 
     def y(ns):
-        return top + height - min(max(math.log10(ns) - 1, 0), 2.5) / 2.5 * height
+        return top + height - min(max(math.log10(ns) - 1, 0), 3.5) / 3.5 * height
 
-    lines = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + width + 150}" height="{top + height + 45}" '
+    lines = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + width + 190}" height="{top + height + 45}" '
              'font-family="sans-serif" font-size="11">', '<rect width="100%" height="100%" fill="white"/>']
     for power in range(1, 7):
         at = x(10 ** power)
         lines.append(f'<path d="M{at:.1f} {top}v{height}" stroke="#ddd"/>'
                      f'<text x="{at:.1f}" y="{top + height + 15}" text-anchor="middle">{10 ** power:,}</text>')
-    for ns in (10, 30, 100, 300, 1000, 3000):
+    for ns in (10, 30, 100, 300, 1000, 3000, 10000, 30000):
         lines.append(f'<path d="M{left} {y(ns):.1f}h{width}" stroke="#ddd"/>'
-                     f'<text x="{left - 6}" y="{y(ns) + 4:.1f}" text-anchor="end">{ns} ns</text>')
+                     f'<text x="{left - 6}" y="{y(ns) + 4:.1f}" text-anchor="end">{ns:,} ns</text>')
     lines.append(f'<text x="{left + width / 2}" y="{top + height + 35}" text-anchor="middle">entries</text>')
-    for number, (name, points) in enumerate(curves(times)):
+    for number, (name, colour, points) in enumerate(curves(times)):
         path = " ".join(f"{x(entries):.1f},{y(ns):.1f}" for entries, ns in points)
         row = top + 12 + 16 * number
-        lines.append(f'<polyline points="{path}" fill="none" stroke="{COLOURS[number]}" stroke-width="2"/>'
-                     f'<path d="M{left + width + 10} {row}h20" stroke="{COLOURS[number]}" stroke-width="2"/>'
+        lines.append(f'<polyline points="{path}" fill="none" stroke="{colour}" stroke-width="2"/>'
+                     f'<path d="M{left + width + 10} {row}h20" stroke="{colour}" stroke-width="2"/>'
                      f'<text x="{left + width + 35}" y="{row + 4}">{name}</text>')
     file.write_text("\n".join(lines + ["</svg>", ""]))
 
