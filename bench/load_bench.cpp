@@ -43,8 +43,8 @@ constexpr std::uint32_t FIRST = 100000;
 
 struct Load {
     std::uint32_t entries;
-    std::string rule;             // '#' is the number of the entry's parameter; empty for none
-    milliseconds mode_interval;   // between changes of the mode; 0 for none
+    std::string rule;              // '#' is the number of the entry's parameter; empty for none
+    milliseconds mode_interval;    // between changes of the mode; 0 for none
     std::uint32_t pushed_at_once;  // in each millisecond: values of the entries' parameters
     std::size_t refreshes_at_once = 250;  // as the application has it
 };
@@ -108,13 +108,12 @@ std::string menu_of(const Load& load) {
                      std::to_string(i / ITEMS_OF_A_MENU) + R"(", "items": [)";
         }
         parameters += "," + parameter_text(FIRST + i);
-        items += (i % ITEMS_OF_A_MENU == 0 ? "" : ",") +
-                 std::string(R"({"type": "range", "name": "Gain )") + number + R"(", "pid": )" +
-                 number +
-                 (load.rule.empty()
-                      ? ""
-                      : R"(, "binding": ")" + with_number(load.rule, FIRST + i) + "\"") +
-                 "}";
+        items +=
+            (i % ITEMS_OF_A_MENU == 0 ? "" : ",") +
+            std::string(R"({"type": "range", "name": "Gain )") + number + R"(", "pid": )" + number +
+            (load.rule.empty() ? ""
+                               : R"(, "binding": ")" + with_number(load.rule, FIRST + i) + "\"") +
+            "}";
     }
     return R"({"device": {"parameters": [)" + parameters +
            R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}]}}";
@@ -252,8 +251,8 @@ void loaded_panel(benchmark::State& state, const Load& load) {
         panel.run(front, end);
         person.join();
         constexpr double ALMOST_ALL = 0.999;
-        state.counters["cpu_percent"] = 100 * (milliseconds_of(menu_thread) - ran) /
-                                        (milliseconds_of(CLOCK_MONOTONIC) - start);
+        state.counters["cpu_percent"] =
+            100 * (milliseconds_of(menu_thread) - ran) / (milliseconds_of(CLOCK_MONOTONIC) - start);
         state.counters["key_ms"] = at_percentile(waits.by_clock, ALMOST_ALL);
         state.counters["key_cpu_ms"] = at_percentile(waits.by_thread, ALMOST_ALL);
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 #include <frontpanel_base/numbers.h>
 
@@ -56,12 +57,48 @@ bool are_digits(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+// A number's text without its sign.
+struct Signed_text {
+    explicit Signed_text(std::string_view number)
+        : is_negative(!number.empty() && number.front() == '-'),
+          text(number.substr(is_negative || (!number.empty() && number.front() == '+') ? 1 : 0)) {}
+
+    bool is_negative;
+    std::string_view text;
+};
+
 std::string_view without_leading_zeros(std::string_view digits) {
     return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
 }
 
 std::uint64_t number_of(std::string_view digits) {
     return parse_number<std::uint64_t>(digits).value_or(0);
+}
+
+// The digits of a number with an exponent, without leading zeros.
+struct Digits {
+    bool is_negative;
+    std::string text;
+    std::int64_t whole;  // of them before the point; below 0: so many zeros follow the point
+};
+
+std::optional<Digits> digits_of(std::string_view number) {
+    constexpr std::int64_t FAR = 1000000;
+    const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
+    const Signed_text mantissa(number.substr(0, mark));
+    const Signed_text exponent(number.substr(std::min(mark + 1, number.size())));
+    const std::size_t point = std::min(mantissa.text.find('.'), mantissa.text.size());
+    std::string text(mantissa.text);
+    text.erase(point, 1);
+    if (text.empty() || !are_digits(text) || exponent.text.empty() || !are_digits(exponent.text)) {
+        return std::nullopt;
+    }
+    const std::size_t zeros = std::min(text.find_first_not_of('0'), text.size());
+    text.erase(0, zeros);
+    const std::int64_t shift = parse_number<std::int64_t>(exponent.text, 0, FAR).value_or(FAR);
+    return Digits{mantissa.is_negative, std::move(text),
+                  static_cast<std::int64_t>(point) - static_cast<std::int64_t>(zeros) +
+                      (exponent.is_negative ? -shift : shift)};
 }
 
 }  // namespace
@@ -118,9 +155,7 @@ Scaled_number Scale::from_device(std::int64_t number) const {
 }
 
 Scaled_number Scale::from_device(std::string_view decimal) const {
-    const bool is_negative = !decimal.empty() && decimal.front() == '-';
-    const bool has_sign = is_negative || (!decimal.empty() && decimal.front() == '+');
-    const std::string_view unsigned_part = decimal.substr(has_sign ? 1 : 0);
+    const auto [is_negative, unsigned_part] = Signed_text(decimal);
     const std::size_t point = std::min(unsigned_part.find('.'), unsigned_part.size());
     const std::string_view whole = unsigned_part.substr(0, point);
     std::string_view fraction = unsigned_part.substr(std::min(point + 1, unsigned_part.size()));
@@ -138,6 +173,30 @@ Scaled_number Scale::from_device(std::string_view decimal) const {
         divisor *= TEN;
     }
     return scaled(is_negative, number_of(digits), divisor);
+}
+
+Scaled_number Scale::from_json(std::string_view number) const {
+    if (number.find_first_of("eE") == std::string_view::npos) {
+        return from_device(number);
+    }
+    std::optional<Digits> digits = digits_of(number);
+    if (!digits) {
+        return "not a number";
+    }
+    constexpr auto MOST = static_cast<std::int64_t>(MOST_DIGITS);
+    if (digits->text.empty() || digits->whole < -MOST) {
+        return 0;
+    }
+    if (digits->whole > MOST) {
+        return "the number has too many digits";
+    }
+    std::string& text = digits->text;
+    text.insert(0, static_cast<std::size_t>(std::max<std::int64_t>(-digits->whole, 0)), '0');
+    const auto whole = static_cast<std::size_t>(std::max<std::int64_t>(digits->whole, 0));
+    text.resize(std::max(text.size(), whole), '0');
+    const std::size_t decimals = m_denominator == 1 ? MOST_DIGITS : MOST_DECIMALS;
+    return from_device((digits->is_negative ? "-" : "") + text.substr(0, whole) + "." +
+                       text.substr(whole, std::min(decimals, MOST_DIGITS - whole)));
 }
 
 std::string Scale::to_decimal(std::int32_t number) const {

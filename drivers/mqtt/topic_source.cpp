@@ -6,7 +6,6 @@
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/json_members.h>
-#include <frontpanel_base/numbers.h>
 
 namespace frontpanel {
 namespace {
@@ -15,9 +14,7 @@ constexpr int LARGEST_QOS = 2;
 constexpr std::size_t MOST_WORDS = 256;
 constexpr std::size_t LONGEST_QUOTED = 20;
 constexpr std::size_t LONGEST_NUMBER = 64;
-constexpr int MOST_DIGITS = 18;  // that a scale takes
 constexpr const char* BLANKS = " \t\r\n";
-constexpr const char* DIGITS = "0123456789";
 constexpr const char* LINE_END = "\r\n";
 
 using Found_text = std::variant<std::string, No_value>;
@@ -64,33 +61,6 @@ bool is_utf8(std::string_view text) {
     return characters_of(text).find(DAMAGED) == std::u32string::npos;
 }
 
-// A number such as "2.5e-3" without its exponent, and without digits behind the last one that a scale takes. Any other
-// text as it is.
-std::string without_exponent(const std::string& text) {
-    const std::size_t mark = text.find_first_of("eE");
-    if (mark == std::string::npos) {
-        return text;
-    }
-    const std::size_t first = text.front() == '-' ? 1 : 0;
-    const std::size_t point = std::min(text.find('.'), mark);
-    const bool has_plus = text.compare(mark + 1, 1, "+") == 0;
-    const auto exponent = parse_number<int>(
-        std::string_view(text).substr(mark + (has_plus ? 2 : 1)), -MOST_DIGITS, MOST_DIGITS);
-    std::string digits = text.substr(first, mark - first);
-    digits.erase(std::min(point - first, digits.size()), 1);
-    if (!exponent || digits.empty() || digits.find_first_not_of(DIGITS) != std::string::npos) {
-        return text;
-    }
-    const std::string zeros(MOST_DIGITS, '0');
-    const int shift = MOST_DIGITS + *exponent;  // of the point, as many zeros precede the digits
-    const std::size_t split = point - first + static_cast<std::size_t>(shift);
-    digits = zeros + digits + zeros;
-    std::string whole = digits.substr(0, split);
-    whole.erase(0, std::min(whole.find_first_not_of('0'), whole.size()));
-    const std::size_t kept = zeros.size() - std::min(whole.size(), zeros.size());
-    return (first == 1 ? "-" : "") + whole + "." + digits.substr(split, kept);
-}
-
 Found_text text_of_node(const Json_node& node, const std::string& member) {
     switch (node.kind()) {
         case Json_node::Kind::TEXT:
@@ -121,7 +91,7 @@ std::variant<Parameter_value, No_value> number_in(const Topic_source& source,
     if (word.size() > LONGEST_NUMBER) {
         return No_value{"not a number: " + quoted(word)};
     }
-    const Scaled_number number = source.scale.from_device(without_exponent(std::string(word)));
+    const Scaled_number number = source.scale.from_json(word);
     if (const auto* const reason = std::get_if<std::string>(&number)) {
         return No_value{*reason + ": " + quoted(word)};
     }

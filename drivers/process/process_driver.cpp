@@ -3,9 +3,6 @@
 #include <poll.h>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <map>
 #include <optional>
 #include <set>
@@ -71,34 +68,8 @@ News failure(std::string reason) {
     return {std::nullopt, reason.empty() ? "no reason given" : reason.substr(0, LONGEST_REASON)};
 }
 
-// The number without an exponent; empty for one that is too large.
-std::string without_exponent(const std::string& number) {
-    constexpr double LARGEST = 1e15;
-    constexpr int DECIMALS = 9;
-    if (number.find_first_of("eE") == std::string::npos) {
-        return number;
-    }
-    double value = 0;
-    const auto parsed = std::from_chars(number.data(), number.data() + number.size(), value);
-    std::array<char, 64> text{};
-    if (parsed.ec == std::errc::result_out_of_range && number.find("e-") == std::string::npos &&
-        number.find("E-") == std::string::npos) {
-        return "";
-    }
-    if (std::fabs(value) > LARGEST) {
-        return "";
-    }
-    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value,
-                                            std::chars_format::fixed, DECIMALS);
-    return {text.data(), end};
-}
-
 News number_news(const Spot& spot, const std::string& written) {
-    const std::string number = without_exponent(written);
-    if (number.empty()) {
-        return failure("the number has too many digits");
-    }
-    const Scaled_number scaled = spot.scale.from_device(number);
+    const Scaled_number scaled = spot.scale.from_json(written);
     const auto* const value = std::get_if<std::int32_t>(&scaled);
     return value != nullptr ? News{*value, ""} : failure(std::get<std::string>(scaled));
 }

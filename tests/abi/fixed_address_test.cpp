@@ -41,7 +41,8 @@ private:
 TEST_F(Fixed_address, SharesTheVariablesThatApplicationsSet) {
     static std::vector<uint32_t> told;
     debug_listener = [](uint32_t mask) { told.push_back(mask); };
-    const std::string out = support::capture(DIAGNOSTIC_SHORTCUT, [&] { top().getShortcut(3); }).out;
+    const std::string out =
+        support::capture(DIAGNOSTIC_SHORTCUT, [&] { top().getShortcut(3); }).out;
     debug_listener = nullptr;
     EXPECT_NE(out.find("shortcuts_map is NULL"), std::string::npos);
     EXPECT_EQ(told, (std::vector<uint32_t>{DIAGNOSTIC_SHORTCUT, 0}));

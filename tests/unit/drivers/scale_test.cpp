@@ -13,6 +13,54 @@ std::string shown(const Scaled_number& number) {
     return text != nullptr ? *text : std::to_string(std::get<std::int32_t>(number));
 }
 
+TEST(Scale, NumbersOfJsonMayHaveAnExponent) {
+    const struct {
+        const char* number;
+        Scale scale;
+        const char* result;
+    } cases[] = {
+        {"42", {1, 1}, "42"},
+        {"4e1", {1, 1}, "40"},
+        {"-4E+1", {1, 1}, "-40"},
+        {"1.25e1", {10, 1}, "125"},
+        {"2.5e-3", {1000, 1}, "3"},
+        {"2.4e-3", {1000, 1}, "2"},
+        {"0.0012e4", {1, 1}, "12"},
+        {"-0.5e0", {1, 1}, "-1"},
+        {"5.e0", {1, 1}, "5"},
+        {".5e1", {1, 1}, "5"},
+        {"0e99", {1, 1}, "0"},
+        {"1e-12", {1, 1}, "0"},
+        {"1e-300", {1000000000, 1}, "0"},
+        {"1e-99999999999999999999", {1, 1}, "0"},
+        {"1.2345678901234567e-05", {1000000000, 1}, "12346"},
+        {"1.2345678901234567e-05", {1, 1000}, "0"},
+        {"2499.4999999999999e3", {1, 1000}, "2499"},
+        {"2499.5e3", {1, 1000}, "2500"},
+        {"12345678901234567e-15", {10, 1}, "123"},
+        {"1234567890123456789e-19", {1000, 1}, "123"},
+        {"2147483647e0", {1, 1}, "2147483647"},
+        {"2147483648e0", {1, 1}, "the number does not fit 32 bits"},
+        {"1e18", {1, 1}, "the number has too many digits"},
+        {"1e17", {1, 1}, "the number does not fit 32 bits"},
+        {"1e300", {1, 1}, "the number has too many digits"},
+        {"1e99999999999999999999", {1, 1}, "the number has too many digits"},
+        {"e5", {1, 1}, "not a number"},
+        {"-e5", {1, 1}, "not a number"},
+        {".e5", {1, 1}, "not a number"},
+        {"1e", {1, 1}, "not a number"},
+        {"1e+", {1, 1}, "not a number"},
+        {"1e+-5", {1, 1}, "not a number"},
+        {"1e2.5", {1, 1}, "not a number"},
+        {"1.xe-18", {1, 1}, "not a number"},
+        {"1.2.3e1", {1, 1}, "not a number"},
+    };
+    for (const auto& [number, scale, result] : cases) {
+        SCOPED_TRACE(number);
+        EXPECT_EQ(shown(scale.from_json(number)), result);
+    }
+}
+
 TEST(Scale, DecimalNumbersAreScaledExactlyAndRoundedToTheNearest) {
     const struct {
         const char* decimal;

@@ -76,7 +76,7 @@ TEST(TopicSource, NumbersAreReadFromMessages) {
         {POWER, R"({"ENERGY": {"Power": -1e+2}})", "-1000"},
         {POWER, R"({"ENERGY": {"Power": 1.2345678901234567e-05}})", "0"},
         {POWER, R"({"ENERGY": {"Power": 12345678901234567e-15}})", "123"},
-        {POWER, R"({"ENERGY": {"Power": 1e99}})", "not a number: \"1e99\""},
+        {POWER, R"({"ENERGY": {"Power": 1e99}})", "the number has too many digits: \"1e99\""},
         {POWER, R"({"ENERGY": {"Power": 99999999999999999999}})",
          "the number has too many digits: \"99999999999999999999\""},
         {"", "e5", "not a number: \"e5\""},
