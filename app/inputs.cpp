@@ -33,7 +33,7 @@ bool has_axes_only(const Key_map& keys) {
 
 #ifdef FRONTPANEL_INPUTS
 
-// Who turns an axis round still has the usual buttons.
+// A map that only reverses an axis keeps the usual buttons.
 Event_key_map event_keys_of(const Options& options) {
     Event_key_map keys = options.input_keys;
     if (has_axes_only(keys)) {

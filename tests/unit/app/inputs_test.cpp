@@ -49,7 +49,7 @@ TEST(Inputs, EachPartHasTheKeysWithItsNames) {
     EXPECT_THROW(split_keys({{"KEY_NONE", {Key::SELECT}}}, display, inputs), Input_error);
 }
 
-TEST(Inputs, WhoNamesAxesAloneKeepsTheUsualKeys) {
+TEST(Inputs, AMapOfAxesAloneKeepsTheUsualKeys) {
     Key_map display;
     Key_map inputs;
     split_keys({{"REL_X", {Key::DOWN}}}, display, inputs);
