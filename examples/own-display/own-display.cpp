@@ -34,7 +34,7 @@ class Printer : public frontpanel::Display {
 public:
     void show(const frontpanel::Frame& frame) override {
         for (int row = 0; row < frame.lcd.size().rows; ++row) {
-            std::printf("|%s|\n", frame.lcd.line(row).c_str());
+            std::printf("|%s|\n", frame.lcd.text(row).c_str());
         }
         std::printf("%s\n", frame.leds.edit ? "(edit)" : "");
     }
