@@ -1,13 +1,12 @@
 #include "modbus_settings.h"
 
-#include <arpa/inet.h>
-
 #include <algorithm>
 #include <array>
 #include <optional>
 
 #include <frontpanel_base/json_members.h>
 #include <frontpanel_drivers/duration.h>
+#include <frontpanel_drivers/ip_address.h>
 
 namespace frontpanel {
 namespace {
@@ -29,16 +28,6 @@ constexpr std::array<int, 11> RATES{1200,  2400,   4800,   9600,   19200, 38400,
 
 constexpr std::array<const char*, 4> SERIAL_MEMBERS{"device", "baud", "parity", "stop"};
 constexpr std::array<const char*, 2> TCP_MEMBERS{"host", "port"};
-
-std::string host_of(const Json_value& value) {
-    std::string text = value.text();
-    in6_addr address{};
-    if (inet_pton(AF_INET, text.c_str(), &address) != 1 &&
-        inet_pton(AF_INET6, text.c_str(), &address) != 1) {
-        value.fail("expected an IPv4 or IPv6 address, found \"" + text + "\"");
-    }
-    return text;
-}
 
 std::string device_of(const Json_value& value) {
     std::string path = value.text_of_length(1, LONGEST_PATH);
@@ -84,7 +73,7 @@ void read_serial(const Json_value& options, Modbus_settings& settings) {
 }
 
 void read_tcp(const Json_value& options, Modbus_settings& settings) {
-    settings.host = host_of(options.member("host"));
+    settings.host = ip_address_of(options.member("host"));
     expect_none(options, SERIAL_MEMBERS, "host");
     settings.port =
         static_cast<std::uint16_t>(integer_or(options, "port", 1, LARGEST_PORT, settings.port));

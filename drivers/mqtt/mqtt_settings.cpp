@@ -1,6 +1,5 @@
 #include "mqtt_settings.h"
 
-#include <arpa/inet.h>
 #include <mosquitto.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,6 +8,7 @@
 #include <system_error>
 
 #include <frontpanel_base/json_members.h>
+#include <frontpanel_drivers/ip_address.h>
 
 namespace frontpanel {
 namespace {
@@ -18,16 +18,6 @@ constexpr std::int64_t LARGEST_PORT = 65535;
 constexpr int LARGEST_QOS = 2;
 constexpr std::size_t LONGEST_CLIENT = 23;  // that every broker takes
 constexpr std::size_t LONGEST_TOPIC = 1000;
-
-std::string host_of(const Json_value& value) {
-    std::string text = value.text();
-    in6_addr address{};
-    if (inet_pton(AF_INET, text.c_str(), &address) != 1 &&
-        inet_pton(AF_INET6, text.c_str(), &address) != 1) {
-        value.fail("expected an IPv4 or IPv6 address, found \"" + text + "\"");
-    }
-    return text;
-}
 
 std::string file_of(const Json_value& options, const char* name, const std::string& folder) {
     const auto value = options.find(name);
@@ -86,7 +76,7 @@ std::vector<const char*> mqtt_members() {
 
 Mqtt_settings mqtt_settings_of(const Json_value& options, const std::string& folder) {
     Mqtt_settings settings;
-    settings.host = host_of(options.member("host"));
+    settings.host = ip_address_of(options.member("host"));
     read_encryption(options, folder, settings);
     settings.port = static_cast<std::uint16_t>(integer_or(
         options, "port", 1, LARGEST_PORT, settings.is_encrypted() ? PORT_WITH_TLS : settings.port));

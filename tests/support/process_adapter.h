@@ -16,6 +16,7 @@
 #include <frontpanel_base/descriptor.h>
 #include <frontpanel_driver_process/process_driver.h>
 #include "support/folder.h"
+#include "support/noting_sink.h"
 
 namespace support {
 
@@ -55,43 +56,6 @@ def hang():
     while True:
         signal.pause()
 )";
-
-// What a driver passes on: "0=5" for a value, "0: reason" for a failure.
-class Noting_sink : public frontpanel::Value_sink {
-public:
-    void value(std::size_t number, const frontpanel::Parameter_value& value) override {
-        const auto* const whole = std::get_if<std::int32_t>(&value);
-        note(number, "=" + (whole != nullptr ? std::to_string(*whole)
-                                             : "'" + std::get<std::string>(value) + "'"));
-    }
-    void failure(std::size_t number, const std::string& reason) override {
-        note(number, ": " + reason);
-    }
-
-    std::vector<std::string> take() { return std::exchange(m_lines, {}); }
-    std::size_t count() const { return m_lines.size(); }
-    bool has(std::size_t number) const {
-        const std::string start = std::to_string(number);
-        for (const std::string& line : m_lines) {
-            if (line.substr(0, line.find_first_of("=:")) == start) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-private:
-    void note(std::size_t number, const std::string& what) {
-        m_lines.push_back(std::to_string(number) + what);
-    }
-
-    std::vector<std::string> m_lines;
-};
-
-inline std::string text_of(const frontpanel::Driver_result& result) {
-    static constexpr const char* NAMES[] = {"done", "refused", "timed out", "away"};
-    return NAMES[result.kind] + (result.reason.empty() ? "" : ": " + result.reason);
-}
 
 inline bool is_gone(pid_t process) {
     return kill(process, 0) != 0 && errno == ESRCH;

@@ -3,7 +3,7 @@
 
 #include <frontpanel_base/json_members.h>
 
-#include "unit/drivers/cache_fixture.h"
+#include "unit/drivers/menu_fixture.h"
 
 namespace support {
 namespace {
@@ -47,37 +47,15 @@ std::unique_ptr<Driver> create(const Json_value& options, const Driver_setup& se
 const Driver_row NOTING{"noting", {"where"}, {"place"}, create};
 const Driver_row OTHER{"other", {}, {"place"}, create};
 
-class Driven_device_test : public testing::Test {
+class Driven_device_test : public Driver_menu_test {
 protected:
     Driven_device_test() { record = &m_record; }
 
     void load(const std::string& drivers, const std::string& parameters) {
-        m_text =
-            R"({"device": {"drivers": )" + drivers + R"(, "parameters": [)" + parameters + "]}}";
-        m_document.emplace(m_source, m_text);
-        Device_cache_settings settings;
-        settings.has_threads = false;
-        m_device.emplace(Json_value(m_document->root(), m_problems), m_problems,
-                         Driver_table{&NOTING, &OTHER}, "menus", m_others, settings);
-    }
-    // The errors and warnings without their places.
-    Lines problems() const {
-        Lines lines = m_problems.errors();
-        const Lines warnings = m_problems.warnings();
-        lines.insert(lines.end(), warnings.begin(), warnings.end());
-        for (std::string& line : lines) {
-            line = line.substr(line.find(": ") + 2);
-        }
-        return lines;
+        load_menu({&NOTING, &OTHER}, "menus", drivers, parameters);
     }
 
     Record m_record;
-    Source m_source{"menu.json", 0};
-    std::string m_text;
-    Problems m_problems;
-    std::optional<Json_document> m_document;
-    Fake_device m_others;
-    std::optional<Driven_device> m_device;
 };
 
 constexpr const char* ONE = R"({"plc": {"driver": "noting", "where": "here", "poll": "2s"}})";

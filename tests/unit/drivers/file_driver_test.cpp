@@ -8,16 +8,15 @@
 #include <fstream>
 
 #include <frontpanel_base/descriptor.h>
-#include <frontpanel_drivers/driven_device.h>
 #include "support/folder.h"
-#include "unit/drivers/cache_fixture.h"
+#include "unit/drivers/menu_fixture.h"
 
 namespace support {
 namespace {
 
 using namespace frontpanel;
 
-class File_driver_test : public testing::Test {
+class File_driver_test : public Driver_menu_test {
 protected:
     // A number, of the further members of its source.
     static std::string number(std::uint32_t pid, const std::string& members,
@@ -31,14 +30,8 @@ protected:
     }
     // Loads a menu file whose paths are relative to the test's folder.
     void load(const std::string& parameters) {
-        m_text = R"({"device": {"drivers": {"files": {"driver": "file"}}, "parameters": [)" +
-                 parameters + "]}}";
-        m_document.emplace(m_source, m_text);
-        Device_cache_settings settings;
-        settings.has_threads = false;
-        settings.clock = [clock = m_clock] { return clock->now(); };
-        m_device.emplace(Json_value(m_document->root(), m_problems), m_problems,
-                         Driver_table{&file_driver_row()}, m_folder.path(), m_others, settings);
+        load_menu({&file_driver_row()}, m_folder.path(), R"({"files": {"driver": "file"}})",
+                  parameters);
     }
     void load_number(const std::string& members) { load(number(1, members)); }
     void write(const std::string& name, const std::string& content) {
@@ -74,24 +67,8 @@ protected:
         cache.step();
         return texts_of(cache.take_events());
     }
-    Lines problems() const {
-        Lines lines = m_problems.errors();
-        const Lines warnings = m_problems.warnings();
-        lines.insert(lines.end(), warnings.begin(), warnings.end());
-        for (std::string& line : lines) {
-            line = line.substr(line.find(": ") + 2);
-        }
-        return lines;
-    }
 
     Folder m_folder;
-    std::shared_ptr<Test_clock> m_clock = std::make_shared<Test_clock>();
-    Source m_source{"menu.json", 0};
-    std::string m_text;
-    Problems m_problems;
-    std::optional<Json_document> m_document;
-    Fake_device m_others;
-    std::optional<Driven_device> m_device;
 };
 
 // ---- values

@@ -4,23 +4,14 @@
 
 #include <string>
 
+#include "support/made_of_json.h"
+
 namespace frontpanel {
 namespace {
 
-// The member that is named by a menu file, or the error in it without its place.
-struct Read_member {
-    explicit Read_member(const std::string& json) {
-        const Source file{"menu.json", 0};
-        const Json_document document(file, json);
-        Problems problems;
-        problems.attempt([&] { member = Message_member(Json_value(document.root(), problems)); });
-        for (const std::string& line : problems.errors()) {
-            error += line.substr(line.find(": ") + 2);
-        }
-    }
-    Message_member member;
-    std::string error;
-};
+support::Made_of_json<Message_member> read_member(const std::string& json) {
+    return {json, [](const Json_value& value) { return Message_member(value); }};
+}
 
 TEST(MessageMember, AreFoundByNameOrByPointer) {
     const Source source{"message", 0};
@@ -39,18 +30,18 @@ TEST(MessageMember, AreFoundByNameOrByPointer) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.member);
-        const Read_member read(c.member);
+        const auto read = read_member(c.member);
         EXPECT_EQ(read.error, "");
-        const Json_node* const found = read.member.find(message.root());
+        const Json_node* const found = read.result.find(message.root());
         EXPECT_EQ(found == nullptr ? 0 : found->integer().value_or(-1), c.number);
     }
 }
 
 TEST(MessageMember, AMessageHasOnlyTheMember) {
-    EXPECT_EQ(Read_member(R"("level")").member.message_with("5"), R"({"level":5})");
-    EXPECT_EQ(Read_member(R"("/set/a~1b/0")").member.message_with("5"),
+    EXPECT_EQ(read_member(R"("level")").result.message_with("5"), R"({"level":5})");
+    EXPECT_EQ(read_member(R"("/set/a~1b/0")").result.message_with("5"),
               R"({"set":{"a/b":{"0":5}}})");
-    EXPECT_EQ(Read_member(R"("a\"\u0001b")").member.name(), "");
+    EXPECT_EQ(read_member(R"("a\"\u0001b")").result.name(), "");
 }
 
 TEST(MessageMember, TextsAreWrittenAsJson) {
@@ -59,10 +50,10 @@ TEST(MessageMember, TextsAreWrittenAsJson) {
 
 TEST(MessageMember, MistakesAreReported) {
     const std::string expected = "expected a name or a JSON pointer such as \"/a/b\", found ";
-    EXPECT_EQ(Read_member(R"("/a~")").error, expected + "\"/a~\"");
-    EXPECT_EQ(Read_member(R"("/~2/a")").error, expected + "\"/~2/a\"");
-    EXPECT_EQ(Read_member(R"("")").error, "expected a text of 1 to 200 characters, found 0");
-    EXPECT_EQ(Read_member(R"("a~")").error, "");
+    EXPECT_EQ(read_member(R"("/a~")").error, expected + "\"/a~\"");
+    EXPECT_EQ(read_member(R"("/~2/a")").error, expected + "\"/~2/a\"");
+    EXPECT_EQ(read_member(R"("")").error, "expected a text of 1 to 200 characters, found 0");
+    EXPECT_EQ(read_member(R"("a~")").error, "");
 }
 
 }  // namespace

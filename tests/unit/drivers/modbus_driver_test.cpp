@@ -7,37 +7,17 @@
 
 #include <fstream>
 
-#include <frontpanel_drivers/driven_device.h>
 #include "support/folder.h"
 #include "support/helper_process.h"
 #include "support/modbus_server.h"
-#include "unit/drivers/cache_fixture.h"
+#include "support/noting_sink.h"
+#include "unit/drivers/menu_fixture.h"
 
 namespace support {
 namespace {
 
 using namespace frontpanel;
 using Turn = Modbus_turn;
-
-// "0=7", "1: no answer from unit 2"
-class Line_sink : public Value_sink {
-public:
-    void value(std::size_t number, const Parameter_value& value) override {
-        m_lines.push_back(std::to_string(number) + "=" + text_of(value));
-    }
-    void failure(std::size_t number, const std::string& reason) override {
-        m_lines.push_back(std::to_string(number) + ": " + reason);
-    }
-    Lines take() { return std::exchange(m_lines, {}); }
-
-private:
-    Lines m_lines;
-};
-
-std::string text_of(const Driver_result& result) {
-    const char* const kinds[] = {"done", "refused: ", "timed out: ", "away: "};
-    return kinds[result.kind] + result.reason;
-}
 
 class Modbus_driver_test : public testing::Test {
 protected:
@@ -80,7 +60,7 @@ protected:
         return text_of(m_driver->write(number, value));
     }
 
-    Line_sink m_sink;
+    Noting_sink m_sink;
     std::vector<std::size_t> m_numbers;
     std::unique_ptr<Driver> m_driver;
 };
@@ -628,45 +608,17 @@ TEST_F(Serial_test, PymodbusIsReadAndWrittenOverALine) {
 
 // ---- in a menu file
 
-class Modbus_menu_test : public testing::Test {
+class Modbus_menu_test : public Driver_menu_test {
 protected:
     void load(const std::string& driver, const std::string& parameters) {
-        m_text = R"({"device": {"drivers": {"plc": {"driver": "modbus", )" + driver +
-                 R"(}}, "parameters": [)" + parameters + "]}}";
-        m_document.emplace(m_source, m_text);
-        Device_cache_settings settings;
-        settings.has_threads = false;
-        settings.clock = [clock = m_clock] { return clock->now(); };
-        m_device.emplace(Json_value(m_document->root(), m_problems), m_problems,
-                         Driver_table{&modbus_driver_row()}, "menus", m_others, settings);
-    }
-    static std::string number(std::uint32_t pid, const std::string& name,
-                              const std::string& source) {
-        return R"({"pid": )" + std::to_string(pid) + R"(, "name": ")" + name +
-               R"(", "type": "integer", "min": -1000, "max": 1000, "source": {)" + source + "}}";
-    }
-    Lines problems() const {
-        Lines lines = m_problems.errors();
-        const Lines warnings = m_problems.warnings();
-        lines.insert(lines.end(), warnings.begin(), warnings.end());
-        for (std::string& line : lines) {
-            line = line.substr(line.find(": ") + 2);
-        }
-        return lines;
+        load_menu({&modbus_driver_row()}, "menus",
+                  R"({"plc": {"driver": "modbus", )" + driver + "}}", parameters);
     }
     void step() {
         m_clock->advance(2s);
         number_of(m_device->cache(), 1);
         m_device->cache().step();
     }
-
-    Source m_source{"menu.json", 0};
-    std::string m_text;
-    Problems m_problems;
-    std::optional<Json_document> m_document;
-    Fake_device m_others;
-    std::shared_ptr<Test_clock> m_clock = std::make_shared<Test_clock>();
-    std::optional<Driven_device> m_device;
 };
 
 TEST_F(Modbus_menu_test, MistakesAreReportedWithTheNearestName) {

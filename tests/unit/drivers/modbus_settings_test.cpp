@@ -4,57 +4,46 @@
 
 #include <string>
 
-#include <frontpanel_base/json_document.h>
+#include "support/made_of_json.h"
 
 namespace frontpanel {
 namespace {
 
-struct Read_settings {
-    explicit Read_settings(const std::string& text) {
-        const Source file{"menu.json", 0};
-        const Json_document document(file, text);
-        Problems problems;
-        try {
-            settings = modbus_settings_of(Json_value(document.root(), problems));
-        } catch (const Placed_error& thrown) {
-            error = thrown.what();
-            error = error.substr(error.find(": ") + 2);
-        }
-    }
-    Modbus_settings settings;
-    std::string error;
-};
+support::Made_of_json<Modbus_settings> read_settings(const std::string& text) {
+    return {text, [](const Json_value& value) { return modbus_settings_of(value); }};
+}
 
 TEST(ModbusSettings, AnAddressIsReachedOverTcp) {
-    const Read_settings read(R"({"host": "127.0.0.1"})");
+    const auto read = read_settings(R"({"host": "127.0.0.1"})");
     EXPECT_EQ(read.error, "");
-    EXPECT_FALSE(read.settings.is_serial());
-    EXPECT_EQ(read.settings.host, "127.0.0.1");
-    EXPECT_EQ(read.settings.port, 502);
-    EXPECT_EQ(read.settings.unit, 1);
-    EXPECT_EQ(read.settings.timeout.count(), 500);
-    EXPECT_EQ(read.settings.retries, 1);
-    EXPECT_EQ(read.settings.gap, 0);
-    EXPECT_EQ(Read_settings(R"({"host": "::1", "port": 1502})").settings.host, "::1");
+    EXPECT_FALSE(read.result.is_serial());
+    EXPECT_EQ(read.result.host, "127.0.0.1");
+    EXPECT_EQ(read.result.port, 502);
+    EXPECT_EQ(read.result.unit, 1);
+    EXPECT_EQ(read.result.timeout.count(), 500);
+    EXPECT_EQ(read.result.retries, 1);
+    EXPECT_EQ(read.result.gap, 0);
+    EXPECT_EQ(read_settings(R"({"host": "::1", "port": 1502})").result.host, "::1");
 }
 
 TEST(ModbusSettings, ADeviceIsASerialLine) {
-    const Read_settings usual(R"({"device": "/dev/ttyS0"})");
-    EXPECT_TRUE(usual.settings.is_serial());
-    EXPECT_EQ(usual.settings.baud, 19200);
-    EXPECT_EQ(usual.settings.parity, 'E');
-    EXPECT_EQ(usual.settings.stop_bits, 1);
-    const Read_settings own(R"({"device": "/dev/ttyS0", "baud": 9600, "parity": "none", "stop": 2,
+    const auto usual = read_settings(R"({"device": "/dev/ttyS0"})");
+    EXPECT_TRUE(usual.result.is_serial());
+    EXPECT_EQ(usual.result.baud, 19200);
+    EXPECT_EQ(usual.result.parity, 'E');
+    EXPECT_EQ(usual.result.stop_bits, 1);
+    const auto own =
+        read_settings(R"({"device": "/dev/ttyS0", "baud": 9600, "parity": "none", "stop": 2,
         "unit": 17, "words": "low-first", "timeout": "1s", "retries": 0, "gap": 8})");
     EXPECT_EQ(own.error, "");
-    EXPECT_EQ(own.settings.baud, 9600);
-    EXPECT_EQ(own.settings.parity, 'N');
-    EXPECT_EQ(own.settings.stop_bits, 2);
-    EXPECT_EQ(own.settings.unit, 17);
-    EXPECT_TRUE(own.settings.is_low_word_first);
-    EXPECT_EQ(own.settings.timeout.count(), 1000);
-    EXPECT_EQ(own.settings.retries, 0);
-    EXPECT_EQ(own.settings.gap, 8);
+    EXPECT_EQ(own.result.baud, 9600);
+    EXPECT_EQ(own.result.parity, 'N');
+    EXPECT_EQ(own.result.stop_bits, 2);
+    EXPECT_EQ(own.result.unit, 17);
+    EXPECT_TRUE(own.result.is_low_word_first);
+    EXPECT_EQ(own.result.timeout.count(), 1000);
+    EXPECT_EQ(own.result.retries, 0);
+    EXPECT_EQ(own.result.gap, 8);
 }
 
 TEST(ModbusSettings, MistakesAreReported) {
@@ -86,7 +75,7 @@ TEST(ModbusSettings, MistakesAreReported) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.options);
-        EXPECT_EQ(Read_settings(c.options).error, c.error);
+        EXPECT_EQ(read_settings(c.options).error, c.error);
     }
 }
 

@@ -8,12 +8,12 @@
 #include <fstream>
 #include <thread>
 
-#include <frontpanel_drivers/driven_device.h>
 #include "support/fake_server.h"
 #include "support/folder.h"
 #include "support/helper_process.h"
+#include "support/noting_sink.h"
 #include "topic_source.h"
-#include "unit/drivers/cache_fixture.h"
+#include "unit/drivers/menu_fixture.h"
 
 namespace support {
 namespace {
@@ -123,25 +123,6 @@ private:
     Lines m_messages;
 };
 
-class Line_sink : public Value_sink {
-public:
-    void value(std::size_t number, const Parameter_value& value) override {
-        m_lines.push_back(std::to_string(number) + "=" + text_of(value));
-    }
-    void failure(std::size_t number, const std::string& reason) override {
-        m_lines.push_back(std::to_string(number) + ": " + reason);
-    }
-    Lines lines() const { return m_lines; }
-
-private:
-    Lines m_lines;
-};
-
-std::string text_of(const Driver_result& result) {
-    const char* const kinds[] = {"done", "refused: ", "timed out: ", "away: ", "passed on"};
-    return kinds[result.kind] + result.reason;
-}
-
 class Mqtt_driver_test : public testing::Test {
 protected:
     void load(const std::string& options, const Lines& sources, const std::string& folder = "") {
@@ -163,15 +144,15 @@ protected:
     }
     // What has arrived, when it is `count` values or failures; or how waiting for them ended.
     Lines wait_for(std::size_t count) {
-        Line_sink sink;
+        Noting_sink sink;
         const auto end = std::chrono::steady_clock::now() + 20s;
-        while (sink.lines().size() < count && std::chrono::steady_clock::now() < end) {
+        while (sink.count() < count && std::chrono::steady_clock::now() < end) {
             const Driver_result result = m_driver->wait(100ms, -1, sink);
             if (result.kind != Driver_result::DONE) {
                 return {text_of(result)};
             }
         }
-        return sink.lines();
+        return sink.take();
     }
 
     std::unique_ptr<Driver> m_driver;
@@ -579,31 +560,12 @@ TEST_F(Fake_broker_test, ABrokerThatHangsUpIsAskedForTheOtherProtocol) {
 
 // ---- in a menu file
 
-class Mqtt_menu_test : public testing::Test {
+class Mqtt_menu_test : public Driver_menu_test {
 protected:
-    void load(const std::string& driver, const std::string& parameters, bool has_threads = false) {
-        m_text = R"({"device": {"drivers": {"home": {"driver": "mqtt", "host": "127.0.0.1")" +
-                 driver + R"(}}, "parameters": [)" + parameters + "]}}";
-        m_document.emplace(m_source, m_text);
-        Device_cache_settings settings;
-        settings.has_threads = has_threads;
-        settings.clock = [clock = m_clock] { return clock->now(); };
-        m_device.emplace(Json_value(m_document->root(), m_problems), m_problems,
-                         Driver_table{&mqtt_driver_row()}, "/nowhere", m_others, settings);
-    }
-    static std::string number(std::uint32_t pid, const std::string& name,
-                              const std::string& source) {
-        return R"({"pid": )" + std::to_string(pid) + R"(, "name": ")" + name +
-               R"(", "type": "integer", "min": -1000, "max": 1000, "source": {)" + source + "}}";
-    }
-    Lines problems() const {
-        Lines lines = m_problems.errors();
-        const Lines warnings = m_problems.warnings();
-        lines.insert(lines.end(), warnings.begin(), warnings.end());
-        for (std::string& line : lines) {
-            line = line.substr(line.find(": ") + 2);
-        }
-        return lines;
+    void load(const std::string& driver, const std::string& parameters, Work work = Work::STEPS) {
+        load_menu({&mqtt_driver_row()}, "/nowhere",
+                  R"({"home": {"driver": "mqtt", "host": "127.0.0.1")" + driver + "}}", parameters,
+                  work);
     }
     // Lets the driver work until the parameter is fresh, or for a long time.
     Freshness step_until(Freshness wanted, milliseconds pace = 100ms) {
@@ -616,14 +578,6 @@ protected:
         } while (cache.state(1, 0)->freshness != wanted && std::chrono::steady_clock::now() < end);
         return cache.state(1, 0)->freshness;
     }
-
-    Source m_source{"menu.json", 0};
-    std::string m_text;
-    Problems m_problems;
-    std::optional<Json_document> m_document;
-    Fake_device m_others;
-    std::shared_ptr<Test_clock> m_clock = std::make_shared<Test_clock>();
-    std::optional<Driven_device> m_device;
 };
 
 TEST_F(Mqtt_menu_test, MistakesAreReportedWithTheNearestName) {
@@ -652,7 +606,7 @@ TEST_F(Mqtt_menu_test, AFloodOfMessagesWakesTheMenuNowAndThen) {
     }
     load(R"(, "port": )" + broker.port(),
          R"({"pid": 1, "type": "integer", "min": 0, "max": 10000, "source": {"topic": "level"}})",
-         true);
+         Work::THREADS);
     ASSERT_EQ(problems(), Lines{});
     Device_cache& cache = m_device->cache();
     cache.start();

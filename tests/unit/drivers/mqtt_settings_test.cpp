@@ -6,33 +6,22 @@
 #include <fstream>
 #include <string>
 
-#include <frontpanel_base/json_document.h>
 #include "support/folder.h"
+#include "support/made_of_json.h"
 
 namespace frontpanel {
 namespace {
 
-struct Read_settings {
-    explicit Read_settings(const std::string& text) {
-        const Source file{"menu.json", 0};
-        const Json_document document(file, text);
-        Problems problems;
-        try {
-            settings = mqtt_settings_of(Json_value(document.root(), problems), "menus");
-        } catch (const Placed_error& thrown) {
-            error = thrown.what();
-            error = error.substr(error.find(": ") + 2);
-        }
-    }
-    Mqtt_settings settings;
-    std::string error;
-};
+support::Made_of_json<Mqtt_settings> read_settings(const std::string& text) {
+    return {text, [](const Json_value& value) { return mqtt_settings_of(value, "menus"); }};
+}
 
 TEST(MqttSettings, FilesAreNamedRelativeToTheMenu) {
-    const Read_settings read(R"({"host": "::1", "login": "login.txt", "ca": "/etc/ca.pem"})");
+    const auto read =
+        read_settings(R"({"host": "::1", "login": "login.txt", "ca": "/etc/ca.pem"})");
     EXPECT_EQ(read.error, "");
-    EXPECT_EQ(read.settings.login, "menus/login.txt");
-    EXPECT_EQ(read.settings.ca, "/etc/ca.pem");
+    EXPECT_EQ(read.result.login, "menus/login.txt");
+    EXPECT_EQ(read.result.ca, "/etc/ca.pem");
 }
 
 TEST(MqttSettings, AFileThatCannotBeReadIsAFault) {
@@ -50,9 +39,9 @@ TEST(MqttSettings, AFileThatCannotBeReadIsAFault) {
 }
 
 TEST(MqttSettings, EncryptionHasAPortOfItsOwn) {
-    EXPECT_EQ(Read_settings(R"({"host": "127.0.0.1"})").settings.port, 1883);
-    EXPECT_EQ(Read_settings(R"({"host": "127.0.0.1", "ca": "a"})").settings.port, 8883);
-    EXPECT_EQ(Read_settings(R"({"host": "127.0.0.1", "ca": "a", "port": 1})").settings.port, 1);
+    EXPECT_EQ(read_settings(R"({"host": "127.0.0.1"})").result.port, 1883);
+    EXPECT_EQ(read_settings(R"({"host": "127.0.0.1", "ca": "a"})").result.port, 8883);
+    EXPECT_EQ(read_settings(R"({"host": "127.0.0.1", "ca": "a", "port": 1})").result.port, 1);
 }
 
 TEST(MqttSettings, MistakesAreReported) {
@@ -74,7 +63,7 @@ TEST(MqttSettings, MistakesAreReported) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.options);
-        EXPECT_EQ(Read_settings(c.options).error, c.error);
+        EXPECT_EQ(read_settings(c.options).error, c.error);
     }
 }
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include <frontpanel_base/json_document.h>
+#include "support/made_of_json.h"
 
 namespace frontpanel {
 namespace {
@@ -22,27 +22,15 @@ Modbus_settings over_tcp() {
     return settings;
 }
 
-// A source, or the error in it without its place.
-struct Read_source {
-    explicit Read_source(const std::string& text, const Modbus_settings& settings = over_tcp()) {
-        const Source file{"menu.json", 0};
-        const Json_document document(file, text);
-        Problems problems;
-        try {
-            place = register_place_of(Json_value(document.root(), problems), settings);
-        } catch (const Placed_error& thrown) {
-            error = thrown.what();
-            error = error.substr(error.find(": ") + 2);
-        }
-    }
-    Register_place place;
-    std::string error;
-};
+support::Made_of_json<Register_place> read_source(const std::string& text,
+                                                  const Modbus_settings& settings = over_tcp()) {
+    return {text, [&](const Json_value& value) { return register_place_of(value, settings); }};
+}
 
 Register_place place_of(const std::string& text) {
-    const Read_source source(text);
+    const auto source = read_source(text);
     EXPECT_EQ(source.error, "");
-    return source.place;
+    return source.result;
 }
 
 constexpr const char* LARGEST = "2147483647";
@@ -145,13 +133,13 @@ TEST(RegisterPlace, SourcesTakeUnitAndOrderOfWordsFromTheirDriver) {
     Modbus_settings settings;
     settings.unit = 9;
     settings.is_low_word_first = true;
-    const Read_source plain(R"({"holding": 1, "type": "uint32"})", settings);
-    EXPECT_EQ(plain.place.range.unit, 9);
-    EXPECT_TRUE(plain.place.is_low_word_first);
-    const Read_source own(R"({"holding": 1, "type": "uint32", "unit": 4, "words": "high-first"})",
-                          settings);
-    EXPECT_EQ(own.place.range.unit, 4);
-    EXPECT_FALSE(own.place.is_low_word_first);
+    const auto plain = read_source(R"({"holding": 1, "type": "uint32"})", settings);
+    EXPECT_EQ(plain.result.range.unit, 9);
+    EXPECT_TRUE(plain.result.is_low_word_first);
+    const auto own = read_source(
+        R"({"holding": 1, "type": "uint32", "unit": 4, "words": "high-first"})", settings);
+    EXPECT_EQ(own.result.range.unit, 4);
+    EXPECT_FALSE(own.result.is_low_word_first);
 }
 
 TEST(RegisterPlace, MistakesAreReported) {
@@ -178,7 +166,7 @@ TEST(RegisterPlace, MistakesAreReported) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.source);
-        EXPECT_EQ(Read_source(c.source).error, c.error);
+        EXPECT_EQ(read_source(c.source).error, c.error);
     }
 }
 

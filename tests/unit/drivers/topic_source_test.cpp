@@ -4,32 +4,21 @@
 
 #include <string>
 
-#include <frontpanel_base/json_document.h>
+#include "support/made_of_json.h"
 
 namespace frontpanel {
 namespace {
 
-// A source of its members beside "topic", or the errors in it without their places.
-struct Read_source {
-    explicit Read_source(const std::string& members, bool is_text = false) {
-        const Source file{"menu.json", 0};
-        const std::string text = R"({"topic": "a/b")" + members + "}";
-        const Json_document document(file, text);
-        Problems problems;
-        problems.attempt(
-            [&] { source = topic_source_of(Json_value(document.root(), problems), {}, is_text); });
-        for (const std::string& line : problems.errors()) {
-            error += line.substr(line.find(": ") + 2);
-        }
-    }
-    Topic_source source;
-    std::string error;
-};
+// A source of its members beside "topic".
+support::Made_of_json<Topic_source> read_source(const std::string& members, bool is_text = false) {
+    return {R"({"topic": "a/b")" + members + "}",
+            [is_text](const Json_value& value) { return topic_source_of(value, {}, is_text); }};
+}
 
 Topic_source source_of(const std::string& members, bool is_text = false) {
-    const Read_source read(members, is_text);
+    const auto read = read_source(members, is_text);
     EXPECT_EQ(read.error, "");
-    return read.source;
+    return read.result;
 }
 
 std::string shown(const std::variant<Parameter_value, No_value>& value) {
@@ -171,9 +160,9 @@ TEST(TopicSource, MistakesAreReported) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.members);
-        EXPECT_EQ(Read_source(c.members).error, c.error);
+        EXPECT_EQ(read_source(c.members).error, c.error);
     }
-    EXPECT_EQ(Read_source(R"(, "scale": "2")", true).error, R"("scale" is for numbers)");
+    EXPECT_EQ(read_source(R"(, "scale": "2")", true).error, R"("scale" is for numbers)");
 }
 
 }  // namespace
