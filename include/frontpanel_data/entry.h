@@ -310,6 +310,7 @@ protected:
     Data_access m_access_orig;
     bool flag_access_changed;
     char m_name[25];
+    FRONTPANEL_DATA_IN_GAP(uint32_t m_list = 0)
     const char* m_description;  // owned, allocated with new[]
     uint32_t m_pid;
     int32_t m_shortcut;
@@ -334,6 +335,11 @@ protected:
         m_entry_mutex;  // guards the static child list; a child's is locked before its parent's
     Binding* binding;   // owned
     bool bindRefreshIsLocked;
+
+private:
+    bool m_visibility_asked = false;  // `isVisible` is being asked: ends circles through links
+protected:
+    FRONTPANEL_DATA_IN_GAP(uint32_t m_listed_in = 0)
     std::map<int, ShortcutS>* shortcuts_map;  // not owned
     char identification_string[128];
 
@@ -341,34 +347,35 @@ private:
     friend class Visibility_question;  // asks the entries below without recursion
     friend class Printing;             // prints the entries below without recursion
 
-    void attach_at_construction(const char* name, int visible, Data_entry* parent);
-    void unlink(Data_entry& child);
-    bool holds(const Data_entry& child) const;
-    Data_entry* last_child() const;
-    Data_entry* end_of_circle(Data_entry* inside) const;
-    void join_neighbours_of(const Data_entry& child);
+    FRONTPANEL_DATA_LOCAL void attach_at_construction(const char* name, int visible,
+                                                      Data_entry* parent);
+    FRONTPANEL_DATA_LOCAL void unlink(Data_entry& child);
+    FRONTPANEL_DATA_LOCAL bool holds(const Data_entry& child) const;
+    FRONTPANEL_DATA_LOCAL Data_entry* last_child() const;
+    FRONTPANEL_DATA_LOCAL Data_entry* end_of_circle(Data_entry* inside) const;
+    FRONTPANEL_DATA_LOCAL void join_neighbours_of(const Data_entry& child);
     FRONTPANEL_DATA_LOCAL void append(Data_entry& child);
     FRONTPANEL_DATA_LOCAL bool neighbours_agree(const Data_entry& child) const;
     FRONTPANEL_DATA_LOCAL bool is_list_remembered() const;
     FRONTPANEL_DATA_LOCAL bool is_in_remembered_list() const;
     FRONTPANEL_DATA_LOCAL void remember_list();
-    void apply_access_suggestion();
-    void apply_set_suggestion(Data_interface* iface);
-    void refresh_for_visibility(Data_interface* iface);
+    FRONTPANEL_DATA_LOCAL void apply_access_suggestion();
+    FRONTPANEL_DATA_LOCAL void apply_set_suggestion(Data_interface* iface);
+    FRONTPANEL_DATA_LOCAL void refresh_for_visibility(Data_interface* iface);
     FRONTPANEL_DATA_LOCAL bool asks_its_children(bool if_control_refresh) const;
     FRONTPANEL_DATA_LOCAL int visibility_alone(bool if_control_refresh,
                                                Data_interface* pDataAccessInf);
     FRONTPANEL_DATA_LOCAL int conclude_visibility(bool if_control_refresh,
                                                   Data_interface* pDataAccessInf,
                                                   bool shows_something, bool asked_again);
-    bool option_holds(const std::string& option);
-    bool instance_within(int limit) const;
+    FRONTPANEL_DATA_LOCAL bool option_holds(const std::string& option);
+    FRONTPANEL_DATA_LOCAL bool instance_within(int limit) const;
 
-    bool m_visibility_asked;  // `isVisible` is being asked: ends circles through links
-    // The child list as it was walked last (child_list.cpp). 0 is the number of no list.
-    uint32_t m_listed_in;      // number of the list that this entry is a child of
-    uint32_t m_list;           // number of this entry's own list
-    Data_entry* m_last_child;  // of this entry's own list, while it is remembered
+    // The child list as it was walked last (child_list.cpp): `m_listed_in` is the number of the list that this entry is a
+    // child of and `m_list` that of its own list, 0 for none, and this is the last child of its own list.
+    Data_entry* m_last_child = nullptr;
+    FRONTPANEL_DATA_WITHOUT_GAP(uint32_t m_listed_in = 0)
+    FRONTPANEL_DATA_WITHOUT_GAP(uint32_t m_list = 0)
 };
 
 // A submenu. It has no value: the value operations return INVALID and do nothing.

@@ -157,11 +157,17 @@ protected:
     int m_size;       // visible options
     int m_size_enum;  // all keys
     int m_size_visible;
-    Integer_model m_model;                   // the stored key
-    std::map<int, int> map_enum_to_options;  // key to visible position, -1 when hidden
+    FRONTPANEL_DATA_IN_GAP(int m_text_count = 0)  // texts in `m_value`
+    Integer_model m_model;                        // the stored key
+    std::map<int, int> map_enum_to_options;       // key to visible position, -1 when hidden
     std::map<int, std::vector<std::string>> control_options;
     ControlsT cached_binding_controls;  // the keys that the binding last allowed
     bool m_active;
+
+private:
+    bool m_owns_texts = false;           // `m_value` came from a card
+    bool m_reported_lists_only = false;  // `control_options` was empty until a report filled it
+protected:
     int m_min;  // smallest and largest visible position
     int m_max;
     int m_min_enum;  // smallest and largest allowed key
@@ -176,30 +182,28 @@ protected:
     static uint32_t dynamic_counter;
 
 private:
-    bool is_option(int key) const;
-    int current_selection();
-    int position_of_stored(int key);
-    int refresh_entry(Data_interface* pDataAccessInf, bool eval_binding);
-    void leave_hidden_option(Data_interface* pDataAccessInf);
-    bool is_live_data() const;
-    bool is_locked_live_data() const;
-    void refresh_live_data();
-    void fetch_live_data(int web_type, int panel_type);
-    void adopt_live_data(char** texts, int size, int selection);
-    int commit_live_data();
-    void free_owned_texts();
-    bool has_control_options() const;
-    bool is_key_shown(int key, const std::vector<std::string>& options);
-    void show_all_options();
-    void number_options(const ControlsT& common, bool all_visible);
+    FRONTPANEL_DATA_LOCAL bool is_option(int key) const;
+    FRONTPANEL_DATA_LOCAL int current_selection();
+    FRONTPANEL_DATA_LOCAL int position_of_stored(int key);
+    FRONTPANEL_DATA_LOCAL int refresh_entry(Data_interface* pDataAccessInf, bool eval_binding);
+    FRONTPANEL_DATA_LOCAL void leave_hidden_option(Data_interface* pDataAccessInf);
+    FRONTPANEL_DATA_LOCAL bool is_live_data() const;
+    FRONTPANEL_DATA_LOCAL bool is_locked_live_data() const;
+    FRONTPANEL_DATA_LOCAL void refresh_live_data();
+    FRONTPANEL_DATA_LOCAL void fetch_live_data(int web_type, int panel_type);
+    FRONTPANEL_DATA_LOCAL void adopt_live_data(char** texts, int size, int selection);
+    FRONTPANEL_DATA_LOCAL int commit_live_data();
+    FRONTPANEL_DATA_LOCAL void free_owned_texts();
+    FRONTPANEL_DATA_LOCAL bool has_control_options() const;
+    FRONTPANEL_DATA_LOCAL bool is_key_shown(int key, const std::vector<std::string>& options);
+    FRONTPANEL_DATA_LOCAL void show_all_options();
+    FRONTPANEL_DATA_LOCAL void number_options(const ControlsT& common, bool all_visible);
     FRONTPANEL_DATA_LOCAL void index_positions();
     FRONTPANEL_DATA_LOCAL int first_key_at(int position);
 
     struct Keys_by_position;
 
-    int m_text_count;            // texts in `m_value`
-    bool m_owns_texts;           // `m_value` came from a card
-    bool m_reported_lists_only;  // `control_options` was empty until a report filled it
+    FRONTPANEL_DATA_WITHOUT_GAP(int m_text_count = 0)
     // Of `map_enum_to_options` while it is large.
     std::unique_ptr<Keys_by_position> m_keys_by_position;
 };

@@ -2,7 +2,8 @@
 // common one.
 //
 // Every unit that includes this header builds a set of the objects of its own before `main` (or when its
-// library is loaded) and destroys it afterwards, in reverse order; until then any thread may read them.
+// library is loaded) and destroys it afterwards, in reverse order; until then any thread may read them. A unit
+// that needs the classes alone defines FRONTPANEL_DATA_WITHOUT_MESSAGE_OBJECTS before it includes this header.
 #ifndef FRONTPANEL_DATA_FRONT_PANEL_MESSAGES_H
 #define FRONTPANEL_DATA_FRONT_PANEL_MESSAGES_H
 
@@ -176,6 +177,7 @@ public:
     ~GenericInvalidMessage() override;
 };
 
+#ifndef FRONTPANEL_DATA_WITHOUT_MESSAGE_OBJECTS
 // The order is the order in which a unit builds them.
 const HeartBeatMessage HeartBeat;
 const AckMessage Ack;
@@ -194,6 +196,7 @@ const UserInputTimeoutMessage UserInputTimeout;
 const SelectPressMessageClass SelectPressMessage;
 const EscapePressMessageClass EscapePressMessage;
 const GenericInvalidMessage GenericInvalid;
+#endif
 
 }  // namespace FrontPanel
 

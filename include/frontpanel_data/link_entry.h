@@ -215,11 +215,11 @@ private:
 
     FRONTPANEL_DATA_LOCAL int toggle_visibility();
     FRONTPANEL_DATA_LOCAL int visibility(int toggle_vis, bool housed_is_visible) const;
-    Data_entry& housed() const;
-    Data_entry* enter_mounted_menu();
-    Data_entry* leave_mounted_menu();
-    bool record_key(const std::string& name);
-    bool put_in_values(std::string& expression);
+    FRONTPANEL_DATA_LOCAL Data_entry& housed() const;
+    FRONTPANEL_DATA_LOCAL Data_entry* enter_mounted_menu();
+    FRONTPANEL_DATA_LOCAL Data_entry* leave_mounted_menu();
+    FRONTPANEL_DATA_LOCAL bool record_key(const std::string& name);
+    FRONTPANEL_DATA_LOCAL bool put_in_values(std::string& expression);
 };
 
 #pragma GCC diagnostic pop

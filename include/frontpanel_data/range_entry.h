@@ -150,8 +150,8 @@ protected:
     range_s optionRangeOutcome;         // the application's; starts empty
 
 private:
-    bool is_allowed_by_options(const range_s& range);
-    int correct_value(int value, Data_interface* pDataAccessInf);
+    FRONTPANEL_DATA_LOCAL bool is_allowed_by_options(const range_s& range);
+    FRONTPANEL_DATA_LOCAL int correct_value(int value, Data_interface* pDataAccessInf);
 };
 
 #pragma GCC diagnostic pop

@@ -71,9 +71,10 @@ protected:
     bool string_entry_refresh;  // the address entry has been refreshed
 
 private:
-    void refresh_address(Data_interface* pDataAccessInf, bool eval_binding);
-    int refresh_lines(Data_interface& iface, bool remote, int selected, int selected_line);
-    int slot_count() const;
+    FRONTPANEL_DATA_LOCAL void refresh_address(Data_interface* pDataAccessInf, bool eval_binding);
+    FRONTPANEL_DATA_LOCAL int refresh_lines(Data_interface& iface, bool remote, int selected,
+                                            int selected_line);
+    FRONTPANEL_DATA_LOCAL int slot_count() const;
 };
 
 #pragma GCC diagnostic pop

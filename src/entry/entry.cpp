@@ -120,11 +120,7 @@ Data_entry::Data_entry(const char* name, const char* description, unsigned int p
       binding(nullptr),
       bindRefreshIsLocked(false),
       shortcuts_map(nullptr),
-      identification_string(),
-      m_visibility_asked(false),
-      m_listed_in(0),
-      m_list(0),
-      m_last_child(nullptr) {
+      identification_string() {
     if (visible >= 0) {
         FRONTPANEL_ASSERT(name && description && index, "name&&description&&index");
     }

@@ -74,14 +74,12 @@ Enum_entry::Enum_entry(const char* name, const char* description, unsigned int p
       m_webType(wType),
       m_panelType(pType),
       m_LiveDataProcessor(liveDataProcessor),
-      m_text_count(static_cast<int>(enum_size)),
-      m_owns_texts(false),
-      m_reported_lists_only(false),
       m_keys_by_position() {
     FRONTPANEL_ASSERT(min >= 0, "min>=0");
     FRONTPANEL_ASSERT(static_cast<unsigned int>(max) <= enum_size, "(unsigned)max<=enum_size");
     FRONTPANEL_ASSERT(enum_array, "enum_array");
     FRONTPANEL_ASSERT(*enum_array, "*enum_array");
+    m_text_count = static_cast<int>(enum_size);
     Enum_entry::updateControlOptionMap();
     Data_entry::Set_access_type(access);
 }

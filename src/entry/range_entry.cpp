@@ -72,6 +72,15 @@ range_s intersection(const range_s& allowed, const range_s& suggested) {
             {}};
 }
 
+// Without room that is not used: every number of a menu has such lists.
+void store(std::vector<range_s>& list, const std::vector<range_s>& ranges) {
+    if (list.capacity() == ranges.size()) {
+        list = ranges;
+    } else {
+        list = std::vector<range_s>(ranges);
+    }
+}
+
 std::string report(const range_s& range) {
     std::string text =
         " [" + std::to_string(range.min_inclusive) + ", " + std::to_string(last_of(range)) + "] ";
@@ -259,6 +268,7 @@ int Range_entry::evaluateOptions() {
               "Range Control Option: ranges before [%d]\n",
               static_cast<int>(valid_ranges_and_values.size()));
     std::vector<range_s> allowed;
+    allowed.reserve(valid_ranges_and_values.size());
     Span span;
     for (const range_s& range : valid_ranges_and_values) {
         if (!is_allowed_by_options(range)) {
@@ -269,8 +279,8 @@ int Range_entry::evaluateOptions() {
     }
     m_min = span.min;
     m_max = span.max;
-    valid_ranges_and_values = std::move(allowed);
-    valid_ranges_and_values_ANDED = valid_ranges_and_values;
+    store(valid_ranges_and_values, allowed);
+    store(valid_ranges_and_values_ANDED, allowed);
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "evaluateOptions",
               "Range Control Option: ranges after [%d]\n",
               static_cast<int>(valid_ranges_and_values.size()));

@@ -1,3 +1,5 @@
+// Nobody reads objects of this unit.
+#define FRONTPANEL_DATA_WITHOUT_MESSAGE_OBJECTS
 #include <frontpanel_data/front_panel_messages.h>
 
 #include <algorithm>
