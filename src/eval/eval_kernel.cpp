@@ -313,7 +313,7 @@ bool Kernel::reduce(State state) {
         case KEEP:
             return true;
         case POWER:
-            m_value = std::pow(cell.real, right);
+            m_value = power(cell.real, right);
             return true;
         case ALTERNATIVE:
             choose();

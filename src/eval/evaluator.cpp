@@ -56,6 +56,35 @@ Position find_by_name(const Entry* table, int size, const char* name) {
     return {low, false};
 }
 
+// Where the functions with each first letter begin in the table, which is in the order of their names.
+struct Function_index {
+    unsigned char start['z' - 'a' + 2];
+};
+
+constexpr Function_index make_function_index() {
+    constexpr char FIRST_LETTERS[] = "aaaacceffllssstt";
+    static_assert(sizeof FIRST_LETTERS - 1 == FUNCTION_COUNT);
+    Function_index index{};
+    for (int letter = 0, at = 0; letter <= 'z' - 'a' + 1; ++letter) {
+        while (at < FUNCTION_COUNT && FIRST_LETTERS[at] - 'a' < letter)
+            ++at;
+        index.start[letter] = static_cast<unsigned char>(at);
+    }
+    return index;
+}
+
+constexpr Function_index FUNCTION_INDEX = make_function_index();
+
+// Null if there is none of this name.
+const FunctionDescriptor* find_function(const char* name) {
+    const int letter = *name - 'a';
+    if (letter < 0 || letter > 'z' - 'a') return nullptr;
+    for (int i = FUNCTION_INDEX.start[letter]; i < FUNCTION_INDEX.start[letter + 1]; ++i) {
+        if (compare_names(name, functionTable[i].name) == 0) return &functionTable[i];
+    }
+    return nullptr;
+}
+
 const char* pop_name(int length) {
     *charStackTop = '\0';
     charStackTop -= length;
@@ -133,8 +162,8 @@ double* locateVariable(int nameLength) {
 double callFunction(int nameLength, int argCount) {
     const char* name = pop_name(nameLength);
     argStackTop -= argCount;
-    const Position position = find_by_name(functionTable, FUNCTION_COUNT, name);
-    if (position.found) return functionTable[position.index].function(argCount, argStackTop);
+    const FunctionDescriptor* const called = find_function(name);
+    if (called != nullptr) return called->function(argCount, argStackTop);
     raise("Unknown Function");
     return 0.0;
 }

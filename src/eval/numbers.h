@@ -9,6 +9,26 @@
 
 namespace eval {
 
+// As `std::pow`, to the bit. Whole powers of whole numbers that a double holds exactly are the same by whatever way they
+// are worked out, and multiplying is quicker: the last product is the largest, so that one that is exact followed exact
+// ones.
+inline double power(double base, double exponent) {
+    constexpr double MAX_EXACT = 9007199254740992.0;  // 2 to the power of 53
+    constexpr double MAX_BASE = 94906265.0;           // the largest whose square is not above it
+    const bool may_be_exact = exponent >= 2.0 && exponent <= 53.0 && std::fabs(base) >= 1.0 &&
+                              std::fabs(base) <= MAX_BASE;
+    if (!may_be_exact || static_cast<int>(base) != base) return std::pow(base, exponent);
+    auto left = static_cast<unsigned>(exponent);
+    if (left != exponent) return std::pow(base, exponent);
+    double result = 1.0;
+    for (double factor = base;; factor *= factor) {
+        if ((left & 1) != 0) result *= factor;
+        left >>= 1;
+        if (left == 0) break;
+    }
+    return std::fabs(result) <= MAX_EXACT ? result : std::pow(base, exponent);
+}
+
 // How a number ended: complete, or with a character where a digit, or an exponent, had to be.
 enum class Number_end { COMPLETE, NO_DIGIT, NO_EXPONENT };
 

@@ -1,6 +1,7 @@
 // The expression language by examples: what each source leaves in a variable.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -12,6 +13,7 @@
 namespace {
 
 using evaluation::bits_of;
+using evaluation::evaluate;
 using evaluation::outcome_of;
 using evaluation::value_of;
 
@@ -404,6 +406,41 @@ TEST(Evaluator_language, PowersAssociateToTheRightAndTakeASignedExponent) {
     });
     EXPECT_EQ(outcome_of("r = (-8) ** 0.5"), "ok");
     EXPECT_TRUE(std::isnan(value_of("r").value()));
+}
+
+TEST(Evaluator_language, PowersHaveTheBitsOfTheMathematicsLibrary) {
+    std::vector<double> bases = {4503599627370496.0,
+                                 94906265.0,
+                                 94906266.0,
+                                 94906267.0,
+                                 67108864.0,
+                                 208063.0,
+                                 208064.0,
+                                 9741.0,
+                                 2097151.0,
+                                 1e15,
+                                 1e300,
+                                 0.0,
+                                 0.1};
+    for (int half = 1; half < 200; ++half) {
+        bases.push_back(half / 2.0);
+    }
+    evaluate("b = 0; n = 0");
+    const auto find = [](const std::string& name) {
+        return std::find_if(variable, variable + nVariables,
+                            [&](const VariableDescriptor& each) { return name == each.name; });
+    };
+    for (const double base : bases) {
+        for (const double sign : {1.0, -1.0}) {
+            for (int half = -8; half <= 130; ++half) {
+                find("b")->value = sign * base;
+                find("n")->value = half / 2.0;
+                ASSERT_EQ(evaluate("r = b ** n"), 0);
+                ASSERT_EQ(bits_of(find("r")->value), bits_of(std::pow(sign * base, half / 2.0)))
+                    << sign * base << " ** " << half / 2.0;
+            }
+        }
+    }
 }
 
 TEST(Evaluator_language, FunctionsComputeWhatTheMathematicsLibraryDoes) {
