@@ -5,7 +5,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 #include <rapidjson/document.h>
@@ -51,16 +53,20 @@ std::string tree(int nodes) {
     return text + "}";
 }
 
+void parse_bare(const char* path, rapidjson::Document& document) {
+    std::FILE* const stream = std::fopen(path, "r");
+    char buffer[16384];
+    rapidjson::FileReadStream input(stream, buffer, sizeof buffer);
+    document.ParseStream<rapidjson::kParseIterativeFlag>(input);
+    std::fclose(stream);
+    benchmark::DoNotOptimize(document.IsObject());
+}
+
 void read_bare(benchmark::State& state, const std::string& text) {
     Document_file file(text);
     for (auto _ : state) {
-        std::FILE* const stream = std::fopen(file.path(), "r");
-        char buffer[16384];
-        rapidjson::FileReadStream input(stream, buffer, sizeof buffer);
         rapidjson::Document document;
-        document.ParseStream<rapidjson::kParseIterativeFlag>(input);
-        std::fclose(stream);
-        benchmark::DoNotOptimize(document.IsObject());
+        parse_bare(file.path(), document);
     }
 }
 
@@ -80,6 +86,28 @@ void read_tree_bare(benchmark::State& state) {
     read_bare(state, tree(static_cast<int>(state.range(0))));
 }
 
+// With the nodes that a tree consists of by contract, which nobody fills in.
+void read_tree_bare_with_nodes(benchmark::State& state) {
+    Document_file file(tree(static_cast<int>(state.range(0))));
+    for (auto _ : state) {
+        rapidjson::Document document;
+        parse_bare(file.path(), document);
+        std::vector<std::unique_ptr<LiveJSDataParser::treenode>> nodes;
+        for (int64_t i = 0; i < state.range(0); ++i) {
+            nodes.emplace_back(new LiveJSDataParser::treenode);
+        }
+        benchmark::DoNotOptimize(nodes.data());
+    }
+}
+
+void read_tree_without_list(benchmark::State& state) {
+    Document_file file(tree(static_cast<int>(state.range(0))));
+    for (auto _ : state) {
+        LiveJSDataParser parser(file.path(), LiveJSDataParser::TREE, 0);
+        benchmark::DoNotOptimize(parser.parseTree());
+    }
+}
+
 void read_tree(benchmark::State& state) {
     Document_file file(tree(static_cast<int>(state.range(0))));
     for (auto _ : state) {
@@ -90,7 +118,9 @@ void read_tree(benchmark::State& state) {
 
 BENCHMARK(read_combo_box_bare)->Arg(8)->Arg(1000)->Arg(20000);
 BENCHMARK(read_combo_box)->Arg(8)->Arg(1000)->Arg(20000);
-BENCHMARK(read_tree_bare)->Arg(8)->Arg(1000)->Arg(20000);
-BENCHMARK(read_tree)->Arg(8)->Arg(1000)->Arg(20000);
+BENCHMARK(read_tree_bare)->Arg(8)->Arg(1000)->Arg(60000);
+BENCHMARK(read_tree_bare_with_nodes)->Arg(8)->Arg(1000)->Arg(60000);
+BENCHMARK(read_tree_without_list)->Arg(8)->Arg(1000)->Arg(60000);
+BENCHMARK(read_tree)->Arg(8)->Arg(1000)->Arg(60000);
 
 }  // namespace
