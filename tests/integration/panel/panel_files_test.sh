@@ -155,8 +155,9 @@ script -qefc "echo \$\$ >process; exec '$PANEL' --menu menu.json --state values"
 terminal=$!
 exec 3>keys
 edit_at_terminal "" >&3
+deadline=$((SECONDS + 60))
 until grep -q '"integer":5' values; do
-    [ "$SECONDS" -lt 60 ] || break
+    [ "$SECONDS" -lt "$deadline" ] || break
     sleep 0.02
 done
 kill -s TERM "$(cat process)"

@@ -228,7 +228,7 @@ wait_for "no terminal type is not refused" screen_has "status 2 of none"
 screen_has 'frontpanel: terminal type "" is not known' || fail "no reason for no terminal type"
 
 # With standard error closed the panel runs as ever.
-terminal send-keys "clear; '$PANEL' 2>&-; echo status \$? of closed" Enter
+terminal send-keys "clear; '$PANEL' --still 2>&-; echo status \$? of closed" Enter
 wait_for "the panel needs standard error" shows_line 1 "$HOMESCREEN"
 terminal send-keys q
 wait_for "status with standard error closed" screen_has "status 0 of closed"
@@ -243,7 +243,7 @@ done
 mkdir "$FOLDER/slow"
 printf '#!/bin/sh\ntouch "%s/fetching"\nexec sleep 15\n' "$FOLDER" >"$FOLDER/slow/curl"
 chmod +x "$FOLDER/slow/curl"
-terminal send-keys "clear; stty -g >before; PATH='$FOLDER/slow':\$PATH '$PANEL'" Enter
+terminal send-keys "clear; stty -g >before; PATH='$FOLDER/slow':\$PATH '$PANEL' --still" Enter
 wait_for "the panel with a slow card does not show" shows_line 1 "$HOMESCREEN"
 rm -f "$FOLDER/fetching"
 terminal send-keys 8
