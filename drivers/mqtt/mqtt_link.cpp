@@ -58,12 +58,13 @@ int no_password(char* /*buffer*/, int /*size*/, int /*is_writing*/, void* /*obje
     return 0;
 }
 
-// "OpenSSL Error[0]: error:0A000086:SSL routines::certificate verify failed" without what a person does not need.
+// "OpenSSL Error[0]: error:0A000086:SSL routines::certificate verify failed" and "Error: No such host" without what a
+// person does not need.
 std::string trouble_of(const std::string& logged) {
-    const std::size_t end = logged.find_last_of(':');
-    std::string trouble = logged.substr(end == std::string::npos ? 0 : end + 1);
-    trouble.erase(0, std::min(trouble.find_first_not_of(' '), trouble.size()));
-    return trouble.empty() ? logged : trouble;
+    const bool is_long = logged.rfind("OpenSSL", 0) == 0;
+    const std::size_t end = is_long ? logged.find_last_of(':') : logged.find(": ");
+    const std::size_t begin = logged.find_first_not_of(": ", std::min(end, logged.size()));
+    return begin == std::string::npos ? logged : logged.substr(begin);
 }
 
 }  // namespace
@@ -113,7 +114,8 @@ struct Mqtt_link::Callbacks {
         });
     }
     static void logged(mosquitto* /*client*/, void* object, int level, const char* text) {
-        if (level == MOSQ_LOG_ERR) {
+        // The first error is the cause of the others.
+        if (level == MOSQ_LOG_ERR && link(object).m_trouble.empty()) {
             guarded(object, [&](Mqtt_link& link) { link.m_trouble = trouble_of(text); });
         }
     }

@@ -407,15 +407,33 @@ TEST_F(Mqtt_driver_test, AnEncryptedConnectionIsMadeOnlyToABrokerThatIsKnown) {
     load(options + R"(, "ca": "missing.pem")", {}, folder.path());
     EXPECT_EQ(connect(), "away: \"" + folder.file("missing.pem") + "\": No such file or directory");
     load(options + R"(, "ca": "garbage.pem")", {}, folder.path());
-    EXPECT_EQ(connect().substr(0, 6), "away: ");
+    EXPECT_NE(connect().find("Unable to load CA certificates"), std::string::npos);
     // A key with a password, which nobody is asked for.
     load(options + R"(, "ca": "broker.pem", "cert": "broker.pem", "key": "locked.key")", {},
          folder.path());
-    EXPECT_EQ(connect().substr(0, 6), "away: ");
+    EXPECT_NE(connect().find("Unable to load client key file"), std::string::npos);
     load(options, {}, folder.path());
     EXPECT_EQ(connect().substr(0, 6), "away: ");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(Mqtt_driver_test, ThePanelShowsItsOwnCertificate) {
+    const Folder folder;
+    run("cd " + folder.path() +
+        " && openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=both -addext "
+        "subjectAltName=IP:127.0.0.1 -keyout a.key -out a.pem 2>/dev/null");
+    Broker broker("allow_anonymous true\nrequire_certificate true\ncafile " + folder.file("a.pem") +
+                  "\ncertfile " + folder.file("a.pem") + "\nkeyfile " + folder.file("a.key") +
+                  "\n");
+    if (!broker.is_running()) {
+        GTEST_SKIP() << "no broker without Debian's package mosquitto";
+    }
+    const std::string options = R"(, "ca": "a.pem", "port": )" + broker.port();
+    load(options + R"(, "cert": "a.pem", "key": "a.key")", {}, folder.path());
+    EXPECT_EQ(connect(), "done");
+    load(options, {}, folder.path());
+    EXPECT_EQ(connect().substr(0, 6), "away: ");
 }
 
 TEST_F(Mqtt_driver_test, ACertificateOfAnotherAddressIsRefused) {
