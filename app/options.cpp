@@ -233,7 +233,7 @@ std::variant<Options, int> parse_options(int argc, const char* const* argv, std:
                                          std::ostream& errors) {
     Options options;
     options.menu = shipped_menu();
-    CLI::App app("Shows a device's front-panel menu in the terminal, or plays a script on it.",
+    CLI::App app("Shows a device's front-panel menu on a display or terminal, or plays a script.",
                  "frontpanel");
     describe(app, options);
     try {
