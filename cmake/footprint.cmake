@@ -45,8 +45,11 @@ function(frontpanel_reduce_footprint library)
     if(FRONTPANEL_PACK_RELOCATIONS)
         target_link_options(${library} PRIVATE $<${optimised}:LINKER:-z,pack-relative-relocs>)
     endif()
-    # Code and constants share their pages, since each change of protection pads the file to a page.
-    target_link_options(${library} PRIVATE $<${smallest}:LINKER:-z,noseparate-code>)
+    # Code and constants share their pages, since each change of protection pads the file to a page. Linkers for other
+    # processors do so by themselves, and would pad to pages of 64 KB.
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|i[3-6]86)$")
+        target_link_options(${library} PRIVATE $<${smallest}:LINKER:-z,noseparate-code>)
+    endif()
 
     if(FRONTPANEL_LTO)
         # Tests of private code link the same objects as they were compiled: they replace functions by the linker.
