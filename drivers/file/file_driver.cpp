@@ -3,7 +3,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <map>
 #include <optional>
 #include <utility>
@@ -67,7 +69,7 @@ Line_part part_of_source(const Json_value& source) {
             part.line = static_cast<std::size_t>(line->integer(1, LAST_LINE));
         }
     }
-    part.word = static_cast<std::size_t>(integer_or(source, "word", 0, LAST_WORD, 0));
+    part.word = static_cast<std::size_t>(integer_or(source, "word", 1, LAST_WORD, 0));
     return part;
 }
 
@@ -141,7 +143,7 @@ void deliver_failure(std::size_t number, const Spot& spot, const std::string& fa
     }
 }
 
-void read_spot(std::size_t number, Spot& spot, File_reader& reader, Value_sink& sink) {
+void read_spot(std::size_t number, const Spot& spot, File_reader& reader, Value_sink& sink) {
     const Path_pattern::Found found = spot.path.find(reader);
     if (found.path.empty()) {
         deliver_failure(number, spot, found.failure, found.is_missing, sink);
@@ -160,6 +162,15 @@ void read_spot(std::size_t number, Spot& spot, File_reader& reader, Value_sink& 
     } else {
         deliver_number(number, spot, part.text, sink);
     }
+}
+
+// Why a file cannot be written; empty when it can.
+std::string write_failure(const Path_pattern& path, File_reader& reader) {
+    const Path_pattern::Found found = path.find(reader);
+    if (found.path.empty()) {
+        return found.failure;
+    }
+    return access(found.path.c_str(), W_OK) == 0 ? "" : std::strerror(errno);
 }
 
 std::string text_for(const Spot& spot, const Parameter_value& value) {
@@ -213,8 +224,7 @@ public:
         File_reader reader;
         std::map<std::string, const Spot*> written;
         for (const Spot& spot : m_spots) {
-            Path_pattern path = spot.path;
-            const Path_pattern::Found found = path.find(reader);
+            const Path_pattern::Found found = spot.path.find(reader);
             const bool is_found = !found.path.empty();
             const std::string failure = is_found ? reader.read(found.path).failure : found.failure;
             const bool is_missing =
@@ -223,6 +233,10 @@ public:
                 problems.warn(spot.place, "cannot be read here: " + failure);
             }
             if (spot.write_path) {
+                const std::string refusal = write_failure(*spot.write_path, reader);
+                if (!refusal.empty()) {
+                    problems.warn(spot.place, "cannot be written here: " + refusal);
+                }
                 const auto [first, is_new] = written.emplace(spot.written_to, &spot);
                 if (!is_new) {
                     problems.warn(spot.place, "\"" + first->second->parameter +
@@ -247,7 +261,7 @@ public:
     }
 
     Driver_result write(std::size_t number, const Parameter_value& value) override {
-        Spot& spot = m_spots[number];
+        const Spot& spot = m_spots[number];
         if (spot.written_to.empty()) {
             return Driver_result::refused("a part of a line can only be read");
         }

@@ -1,11 +1,13 @@
 #include "file_reader.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <frontpanel_base/descriptor.h>
 
@@ -14,17 +16,35 @@ namespace {
 
 constexpr int FLAGS = O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
+bool is_pipe(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+// A line that was not read to its end would be another value.
+File_reader::Content whole_lines(std::string text) {
+    const std::size_t end = text.rfind('\n', File_reader::LARGEST - 1);
+    if (end == std::string::npos) {
+        return {"", "the first line is too long"};
+    }
+    text.resize(end + 1);
+    return {std::move(text), ""};
+}
+
 File_reader::Content read_new(const std::string& path) {
+    if (is_pipe(path)) {
+        return {"", "it is a pipe"};  // not opened: its writer would take the panel for its reader
+    }
     const Descriptor file(open(path.c_str(), O_RDONLY | FLAGS));
     if (!file.is_open()) {
         return {"", std::strerror(errno), errno == ENOENT || errno == ENOTDIR};
     }
     File_reader::Content content;
     std::array<char, 4096> piece;
-    while (content.text.size() < File_reader::LARGEST) {
+    while (content.text.size() <= File_reader::LARGEST) {
         const ssize_t size = ::read(file.number(), piece.data(), piece.size());
         if (size == 0) {
-            break;
+            return content;
         }
         if (size > 0) {
             content.text.append(piece.data(), static_cast<std::size_t>(size));
@@ -34,7 +54,7 @@ File_reader::Content read_new(const std::string& path) {
             return {"", std::strerror(errno)};
         }
     }
-    return content;
+    return whole_lines(std::move(content.text));
 }
 
 }  // namespace

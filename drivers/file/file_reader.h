@@ -1,6 +1,7 @@
 // Reads small files, each once: several parameters may be words of one file, or stand beside one name.
 //
-// Nothing waits for a writer: a pipe without one is empty.
+// Nothing waits, and a pipe is not read at all: what was read of it is gone, and of a number that is written in two pieces
+// the second would be taken for another number.
 #ifndef FRONTPANEL_DRIVER_FILE_FILE_READER_H
 #define FRONTPANEL_DRIVER_FILE_FILE_READER_H
 
@@ -12,7 +13,8 @@ namespace frontpanel {
 
 class File_reader {
 public:
-    static constexpr std::size_t LARGEST = std::size_t{64} * 1024;  // what follows is not read
+    // Of a larger file only the whole lines within this many bytes are read.
+    static constexpr std::size_t LARGEST = std::size_t{64} * 1024;
 
     struct Content {
         std::string text;

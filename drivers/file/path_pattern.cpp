@@ -141,14 +141,10 @@ std::vector<std::string> Path_pattern::expand() const {
     return paths;
 }
 
-Path_pattern::Found Path_pattern::find(File_reader& reader) {
+Path_pattern::Found Path_pattern::find(File_reader& reader) const {
     if (!m_has_star && m_name.empty()) {
         return {joined(m_parts, m_parts.size()), ""};
     }
-    if (!m_known.empty() && has_name(m_known, reader)) {
-        return {m_known, ""};
-    }
-    m_known.clear();
     std::vector<std::string> found;
     for (std::string& path : expand()) {
         if (has_name(path, reader)) {
@@ -156,8 +152,7 @@ Path_pattern::Found Path_pattern::find(File_reader& reader) {
         }
     }
     if (found.size() == 1) {
-        m_known = found.front();
-        return {m_known, ""};
+        return {found.front(), ""};
     }
     if (!found.empty()) {
         return {"", std::to_string(found.size()) + " files match" +

@@ -30,8 +30,8 @@ public:
         std::string failure;      // why
         bool is_missing = false;  // there is none
     };
-    // The one file that is meant now.
-    Found find(File_reader& reader);
+    // The one file that is meant now. Each time among all, so that a second one is never taken for the first.
+    Found find(File_reader& reader) const;
 
 private:
     bool has_name(const std::string& path, File_reader& reader) const;
@@ -42,7 +42,6 @@ private:
     bool m_has_star;
     std::string m_name;
     std::string m_name_file;
-    std::string m_known;  // what was found last
 };
 
 }  // namespace frontpanel

@@ -19,8 +19,18 @@ TEST(File_reader, AFileIsReadOnce) {
     EXPECT_EQ(File_reader().read(folder.file("value")).text, "2");
 }
 
-TEST(File_reader, OfALargeFileTheBeginningIsRead) {
-    EXPECT_EQ(File_reader().read("/dev/zero").text.size(), File_reader::LARGEST);
+// A value that was cut would be another value.
+TEST(File_reader, OfALargeFileTheWholeLinesOfItsBeginningAreRead) {
+    const support::Folder folder;
+    const std::string first(File_reader::LARGEST - 3, 'x');
+    std::ofstream(folder.file("large")) << first + "\n12345\n";
+    EXPECT_EQ(File_reader().read(folder.file("large")).text, first + "\n");
+    std::ofstream(folder.file("full")) << first + "x\n\n";
+    EXPECT_EQ(File_reader().read(folder.file("full")).text, first + "x\n\n");
+    std::ofstream(folder.file("line")) << std::string(File_reader::LARGEST + 1, '1');
+    EXPECT_EQ(File_reader().read(folder.file("line")).text, "");
+    EXPECT_EQ(File_reader().read(folder.file("line")).failure, "the first line is too long");
+    EXPECT_EQ(File_reader().read("/dev/zero").failure, "the first line is too long");
 }
 
 TEST(File_reader, AFailureIsAReason) {
