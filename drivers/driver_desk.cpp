@@ -99,8 +99,10 @@ bool Driver_desk::is_wanted(const Record& record, Time time) const {
 }
 
 bool Driver_desk::hangs(Time time) const {
-    const std::optional<Time> since = m_busy_since ? m_busy_since : m_woken_at;
-    return since && time - *since > HANGS_AFTER;
+    const auto is_late = [time](const std::optional<Time>& since) {
+        return since && time - *since > HANGS_AFTER;
+    };
+    return m_busy_since ? is_late(m_busy_since) : is_late(m_woken_at) || is_late(m_wait_ends);
 }
 
 // A value that was pushed holds as long as the device could push another one.
@@ -330,11 +332,8 @@ bool Driver_desk::step() {
     return m_did_anything;
 }
 
-// What a driver throws is no reason to end the panel.
 template <typename Call>
-Driver_result Driver_desk::call(Lock& lock, Call call) {
-    m_did_anything = true;
-    m_busy_since = now();
+Driver_result Driver_desk::unlocked(Lock& lock, Call call) {
     lock.unlock();
     Driver_result result;
     try {
@@ -345,7 +344,19 @@ Driver_result Driver_desk::call(Lock& lock, Call call) {
         result = Driver_result::away(UNKNOWN_ERROR);
     }
     lock.lock();
+    return result;
+}
+
+// A driver that has just returned is alive, however long ago it was woken.
+template <typename Call>
+Driver_result Driver_desk::call(Lock& lock, Call call) {
+    m_did_anything = true;
+    m_busy_since = now();
+    Driver_result result = unlocked(lock, call);
     m_busy_since.reset();
+    if (m_woken_at) {
+        m_woken_at = now();
+    }
     return result;
 }
 
@@ -370,22 +381,17 @@ Driver_desk::Milliseconds Driver_desk::turn(Lock& lock) {
 
 void Driver_desk::wait(Lock& lock, Milliseconds most) {
     const bool is_connected = m_is_connected;
-    lock.unlock();
-    Driver_result result;
-    try {
-        Sink sink(*this);
+    m_wait_ends = now() + most;
+    const Driver_result result = unlocked(lock, [this, most, is_connected] {
         if (is_connected) {
-            result = m_driver->wait(most, m_wake.number(), sink);
-        } else {
-            pollfd source{m_wake.number(), POLLIN, 0};
-            poll(&source, 1, static_cast<int>(most.count()));
+            Sink sink(*this);
+            return m_driver->wait(most, m_wake.number(), sink);
         }
-    } catch (const std::exception& error) {
-        result = Driver_result::away(error.what());
-    } catch (...) {
-        result = Driver_result::away(UNKNOWN_ERROR);
-    }
-    lock.lock();
+        pollfd source{m_wake.number(), POLLIN, 0};
+        poll(&source, 1, static_cast<int>(most.count()));
+        return Driver_result::done();
+    });
+    m_wait_ends.reset();
     if (is_connected && result.kind == Driver_result::AWAY) {
         go_away(result.reason);
     }
@@ -461,6 +467,13 @@ void Driver_desk::prove() {
     m_pause = Milliseconds(0);
     if (std::exchange(m_is_told_away, false)) {
         tell(Driver_event::BACK, nullptr, "");
+    }
+}
+
+// A driver that passes something on in its wait does not hang, however late it returns.
+void Driver_desk::note_life() {
+    if (m_wait_ends) {
+        m_wait_ends = std::max(*m_wait_ends, now());
     }
 }
 
@@ -644,6 +657,7 @@ void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool
         return;
     }
     prove();
+    note_life();
     changing(record, [&](Time time) {
         record.value = value;
         record.is_known = true;

@@ -126,6 +126,7 @@ private:
     bool connect(Lock& lock);
     void go_away(const std::string& reason);
     void prove();
+    void note_life();
     void drop_late_writes(Time time, const char* reason);
     void send_writes(Lock& lock);
     void send_write(Lock& lock, std::size_t number);
@@ -141,6 +142,9 @@ private:
     void receive_failure(std::size_t number, const std::string& failure, bool is_pushed);
     template <typename Call>
     Driver_result call(Lock& lock, Call call);
+    // Makes a call without the lock. What it throws is no reason to end the panel.
+    template <typename Call>
+    static Driver_result unlocked(Lock& lock, Call call);
 
     const std::string m_name;
     const std::unique_ptr<Driver> m_driver;
@@ -172,6 +176,7 @@ private:
     std::string m_away_reason;
     std::optional<Time> m_busy_since;  // a call of the driver that is to return soon
     std::optional<Time> m_woken_at;    // the thread was woken and has not noticed yet
+    std::optional<Time> m_wait_ends;   // when the wait that is under way is to return at the latest
 };
 
 }  // namespace frontpanel

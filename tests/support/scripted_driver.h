@@ -83,8 +83,12 @@ public:
     void hang() {
         locked([&] { m_hangs = true; });
     }
+    // A wait does not return after its time from now on.
+    void hang_in_waits() {
+        locked([&] { m_hangs_in_waits = true; });
+    }
     void go_on() {
-        locked([&] { m_hangs = false; });
+        locked([&] { m_hangs = m_hangs_in_waits = false; });
         m_changed.notify_all();
     }
     // A call that hangs returns when the driver is stopped.
@@ -149,6 +153,7 @@ private:
     std::string m_away;
     std::string m_thrown;
     bool m_hangs = false;
+    bool m_hangs_in_waits = false;
     bool m_heeds_stop = false;
     int m_hanging = 0;
     bool m_gone = false;
@@ -251,6 +256,12 @@ public:
         std::uint64_t raised = 0;
         (void)!::read(m_device->m_pushes.number(), &raised, sizeof raised);
         std::unique_lock<std::mutex> lock(m_device->m_mutex);
+        if (m_device->m_hangs_in_waits) {
+            ++m_device->m_hanging;
+            m_device->m_changed.notify_all();
+            m_device->m_changed.wait(lock, [this] { return !m_device->m_hangs_in_waits; });
+            --m_device->m_hanging;
+        }
         const auto waiting = std::exchange(m_device->m_waiting, {});
         const Driver_result result = away_or_done();
         lock.unlock();

@@ -123,6 +123,31 @@ TEST_F(Device_cache_threads_test, ADriverThatHangsIsReportedAsAway) {
     EXPECT_EQ(texts_of(m_cache->take_events()), Lines{"plc: back"});
 }
 
+// Nobody wakes a driver that is only to pass on what its device sends.
+TEST_F(Device_cache_threads_test, AValueIsOldWhileADriverThatPushesHangsInItsWait) {
+    const auto clock = std::make_shared<Test_clock>();
+    Device_cache_settings settings;
+    settings.clock = [clock] { return clock->now(); };
+    m_device->push_by_itself(0);
+    start(1, settings);
+    number_of(*m_cache, 0);
+    m_device->push(0, 8);
+    wait_until([this] { return number_of(*m_cache, 0) == 8; });
+    m_device->hang_in_waits();
+    m_device->push(0, 9);
+    m_device->wait_until_hanging();
+    clock->advance(1min);
+    EXPECT_EQ(m_cache->state(0, 0)->freshness, Freshness::FRESH);
+    clock->advance(1min);
+    EXPECT_EQ(m_cache->state(0, 0)->freshness, Freshness::OLD);
+    EXPECT_EQ(m_cache->state(0, 0)->reason, "it does not answer");
+    EXPECT_EQ(texts_of(m_cache->take_events()), Lines{"plc: away: it does not answer"});
+    number_of(*m_cache, 0);
+    m_device->go_on();
+    wait_until([this] { return number_of(*m_cache, 0) == 9; });
+    EXPECT_EQ(m_cache->state(0, 0)->freshness, Freshness::FRESH);
+}
+
 TEST_F(Device_cache_threads_test, EveryParameterIsReadForAReport) {
     start(100);
     m_cache->read_all(10s);
