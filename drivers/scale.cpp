@@ -10,7 +10,7 @@
 namespace frontpanel {
 namespace {
 
-constexpr std::size_t MOST_DIGITS = 18;
+constexpr std::size_t MOST_DIGITS = 19;  // before the point: what fits 64 bits for sure
 constexpr std::uint64_t LOWER_HALF = 0xFFFFFFFFU;
 constexpr unsigned HALF_BITS = 32;
 constexpr unsigned BITS = 64;
@@ -31,7 +31,13 @@ Wide product(std::uint64_t left, std::uint64_t right) {
         (other << HALF_BITS) | (low & LOWER_HALF)};
 }
 
-// Rounded to the nearest, halves up. Nothing when it has more than 64 bits. `divisor` is below 2^63.
+Wide sum(Wide left, std::uint64_t right) {
+    left.low += right;
+    left.high += left.low < right ? 1 : 0;
+    return left;
+}
+
+// Without its fraction. Nothing when it has more than 64 bits. `divisor` is below 2^63.
 std::optional<std::uint64_t> quotient(const Wide& dividend, std::uint64_t divisor) {
     if (dividend.high >= divisor) {
         return std::nullopt;
@@ -46,11 +52,16 @@ std::optional<std::uint64_t> quotient(const Wide& dividend, std::uint64_t diviso
             result |= 1U;
         }
     }
-    if (rest < divisor - rest) {
-        return result;
+    return result;
+}
+
+// The whole part of a factor times the fraction of those decimals, however many they are. `factor` is below 2^59.
+std::uint64_t whole_part(std::string_view decimals, std::uint64_t factor) {
+    std::uint64_t carry = 0;
+    for (auto digit = decimals.rbegin(); digit != decimals.rend(); ++digit) {
+        carry = (static_cast<std::uint64_t>(*digit - '0') * factor + carry) / TEN;
     }
-    return result == std::numeric_limits<std::uint64_t>::max() ? std::nullopt
-                                                               : std::optional(result + 1);
+    return carry;
 }
 
 bool are_digits(std::string_view text) {
@@ -128,51 +139,39 @@ Scale Scale::of(const Json_value& source) {
     return {*numerator, *denominator};
 }
 
-Scaled_number Scale::scaled(bool is_negative, std::uint64_t digits, std::uint64_t divisor) const {
-    constexpr std::uint64_t LARGEST_DIVISOR = std::numeric_limits<std::int64_t>::max();
-    const std::uint64_t common = std::gcd(digits, divisor);
-    if (common > 1) {
-        digits /= common;
-        divisor /= common;
-    }
-    if (divisor > LARGEST_DIVISOR / m_denominator) {
-        return "the number has too many decimals for its scale";
-    }
-    const std::optional<std::uint64_t> magnitude =
-        quotient(product(digits, m_numerator), divisor * m_denominator);
+// Twice the result, rounded down, has the half by which the result is rounded: decimals are needed no longer.
+Scaled_number Scale::scaled(bool is_negative, std::uint64_t whole,
+                            std::string_view decimals) const {
     constexpr std::int64_t LOWEST = std::numeric_limits<std::int32_t>::min();
     constexpr std::int64_t HIGHEST = std::numeric_limits<std::int32_t>::max();
-    if (!magnitude || *magnitude > static_cast<std::uint64_t>(is_negative ? -LOWEST : HIGHEST)) {
+    const std::uint64_t factor = 2 * m_numerator;
+    const std::optional<std::uint64_t> twice =
+        quotient(sum(product(whole, factor), whole_part(decimals, factor)), m_denominator);
+    const auto largest = static_cast<std::uint64_t>(is_negative ? -LOWEST : HIGHEST);
+    if (!twice || *twice > 2 * largest) {
         return "the number does not fit 32 bits";
     }
-    const auto number = static_cast<std::int64_t>(*magnitude);
+    const auto number = static_cast<std::int64_t>((*twice + 1) / 2);
     return static_cast<std::int32_t>(is_negative ? -number : number);
 }
 
 Scaled_number Scale::from_device(std::int64_t number) const {
     const auto bits = static_cast<std::uint64_t>(number);
-    return scaled(number < 0, number < 0 ? 0 - bits : bits, 1);
+    return scaled(number < 0, number < 0 ? 0 - bits : bits, "");
 }
 
 Scaled_number Scale::from_device(std::string_view decimal) const {
     const auto [is_negative, unsigned_part] = Signed_text(decimal);
     const std::size_t point = std::min(unsigned_part.find('.'), unsigned_part.size());
     const std::string_view whole = unsigned_part.substr(0, point);
-    std::string_view fraction = unsigned_part.substr(std::min(point + 1, unsigned_part.size()));
+    const std::string_view fraction =
+        unsigned_part.substr(std::min(point + 1, unsigned_part.size()));
     if (!are_digits(whole) || !are_digits(fraction) || (whole.empty() && fraction.empty())) {
         return "not a number";
     }
-    fraction = fraction.substr(0, fraction.find_last_not_of('0') + 1);
-    const std::string digits(
-        without_leading_zeros(std::string(whole).append(fraction.data(), fraction.size())));
-    if (digits.size() > MOST_DIGITS || fraction.size() > MOST_DIGITS) {
-        return "the number has too many digits";
-    }
-    std::uint64_t divisor = 1;
-    for (std::size_t i = 0; i < fraction.size(); ++i) {
-        divisor *= TEN;
-    }
-    return scaled(is_negative, number_of(digits), divisor);
+    const std::string_view digits = without_leading_zeros(whole);
+    return digits.size() > MOST_DIGITS ? Scaled_number("the number has too many digits")
+                                       : scaled(is_negative, number_of(digits), fraction);
 }
 
 Scaled_number Scale::from_json(std::string_view number) const {
@@ -194,9 +193,8 @@ Scaled_number Scale::from_json(std::string_view number) const {
     text.insert(0, static_cast<std::size_t>(std::max<std::int64_t>(-digits->whole, 0)), '0');
     const auto whole = static_cast<std::size_t>(std::max<std::int64_t>(digits->whole, 0));
     text.resize(std::max(text.size(), whole), '0');
-    const std::size_t decimals = m_denominator == 1 ? MOST_DIGITS : MOST_DECIMALS;
-    return from_device((digits->is_negative ? "-" : "") + text.substr(0, whole) + "." +
-                       text.substr(whole, std::min(decimals, MOST_DIGITS - whole)));
+    text.insert(whole, ".");
+    return from_device((digits->is_negative ? "-" : "") + text);
 }
 
 std::string Scale::to_decimal(std::int32_t number) const {

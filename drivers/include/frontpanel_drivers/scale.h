@@ -33,15 +33,14 @@ public:
     // From the device: a whole number, or a decimal one with an optional sign and fraction: "42", "-0.52", "+7", ".5".
     Scaled_number from_device(std::int64_t number) const;
     Scaled_number from_device(std::string_view decimal) const;
-    // A number as JSON has it, which may have an exponent: "2.5e-3". With one, digits behind the last that counts are left
-    // out.
+    // A number as JSON has it, which may have an exponent: "2.5e-3".
     Scaled_number from_json(std::string_view number) const;
     // For the device: a decimal number, exact but for what is behind the ninth decimal; or a whole number.
     std::string to_decimal(std::int32_t number) const;
     std::int64_t to_whole(std::int32_t number) const;
 
 private:
-    Scaled_number scaled(bool is_negative, std::uint64_t digits, std::uint64_t divisor) const;
+    Scaled_number scaled(bool is_negative, std::uint64_t whole, std::string_view decimals) const;
 
     std::uint64_t m_numerator = 1;
     std::uint64_t m_denominator = 1;

@@ -90,7 +90,9 @@ TEST_F(Process_driver_test, ValuesThatFitNoParameterAreFailuresAndTheConnectionS
     start(R"(
 greet()
 for value in ("true", "4e1", "1e-12", "-2147483648", "2147483648", "1e300", "1e-300",
-              "12345678901234567890123", "null", "[1]", "{}", '"7"', "5"):
+              "12345678901234567890123", "-1.25E+1", "12.5e-1", "0e300", "1e-99999",
+              "1.499999999999999999999e0", "5.551115123125783e-17", "21474836.47e2", "0.00000149999e6",
+              "null", "[1]", "{}", '"7"', "5"):
     request = hear()
     if request["type"] == "subscribe":
         refuse(request, "")
@@ -105,6 +107,14 @@ for value in ("true", "4e1", "1e-12", "-2147483648", "2147483648", "1e300", "1e-
                                     ": the number has too many digits",
                                     "=0",
                                     ": the number has too many digits",
+                                    "=-13",
+                                    "=1",
+                                    "=0",
+                                    "=0",
+                                    "=1",
+                                    "=0",
+                                    "=2147483647",
+                                    "=1",
                                     ": it has no value",
                                     ": expected a number or a text, found a list or an object",
                                     ": expected a number or a text, found a list or an object",

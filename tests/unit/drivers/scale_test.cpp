@@ -41,7 +41,11 @@ TEST(Scale, NumbersOfJsonMayHaveAnExponent) {
         {"1234567890123456789e-19", {1000, 1}, "123"},
         {"2147483647e0", {1, 1}, "2147483647"},
         {"2147483648e0", {1, 1}, "the number does not fit 32 bits"},
-        {"1e18", {1, 1}, "the number has too many digits"},
+        {"1e18", {1, 1}, "the number does not fit 32 bits"},
+        {"1e19", {1, 1}, "the number has too many digits"},
+        {"1.499999999999999999999e0", {1, 1}, "1"},
+        {"0.1499999999999999999999e1", {1, 1000000000}, "0"},
+        {"5.551115123125783e-17", {1000000000, 1}, "0"},
         {"1e17", {1, 1}, "the number does not fit 32 bits"},
         {"1e300", {1, 1}, "the number has too many digits"},
         {"1e99999999999999999999", {1, 1}, "the number has too many digits"},
@@ -92,9 +96,23 @@ TEST(Scale, DecimalNumbersAreScaledExactlyAndRoundedToTheNearest) {
         {"2147483647.5", {1, 1}, "the number does not fit 32 bits"},
         {"999999999999999999", {1000000000, 1}, "the number does not fit 32 bits"},
         {"999999999999999999", {1, 1000000000}, "1000000000"},
-        {"1000000000000000000", {1, 1}, "the number has too many digits"},
-        {"0.1234567890123456789", {1, 1}, "the number has too many digits"},
-        {"0.123456789012345678", {1, 1000}, "the number has too many decimals for its scale"},
+        {"1000000000000000000", {1, 1}, "the number does not fit 32 bits"},
+        {"9999999999999999999", {1000000000, 1}, "the number does not fit 32 bits"},
+        {"-2147483648499999999", {1, 1000000000}, "-2147483648"},
+        {"-2147483648500000000", {1, 1000000000}, "the number does not fit 32 bits"},
+        {"10000000000000000000", {1, 1000000000}, "the number has too many digits"},
+        {"00000000000000000000012.5", {2, 1}, "25"},
+        {"0.1234567890123456789", {1, 1}, "0"},
+        {"999.49999999999999999999999999999999999999", {1, 1000}, "1"},
+        {"499.99999999999999999999999999999999999999", {1, 1000}, "0"},
+        {"1.4999999999999999999999999999999999999999", {1, 1}, "1"},
+        {"-1.5000000000000000000000000000000000000000", {1, 1}, "-2"},
+        {"0.00000000000000005551115123125783", {1000000000, 1}, "0"},
+        {"0.0000000005", {1000000000, 1}, "1"},
+        {"0.00000000049999999999999999999999999999999", {1000000000, 1}, "0"},
+        {"0.07142857142857142857142857142857", {7, 1}, "0"},
+        {"0.07142857142857142857142857142858", {7, 1}, "1"},
+        {"2147483647.49999999999999999999", {1, 1}, "2147483647"},
         {"", {1, 1}, "not a number"},
         {"-", {1, 1}, "not a number"},
         {".", {1, 1}, "not a number"},
@@ -142,6 +160,11 @@ TEST(Scale, ANumberIsWrittenAsTheNearestWholeNumber) {
 }
 
 TEST(Scale, WhatWasWrittenIsReadBack) {
+    const Scale widest(1, 1000000000);
+    for (const std::int32_t number :
+         {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
+        EXPECT_EQ(shown(widest.from_device(widest.to_decimal(number))), std::to_string(number));
+    }
     for (const Scale& scale : {Scale(1, 1000), Scale(100, 1), Scale(3, 7), Scale(9, 5)}) {
         for (std::int32_t number = -1000; number <= 1000; ++number) {
             ASSERT_EQ(shown(scale.from_device(scale.to_decimal(number))), std::to_string(number));
