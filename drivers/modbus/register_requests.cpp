@@ -46,7 +46,8 @@ std::vector<Register_request> requests_for(const std::vector<Register_place>& pl
                                            const std::vector<std::size_t>& numbers, int gap,
                                            const std::vector<bool>& is_first) {
     std::vector<std::size_t> sorted = numbers;
-    std::sort(sorted.begin(), sorted.end(), [&places](std::size_t left, std::size_t right) {
+    // Places of one address stay in their order: where a request is split must not move.
+    std::stable_sort(sorted.begin(), sorted.end(), [&places](std::size_t left, std::size_t right) {
         return address_of(places[left].range) < address_of(places[right].range);
     });
     std::vector<Register_request> requests;

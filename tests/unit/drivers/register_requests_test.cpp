@@ -72,6 +72,21 @@ TEST(RegisterRequests, APlaceThatIsFirstIsJoinedWithNoneBeforeIt) {
     EXPECT_EQ(requests({at(10), at(11), at(12), at(13)}, 0, {false, false, true}), "10+2 12+2");
 }
 
+// Otherwise a register that a controller does not have could be asked for over and over.
+TEST(RegisterRequests, ManyPlacesOfOneRegisterAreSplitWhereTheyAreToBe) {
+    const std::vector<Register_place> places(40, at(10));
+    std::vector<std::size_t> numbers(places.size());
+    std::iota(numbers.begin(), numbers.end(), std::size_t{0});
+    for (std::size_t first = 1; first < places.size(); ++first) {
+        std::vector<bool> is_first(places.size(), false);
+        is_first[first] = true;
+        const auto split = requests_for(places, numbers, 0, is_first);
+        ASSERT_EQ(split.size(), 2U) << first;
+        EXPECT_EQ(split[0].numbers.size(), first);
+        EXPECT_EQ(split[1].numbers.front(), first);
+    }
+}
+
 std::vector<std::string> overlaps(const std::vector<Register_place>& places) {
     std::vector<std::string> texts;
     for (const Register_overlap& overlap : overlaps_of(places)) {
