@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -60,14 +62,29 @@ std::optional<int> number_in(const std::string& name, const std::string& pattern
                         LARGEST_NUMBER);
 }
 
+// What `errno` tells of a file that could not be looked at; nothing of one that is not there.
+void note_doubt(std::string& doubt) {
+    if (errno != ENOENT && errno != ENOTDIR) {
+        doubt = std::strerror(errno);
+    }
+}
+
 // The names in a folder that a part with a star stands for, by their numbers.
-std::vector<std::string> names_like(const std::string& folder, const std::string& pattern) {
+std::vector<std::string> names_like(const std::string& folder, const std::string& pattern,
+                                    std::string& doubt) {
     std::vector<std::pair<int, std::string>> found;
     const std::unique_ptr<DIR, int (*)(DIR*)> open_folder(
         opendir(folder.empty() ? "." : folder.c_str()), closedir);
+    if (open_folder == nullptr) {
+        note_doubt(doubt);
+    }
     for (std::size_t scanned = 0; open_folder != nullptr && scanned < MOST_SCANNED; ++scanned) {
+        errno = 0;
         const dirent* const entry = readdir(open_folder.get());
         if (entry == nullptr) {
+            if (errno != 0) {
+                note_doubt(doubt);
+            }
             break;
         }
         if (const auto number = number_in(entry->d_name, pattern)) {
@@ -114,15 +131,24 @@ Path_pattern::Path_pattern(const std::string& path, std::string name, std::strin
     }
 }
 
-bool Path_pattern::has_name(const std::string& path, File_reader& reader) const {
+bool Path_pattern::has_name(const std::string& path, File_reader& reader,
+                            std::string& doubt) const {
     if (m_name.empty()) {
-        return access(path.c_str(), F_OK) == 0;
+        if (access(path.c_str(), F_OK) == 0) {
+            return true;
+        }
+        note_doubt(doubt);
+        return false;
     }
     const std::string folder = joined(parts_of(path), m_last_star + 1);
-    return trimmed(reader.read(folder + "/" + m_name_file).text) == m_name;
+    const File_reader::Content& name = reader.read(folder + "/" + m_name_file);
+    if (!name.failure.empty() && !name.is_missing) {
+        doubt = name.failure;
+    }
+    return trimmed(name.text) == m_name;
 }
 
-std::vector<std::string> Path_pattern::expand() const {
+std::vector<std::string> Path_pattern::expand(std::string& doubt) const {
     std::vector<std::string> paths{m_parts[0]};
     for (std::size_t i = 1; i < m_parts.size(); ++i) {
         std::vector<std::string> longer;
@@ -131,7 +157,7 @@ std::vector<std::string> Path_pattern::expand() const {
                 longer.push_back(below(path, m_parts[i]));
                 continue;
             }
-            for (const std::string& name : names_like(path + "/", m_parts[i])) {
+            for (const std::string& name : names_like(path + "/", m_parts[i], doubt)) {
                 longer.push_back(below(path, name));
             }
         }
@@ -145,9 +171,10 @@ Path_pattern::Found Path_pattern::find(File_reader& reader) const {
     if (!m_has_star && m_name.empty()) {
         return {joined(m_parts, m_parts.size()), ""};
     }
+    std::string doubt;
     std::vector<std::string> found;
-    for (std::string& path : expand()) {
-        if (has_name(path, reader)) {
+    for (std::string& path : expand(doubt)) {
+        if (has_name(path, reader, doubt)) {
             found.push_back(std::move(path));
         }
     }
@@ -157,6 +184,9 @@ Path_pattern::Found Path_pattern::find(File_reader& reader) const {
     if (!found.empty()) {
         return {"", std::to_string(found.size()) + " files match" +
                         (m_name.empty() ? ": \"name\" selects one" : "")};
+    }
+    if (!doubt.empty()) {
+        return {"", doubt};
     }
     return {"", m_name.empty() ? "no file matches" : "nothing is named \"" + m_name + "\"", true};
 }

@@ -28,14 +28,15 @@ public:
     struct Found {
         std::string path;         // empty: none
         std::string failure;      // why
-        bool is_missing = false;  // there is none
+        bool is_missing = false;  // there is none, for sure
     };
     // The one file that is meant now. Each time among all, so that a second one is never taken for the first.
     Found find(File_reader& reader) const;
 
 private:
-    bool has_name(const std::string& path, File_reader& reader) const;
-    std::vector<std::string> expand() const;
+    // Both note in `doubt` why they cannot tell, if they cannot.
+    bool has_name(const std::string& path, File_reader& reader, std::string& doubt) const;
+    std::vector<std::string> expand(std::string& doubt) const;
 
     std::vector<std::string> m_parts;  // of the path, between slashes; at least two
     std::size_t m_last_star;           // among the parts; that of the folder when there is none

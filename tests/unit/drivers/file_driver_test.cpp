@@ -276,6 +276,27 @@ TEST_F(File_driver_test, AFileThatIsMissingMayHaveAValueOfItsOwn) {
     EXPECT_EQ(read(4), "2 files match: \"name\" selects one");
 }
 
+// What is there and cannot be looked at must not be shown as if it were not.
+TEST_F(File_driver_test, AFileThatCannotBeLookedAtIsNotMissing) {
+    write("hw1/b", "9");
+    write("hw1/name", "chip");
+    write("secret/c1", "9");
+    load(number(1, R"("path": "hw*/b", "name": "chip", "absent": 7)") + "," +
+         number(2, R"("path": "secret/c*", "absent": 7)") + "," +
+         number(3, R"("path": "secret/c1", "absent": 7)"));
+    EXPECT_EQ(read(1), "9");
+    EXPECT_EQ(read(2), "9");
+    ASSERT_EQ(chmod(m_folder.file("hw1/name").c_str(), 0), 0);
+    ASSERT_EQ(chmod(m_folder.file("secret").c_str(), 0), 0);
+    {
+        const Read_only_folder somebody_else(m_folder.path());
+        EXPECT_EQ(read(1), "Permission denied");
+        EXPECT_EQ(read(2), "Permission denied");
+        EXPECT_EQ(read(3), "Permission denied");
+    }
+    chmod(m_folder.file("secret").c_str(), 0700);
+}
+
 TEST_F(File_driver_test, AValueForAMissingFileFitsItsParameter) {
     load(number(1, R"("path": "a", "absent": 5)", R"("min": 6, "max": 9)") + "," +
          text(2, R"("path": "c", "absent": "12345678901")"));
