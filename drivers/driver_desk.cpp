@@ -606,7 +606,21 @@ std::vector<std::size_t> Driver_desk::due_numbers(Time time) {
     }
     m_active.resize(kept);
     std::sort(due.begin(), due.end());
+    prefer_left(due);
     return due;
+}
+
+// A device that is too slow for its intervals would otherwise be asked for its first parameters alone, which are due again
+// before the last ones were read. What was never read, or has just been written, is asked for in any case.
+void Driver_desk::prefer_left(std::vector<std::size_t>& due) const {
+    const auto is_left = [this](std::size_t number) { return m_records[number].is_left; };
+    if (std::none_of(due.begin(), due.end(), is_left)) {
+        return;
+    }
+    const auto may_wait = [this](std::size_t number) {
+        return !m_records[number].is_left && m_records[number].next_read != Time::min();
+    };
+    due.erase(std::remove_if(due.begin(), due.end(), may_wait), due.end());
 }
 
 void Driver_desk::read_due(Lock& lock) {
@@ -634,6 +648,7 @@ void Driver_desk::finish_read(const std::vector<std::size_t>& numbers,
         return m_records[number].is_reported;
     });
     for (const std::size_t number : numbers) {
+        m_records[number].is_left = !m_records[number].is_reported;
         if (!m_records[number].is_reported && (result.kind != Driver_result::DONE || !is_some)) {
             receive_failure(number, reason_of(result.reason, NO_VALUE), false);
         }

@@ -75,6 +75,7 @@ private:
         bool is_repeated = false;      // a pushed value has a successor in each poll interval
         bool is_active = false;        // among m_active
         bool is_reported = false;      // in the read that is under way
+        bool is_left = false;          // by a read that took too long
         Time taken{};                  // when the value was confirmed
         std::uint64_t connection = 0;  // in which a pushed value was confirmed
         Time next_read = Time::min();
@@ -135,6 +136,7 @@ private:
     void give_up_answers(Time time);
     void read_due(Lock& lock);
     std::vector<std::size_t> due_numbers(Time time);
+    void prefer_left(std::vector<std::size_t>& due) const;
     void finish_read(const std::vector<std::size_t>& numbers, const Driver_result& result);
     Milliseconds time_left(Time time) const;
     void end_failure(Record& record);

@@ -92,6 +92,34 @@ TEST_F(Device_cache_test, ADriverMayReturnAfterSomeOfTheParameters) {
     EXPECT_EQ(events(), Lines{});
 }
 
+// By the time that the last ones are read the first ones are due again.
+TEST_F(Device_cache_test, ADeviceThatIsTooSlowForItsIntervalsIsAskedForEveryParameterInTurn) {
+    add_numbers(5);
+    m_device->read_at_most(2);
+    for (int i = 0; i < 5; ++i) {
+        for (std::uint32_t pid = 0; pid < 5; ++pid) {
+            number_of(m_cache, pid);
+        }
+        step();
+        m_clock->advance(600ms);
+    }
+    EXPECT_EQ(m_device->take_calls(), (Lines{"connect", "read 0 1 2 3 4", "read 2 3 4", "read 4",
+                                             "read 0 1 2 3", "read 2 3"}));
+}
+
+TEST_F(Device_cache_test, WhatWasJustWrittenIsReadBeforeTheRestOfASlowDevice) {
+    add_numbers(4);
+    m_device->read_at_most(2);
+    for (std::uint32_t pid = 0; pid < 4; ++pid) {
+        number_of(m_cache, pid);
+    }
+    step();
+    set_number(m_cache, 0, 9);
+    step();
+    EXPECT_EQ(m_device->take_calls(),
+              (Lines{"connect", "read 0 1 2 3", "write 0=9", "read 0 2 3"}));
+}
+
 TEST_F(Device_cache_test, ADriverThatDeliversNothingFailsForEveryParameter) {
     add_numbers(2);
     m_device->read_at_most(0);
