@@ -47,6 +47,16 @@ void Caching_device::keep_state(uint32_t pid, uint32_t varidx) {
     }
 }
 
+// The device may have refused the value before it can be asked.
+void Caching_device::keep_written(uint32_t pid, uint32_t varidx) {
+    std::optional<Value_state> state =
+        m_states != nullptr ? m_states->state(pid, varidx) : std::nullopt;
+    if (state) {
+        state->is_writing = true;
+        m_doubtful[address(pid, varidx)] = *state;
+    }
+}
+
 void Caching_device::Init() {
     m_device.Init();
 }
@@ -72,7 +82,7 @@ int Caching_device::Set(unsigned int pid, unsigned int varidx, const void* buffe
     }
     const int result = m_device.Set(pid, varidx, buffer, length);
     if (result == 0) {
-        keep_state(pid, varidx);
+        keep_written(pid, varidx);
         m_registry->core().parameters.keep_write(pid, varidx, buffer, length);
     } else {
         const std::string_view bytes(static_cast<const char*>(buffer), length);

@@ -62,6 +62,7 @@ public:
 
 private:
     void keep_state(uint32_t pid, uint32_t varidx);
+    void keep_written(uint32_t pid, uint32_t varidx);
 
     static constexpr int LOCAL_SOCKET = 0;
 

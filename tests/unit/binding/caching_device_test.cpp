@@ -403,7 +403,7 @@ public:
     }
     int Set(unsigned int /*pid*/, unsigned int /*varidx*/, const void* /*buffer*/,
             unsigned int /*length*/) override {
-        m_state.is_writing = true;
+        m_state.is_writing = !m_is_quick;
         return 0;
     }
     int Get_prod_list(PROD_LIST_S* /*list*/, bool /*remote*/, bool /*refresh*/) override {
@@ -413,6 +413,7 @@ public:
     int Get_prod_alias_name(char* /*name*/, prod_id_t /*product*/) override { return 0; }
 
     Value_state m_state;
+    bool m_is_quick = false;  // a write is over when `Set` returns
 };
 
 TEST(Caching_device_states, AValueThatWasOldWhenItWasReadIsOldUntilItIsReadAgain) {
@@ -437,6 +438,17 @@ TEST(Caching_device_states, AValueThatWasWrittenIsOnItsWayUntilItIsReadAgain) {
     int32_t value = 0;
     access.Set(MODE, 0, &value, sizeof value);
     device.m_state = {};  // done, or refused: then this is no longer the value of the device
+    EXPECT_TRUE(access.state(MODE, 0)->is_writing);
+    access.Get(MODE, 0, &value, sizeof value);
+    EXPECT_FALSE(access.state(MODE, 0)->is_writing);
+}
+
+TEST(Caching_device_states, AValueThatMayHaveBeenRefusedAlreadyIsOnItsWayUntilItIsReadAgain) {
+    Changing_device device;
+    device.m_is_quick = true;
+    Caching_device access(device, std::make_shared<Binding_registry>(&device));
+    int32_t value = 0;
+    access.Set(MODE, 0, &value, sizeof value);
     EXPECT_TRUE(access.state(MODE, 0)->is_writing);
     access.Get(MODE, 0, &value, sizeof value);
     EXPECT_FALSE(access.state(MODE, 0)->is_writing);
