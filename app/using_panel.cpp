@@ -17,7 +17,7 @@
 namespace frontpanel {
 namespace {
 
-constexpr size_t REFRESHES_AT_ONCE = 250;  // some tenths of a millisecond
+constexpr size_t REFRESHES_AT_ONCE = 100;  // some tenths of a millisecond
 
 bool has_terminal(const Output_log& log) {
     return isatty(log.out_descriptor()) != 0;

@@ -180,12 +180,11 @@ std::optional<size_t> comma_before_bracket(const std::string& text, size_t offse
 
 }  // namespace
 
-// The ends of lines are counted first, so that a large file takes no more memory than it needs.
 Json_lines::Json_lines(std::string_view text) {
-    m_starts.reserve(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')));
     for (size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1)) {
         m_starts.push_back(static_cast<uint32_t>(at + 1));
     }
+    m_starts.shrink_to_fit();
 }
 
 Place Json_lines::place_at(const Source& source, uint32_t offset) const {

@@ -46,7 +46,7 @@ struct Load {
     std::string rule;              // '#' is the number of the entry's parameter; empty for none
     milliseconds mode_interval;    // between changes of the mode; 0 for none
     std::uint32_t pushed_at_once;  // in each millisecond: values of the entries' parameters
-    std::size_t refreshes_at_once = 250;  // as the application has it
+    std::size_t refreshes_at_once = 100;  // as the application has it
 };
 
 // Parameter 0 is the mode.
