@@ -41,13 +41,10 @@ void forget_mounted_menu(Data_entry& entry) {
 // Keeps a stack of its own: a menu may be deeper than the thread's.
 class Walk {
 public:
-    Walk(int flags, void* argument)
-        : m_flags(flags),
-          m_argument(argument),
-          m_depth(argument != nullptr && prints() ? *static_cast<const int*>(argument) : 0) {}
+    Walk(int flags, void* argument) : m_flags(flags), m_argument(argument) {}
 
     void run(Data_entry* start) {
-        enter(start);
+        enter(start, 0);
         while (!m_levels.empty()) {
             Level& level = m_levels.back();
             Data_entry* const child = level.next_child;
@@ -55,10 +52,10 @@ public:
                 leave();
                 continue;
             }
-            visit(*child);
+            const int depth = visit(*child);
             // Fetched before the child is entered: what happens below may relink the child.
             level.next_child = neighbours::next(child);
-            enter(child);
+            enter(child, depth + 1);
         }
     }
 
@@ -67,14 +64,13 @@ private:
         Data_entry* entry;
         Data_entry* next_child;
         neighbours::Met::Level siblings;
+        int depth;
     };
 
-    bool prints() const { return (m_flags & PRINT_ENTRIES) != 0; }
-
     // A link may lead back to an entry that is just being walked: what lies below that comes once.
-    void enter(Data_entry* entry) {
+    void enter(Data_entry* entry, int depth) {
         if (m_path.insert(entry).second) {
-            m_levels.push_back({entry, neighbours::first_child(entry), m_met.enter()});
+            m_levels.push_back({entry, neighbours::first_child(entry), m_met.enter(), depth});
         }
     }
 
@@ -84,21 +80,30 @@ private:
         m_levels.pop_back();
     }
 
-    void visit(Data_entry& child) {
+    // Returns the depth of the child.
+    int visit(Data_entry& child) {
         if ((m_flags & HAND_OUT_SHORTCUTS) != 0) {
             child.setShortcuts(static_cast<std::map<int, ShortcutS>*>(m_argument));
         }
         if ((m_flags & FORGET_MOUNTED_MENUS) != 0) {
             forget_mounted_menu(child);
         }
-        if (prints()) {
-            print_indented(child, m_depth + static_cast<int>(m_levels.size()) - 1);
+        if ((m_flags & PRINT_ENTRIES) == 0) {
+            return 0;
         }
+        const int depth = depth_of_children();
+        print_indented(child, depth);
+        return depth;
+    }
+
+    // Directly below the start the counter is the application's, whose classes may change it during the walk.
+    int depth_of_children() const {
+        return m_levels.size() == 1 && m_argument != nullptr ? *static_cast<const int*>(m_argument)
+                                                             : m_levels.back().depth;
     }
 
     int m_flags;
     void* m_argument;
-    int m_depth;
     std::vector<Level> m_levels;  // from the start to the entry that is being walked
     std::unordered_set<const Data_entry*> m_path;  // the entries of these
     neighbours::Met m_met;

@@ -101,6 +101,36 @@ TEST_F(Traversal, StartsAtTheCallersDepth) {
     EXPECT_EQ(depth, 2);
 }
 
+// Starts a section of the dump: the entries after it are indented anew.
+class Section : public Node_entry {
+public:
+    Section(Data_entry* parent, int* depth, int next_depth)
+        : Node_entry("Section", "A node", any_index(), parent, VISIBLE_ALL, SHORTCUT_NONE, nullptr,
+                     nullptr, nullptr),
+          m_depth(depth),
+          m_next_depth(next_depth) {}
+    std::string getProperties(int flags) override {
+        *m_depth = m_next_depth;
+        return Node_entry::getProperties(flags);
+    }
+
+private:
+    int* m_depth;
+    int m_next_depth;
+};
+
+TEST_F(Traversal, IndentsEachEntryBelowTheStartByTheCountersValueAtThatTime) {
+    int depth = 1;
+    Section section(&top, &depth, 3);
+    Node below("Below", &section, &log);
+    Node last("Last", &top, &log);
+    const std::string out =
+        capture(0, [&] { Data_entry::TraverseMenuTree(&top, 0x4, &depth); }).out;
+    EXPECT_EQ(out, line("First", 1) + line("Inner", 2) + line("Deep", 3) + line("InnerLast", 2) +
+                       line("Second", 1) + line("Section", 1) + line("Below", 2) +
+                       line("Last", 3));
+}
+
 TEST_F(Traversal, DoesNothingForANullEntryOrWithoutChildren) {
     Leaf leaf("Leaf");
     const auto printed = capture(0, [&] {
