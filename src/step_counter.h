@@ -8,7 +8,8 @@
 namespace step_counter {
 
 // One sum for each kind of walk. Entries of different menus may be used from different threads.
-inline std::atomic<std::size_t> children_walked{0};  // to find a child or the end of its list
+// To find a child or the end of its list; without the few that are compared each time.
+inline std::atomic<std::size_t> children_walked{0};
 inline std::atomic<std::size_t> dependants_compared{
     0};  // to see whether an entry is still a dependant
 inline std::atomic<std::size_t> siblings_compared{0};   // to see whether a walk leads back

@@ -358,6 +358,8 @@ private:
     FRONTPANEL_DATA_LOCAL bool neighbours_agree(const Data_entry& child) const;
     FRONTPANEL_DATA_LOCAL bool is_list_remembered() const;
     FRONTPANEL_DATA_LOCAL bool is_in_remembered_list() const;
+    FRONTPANEL_DATA_LOCAL bool is_as_remembered() const;
+    FRONTPANEL_DATA_LOCAL bool is_reached(const Data_entry& child) const;
     FRONTPANEL_DATA_LOCAL void remember_list();
     FRONTPANEL_DATA_LOCAL void apply_access_suggestion();
     FRONTPANEL_DATA_LOCAL void apply_set_suggestion(Data_interface* iface);

@@ -5,6 +5,9 @@
 // neither the list nor whether its parent still exists. A change that a remembered list may contain therefore makes
 // all lists forgotten: the number that is next becomes the oldest one that counts. A forgotten list is walked once
 // more. Lists that lead back into themselves are walked each time.
+//
+// A class of the application may also write the links, which are protected, itself. A list of few children is
+// therefore compared with what is remembered of it each time, and a longer one as far as that goes.
 #include <frontpanel_data/entry.h>
 
 #include <utility>
@@ -23,6 +26,8 @@ namespace {
 
 using child_list::forgotten_up_to;
 using child_list::latest_number;
+
+constexpr int FEW = 16;
 
 // 0 when there are no more: lists that are not remembered are walked from then on.
 uint32_t next_number() {
@@ -68,9 +73,26 @@ bool Data_entry::is_in_remembered_list() const {
     return counts(m_listed_in);
 }
 
+// Whether the few children that are compared are those of the remembered list.
+bool Data_entry::is_as_remembered() const {
+    const Data_entry* last = nullptr;
+    const Data_entry* child = m_child;
+    for (int compared = 0; child != nullptr && compared < FEW; ++compared) {
+        if (child->m_listed_in != m_list) {
+            return false;
+        }
+        last = child;
+        child = child->m_next;
+    }
+    return child == nullptr ? last == m_last_child : m_last_child->m_next == nullptr;
+}
+
 void Data_entry::remember_list() {
     if (is_list_remembered()) {
-        return;
+        if (is_as_remembered()) {
+            return;
+        }
+        forget_all_lists();
     }
     Data_entry* const last = last_child();
     if (last != nullptr && last->m_next != nullptr) {
@@ -94,9 +116,18 @@ void Data_entry::remember_list() {
     m_last_child = last;
 }
 
+// Whether a child that carries the number of a list of few children is among them.
+bool Data_entry::is_reached(const Data_entry& child) const {
+    const Data_entry* at = m_child;
+    for (int compared = 0; at != nullptr && at != &child && compared < FEW; ++compared) {
+        at = at->m_next;
+    }
+    return at != nullptr;
+}
+
 bool Data_entry::holds(const Data_entry& child) const {
     if (is_list_remembered()) {
-        return child.m_listed_in == m_list;
+        return child.m_listed_in == m_list && is_reached(child);
     }
     const Data_entry* const last = last_child();
     const Data_entry* at = m_child;

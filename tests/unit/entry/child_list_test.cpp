@@ -127,6 +127,50 @@ TEST(Child_list, IsWalkedOnceMoreAfterAPlainSetterChangedAChild) {
     EXPECT_EQ(steps_of([&] { menu.Add_child(again); }), 0u);
 }
 
+// Classes of the application may write the links of their entries themselves.
+
+TEST(Child_list, OfFewChildrenEndsWhereItsLinksSayWhoeverWroteThem) {
+    Node menu;
+    const Nodes children = nodes(4, &menu);
+    children[1]->m_next = nullptr;
+    Node more("More", &menu);
+    EXPECT_EQ(more.Get_previous(), children[1].get());
+    EXPECT_EQ(children[1]->Get_next(), &more);
+    EXPECT_EQ(children[3]->Get_next(), nullptr);
+}
+
+TEST(Child_list, OfFewChildrenDoesNotHoldOneThatItsLinksLeaveOut) {
+    Node menu;
+    const Nodes children = nodes(3, &menu);
+    children[0]->m_next = children[2].get();
+    const std::string out =
+        support::capture(0, [&] { EXPECT_EQ(menu.Remove(children[1].get()), 0); }).out;
+    EXPECT_EQ(out.rfind("Could not find child named [Node]", 0), 0u) << out;
+    EXPECT_EQ(children[1]->Get_parent(), &menu);
+    EXPECT_EQ(children[2]->Get_previous(), children[1].get());
+}
+
+TEST(Child_list, StartsAtTheChildThatWasWritten) {
+    Node menu, other;
+    const Nodes children = nodes(3, &menu);
+    menu.m_child = &other;
+    Node more("More", &menu);
+    EXPECT_EQ(other.Get_next(), &more);
+    menu.m_child = nullptr;
+    Node alone("Alone", &menu);
+    EXPECT_EQ(menu.Get_child(), &alone);
+    EXPECT_EQ(alone.Get_previous(), nullptr);
+}
+
+TEST(Child_list, OfManyChildrenEndsBehindOneThatWasWrittenThere) {
+    Node menu;
+    const Nodes children = nodes(100, &menu);
+    Node written;
+    children.back()->m_next = &written;
+    Node more("More", &menu);
+    EXPECT_EQ(more.Get_previous(), &written);
+}
+
 TEST(Child_list, IsNotForgottenWhenAPlainSetterChangesNothing) {
     Node menu;
     const Nodes children = nodes(100, &menu);
@@ -268,7 +312,7 @@ private:
         const int entry = below(SIZE);
         const int other = below(SIZE + 1) - 1;
         if (below(m_raw_in) == 0) {
-            set_raw(below(4), entry, other);
+            below(2) == 0 ? set_raw(below(4), entry, other) : write_link(below(4), entry, other);
         } else if (other != entry && other >= 0 && below(3) != 0) {
             add(entry, other);
         } else if (other >= 0) {
@@ -293,6 +337,28 @@ private:
         m_done += "add " + std::to_string(child) + " to " + std::to_string(parent) + "\n";
         m_walked.add(parent, child);
         real(parent)->Add_child(*real(child));
+    }
+
+    // As a class of the application may do that has a place for its children of its own.
+    void write_link(int direction, int entry, int other) {
+        m_done += "written: ";
+        Node& node = *real(entry);
+        Node* const link = real(other);
+        switch (direction) {
+            case 0:
+                node.m_next = link;
+                break;
+            case 1:
+                node.m_previous = link;
+                break;
+            case 2:
+                node.m_parent = link;
+                break;
+            default:
+                node.m_child = link;
+                break;
+        }
+        set_raw(direction, entry, other);
     }
 
     void set_raw(int direction, int entry, int other) {

@@ -127,8 +127,7 @@ TEST_F(Traversal, IndentsEachEntryBelowTheStartByTheCountersValueAtThatTime) {
     const std::string out =
         capture(0, [&] { Data_entry::TraverseMenuTree(&top, 0x4, &depth); }).out;
     EXPECT_EQ(out, line("First", 1) + line("Inner", 2) + line("Deep", 3) + line("InnerLast", 2) +
-                       line("Second", 1) + line("Section", 1) + line("Below", 2) +
-                       line("Last", 3));
+                       line("Second", 1) + line("Section", 1) + line("Below", 2) + line("Last", 3));
 }
 
 TEST_F(Traversal, DoesNothingForANullEntryOrWithoutChildren) {
