@@ -78,7 +78,7 @@ bool Data_entry::is_as_remembered() const {
     const Data_entry* last = nullptr;
     const Data_entry* child = m_child;
     for (int compared = 0; child != nullptr && compared < FEW; ++compared) {
-        if (child->m_listed_in != m_list) {
+        if (child->m_listed_in != m_list || child->m_previous != last) {
             return false;
         }
         last = child;
