@@ -17,10 +17,14 @@ namespace frontpanel {
 namespace {
 
 using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, Json_allocator>;
-using Writer = rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator,
-                                 rapidjson::kWriteValidateEncodingFlag>;
+using Writer = rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator>;
 
 constexpr std::size_t LONGEST_QUOTE = 40;
+
+// The JSON library can check that as well, but reads beyond the end of a text that ends within a character.
+bool is_utf8(const std::string& text) {
+    return characters_of(text).find(DAMAGED) == std::u32string::npos;
+}
 
 Adapter_message faulty(std::string text) {
     Adapter_message message;
@@ -178,31 +182,28 @@ std::string line_of(const char* type, std::optional<std::int64_t> id, Write_more
         writer.Key("id");
         writer.Int64(*id);
     }
-    if (!write_more(writer)) {
-        return "";
-    }
+    write_more(writer);
     writer.EndObject();
     return {buffer.GetString(), buffer.GetSize()};
 }
 
-bool write_text(Writer& writer, const char* name, const std::string& text) {
+void write_text(Writer& writer, const char* name, const std::string& text) {
     writer.Key(name);
-    return writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
 std::string name_line(const char* type, std::int64_t id, const std::string& name) {
-    return line_of(type, id, [&](Writer& writer) { return write_text(writer, "name", name); });
+    return line_of(type, id, [&](Writer& writer) { write_text(writer, "name", name); });
 }
 
 }  // namespace
 
 Adapter_message parse_adapter_message(std::string line) {
     constexpr unsigned FLAGS = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
-                               rapidjson::kParseNumbersAsStringsFlag |
-                               rapidjson::kParseValidateEncodingFlag;
+                               rapidjson::kParseNumbersAsStringsFlag;
     const std::string beginning =
         line.substr(0, LONGEST_QUOTE + 1);  // the line is decoded in place
-    if (line.find('\0') != std::string::npos) {
+    if (line.find('\0') != std::string::npos || !is_utf8(line)) {
         return no_object(beginning);
     }
     rapidjson::InsituStringStream stream(line.data());
@@ -215,7 +216,7 @@ Adapter_message parse_adapter_message(std::string line) {
 std::string hello_line() {
     return line_of("hello", std::nullopt, [](Writer& writer) {
         writer.Key("version");
-        return writer.Int64(PROTOCOL_VERSION);
+        writer.Int64(PROTOCOL_VERSION);
     });
 }
 
@@ -231,23 +232,24 @@ std::string write_number_line(std::int64_t id, const std::string& name, const st
     return line_of("write", id, [&](Writer& writer) {
         write_text(writer, "name", name);
         writer.Key("value");
-        return writer.RawValue(number.data(), number.size(), rapidjson::kNumberType);
+        writer.RawValue(number.data(), number.size(), rapidjson::kNumberType);
     });
 }
 
 std::optional<std::string> write_text_line(std::int64_t id, const std::string& name,
                                            const std::string& text) {
-    std::string line = line_of("write", id, [&](Writer& writer) {
+    if (!is_utf8(text)) {
+        return std::nullopt;
+    }
+    return line_of("write", id, [&](Writer& writer) {
         write_text(writer, "name", name);
-        return write_text(writer, "value", text);
+        write_text(writer, "value", text);
     });
-    return line.empty() ? std::nullopt : std::optional<std::string>(std::move(line));
 }
 
 std::string error_line(const std::string& reason) {
-    return line_of("error", std::nullopt, [&](Writer& writer) {
-        return write_text(writer, "message", printable(reason));
-    });
+    return line_of("error", std::nullopt,
+                   [&](Writer& writer) { write_text(writer, "message", printable(reason)); });
 }
 
 }  // namespace frontpanel

@@ -76,6 +76,15 @@ TEST(Adapter_message, OneOfALaterVersionIsUnknown) {
     EXPECT_EQ(parse_adapter_message(R"({"type":"weather","id":1})").kind, Adapter_message::UNKNOWN);
 }
 
+// The heap ends with the text: a sanitizer sees what is read behind it.
+TEST(Adapter_message, ATextThatEndsWithinACharacterIsNotReadBeyondItsEnd) {
+    for (const char* const text : {"{\"type\":\"hello and more\xF2", "a text that ends\xF0\x9F"}) {
+        const std::string cut(text);
+        EXPECT_EQ(parse_adapter_message(cut).kind, Adapter_message::FAULTY);
+        EXPECT_EQ(write_text_line(1, "name", cut), std::nullopt);
+    }
+}
+
 TEST(Adapter_message, WhatIsNoMessageIsFaulty) {
     for (const std::string& line :
          {std::string(), std::string("text"), std::string("[]"), std::string("1"), std::string("{"),
