@@ -11,6 +11,27 @@ namespace frontpanel {
 namespace {
 
 constexpr int BEHIND = -1;  // the place right of the text, and the only one of an empty text
+constexpr std::size_t LONGEST_CHARACTER = 4;
+
+// Bytes of the character that begins at `at`. A byte that is no UTF-8 stands for itself.
+std::size_t size_of_character(const std::string& text, std::size_t at) {
+    for (std::size_t size = std::min(LONGEST_CHARACTER, text.size() - at); size > 1; --size) {
+        if (width_of(std::string_view(text).substr(at, size)) == 1) {
+            return size;
+        }
+    }
+    return 1;
+}
+
+// Where the character begins of which the byte `at` is a part.
+std::size_t start_of_character(const std::string& text, std::size_t at) {
+    for (std::size_t back = 1; back < LONGEST_CHARACTER && back <= at; ++back) {
+        if (size_of_character(text, at - back) > back) {
+            return at - back;
+        }
+    }
+    return at;
+}
 
 }  // namespace
 
@@ -22,6 +43,7 @@ void Text_editor::start() {
     m_text.emplace(edited().Get_pid(), edited().Get_index(), edited().Get_max_length());
     m_text->Set(text.c_str(), static_cast<unsigned int>(text.size()));
     m_position = length() == 0 ? BEHIND : 0;
+    stand_on_character();
     m_is_typing = false;
     m_viewed.set(text);
 }
@@ -101,13 +123,37 @@ void Text_editor::move_left() {
         length() > 0 && next == length() && next + 1 < static_cast<int>(m_text->Get_max_length());
     if (next < length() || can_widen) {
         ++m_position;
+        stand_on_character();
     }
 }
 
 void Text_editor::move_right() {
-    if (m_position > 0 || (m_position == 0 && has_room())) {
-        --m_position;
+    const int last = m_position - bytes_behind();
+    if (last > 0 || (last == 0 && has_room())) {
+        m_position = last - 1;
     }
+}
+
+// The cursor is on the first byte of a character.
+void Text_editor::stand_on_character() {
+    if (is_inside()) {
+        const std::size_t at = cursor();
+        m_position += static_cast<int>(at - start_of_character(working_text(), at));
+    }
+}
+
+// Of the character under the cursor, those after its first.
+int Text_editor::bytes_behind() {
+    return is_inside() ? static_cast<int>(size_of_character(working_text(), cursor())) - 1 : 0;
+}
+
+// The cursor stays on it.
+void Text_editor::replace(char character) {
+    std::string text = working_text();
+    const int behind = bytes_behind();
+    text.replace(cursor(), static_cast<std::size_t>(behind) + 1, 1, character);
+    put_working_text(text);
+    m_position -= behind;
 }
 
 // Where the cursor is, or would be once the text is widened, counted from the left.
@@ -118,6 +164,11 @@ std::size_t Text_editor::cursor() const {
 void Text_editor::turn(int direction) {
     if (!is_inside()) {
         widen(new_character());
+        return;
+    }
+    if (bytes_behind() > 0) {
+        const std::string& set = settings().characters;
+        replace(set.empty() ? new_character() : direction > 0 ? set.front() : set.back());
         return;
     }
     m_text->Inc_value(change_of(working_text()[cursor()], direction), m_position);
@@ -178,18 +229,22 @@ void Text_editor::insert() {
     m_position = length() - static_cast<int>(at) - 1;
 }
 
-void Text_editor::remove(std::size_t at) {
+// The character of which the byte `at` is a part. How many bytes it had.
+int Text_editor::remove(std::size_t at) {
     std::string text = working_text();
-    text.erase(at, 1);
+    const std::size_t start = start_of_character(text, at);
+    const std::size_t size = size_of_character(text, start);
+    text.erase(start, size);
     put_working_text(text);
+    return static_cast<int>(size);
 }
 
 void Text_editor::remove() {
     if (length() == 0 || m_position >= length()) {
         return;
     }
-    remove(std::min(cursor(), static_cast<std::size_t>(length()) - 1));
-    m_position = std::max(BEHIND, m_position - 1);
+    const int size = remove(std::min(cursor(), static_cast<std::size_t>(length()) - 1));
+    m_position = std::max(BEHIND, m_position - size);
 }
 
 // The cursor stands behind what was typed. Places are counted from the right, so it stays on its character.
@@ -229,9 +284,7 @@ void Text_editor::put(char character) {
         return;
     }
     if (is_inside()) {
-        std::string text = working_text();
-        text[cursor()] = taken;
-        put_working_text(text);
+        replace(taken);
     } else {
         widen(taken);
     }

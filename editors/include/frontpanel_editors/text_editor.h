@@ -6,8 +6,9 @@
 // long as the text has room. A new one is visible: "A", or the first of the set that is no blank. A typed character
 // takes the place of the one under the cursor, which moves on; one that the set lacks is ignored, unless the set has it
 // in the other case. DELETE takes the character under the cursor away, or the last one from the place behind the text.
-// ERASE does the same, but behind what was just typed it takes that back. Works on a copy: the entry's text changes only
-// when it is accepted.
+// ERASE does the same, but behind what was just typed it takes that back. A character beyond ASCII, which the text may
+// have from the device, is moved over, replaced and taken away as a whole, but none can be entered. Works on a copy: the
+// entry's text changes only when it is accepted.
 #ifndef FRONTPANEL_EDITORS_TEXT_EDITOR_H
 #define FRONTPANEL_EDITORS_TEXT_EDITOR_H
 
@@ -27,7 +28,8 @@ public:
 
     // The text as it would be accepted.
     std::string proposed_text();
-    // The cursor's place counted from the text's right end: 0 is the last character, -1 the place behind it.
+    // The cursor's place counted in bytes from the text's right end: 0 is the last byte, -1 the place behind it. On a
+    // character of several bytes it is the place of the first.
     int position() const { return m_position; }
 
 protected:
@@ -49,13 +51,16 @@ private:
     std::size_t cursor() const;
     void move_left();
     void move_right();
+    void stand_on_character();
+    int bytes_behind();
+    void replace(char character);
     void turn(int direction);
     int change_of(char character, int direction) const;
     char new_character() const;
     char in_set(char character) const;
     void insert(std::size_t at, char character);
     void insert();
-    void remove(std::size_t at);
+    int remove(std::size_t at);
     void remove();
     void take_back();
     void widen(char character);

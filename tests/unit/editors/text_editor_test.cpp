@@ -74,6 +74,40 @@ INSTANTIATE_TEST_SUITE_P(
         // a key that erases does the same while nothing was typed
         Case{"ABC", 8, "<E", "AC", 0}, Case{"ABC", 8, "5E", "", -1}));
 
+INSTANTIATE_TEST_SUITE_P(CharactersOfSeveralBytes, TextEditing,
+                         testing::Values(
+                             // are deleted, replaced and moved over as a whole
+                             Case{"a\xc3\xbc", 8, "X", "a", -1},
+                             Case{"a\xc3\xbc", 8, ">E", "a", -1},
+                             Case{"a\xc3\xbc"
+                                  "b",
+                                  8, "<X", "ab", 0},
+                             Case{"a\xc3\xbc"
+                                  "b",
+                                  8, "<<X",
+                                  "\xc3\xbc"
+                                  "b",
+                                  2},
+                             Case{"a\xc3\xbc"
+                                  "b",
+                                  8, "<>U",
+                                  "a\xc3\xbc"
+                                  "c",
+                                  0},
+                             Case{"a\xc3\xbc", 8, "U", "aA", 0}, Case{"a\xc3\xbc", 8, "D", "aA", 0},
+                             Case{"a\xc3\xbc", 8, "UU", "aB", 0},
+                             Case{"a\xc3\xbc", 8, "I", "aA\xc3\xbc", 2},
+                             Case{"\xe2\x82\xac", 8, ">U",
+                                  "\xe2\x82\xac"
+                                  "A",
+                                  0},
+                             Case{"\xc3\xbc", 2, ">X", "", -1},
+                             // a byte that is no UTF-8 stands for itself
+                             Case{"a\xbc", 8, "X", "a", -1},
+                             Case{"\xc3"
+                                  "b",
+                                  8, "<X", "b", 0}));
+
 INSTANTIATE_TEST_SUITE_P(
     Widening, TextEditing,
     testing::Values(
