@@ -267,13 +267,17 @@ std::string Json_value::shown_text() const {
     if (!is_text()) {
         fail_type("a text");
     }
-    const std::u32string characters = characters_of(m_node->text());
+    return expect_shown(std::string(m_node->text()));
+}
+
+const std::string& Json_value::expect_shown(const std::string& text) const {
+    const std::u32string characters = characters_of(text);
     if (std::any_of(characters.begin(), characters.end(), [](char32_t character) {
             return character == DAMAGED || is_control(character);
         })) {
         fail("expected printable characters in UTF-8");
     }
-    return std::string(m_node->text());
+    return text;
 }
 
 std::string Json_value::text_with_lines() const {
@@ -282,9 +286,7 @@ std::string Json_value::text_with_lines() const {
     }
     std::string on_one_line(m_node->text());
     std::replace(on_one_line.begin(), on_one_line.end(), '\n', ' ');
-    if (!is_printable(on_one_line)) {
-        fail("expected printable ASCII characters");
-    }
+    expect_shown(on_one_line);
     return std::string(m_node->text());
 }
 

@@ -40,7 +40,7 @@ Wanted_value value_of(const Json_value::Member& member, const Parameter_table& p
     if (parameter->type == INTEGER) {
         wanted.value.i = static_cast<int>(member.value.integer(parameter->min, parameter->max));
     } else {
-        wanted.value.s = member.value.text_of_length(0, parameter->length);
+        wanted.value.s = member.value.shown_text_of_length(0, parameter->length);
     }
     return wanted;
 }

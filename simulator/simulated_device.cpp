@@ -29,13 +29,13 @@ int slot_of(const Json_value& owner) {
 // Copies a text that fits with its terminator.
 template <size_t SIZE>
 void copy_text(const Json_value& text, char (&out)[SIZE]) {
-    const std::string value = text.text_of_length(1, SIZE - 1);
+    const std::string value = text.shown_text_of_length(1, SIZE - 1);
     std::copy(value.begin(), value.end(), out);
 }
 
 void check_tree(const Json_value& node, int level) {
     node.expect_members({"label", "children"});
-    node.member("label").text_of_length(1, LONGEST_TEXT);
+    node.member("label").shown_text_of_length(1, LONGEST_TEXT);
     if (level > DEEPEST_TREE) {
         node.fail("trees are nested more than " + std::to_string(DEEPEST_TREE) + " deep");
     }
@@ -129,7 +129,7 @@ private:
         const std::string value = m_problems.value_or(
             [&] {
                 const auto start = start_value(parameter);
-                return start ? start->text_of_length(0, most) : std::string();
+                return start ? start->shown_text_of_length(0, most) : std::string();
             },
             std::string());
         m_device.m_memory.add_text(key.first, key.second, most, value);
@@ -155,7 +155,7 @@ private:
     }
 
     void set_alias(const Json_value& alias, prod_id_t product) {
-        const std::string text = alias.text_of_length(0, Memory_device::MAX_ALIAS_LENGTH);
+        const std::string text = alias.shown_text_of_length(0, Memory_device::MAX_ALIAS_LENGTH);
         if (m_aliases.emplace(product, text).first->second != text) {
             alias.fail("product " + std::to_string(product) + " has another alias already");
         }
@@ -190,7 +190,7 @@ private:
         std::vector<Card_service::Option> options;
         for (const Json_value& label : list.items()) {
             options.push_back(
-                {std::to_string(options.size()), label.text_of_length(1, LONGEST_TEXT)});
+                {std::to_string(options.size()), label.shown_text_of_length(1, LONGEST_TEXT)});
         }
         if (options.empty()) {
             list.fail("expected at least one option");

@@ -37,7 +37,7 @@ const Json_node* element_of(const Json_node& list, const std::string& step) {
 }  // namespace
 
 Message_member::Message_member(const Json_value& value)
-    : m_name(value.text_of_length(1, LONGEST_MEMBER)) {
+    : m_name(value.shown_text_of_length(1, LONGEST_MEMBER)) {
     if (m_name.front() != '/') {
         m_steps.push_back(m_name);
         return;

@@ -92,7 +92,7 @@ Mqtt_settings mqtt_settings_of(const Json_value& options, const std::string& fol
 }
 
 std::string topic_of(const Json_value& value) {
-    std::string topic = value.text_of_length(1, LONGEST_TOPIC);
+    std::string topic = value.shown_text_of_length(1, LONGEST_TOPIC);
     if (mosquitto_pub_topic_check(topic.c_str()) != MOSQ_ERR_SUCCESS) {
         value.fail("expected a topic without \"+\" and \"#\", found \"" + topic + "\"");
     }

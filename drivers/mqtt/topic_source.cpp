@@ -38,7 +38,7 @@ std::vector<std::string> words_of(const Json_value& source) {
     std::vector<std::string> words;
     if (const auto list = source.find("words")) {
         for (const Json_value& item : list->some_items(MOST_WORDS, "words")) {
-            std::string word = item.text();
+            std::string word = item.shown_text();
             if (std::find(words.begin(), words.end(), word) != words.end()) {
                 item.fail("\"" + word + "\" is there already");
             }

@@ -49,7 +49,7 @@ std::vector<std::string> command_of(const Json_value& value) {
     std::vector<std::string> command;
     for (const Json_value& item : value.some_items(Adapter_place::MOST_ARGUMENTS, "arguments")) {
         command.push_back(
-            item.text_of_length(command.empty() ? 1 : 0, Adapter_place::LONGEST_ARGUMENT));
+            item.shown_text_of_length(command.empty() ? 1 : 0, Adapter_place::LONGEST_ARGUMENT));
     }
     return command;
 }
@@ -57,7 +57,7 @@ std::vector<std::string> command_of(const Json_value& value) {
 void read_path(const Json_value& value, const std::string& folder, Adapter_place& place) {
     auto* const address = reinterpret_cast<sockaddr_un*>(&place.address);
     const std::size_t longest = sizeof address->sun_path - 1;
-    place.path = joined(folder, value.text_of_length(1, longest));
+    place.path = joined(folder, value.shown_text_of_length(1, longest));
     if (place.path.size() > longest) {
         value.fail("the path with the folder of the menu file is longer than " +
                    std::to_string(longest) + " characters");

@@ -36,11 +36,11 @@ public:
     bool is_list() const;
     int64_t integer(int64_t min, int64_t max) const;
     bool boolean() const;
-    // Printable ASCII: names that a file or a rule refers to, and values that an editor takes.
+    // Printable ASCII: names that a file or a rule refers to.
     std::string text() const;
-    // Any UTF-8 text without control characters: what a display only shows.
+    // Any UTF-8 text without control characters: what a display shows.
     std::string shown_text() const;
-    // The same, with line ends: what no display shows.
+    // The same, with line ends: rules, of which a display shows the texts.
     std::string text_with_lines() const;
     std::string text_of_length(size_t min, size_t max) const;
     std::string shown_text_of_length(size_t min, size_t max) const;  // in bytes
@@ -63,6 +63,8 @@ public:
 private:
     std::string of_length(std::string text, size_t min, size_t max) const;
     void expect_object() const;
+    // The text, which is to be one of `shown_text`.
+    const std::string& expect_shown(const std::string& text) const;
     // Reports duplicates, and leaves them out.
     template <typename Work>
     void for_each_member(Work work) const;

@@ -143,5 +143,23 @@ TEST_P(Shown_values, ANameHasTheRoomThatItsValueLeaves) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, Shown_values, testing::ValuesIn(SIZES));
 
+TEST(ShownTexts, EveryTextOfAMenuMayHaveLettersBeyondAscii) {
+    Menu_panel panel(R"({"device": {"parameters": [
+        {"name": "level", "pid": 1, "type": "integer", "min": 0, "max": 99, "value": 5},
+        {"name": "note", "pid": 2, "type": "text", "length": 20, "value": "Küche 21 °C"},
+        {"name": "slot", "pid": 3, "type": "integer", "min": 0, "max": 14, "value": 1}],
+        "products": [{"slot": 2, "id": 12, "name": "Plätte", "family": "Töne"}]},
+        "menu": {"name": "Gerät", "items": [
+        {"type": "range", "name": "Größe", "parameter": "level", "format": "%d m²",
+         "binding": "warn \"Zu groß: {value} m²\" if value > 5"},
+        {"type": "text", "name": "Notiz", "parameter": "note"},
+        {"type": "slot", "name": "Plätze", "parameter": "slot"}]}})",
+                     {20, 4});
+    EXPECT_EQ(panel.lines(), (Lines{"Gerät            1/3", ">Größe          5 m²",
+                                    " Notiz   Küche 21 °C", " Plätze     2:Plätte"}));
+    panel.press(Key::SELECT).press(Key::UP).press(Key::SELECT);
+    EXPECT_EQ(panel.lines()[1], "Zu groß: 6 m²       ");
+}
+
 }  // namespace
 }  // namespace frontpanel
