@@ -9,24 +9,6 @@ void (*debug_listener)(uint32_t mask) = nullptr;
 namespace diagnostics {
 namespace {
 
-// Tells the listener of a line while it is printed.
-class Announcement {
-public:
-    explicit Announcement(uint32_t mask) : m_tells(mask != UNCONDITIONAL) { tell(mask); }
-    ~Announcement() { tell(0); }
-    Announcement(const Announcement&) = delete;
-    Announcement& operator=(const Announcement&) = delete;
-
-private:
-    void tell(uint32_t mask) const {
-        if (m_tells && debug_listener != nullptr) {
-            debug_listener(mask);
-        }
-    }
-
-    const bool m_tells;
-};
-
 void write_prefix(uint32_t place, const char* function, const char* file) {
     const auto line = static_cast<int>(place >> PREFIX_BITS);
     switch (static_cast<Prefix>(place & ((1U << PREFIX_BITS) - 1))) {
@@ -51,6 +33,20 @@ void write_prefix(uint32_t place, const char* function, const char* file) {
 }
 
 }  // namespace
+
+Announcement::Announcement(uint32_t mask) : m_tells(mask != UNCONDITIONAL) {
+    tell(mask);
+}
+
+Announcement::~Announcement() {
+    tell(0);
+}
+
+void Announcement::tell(uint32_t mask) const {
+    if (m_tells && debug_listener != nullptr) {
+        debug_listener(mask);
+    }
+}
 
 bool leaf_gate() {
     return (debug & (QUIET | VERBOSE)) != QUIET;

@@ -64,6 +64,21 @@ constexpr uint32_t place(Prefix prefix, int line) {
 // The mask of a line that is printed whatever `debug` holds, which the listener is not told of.
 constexpr uint32_t UNCONDITIONAL = 0;
 
+// Tells the listener of a line, whose mask it is given, while it is printed. `write` does so itself; a line with an
+// argument that prints lines of its own is announced before that is evaluated.
+class Announcement {
+public:
+    explicit Announcement(uint32_t mask);
+    ~Announcement();
+    Announcement(const Announcement&) = delete;
+    Announcement& operator=(const Announcement&) = delete;
+
+private:
+    void tell(uint32_t mask) const;
+
+    const bool m_tells;
+};
+
 // Prints a line, and tells the listener its mask before and 0 after it.
 __attribute__((cold, format(printf, 5, 6))) void write(uint32_t mask, uint32_t place,
                                                        const char* function, const char* file,

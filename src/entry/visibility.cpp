@@ -257,8 +257,12 @@ int Data_entry::conclude_visibility(bool if_control_refresh, Data_interface* pDa
 
 void Data_entry::refresh_for_visibility(Data_interface* iface) {
     if (EntryTypeSpecificOperation(this, iface, nullptr, true, OPERATION_REFRESH, nullptr) != 0) {
-        ENTRY_LINE(VISIBILITY, FUNCTION_FIRST, "isVisible",
-                   "Error refreshing entry [%s] vis=[%d]\n", Get_name(), isVisible());
+        if ((debug & diagnostics::VISIBILITY) == 0 || !diagnostics::entry_gate()) return;
+        const diagnostics::Announcement announcement(diagnostics::VISIBILITY);
+        const int visible = isVisible();  // may print lines of its own
+        FRONTPANEL_PRINT_FUNCTION_FIRST(diagnostics::UNCONDITIONAL, "isVisible",
+                                        "Error refreshing entry [%s] vis=[%d]\n", Get_name(),
+                                        visible);
     }
 }
 

@@ -2,6 +2,7 @@
 #include <frontpanel_data/entry.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -165,6 +166,31 @@ TEST_F(Visibility, AFailedRefreshIsReportedAndDoesNotHide) {
     const char* const line = "[isVisible][visibility.cpp][#] Error refreshing entry [A] vis=[1]\n";
     EXPECT_NE(capture(0x8400, action).out.find(line), std::string::npos);
     support::expect_line_gate(line, 0x401, Gate::ENTRY, action);
+}
+
+std::vector<std::string> g_told;
+
+// Says when it is asked for its visibility in the short form.
+class Asked_leaf : public Leaf {
+public:
+    using Leaf::isVisible;
+    using Leaf::Leaf;
+    int isVisible() override {
+        g_told.emplace_back("asked");
+        return Leaf::isVisible();
+    }
+};
+
+TEST_F(Visibility, TheLineOfAFailedRefreshIsAnnouncedBeforeTheEntryIsAsked) {
+    Asked_leaf leaf("A", &node);
+    leaf.refresh_result = 5;
+    g_told.clear();
+    debug_listener = [](uint32_t mask) { g_told.push_back(std::to_string(mask)); };
+    capture(0x8400, [&] { leaf.isVisible(true, &device); });
+    debug_listener = nullptr;
+    const std::vector<std::string> line = {std::to_string(DIAGNOSTIC_VISIBILITY), "asked"};
+    EXPECT_NE(std::search(g_told.begin(), g_told.end(), line.begin(), line.end()), g_told.end())
+        << testing::PrintToString(g_told);
 }
 
 TEST_F(Visibility, ARefreshWithoutAnInterfaceFailsWithoutReachingTheEntry) {
