@@ -7,7 +7,7 @@
 #define FRONTPANEL_DATA_LOCAL __attribute__((visibility("hidden")))
 
 // A private member in a gap between members, which 64-bit processors leave and others do not: there it stands behind them
-// all. Behind the gap the members are protected again.
+// all. Behind the gap the members are protected again. NOLINTBEGIN(bugprone-macro-parentheses): members, no values
 #ifdef __LP64__
 #define FRONTPANEL_DATA_IN_GAP(member) \
 private:                               \
@@ -18,6 +18,6 @@ protected:
 #else
 #define FRONTPANEL_DATA_IN_GAP(member)
 #define FRONTPANEL_DATA_WITHOUT_GAP(member) member;
-#endif
+#endif  // NOLINTEND(bugprone-macro-parentheses)
 
 #endif
