@@ -27,8 +27,14 @@ support::Pseudo_evdev* device_of(int descriptor) {
     return found == devices.end() ? nullptr : *found;
 }
 
+// In words of the machine, as the kernel has them.
 void set_bit(std::string& bits, unsigned bit) {
-    bits[bit / 8] = static_cast<char>(bits[bit / 8] | 1 << bit % 8);
+    unsigned long word = 0;
+    constexpr unsigned WORD_BITS = 8 * sizeof word;
+    char* const place = bits.data() + bit / WORD_BITS * sizeof word;
+    std::memcpy(&word, place, sizeof word);
+    word |= 1UL << bit % WORD_BITS;
+    std::memcpy(place, &word, sizeof word);
 }
 
 }  // namespace
@@ -121,7 +127,7 @@ int Pseudo_evdev::answer(unsigned long request, void* argument) {
     if (number == _IOC_NR(EVIOCGNAME(0))) {
         return give(m_name + std::string(1, '\0'));
     }
-    std::string bits(size, '\0');
+    std::string bits(size + sizeof(long), '\0');
     if (number == _IOC_NR(EVIOCGBIT(0, 0))) {
         for (const unsigned type : {0U + EV_SYN, 0U + EV_KEY, 0U + EV_REL, 0U + EV_ABS}) {
             set_bit(bits, type);
