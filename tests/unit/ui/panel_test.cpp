@@ -197,8 +197,17 @@ public:
     Lines last;
 };
 
-TEST_F(Panel_test, RunsOnAFrontUntilThePersonQuits) {
+TEST_F(Panel_test, HasTheTimeOfTheMachineByDefault) {
     open({{16, 2}});
+    const Time before = std::chrono::steady_clock::now();
+    const Time time = shown->panel.now();
+    EXPECT_LE(before, time);
+    EXPECT_LE(time, std::chrono::steady_clock::now());
+}
+
+// The clock stands still: while a key takes long, further ones are dropped.
+TEST_F(Panel_test, RunsOnAFrontUntilThePersonQuits) {
+    open();
     Key_front front;
     EXPECT_EQ(shown->panel.run(front), 0);
     EXPECT_EQ(front.last[0], "Gain            ");
