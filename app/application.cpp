@@ -34,8 +34,7 @@
 namespace frontpanel {
 namespace {
 
-// How long the end waits for what was written. A signal gives the process no more than a second.
-constexpr std::chrono::milliseconds LAST_WRITES(3000);
+// A signal gives the process no more than a second.
 constexpr std::chrono::milliseconds SIGNALLED_WRITES(700);
 
 // With `end` for a person, otherwise the script is played.

@@ -28,6 +28,9 @@ enum class Pace { OF_A_PERSON, OF_A_SCRIPT };
 void follow_drivers(Panel_options& options, const Loaded_panel& loaded, Output_log& log,
                     const Shown_panel& shown, Pace pace);
 
+// How long the end of a panel waits for what was written.
+inline constexpr std::chrono::milliseconds LAST_WRITES{3000};
+
 // Waits for what was written, `most` at the longest, and reports what did not get out. The exit status: `status`, or
 // EXIT_DIFFERENCE in place of success.
 int finish_writes(const Loaded_panel& loaded, Output_log& log, int status,

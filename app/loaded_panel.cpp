@@ -11,8 +11,8 @@ std::unique_ptr<Driven_device> driven_device(const std::string& file, const Json
                                              Problems& problems, Data_interface& others) {
     const std::string folder = std::filesystem::path(file).parent_path().string();
     Device_cache_settings settings;
-    settings.end_patience =
-        std::chrono::milliseconds(200);  // the panel's end waits for writes before
+    // A program that does not heed SIGTERM is killed after half a second: that must not be left behind.
+    settings.end_patience = std::chrono::seconds(2);
     return std::make_unique<Driven_device>(root, problems, driver_table(), folder, others,
                                            std::move(settings));
 }

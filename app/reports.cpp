@@ -129,7 +129,7 @@ int report(const Options& options) {
     log.out() << report_of(options, *loaded.menu);
     log.out().flush();
     check_written(!log.out());
-    return status;
+    return finish_writes(loaded, log, status, LAST_WRITES);
 }
 
 }  // namespace frontpanel

@@ -1,5 +1,9 @@
 #include "loaded_panel.h"
 
+#include <signal.h>
+
+#include <cerrno>
+
 #include <frontpanel_base/problems.h>
 #include "menu_files.h"
 
@@ -70,6 +74,36 @@ TEST_F(Loaded_driven_panel_test, OnlyTheCheckWarnsOfWhatCannotBeReadHere) {
     const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20, Drivers::CHECKED);
     ASSERT_EQ(loaded.warnings.size(), 1U);
     EXPECT_NE(loaded.warnings[0].find("cannot be read here: No such file"), std::string::npos);
+}
+
+TEST_F(Loaded_panel_test, AProgramThatIgnoresItsEndEndsWithThePanel) {
+    if (!has_driver("process")) {
+        GTEST_SKIP() << "built without the driver for programs";
+    }
+    write("adapter.py", R"(
+import json, os, signal
+signal.signal(signal.SIGTERM, signal.SIG_IGN)
+print('{"type": "hello", "version": 1}', flush=True)
+input()
+request = json.loads(input())
+print(json.dumps({"type": "result", "id": request["id"], "value": os.getpid()}), flush=True)
+while True:
+    signal.pause()
+)");
+    options.menu = write("driven.json", R"({"device": {
+        "drivers": {"room": {"driver": "process", "command": ["python3", "-S", "adapter.py"]}},
+        "parameters": [{"pid": 1, "type": "integer", "min": 0, "max": 2147483647,
+                        "source": {"name": "process"}}]},
+        "menu": {"name": "Main", "items": [{"type": "range", "name": "Process", "pid": 1}]}})");
+    int32_t process = 0;
+    {
+        const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20);
+        loaded.driven->cache().start();
+        loaded.driven->cache().read_all(std::chrono::seconds(60));
+        ASSERT_EQ(loaded.menu->access().Get(1, 0, &process, sizeof process), 0);
+    }
+    EXPECT_EQ(kill(process, 0), -1);
+    EXPECT_EQ(errno, ESRCH);
 }
 
 TEST_F(Loaded_panel_test, AMenuWithoutSourcesHasNoDrivers) {

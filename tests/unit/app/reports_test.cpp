@@ -138,6 +138,33 @@ TEST_F(Reports_test, TheyShowTheStateAndWhatAScriptMakesOfIt) {
     EXPECT_EQ(status, EXIT_DIFFERENCE);
 }
 
+// A program that takes a value and never answers.
+TEST_F(Reports_test, AWriteOfTheScriptThatTheDeviceDoesNotConfirmIsNamed) {
+    if (!has_driver("process")) {
+        GTEST_SKIP() << "built without the driver for programs";
+    }
+    write("adapter.sh", R"(
+echo '{"type": "hello", "version": 1}'
+read -r hello
+read -r request
+echo '{"type": "result", "id": 1, "value": 5}'
+cat > /dev/null
+)");
+    options.menu = write("driven.json", R"({"device": {
+        "drivers": {"room": {"driver": "process", "command": ["sh", "adapter.sh"],
+                             "timeout": "10s"}},
+        "parameters": [{"name": "gain", "pid": 1, "type": "integer", "min": 0, "max": 9,
+                        "source": {"name": "gain"}}]},
+        "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 1}]}})");
+    options.dump = "table";
+    options.script = write("up.script", "select\nup\nselect\n");
+    const support::Captured captured = support::capture(0, [this] { status = report(options); });
+    EXPECT_EQ(captured.err,
+              "frontpanel: room: gain: not written: no answer: it may or may not have been "
+              "written\n");
+    EXPECT_EQ(status, EXIT_DIFFERENCE);
+}
+
 // A person changed what a rule had written before the restart.
 TEST_F(Reports_test, ARuleDoesNotActAgainOnTheStateThatIsRestored) {
     options.menu = write("rules.json", R"({"device": {"parameters": [
