@@ -14,6 +14,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <random>
@@ -36,6 +37,10 @@ using std::chrono::steady_clock;
 
 constexpr std::uint32_t ITEMS_OF_A_MENU = 1000;
 constexpr int KEYS = 2000;
+// The tests only see that the cases run, with a hundredth of the keys and of the entries.
+bool is_quick() {
+    return std::getenv("FRONTPANEL_BENCH_QUICK") != nullptr;
+}
 constexpr std::uint32_t MODE = 1;  // a parameter that changes
 constexpr std::uint32_t FIRST = 100000;
 
@@ -71,8 +76,9 @@ public:
     Driver_result wait(milliseconds /*most*/, int /*wake*/, Value_sink& sink) override {
         std::this_thread::sleep_for(milliseconds(1));
         const auto now = steady_clock::now();
-        if (m_load.mode_interval.count() > 0 && now >= m_next_mode) {
-            m_next_mode = now + m_load.mode_interval;
+        if (now >= m_next_mode) {
+            m_next_mode = m_load.mode_interval.count() > 0 ? now + m_load.mode_interval
+                                                           : steady_clock::time_point::max();
             sink.value(0, ++m_value % 2);
         }
         for (std::uint32_t i = 0; i < m_load.pushed_at_once; ++i) {
@@ -195,7 +201,7 @@ double at_percentile(std::vector<double>& times, double share) {
 void use(Noting_front& front, clockid_t menu_thread, Waits& waits) {
     std::mt19937 random(1);
     std::uniform_int_distribution<int> pause(500, 4000);
-    for (int i = 0; i < KEYS; ++i) {
+    for (int i = 0, last = is_quick() ? KEYS / 100 : KEYS; i < last; ++i) {
         std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
         const Key::Kind kind = i == 0 ? Key::SELECT : i % 64 < 32 ? Key::DOWN : Key::UP;
         front.begin_key();
@@ -223,7 +229,8 @@ void add_parameters(Device_cache& cache, const Load& load) {
     }
 }
 
-void loaded_panel(benchmark::State& state, const Load& load) {
+void loaded_panel(benchmark::State& state, Load load) {
+    if (is_quick()) load.entries /= 100;
     Memory_device others;
     Device_cache cache(others);
     add_parameters(cache, load);
