@@ -112,7 +112,7 @@ bool is_one_of(const std::string& text, std::initializer_list<const char*> words
 // off.
 std::string flag_value(const CLI::Option& option, const std::string& text) {
     const std::string word = CLI::detail::to_lower(text);
-    const std::string usual = option.get_flag_value(option.get_lnames()[0], "");
+    std::string usual = option.get_flag_value(option.get_lnames()[0], "");
     if (is_one_of(word, {"false", "no", "off", "0"})) {
         return "";
     }
