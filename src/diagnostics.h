@@ -61,11 +61,11 @@ constexpr uint32_t place(Prefix prefix, int line) {
     return static_cast<uint32_t>(line) << PREFIX_BITS | static_cast<uint32_t>(prefix);
 }
 
-// The mask of a line that is printed whatever `debug` holds, which the listener is not told of.
+// The mask of a line that is printed whatever `debug` holds. The listener is not told about it.
 constexpr uint32_t UNCONDITIONAL = 0;
 
-// Tells the listener of a line, whose mask it is given, while it is printed. `write` does so itself; a line with an
-// argument that prints lines of its own is announced before that is evaluated.
+// Tells the listener the mask of a line before the line is printed, and 0 afterwards. `write` does this itself. Use
+// this class for a line with an argument that prints lines of its own: they belong between the two calls.
 class Announcement {
 public:
     explicit Announcement(uint32_t mask);
@@ -79,7 +79,7 @@ private:
     const bool m_tells;
 };
 
-// Prints a line, and tells the listener its mask before and 0 after it.
+// Prints a line. The listener is told its mask before the line and 0 after it.
 __attribute__((cold, format(printf, 5, 6))) void write(uint32_t mask, uint32_t place,
                                                        const char* function, const char* file,
                                                        const char* format, ...);

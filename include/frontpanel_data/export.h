@@ -6,8 +6,8 @@
 #define FRONTPANEL_DATA_EXPORT __attribute__((visibility("default")))
 #define FRONTPANEL_DATA_LOCAL __attribute__((visibility("hidden")))
 
-// A private member in a gap between members, which 64-bit processors leave and others do not: there it stands behind them
-// all. Behind the gap the members are protected again. NOLINTBEGIN(bugprone-macro-parentheses): members, no values
+// On 64-bit processors there are gaps between members, and a private member can fill one. Other processors have
+// no gap: the member comes last there. Members after the gap are protected. NOLINTBEGIN(bugprone-macro-parentheses)
 #ifdef __LP64__
 #define FRONTPANEL_DATA_IN_GAP(member) \
 private:                               \

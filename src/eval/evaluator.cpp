@@ -75,7 +75,7 @@ constexpr Function_index make_function_index() {
 
 constexpr Function_index FUNCTION_INDEX = make_function_index();
 
-// Null if there is none of this name.
+// Returns null if no function has this name.
 const FunctionDescriptor* find_function(const char* name) {
     const int letter = *name - 'a';
     if (letter < 0 || letter > 'z' - 'a') return nullptr;
