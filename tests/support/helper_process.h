@@ -17,10 +17,13 @@
 
 namespace support {
 
-// Runs until the object goes. Its standard input is a pipe that then ends; standard output and error are read together.
+// Runs until the object goes. Its standard input is a pipe that then ends.
 class Helper_process {
 public:
-    explicit Helper_process(std::vector<std::string> arguments) {
+    // Whether standard error is read together with standard output, or goes to the null device.
+    enum class Errors { READ, IGNORED };
+
+    explicit Helper_process(std::vector<std::string> arguments, Errors errors = Errors::READ) {
         int in[2];
         int out[2];
         if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0) {
@@ -34,7 +37,11 @@ public:
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, in[0], 0);
         posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-        posix_spawn_file_actions_adddup2(&actions, out[1], 2);
+        if (errors == Errors::READ) {
+            posix_spawn_file_actions_adddup2(&actions, out[1], 2);
+        } else {
+            posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+        }
         std::vector<char*> pointers;
         for (std::string& argument : arguments) {
             pointers.push_back(argument.data());
@@ -50,6 +57,8 @@ public:
     Helper_process(const Helper_process&) = delete;
     Helper_process& operator=(const Helper_process&) = delete;
 
+    // 0 when the program was not found, or has ended by `end`.
+    pid_t id() const { return m_process; }
     // Reads its output up to a line that holds `text`. False when it ends, or says nothing for long.
     bool wait_for(const std::string& text) {
         for (char c = 0; is_readable() && read(m_out.number(), &c, 1) == 1;) {
@@ -63,7 +72,12 @@ public:
     }
     const std::string& line() const { return m_line; }  // the last one
     const std::string& output() const { return m_all; }
-    void signal(int number) const { kill(m_process, number); }
+    void signal(int number) const {
+        if (m_process > 0) {
+            kill(m_process, number);
+        }
+    }
+    // Requires: it heeds SIGTERM, or has been killed. A process that is stopped does not.
     void end() {
         m_in.reset();
         if (m_process > 0) {

@@ -6,10 +6,8 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -22,6 +20,7 @@
 #include <iterator>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -31,6 +30,7 @@
 #include <vector>
 
 #include <frontpanel_base/descriptor.h>
+#include "support/helper_process.h"
 
 namespace support {
 
@@ -345,68 +345,58 @@ private:
 };
 
 // A program that the soak starts, and starts again when it was killed.
-class Listening_server : public Process_server {
+class Unsteady_program {
 public:
-    Listening_server(const std::string& letter, const std::string& options,
-                     const std::string& folder, std::vector<std::string> command)
-        : Process_server(letter, options, folder + "/record"), m_command(std::move(command)) {
+    explicit Unsteady_program(std::vector<std::string> command) : m_command(std::move(command)) {
         start();
     }
-    ~Listening_server() override {
-        if (m_process > 0) {
-            kill(m_process, SIGKILL);
-            waitpid(m_process, nullptr, 0);
+    ~Unsteady_program() { kill_it(); }
+    Unsteady_program(const Unsteady_program&) = delete;
+    Unsteady_program& operator=(const Unsteady_program&) = delete;
+
+    // Its process; 0 when it does not run.
+    pid_t id() const { return m_process ? m_process->id() : 0; }
+    // Waits until it serves. False when it ends before.
+    bool wait_until_ready() { return m_process && m_process->wait_for("ready"); }
+    // Returns when it has ended, also if it was stopped.
+    void kill_it() {
+        if (m_process) {
+            m_process->signal(SIGKILL);
+            m_process.reset();
         }
     }
-    // Waits until it serves. False when it ends before.
-    bool wait_until_ready() const {
-        constexpr int LONG_TIME = 20000;  // milliseconds
-        char c = 0;
-        pollfd source{m_output.number(), POLLIN, 0};
-        return poll(&source, 1, LONG_TIME) == 1 && read(m_output.number(), &c, 1) == 1;
-    }
-    void mend() override {
-        Process_server::mend();
-        if (m_process == 0) {
+    void start_again() {
+        if (id() == 0) {
             start();
         }
     }
 
-protected:
-    pid_t process() const override { return m_process; }
-    void ended(pid_t id) override {
-        waitpid(id, nullptr, 0);
-        m_process = 0;
+private:
+    void start() { m_process.emplace(m_command, Helper_process::Errors::IGNORED); }
+
+    const std::vector<std::string> m_command;
+    std::optional<Helper_process> m_process;
+};
+
+// A server that the soak starts.
+class Listening_server : public Process_server {
+public:
+    Listening_server(const std::string& letter, const std::string& options,
+                     const std::string& folder, std::vector<std::string> command)
+        : Process_server(letter, options, folder + "/record"), m_program(std::move(command)) {}
+    // Waits until it serves. False when it ends before.
+    bool wait_until_ready() { return m_program.wait_until_ready(); }
+    void mend() override {
+        Process_server::mend();
+        m_program.start_again();
     }
+
+protected:
+    pid_t process() const override { return m_program.id(); }
+    void ended(pid_t /*id*/) override { m_program.kill_it(); }
 
 private:
-    void start() {
-        int out[2];
-        if (pipe2(out, O_CLOEXEC) != 0) {
-            throw std::runtime_error("no pipe can be made");
-        }
-        m_output = frontpanel::Descriptor(out[0]);
-        const frontpanel::Descriptor its(out[1]);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-        posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-        std::vector<char*> pointers;
-        for (std::string& argument : m_command) {
-            pointers.push_back(argument.data());
-        }
-        pointers.push_back(nullptr);
-        if (posix_spawnp(&m_process, pointers[0], &actions, nullptr, pointers.data(), environ) !=
-            0) {
-            m_process = 0;
-        }
-        posix_spawn_file_actions_destroy(&actions);
-    }
-
-    std::vector<std::string> m_command;
-    pid_t m_process = 0;
-    frontpanel::Descriptor m_output;
+    Unsteady_program m_program;
 };
 
 // An adapter behind a Unix socket, which sends changes by itself.
