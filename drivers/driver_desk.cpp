@@ -20,6 +20,7 @@ constexpr milliseconds HANGS_AFTER(5000);   // a call of a driver that takes lon
 constexpr milliseconds LONGEST_WAIT(60000);
 constexpr milliseconds ANSWERED_WITHIN(5000);  // a write that was passed on
 constexpr std::size_t MOST_WRITES = 32;        // between two reads
+constexpr std::size_t MOST_AWAITED = 256;      // writes to one parameter that were passed on
 constexpr const char* NO_ANSWER = "it does not answer";
 constexpr const char* NO_VALUE = "it delivers no value";
 constexpr const char* UNKNOWN_ERROR = "unknown error";
@@ -449,9 +450,7 @@ void Driver_desk::go_away(const std::string& reason) {
             record.connection == m_connection) {
             record.taken = time;
         }
-        record.passed_on.reset();
     }
-    m_passed_on.clear();
     m_is_connected = false;
     m_away_reason = reason_of(reason, "no connection");
     m_pause = std::clamp(2 * m_pause, m_settings.first_pause, m_settings.longest_pause);
@@ -459,6 +458,7 @@ void Driver_desk::go_away(const std::string& reason) {
     if (!std::exchange(m_is_told_away, true)) {
         tell(Driver_event::AWAY, nullptr, m_away_reason);
     }
+    lose_answers();
 }
 
 // A connection that is made and lost again at once is none: the pauses go on growing.
@@ -538,10 +538,12 @@ void Driver_desk::finish_write(Record& record, std::size_t number, const Driver_
     prove();
     const std::string reason = reason_of(result.reason, "no reason given");
     changing(record, [&](Time time) {
-        record.passed_on.reset();
         if (result.kind == Driver_result::PASSED_ON) {
             await_answer(number, time);
-        } else if (result.kind == Driver_result::DONE) {
+        } else if (result.kind != Driver_result::REFUSED) {
+            end_wait(record);
+        }
+        if (result.kind == Driver_result::DONE) {
             record.value = std::move(*record.in_flight);
             record.is_known = true;
             record.taken = time;
@@ -564,25 +566,70 @@ void Driver_desk::finish_write(Record& record, std::size_t number, const Driver_
 // Requires: the value is in flight. A device that has it already has nothing to push.
 void Driver_desk::await_answer(std::size_t number, Time time) {
     Record& record = m_records[number];
-    if (freshness(record, time) == Freshness::FRESH && record.value == record.in_flight) {
+    if (record.passed_on) {
+        record.passed_on_before.push_back(*std::move(record.passed_on));
+        if (record.passed_on_before.size() > MOST_AWAITED) {
+            record.passed_on_before.pop_front();
+        }
+    } else if (freshness(record, time) == Freshness::FRESH && record.value == record.in_flight) {
         return;
+    } else {
+        m_passed_on.push_back(number);
     }
     record.passed_on = std::move(record.in_flight);
     record.passed_on_at = time;
-    m_passed_on.push_back(number);
+}
+
+void Driver_desk::end_wait(Record& record) {
+    record.passed_on.reset();
+    record.passed_on_before.clear();
+}
+
+// Whether the value is the device's answer to the last write. What it pushes before it has taken that one is its value so
+// far, again and again with some devices, or its answers to the writes before.
+bool Driver_desk::is_answer(Record& record, const Parameter_value& value) {
+    std::deque<Parameter_value>& before = record.passed_on_before;
+    const bool is_awaited_again = before.empty() && value == record.passed_on;
+    if (record.is_known && value == record.value && !is_awaited_again) {
+        return false;
+    }
+    const auto found = std::find(before.begin(), before.end(), value);
+    if (found != before.end()) {
+        before.erase(before.begin(), found + 1);
+        return false;
+    }
+    return true;
 }
 
 void Driver_desk::give_up_answers(Time time) {
     const auto is_over = [this, time](std::size_t number) {
         Record& record = m_records[number];
         if (record.passed_on && time - record.passed_on_at >= ANSWERED_WITHIN) {
-            changing(record, [&](Time) { record.passed_on.reset(); });
-            tell(Driver_event::WRITE_UNANSWERED, &record, NOT_TAKEN);
+            const bool is_taken =
+                freshness(record, time) == Freshness::FRESH && record.value == record.passed_on;
+            changing(record, [&](Time) { end_wait(record); });
+            if (!is_taken) {
+                tell(Driver_event::WRITE_UNANSWERED, &record, NOT_TAKEN);
+            }
         }
         return !record.passed_on;
     };
     m_passed_on.erase(std::remove_if(m_passed_on.begin(), m_passed_on.end(), is_over),
                       m_passed_on.end());
+}
+
+// Nobody knows whether the device got what was on its way.
+void Driver_desk::lose_answers() {
+    for (const std::size_t number : std::exchange(m_passed_on, {})) {
+        Record& record = m_records[number];
+        if (record.passed_on) {
+            changing(record, [&](Time) {
+                end_wait(record);
+                record.is_known = false;
+            });
+            tell(Driver_event::WRITE_TIMED_OUT, &record, m_away_reason);
+        }
+    }
 }
 
 // ---- reads
@@ -674,6 +721,9 @@ void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool
     prove();
     note_life();
     changing(record, [&](Time time) {
+        if (record.passed_on && is_answer(record, value)) {
+            end_wait(record);
+        }
         record.value = value;
         record.is_known = true;
         record.is_pushed = is_pushed;
@@ -681,7 +731,6 @@ void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool
         record.taken = time;
         record.connection = m_connection;
         record.next_read = time + record.poll;
-        record.passed_on.reset();
         end_failure(record);
     });
 }
@@ -698,7 +747,7 @@ void Driver_desk::receive_failure(std::size_t number, const std::string& failure
         record.is_pushed = is_pushed;
         record.is_reported = true;
         record.next_read = time + record.poll;
-        record.passed_on.reset();
+        end_wait(record);
         if (is_new) {
             tell(Driver_event::READ_FAILED, &record, record.failure);
         }

@@ -85,7 +85,8 @@ private:
         std::uint64_t unsent_turn = 0;  // its place in m_writes
         Time unsent_since{};
         std::optional<Parameter_value> in_flight;
-        std::optional<Parameter_value> passed_on;  // until the device pushes a value
+        std::optional<Parameter_value> passed_on;  // until the device answers
+        std::deque<Parameter_value> passed_on_before;  // earlier ones, the oldest first
         Time passed_on_at{};
     };
     // What somebody who looks at the parameter sees.
@@ -134,6 +135,9 @@ private:
     void finish_write(Record& record, std::size_t number, const Driver_result& result, Time since);
     void await_answer(std::size_t number, Time time);
     void give_up_answers(Time time);
+    static bool is_answer(Record& record, const Parameter_value& value);
+    static void end_wait(Record& record);
+    void lose_answers();
     void read_due(Lock& lock);
     std::vector<std::size_t> due_numbers(Time time);
     void prefer_left(std::vector<std::size_t>& due) const;

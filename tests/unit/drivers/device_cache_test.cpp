@@ -622,13 +622,93 @@ TEST_F(Passed_on_test, AFailureOfTheDeviceIsItsAnswer) {
     EXPECT_EQ(freshness(0), Freshness::OLD);
 }
 
-TEST_F(Passed_on_test, TheLossOfTheConnectionEndsTheWait) {
+TEST_F(Passed_on_test, TheLossOfTheConnectionLeavesItUnknown) {
     m_device->be_away("closed");
     step();
     EXPECT_FALSE(is_writing());
+    EXPECT_EQ(freshness(0), Freshness::UNKNOWN);
+    EXPECT_EQ(events(), (Lines{"plc: away: closed", "plc: p0: write timed out: closed"}));
+}
+
+// A device that publishes its value over and over does so between the write and its answer, too.
+TEST_F(Passed_on_test, AValueThatStaysAsItIsIsNoAnswer) {
+    m_device->push(0, 8);
+    step();
+    EXPECT_EQ(number_of(m_cache, 0), 9);
+    EXPECT_TRUE(is_writing());
+    m_clock->advance(5s);
+    step();
     EXPECT_EQ(number_of(m_cache, 0), 8);
-    EXPECT_EQ(freshness(0), Freshness::OLD);
-    EXPECT_EQ(events(), Lines{"plc: away: closed"});
+    EXPECT_EQ(events(), Lines{"plc: p0: no answer: the device keeps its value"});
+}
+
+TEST_F(Passed_on_test, AnAnswerToAnOlderWriteIsNoneToTheLast) {
+    write(10);
+    write(11);
+    for (const int older : {9, 10}) {
+        m_device->push(0, older);
+        step();
+        EXPECT_EQ(number_of(m_cache, 0), 11);
+        EXPECT_TRUE(is_writing());
+    }
+    m_device->push(0, 11);
+    step();
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(number_of(m_cache, 0), 11);
+    m_clock->advance(1min);
+    step();
+    EXPECT_EQ(events(), Lines{});
+}
+
+TEST_F(Passed_on_test, AnotherValueIsTheAnswerToAllWrites) {
+    write(10);
+    m_device->push(0, 7);
+    step();
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(number_of(m_cache, 0), 7);
+}
+
+TEST_F(Passed_on_test, AWriteBackIsAwaitedBehindTheOther) {
+    write(8);
+    for (const int between : {8, 9}) {
+        m_device->push(0, between);
+        step();
+        EXPECT_EQ(number_of(m_cache, 0), 8);
+        EXPECT_TRUE(is_writing());
+    }
+    m_device->push(0, 8);
+    step();
+    EXPECT_FALSE(is_writing());
+}
+
+TEST_F(Passed_on_test, AValueThatTheDeviceHasInTheEndWasTaken) {
+    write(8);
+    m_clock->advance(5s);
+    step();
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(number_of(m_cache, 0), 8);
+    EXPECT_EQ(events(), Lines{});
+}
+
+TEST_F(Passed_on_test, ARefusalLeavesTheWriteBeforeUnderWay) {
+    m_device->answer_writes({Driver_result::refused("too large")});
+    set_number(m_cache, 0, 10);
+    step();
+    EXPECT_EQ(events(), Lines{"plc: p0: write refused: too large"});
+    EXPECT_EQ(number_of(m_cache, 0), 9);
+    EXPECT_TRUE(is_writing());
+    m_clock->advance(5s);
+    step();
+    EXPECT_EQ(events(), Lines{"plc: p0: no answer: the device keeps its value"});
+}
+
+TEST_F(Passed_on_test, ATimeOutOfANewerWriteLeavesTheValueUnknown) {
+    m_device->answer_writes({Driver_result::timed_out("no answer")});
+    set_number(m_cache, 0, 10);
+    step();
+    EXPECT_EQ(freshness(0), Freshness::UNKNOWN);
+    EXPECT_FALSE(is_writing());
+    EXPECT_EQ(events(), Lines{"plc: p0: write timed out: no answer"});
 }
 
 // ---- the rest of the device
