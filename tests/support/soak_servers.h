@@ -10,12 +10,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -104,6 +106,12 @@ private:
     std::map<std::string, std::vector<Entry>> m_entries;
 };
 
+constexpr milliseconds POLL(200);
+// What a value may be older than its driver's bounds: a tick of the panel, and what a busy machine takes.
+constexpr milliseconds SLACK(1900);
+// Three polls; of a server that pushes, two of its time limits.
+constexpr milliseconds WINDOW = SLACK + std::max(3 * POLL, milliseconds(1000));
+
 class Soak_server {
 public:
     using Random = std::mt19937;
@@ -123,6 +131,15 @@ public:
     // The name of a setting in its record.
     virtual std::string recorded(const std::string& what) const { return what; }
     virtual bool has_text() const { return false; }
+    // Whether all its parameters have the interval POLL.
+    virtual bool has_poll() const { return true; }
+    static std::string poll_member() {
+        return R"("poll": ")" + std::to_string(POLL.count()) + R"(ms")";
+    }
+    // What is shown as fresh now was held at this time or later.
+    virtual Soak_time oldest(const std::string& /*what*/, Soak_time now) const {
+        return now - WINDOW;
+    }
     // With all writes that have reached the server.
     Write_record& record() {
         take_writes();
@@ -307,6 +324,7 @@ protected:
     // Its id; 0 when it does not run.
     virtual pid_t process() const = 0;
     virtual void ended(pid_t id) = 0;
+    bool is_stopped() const { return m_stopped > 0; }
 
 private:
     pid_t m_stopped = 0;
@@ -436,6 +454,99 @@ public:
         return what == "set" ? "10" : "11";
     }
 };
+
+#ifdef FRONTPANEL_SOAK_MQTT_DEVICE
+// A device behind a broker. Either may be killed or stopped.
+class Broker_server : public Process_server {
+public:
+    Broker_server(const std::string& letter, const std::string& folder, std::uint16_t port)
+        : Process_server(
+              letter,
+              R"("driver": "mqtt", "status": "soak/panel", "host": "127.0.0.1", "port": )" +
+                  std::to_string(port),
+              folder + "/record"),
+          m_broker({"/usr/sbin/mosquitto", "-c", settings(folder, port)}),
+          m_device({FRONTPANEL_SOAK_MQTT_DEVICE, folder + "/record", std::to_string(port)}) {}
+
+    // False when there is no broker.
+    bool wait_until_ready() { return m_broker.id() > 0 && m_device.wait_until_ready(); }
+    std::string source(const std::string& what) const override {
+        static const std::map<std::string, std::string> SOURCES{
+            {"clock", R"("topic": "soak/clock", "qos": 0, )"},
+            {"text", R"("topic": "soak/state", "member": "text", )"},
+            {"set", R"("topic": "soak/set", "write": "soak/write/set", )"},
+            {"live", R"("topic": "soak/live", "member": "level", "write": "soak/write/live", )"
+                     R"("write-member": "value", "qos": 2)"}};
+        return SOURCES.at(what) + (what == "live" ? "" : poll_member());
+    }
+    bool has_text() const override { return true; }
+    // "live" has no interval.
+    bool has_poll() const override { return false; }
+    // What was published while the broker stood still is news when it goes on: nothing in a message says when it was
+    // published. Without an interval a value is fresh until the silence of the broker is noticed.
+    Soak_time oldest(const std::string& what, Soak_time now) const override {
+        constexpr milliseconds SILENCE(10000);
+        constexpr milliseconds ON_THE_WAY(200);
+        Soak_time oldest =
+            Process_server::oldest(what, now) - (what == "live" ? SILENCE : milliseconds(0));
+        for (auto stand = m_stands.rbegin(); stand != m_stands.rend() && stand->end >= oldest;
+             ++stand) {
+            oldest = std::min(oldest, stand->begin - ON_THE_WAY);
+        }
+        return oldest;
+    }
+
+    std::pair<std::string, milliseconds> disturb(Random& random) override {
+        const auto is_one_of = [&random](int count) {
+            return std::uniform_int_distribution<int>(1, count)(random) == 1;
+        };
+        m_victim = is_one_of(2) ? &m_device : &m_broker;
+        auto [what, length] = Process_server::disturb(random);
+        if (m_victim == &m_broker && is_stopped()) {
+            m_stopped_at = std::chrono::steady_clock::now();
+            // The panel has then noticed by itself.
+            length = is_one_of(4) ? time_between(random, 9000, 14000) : length;
+        }
+        return {(m_victim == &m_broker ? "broker " : "device ") + what, length};
+    }
+    void mend() override {
+        Process_server::mend();
+        if (m_stopped_at) {
+            m_stands.push_back({*m_stopped_at, std::chrono::steady_clock::now()});
+            m_stopped_at.reset();
+        }
+        constexpr std::size_t REMEMBERED = 10;
+        if (m_stands.size() > REMEMBERED) {
+            m_stands.pop_front();
+        }
+        m_broker.start_again();
+        m_device.start_again();
+    }
+
+protected:
+    pid_t process() const override { return m_victim->id(); }
+    void ended(pid_t /*id*/) override { m_victim->kill_it(); }
+
+private:
+    struct Stand {
+        Soak_time begin;
+        Soak_time end;
+    };
+
+    static std::string settings(const std::string& folder, std::uint16_t port) {
+        std::string file = folder + "/broker.conf";
+        std::ofstream(file) << "listener " << port
+                            << " 127.0.0.1\nallow_anonymous true\nuser root\nlog_dest none\n";
+        return file;
+    }
+
+    Unsteady_program m_broker;
+    Unsteady_program m_device;
+    Unsteady_program* m_victim = &m_broker;
+    std::optional<Soak_time> m_stopped_at;
+    std::deque<Stand> m_stands;
+};
+#endif
 
 // A port of loopback that nobody has.
 inline std::uint16_t free_port() {
