@@ -9,6 +9,11 @@ namespace frontpanel {
 
 Value_sink::~Value_sink() = default;
 
+void Value_sink::late_value(std::size_t number, const Parameter_value& value,
+                            std::chrono::milliseconds /*age*/) {
+    this->value(number, value);
+}
+
 Driver::~Driver() = default;
 
 void Driver::check(Problems& /*problems*/) const {}

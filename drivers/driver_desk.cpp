@@ -61,9 +61,12 @@ public:
     explicit Sink(Driver_desk& desk) : m_desk(desk) {}
 
     void value(std::size_t number, const Parameter_value& value) override {
+        late_value(number, value, milliseconds(0));
+    }
+    void late_value(std::size_t number, const Parameter_value& value, milliseconds age) override {
         const bool is_pushed = m_desk.m_driver->pushes(number);
         const std::lock_guard<std::mutex> lock(m_desk.m_mutex);
-        m_desk.receive(number, value, is_pushed);
+        m_desk.receive(number, value, is_pushed, age);
     }
     void failure(std::size_t number, const std::string& reason) override {
         const bool is_pushed = m_desk.m_driver->pushes(number);
@@ -709,7 +712,8 @@ void Driver_desk::end_failure(Record& record) {
     }
 }
 
-void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool is_pushed) {
+void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool is_pushed,
+                          Milliseconds age) {
     if (number >= m_records.size()) {
         return;
     }
@@ -728,7 +732,7 @@ void Driver_desk::receive(std::size_t number, const Parameter_value& value, bool
         record.is_known = true;
         record.is_pushed = is_pushed;
         record.is_reported = true;
-        record.taken = time;
+        record.taken = time - age;
         record.connection = m_connection;
         record.next_read = time + record.poll;
         end_failure(record);

@@ -85,7 +85,7 @@ private:
         std::uint64_t unsent_turn = 0;  // its place in m_writes
         Time unsent_since{};
         std::optional<Parameter_value> in_flight;
-        std::optional<Parameter_value> passed_on;  // until the device answers
+        std::optional<Parameter_value> passed_on;      // until the device answers
         std::deque<Parameter_value> passed_on_before;  // earlier ones, the oldest first
         Time passed_on_at{};
     };
@@ -144,7 +144,8 @@ private:
     void finish_read(const std::vector<std::size_t>& numbers, const Driver_result& result);
     Milliseconds time_left(Time time) const;
     void end_failure(Record& record);
-    void receive(std::size_t number, const Parameter_value& value, bool is_pushed);
+    void receive(std::size_t number, const Parameter_value& value, bool is_pushed,
+                 Milliseconds age);
     void receive_failure(std::size_t number, const std::string& failure, bool is_pushed);
     template <typename Call>
     Driver_result call(Lock& lock, Call call);

@@ -60,7 +60,7 @@ public:
         for (const auto& [topic, numbers] : m_numbers) {
             for (const std::size_t number : numbers) {
                 if (m_link.is_refused(topic)) {
-                    m_waiting[number] = No_value{TOPIC_REFUSED};
+                    m_waiting[number] = {No_value{TOPIC_REFUSED}};
                     m_silent.erase(number);
                 }
             }
@@ -117,6 +117,10 @@ private:
         std::string name;
     };
     using Received = std::variant<Parameter_value, No_value>;
+    struct Arrival {
+        Received received;
+        Clock::time_point time = Clock::now();
+    };
 
     template <typename Key_of>
     void warn_of_doubles(Problems& problems, const char* verb, Key_of key_of) const {
@@ -138,7 +142,7 @@ private:
         }
         Topic_message received(message);
         for (const std::size_t number : numbers->second) {
-            m_waiting[number] = value_in(m_sources[number], received);
+            m_waiting[number] = {value_in(m_sources[number], received)};
             m_silent.erase(number);
         }
     }
@@ -146,16 +150,18 @@ private:
     // What a topic holds comes with the subscription: where nothing came, there is nothing.
     void give_up_silent_ones() {
         for (const std::size_t number : std::exchange(m_silent, {})) {
-            m_waiting.emplace(number, No_value{NO_MESSAGE});
+            m_waiting.emplace(number, Arrival{No_value{NO_MESSAGE}});
         }
     }
 
     void pass(Value_sink& sink) {
-        for (const auto& [number, received] : std::exchange(m_waiting, {})) {
-            if (const auto* const none = std::get_if<No_value>(&received)) {
+        for (const auto& [number, arrival] : std::exchange(m_waiting, {})) {
+            if (const auto* const none = std::get_if<No_value>(&arrival.received)) {
                 sink.failure(number, none->reason);
             } else {
-                sink.value(number, std::get<Parameter_value>(received));
+                sink.late_value(
+                    number, std::get<Parameter_value>(arrival.received),
+                    std::chrono::duration_cast<milliseconds>(Clock::now() - arrival.time));
             }
         }
     }
@@ -168,7 +174,7 @@ private:
     std::vector<Declared> m_declared;
     std::map<std::string, std::vector<std::size_t>> m_numbers;  // by topic
     std::map<std::string, int> m_topics;                        // quality of service, by topic
-    std::map<std::size_t, Received> m_waiting;                  // arrived, and not yet passed on
+    std::map<std::size_t, Arrival> m_waiting;                   // arrived, and not yet passed on
     std::set<std::size_t> m_silent;  // for which there has never been a message
     Clock::time_point m_silent_until{};
     Mqtt_link m_link;

@@ -74,8 +74,9 @@ public:
         locked([&] { m_thrown = what; });
     }
     // Passed to the sink of the next `wait`.
-    void push(std::size_t number, Parameter_value value) {
-        locked([&] { m_waiting.emplace_back(number, std::move(value)); });
+    void push(std::size_t number, Parameter_value value,
+              std::chrono::milliseconds age = std::chrono::milliseconds(0)) {
+        locked([&] { m_waiting.push_back({number, std::move(value), age}); });
         const std::uint64_t one = 1;
         (void)!write(m_pushes.number(), &one, sizeof one);
     }
@@ -145,7 +146,12 @@ private:
     std::map<std::size_t, std::string> m_failures;
     std::set<std::size_t> m_pushed;
     std::set<std::size_t> m_repeated;
-    std::vector<std::pair<std::size_t, Parameter_value>> m_waiting;
+    struct Pushed {
+        std::size_t number;
+        Parameter_value value;
+        std::chrono::milliseconds age;
+    };
+    std::vector<Pushed> m_waiting;
     std::vector<Driver_result> m_write_results;
     std::function<void()> m_during_write;
     Driver_result m_read_result;
@@ -265,8 +271,8 @@ public:
         const auto waiting = std::exchange(m_device->m_waiting, {});
         const Driver_result result = away_or_done();
         lock.unlock();
-        for (const auto& [number, value] : waiting) {
-            sink.value(number, value);
+        for (const auto& [number, value, age] : waiting) {
+            sink.late_value(number, value, age);
         }
         return result;
     }

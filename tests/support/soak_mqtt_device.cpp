@@ -67,10 +67,10 @@ public:
         mosquitto_connect_callback_set(m_client, [](mosquitto* client, void*, int) {
             mosquitto_subscribe(client, nullptr, (std::string(WRITES) + "+").c_str(), 2);
         });
-        mosquitto_subscribe_callback_set(
-            m_client, [](mosquitto*, void* device, int, int, const int*) {
-                static_cast<Device*>(device)->begin();
-            });
+        mosquitto_subscribe_callback_set(m_client,
+                                         [](mosquitto*, void* device, int, int, const int*) {
+                                             static_cast<Device*>(device)->begin();
+                                         });
         mosquitto_message_callback_set(
             m_client, [](mosquitto*, void* device, const mosquitto_message* message) {
                 static_cast<Device*>(device)->take(
@@ -86,8 +86,7 @@ public:
 private:
     void work() {
         Clock::time_point next_tick = Clock::now();
-        for (int wait = 0;
-             mosquitto_loop(m_client, std::max(wait, 0), 1) == MOSQ_ERR_SUCCESS;) {
+        for (int wait = 0; mosquitto_loop(m_client, std::max(wait, 0), 1) == MOSQ_ERR_SUCCESS;) {
             const Clock::time_point now = Clock::now();
             if (now >= next_tick) {
                 next_tick = now + TICK;

@@ -59,6 +59,10 @@ public:
     // The device holds this value now. One of the wrong type, beyond the declared limits or too long counts as a
     // failure: a value is never cut or bent to fit.
     virtual void value(std::size_t number, const Parameter_value& value) = 0;
+    // The device held this value `age` ago, and is not known to hold another one: what arrived during a call that has no
+    // sink. The base passes it on as the value of now.
+    virtual void late_value(std::size_t number, const Parameter_value& value,
+                            std::chrono::milliseconds age);
     // The parameter has no usable value now, although the connection stands.
     virtual void failure(std::size_t number, const std::string& reason) = 0;
 };

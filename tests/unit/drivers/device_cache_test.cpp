@@ -541,6 +541,21 @@ TEST_F(Device_cache_test, AValueThatIsRepeatedIsOldWithoutASuccessorInThreeInter
     EXPECT_EQ(m_cache.state(0, 0)->age, 20s);
 }
 
+TEST_F(Device_cache_test, AValueThatWaitedInTheDriverIsAsOldAsItIs) {
+    m_device->push_by_itself(0);
+    m_device->repeat(0);
+    m_device->push_by_itself(1);
+    add_numbers(2);
+    m_device->push(0, 8, 3001ms);
+    m_device->push(1, 9, 3001ms);
+    step();
+    EXPECT_EQ(number_of(m_cache, 0), 8);
+    EXPECT_EQ(freshness(0), Freshness::OLD);
+    EXPECT_EQ(m_cache.state(0, 0)->age, 3001ms);
+    EXPECT_EQ(freshness(1), Freshness::FRESH);
+    EXPECT_EQ(m_cache.state(1, 0)->age, 3001ms);
+}
+
 // ---- writes that somebody else brings to the device
 
 class Passed_on_test : public Cache_test {

@@ -518,6 +518,18 @@ TEST_F(Fake_broker_test, ABrokerThatSaysNothingIsAwayWithinBounds) {
     EXPECT_EQ(connect_and_say({}), "away: no answer from the broker");
 }
 
+class Age_sink : public Noting_sink {
+public:
+    void late_value(std::size_t number, const Parameter_value& value, milliseconds age) override {
+        Noting_sink::value(number, value);
+        m_age = age;
+    }
+    milliseconds age() const { return m_age; }
+
+private:
+    milliseconds m_age{0};
+};
+
 // The broker takes a write, and then `act` happens.
 class Fake_broker_write_test : public Fake_broker_test {
 protected:
@@ -537,6 +549,22 @@ TEST_F(Fake_broker_write_test, ALostConnectionLeavesItUnknown) {
     EXPECT_EQ(write_during([this] { m_server.hang_up(); }),
               "timed out: the broker has closed the connection");
     EXPECT_EQ(write(0, 1), "away: the broker has closed the connection");
+}
+
+TEST_F(Fake_broker_write_test, AMessageThatCameMeanwhileIsAsOldAsItIs) {
+    // Of the topic "a", with the value 5, and no answer to the write.
+    EXPECT_EQ(write_during([this] {
+                  m_server.say(
+                      std::string("\x30\x05\x00\x01"
+                                  "a\x00"
+                                  "5",
+                                  7));
+              }),
+              "timed out: no answer from the broker");
+    Age_sink sink;
+    EXPECT_EQ(text_of(m_driver->wait(0ms, -1, sink)), "done");
+    EXPECT_GE(sink.age(), 2s);
+    EXPECT_LT(sink.age(), 20s);
 }
 
 TEST_F(Fake_broker_write_test, TheEndOfThePanelEndsIt) {
