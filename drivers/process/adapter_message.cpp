@@ -5,6 +5,7 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -20,6 +21,7 @@ using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, Json_allocator>
 using Writer = rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator>;
 
 constexpr std::size_t LONGEST_QUOTE = 40;
+constexpr int MOST_TOO_LARGE = 8;  // numbers of a line that the JSON library refuses
 
 // The JSON library can check that as well, but reads beyond the end of a text that ends within a character.
 bool is_utf8(const std::string& text) {
@@ -33,11 +35,9 @@ Adapter_message faulty(std::string text) {
     return message;
 }
 
-// Of a line that begins so.
-Adapter_message no_object(const std::string& beginning) {
-    return faulty("expected a JSON object, found \"" +
-                  printable(beginning.substr(0, LONGEST_QUOTE)) +
-                  (beginning.size() > LONGEST_QUOTE ? "..." : "") + "\"");
+Adapter_message no_object(const std::string& line) {
+    return faulty("expected a JSON object, found \"" + printable(line.substr(0, LONGEST_QUOTE)) +
+                  (line.size() > LONGEST_QUOTE ? "..." : "") + "\"");
 }
 
 // The members of the outermost object; what is deeper is passed over. The parser keeps its own state in memory that grows
@@ -171,6 +171,25 @@ Adapter_message message_of(const Members& members) {
     return message;
 }
 
+rapidjson::ParseResult parse(const std::string& line, Members& members) {
+    constexpr unsigned FLAGS =
+        rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+    rapidjson::StringStream stream(line.c_str());
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator> reader;
+    return reader.Parse<FLAGS>(stream, members);
+}
+
+// The JSON library refuses a text with a number beyond a double's limits, whoever needs the number. In its place comes one
+// that the library takes and every parameter refuses. It is no longer than what it replaces.
+void lessen_number(std::string& line, std::size_t place) {
+    const std::size_t end = std::min(line.find_first_not_of("+-.0123456789eE", place), line.size());
+    const std::size_t exponent = std::min(line.find_first_of("eE", place), end);
+    const bool is_zero = line.find_first_of("123456789", place) >= exponent;
+    std::string number = is_zero ? "0" : line[place] == '-' ? "-1e300" : "1e300";
+    number.resize(end - place, ' ');
+    line.replace(place, end - place, number);
+}
+
 template <typename Write_more>
 std::string line_of(const char* type, std::optional<std::int64_t> id, Write_more write_more) {
     Buffer buffer;
@@ -199,18 +218,18 @@ std::string name_line(const char* type, std::int64_t id, const std::string& name
 }  // namespace
 
 Adapter_message parse_adapter_message(std::string line) {
-    constexpr unsigned FLAGS = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
-                               rapidjson::kParseNumbersAsStringsFlag;
-    const std::string beginning =
-        line.substr(0, LONGEST_QUOTE + 1);  // the line is decoded in place
     if (line.find('\0') != std::string::npos || !is_utf8(line)) {
-        return no_object(beginning);
+        return no_object(line);
     }
-    rapidjson::InsituStringStream stream(line.data());
-    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator> reader;
     Members members;
-    const rapidjson::ParseResult result = reader.Parse<FLAGS>(stream, members);
-    return result.IsError() || !members.is_object() ? no_object(beginning) : message_of(members);
+    rapidjson::ParseResult result = parse(line, members);
+    for (int count = 0;
+         count < MOST_TOO_LARGE && result.Code() == rapidjson::kParseErrorNumberTooBig; ++count) {
+        lessen_number(line, result.Offset());
+        members = Members();
+        result = parse(line, members);
+    }
+    return result.IsError() || !members.is_object() ? no_object(line) : message_of(members);
 }
 
 std::string hello_line() {

@@ -64,6 +64,38 @@ TEST(Adapter_message, AValueMayBeOfAnyKind) {
               Adapter_value::MISSING);
 }
 
+TEST(Adapter_message, ANumberBeyondAllLimitsIsALargeOne) {
+    const struct {
+        std::string value;
+        const char* text;
+    } cases[] = {{"1e999", "1e300"},
+                 {"-1.5E+399", "-1e300"},
+                 {std::string(400, '9'), "1e300"},
+                 {"1e" + std::string(400, '9'), "1e300"},
+                 {"0.0e999", "0"},
+                 {"-0e309", "0"}};
+    for (const auto& [value, text] : cases) {
+        SCOPED_TRACE(value);
+        const auto message = parse_adapter_message(
+            R"({"more":[1e999,{"x":-1e999}],"type":"result","id":1,"value":)" + value + "}");
+        EXPECT_EQ(message.kind, Adapter_message::RESULT);
+        EXPECT_EQ(message.value.kind, Adapter_value::NUMBER);
+        EXPECT_EQ(message.value.text, text);
+    }
+    EXPECT_EQ(parse_adapter_message(R"({"type":"result","id":1e999,"value":1})").text,
+              "a message \"result\" has no valid \"id\"");
+}
+
+// Each costs the parser another look at the line.
+TEST(Adapter_message, WithVeryManyNumbersBeyondAllLimitsIsFaulty) {
+    std::string list = "1e999";
+    for (int i = 0; i < 100; ++i) {
+        list += ",1e999";
+    }
+    EXPECT_EQ(parse_adapter_message(R"({"type":"result","id":1,"more":[)" + list + "]}").kind,
+              Adapter_message::FAULTY);
+}
+
 TEST(Adapter_message, AnErrorMayAnswerNoRequest) {
     const auto message = parse_adapter_message(R"({"type":"error","message":"no bus"})");
     EXPECT_EQ(message.kind, Adapter_message::ERROR);
