@@ -173,6 +173,10 @@ void Adapter_connection::fail(const std::string& why) {
     }
 }
 
+void Adapter_connection::log(const std::string& message) {
+    m_errors.note(message, Clock::now());
+}
+
 void Adapter_connection::end_by_itself(bool was_cut) {
     m_in = m_out = nullptr;
     m_socket.reset();

@@ -40,6 +40,9 @@ public:
     // Why it is closed. What the adapter said to its end is in it.
     const std::string& fault() const { return m_fault; }
 
+    // Writes what the adapter says to the log, as what it prints to its standard error.
+    void log(const std::string& message);
+
     // Takes a line, without its end, to be sent. Its place in all that was ever sent.
     std::uint64_t send(const std::string& line);
     // Whether the first byte of the line at that place has left.

@@ -24,13 +24,21 @@ void Error_lines::end(Time now) {
     }
 }
 
+void Error_lines::note(const std::string& message, Time now) {
+    print(printable(message.substr(0, LONGEST_LINE)), now);
+}
+
 void Error_lines::finish_line(Time now) {
-    begin_span(now);
     const std::string line = printable(std::exchange(m_line, ""));
+    m_last = line.empty() ? m_last : line;
+    print(line, now);
+}
+
+void Error_lines::print(const std::string& line, Time now) {
+    begin_span(now);
     if (line.empty()) {
         return;
     }
-    m_last = line;
     if (m_printed < MOST_LINES) {
         ++m_printed;
         m_print(m_name + ": " + line);

@@ -23,6 +23,8 @@ public:
         : m_name(std::move(name)), m_print(std::move(print)) {}
 
     void take(std::string_view bytes, Time now);
+    // A message of another origin: a line that is not the last one.
+    void note(const std::string& message, Time now);
     // Takes an unfinished line as one.
     void end(Time now);
     // The last line that is not empty; empty if there was none.
@@ -31,6 +33,7 @@ public:
 
 private:
     void finish_line(Time now);
+    void print(const std::string& line, Time now);
     void begin_span(Time now);
 
     const std::string m_name;

@@ -352,7 +352,11 @@ private:
         expire(Clock::now());
     }
 
+    // A value shows that the adapter works again, whatever it has said.
     void take(const Adapter_message& message) {
+        if (message.value.kind != Adapter_value::MISSING) {
+            m_said.clear();
+        }
         switch (message.kind) {
             case Adapter_message::RESULT:
                 answer(*message.id, &message.value, "");
@@ -362,6 +366,7 @@ private:
                     answer(*message.id, nullptr, message.text);
                 } else {
                     m_said = message.text.substr(0, LONGEST_REASON);
+                    m_connection.log(m_said);
                 }
                 break;
             case Adapter_message::CHANGED:
@@ -520,7 +525,7 @@ private:
     std::optional<Driver_result> m_write_result;
     std::optional<Time> m_owes_since;  // the first request that was made since its last word
     Time m_heard{};                    // its last word
-    std::string m_said;                // an error that answers no request
+    std::string m_said;                // an error that answers no request, until the next value
 
     std::map<std::size_t, News> m_news;  // the last of each parameter, to be passed on
     Time m_delivered{};

@@ -23,6 +23,21 @@ TEST_F(Error_lines_test, AreWholeAndPrintableWithTheNameInFront) {
     EXPECT_EQ(m_lines.last(), "second ?[2J");
 }
 
+TEST_F(Error_lines_test, AMessageStandsBesideThem) {
+    m_lines.take("first\nsec", m_now);
+    m_lines.note("a message\n" + std::string(1000, 'x'), m_now);
+    m_lines.take("ond\n", m_now);
+    EXPECT_EQ(
+        m_printed,
+        (Lines{"room: first", "room: a message?" + std::string(Error_lines::LONGEST_LINE - 10, 'x'),
+               "room: second"}));
+    EXPECT_EQ(m_lines.last(), "second");
+    for (int i = 0; i < 1000; ++i) {
+        m_lines.note("again", m_now);
+    }
+    EXPECT_EQ(m_printed.size(), Error_lines::MOST_LINES);
+}
+
 TEST_F(Error_lines_test, AnUnfinishedOneIsTakenAtTheEnd) {
     m_lines.take("last words", m_now);
     EXPECT_EQ(m_printed, Lines{});

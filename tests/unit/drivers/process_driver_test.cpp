@@ -473,6 +473,30 @@ sys.exit(0)
     EXPECT_EQ(m_driver->wait(), "away: it ended with status 0: the bus is gone");
 }
 
+// What it said once is no reason for an end much later.
+TEST_F(Process_driver_test, AnErrorWithoutARequestIsLoggedAndHoldsUntilTheNextValue) {
+    const auto start_and_say = [this](const std::string& more) {
+        start(R"(
+greet()
+request = hear()
+say(type="error", message="the bus\nis gone")
+)" + more + "\nsys.exit(1)\n");
+    };
+    testing::internal::CaptureStderr();
+    start_and_say("");
+    EXPECT_EQ(m_driver->read(), Lines{"away: it ended with status 1: the bus\nis gone"});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "room: the bus?is gone\n");
+    start_and_say(R"(say(type="changed", name="n0", message="broken"))");
+    EXPECT_EQ(m_driver->read(), Lines{"0: broken"});
+    EXPECT_EQ(m_driver->wait(), "away: it ended with status 1: the bus\nis gone");
+    for (const char* const value : {R"(say(type="changed", name="n0", value=5))",
+                                    R"(say(type="result", id=request["id"], value=5))"}) {
+        start_and_say(value);
+        EXPECT_EQ(m_driver->read(), Lines{"0=5"});
+        EXPECT_EQ(m_driver->wait(), "away: it ended with status 1");
+    }
+}
+
 TEST_F(Process_driver_test, AnAdapterThatIsKilledIsAwayAndComesBack) {
     start(std::string(NOTE_PROCESS) + "values.update(n0=3)\n" + ANSWER_ALL);
     kill(process(), SIGKILL);
