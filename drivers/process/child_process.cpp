@@ -103,6 +103,30 @@ void take_signals() {
     _exit(CANNOT_START);
 }
 
+// A process of the program's group that outlives the panel: it asks the group to end, and kills what has not ended then.
+// SIGTERM and every other signal but SIGKILL are blocked in it. `life` is readable once the panel is gone.
+[[noreturn]] void guard(pid_t group, int life) {
+    constexpr int PAUSE = 10;  // milliseconds
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, nullptr);
+    setpgid(0, group);
+    prctl(PR_SET_NAME,
+          "adapter-guard");  // whoever looks for panels by their name finds the panel alone
+    dup2(life, STDIN_FILENO);
+    close_from(STDIN_FILENO + 1);
+    pollfd source{STDIN_FILENO, POLLIN, 0};
+    while (poll(&source, 1, -1) != 1) {
+    }
+    kill(-group, SIGTERM);
+    for (milliseconds left = Child_process::PATIENCE; left.count() > 0 && kill(group, 0) == 0;
+         left -= milliseconds(PAUSE)) {
+        poll(nullptr, 0, PAUSE);
+    }
+    kill(-group, SIGKILL);
+    _exit(0);
+}
+
 // What the child reports; 0 once it has become the program.
 int error_of(const Descriptor& report) {
     int error = 0;
@@ -176,7 +200,37 @@ std::string Child_process::start(const std::string& program,
         end(PATIENCE);
         return std::strerror(error);
     }
+    if (const int error = start_guard(); error != 0) {
+        end();
+        return std::strerror(error);
+    }
     return "";
+}
+
+int Child_process::start_guard() {
+    Pipe life;
+    if (!life.open()) {
+        return errno;
+    }
+    m_guard = fork();
+    if (m_guard == 0) {
+        guard(m_process, life.reading.number());
+    }
+    if (m_guard < 0) {
+        return errno;
+    }
+    setpgid(m_guard, m_process);  // so that it ends with the group
+    m_life = std::move(life.writing);
+    return 0;
+}
+
+void Child_process::end_guard() {
+    if (m_guard > 0) {
+        kill(m_guard, SIGKILL);
+        waitpid(m_guard, nullptr, 0);
+    }
+    m_guard = -1;
+    m_life.reset();
 }
 
 // Without a handler for SIGCHLD, which belongs to the application, a short pause is all that is left.
@@ -209,6 +263,7 @@ std::string Child_process::end(milliseconds by_itself) {
     const std::optional<siginfo_t> how = ended(m_process);
     kill(-m_process, SIGKILL);
     waitpid(m_process, nullptr, how ? 0 : WNOHANG);
+    end_guard();
     m_process = -1;
     return how ? description_of(*how) : "it cannot be ended";
 }

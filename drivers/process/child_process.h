@@ -1,6 +1,7 @@
 // An adapter that the panel starts, and ends with all that it started itself: it has a process group of its own.
 //
-// The panel's end is its end, too: also one by SIGKILL, which is why the thread that starts it must outlive it.
+// The panel's end is its end, too, also one by SIGKILL: the thread that starts it must outlive it, and a second child guards
+// the group.
 #ifndef FRONTPANEL_DRIVER_PROCESS_CHILD_PROCESS_H
 #define FRONTPANEL_DRIVER_PROCESS_CHILD_PROCESS_H
 
@@ -44,8 +45,12 @@ public:
 
 private:
     bool has_ended(std::chrono::milliseconds most) const;
+    int start_guard();
+    void end_guard();
 
     pid_t m_process = -1;
+    pid_t m_guard = -1;  // a child that ends the group if the panel cannot
+    Descriptor m_life;   // the guard reads its other end: it ends with the panel
     Descriptor m_input;
     Descriptor m_output;
     Descriptor m_errors;

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 
 #include <fstream>
 #include <thread>
@@ -108,6 +110,48 @@ TEST(Child_process, EndsWithTheThreadThatStartedIt) {
     Child_process child;
     std::thread([&] { ASSERT_EQ(child.start("/bin/sleep", {"sleep", "600"}, ""), ""); }).join();
     EXPECT_EQ(child.end(20s), "it was ended by signal 15");
+}
+
+// A panel that is killed when its program writes "ready" to a pipe, which the program holds as descriptor 3. What was written to
+// the pipe until nobody held it any more; "..." behind it if somebody goes on holding it.
+std::string output_of_killed_panel(const std::string& script) {
+    const support::Folder folder;
+    const std::string fifo = folder.file("fifo");
+    mkfifo(fifo.c_str(), 0600);
+    const Descriptor output(open(fifo.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const pid_t panel = fork();
+    if (panel == 0) {
+        Child_process child;
+        child.start("/bin/sh", {"sh", "-c", "exec 3>" + fifo + "; " + script}, "");
+        poll(nullptr, 0, -1);
+    }
+    pollfd ready{output.number(), POLLIN, 0};
+    poll(&ready, 1, 20000);
+    kill(panel, SIGKILL);
+    waitpid(panel, nullptr, 0);
+    const std::string text = all_of(output);
+    char c = 0;
+    return read(output.number(), &c, 1) == 0 ? text : text + "...";
+}
+
+TEST(Child_process, EndsWithAKilledPanelAndSoDoesWhatItStarted) {
+    EXPECT_EQ(output_of_killed_panel(
+                  "trap '' TERM; sleep 600 & echo ready >&3; while :; do sleep 600; done"),
+              "ready\n");
+}
+
+TEST(Child_process, MayEndInOrderBehindAKilledPanel) {
+    EXPECT_EQ(output_of_killed_panel("trap 'echo off >&3; exit' TERM; echo ready >&3; "
+                                     "while :; do read x || :; done"),
+              "ready\noff\n");
+}
+
+TEST(Child_process, LeavesNoProcessBehind) {
+    Child_process child;
+    ASSERT_EQ(child.start("/bin/cat", {"cat"}, ""), "");
+    child.end();
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
 }
 
 TEST(Child_process, LeavesNoDescriptorBehind) {
