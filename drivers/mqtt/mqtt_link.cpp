@@ -1,12 +1,18 @@
 #include "mqtt_link.h"
 
+#include <linux/sockios.h>
+#include <linux/tcp.h>
 #include <mosquitto.h>
 #include <mqtt_protocol.h>
+#include <netinet/in.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstring>
 #include <system_error>
 #include <utility>
 
@@ -29,6 +35,9 @@ constexpr int REFUSED = 128;
 constexpr std::size_t TOPICS_AT_ONCE = 100;
 constexpr std::size_t LARGEST_LOGIN = 4096;
 constexpr std::uint32_t LARGEST_PACKET = 1048576;
+// Of a packet that is still arriving: of a broker that was not asked, or does not heed that.
+constexpr std::uint64_t LARGEST_UNFINISHED = 4 * std::uint64_t{LARGEST_PACKET};
+constexpr const char* TOO_LARGE = "the broker sends a message of more than 4 MiB";
 constexpr int NO_PORT = -1;
 constexpr const char* NO_ANSWER = "no answer from the broker";
 constexpr const char* PANEL_ENDS = "the panel ends";
@@ -56,6 +65,19 @@ const char* text_or_null(const std::string& text) {
 // A key that is protected by a password cannot be used: nobody may be asked on the terminal.
 int no_password(char* /*buffer*/, int /*size*/, int /*is_writing*/, void* /*object*/) {
     return 0;
+}
+
+// Bytes of a connection that the library has taken; 0 with a kernel that does not count them.
+std::uint64_t taken_bytes(int connection) {
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    int unread = 0;
+    if (getsockopt(connection, IPPROTO_TCP, TCP_INFO, &info, &size) != 0 ||
+        ioctl(connection, SIOCINQ, &unread) != 0) {
+        return 0;
+    }
+    const std::uint64_t received = info.tcpi_bytes_received;
+    return received - std::min(received, static_cast<std::uint64_t>(unread));
 }
 
 // "OpenSSL Error[0]: error:0A000086:SSL routines::certificate verify failed" and "Error: No such host" without what a
@@ -113,7 +135,11 @@ struct Mqtt_link::Callbacks {
                               bytes == nullptr ? "" : std::string_view(bytes, size));
         });
     }
-    static void logged(mosquitto* /*client*/, void* object, int level, const char* text) {
+    static void logged(mosquitto* client, void* object, int level, const char* text) {
+        // "Client NAME received PINGRESP", of each packet that is complete.
+        if (level == MOSQ_LOG_DEBUG && std::strstr(text, " received ") != nullptr) {
+            link(object).m_packets_end = taken_bytes(mosquitto_socket(client));
+        }
         // The first error is the cause of the others.
         if (level == MOSQ_LOG_ERR && link(object).m_trouble.empty()) {
             guarded(object, [&](Mqtt_link& link) { link.m_trouble = trouble_of(text); });
@@ -159,6 +185,7 @@ Driver_result Mqtt_link::start() {
     m_answers.clear();
     m_trouble.clear();
     m_is_out_of_memory = false;
+    m_packets_end = 0;
     m_client.reset(mosquitto_new(text_or_null(m_settings.client), true, this));
     if (!m_client) {
         return Driver_result::away(system_text(errno));
@@ -414,11 +441,20 @@ int Mqtt_link::work_once(milliseconds most, int wake, bool& is_woken) {
     }
     if (result == MOSQ_ERR_SUCCESS && (sources[0].revents & ~POLLOUT) != 0) {
         result = mosquitto_loop_read(client, 1);
+        if (result == MOSQ_ERR_SUCCESS && is_packet_too_large()) {
+            m_trouble = TOO_LARGE;
+            result = MOSQ_ERR_OVERSIZE_PACKET;
+        }
     }
     if (result == MOSQ_ERR_SUCCESS && (sources[0].revents & POLLOUT) != 0) {
         result = mosquitto_loop_write(client, 1);
     }
     return result == MOSQ_ERR_SUCCESS ? mosquitto_loop_misc(client) : result;
+}
+
+// The library reads a packet of any size. What it takes memory for is only used as the packet arrives.
+bool Mqtt_link::is_packet_too_large() const {
+    return taken_bytes(mosquitto_socket(m_client.get())) > m_packets_end + LARGEST_UNFINISHED;
 }
 
 // Of a connection that is under way, for which the library has no reason.

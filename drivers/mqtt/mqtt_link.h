@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -70,6 +71,7 @@ private:
     Driver_result work(Time end, int wake, Is_done is_done);
     // Whether something is wrong: the result of a call of the library.
     int work_once(std::chrono::milliseconds most, int wake, bool& is_woken);
+    bool is_packet_too_large() const;
     int connection_error();
     Driver_result lost(int result, int error);
     Driver_result lost(const std::string& reason);
@@ -97,7 +99,8 @@ private:
     std::map<int, int> m_answers;  // to what was published, by message
     bool m_has_message = false;
     bool m_is_out_of_memory = false;
-    std::string m_trouble;  // what the library has logged
+    std::uint64_t m_packets_end = 0;  // bytes of the connection up to the end of its last packet
+    std::string m_trouble;            // what the library has logged
 };
 
 }  // namespace frontpanel

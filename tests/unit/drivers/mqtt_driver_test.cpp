@@ -578,6 +578,56 @@ TEST_F(Fake_broker_write_test, ARefusalIsReported) {
               "refused: Quota exceeded");
 }
 
+// The library takes memory as the message arrives.
+TEST_F(Fake_broker_test, AMessageOfManyMegabytesEndsTheConnection) {
+    const std::string granted("\x90\x04\x00\x01\x00\x01", 6);
+    const std::string beginning(
+        "\x30\xFF\xFF\xFF\x7F\x00\x01"
+        "a\x00",
+        9);  // of 256 MiB
+    constexpr std::size_t ENOUGH = std::size_t{32} << 20U;
+    const std::string piece(std::size_t{64} << 10U, 'x');
+    ASSERT_EQ(connect_and_say({WELCOME, granted}), "done");
+    m_server.say(beginning);
+    Noting_sink sink;
+    Driver_result result;
+    std::size_t sent = 0;
+    while (result.kind == Driver_result::DONE && sent < ENOUGH) {
+        sent += m_server.flood(piece);
+        result = m_driver->wait(0ms, -1, sink);
+    }
+    EXPECT_EQ(text_of(result), "away: the broker sends a message of more than 4 MiB");
+    EXPECT_GE(sent, std::size_t{4} << 20U);
+    EXPECT_EQ(sink.count(), 0U);
+}
+
+TEST_F(Fake_broker_test, ManyMessagesAreNotALargeOne) {
+    const std::string granted("\x90\x04\x00\x01\x00\x01", 6);
+    const std::string message(
+        "\x30\x80\x80\x04\x00\x01"
+        "a\x00",
+        8);  // of 64 KiB
+    const std::string text = message + std::string(std::size_t{65536} - 4, '1');
+    ASSERT_EQ(connect_and_say({WELCOME, granted}), "done");
+    std::thread broker([&] {
+        for (int count = 0; count < 200; ++count) {
+            m_server.say(text);
+        }
+        m_server.say(
+            std::string("\x30\x05\x00\x01"
+                        "a\x00"
+                        "7",
+                        7));
+    });
+    Lines received;
+    while (received.empty() || received.back() != "0=7") {
+        received = wait_for(1);
+        ASSERT_EQ(received.size(), 1U);
+        ASSERT_EQ(received.front().substr(0, 2), received.front() == "0=7" ? "0=" : "0:");
+    }
+    broker.join();
+}
+
 TEST_F(Fake_broker_test, AnOldBrokerIsAskedForTheOldProtocol) {
     const std::string granted("\x90\x03\x00\x01\x01", 5);
     EXPECT_EQ(connect_and_say({std::string("\x20\x02\x00\x01", 4)}),
