@@ -183,6 +183,41 @@ TEST_F(File_driver_test,
     EXPECT_EQ(read(), "nothing is named \"coretemp\"");
 }
 
+// Laid out as /sys/class/leds and /sys/class/pwm are.
+TEST_F(File_driver_test, LightsAndPulsesAreReadAndWritten) {
+    write("leds/input12::capslock/brightness", "0\n");
+    write("leds/input12::capslock/trigger", "[none] kbd-capslock timer\n");
+    write("pwm/pwmchip4/npwm", "2\n");
+    write("pwm/pwmchip4/pwm1/period", "20000000\n");
+    write("pwm/pwmchip4/pwm1/duty_cycle", "1500000\n");
+    load(number(1, R"("path": "leds/input*::capslock/brightness")") + "," +
+         text(2, R"("path": "leds/input*::capslock/trigger", "word": 1)") + "," +
+         number(3, R"("path": "pwm/pwmchip*/pwm1/duty_cycle", "scale": "1/1000")") + "," +
+         number(4, R"("path": "pwm/pwmchip*/pwm1/period", "scale": "1/1000")"));
+    ASSERT_EQ(problems(), Lines{});
+    EXPECT_EQ(read(1), "0");
+    EXPECT_EQ(read(2), "'[none]'");
+    EXPECT_EQ(read(3), "1500");
+    EXPECT_EQ(read(4), "20000");
+    EXPECT_EQ(write_number(1, 1), Lines{});
+    EXPECT_EQ(write_number(1700, 3), Lines{});
+    EXPECT_EQ(content("leds/input12::capslock/brightness"), "1\n");
+    EXPECT_EQ(content("pwm/pwmchip4/pwm1/duty_cycle"), "1700000\n");
+    // A channel that is taken back, and one of another chip in its place.
+    std::filesystem::remove_all(m_folder.file("pwm/pwmchip4/pwm1"));
+    EXPECT_EQ(read(3), "no file matches");
+    EXPECT_EQ(write_number(1800, 3), Lines{"files: 3: write refused: no file matches"});
+    write("pwm/pwmchip6/pwm1/duty_cycle", "100000\n");
+    EXPECT_EQ(read(3), "100");
+}
+
+TEST_F(File_driver_test, AValueThatTheKernelRefusesIsRefused) {
+    load_number(R"("path": "/proc/self/oom_score_adj")");
+    const std::string before = read();
+    EXPECT_EQ(write_number(5000), Lines{"files: 1: write refused: Invalid argument"});
+    EXPECT_EQ(read(), before);
+}
+
 TEST_F(File_driver_test, APathMayBeRelativeToTheWorkingFolder) {
     write("hwmon/hwmon3/name", "coretemp\n");
     write("hwmon/hwmon3/temp1_input", "7");

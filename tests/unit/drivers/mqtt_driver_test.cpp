@@ -767,5 +767,53 @@ TEST_F(Mqtt_menu_test, AWriteWhileTheBrokerRestartsIsSentOnce) {
               (Lines{"home: away: the broker has closed the connection", "home: back"}));
 }
 
+// Detents of a knob before, while and after the broker is away.
+TEST_F(Mqtt_menu_test, AnEditWhileTheBrokerRestartsLosesNoLastDetent) {
+    Broker broker;
+    if (!broker.is_running()) {
+        GTEST_SKIP() << "no broker without Debian's package mosquitto";
+    }
+    Peer(broker).publish("level", "5", true);
+    load(R"(, "port": )" + broker.port(),
+         number(1, "level", R"("topic": "level", "write": "set")"));
+    Device_cache& cache = m_device->cache();
+    cache.start();
+    EXPECT_EQ(step_until(Freshness::FRESH), Freshness::FRESH);
+    {
+        Peer peer(broker);
+        set_number(cache, 1, 6);
+        cache.step();
+        EXPECT_EQ(peer.messages_to("set=6").back(), "set=6");
+    }
+    // The broker has the first detent, and the device has not answered.
+    EXPECT_TRUE(cache.state(1, 0)->is_writing);
+    broker.signal(SIGKILL);
+    broker.stop();
+    EXPECT_EQ(step_until(Freshness::UNKNOWN), Freshness::UNKNOWN);
+    const Lines events = texts_of(cache.take_events());
+    ASSERT_EQ(events.size(), 2U);
+    EXPECT_EQ(events[1].substr(0, 29), "home: level: write timed out:") << events[1];
+    for (const int detent : {7, 8, 9}) {
+        set_number(cache, 1, detent);
+        cache.step();
+        EXPECT_EQ(number_of(cache, 1), detent);
+        EXPECT_TRUE(cache.state(1, 0)->is_writing);
+    }
+
+    broker.start();
+    Peer peer(broker);
+    m_clock->advance(2s);
+    cache.step();
+    EXPECT_EQ(peer.messages_to("set=9"), Lines{"set=9"});
+    set_number(cache, 1, 10);
+    cache.step();
+    EXPECT_EQ(peer.messages_to("set=10"), Lines{"set=10"});
+    peer.publish("level", "10");
+    EXPECT_EQ(step_until(Freshness::FRESH, 0ms), Freshness::FRESH);
+    EXPECT_EQ(number_of(cache, 1), 10);
+    EXPECT_FALSE(cache.state(1, 0)->is_writing);
+    EXPECT_EQ(texts_of(cache.take_events()), Lines{"home: back"});
+}
+
 }  // namespace
 }  // namespace support
