@@ -132,6 +132,21 @@ std::optional<Rule_verdict> Binding_registry::judge(const Data_entry& entry,
                              : std::nullopt;
 }
 
+// One that waits is not evaluated: what it is to write would then wait for the entry's next refresh.
+std::optional<bool> Binding_registry::visibility_ahead(const Data_entry& entry) {
+    binding_engine::Engine* const engine = m_core->cascade.engine_of(&entry);
+    if (engine == nullptr) {
+        return std::nullopt;
+    }
+    if (engine->cascade_state().is_marked) {
+        return binding_engine::visibility_now(*engine);
+    }
+    if (!engine->was_evaluated()) {
+        engine->evaluate(true, false);
+    }
+    return std::nullopt;
+}
+
 std::vector<Done_writes> Binding_registry::done_writes() const {
     return binding_engine::done_writes(m_core->cascade);
 }

@@ -260,7 +260,17 @@ void Controller::editor_closed() {
     m_navigation.leave_edited(*std::exchange(m_edited, nullptr), m_key);
 }
 
+// What is read now may have to follow rules, or others it. Entries that wait already take their turns.
+void Controller::read_list() {
+    if ((m_log && m_log->is_open()) || !m_notices.empty() || m_editing.is_open()) {
+        m_navigation.cover();
+    } else if (m_navigation.bring_into_view(m_size) && !m_has_rest && settle()) {
+        m_navigation.tick();
+    }
+}
+
 Frame Controller::draw() {
+    read_list();
     Frame frame{Lcd(m_size), Leds()};
     if (m_log && m_log->is_open()) {
         m_log->draw(frame.lcd);

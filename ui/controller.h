@@ -74,7 +74,8 @@ public:
     void set_size(Lcd_size size) { m_size = size; }
     // The entry of the open editor; null while none is open.
     const Data_entry* edited() const { return m_editing.is_open() ? &m_editing.entry() : nullptr; }
-    // Draws the front as it stands. Long texts scroll by one character a call.
+    // Draws the front as it stands. Long texts scroll by one character a call. Values that were not drawn last time are
+    // read first.
     Frame draw();
 
     // Shows a fault of a rule, unless the device is to blame: that shows where its values do.
@@ -102,6 +103,7 @@ private:
     void answer_end(bool accepted, const std::function<void()>& ends);
     void editor_closed();
     void follow_edited();
+    void read_list();
 
     Device_link m_device;
     Lcd_size m_size;

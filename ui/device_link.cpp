@@ -5,6 +5,7 @@
 #include <frontpanel_binding/parameter_address.h>
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/list_line.h>
+#include <frontpanel_menu/listing.h>
 #include <frontpanel_menu/menu.h>
 #include <frontpanel_ui/panel.h>
 
@@ -32,6 +33,9 @@ Device_link link_to(Menu& menu) {
         return has_parameter(entry) &&
                device.last_read_failed(entry.Get_pid(), varidx_of(*entry.Get_index()));
     };
+    const auto is_listed = [&menu](Data_entry& entry) {
+        return frontpanel::is_listed(entry, menu);
+    };
     const auto state = [has_parameter, &device = menu.access()](const Data_entry& entry) {
         return has_parameter(entry) ? device.state(entry.Get_pid(), varidx_of(*entry.Get_index()))
                                     : std::nullopt;
@@ -40,7 +44,8 @@ Device_link link_to(Menu& menu) {
     const auto settle = [&menu](size_t at_most) {
         return menu.bindings()->settle(nullptr, at_most);
     };
-    return {menu.access(), menu.gate(), read_failed, state, is_loopback, can_post, poll, settle};
+    return {menu.access(), menu.gate(), read_failed, is_listed, state,
+            is_loopback,   can_post,    poll,        settle};
 }
 
 }  // namespace frontpanel

@@ -87,6 +87,10 @@ Rule_verdict judge(Engine& engine, const Proposed_values& values) {
     return judgement_of(engine, ALL_BUT_WRITES, values).verdict;
 }
 
+std::optional<bool> visibility_now(Engine& engine) {
+    return judgement_of(engine, SUGGESTION_VISIBILITY, {}).verdict.is_visible;
+}
+
 Proposed_values foresee(const Cascade& cascade, const Proposed_values& values) {
     Forecast forecast(values);
     bool changes = true;

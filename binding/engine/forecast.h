@@ -2,6 +2,8 @@
 #ifndef FRONTPANEL_BINDING_ENGINE_FORECAST_H
 #define FRONTPANEL_BINDING_ENGINE_FORECAST_H
 
+#include <optional>
+
 #include <frontpanel_binding/rule_verdict.h>
 
 #include "engine/engine.h"
@@ -9,6 +11,8 @@
 namespace frontpanel::binding_engine {
 
 Rule_verdict judge(Engine& engine, const Proposed_values& values);
+// What the visibility rules say now; nothing without such a rule, or when one fails.
+std::optional<bool> visibility_now(Engine& engine);
 // The values, and beside them what write rules would then write: see `Binding_registry::foresee`.
 Proposed_values foresee(const Cascade& cascade, const Proposed_values& values);
 

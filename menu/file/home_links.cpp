@@ -1,3 +1,4 @@
+#include <frontpanel_menu/listing.h>
 #include "file/item_builder.h"
 #include "file/item_rules.h"
 #include "file/link_items.h"
@@ -35,7 +36,7 @@ void append(Data_entry& menu, Link_entry& link, Data_entry* last) {
 
 Data_entry* load_links(Load_context& context, const Json_value& list, const char* title,
                        const std::vector<const char*>& members) {
-    Node_entry& menu = context.menu.add(std::make_unique<Node_entry>(
+    Menu_node& menu = context.menu.add(std::make_unique<Menu_node>(
         title, title, context.menu.keep_index(Index_t{}), nullptr, Data_entry::VISIBLE_ALL,
         Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
     const std::vector<Json_value> items = list.some_items(MOST_ITEMS, "links");

@@ -1,4 +1,5 @@
 #include <frontpanel_menu/entry_kind.h>
+#include <frontpanel_menu/listing.h>
 #include "file/builders.h"
 #include "file/item_builder.h"
 #include "file/item_rules.h"
@@ -58,7 +59,7 @@ void build_items(Load_context& context, const Json_value& menu, Data_entry& pare
 
 void build_node(Load_context& context, const Json_value& item, const Spot& spot) {
     const Leaf leaf = entry_of(context, item, spot);
-    Node_entry& node = context.menu.add(std::make_unique<Node_entry>(
+    Menu_node& node = context.menu.add(std::make_unique<Menu_node>(
         leaf.name.c_str(), leaf.description.c_str(), kept_index(context, leaf, spot), spot.parent,
         leaf.visible, Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr));
     bind(context, item, node);

@@ -41,14 +41,6 @@ Data_entry* next_visible(const std::vector<Data_entry*>& all,
     return candidate == all.end() ? nullptr : *candidate;
 }
 
-// Asking a leaf reads it; a node's own binding is evaluated only by a refresh of the node.
-bool is_visible(Data_entry& entry, Data_interface& device) {
-    if (is_menu(entry)) {
-        frontpanel::refresh(entry, device);
-    }
-    return entry.isVisible(true, &device) >= 0;
-}
-
 // Not while a value is on its way for the first time.
 bool is_alarming(const std::optional<Value_state>& state, bool is_unread) {
     return state ? state->freshness != Freshness::FRESH && state->has_failed : is_unread;
@@ -70,6 +62,7 @@ void List_view::open(const Menu_step& menu, Data_entry* cursor, bool has_title) 
     m_top = 0;
     m_title = Text_line();
     m_lines.clear();
+    m_drawn.clear();
     refresh();
     if (contains(m_visible, cursor)) {
         place_cursor(cursor);
@@ -84,34 +77,40 @@ void List_view::rest(const std::string& text) {
 
 void List_view::refresh() {
     m_left_in_round = 0;
-    refresh([](size_t, const Data_entry*) { return true; });
+    refresh([](size_t) { return true; });
 }
 
 void List_view::refresh_shown() {
     const size_t first = m_turn;
     m_turn += ENTRIES_A_TURN;
     m_left_in_round -= std::min(m_left_in_round, ENTRIES_A_TURN);
-    refresh([this, first](size_t position, const Data_entry* entry) {
-        return (position >= first && position < first + ENTRIES_A_TURN) || is_drawn(entry);
+    refresh([first](size_t position) {
+        return position >= first && position < first + ENTRIES_A_TURN;
     });
 }
 
 bool List_view::is_drawn(const Data_entry* entry) const {
-    const auto top = m_visible.begin() + std::min(m_top, static_cast<int>(m_visible.size()));
-    const auto end = top + std::min<std::ptrdiff_t>(m_drawn, m_visible.end() - top);
-    return std::find(top, end, entry) != end;
+    return std::find(m_drawn.begin(), m_drawn.end(), entry) != m_drawn.end();
 }
 
-// An entry that is not due is taken as it was.
-void List_view::refresh(const std::function<bool(size_t, Data_entry*)>& is_due) {
+// Reads what a line shows. Whether the entry is still visible, which its value may decide.
+bool List_view::read(Data_entry& entry) {
+    return is_menu(entry) ? m_device.is_listed(entry)
+                          : entry.isVisible(true, &m_device.access) >= 0;
+}
+
+// An entry that is neither drawn nor due is taken as it was.
+void List_view::refresh(const std::function<bool(size_t)>& is_due) {
     Data_entry* const held = selected();
     const std::vector<Data_entry*> all = children_of(m_menu);
     const std::unordered_set<Data_entry*> before(m_visible.begin(), m_visible.end());
     std::vector<Data_entry*> visible;
     for (size_t position = 0; position < all.size(); ++position) {
         Data_entry* const entry = all[position];
-        if (is_due(position, entry) ? is_visible(*entry, m_device.access)
-                                    : before.count(entry) != 0) {
+        const bool is_visible = is_drawn(entry)    ? read(*entry)
+                                : is_due(position) ? m_device.is_listed(*entry)
+                                                   : before.count(entry) != 0;
+        if (is_visible) {
             visible.push_back(entry);
         }
     }
@@ -130,10 +129,6 @@ void List_view::move(int steps) {
     const int end = steps > 0 ? last : 0;
     const bool goes_round = m_wrap && steps != 0 && m_cursor == end;
     m_cursor = goes_round ? last - end : std::clamp(m_cursor + steps, 0, last);
-    // What comes into view shows its value of now.
-    if (steps != 0 && selected() != nullptr && !is_drawn(selected())) {
-        is_visible(*selected(), m_device.access);
-    }
 }
 
 Data_entry* List_view::selected() const {
@@ -153,25 +148,62 @@ void List_view::scroll_to_cursor(int lines) {
     m_top = std::clamp(m_top, 0, last_top);
 }
 
+int List_view::first_row(Lcd_size size) const {
+    return m_has_title && size.rows >= LEAST_ROWS_WITH_TITLE ? 1 : 0;
+}
+
+// The entries on the display.
+std::vector<Data_entry*> List_view::with_line(int lines) const {
+    const auto top = m_visible.begin() + m_top;
+    return {top, top + std::min<std::ptrdiff_t>(lines, m_visible.end() - top)};
+}
+
+// The cursor goes to the next one, or to the last.
+void List_view::take_out(Data_entry* hidden) {
+    const auto found = std::find(m_visible.begin(), m_visible.end(), hidden);
+    if (found - m_visible.begin() < m_cursor) {
+        --m_cursor;
+    }
+    m_visible.erase(found);
+    move(0);
+}
+
+// An entry that is hidden by what is read makes room for the next one.
+bool List_view::bring_into_view(Lcd_size size) {
+    const int lines = size.rows - first_row(size);
+    for (bool has_read = false;; has_read = true) {
+        scroll_to_cursor(lines);
+        const std::vector<Data_entry*> shown = with_line(lines);
+        const auto unread = std::find_if(shown.begin(), shown.end(),
+                                         [this](Data_entry* entry) { return !is_drawn(entry); });
+        if (unread == shown.end()) {
+            m_drawn.assign(shown.begin(), shown.end());
+            return has_read;
+        }
+        if (read(**unread)) {
+            m_drawn.push_back(*unread);
+        } else {
+            take_out(*unread);
+        }
+    }
+}
+
 void List_view::draw(Lcd& lcd) {
-    const int first_row = m_has_title && lcd.size().rows >= LEAST_ROWS_WITH_TITLE ? 1 : 0;
-    const int lines = lcd.size().rows - first_row;
-    scroll_to_cursor(lines);
+    bring_into_view(lcd.size());
     m_alarm = false;
-    if (first_row == 1) {
+    int row = first_row(lcd.size());
+    if (row == 1) {
         draw_title(lcd);
     }
     if (m_visible.empty()) {
-        lcd.put(first_row, CURSOR_COLUMNS, m_is_at_rest ? m_rest_text : "(empty)");
+        lcd.put(row, CURSOR_COLUMNS, m_is_at_rest ? m_rest_text : "(empty)");
     }
-    const int end = std::min(static_cast<int>(m_visible.size()), m_top + lines);
-    m_drawn = end - m_top;
-    keep_lines({m_visible.begin() + m_top, m_visible.begin() + end});
-    for (int i = m_top; i < end; ++i) {
-        Data_entry& entry = *m_visible[static_cast<size_t>(i)];
-        const int row = first_row + i - m_top;
-        lcd.put(row, 0, i == m_cursor && !m_is_at_rest ? ">" : " ");
-        m_lines[&entry].draw(lcd, row, CURSOR_COLUMNS, texts_of(entry));
+    const std::vector<Data_entry*> shown = with_line(lcd.size().rows - row);
+    keep_lines(shown);
+    for (Data_entry* const entry : shown) {
+        lcd.put(row, 0, entry == selected() && !m_is_at_rest ? ">" : " ");
+        m_lines[entry].draw(lcd, row, CURSOR_COLUMNS, texts_of(*entry));
+        ++row;
     }
 }
 

@@ -27,11 +27,11 @@ public:
     // Brings the cursor out when there is anything to stand on.
     void wake() { m_is_at_rest = m_visible.empty(); }
     bool is_at_rest() const { return m_is_at_rest; }
-    // Reads every entry of the menu from the device and asks whether it is visible. A cursor whose entry is
-    // gone moves to the next visible one, or to the last.
+    // Asks which entries of the menu are visible, and reads the values that were drawn last. A cursor whose entry is gone
+    // moves to the next visible one, or to the last.
     void refresh();
-    // As `refresh`, but of a long menu only what was drawn last and some of the rest, which is taken in turns: a menu of
-    // a thousand entries costs no more at rest than a short one.
+    // As `refresh`, but of a long menu asks only some besides those drawn last, in turns: a menu of a thousand entries
+    // costs no more at rest than a short one.
     void refresh_shown();
     // From now on every entry is to be asked once more by `refresh_shown`, soon.
     void begin_round() { m_left_in_round = m_size + ENTRIES_A_TURN; }
@@ -46,8 +46,13 @@ public:
     // The entry under the cursor; null when nothing is visible.
     Data_entry* selected() const;
 
-    // Draws the list: a display of three lines and more has the menu's name on the first.
+    // Reads the values that were not drawn last time, so that no line is older than its first frame. Whether there were
+    // any.
+    bool bring_into_view(Lcd_size size);
+    // Draws the list: a display of three lines and more has the menu's name on the first. Brings it into view first.
     void draw(Lcd& lcd);
+    // Something else is drawn in place of the list: none of its values is on the display.
+    void cover() { m_drawn.clear(); }
     // Whether an entry drawn last could not be read.
     bool alarm() const { return m_alarm; }
 
@@ -58,17 +63,22 @@ private:
     Text_line::Texts texts_of(Data_entry& entry);
     // The lines of the entries that are drawn, so that each goes on scrolling where it was.
     void keep_lines(const std::vector<Data_entry*>& drawn);
-    void refresh(const std::function<bool(size_t, Data_entry*)>& is_due);
+    void refresh(const std::function<bool(size_t)>& is_due);
     bool is_drawn(const Data_entry* entry) const;
+    bool read(Data_entry& entry);
     void place_cursor(Data_entry* wanted);
     void scroll_to_cursor(int lines);
+    std::vector<Data_entry*> with_line(int lines) const;
+    void take_out(Data_entry* hidden);
+    int first_row(Lcd_size size) const;
 
     Menu_step m_menu;
     Device_link m_device;
     std::vector<Data_entry*> m_visible;
-    int m_cursor = 0;   // in m_visible
-    int m_top = 0;      // first of m_visible on the display
-    int m_drawn = 0;    // how many of them were drawn
+    int m_cursor = 0;  // in m_visible
+    int m_top = 0;     // first of m_visible on the display
+    // On the display, with the values that were read at the last tick or since. Compared only: they may be gone.
+    std::vector<const Data_entry*> m_drawn;
     size_t m_turn = 0;  // the entry of a long menu that is refreshed next
     size_t m_size = 0;  // of the menu, hidden entries included
     size_t m_left_in_round = 0;

@@ -8,14 +8,6 @@
 namespace frontpanel {
 namespace {
 
-// The entry's own rules and options, taking of its children what was found when they were last asked: they
-// are not read once more.
-bool is_hidden(Data_entry& menu, Data_interface& device) {
-    refresh(menu, device);
-    housed(menu).Set_entry_visible(-1);
-    return menu.isVisible(false, &device) < 0;
-}
-
 // The menus around an entry, the outermost first.
 std::vector<Data_entry*> menus_around(Data_entry& entry) {
     std::vector<Data_entry*> menus;
@@ -25,11 +17,6 @@ std::vector<Data_entry*> menus_around(Data_entry& entry) {
     }
     std::reverse(menus.begin(), menus.end());
     return menus;
-}
-
-bool is_visible(Data_entry& entry, Data_interface& device) {
-    refresh(entry, device);
-    return entry.isVisible(true, &device) >= 0;
 }
 
 }  // namespace
@@ -213,11 +200,11 @@ bool Navigation::go_to(Data_entry& entry, bool inside) {
     Data_entry* const top = way.empty() ? &entry : way.front();
     way.push_back(&entry);
     const auto is_passable = [this](Data_entry* menu) {
-        return is_top(menu) || (!is_mount(*menu) && is_visible(*menu, m_device.access));
+        return is_top(menu) || (!is_mount(*menu) && m_device.is_listed(*menu));
     };
     if (!is_top(top) || (way.size() == 1 && !inside) ||
         !std::all_of(way.begin(), way.end() - 1, is_passable) ||
-        !(is_top(&entry) || is_visible(entry, m_device.access))) {
+        !(is_top(&entry) || m_device.is_listed(entry))) {
         return false;
     }
     way.pop_back();
@@ -241,7 +228,7 @@ bool Navigation::is_shown(Data_entry& entry) {
     }
     const auto& steps = m_path.steps();
     return std::none_of(steps.begin(), steps.end(), [this](const Menu_step& step) {
-        return !is_top(step.menu) && is_hidden(*step.menu, m_device.access);
+        return !is_top(step.menu) && !m_device.is_listed(*step.menu);
     });
 }
 
@@ -265,7 +252,7 @@ bool Navigation::tick_unseen() {
 void Navigation::leave_hidden() {
     const auto& steps = m_path.steps();
     const auto found = std::find_if(steps.begin(), steps.end(), [this](const Menu_step& step) {
-        return !is_top(step.menu) && is_hidden(*step.menu, m_device.access);
+        return !is_top(step.menu) && !m_device.is_listed(*step.menu);
     });
     if (found == steps.end()) {
         return;

@@ -51,9 +51,9 @@ public:
     // Goes back to the top, leaving every menu.
     void go_home();
 
-    // Reads the shown menu from the device again. A menu that is hidden by now is left.
+    // Reads the lines on the display again, and asks which entries are listed. A menu that is hidden by now is left.
     void refresh();
-    // As `refresh`, but of a long menu only what is on the display and some of the rest.
+    // As `refresh`, but of a long menu only what is on the display and some of the rest is asked.
     void tick();
     // Whether an entry of the shown menu is still shown, and every menu on the way to it.
     bool is_shown(Data_entry& entry);
@@ -65,7 +65,11 @@ public:
     // The entry under the cursor; null for none.
     Data_entry* selected() const;
 
+    // See `List_view`.
+    bool bring_into_view(Lcd_size size) { return m_list.bring_into_view(size); }
     void draw(Lcd& lcd) { m_list.draw(lcd); }
+    // Something else is on the display.
+    void cover() { m_list.cover(); }
     Panel_mode mode() const;
     bool alarm() const { return m_list.alarm(); }
 

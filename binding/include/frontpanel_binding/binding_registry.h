@@ -194,6 +194,11 @@ public:
     // an engine of this registry.
     std::optional<Rule_verdict> judge(const Data_entry& entry, const Proposed_values& values) const;
 
+    // Has the rules of an entry that was never refreshed evaluated, from the values of their parameters alone: the
+    // entry's own value is not read for it. Returns what the visibility rules say where the entry itself does not know
+    // it yet, since it waits for `settle`; nothing otherwise, and for an entry without such a rule.
+    std::optional<bool> visibility_ahead(const Data_entry& entry);
+
     // What write rules have done, of all entries that have some. An application that
     // keeps it beside the device's values hands it to `set_done_writes` at the next start, before the first `settle`:
     // then a rule acts again only when what it writes changes. Rules that the list does not have count as not having

@@ -334,7 +334,7 @@ std::string long_menu(int count) {
     return menu_text(parameters, items);
 }
 
-TEST(Controller, ALongMenuAtRestReadsWhatIsShownAndTheRestInTurns) {
+TEST(Controller, ALongMenuReadsWhatIsShownAlone) {
     constexpr size_t COUNT = 300;
     Menu_panel panel(long_menu(COUNT), {20, 3});
     panel.press(Key::DOWN, COUNT - 1).lines();
@@ -346,13 +346,10 @@ TEST(Controller, ALongMenuAtRestReadsWhatIsShownAndTheRestInTurns) {
         return 0;
     });
     panel.controller().tick();
-    EXPECT_EQ(reads.size(), 64U + 2U);
-    EXPECT_EQ(reads.count(COUNT), 1U);
-    EXPECT_EQ(reads.count(COUNT - 1), 1U);
     for (int i = 0; i < 4; ++i) {
         panel.controller().tick();
     }
-    EXPECT_EQ(reads.size(), COUNT);
+    EXPECT_EQ(reads, (std::set<uint32_t>{COUNT - 1, COUNT}));
 
     panel.device().set_integer(COUNT, 0, 7);
     panel.controller().tick();

