@@ -28,7 +28,7 @@ public:
     // Lets time pass until the card has been asked for the first time.
     void wait_for_fetch() {
         for (int i = 0; i < 11 && card().requests().empty(); ++i) {
-            m_panel.controller().tick();
+            tick();
         }
     }
     ~Cards_panel() {
@@ -37,16 +37,22 @@ public:
         }
     }
 
-    // The options are fetched at every eleventh refresh.
+    // The options are fetched at every eleventh refresh of what is on the display.
     void fetch() {
+        m_panel.lines();
         for (int i = 0; i < 11; ++i) {
-            m_panel.controller().tick();
+            tick();
         }
     }
     Menu_panel* operator->() { return &m_panel; }
     Card_service& card() { return *m_panel.cards(); }
 
 private:
+    void tick() {
+        m_panel.controller().tick();
+        m_panel.lines();
+    }
+
     int m_pid;
     Curl_home m_curl_home;
     Menu_panel m_panel;

@@ -54,19 +54,19 @@ protected:
 };
 
 TEST_F(Listing_test, IsTheLibrarysAnswerWhateverWasAskedBefore) {
-    const std::string text = menu_text(
-        PARAMETERS,
-        std::string(NOT_IN_1) + "," + ONLY_IN_1 + "," + node(ONLY_IN_1) + "," +
-            node(std::string(ONLY_IN_1) + "," + NOT_IN_1) + "," + node(node(NOT_IN_1)) + "," +
-            node(NOT_IN_1, R"(, "binding": "visible if [mode] == 2")") + "," +
-            node(NOT_IN_1, R"(, "options": ["gps"])") + "," +
-            node(R"({"type": "link", "target": "A"})") + R"(,
+    const std::string text =
+        menu_text(PARAMETERS,
+                  std::string(NOT_IN_1) + "," + ONLY_IN_1 + "," + node(ONLY_IN_1) + "," +
+                      node(std::string(ONLY_IN_1) + "," + NOT_IN_1) + "," + node(node(NOT_IN_1)) +
+                      "," + node(NOT_IN_1, R"(, "binding": "visible if [mode] == 2")") + "," +
+                      node(NOT_IN_1, R"(, "options": ["gps"])") + "," +
+                      node(R"({"type": "link", "target": "A"})") + R"(,
             {"type": "link", "target": "A"}, {"type": "link", "target": "B"},
             {"type": "text", "name": "T", "parameter": "name", "options": ["gps"]},
             {"type": "text", "name": "U", "parameter": "name", "options": ["modem"]},
             {"type": "text", "name": "V", "parameter": "name", "binding": "visible if value == \"x\""},
             {"type": "mount", "name": "M", "folder": "none"})",
-        OPTIONS);
+                  OPTIONS);
     Simulated_menu library = simulated_text(text);
     Simulated_menu list = simulated_text(text);
     Simulated_menu fresh_list = simulated_text(text);
@@ -87,8 +87,8 @@ TEST_F(Listing_test, IsTheLibrarysAnswerWhateverWasAskedBefore) {
 }
 
 TEST_F(Listing_test, ReadsWhatRulesReadAndNothingElse) {
-    Simulated_menu menu = simulated_text(menu_text(
-        PARAMETERS, std::string(NOT_IN_1) + "," + ONLY_IN_1 + "," + node(ONLY_IN_1) + R"(,
+    Simulated_menu menu = simulated_text(
+        menu_text(PARAMETERS, std::string(NOT_IN_1) + "," + ONLY_IN_1 + "," + node(ONLY_IN_1) + R"(,
             {"type": "link", "target": "A"}, {"type": "text", "name": "T", "parameter": "name"})"));
     std::set<uint32_t> read;
     menu.device().set_fault([&read](const Memory_device::Operation& operation) {
@@ -138,8 +138,8 @@ TEST_F(Listing_test, AnyNodeIsAskedInTheLibrarysWay) {
     Node_entry node("Own", "", &index, nullptr, Data_entry::VISIBLE_ALL, Data_entry::SHORTCUT_NONE,
                     nullptr, nullptr, nullptr);
     EXPECT_FALSE(is_listed(node, *menu.menu));
-    Node_entry below("Below", "", &index, &node, Data_entry::VISIBLE_ALL,
-                     Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr);
+    Node_entry below("Below", "", &index, &node, Data_entry::VISIBLE_ALL, Data_entry::SHORTCUT_NONE,
+                     nullptr, nullptr, nullptr);
     support::Leaf leaf("Leaf", &below);
     EXPECT_TRUE(is_listed(node, *menu.menu));
 }
