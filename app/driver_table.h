@@ -1,4 +1,4 @@
-// The drivers that this build has.
+// Every driver of the panel, those that this build leaves out included.
 #ifndef FRONTPANEL_APP_DRIVER_TABLE_H
 #define FRONTPANEL_APP_DRIVER_TABLE_H
 

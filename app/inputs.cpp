@@ -27,6 +27,9 @@ bool is_axis(const std::pair<const std::string, Key>& entry) {
     return entry.first.rfind("REL_", 0) == 0 || entry.first.rfind("ABS_", 0) == 0;
 }
 
+constexpr const char* LACKS_INPUTS =
+    "this build lacks the input \"evdev\" (build with -D FRONTPANEL_INPUTS=ON)";
+
 bool has_axes_only(const Key_map& keys) {
     return std::all_of(keys.begin(), keys.end(), is_axis);
 }
@@ -53,12 +56,15 @@ std::vector<std::unique_ptr<Input>> inputs_of(const Options& options, std::ostre
 
 #else
 
-void check_event_names(const Key_map&) {}
-
-std::vector<std::unique_ptr<Input>> inputs_of(const Options& options, std::ostream&) {
-    if (!options.inputs.empty()) {
-        throw Input_error("--input: this build has no inputs");
+void check_event_names(const Key_map& keys) {
+    if (!keys.empty()) {
+        throw Input_error(std::string(LACKS_INPUTS) + ", and \"" + keys.begin()->first +
+                          "\" is a key of it");
     }
+}
+
+// Requires: no inputs, of which `parse_input` accepts none.
+std::vector<std::unique_ptr<Input>> inputs_of(const Options&, std::ostream&) {
     return {};
 }
 
@@ -66,11 +72,22 @@ std::vector<std::unique_ptr<Input>> inputs_of(const Options& options, std::ostre
 
 }  // namespace
 
+bool has_inputs() {
+#ifdef FRONTPANEL_INPUTS
+    return true;
+#else
+    return false;
+#endif
+}
+
 std::string parse_input(const std::string& text) {
     constexpr const char* PREFIX = "evdev:";
     std::string place = text.substr(text.find(':') + 1);
     if (text.rfind(PREFIX, 0) != 0 || place.empty()) {
         throw Input_error("expected evdev:PATH or evdev:NAME, found \"" + text + "\"");
+    }
+    if (!has_inputs()) {
+        throw Input_error(LACKS_INPUTS);
     }
     return place;
 }

@@ -11,7 +11,10 @@
 
 namespace frontpanel {
 
-// The path or the name behind "evdev:". Input_error for any other text.
+// Whether this build has inputs.
+bool has_inputs();
+
+// The path or the name behind "evdev:". Input_error for any other text, and in a build without inputs.
 std::string parse_input(const std::string& text);
 
 // Gives each part the keys with names of its own: input devices those of the kernel, such as "KEY_ENTER", and the
@@ -23,7 +26,7 @@ void split_keys(const Key_map& keys, Key_map& of_display, Key_map& of_inputs);
 // For a display without keys of its own: Input_error when the keys of the inputs cannot select.
 void check_input_keys(const Options& options);
 
-// The display with the inputs and the LEDs of the options. Input_error for an input in a build without them. Status messages go to `log`, which outlives the front.
+// The display with the inputs and the LEDs of the options. Status messages go to `log`, which outlives the front.
 std::unique_ptr<Front> whole_front(std::unique_ptr<Front> display, const Options& options,
                                    std::ostream& log);
 

@@ -8,13 +8,14 @@ namespace frontpanel {
 namespace {
 
 std::unique_ptr<Driven_device> driven_device(const std::string& file, const Json_value& root,
-                                             Problems& problems, Data_interface& others) {
+                                             Problems& problems, Data_interface& others,
+                                             Lacking_drivers lacking) {
     const std::string folder = std::filesystem::path(file).parent_path().string();
     Device_cache_settings settings;
     // A program that does not heed SIGTERM is killed after half a second: that must not be left behind.
     settings.end_patience = std::chrono::seconds(2);
     return std::make_unique<Driven_device>(root, problems, driver_table(), folder, others,
-                                           std::move(settings));
+                                           std::move(settings), lacking);
 }
 
 // Also without a source: what is wrong with drivers is reported whether they are used or not.
@@ -38,10 +39,15 @@ Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drive
     panel.device = std::make_unique<Simulated_device>(
         root, problems, cards, is_driven ? Sources::LEFT_OUT : Sources::SIMULATED);
     if (is_driven) {
-        panel.driven = driven_device(file, root, problems, panel.device->memory());
+        panel.driven =
+            driven_device(file, root, problems, panel.device->memory(), Lacking_drivers::REFUSED);
         if (drivers == Drivers::CHECKED) {
             panel.driven->check(problems);
         }
+    } else if (has_drivers(root)) {
+        // Mistakes of a simulated menu would otherwise wait for the device.
+        (void)driven_device(file, root, problems, panel.device->memory(),
+                            Lacking_drivers::WARNED_OF);
     }
     Simulated_device& device = *panel.device;
     Loading loading;

@@ -15,7 +15,7 @@ namespace frontpanel {
 
 // What becomes of parameters with a "source".
 enum class Drivers {
-    SIMULATED,  // the simulator takes the place of all drivers
+    SIMULATED,  // the simulator takes the place of all drivers, also of those that the build lacks
     LOADED,     // they live at the drivers of the file
     CHECKED     // the same, and the drivers add their warnings
 };

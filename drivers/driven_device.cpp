@@ -86,8 +86,13 @@ bool has_sources(const Json_value& file) {
 
 class Driven_device::Reader {
 public:
-    Reader(Driven_device& device, Problems& problems, const Driver_table& table, std::string folder)
-        : m_device(device), m_problems(problems), m_table(table), m_folder(std::move(folder)) {}
+    Reader(Driven_device& device, Problems& problems, const Driver_table& table, std::string folder,
+           Lacking_drivers lacking)
+        : m_device(device),
+          m_problems(problems),
+          m_table(table),
+          m_folder(std::move(folder)),
+          m_lacking(lacking) {}
 
     void read(const Json_value& section) {
         m_problems.attempt([&] { read_drivers(section); });
@@ -132,11 +137,7 @@ private:
                                                  std::to_string(LONGEST_NAME) + " characters");
         }
         const Json_value& options = member.value;
-        const Json_value kind = options.member(DRIVER);
-        if (m_table.empty()) {
-            kind.fail("the program was built without drivers");
-        }
-        const Driver_row& row = *m_table[kind.choice(kinds())];
+        const Driver_row& row = row_of(options.member(DRIVER), member.name);
         options.expect_members(with_common_members(row.members));
         const milliseconds poll = duration_or(options, POLL, Device_cache::SHORTEST_POLL,
                                               Device_cache::LONGEST_POLL, Device_cache::USUAL_POLL);
@@ -147,11 +148,42 @@ private:
         instance.row = &row;
     }
 
+    // Those that are left out, too: a menu that names one is not mistaken.
     std::vector<const char*> kinds() const {
         std::vector<const char*> names(m_table.size());
         std::transform(m_table.begin(), m_table.end(), names.begin(),
                        [](const Driver_row* row) { return row->name; });
         return names;
+    }
+
+    // That of a kind. Throws when the build has none.
+    const Driver_row& row_of(const Json_value& kind, const std::string& instance) {
+        if (m_lacking == Lacking_drivers::WARNED_OF) {
+            expect_row(kind, instance);
+        }
+        if (m_table.empty()) {
+            kind.fail("the program was built without drivers");
+        }
+        const Driver_row& row = *m_table[kind.choice(kinds())];
+        if (row.is_left_out()) {
+            kind.fail(std::string("this build lacks the driver \"") + row.name +
+                      "\" (build with -D " + row.build_option + "=ON)");
+        }
+        return row;
+    }
+
+    // Warns of a kind that cannot be made. What it has as members nobody knows here.
+    void expect_row(const Json_value& kind, const std::string& instance) {
+        const std::string name = kind.text();
+        const auto row = std::find_if(m_table.begin(), m_table.end(),
+                                      [&](const Driver_row* one) { return name == one->name; });
+        if (row != m_table.end() && !(*row)->is_left_out()) {
+            return;
+        }
+        const std::string hint = row == m_table.end() ? hint_of(name, kinds()) : "";
+        kind.warn("this build lacks the driver \"" + name + "\", so what lives at \"" + instance +
+                  "\" is not checked" + hint);
+        throw Told_already();
     }
 
     // Which driver is meant need not be said where there is only one.
@@ -205,14 +237,17 @@ private:
     Problems& m_problems;
     const Driver_table& m_table;
     std::string m_folder;
+    Lacking_drivers m_lacking;
     std::map<std::string, Instance> m_instances;
 };
 
 Driven_device::Driven_device(const Json_value& file, Problems& problems,
                              const Driver_table& drivers, const std::string& folder,
-                             Data_interface& others, Device_cache_settings settings)
+                             Data_interface& others, Device_cache_settings settings,
+                             Lacking_drivers lacking)
     : m_cache(others, std::move(settings)) {
-    problems.attempt([&] { Reader(*this, problems, drivers, folder).read(file.member("device")); });
+    problems.attempt(
+        [&] { Reader(*this, problems, drivers, folder, lacking).read(file.member("device")); });
 }
 
 void Driven_device::check(Problems& problems) const {

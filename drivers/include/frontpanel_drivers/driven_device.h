@@ -21,6 +21,12 @@ bool has_source(const Json_value& parameter);
 // Whether any does.
 bool has_sources(const Json_value& file);
 
+// What becomes of a driver that the table lacks or has without a maker.
+enum class Lacking_drivers {
+    REFUSED,   // an error, since parameters cannot be reached
+    WARNED_OF  // a warning, for a device that stands in for every driver
+};
+
 class Driven_device {
 public:
     static constexpr std::size_t MOST_DRIVERS = 32;
@@ -31,7 +37,8 @@ public:
     // the parameters without a source, and outlives the device.
     Driven_device(const Json_value& file, Problems& problems, const Driver_table& drivers,
                   const std::string& folder, Data_interface& others,
-                  Device_cache_settings settings = {});
+                  Device_cache_settings settings = {},
+                  Lacking_drivers lacking = Lacking_drivers::REFUSED);
     Driven_device(const Driven_device&) = delete;
     Driven_device& operator=(const Driven_device&) = delete;
 

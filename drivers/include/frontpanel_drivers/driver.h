@@ -133,8 +133,12 @@ struct Driver_row {
     std::vector<const char*> members;         // of an instance, beside "driver" and "poll"
     std::vector<const char*> source_members;  // of a "source", beside "driver" and "poll"
     // `options` is the instance, whose members are known to be among `members`. Throws Placed_error for what is wrong
-    // with it. Connects to nothing.
+    // with it. Connects to nothing. Null: the build leaves the driver out.
     std::unique_ptr<Driver> (*create)(const Json_value& options, const Driver_setup& setup);
+    // Of a driver that is left out: the option of the build that brings it. Such a row has a name and no members.
+    const char* build_option = nullptr;
+
+    bool is_left_out() const { return create == nullptr; }
 };
 
 }  // namespace frontpanel

@@ -31,6 +31,7 @@
 #include <frontpanel_ui/main_loop.h>
 #include <frontpanel_ui/panel.h>
 #include "driver_table.h"
+#include "support/built_drivers.h"
 #include "support/folder.h"
 #include "support/soak_servers.h"
 
@@ -336,11 +337,6 @@ private:
             add_controller(folder("controller"));
         }
         add_broker(folder("broker"));
-    }
-    static bool has_driver(const std::string& name) {
-        const Driver_table& table = driver_table();
-        return std::any_of(table.begin(), table.end(),
-                           [&](const Driver_row* row) { return row->name == name; });
     }
     void add_controller(const std::string& folder) {
         auto controller = std::make_unique<Controller_server>("M", folder, free_port());

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "file_roles.h"
+#include "inputs.h"
 #include "options.h"
 #include "support/folder.h"
 
@@ -101,6 +102,9 @@ TEST_F(Configuration, AnOptionWithoutAValueIsOnOrOff) {
 }
 
 TEST_F(Configuration, AnOptionThatMayBeGivenSeveralTimesHasALineEachOrAList) {
+    if (!has_inputs()) {
+        GTEST_SKIP() << "built without inputs";
+    }
     const std::vector<std::string> wanted{"/dev/input/event0", "A knob"};
     EXPECT_EQ(options_of("input = evdev:/dev/input/event0\ninput = \"evdev:A knob\"\n").inputs,
               wanted);
@@ -192,7 +196,9 @@ TEST_F(Configuration, EachLineOfTheExampleIsAccepted) {
         ASSERT_TRUE(line.empty() || line[0] == '#') << line << ": the example changes something";
         if (line.size() > 1 && line[1] != ' ') {
             SCOPED_TRACE(line);
-            options_of(line.substr(1) + '\n');
+            if (has_inputs() || line.rfind("#input = ", 0) != 0) {
+                options_of(line.substr(1) + '\n');
+            }
             ++count;
         }
     }

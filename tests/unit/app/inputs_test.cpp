@@ -19,7 +19,17 @@ public:
     Time due() const override { return Time::max(); }
 };
 
-TEST(Inputs, AreNamedByPathOrName) {
+// A build may leave the inputs out.
+class Inputs : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!has_inputs()) {
+            GTEST_SKIP() << "built without inputs";
+        }
+    }
+};
+
+TEST_F(Inputs, AreNamedByPathOrName) {
     EXPECT_EQ(parse_input("evdev:/dev/input/event0"), "/dev/input/event0");
     EXPECT_EQ(parse_input("evdev:A knob: large"), "A knob: large");
     for (const std::string bad : {"", "evdev", "evdev:", "/dev/input/event0", "uinput:x"}) {
@@ -32,7 +42,7 @@ TEST(Inputs, AreNamedByPathOrName) {
     }
 }
 
-TEST(Inputs, EachPartHasTheKeysWithItsNames) {
+TEST_F(Inputs, EachPartHasTheKeysWithItsNames) {
     Key_map display;
     Key_map inputs;
     split_keys({{"Enter", {Key::SELECT}}, {"KEY_A", {Key::BACK}}}, display, inputs);
@@ -49,7 +59,7 @@ TEST(Inputs, EachPartHasTheKeysWithItsNames) {
     EXPECT_THROW(split_keys({{"KEY_NONE", {Key::SELECT}}}, display, inputs), Input_error);
 }
 
-TEST(Inputs, AMapOfAxesAloneKeepsTheUsualKeys) {
+TEST_F(Inputs, AMapOfAxesAloneKeepsTheUsualKeys) {
     Key_map display;
     Key_map inputs;
     split_keys({{"REL_X", {Key::DOWN}}}, display, inputs);
@@ -74,7 +84,7 @@ TEST(Inputs, AMapOfAxesAloneKeepsTheUsualKeys) {
     EXPECT_EQ(front->next(now)->key.kind, Key::SELECT);
 }
 
-TEST(Inputs, ADisplayWithoutKeysNeedsAnInputThatSelects) {
+TEST_F(Inputs, ADisplayWithoutKeysNeedsAnInputThatSelects) {
     Options options;
     options.inputs = {"/nonexistent/one"};
     EXPECT_NO_THROW(check_input_keys(options));
@@ -86,7 +96,7 @@ TEST(Inputs, ADisplayWithoutKeysNeedsAnInputThatSelects) {
     EXPECT_NO_THROW(check_input_keys(options));
 }
 
-TEST(Inputs, StandBesideTheDisplay) {
+TEST_F(Inputs, StandBesideTheDisplay) {
     std::ostringstream log;
     Options options;
     auto display = std::make_unique<Silent_front>();
@@ -101,7 +111,33 @@ TEST(Inputs, StandBesideTheDisplay) {
         "frontpanel: input /nonexistent/two is unreachable (No such file or directory); retrying\n");
 }
 
-TEST(Inputs, TheLedsOfTheBoardStandBesideTheDisplay) {
+TEST(Inputs_left_out, TheOptionOfTheBuildThatBringsThemIsNamed) {
+    if (has_inputs()) {
+        GTEST_SKIP() << "built with inputs";
+    }
+    const auto error_of = [](const auto& work) -> std::string {
+        try {
+            work();
+        } catch (const Input_error& error) {
+            return error.what();
+        }
+        return "";
+    };
+    const std::string lacks =
+        "this build lacks the input \"evdev\" (build with -D FRONTPANEL_INPUTS=ON)";
+    EXPECT_EQ(error_of([] { parse_input("evdev:A knob"); }), lacks);
+    EXPECT_EQ(error_of([] { parse_input("uinput:x"); }),
+              "expected evdev:PATH or evdev:NAME, found \"uinput:x\"");
+    Key_map display;
+    Key_map inputs;
+    EXPECT_EQ(error_of([&] {
+                  split_keys({{"KEY_A", {Key::SELECT}}}, display, inputs);
+              }),
+              lacks + ", and \"KEY_A\" is a key of it");
+    EXPECT_EQ(error_of([&] { split_keys({{"A", {Key::SELECT}}}, display, inputs); }), "");
+}
+
+TEST(Led_folders_of_options, StandBesideTheDisplay) {
     std::ostringstream log;
     Options options;
     options.leds = {{"alarm", "/nonexistent/led"}};

@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include <frontpanel_base/problems.h>
+#include "driver_table.h"
 #include "menu_files.h"
 
 namespace frontpanel {
@@ -70,14 +71,62 @@ TEST_F(Loaded_driven_panel_test, TheSimulatorTakesThePlaceOfEveryDriver) {
     EXPECT_EQ(value_of(loaded, 3), 0);
 }
 
+TEST_F(Loaded_driven_panel_test, AMistakeOfASourceIsOneWithASimulatorToo) {
+    options.menu = write("wrong.json", R"({"device": {
+        "drivers": {"files": {"driver": "file"}}, "parameters": [
+        {"pid": 1, "type": "integer", "min": 3, "max": 9, "source": {"path": "value", "pol": "1s"}}]},
+        "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 1}]}})");
+    for (const Drivers drivers : {Drivers::LOADED, Drivers::SIMULATED}) {
+        EXPECT_NE(error_of([&] {
+                      load_panel(options.menu, Cards::OFF, 20, drivers);
+                  }).find("unknown member \"pol\"; did you mean \"poll\"?"),
+                  std::string::npos);
+    }
+}
+
 TEST_F(Loaded_driven_panel_test, OnlyTheCheckWarnsOfWhatCannotBeReadHere) {
     const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20, Drivers::CHECKED);
     ASSERT_EQ(loaded.warnings.size(), 1U);
     EXPECT_NE(loaded.warnings[0].find("cannot be read here: No such file"), std::string::npos);
 }
 
+TEST_F(Loaded_panel_test, TheSimulatorNeedsNoDriverOfTheBuild) {
+    options.menu = write("driven.json", R"({"device": {
+        "drivers": {"bus": {"driver": "teapot", "spout": 1}}, "parameters": [
+        {"pid": 1, "type": "integer", "min": 3, "max": 9, "source": {"lid": "open"}}]},
+        "menu": {"name": "Main", "items": [{"type": "range", "name": "Gain", "pid": 1}]}})");
+    const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20, Drivers::SIMULATED);
+    EXPECT_EQ(loaded.driven, nullptr);
+    EXPECT_EQ(loaded.warnings,
+              std::vector<std::string>{options.menu +
+                                       ":2:39: warning: this build lacks the driver \"teapot\", "
+                                       "so what lives at \"bus\" is not checked"});
+    EXPECT_NE(error_of([&] { load_panel(options.menu, Cards::OFF, 20); }).find("found \"teapot\""),
+              std::string::npos);
+}
+
+TEST_F(Loaded_panel_test, ADriverThatTheBuildLeavesOutIsNamedInEveryUse) {
+    for (const Driver_row* const row : driver_table()) {
+        SCOPED_TRACE(row->name);
+        const std::string name = row->name;
+        options.menu =
+            write(name + ".json", R"({"device": {"drivers": {"one": {"driver": ")" + name +
+                                      R"("}}, "parameters": []}, "menu": {"name": "Main"}})");
+        const std::string lacks =
+            ":1:43: this build lacks the driver \"" + name + "\" (build with -D FRONTPANEL_DRIVER_";
+        for (const Drivers drivers : {Drivers::LOADED, Drivers::CHECKED}) {
+            const std::string error =
+                error_of([&] { load_panel(options.menu, Cards::OFF, 20, drivers); });
+            EXPECT_EQ(error.find(lacks) != std::string::npos, row->is_left_out()) << error;
+        }
+        const std::string simulated =
+            error_of([&] { load_panel(options.menu, Cards::OFF, 20, Drivers::SIMULATED); });
+        EXPECT_EQ(simulated.find("driver"), std::string::npos) << simulated;
+    }
+}
+
 TEST_F(Loaded_panel_test, AProgramThatIgnoresItsEndEndsWithThePanel) {
-    if (!has_driver("process")) {
+    if (!support::has_driver("process")) {
         GTEST_SKIP() << "built without the driver for programs";
     }
     write("adapter.py", R"(

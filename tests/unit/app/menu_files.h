@@ -4,13 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <string>
 
 #include <frontpanel_base/input_error.h>
-#include "driver_table.h"
 #include "options.h"
+#include "support/built_drivers.h"
 #include "support/folder.h"
 
 namespace frontpanel {
@@ -41,13 +40,6 @@ protected:
         return "";
     }
 
-    // A build may leave out a driver.
-    static bool has_driver(const std::string& name) {
-        const Driver_table& drivers = driver_table();
-        return std::any_of(drivers.begin(), drivers.end(),
-                           [&name](const Driver_row* row) { return row->name == name; });
-    }
-
     support::Folder folder;
     Options options;
 };
@@ -56,7 +48,7 @@ protected:
 class Driven_menu_files : public Menu_files {
 protected:
     void SetUp() override {
-        if (!has_driver("file")) {
+        if (!support::has_driver("file")) {
             GTEST_SKIP() << "built without the driver for files";
         }
     }

@@ -140,7 +140,7 @@ TEST_F(Reports_test, TheyShowTheStateAndWhatAScriptMakesOfIt) {
 
 // A program that takes a value and never answers.
 TEST_F(Reports_test, AWriteOfTheScriptThatTheDeviceDoesNotConfirmIsNamed) {
-    if (!has_driver("process")) {
+    if (!support::has_driver("process")) {
         GTEST_SKIP() << "built without the driver for programs";
     }
     write("adapter.sh", R"(

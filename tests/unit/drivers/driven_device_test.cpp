@@ -46,6 +46,7 @@ std::unique_ptr<Driver> create(const Json_value& options, const Driver_setup& se
 
 const Driver_row NOTING{"noting", {"where"}, {"place"}, create};
 const Driver_row OTHER{"other", {}, {"place"}, create};
+const Driver_row LEFT_OUT{"absent", {}, {}, nullptr, "DRIVER_ABSENT"};
 
 class Driven_device_test : public Driver_menu_test {
 protected:
@@ -104,6 +105,37 @@ TEST_F(Driven_device_test, MistakesAreReportedAllAtOnceWithTheNearestName) {
                "no driver is named \"plk\"; did you mean \"plc\"?", "expected a member \"driver\"",
                "expected a member \"place\"", "unknown member \"plaice\"; did you mean \"place\"?",
                "expected an object, found a text"}));
+}
+
+constexpr const char* LACKED = R"({"plc": {"driver": "absent", "where": "here"}})";
+constexpr const char* ANYWHERE =
+    R"({"pid": 1, "type": "integer", "min": 0, "max": 1, "source": {"anything": "a"}})";
+
+TEST_F(Driven_device_test, ADriverThatTheBuildLeavesOutIsNamedWithItsOption) {
+    load_menu({&NOTING, &LEFT_OUT}, "", LACKED, ANYWHERE);
+    EXPECT_EQ(problems(),
+              Lines{"this build lacks the driver \"absent\" (build with -D DRIVER_ABSENT=ON)"});
+    load_menu({&LEFT_OUT}, "", R"({"plc": {"driver": "absend"}})", "");
+    EXPECT_EQ(problems().back(), "expected \"absent\", found \"absend\"; did you mean \"absent\"?");
+}
+
+TEST_F(Driven_device_test, WhereAnotherDeviceStandsInALackingDriverIsOnlyWarnedOf) {
+    load_menu({&NOTING, &LEFT_OUT}, "", LACKED, ANYWHERE, Work::STEPS, Lacking_drivers::WARNED_OF);
+    EXPECT_EQ(problems(), Lines{"warning: this build lacks the driver \"absent\", so what lives at "
+                                "\"plc\" is not checked"});
+    EXPECT_FALSE(m_device->cache().has(1, 0));
+}
+
+TEST_F(Driven_device_test, WhereAnotherDeviceStandsInADriverThatNobodyKnowsIsOnlyWarnedOf) {
+    load_menu({&NOTING, &LEFT_OUT}, "", R"({"plc": {"driver": "notin"}})", ANYWHERE, Work::STEPS,
+              Lacking_drivers::WARNED_OF);
+    EXPECT_EQ(problems(), Lines{"warning: this build lacks the driver \"notin\", so what lives at "
+                                "\"plc\" is not checked; did you mean \"noting\"?"});
+}
+
+TEST_F(Driven_device_test, WhereAnotherDeviceStandsInTheSourcesOfOtherDriversAreChecked) {
+    load_menu({&NOTING, &LEFT_OUT}, "", ONE, ANYWHERE, Work::STEPS, Lacking_drivers::WARNED_OF);
+    EXPECT_EQ(problems(), (Lines{"expected a member \"place\"", "unknown member \"anything\""}));
 }
 
 TEST_F(Driven_device_test, ADriverThatNothingLivesAtIsProbablyAMistake) {

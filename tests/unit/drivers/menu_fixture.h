@@ -23,7 +23,8 @@ protected:
     // A menu file in `folder` with this object of drivers and these parameters.
     void load_menu(const frontpanel::Driver_table& table, const std::string& folder,
                    const std::string& drivers, const std::string& parameters,
-                   Work work = Work::STEPS) {
+                   Work work = Work::STEPS,
+                   frontpanel::Lacking_drivers lacking = frontpanel::Lacking_drivers::REFUSED) {
         m_text =
             R"({"device": {"drivers": )" + drivers + R"(, "parameters": [)" + parameters + "]}}";
         m_document.emplace(m_source, m_text);
@@ -31,7 +32,7 @@ protected:
         settings.has_threads = work == Work::THREADS;
         settings.clock = [clock = m_clock] { return clock->now(); };
         m_device.emplace(frontpanel::Json_value(m_document->root(), m_problems), m_problems, table,
-                         folder, m_others, settings);
+                         folder, m_others, settings, lacking);
     }
     // A parameter of "parameters"; `source` are members.
     static std::string number(std::uint32_t pid, const std::string& name,
