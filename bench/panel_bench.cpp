@@ -3,22 +3,18 @@
 // Key_to_frame is the time from a key on the terminal until the frame that it makes has arrived there; max_ms is
 // the longest of them. "Rest" is the share of one core that an idle panel takes.
 #include <benchmark/benchmark.h>
-#include <poll.h>
-#include <pty.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <stdexcept>
+#include <sstream>
 #include <string>
 #include <thread>
 
+#include "panel_process.h"
+
 namespace {
+
+using frontpanel::Panel_process;
 
 using std::chrono::steady_clock;
 
@@ -35,8 +31,8 @@ std::string leaf(int number) {
            std::to_string(number % (SUBMENUS * LEAVES) + 1) + R"(] <= 120"})";
 }
 
-void write_menu(const std::string& file) {
-    std::ofstream menu(file);
+std::string menu_text() {
+    std::ostringstream menu;
     menu << R"({"device": {"parameters": [)";
     for (int number = 1; number <= SUBMENUS * LEAVES; ++number) {
         menu << (number == 1 ? "" : ",") << R"({"pid": )" << number
@@ -52,90 +48,13 @@ void write_menu(const std::string& file) {
         menu << "]}";
     }
     menu << "]}}";
+    return menu.str();
 }
-
-class Panel_process {
-public:
-    Panel_process() : m_folder(std::filesystem::temp_directory_path() / "panel_bench.XXXXXX") {
-        std::string name = m_folder.string();
-        if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("no folder for temporary files");
-        }
-        m_folder = name;
-        write_menu(m_folder / "menu.json");
-        start();
-        read_until("Bank 1");
-    }
-    ~Panel_process() {
-        kill(m_process, SIGTERM);
-        close(m_terminal);
-        waitpid(m_process, nullptr, 0);
-        std::filesystem::remove_all(m_folder);
-    }
-    Panel_process(const Panel_process&) = delete;
-    Panel_process& operator=(const Panel_process&) = delete;
-
-    void press(const std::string& key) {
-        if (write(m_terminal, key.data(), key.size()) != static_cast<ssize_t>(key.size())) {
-            throw std::runtime_error("the terminal takes no key");
-        }
-    }
-    // Reads what the panel writes until the text is in it.
-    void read_until(const std::string& text) {
-        constexpr int LONG_TIME = 20000;
-        const auto deadline = steady_clock::now() + std::chrono::milliseconds(LONG_TIME);
-        m_seen.clear();
-        while (m_seen.find(text) == std::string::npos) {
-            pollfd ready{m_terminal, POLLIN, 0};
-            char bytes[4096];
-            const ssize_t size =
-                poll(&ready, 1, LONG_TIME) == 1 ? read(m_terminal, bytes, sizeof bytes) : 0;
-            if (size <= 0 || steady_clock::now() > deadline) {
-                throw std::runtime_error("the panel does not show \"" + text + "\" but " + m_seen);
-            }
-            m_seen.append(bytes, static_cast<size_t>(size));
-        }
-    }
-    // The time that all its threads have run, in nanoseconds.
-    double cpu_time() const {
-        double sum = 0;
-        const std::string tasks = "/proc/" + std::to_string(m_process) + "/task";
-        for (const auto& task : std::filesystem::directory_iterator(tasks)) {
-            double time = 0;
-            std::ifstream(task.path() / "schedstat") >> time;
-            sum += time;
-        }
-        return sum;
-    }
-
-private:
-    void start() {
-        winsize size{};
-        size.ws_row = 24;
-        size.ws_col = 80;
-        m_process = forkpty(&m_terminal, nullptr, nullptr, &size);
-        if (m_process < 0) {
-            throw std::runtime_error("no terminal");
-        }
-        if (m_process == 0) {
-            setenv("TERM", "xterm", 1);
-            const std::string menu = m_folder / "menu.json";
-            const std::string log = m_folder / "log";
-            execl(FRONTPANEL, FRONTPANEL, "--menu", menu.c_str(), "--log", log.c_str(), "--timeout",
-                  "0", nullptr);
-            _exit(127);
-        }
-    }
-
-    std::filesystem::path m_folder;
-    int m_terminal = -1;
-    pid_t m_process = -1;
-    std::string m_seen;
-};
 
 // The cursor's mark is drawn anew by every key, and by nothing else.
 void Key_to_frame(benchmark::State& state) {
-    Panel_process panel;
+    Panel_process panel(menu_text());
+    panel.read_until("Bank 1");
     panel.press("\r");
     panel.read_until("0.0 dB");
     double longest = 0;
@@ -155,7 +74,8 @@ BENCHMARK(Key_to_frame)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime
 
 // In the top menu, and in a menu of 999 entries.
 void Rest(benchmark::State& state) {
-    Panel_process panel;
+    Panel_process panel(menu_text());
+    panel.read_until("Bank 1");
     if (state.range(0) == 1) {
         panel.press("\r");
         panel.read_until("0.0 dB");
