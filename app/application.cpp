@@ -118,7 +118,7 @@ void watch_for_the_end(std::optional<End_watch>& watch, bool interactive, bool k
     }
 }
 
-int show(const Options& options, Output_log& log) {
+int show(const Options& options, Output_log& log, Menu_pointer document) {
     const Display_row& display = display_of(options, log);
     const bool interactive = display.is_interactive();
     if (interactive) {
@@ -127,7 +127,7 @@ int show(const Options& options, Output_log& log) {
     const bool keeps_values = !options.state.empty();
     std::optional<End_watch> end;
     watch_for_the_end(end, interactive, keeps_values);
-    const Loaded_panel loaded = load(options, log, Cards::ON);
+    const Loaded_panel loaded = load(options, log, Cards::ON, std::move(document));
     std::optional<Script> script;
     if (!interactive) {
         script = script_to_play(options);
@@ -197,16 +197,17 @@ int run_options(int argc, const char* const* argv) {
         return *status;
     }
     const Options& options = std::get<Options>(parsed);
-    check_files(options);
+    Menu_pointer document = check_files(options);
     if (is_report(options)) {
-        return report(options);
+        return report(options, std::move(document));
     }
     Output_log log(options.log);
     debug = options.debug;
     if (options.check) {
-        return check(options, log);
+        return check(options, log, std::move(document));
     }
-    return options.probe ? probe(options, log) : show(options, log);
+    return options.probe ? probe(options, log, std::move(document))
+                         : show(options, log, std::move(document));
 }
 
 }  // namespace

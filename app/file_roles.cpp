@@ -96,28 +96,28 @@ void check_pair(const Role& first, const Role& second) {
                                 " name the same file");
 }
 
-// Reads the menu once more than showing it does: before its log is emptied.
-std::vector<std::pair<const char*, std::string>> files_of_menu(const Options& options) {
-    std::vector<std::pair<const char*, std::string>> files;
+// Before its log is emptied.
+std::unique_ptr<Menu_document> read_menu(const Options& options) {
     try {
-        const Menu_document document(options.menu);
-        for (const std::string& file : document.files()) {
-            files.emplace_back("the menu", file);
-        }
-        for (const std::string& file : preset_files_of(document)) {
-            files.emplace_back("the presets", file);
-        }
+        return std::make_unique<Menu_document>(options.menu);
     } catch (const Input_error&) {
-        // Loading the menu reports it.
+        return nullptr;  // loading the menu reports it
+    }
+}
+
+std::vector<std::pair<const char*, std::string>> files_of(const Menu_document& document) {
+    std::vector<std::pair<const char*, std::string>> files;
+    for (const std::string& file : document.files()) {
+        files.emplace_back("the menu", file);
+    }
+    for (const std::string& file : preset_files_of(document)) {
+        files.emplace_back("the presets", file);
     }
     return files;
 }
 
 // The menu file itself has been compared.
-void check_menu_files(const Options& options, const std::vector<Role>& roles) {
-    if (options.log.empty() && options.state.empty() && options.screenshot.empty()) {
-        return;
-    }
+void check_menu_files(const Menu_document& document, const std::vector<Role>& roles) {
     std::map<Identity, const Role*> written;
     for (const Role& role : roles) {
         const auto identity = role.is_written ? identity_of(role.file) : std::nullopt;
@@ -125,7 +125,7 @@ void check_menu_files(const Options& options, const std::vector<Role>& roles) {
             written.emplace(*identity, &role);
         }
     }
-    for (const auto& [owner, file] : files_of_menu(options)) {
+    for (const auto& [owner, file] : files_of(document)) {
         const auto identity = identity_of(file);
         const auto found = identity ? written.find(*identity) : written.end();
         if (found != written.end()) {
@@ -137,14 +137,21 @@ void check_menu_files(const Options& options, const std::vector<Role>& roles) {
 
 }  // namespace
 
-void check_files(const Options& options) {
+std::unique_ptr<Menu_document> check_files(const Options& options) {
     const std::vector<Role> roles = roles_of(options);
     for (size_t first = 0; first < roles.size(); ++first) {
         for (size_t second = first + 1; second < roles.size(); ++second) {
             check_pair(roles[first], roles[second]);
         }
     }
-    check_menu_files(options, roles);
+    if (options.log.empty() && options.state.empty() && options.screenshot.empty()) {
+        return nullptr;
+    }
+    std::unique_ptr<Menu_document> document = read_menu(options);
+    if (document != nullptr) {
+        check_menu_files(*document, roles);
+    }
+    return document;
 }
 
 }  // namespace frontpanel

@@ -2,6 +2,10 @@
 #ifndef FRONTPANEL_APP_FILE_ROLES_H
 #define FRONTPANEL_APP_FILE_ROLES_H
 
+#include <frontpanel_menu/menu_document.h>
+
+#include <memory>
+
 #include "options.h"
 
 namespace frontpanel {
@@ -9,7 +13,9 @@ namespace frontpanel {
 // Input_error when a file that an option has the panel write is one that another option names, whatever the names:
 // a link counts as its file. So is one that the menu includes, or one of its presets. Devices and pipes may be named several
 // times.
-void check_files(const Options& options);
+//
+// Returns the menu if it was read for that, so that it is not read again; null otherwise, and for one that cannot be read.
+std::unique_ptr<Menu_document> check_files(const Options& options);
 
 }  // namespace frontpanel
 

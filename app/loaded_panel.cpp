@@ -28,12 +28,18 @@ bool has_drivers(const Json_value& root) {
 
 Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drivers drivers,
                         const Shows_character& shows, bool has_all_warnings) {
-    Menu_document document(file);
+    return load_panel(std::make_unique<Menu_document>(file), file, cards, columns, drivers, shows,
+                      has_all_warnings);
+}
+
+Loaded_panel load_panel(std::unique_ptr<Menu_document> document, const std::string& file,
+                        Cards cards, int columns, Drivers drivers, const Shows_character& shows,
+                        bool has_all_warnings) {
     if (shows) {
-        warn_of_characters(document, shows);
+        warn_of_characters(*document, shows);
     }
-    Problems& problems = document.problems();
-    const Json_value root = document.root();
+    Problems& problems = document->problems();
+    const Json_value root = document->root();
     const bool is_driven = drivers != Drivers::SIMULATED && has_drivers(root);
     Loaded_panel panel;
     panel.device = std::make_unique<Simulated_device>(
@@ -61,7 +67,7 @@ Loaded_panel load_panel(const std::string& file, Cards cards, int columns, Drive
                                         device.wrong_parameters()};
     Data_interface& access =
         is_driven ? static_cast<Data_interface&>(panel.driven->cache()) : device.memory();
-    Loaded_menu loaded = load_menu(document, access, loading);
+    Loaded_menu loaded = load_menu(*document, access, loading);
     panel.menu = std::move(loaded.menu);
     panel.warnings = std::move(loaded.warnings);
     return panel;

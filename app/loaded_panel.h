@@ -34,6 +34,10 @@ struct Loaded_panel {
 Loaded_panel load_panel(const std::string& file, Cards cards, int columns,
                         Drivers drivers = Drivers::LOADED, const Shows_character& shows = nullptr,
                         bool has_all_warnings = true);
+// The same of a menu that was read before.
+Loaded_panel load_panel(std::unique_ptr<Menu_document> document, const std::string& file,
+                        Cards cards, int columns, Drivers drivers, const Shows_character& shows,
+                        bool has_all_warnings);
 
 }  // namespace frontpanel
 

@@ -7,7 +7,6 @@
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_menu/list_line.h>
-#include "reports.h"
 
 namespace frontpanel {
 namespace {
@@ -65,8 +64,8 @@ std::string probe_table(const std::vector<Driven_value>& values) {
     return table;
 }
 
-int probe(const Options& options, Output_log& log) {
-    const Loaded_panel loaded = load(options, log, Cards::OFF);
+int probe(const Options& options, Output_log& log, Menu_pointer document) {
+    const Loaded_panel loaded = load(options, log, Cards::OFF, std::move(document));
     if (loaded.driven == nullptr || loaded.driven->cache().parameter_count() == 0) {
         throw Input_error(options.menu + ": no parameter lives at a driver");
     }

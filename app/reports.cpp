@@ -35,14 +35,17 @@ std::string report_of(const Options& options, Menu& menu) {
 }  // namespace
 
 // The library reports mistakes of an expression to standard error, where the panel prints one line of its own.
-Loaded_panel load(const Options& options, Output_log& log, Cards cards,
+Loaded_panel load(const Options& options, Output_log& log, Cards cards, Menu_pointer document,
                   const Shows_character& shows) {
     log.take_errors();
     const Drivers drivers = options.simulate ? Drivers::SIMULATED
                             : options.check  ? Drivers::CHECKED
                                              : Drivers::LOADED;
-    Loaded_panel loaded =
-        load_panel(options.menu, cards, options.size.columns, drivers, shows, options.check);
+    if (document == nullptr) {
+        document = std::make_unique<Menu_document>(options.menu);
+    }
+    Loaded_panel loaded = load_panel(std::move(document), options.menu, cards, options.size.columns,
+                                     drivers, shows, options.check);
     log.return_errors();
     return loaded;
 }
@@ -66,14 +69,14 @@ void check_written(bool failed) {
     }
 }
 
-int check(const Options& options, Output_log& log) {
+int check(const Options& options, Output_log& log, Menu_pointer document) {
     Shows_character shows;
     if (const Display_row* const display = options.display.display) {
         shows = [&options, display](char32_t character) {
             return display->shows(character, *options.rom);
         };
     }
-    const Loaded_panel loaded = load(options, log, Cards::OFF, shows);
+    const Loaded_panel loaded = load(options, log, Cards::OFF, std::move(document), shows);
     if (!options.script.empty()) {
         parse_script(options.script, read_input_file(options.script));
     }
@@ -114,11 +117,12 @@ void restore_state(const Options& options, const Loaded_panel& loaded) {
 }  // namespace
 
 // What the library prints while the menu is read goes to the log as ever, so that standard output is the report.
-int report(const Options& options) {
+int report(const Options& options, Menu_pointer document) {
     Output_log log(options.log);
     debug = options.debug;
     const bool is_played = !options.script.empty();
-    const Loaded_panel loaded = load(options, log, is_played ? Cards::ON : Cards::OFF);
+    const Loaded_panel loaded =
+        load(options, log, is_played ? Cards::ON : Cards::OFF, std::move(document));
     const std::optional<Curl_home> curl_home = prepare_transfers(*loaded.device, log);
     VarIdDataInfStore::m_pDataAccessInf = &loaded.menu->access();
     restore_state(options, loaded);

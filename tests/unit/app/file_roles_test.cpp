@@ -55,6 +55,16 @@ TEST_F(File_roles, WhatIsOnlyReadMayBeNamedTwice) {
     EXPECT_EQ(refusal(), "");
 }
 
+TEST_F(File_roles, TheMenuThatIsReadForThatIsReturned) {
+    EXPECT_EQ(check_files(m_options), nullptr);
+    m_options.log = file("log");
+    const std::unique_ptr<Menu_document> document = check_files(m_options);
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(document->files(), std::vector<std::string>{m_options.menu});
+    m_options.menu = file("missing");
+    EXPECT_EQ(check_files(m_options), nullptr);
+}
+
 TEST_F(File_roles, DevicesMayBeNamedTwice) {
     m_options.state = "/dev/null";
     m_options.log = "/dev/null";

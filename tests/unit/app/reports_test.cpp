@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -42,6 +43,16 @@ TEST_F(Reports_test, AreAskedForByTheirOptions) {
     options = {};
     options.explain = "Gain";
     EXPECT_TRUE(is_report(options));
+}
+
+TEST_F(Reports_test, AMenuThatWasReadIsNotReadAgain) {
+    auto document = std::make_unique<Menu_document>(options.menu);
+    std::filesystem::remove(options.menu);
+    options.dump = "table";
+    const std::string printed =
+        support::capture(0, [&] { status = report(options, std::move(document)); }).out;
+    EXPECT_EQ(status, EXIT_PLAYED);
+    EXPECT_NE(printed.find("Gain"), std::string::npos) << printed;
 }
 
 TEST_F(Reports_test, ACheckReportsWhatTheNamedDisplayCannotShow) {
