@@ -35,11 +35,13 @@ std::optional<int64_t> integer_of(std::string_view text) {
 class Builder {
 public:
     Builder(const Json_origin& origin, const std::string& text,
-            const rapidjson::InsituStringStream& stream, Json_storage& storage, size_t most_values)
+            const rapidjson::InsituStringStream& stream, Json_storage& storage, Json_names& names,
+            size_t most_values)
         : m_origin(origin),
           m_text(text),
           m_stream(stream),
           m_storage(storage),
+          m_names(names),
           m_most_values(most_values) {}
 
     bool Null() { return add(Json_node(Kind::NOTHING, mark_before(4))); }
@@ -57,7 +59,9 @@ public:
     }
     bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/) {
         const Json_mark mark = mark_of(text - 1);
-        m_members.emplace_back(checked({text, length}, mark), mark, Json_node());
+        const std::string_view name = checked({text, length}, mark);
+        m_names.note(name);
+        m_members.emplace_back(name, mark, Json_node());
         return true;
     }
     bool StartObject() { return open(Kind::OBJECT); }
@@ -137,6 +141,7 @@ private:
     const std::string& m_text;
     const rapidjson::InsituStringStream& m_stream;
     Json_storage& m_storage;
+    Json_names& m_names;
     size_t m_most_values;
     size_t m_value_count = 0;
     Json_node m_root;
@@ -246,36 +251,6 @@ Json_node Json_node::of_members(Json_span<Json_member> members, const Json_mark&
     return node;
 }
 
-std::optional<int64_t> Json_node::integer() const {
-    if (m_kind == Kind::TEXT && m_stands_for_number) {
-        return integer_of(text());
-    }
-    return m_kind == Kind::INTEGER ? std::optional<int64_t>(m_content.number) : std::nullopt;
-}
-
-std::string_view Json_node::text() const {
-    const bool is_text = m_kind == Kind::TEXT || m_kind == Kind::REAL;
-    return is_text ? std::string_view(m_content.text, m_size) : std::string_view();
-}
-
-Json_span<Json_node> Json_node::elements() const {
-    return m_kind == Kind::LIST ? Json_span<Json_node>(m_content.elements, m_size)
-                                : Json_span<Json_node>(nullptr, 0);
-}
-
-Json_span<Json_member> Json_node::members() const {
-    return m_kind == Kind::OBJECT ? Json_span<Json_member>(m_content.members, m_size)
-                                  : Json_span<Json_member>(nullptr, 0);
-}
-
-const Json_node* Json_node::member(std::string_view name) const {
-    const Json_span<Json_member> all = members();
-    const auto* const found =
-        std::find_if(all.begin(), all.end(),
-                     [name](const Json_member& candidate) { return candidate.name() == name; });
-    return found == all.end() ? nullptr : &found->value;
-}
-
 bool Json_node::is_same(const Json_node& other) const {
     return mark() == other.mark() && m_kind == other.m_kind && m_size == other.m_size &&
            m_stands_for_number == other.m_stands_for_number &&
@@ -335,7 +310,7 @@ Json_document::Json_document(const Source& source, std::string text, size_t most
     const bool is_marked = m_text.compare(0, BYTE_ORDER_MARK.size(), BYTE_ORDER_MARK) == 0;
     rapidjson::InsituStringStream stream(m_text.data());
     stream.src_ += is_marked ? BYTE_ORDER_MARK.size() : 0;
-    Builder builder(m_origin, m_text, stream, m_storage, most_values);
+    Builder builder(m_origin, m_text, stream, m_storage, m_names, most_values);
     rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator> reader;
     // The parser recurses only where the builder has accepted another level.
     const rapidjson::ParseResult result =

@@ -43,6 +43,16 @@ bool is_printable(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
+// Mostly the first character tells that it is not.
+bool is_same_name(const char* known, std::string_view name) {
+    for (const char character : name) {
+        if (character == '\0' || *known++ != character) {
+            return false;
+        }
+    }
+    return *known == '\0';
+}
+
 // What a message says that a value is.
 std::string description_of(const Json_node& node) {
     if (const auto number = node.integer()) {
@@ -169,7 +179,10 @@ std::vector<Json_value::Member> Json_value::members() const {
 
 void Json_value::expect_members(const std::vector<const char*>& known) const {
     for_each_member([&](const Json_member& member) {
-        if (std::find(known.begin(), known.end(), member.name()) == known.end()) {
+        const bool is_known = std::any_of(
+            known.begin(), known.end(),
+            [&member](const char* candidate) { return is_same_name(candidate, member.name()); });
+        if (!is_known) {
             m_problems->report(member.place(), "unknown member \"" + std::string(member.name()) +
                                                    "\"" + hint_of(member.name(), known));
         }
@@ -254,13 +267,18 @@ bool Json_value::boolean() const {
 }
 
 std::string Json_value::text() const {
+    return std::string(expect_printable());
+}
+
+std::string_view Json_value::expect_printable() const {
     if (!is_text()) {
         fail_type("a text");
     }
-    if (!is_printable(m_node->text())) {
+    const std::string_view text = m_node->text();
+    if (!is_printable(text)) {
         fail("expected printable ASCII characters");
     }
-    return std::string(m_node->text());
+    return text;
 }
 
 std::string Json_value::shown_text() const {
@@ -271,6 +289,9 @@ std::string Json_value::shown_text() const {
 }
 
 const std::string& Json_value::expect_shown(const std::string& text) const {
+    if (is_printable(text)) {
+        return text;
+    }
     const std::u32string characters = characters_of(text);
     if (std::any_of(characters.begin(), characters.end(), [](char32_t character) {
             return character == DAMAGED || is_control(character);
@@ -308,8 +329,10 @@ std::string Json_value::of_length(std::string text, size_t min, size_t max) cons
 }
 
 size_t Json_value::choice(const std::vector<const char*>& known) const {
-    const std::string found = text();
-    const auto match = std::find(known.begin(), known.end(), found);
+    const std::string_view found = expect_printable();
+    const auto match = std::find_if(known.begin(), known.end(), [found](const char* candidate) {
+        return is_same_name(candidate, found);
+    });
     if (match == known.end()) {
         std::string names;
         for (size_t i = 0; i < known.size(); ++i) {
@@ -319,7 +342,7 @@ size_t Json_value::choice(const std::vector<const char*>& known) const {
                      std::string(known[i]) + "\"";
         }
         fail("expected " + std::string(known.size() > 2 ? "one of " : "") + names + ", found \"" +
-             found + "\"" + hint_of(found, known));
+             std::string(found) + "\"" + hint_of(found, known));
     }
     return static_cast<size_t>(match - known.begin());
 }

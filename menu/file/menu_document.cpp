@@ -122,11 +122,24 @@ Json_node Menu_document::read(const std::string& file, std::string text) {
         load_templates(*templates);
         written = without_member(written, "templates");
     }
-    Json_node whole = expand(written, Scope());
-    m_elements = {};
-    m_members = {};
+    Json_node whole = is_written_out(main_file) ? written : expand(written, Scope());
+    std::vector<Json_node>().swap(m_elements);
+    std::vector<Json_member>().swap(m_members);
     warn_of_unused_templates();
     return whole;
+}
+
+// Expanding such a menu changes nothing, and meets no limit that parsing has not met.
+bool Menu_document::is_written_out(const File& file) const {
+    const Json_names& names = file.document->names();
+    return m_file_bytes <= MOST_BYTES && !names.may_have("templates") &&
+           !names.may_have("template") && !names.may_have("repeat") && !names.may_have("include");
+}
+
+bool Menu_document::may_have_member(std::string_view name) const {
+    return std::any_of(m_files.begin(), m_files.end(), [name](const File& file) {
+        return file.document != nullptr && file.document->names().may_have(name);
+    });
 }
 
 // Values of one copy follow each other.
@@ -448,12 +461,12 @@ Menu_document::Scope Menu_document::scope_of_use(const Json_node& node, const Te
     value.expect_members(names);
     for (const std::string& name : used.arguments) {
         const Json_value argument = value.member(name.c_str());
-        const Json_node& given = *arguments.member(name);
-        if (!given.is(Kind::INTEGER) && !given.is(Kind::TEXT)) {
+        const Json_node* const given = arguments.member(name);
+        if (given == nullptr || (!given->is(Kind::INTEGER) && !given->is(Kind::TEXT))) {
             argument.fail("expected a whole number or a text");
         }
-        const std::optional<int64_t> number = given.integer();
-        inner.values[name] = number ? Json_node::of_integer(*number, given.mark()) : given;
+        const std::optional<int64_t> number = given->integer();
+        inner.values[name] = number ? Json_node::of_integer(*number, given->mark()) : *given;
     }
     return inner;
 }

@@ -32,6 +32,9 @@ void add_folders(const Json_node& node, std::set<std::string>& folders) {
 
 std::vector<std::string> preset_files_of(const Menu_document& document) {
     std::set<std::string> folders;
+    if (!document.may_have_member(member::FOLDER)) {
+        return {};
+    }
     add_folders(document.node(), folders);
     std::vector<std::string> files;
     for (const std::string& folder : folders) {

@@ -2,6 +2,7 @@
 #ifndef FRONTPANEL_BASE_JSON_DOCUMENT_H
 #define FRONTPANEL_BASE_JSON_DOCUMENT_H
 
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include <frontpanel_base/numbers.h>
 #include <frontpanel_base/problems.h>
 
 namespace frontpanel {
@@ -95,14 +97,24 @@ public:
     Place place() const { return mark().place(); }
     bool boolean() const { return m_kind == Kind::BOOLEAN && m_content.number != 0; }
     // Of an INTEGER, and of a TEXT that replaces a number: an argument of a template is a text wherever it is used.
-    std::optional<int64_t> integer() const;
+    std::optional<int64_t> integer() const {
+        return m_kind == Kind::TEXT && m_stands_for_number ? parse_number<int64_t>(text())
+               : m_kind == Kind::INTEGER ? std::optional<int64_t>(m_content.number)
+                                         : std::nullopt;
+    }
     // Empty, or without elements or members, unless the value is of that kind.
-    std::string_view text() const;
-    Json_span<Json_node> elements() const;
+    std::string_view text() const {
+        const bool is_text = m_kind == Kind::TEXT || m_kind == Kind::REAL;
+        return is_text ? std::string_view(m_content.text, m_size) : std::string_view();
+    }
+    Json_span<Json_node> elements() const {
+        return m_kind == Kind::LIST ? Json_span<Json_node>(m_content.elements, m_size)
+                                    : Json_span<Json_node>(nullptr, 0);
+    }
     // In the order of the file, duplicates included.
-    Json_span<Json_member> members() const;
+    inline Json_span<Json_member> members() const;
     // The first member of that name; null when there is none or the value is not an object.
-    const Json_node* member(std::string_view name) const;
+    inline const Json_node* member(std::string_view name) const;
     // A LIST without an element whose error has been reported.
     bool is_incomplete() const { return m_is_incomplete; }
 
@@ -160,6 +172,20 @@ private:
     uint32_t m_offset = 0;
 };
 
+inline Json_span<Json_member> Json_node::members() const {
+    return m_kind == Kind::OBJECT ? Json_span<Json_member>(m_content.members, m_size)
+                                  : Json_span<Json_member>(nullptr, 0);
+}
+
+inline const Json_node* Json_node::member(std::string_view name) const {
+    for (const Json_member& candidate : members()) {
+        if (candidate.name() == name) {
+            return &candidate.value;
+        }
+    }
+    return nullptr;
+}
+
 // A number as a message shows it: the end of a long one is left out.
 std::string shown_number(std::string_view number);
 
@@ -182,6 +208,24 @@ private:
     std::byte* m_next = nullptr;
 };
 
+// Which names the members of a document may have: a large one is searched for a rare name only where it may be.
+class Json_names {
+public:
+    void note(std::string_view name) { m_marks[mark_of(name)] = true; }
+    // False: no member has the name.
+    bool may_have(std::string_view name) const { return m_marks[mark_of(name)]; }
+
+private:
+    static constexpr size_t MARKS = 1024;
+    static size_t mark_of(std::string_view name) {
+        const auto at = [name](size_t place) { return static_cast<unsigned char>(name[place]); };
+        return name.empty() ? 0
+                            : (name.size() * 61 + at(0) * size_t{7} + at(name.size() - 1)) % MARKS;
+    }
+
+    std::bitset<MARKS> m_marks;
+};
+
 class Json_document {
 public:
     static constexpr size_t LONGEST_TEXT =
@@ -197,12 +241,14 @@ public:
     // Valid as long as the document.
     const Json_node& root() const { return m_root; }
     size_t value_count() const { return m_value_count; }
+    const Json_names& names() const { return m_names; }
 
 private:
     std::string m_text;  // texts are decoded in place
     Json_lines m_lines;  // as they were before
     Json_origin m_origin;
     Json_storage m_storage;
+    Json_names m_names;
     size_t m_value_count = 0;
     Json_node m_root;
 };

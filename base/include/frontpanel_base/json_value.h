@@ -63,6 +63,8 @@ public:
 private:
     std::string of_length(std::string text, size_t min, size_t max) const;
     void expect_object() const;
+    // The text of `text`.
+    std::string_view expect_printable() const;
     // The text, which is to be one of `shown_text`.
     const std::string& expect_shown(const std::string& text) const;
     // Reports duplicates, and leaves them out.

@@ -38,6 +38,8 @@ public:
     const Json_node& node() const { return m_root; }
     // The file and those that it includes, as far as they could be read.
     std::vector<std::string> files() const;
+    // False: no object of these files has a member of that name.
+    bool may_have_member(std::string_view name) const;
     // Whoever reads a part of the document reports here what is wrong with it.
     Problems& problems() { return m_problems; }
 
@@ -62,6 +64,7 @@ private:
         std::unique_ptr<Json_document> document;  // null when its error has been reported
     };
 
+    bool is_written_out(const File& file) const;
     // A place of the file as one of a copy; null: of no copy.
     Json_mark with_copy(const Json_mark& mark, const std::string* copy);
     Json_node with_copy(Json_node node, const std::string* copy);

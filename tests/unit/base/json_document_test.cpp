@@ -44,6 +44,16 @@ TEST(JsonDocument, EveryValueKnowsItsPlace) {
     EXPECT_EQ(document.value_count(), 10U);
 }
 
+TEST(JsonDocument, KnowsWhichNamesItsMembersMayHave) {
+    const Json_document document(SOURCE, R"({"": 1, "a": [{"repea\u0074": {}}]})");
+    for (const char* const name : {"", "a", "repeat"}) {
+        EXPECT_TRUE(document.names().may_have(name)) << name;
+    }
+    for (const char* const name : {"b", "aa", "template", "repeats"}) {
+        EXPECT_FALSE(document.names().may_have(name)) << name;
+    }
+}
+
 TEST(JsonDocument, AByteOrderMarkIsSkipped) {
     const Json_document document(SOURCE, "\xEF\xBB\xBF[7]");
     EXPECT_EQ(places_of(document.root()), "1:4 1:5");
