@@ -19,20 +19,33 @@ bool is_control(char byte) {
     return static_cast<unsigned char>(byte) < ' ' || byte == '\x7f';
 }
 
+bool is_bracket(char byte) {
+    return byte == '[' || byte == ']';
+}
+
 bool can_stand_in_brackets(std::string_view name) {
-    return !name.empty() && name.find_first_of("[]") == std::string_view::npos &&
+    return !name.empty() && std::none_of(name.begin(), name.end(), is_bracket) &&
            std::none_of(name.begin(), name.end(), is_control) && !is_like_address(name);
 }
 
 }  // namespace
 
-void Parameter_table::declare(const Parameter& parameter) {
+void Parameter_table::reserve(std::size_t count) {
+    m_variables.reserve(m_variables.size() + count);
+    m_named.reserve(m_named.size() + count);
+}
+
+Parameter& Parameter_table::variable(const Parameter& parameter) {
     const auto [known, is_new] =
         m_variables.try_emplace(variable_of(parameter.pid, parameter.index));
     if (is_new) {
         known->second = &m_parameters.emplace_back();
     }
-    *known->second = parameter;
+    return *known->second;
+}
+
+void Parameter_table::declare(const Parameter& parameter) {
+    variable(parameter) = parameter;
 }
 
 bool Parameter_table::declare(std::string_view name, const Parameter& parameter) {
@@ -43,9 +56,10 @@ bool Parameter_table::declare(std::string_view name, const Parameter& parameter)
     if (!can_stand_in_brackets(name) || is_taken) {
         return false;
     }
-    declare(parameter);
+    Parameter& declared = variable(parameter);
+    declared = parameter;
     if (known == nullptr) {
-        m_named.emplace(m_names.emplace_back(name), find(parameter.pid, parameter.index));
+        m_named.emplace(m_names.emplace_back(name), &declared);
     }
     return true;
 }

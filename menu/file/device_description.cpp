@@ -11,6 +11,11 @@ namespace {
 
 constexpr size_t LONGEST_PARAMETER_NAME = 63;
 
+bool is_bracket_or_quote(char character) {
+    return character == '[' || character == ']' || character == '"' || character == '{' ||
+           character == '}';
+}
+
 // The first member that only a simulated device has.
 std::optional<Json_value> simulation_in(const Json_value& device) {
     for (const Json_value& parameter : list_or_none(device, "parameters")) {
@@ -28,7 +33,9 @@ std::optional<Json_value> simulation_in(const Json_value& device) {
 void Device_description::load(const Json_value& device) {
     device.expect_members({"drivers", "parameters", "products", "cards"});
     m_problems.attempt([&] {
-        for (const Json_value& parameter : device.member("parameters").items()) {
+        const std::vector<Json_value> parameters = device.member("parameters").items();
+        m_table.reserve(parameters.size());
+        for (const Json_value& parameter : parameters) {
             m_problems.attempt([&] { load_parameter(parameter); });
         }
     });
@@ -91,45 +98,55 @@ void Device_description::load_parameter(const Json_value& parameter) {
         throw Told_already();
     }
     const auto name = parameter.find("name");
-    const bool is_new_name = name && name->is_text() && m_table.find(name->text()) == nullptr;
-    if (is_new_name) {
-        m_wrong_names.insert(name->text());
-    }
+    const auto text = name && name->is_text() ? std::optional(name->text()) : std::nullopt;
+    const bool is_new_name = text && m_table.find(*text) == nullptr;
+    const auto note_wrong_name = [&] {
+        if (is_new_name) {
+            m_wrong_names.insert(*text);
+        }
+    };
     const std::pair<uint32_t, uint32_t> key(declared.pid, varidx_of(declared.index));
     if (m_table.find(declared.pid, declared.index) != nullptr ||
-        !m_wrong_parameters.insert(key).second) {
+        m_wrong_parameters.count(key) > 0) {
+        note_wrong_name();
         parameter.fail("parameter " + std::to_string(declared.pid) +
                        " with this index is declared twice");
     }
-    const size_t errors = m_problems.error_count();
-    declared.type = is_text_parameter(parameter) ? STRING : INTEGER;
-    declare(declared, name);
-    load_limits(parameter, declared);
-    const bool has_wrong_value =
-        m_loading.simulator && m_loading.simulator->wrong_parameters.count(key) > 0;
-    if (m_problems.error_count() > errors || has_wrong_value) {
+    if (!m_problems.attempt([&] { load_type(parameter, declared, text); })) {
+        m_wrong_parameters.insert(key);
+        note_wrong_name();
         throw Told_already();
     }
-    m_wrong_parameters.erase(key);
-    m_table.declare(declared);
-    if (name) {
-        check_name(*name, declared);
+    if (name && !m_problems.attempt([&] { check_name(*name, declared); })) {
+        note_wrong_name();
+        throw Told_already();
     }
 }
 
-// Before the limits are checked, so that other errors in rules that name the parameter are reported, too.
-void Device_description::declare(const Parameter& declared, const std::optional<Json_value>& name) {
+// Declares it before the limits are checked, so that other errors in rules that name the parameter are reported, too.
+void Device_description::load_type(const Json_value& parameter, Parameter& declared,
+                                   const std::optional<std::string>& name) {
+    const size_t errors = m_problems.error_count();
+    declared.type = is_text_parameter(parameter) ? STRING : INTEGER;
     m_table.declare(declared);
-    if (name && name->is_text()) {
-        m_table.declare(name->text(), declared);
+    if (name) {
+        m_table.declare(*name, declared);
     }
+    load_limits(parameter, declared);
+    const bool has_wrong_value =
+        m_loading.simulator &&
+        m_loading.simulator->wrong_parameters.count({declared.pid, varidx_of(declared.index)}) > 0;
+    if (m_problems.error_count() > errors || has_wrong_value) {
+        throw Told_already();
+    }
+    m_table.declare(declared);
 }
 
 // A name begins with a letter, so that it cannot be taken for an address.
 void Device_description::check_name(const Json_value& name, const Parameter& declared) {
     const std::string text = name.text_of_length(1, LONGEST_PARAMETER_NAME);
     if (std::isalpha(static_cast<unsigned char>(text[0])) == 0 ||
-        text.find_first_of("[]\"{}") != std::string::npos) {
+        std::any_of(text.begin(), text.end(), is_bracket_or_quote)) {
         name.fail("expected a name that begins with a letter and has none of []\"{}");
     }
     const Parameter* const named = m_table.find(text);
@@ -140,15 +157,17 @@ void Device_description::check_name(const Json_value& name, const Parameter& dec
 }
 
 void Device_description::load_limits(const Json_value& parameter, Parameter& declared) {
+    static const std::vector<const char*> OF_A_NUMBER{
+        "name", "pid", "index", "type", "description", "source", "min", "max", "value", "moves"};
+    static const std::vector<const char*> OF_A_TEXT{"name",        "pid",    "index",  "type",
+                                                    "description", "source", "length", "value"};
     if (declared.type == INTEGER) {
-        parameter.expect_members({"name", "pid", "index", "type", "description", "source", "min",
-                                  "max", "value", "moves"});
+        parameter.expect_members(OF_A_NUMBER);
         const Number_limits limits = number_limits_of(parameter, m_problems);
         declared.min = limits.min;
         declared.max = limits.max;
     } else {
-        parameter.expect_members(
-            {"name", "pid", "index", "type", "description", "source", "length", "value"});
+        parameter.expect_members(OF_A_TEXT);
         declared.length = text_limit_of(parameter, m_problems);
         const auto value = parameter.find("value");
         if (m_loading.simulator && value && value->is_text()) {

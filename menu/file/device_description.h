@@ -37,8 +37,10 @@ public:
 
 private:
     void load_parameter(const Json_value& parameter);
+    // Declares it with its limits. Told_already when something of them is wrong.
+    void load_type(const Json_value& parameter, Parameter& declared,
+                   const std::optional<std::string>& name);
     void load_limits(const Json_value& parameter, Parameter& declared);
-    void declare(const Parameter& declared, const std::optional<Json_value>& name);
     void check_name(const Json_value& name, const Parameter& declared);
     bool is_wrong(const Parameter& parameter) const;
     void warn_of_simulation(const Json_value& device) const;

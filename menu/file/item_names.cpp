@@ -4,13 +4,21 @@
 
 namespace frontpanel {
 
+void Item_names::open(const std::string& menu) {
+    m_open.push_back(&m_menus.emplace_back(*m_open.back() + menu + "/"));
+}
+
 void Item_names::add(const std::string& name, Data_entry* entry) {
-    std::string path;
-    for (const std::string& menu : m_menus) {
-        path += menu + "/";
+    m_added.push_back({m_open.back(), name, entry});
+}
+
+void Item_names::make_paths() const {
+    for (const Added& added : m_added) {
+        const auto [found, is_new] =
+            m_paths.insert({*added.menu + added.name, Named{added.entry, false}});
+        found->second.is_ambiguous = !is_new;
     }
-    const auto [found, is_new] = m_paths.insert({path + name, Named{entry, false}});
-    found->second.is_ambiguous = !is_new;
+    m_added.clear();
 }
 
 bool Item_names::add_id(const std::string& id, Data_entry* entry) {
@@ -34,6 +42,7 @@ std::string Item_names::hint(const std::string& unknown) const {
 
 Data_entry& Item_names::find(const Json_value& reference) const {
     const std::string text = reference.shown_text();
+    make_paths();
     const auto by_id = m_ids.find(text);
     const auto by_path = m_paths.find(text);
     if (by_id == m_ids.end() && by_path == m_paths.end()) {

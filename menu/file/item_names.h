@@ -4,6 +4,7 @@
 
 #include <frontpanel_data/data_entry.h>
 
+#include <deque>
 #include <map>
 #include <string>
 #include <vector>
@@ -15,8 +16,8 @@ namespace frontpanel {
 class Item_names {
 public:
     // The items that follow are in the menu of that name, until it is closed.
-    void open(const std::string& menu) { m_menus.push_back(menu); }
-    void close() { m_menus.pop_back(); }
+    void open(const std::string& menu);
+    void close() { m_open.pop_back(); }
 
     // Null for a wrong item, which was reported: its names are known and lead nowhere.
     void add(const std::string& name, Data_entry* entry);
@@ -27,6 +28,13 @@ public:
     Data_entry& find(const Json_value& reference) const;
 
 private:
+    struct Added {
+        const std::string* menu;  // its path with a slash behind it
+        std::string name;
+        Data_entry* entry;
+    };
+    // In many menus nobody refers to an item: paths are made when the first one is looked up.
+    void make_paths() const;
     std::string hint(const std::string& unknown) const;
 
     struct Named {
@@ -35,8 +43,10 @@ private:
     };
 
     mutable size_t m_searched = 0;  // by all hints
-    std::vector<std::string> m_menus;
-    std::map<std::string, Named> m_paths;
+    std::deque<std::string> m_menus{""};
+    std::vector<const std::string*> m_open{&m_menus.front()};  // inside each other
+    mutable std::deque<Added> m_added;                         // that have no path yet
+    mutable std::map<std::string, Named> m_paths;
     std::map<std::string, Data_entry*> m_ids;
 };
 

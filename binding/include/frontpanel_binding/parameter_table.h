@@ -40,6 +40,9 @@ public:
     // or a control character, or is like an address.
     bool declare(std::string_view name, const Parameter& parameter);
 
+    // Expects so many more declarations, which then cost less.
+    void reserve(std::size_t count);
+
     // Each returns null for a parameter that is not declared. The pointers are valid as long as the table; a
     // new declaration changes what they point to.
     const Parameter* find(std::uint32_t pid, const Index_t& index) const;
@@ -56,6 +59,9 @@ public:
     std::string_view closest(std::string_view name) const;
 
 private:
+    // The one of the same device variable, which is new unless it is declared.
+    Parameter& variable(const Parameter& parameter);
+
     std::deque<Parameter> m_parameters;
     std::unordered_map<std::uint64_t, Parameter*> m_variables;
     std::deque<std::string>
