@@ -27,12 +27,19 @@ CURVES = [
 ]
 
 
+def counted_times(result):
+    """The counters in milliseconds, by name, in nanoseconds."""
+    return {name: value * 1e6 for name, value in result.items()
+            if name.endswith("_ms") and isinstance(value, (int, float))}
+
+
 def nanoseconds(result):
-    """The time per entry where the case reports it, else the time of an iteration."""
+    """The time per entry where the case reports it, else the time of an iteration: of the processor, or the measured one."""
     if "per_entry" in result:
         return result["per_entry"] * 1e9
     scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[result["time_unit"]]
-    return result["cpu_time"] * scale
+    is_measured = "/manual_time" in result["name"]
+    return result["real_time" if is_measured else "cpu_time"] * scale
 
 
 def read_results(folder):
@@ -43,6 +50,9 @@ def read_results(folder):
             if result["run_type"] == "iteration":
                 case = f"{file.stem}:{result['name']}"
                 times[case] = min(nanoseconds(result), times.get(case, math.inf))
+                for counter, ns in counted_times(result).items():
+                    counted = f"{case}@{counter}"
+                    times[counted] = min(ns, times.get(counted, math.inf))
     return times
 
 
@@ -50,8 +60,9 @@ def read_ratios(file, times):
     for line in file.read_text().splitlines():
         if line and not line.startswith("#"):
             what, case, beside, limit = line.split("\t")
-            yield {"what": what, "ns": times[case], "beside_ns": times[beside],
-                   "ratio": times[case] / times[beside], "limit": float(limit)}
+            beside_ns = float(beside.split()[0]) * 1e6 if beside.endswith(" ms") else times[beside]
+            yield {"what": what, "ns": times[case], "beside_ns": beside_ns,
+                   "ratio": times[case] / beside_ns, "limit": float(limit)}
 
 
 def curves(times):
