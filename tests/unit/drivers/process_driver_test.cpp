@@ -425,11 +425,16 @@ TEST_F(Process_driver_test, ALineWithoutAnEndCostsLittleAndEndsTheAdapter) {
     start(std::string(NOTE_PROCESS) + R"(
 greet()
 hear()
+count = os.open("count", os.O_WRONLY | os.O_CREAT)
+written = 0
 while True:
-    os.write(1, b"x" * 65536)
+    written += os.write(1, b"x" * 65536)
+    os.pwrite(count, b"%12d" % written, 0)
 )");
     EXPECT_EQ(m_driver->read(), Lines{"away: a line is longer than 4096 bytes"});
     EXPECT_TRUE(is_gone(process()));
+    // What the pipe holds, and a little more.
+    EXPECT_LT(std::stoi(content("count") + " 0"), 1000000);
 }
 
 TEST_F(Process_driver_test, TheLongestLineIsTaken) {
