@@ -20,6 +20,7 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr int FIRST_FREE = STDERR_FILENO + 1;
+constexpr int CANNOT_START = 127;  // status of a process that has not become the program
 
 struct Pipe {
     Descriptor reading;
@@ -52,7 +53,8 @@ struct Start {
     int output;
     int errors;
     int report;  // gets errno when the program cannot be started
-    pid_t parent;
+    int go;      // has a byte once the guard is there
+    int hold;    // the other end of that
 };
 
 void close_from(unsigned first) {
@@ -86,13 +88,22 @@ void take_signals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-[[noreturn]] void become(const Start& start) {
-    constexpr int CANNOT_START = 127;
-    setpgid(0, 0);
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (getppid() != start.parent) {
+// A panel that ends meanwhile has no guard yet, and this process must not outlive it.
+void wait_for_go(const Start& start) {
+    char byte = 0;
+    ssize_t size = -1;
+    close(start.hold);
+    do {
+        size = read(start.go, &byte, 1);
+    } while (size < 0 && errno == EINTR);
+    if (size != 1) {
         _exit(CANNOT_START);
     }
+}
+
+[[noreturn]] void become(const Start& start) {
+    setpgid(0, 0);
+    wait_for_go(start);
     take_streams(start);
     take_signals();
     if (start.folder == nullptr || chdir(start.folder) == 0) {
@@ -165,7 +176,8 @@ std::string Child_process::start(const std::string& program,
     Pipe output;
     Pipe errors;
     Pipe report;
-    if (!input.open() || !output.open() || !errors.open() || !report.open()) {
+    Pipe go;
+    if (!input.open() || !output.open() || !errors.open() || !report.open() || !go.open()) {
         return std::strerror(errno);
     }
     Start start{program.c_str(),
@@ -175,7 +187,8 @@ std::string Child_process::start(const std::string& program,
                 output.writing.number(),
                 errors.writing.number(),
                 report.writing.number(),
-                getpid()};
+                go.reading.number(),
+                go.writing.number()};
     for (const std::string& argument : arguments) {
         start.arguments.push_back(const_cast<char*>(argument.c_str()));
     }
@@ -196,15 +209,22 @@ std::string Child_process::start(const std::string& program,
     for (const Descriptor* const descriptor : {&m_input, &m_output, &m_errors}) {
         never_wait(*descriptor);
     }
-    if (const int error = error_of(report.reading); error != 0) {
+    if (const int error = let_go(go.writing, report.reading); error != 0) {
         end(PATIENCE);
         return std::strerror(error);
     }
-    if (const int error = start_guard(); error != 0) {
-        end();
-        return std::strerror(error);
-    }
     return "";
+}
+
+// Returns when the child has become the program, or why it cannot. From then on there is a guard.
+int Child_process::let_go(Descriptor& go, const Descriptor& report) {
+    int error = start_guard();
+    if (error == 0 && write(go.number(), "", 1) != 1) {
+        error = errno;
+    }
+    go.reset();
+    const int fault = error_of(report);
+    return error != 0 ? error : fault;
 }
 
 int Child_process::start_guard() {

@@ -1,7 +1,6 @@
 // An adapter that the panel starts, and ends with all that it started itself: it has a process group of its own.
 //
-// The panel's end is its end, too, also one by SIGKILL: the thread that starts it must outlive it, and a second child guards
-// the group.
+// The panel's end is its end, too, also one by SIGKILL: a second child of the group sees to that.
 #ifndef FRONTPANEL_DRIVER_PROCESS_CHILD_PROCESS_H
 #define FRONTPANEL_DRIVER_PROCESS_CHILD_PROCESS_H
 
@@ -45,6 +44,7 @@ public:
 
 private:
     bool has_ended(std::chrono::milliseconds most) const;
+    int let_go(Descriptor& go, const Descriptor& report);
     int start_guard();
     void end_guard();
 
