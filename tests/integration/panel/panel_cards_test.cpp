@@ -119,15 +119,15 @@ TEST(PanelCards, AListThatIsReplacedUnderItsEditorKeepsTheChoice) {
 
 // Without a refresh in between.
 TEST(PanelCards, AListThatGrowsOrShrinksHasItsCountAndTextsAtOnce) {
-    Cards_panel panel(9058, combo_box(9058), "combobox");
-    panel.card().add_combo_box(3, 9058,
+    Cards_panel panel(9070, combo_box(9070), "combobox");
+    panel.card().add_combo_box(3, 9070,
                                {{"0", "a"}, {"1", "b"}, {"2", "c"}, {"3", "d"}, {"4", "e"}}, 4);
     panel.fetch();
     EXPECT_EQ(panel->lines()[0], ">Live              e");
     panel->press(Key::SELECT);
     EXPECT_EQ(panel->lines(), (Lines{"Live             5/5", "e                   "}));
     panel->press(Key::BACK);
-    panel.card().add_combo_box(3, 9058, {{"0", "f"}, {"1", "g"}}, 1);
+    panel.card().add_combo_box(3, 9070, {{"0", "f"}, {"1", "g"}}, 1);
     panel.fetch();
     EXPECT_EQ(panel->lines()[0], ">Live              g");
     panel->press(Key::SELECT);
