@@ -20,11 +20,12 @@ struct Simulated_menu {
     Card_service* cards() { return simulator->cards(); }
 };
 
-inline Simulated_menu simulate(Menu_document& document, int columns = 20,
-                               Cards cards = Cards::OFF) {
+inline Simulated_menu simulate(Menu_document& document, int columns = 20, Cards cards = Cards::OFF,
+                               bool has_all_warnings = true) {
     auto device = std::make_unique<Simulated_device>(document.root(), document.problems(), cards);
     Loading loading;
     loading.columns = columns;
+    loading.has_all_warnings = has_all_warnings;
     loading.card_service = device->cards() != nullptr ? device->cards()->address() : "";
     loading.simulator =
         Simulator_facts{device->product_options(),

@@ -96,5 +96,57 @@ TEST(Robustness, AMenuFileWithAMistakeLoadsOrIsRefusedInOneLine) {
     EXPECT_GT(refused, 100);
 }
 
+// Empty when the menu loads.
+Lines complaints_when(bool has_all_warnings, const std::string& text) {
+    try {
+        Menu_document document("menu.json", text);
+        simulate(document, 20, Cards::OFF, has_all_warnings);
+    } catch (const Input_errors& errors) {
+        return errors.lines();
+    } catch (const Input_error& error) {
+        return {error.what()};
+    }
+    return {};
+}
+
+// Rules that write in a circle, names that no line has room for, and twins: what only a look at the whole menu finds.
+std::string doubtful_menu_text() {
+    return menu_text(R"({"name": "a", "pid": 5, "type": "integer", "min": 0, "max": 100},
+        {"name": "b", "pid": 6, "type": "integer", "min": 0, "max": 100})",
+                     R"({"type": "range", "name": "Level", "parameter": "a",
+            "binding": "set [b] = value if value > 1"},
+        {"type": "range", "name": "Level", "parameter": "b",
+            "binding": "range 0..[a]; visible if value >= 0"},
+        {"type": "node", "name": "A name of more than a line", "items": [
+            {"type": "range", "name": "C", "parameter": "a", "binding": "range [b]..100"}]})");
+}
+
+TEST(Robustness, APanelRefusesAMenuWithTheLinesOfACheck) {
+    Random random(4);
+    int refused = 0;
+    for (const std::string& menu : {shipped_menu_text(), doubtful_menu_text()}) {
+        for (int i = 0; i < 300; ++i) {
+            const std::string text = mutated(i % 3 == 0 ? mutated(menu, random) : menu, random);
+            const Lines checked = complaints_when(true, text);
+            ASSERT_EQ(complaints_when(false, text), checked) << text;
+            refused += checked.empty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(refused, 200);
+    for (const std::string rule :
+         {"set [a] = value", "set [b] = value", "set [a] = [b]", "range [a]..[b]"}) {
+        for (const std::string other :
+             {"set [a] = value", "range 0..[a]", "set [b] = 3", "set [b] = [a]"}) {
+            const std::string both = menu_text(
+                R"({"name": "a", "pid": 5, "type": "integer", "min": 0, "max": 100},
+                {"name": "b", "pid": 6, "type": "integer", "min": 0, "max": 100})",
+                R"({"type": "range", "name": "Level", "parameter": "a", "binding": ")" + rule +
+                    R"("}, {"type": "range", "name": "Level", "parameter": "b", "binding": ")" +
+                    other + "\"}");
+            EXPECT_EQ(complaints_when(false, both), complaints_when(true, both)) << both;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace frontpanel
