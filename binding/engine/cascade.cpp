@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include <frontpanel_data/enum_entry.h>
-
 #include "engine/engine.h"
 #include "engine/parameter_cache.h"
 
@@ -26,7 +24,41 @@ bool is_being_committed(const Cached_parameter& parameter) {
     });
 }
 
+bool is_writer(const Engine& engine) {
+    return engine.offers(SUGGESTION_SET);
+}
+
 }  // namespace
+
+void Waiting_engines::remove(Engine& engine) {
+    const auto first = m_engines.begin() + static_cast<std::ptrdiff_t>(m_next);
+    m_engines.erase(std::remove(first, m_engines.end(), &engine), m_engines.end());
+}
+
+// One that was evaluated since it was marked is listed without waiting.
+Engine* Waiting_engines::take() {
+    drop_taken();
+    while (!is_empty()) {
+        Engine* const engine = m_engines[m_next++];
+        Cascade_state& state = engine->cascade_state();
+        state.is_listed = false;
+        if (std::exchange(state.is_marked, false)) {
+            return engine;
+        }
+    }
+    m_engines.clear();
+    m_next = 0;
+    return nullptr;
+}
+
+// Before they are half of the list.
+void Waiting_engines::drop_taken() {
+    constexpr std::size_t FEW = 1000;
+    if (m_next > FEW && m_next > m_engines.size() / 2) {
+        m_engines.erase(m_engines.begin(), m_engines.begin() + static_cast<std::ptrdiff_t>(m_next));
+        m_next = 0;
+    }
+}
 
 void Cascade::add(Engine& engine) {
     engine.cascade_state().number = ++m_last_number;
@@ -37,8 +69,8 @@ void Cascade::remove(Engine& engine) {
     const Cascade_state& state = engine.cascade_state();
     m_engines.erase(state.number);
     if (state.is_listed) {
-        const auto first = m_waiting.begin() + static_cast<std::ptrdiff_t>(m_next);
-        m_waiting.erase(std::remove(first, m_waiting.end(), &engine), m_waiting.end());
+        m_writers.remove(engine);
+        m_waiting.remove(engine);
     }
 }
 
@@ -113,27 +145,31 @@ void Cascade::input_changed(Engine& engine) {
 }
 
 void Cascade::mark(Engine& engine) {
+    mark(engine, m_is_settling ? m_wave : m_next_wave);
+}
+
+void Cascade::mark(Engine& engine, uint64_t wave) {
     Cascade_state& state = engine.cascade_state();
     state.cause = m_last_evaluated;
+    state.wave = std::max(state.wave, wave);
     state.is_marked = engine.entry() != nullptr;
-    if (state.is_marked && !state.is_listed) {
-        state.is_listed = true;
-        m_waiting.push_back(&engine);
+    if (!state.is_marked || state.is_listed) {
+        return;
     }
+    state.is_listed = true;
+    (is_writer(engine) ? m_writers : m_waiting).add(engine);
 }
 
 // Writes come from an engine whose entry was just refreshed, right after it was evaluated.
 void Cascade::evaluated(Engine& engine) {
     engine.cascade_state().is_marked = false;
     m_last_evaluated = engine.cascade_state().number;
-    if (engine.has_new_options()) {
-        mark(engine);  // a refresh by another caller may leave the options as they were
-    }
 }
 
 void Cascade::device_changed(Engine& engine) {
-    engine.cascade_state().refreshes = 0;
-    input_changed(engine);
+    if (engine.was_evaluated()) {
+        mark(engine, m_next_wave);
+    }
 }
 
 // A parameter that changes again meanwhile is spread to all of its readers once more, from where it got to.
@@ -143,6 +179,11 @@ void Cascade::device_changed(Cached_parameter& parameter) {
             device_changed(*reader);
         }
         return;
+    }
+    for (Engine* const reader : parameter.readers) {
+        if (is_writer(*reader)) {
+            device_changed(*reader);
+        }
     }
     if (parameter.left_to_mark == 0) {
         parameter.next_to_mark = 0;
@@ -158,48 +199,40 @@ void Cascade::reader_removed(Cached_parameter& parameter) {
     }
 }
 
-// Marks some readers of the parameter that waits longest.
+// Marks some readers of the parameter that waits longest. One that has more goes behind the others: it may change over
+// and over.
 void Cascade::spread() {
+    if (m_spreading.empty()) {
+        return;
+    }
     Cached_parameter& parameter = *m_spreading.front();
+    m_spreading.pop_front();
     const std::size_t size = parameter.readers.size();
-    const std::size_t count = std::min(parameter.left_to_mark, MOST_MARKED_AT_ONCE);
-    for (std::size_t i = 0; i < count && size > 0; ++i) {
+    const std::size_t count = std::min({parameter.left_to_mark, size, MOST_MARKED_AT_ONCE});
+    for (std::size_t i = 0; i < count; ++i) {
         parameter.next_to_mark %= size;
-        device_changed(*parameter.readers[parameter.next_to_mark++]);
-    }
-    parameter.left_to_mark -= count;
-    if (parameter.left_to_mark == 0) {
-        m_spreading.pop_front();
-    }
-}
-
-// Those that were taken already leave the list before they are half of it.
-void Cascade::shorten_waiting() {
-    constexpr std::size_t FEW = 1000;
-    if (m_next > FEW && m_next > m_waiting.size() / 2) {
-        m_waiting.erase(m_waiting.begin(), m_waiting.begin() + static_cast<std::ptrdiff_t>(m_next));
-        m_next = 0;
-    }
-}
-
-// Null when nobody waits any more. One that was evaluated since it was marked is listed without waiting.
-Engine* Cascade::take_next() {
-    shorten_waiting();
-    while (m_next < m_waiting.size() || !m_spreading.empty()) {
-        if (m_next == m_waiting.size()) {
-            spread();
-            continue;
+        Engine& reader = *parameter.readers[parameter.next_to_mark++];
+        if (!is_writer(reader)) {
+            device_changed(reader);
         }
-        Engine* const engine = m_waiting[m_next++];
-        Cascade_state& state = engine->cascade_state();
-        state.is_listed = false;
-        if (std::exchange(state.is_marked, false)) {
+    }
+    parameter.left_to_mark = size == 0 ? 0 : parameter.left_to_mark - count;
+    if (parameter.left_to_mark > 0) {
+        m_spreading.push_back(&parameter);
+    }
+}
+
+// Null when nobody waits any more but those that write.
+Engine* Cascade::take_next() {
+    for (;;) {
+        if (Engine* const engine = m_waiting.take()) {
             return engine;
         }
+        if (m_spreading.empty()) {
+            return nullptr;
+        }
+        spread();
     }
-    m_waiting.clear();
-    m_next = 0;
-    return nullptr;
 }
 
 Binding_settlement Cascade::settle(Data_interface* iface, std::size_t at_most) {
@@ -213,68 +246,50 @@ Binding_settlement Cascade::settle(Data_interface* iface, std::size_t at_most) {
     }
     m_is_frozen = false;
     m_is_settling = true;
-    if (!m_is_round_open) {
-        ++m_round;
-    }
+    ++m_next_wave;
     run_round(iface, at_most, settlement);
-    m_is_round_open = !is_at_rest();
-    settlement.is_complete = !m_is_round_open;
     m_is_settling = false;
+    settlement.is_complete = is_at_rest();
     return settlement;
 }
 
+// Some readers are marked in each part, also while those that were marked before wait without end.
 void Cascade::run_round(Data_interface* iface, std::size_t at_most,
                         Binding_settlement& settlement) {
-    for (std::size_t taken = 0; taken < at_most; ++taken) {
-        Engine* const engine = take_next();
+    spread();
+    for (std::size_t taken = 0;;) {
+        if (Engine* const writer = m_writers.take()) {
+            take_turn(*writer, iface, settlement);
+            continue;
+        }
+        Engine* const engine = taken++ < at_most ? take_next() : nullptr;
         if (engine == nullptr) {
             return;
         }
-        Cascade_state& state = engine->cascade_state();
-        if (state.round != m_round) {
-            state.round = m_round;
-            state.refreshes = 0;
-        }
-        if (state.refreshes == MOST_REFRESHES) {
-            if (settlement.at_rest) {
-                settlement.at_rest = false;
-                settlement.path = circle_of(*engine);
-                engine->report_cascade(settlement.path);
-            }
-            continue;
-        }
-        ++state.refreshes;
-        ++settlement.refreshes;
-        refresh(*engine, iface);
+        take_turn(*engine, iface, settlement);
     }
 }
 
-// A refresh leaves a hidden option. Update options first, so that it keeps an option that has just become allowed.
-// Both steps may end any engine, this one included.
-void Cascade::refresh(Engine& engine, Data_interface* iface) {
-    const uint64_t number = engine.cascade_state().number;
-    Data_entry* const entry = engine.entry();
-    if (engine.limits_options()) {
-        engine.evaluate(true, false);
-        tell_options(number);
+void Cascade::take_turn(Engine& engine, Data_interface* iface, Binding_settlement& settlement) {
+    Cascade_state& state = engine.cascade_state();
+    if (state.counted != state.wave) {
+        state.counted = state.wave;
+        state.refreshes = 0;
     }
-    if (m_engines.count(number) == 0 || engine.entry() != entry) {
+    if (state.refreshes == MOST_REFRESHES) {
+        if (settlement.at_rest) {
+            settlement.at_rest = false;
+            settlement.path = circle_of(engine);
+            engine.report_cascade(settlement.path);
+        }
         return;
     }
-    Data_entry::EntryTypeSpecificOperation(entry, iface, nullptr, true,
+    ++state.refreshes;
+    ++settlement.refreshes;
+    m_wave = state.wave;
+    // May end any engine, this one included.
+    Data_entry::EntryTypeSpecificOperation(engine.entry(), iface, nullptr, true,
                                            Data_entry::OPERATION_REFRESH, nullptr);
-    if (tell_options(number)) {
-        mark(engine);
-    }
-}
-
-bool Cascade::tell_options(uint64_t number) {
-    const auto found = m_engines.find(number);
-    if (found == m_engines.end() || !found->second->has_new_options()) {
-        return false;
-    }
-    static_cast<Enum_entry*>(found->second->entry())->updateControlOptionMap();
-    return true;
 }
 
 // From the engine back through what marked it, until one comes up again; reported in the order of the writes.

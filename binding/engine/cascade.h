@@ -29,14 +29,31 @@ struct Cascade_state {
     bool is_marked = false;  // a parameter changed since it was evaluated
     bool is_listed = false;  // among those that wait for a round
     uint64_t cause = 0;      // the engine whose writes marked it last; 0: none
-    uint64_t round = 0;      // the round of `refreshes`
+    uint64_t wave = 0;       // the latest that marked it
+    uint64_t counted = 0;    // the wave of `refreshes`
     int refreshes = 0;
+};
+
+// Engines in the order in which they were marked, each once.
+class Waiting_engines {
+public:
+    void add(Engine& engine) { m_engines.push_back(&engine); }
+    void remove(Engine& engine);
+    // Null when none waits any more.
+    Engine* take();
+    bool is_empty() const { return m_next == m_engines.size(); }
+
+private:
+    void drop_taken();
+
+    std::vector<Engine*> m_engines;
+    std::size_t m_next = 0;  // the first that was not taken yet
 };
 
 class Cascade {
 public:
-    // How often one entry is refreshed in a round, and one parameter written in a turn. A longer chain of changes than that means a circle: an
-    // entry is refreshed again only when a parameter changes once more after the last refresh.
+    // How often one entry is refreshed in a wave, and one parameter written in a turn. A longer chain of changes than
+    // that means a circle: an entry is refreshed again only when a parameter changes once more after the last refresh.
     static constexpr int MOST_REFRESHES = 32;
     // How many commits may be under way within each other. A chain of entries that limit each other is as long as a
     // menu, and would take the stack of its thread.
@@ -64,47 +81,50 @@ public:
     void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes);
 
     void input_changed(Engine& engine);
-    // The same of all readers of a parameter that the device changed by itself: what follows from it is no circle of the
-    // round. Of a parameter with very many readers, `settle` marks them by and by.
+    // The same of all readers of a parameter that the device changed by itself. Of a parameter with very many readers,
+    // `settle` marks those that write nothing by and by.
     void device_changed(Cached_parameter& parameter);
     // A reader of the parameter ends.
     void reader_removed(Cached_parameter& parameter);
     void mark(Engine& engine);
     // The engine answered with what the parameters are now.
     void evaluated(Engine& engine);
-    bool is_at_rest() const { return m_next == m_waiting.size() && m_spreading.empty(); }
+    bool is_at_rest() const {
+        return m_writers.is_empty() && m_waiting.is_empty() && m_spreading.empty();
+    }
 
-    // Nothing within a round: what a refresh marks is the round's already. A round that is not at rest after `at_most`
-    // refreshes goes on with the next call.
+    // Nothing within a round: what a refresh marks is the round's already. All entries whose rules write come first: what
+    // they write is part of the change, and other entries are judged by it. After `at_most` of the others the rest waits
+    // for the next call.
     Binding_settlement settle(Data_interface* iface, std::size_t at_most);
 
 private:
-    Engine* take_next();
-    void shorten_waiting();
+    void mark(Engine& engine, uint64_t wave);
     void device_changed(Engine& engine);
     void spread();
+    Engine* take_next();
     bool is_within_turn() const;
     void end_commits();
-    void refresh(Engine& engine, Data_interface* iface);
-    bool tell_options(uint64_t number);
     void run_round(Data_interface* iface, std::size_t at_most, Binding_settlement& settlement);
+    void take_turn(Engine& engine, Data_interface* iface, Binding_settlement& settlement);
     std::string circle_of(const Engine& engine) const;
 
     std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
     std::set<std::pair<const Data_entry*, uint64_t>> m_by_entry;  // engines that have one
-    std::vector<Engine*> m_waiting;
-    std::size_t m_next = 0;                     // the first of `m_waiting` that was not taken yet
+    Waiting_engines m_writers;                                    // have write rules
+    Waiting_engines m_waiting;
     std::deque<Cached_parameter*> m_spreading;  // whose readers are not all marked yet
     uint64_t m_last_number = 0;
     uint64_t m_last_evaluated = 0;
-    uint64_t m_round = 0;
+    // What changes from outside cause, by whatever way, is a wave. Waves that come without end are no circle.
+    uint64_t m_next_wave = 1;  // of what changes before the next round
+    uint64_t m_wave = 0;       // of the entry that a round refreshes
     uint64_t m_turn = 1;
     Cached_parameter* m_turn_began_with = nullptr;
     std::vector<const Cached_parameter*> m_commits;  // under way, the outermost first
     bool m_is_frozen = false;
     bool m_is_settling = false;
-    bool m_is_round_open = false;  // it goes on with the next call of `settle`
-    std::string m_frozen_circle;   // not yet reported by a round
+    std::string m_frozen_circle;  // not yet reported by a round
 };
 
 }  // namespace frontpanel::binding_engine

@@ -255,8 +255,18 @@ bool Engine::evaluate(bool updates, bool tries) {
     if (updates && !tries) {
         m_was_evaluated = true;
         m_core.cascade.evaluated(*this);
+        show_new_options();
     }
     return m_errors.empty();
+}
+
+// Before the refresh goes on: it leaves an option that is hidden, and keeps one that has just become allowed.
+void Engine::show_new_options() {
+    const Suggestion_maker* const keys =
+        m_options != nullptr ? find_maker(SUGGESTION_KEYS) : nullptr;
+    if (keys != nullptr && (keys->updated() & SUGGESTION_RANGE) != 0) {
+        m_options->updateControlOptionMap();
+    }
 }
 
 void Engine::report_cascade(const std::string& path) {
@@ -360,12 +370,6 @@ int Engine::updated() const {
         kinds |= maker->updated();
     }
     return kinds;
-}
-
-bool Engine::has_new_options() const {
-    const Suggestion_maker* const keys =
-        m_options != nullptr ? find_maker(SUGGESTION_KEYS) : nullptr;
-    return keys != nullptr && (keys->updated() & SUGGESTION_RANGE) != 0;
 }
 
 // A kind without rules gets what its maker has before its first evaluation.

@@ -90,12 +90,6 @@ public:
     Data_entry::Entry_type entry_type() const { return m_entry_type; }
     std::string name() const;
     bool was_evaluated() const { return m_was_evaluated; }
-    // Whether rules decide which options an enumerated entry has.
-    bool limits_options() const {
-        return m_options != nullptr && (m_rule_kinds & SUGGESTION_KEYS) != 0;
-    }
-    // Whether the entry is enumerated and has not taken its allowed keys yet.
-    bool has_new_options() const;
     void report_cascade(const std::string& path);
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
     void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes);
@@ -126,6 +120,7 @@ public:
 
 private:
     int updated() const;
+    void show_new_options();
     void add_makers();
     void bind_parameters(Bound_list& list);
     void note_kinds(const binding_language::Program& program);

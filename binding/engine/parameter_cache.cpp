@@ -185,7 +185,8 @@ void Parameter_cache::update_polling(Cached_parameter& parameter) {
 // ---- values
 
 bool Parameter_cache::is_current(const Cached_parameter& parameter) const {
-    return m_caching_interface != nullptr && parameter.is_kept && parameter.socket == m_socket;
+    return m_caching_interface != nullptr && parameter.is_kept && parameter.socket == m_socket &&
+           parameter.kept_in == m_polls;
 }
 
 bool Parameter_cache::bring_up_to_date(Cached_parameter& parameter) {
@@ -218,6 +219,7 @@ int Parameter_cache::read(Cached_parameter& parameter) {
 
 const std::vector<var_index_s>& Parameter_cache::poll(std::size_t at_most) {
     m_changed.clear();
+    ++m_polls;
     begin_evaluation();
     m_is_polling = true;
     // By number: a callback of the device may take parameters off the list.
@@ -308,6 +310,7 @@ void Parameter_cache::kept(Cached_parameter& parameter, bool changed) {
     parameter.is_known = true;
     parameter.failure = 0;
     parameter.is_kept = true;
+    parameter.kept_in = m_polls;
     parameter.socket = m_socket;
     if (!changed) {
         return;

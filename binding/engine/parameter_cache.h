@@ -38,6 +38,7 @@ struct Cached_parameter {
     int failure = 0;       // what the last access returned
     bool is_kept = false;  // every access since `number` or `text` was taken has passed this cache
     int socket = 0;        // selected when it was taken
+    uint64_t kept_in = 0;  // how many polls had begun then
     uint64_t read_in = 0;  // the evaluation that last asked the device
     std::vector<Record*> records;
     std::vector<Engine*> readers;     // whose rules read it
@@ -85,7 +86,8 @@ public:
 
     // Begins an evaluation: in it, each parameter is asked for at most once.
     void begin_evaluation() { ++m_evaluation; }
-    // Whether `parameter` holds what the device holds, asking the device unless that is known.
+    // Whether `parameter` holds what the device holds, asking the device unless that is known. What the last poll left
+    // out is not: the device changes by itself.
     bool bring_up_to_date(Cached_parameter& parameter);
     // Asks the device for parameters that somebody reads or watches, in turns. The keys of those that changed are
     // valid until the next poll.
@@ -125,6 +127,7 @@ private:
     std::size_t m_next_polled = 0;
     std::vector<var_index_s> m_changed;  // in the last poll
     bool m_is_polling = false;
+    uint64_t m_polls = 0;
     uint64_t m_evaluation = 1;
     int m_socket = 0;
 };

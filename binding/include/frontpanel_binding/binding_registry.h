@@ -172,7 +172,8 @@ public:
 
     // Reads every parameter from the device that a rule reads or that is watched, once each. Returns a key for each
     // that changed, recovery after a failed read included; valid until the next call. What depends on them waits for
-    // `settle`. With a limit, each call continues where the last one ended, so that a large menu costs no more.
+    // `settle`. With a limit, each call continues where the last one ended, so that a large menu costs no more: what it
+    // leaves out is read when a rule asks for it.
     const std::vector<var_index_s>& poll(std::size_t at_most = SIZE_MAX);
     // Reads from the device what the rules of an entry read: whoever judges a value at this moment has no time to wait
     // for the next poll. What depends on it waits for `settle`.
@@ -181,9 +182,9 @@ public:
     bool has_unsettled() const;
     // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last
     // evaluated them, until what these refreshes change is settled as well. An entry that was never refreshed waits
-    // until it is, unless it has write rules. Also rebuilds the visible options of entries whose allowed keys changed.
-    // An entry is refreshed 32 times at most; beyond that, the result and its engine's errors name the circle. Entries
-    // and engines may end meanwhile. A call from within a refresh does nothing. After `at_most` refreshes the rest is
+    // until it is, unless it has write rules. An entry is refreshed 32 times at most for what changed between two calls;
+    // beyond that, the result and its engine's errors name the circle. Entries and engines may end meanwhile. A call from
+    // within a refresh does nothing. Entries with write rules come first, all of them; after `at_most` others the rest is
     // left to the next call, so that the caller can do something else in between.
     Binding_settlement settle(Data_interface* iface = nullptr, std::size_t at_most = SIZE_MAX);
 

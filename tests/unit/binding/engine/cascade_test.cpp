@@ -130,14 +130,11 @@ TEST_F(Cascade_test, AWarningDoesNotLetAnEntryFollowItsOwnValue) {
 }
 
 // Whoever refreshes an entry for its value need not know that it has options.
-TEST_F(Cascade_test, OptionsFollowARefreshThatLeftThem) {
+TEST_F(Cascade_test, OptionsFollowEachRefresh) {
     Option_entry source("Source", 100, no_level);
     bind(source, "keys 0..1 if [101] == 1");
     write(101, 1);
     refresh(source, &cache);
-    EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
-    EXPECT_TRUE(registry->has_unsettled());
-    EXPECT_TRUE(settle().at_rest);
     EXPECT_THAT(source.shown(), ElementsAre(0, 1));
     EXPECT_FALSE(registry->has_unsettled());
 }
@@ -155,6 +152,35 @@ TEST_F(Cascade_test, AKeyThatIsAllowedAgainIsNotLeft) {
     EXPECT_TRUE(turn().at_rest);
     EXPECT_THAT(source.shown(), ElementsAre(0, 1, 2, 3));
     EXPECT_EQ(device.integer(100, 0), 2);
+}
+
+// As a list does with what it shows, before its turn in a round.
+TEST_F(Cascade_test, ARefreshKeepsAnOptionThatHasJustBecomeAllowed) {
+    Option_entry source("Source", 100, no_level);
+    bind(source, "keys 0..1 if [101] == 0; keys 2..3 if [101] == 1");
+    refresh(source, &cache);
+    settle();
+    device.set_integer(100, 0, 3);
+    device.set_integer(101, 0, 1);
+    registry->poll();
+    refresh(source, &cache);
+    EXPECT_EQ(device.integer(100, 0), 3);
+    EXPECT_THAT(source.shown(), ElementsAre(2, 3));
+}
+
+// A large menu is polled in turns.
+TEST_F(Cascade_test, ARefreshDecidesByWhatTheDeviceHoldsSinceTheLastPoll) {
+    Number_entry gain("Gain", 104, no_level, 0, 100);
+    bind(gain, "range 0..[101]; visible if [100] == 0");
+    device.set_integer(101, 0, 10);
+    refresh(gain, &cache);
+    settle();
+    registry->poll(1);
+    device.set_integer(101, 0, 100);
+    device.set_integer(104, 0, 50);
+    registry->poll(0);
+    refresh(gain, &cache);
+    EXPECT_EQ(device.integer(104, 0), 50);
 }
 
 TEST_F(Cascade_test, APollWithALimitGoesOnWhereTheLastOneEnded) {
@@ -398,6 +424,93 @@ TEST_F(Cascade_in_parts, AThousandReadersAndMoreAreMarkedByAndBy) {
     }
     EXPECT_GE(log.size(), leaves.size());
     EXPECT_LE(log.size(), 2 * leaves.size());
+}
+
+// Each of them reads the parameter.
+class Cascade_of_many : public Cascade_in_parts {
+protected:
+    static constexpr std::size_t MANY = 1500;
+
+    void add_readers(std::size_t count, const std::string& rule) {
+        for (std::size_t i = 0; i < count; ++i) {
+            leaves.emplace_back("Leaf", log);
+            bind(leaves.back(), rule);
+            refresh(leaves.back(), &cache);
+        }
+    }
+    // In a hundred parts, before each of which parameter 100 changes.
+    void settle_under_load() {
+        for (int part = 0; part < 100; ++part) {
+            device.set_integer(100, 0, 1 - part % 2);
+            registry->poll();
+            settle_part(100);
+        }
+    }
+};
+
+TEST_F(Cascade_of_many, AParameterThatChangesWithoutEndDoesNotHoldAnother) {
+    add_readers(MANY, "visible if [100] < 5");
+    add_readers(MANY, "visible if [101] < 5");
+    device.set_integer(101, 0, 5);
+    settle_under_load();
+    EXPECT_EQ(leaves.back().Get_bind_vis(), VIS_FALSE);
+}
+
+TEST_F(Cascade_of_many, ReadersThatWaitWithoutEndDoNotHoldThoseOfAnotherParameter) {
+    add_readers(200, "visible if [100] < 5");
+    add_readers(MANY, "visible if [101] < 5");
+    device.set_integer(101, 0, 5);
+    settle_under_load();
+    EXPECT_EQ(leaves.back().Get_bind_vis(), VIS_FALSE);
+}
+
+TEST_F(Cascade_in_parts, WritesThatFollowChangesWithoutEndAreNoCircle) {
+    Logged_leaf first("First", log);
+    Logged_leaf second("Second", log);
+    Number_entry last("Last", 104, no_level, 0, 100);
+    bind(first, "set [102] = [100]");
+    bind(second, "set [103] = [102]");
+    bind(last, "range [103]..100");
+    refresh(last, &cache);
+    for (int change = 1; change <= 500; ++change) {
+        device.set_integer(100, 0, change % 9);
+        registry->poll();
+        const Binding_settlement part = settle_part(6);
+        ASSERT_TRUE(part.at_rest) << part.path;
+    }
+    while (registry->has_unsettled()) {
+        settle_part(6);
+    }
+    EXPECT_EQ(last.Get_min(), 500 % 9);
+}
+
+// What is shown is asked between the parts: it must see what the rules have made of the change.
+TEST_F(Cascade_in_parts, WritesDoNotWaitForEntriesThatWriteNothing) {
+    Number_entry limit("Limit", 104, no_level, 0, 100);
+    Number_entry gain("Gain", 105, no_level, 0, 100);
+    bind(limit, "set [102] = [100] * 10");
+    bind(gain, "range 0..[102]");
+    refresh(limit, &cache);
+    refresh(gain, &cache);
+    settle();
+    device.set_integer(100, 0, 5);
+    device.set_integer(105, 0, 50);
+    registry->poll();
+    EXPECT_FALSE(settle_part(1).is_complete);
+    EXPECT_EQ(device.integer(102, 0), 50);
+    refresh(gain, &cache);
+    EXPECT_EQ(device.integer(105, 0), 50);
+}
+
+TEST_F(Cascade_of_many, WritesDoNotWaitUntilManyReadersAreMarked) {
+    add_readers(MANY, "visible if [100] < 5");
+    Number_entry limit("Limit", 104, no_level, 0, 100);
+    bind(limit, "set [102] = [100] * 10");
+    settle();
+    device.set_integer(100, 0, 5);
+    registry->poll();
+    EXPECT_FALSE(settle_part(1).is_complete);
+    EXPECT_EQ(device.integer(102, 0), 50);
 }
 
 TEST_F(Cascade_in_parts, ACircleOfWritesIsFoundAcrossThem) {

@@ -12,7 +12,7 @@ using namespace frontpanel;
 
 namespace {
 
-using binding_fixture::Option_entry;
+using binding_fixture::Number_entry;
 using support::index_of;
 
 // Answers every call without allocating: a number that changes with every read, or a text.
@@ -67,7 +67,7 @@ protected:
     Restless_device device;
     std::shared_ptr<Binding_registry> registry = std::make_shared<Binding_registry>(&device);
     const Index_t no_level = index_of({});
-    Option_entry entry{"Source", 120, no_level};
+    Number_entry entry{"Source", 120, no_level, 0, 10};  // one with options would number them anew
     Expression_binding* engine = nullptr;
 };
 
