@@ -76,6 +76,10 @@ var_index_map_t* Binding_registry::var_index_map() {
     return &m_core->parameters.map();
 }
 
+void Binding_registry::forget_dependants() {
+    m_core->parameters.forget_dependants();
+}
+
 void Binding_registry::watch(const var_index_s& key) {
     m_core->parameters.watch(m_core->parameters.at(key));
 }

@@ -19,6 +19,7 @@ Menu::~Menu() {
             entry->Update_value(nullptr, 0);
         }
     }
+    m_bindings->forget_dependants();
 }
 
 std::vector<Data_entry*> Menu::items_of(const Device_variable& variable) {
@@ -51,8 +52,8 @@ Number_ranges Menu::own_ranges(Range_entry& entry) const {
     return found != m_own_ranges.end() ? found->second : allowed_ranges(entry);
 }
 
-void Menu::keep_own_ranges(Range_entry& entry) {
-    m_own_ranges[&entry] = allowed_ranges(entry);
+void Menu::keep_own_ranges(const Range_entry& entry, Number_ranges ranges) {
+    m_own_ranges[&entry] = std::move(ranges);
 }
 
 Live_Data_Processor* Menu::add_processor(int slot) {

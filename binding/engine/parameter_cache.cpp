@@ -140,6 +140,23 @@ void Parameter_cache::unlist_dependant(Cached_parameter& parameter, Data_entry* 
     }
 }
 
+void Parameter_cache::forget_dependants() {
+    for (const auto& [place, variable] : m_variables) {
+        for (Cached_parameter* const parameter : {variable.number.get(), variable.text.get()}) {
+            if (parameter == nullptr) {
+                continue;
+            }
+            parameter->listed.clear();
+            for (Cached_parameter::Record* const record : parameter->records) {
+                record->second.binding_dependant_entries.clear();
+            }
+            parameter->readers.clear();
+            m_cascade.reader_removed(*parameter);
+            update_polling(*parameter);
+        }
+    }
+}
+
 void Parameter_cache::add_owner(Cached_parameter& parameter, const var_index_s& key,
                                 Engine& engine) {
     parameter.owners.push_back(&engine);

@@ -79,6 +79,8 @@ public:
     void remove_reader(Cached_parameter& parameter, Engine& engine);
     void list_dependant(Cached_parameter& parameter, Data_entry* entry);
     void unlist_dependant(Cached_parameter& parameter, Data_entry* entry);
+    // Of all parameters, and their readers.
+    void forget_dependants();
     void add_owner(Cached_parameter& parameter, const var_index_s& key, Engine& engine);
     void remove_owner(Cached_parameter& parameter, Engine& engine, Data_entry* entry);
     void watch(Cached_parameter& parameter);

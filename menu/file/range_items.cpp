@@ -178,7 +178,9 @@ void build_range(Load_context& context, const Json_value& item, const Spot& spot
     check_step(context, item, range, bounds);
     problems.attempt([&] { set_ranges(context, ranges, range, bounds); });
     if (item.find(member::BINDING)) {
-        context.menu.keep_own_ranges(range);  // before its rules narrow them
+        // Before its rules narrow them. Ranges of a list depend on options.
+        context.menu.keep_own_ranges(
+            range, ranges ? allowed_ranges(range) : Number_ranges{{bounds.min, bounds.max}});
     }
     bind(context, item, range, bounds);
 }

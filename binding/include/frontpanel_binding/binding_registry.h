@@ -162,6 +162,9 @@ public:
     // last seen and the entries that depend on it. Owned by the registry. A device variable that goes by several keys
     // has a record for each, all of them with the same value.
     var_index_map_t* var_index_map();
+    // All entries with engines end now: nothing depends on a parameter any more. Without it, each of thousands that depend
+    // on one parameter would be searched and removed by itself.
+    void forget_dependants();
     // Keeps the value of a parameter current that no rule may read, such as a toggle's. The key is then in the map,
     // and `poll` reads it until `unwatch` was called as often as `watch`.
     void watch(const var_index_s& key);

@@ -53,7 +53,7 @@ public:
     static std::string name_of(const Data_entry& entry);
     // What a number allows by itself, whatever its rules say now.
     Number_ranges own_ranges(Range_entry& entry) const;
-    void keep_own_ranges(Range_entry& entry);
+    void keep_own_ranges(const Range_entry& entry, Number_ranges ranges);
     // The top of the tree: the first entry that was added.
     Data_entry& root() { return *m_entries.front(); }
     size_t entry_count() const { return m_entries.size(); }

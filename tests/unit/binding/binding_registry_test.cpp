@@ -46,6 +46,23 @@ TEST(Binding_registry_test, TakingOutADependantLeavesTheOthers) {
     EXPECT_EQ(registry->var_index_map()->size(), 1u);
 }
 
+TEST(Binding_registry_test, ForgottenDependantsAreNeitherListedNorPolledFor) {
+    const auto registry = std::make_shared<Binding_registry>();
+    const var_index_s key = key_of(INTEGER, 100, index_of({2}));
+    const var_index_s watched = key_of(INTEGER, 7, index_of({0}));
+    Leaf leaf("First");
+    {
+        Expression_binding engine(registry);
+        bound(engine, *registry, "visible if [100.2] == 1").setDataEntry(&leaf);
+        registry->watch(watched);
+        registry->forget_dependants();
+        EXPECT_THAT(registry->var_index_map()->at(key).binding_dependant_entries, ElementsAre());
+    }
+    Expression_binding engine(registry);
+    bound(engine, *registry, "visible if [100.2] == 1").setDataEntry(&leaf);
+    EXPECT_THAT(registry->var_index_map()->at(key).binding_dependant_entries, ElementsAre(&leaf));
+}
+
 TEST(Binding_registry_test, AllNamesOfAVariableListTheSameDependants) {
     const auto registry = std::make_shared<Binding_registry>();
     Leaf leaf("Gain");
