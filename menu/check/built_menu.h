@@ -4,6 +4,7 @@
 
 #include <frontpanel_data/data_entry.h>
 
+#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -49,13 +50,13 @@ struct Built_menu {
     Menu& menu;
     const Product_options& options;
     int columns;  // of the display
-    std::vector<Item> items;
+    std::deque<Item> items;
     std::vector<Submenu> menus;  // each before those in it
-    std::vector<Name> names;     // that the display shows
+    std::deque<Name> names;      // that the display shows
     std::vector<Link> links;
     std::map<const Data_entry*, Place> rules;
     std::vector<Constant> constants;
-    std::vector<Place> condition_texts;           // of all rules, each time they are compiled
+    std::deque<Place> condition_texts;            // of all rules, each time they are compiled
     std::set<const Data_entry*> allowed_circles;  // items whose author knows of a circle of limits
     std::set<const Data_entry*> conditional;      // items that are shown at times only
 };

@@ -177,9 +177,12 @@ inline Json_span<Json_member> Json_node::members() const {
                                   : Json_span<Json_member>(nullptr, 0);
 }
 
+// The names of an item are of few lengths, but mostly begin differently.
 inline const Json_node* Json_node::member(std::string_view name) const {
     for (const Json_member& candidate : members()) {
-        if (candidate.name() == name) {
+        const std::string_view other = candidate.name();
+        if (other.size() == name.size() &&
+            (name.empty() || (other.front() == name.front() && other == name))) {
             return &candidate.value;
         }
     }
