@@ -20,7 +20,8 @@ namespace frontpanel {
 class Panel_process {
 public:
     // Starts the panel with that menu.
-    explicit Panel_process(const std::string& menu) : m_folder(std::filesystem::temp_directory_path() / "panel_bench.XXXXXX") {
+    explicit Panel_process(const std::string& menu)
+        : m_folder(std::filesystem::temp_directory_path() / "panel_bench.XXXXXX") {
         std::string name = m_folder.string();
         if (mkdtemp(name.data()) == nullptr) {
             throw std::runtime_error("no folder for temporary files");
@@ -46,7 +47,8 @@ public:
     // Reads what the panel writes until the text is in it.
     void read_until(const std::string& text) {
         constexpr int LONG_TIME = 20000;
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(LONG_TIME);
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(LONG_TIME);
         m_seen.clear();
         while (m_seen.find(text) == std::string::npos) {
             pollfd ready{m_terminal, POLLIN, 0};

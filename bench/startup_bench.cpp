@@ -84,10 +84,18 @@ void first_frame(benchmark::State& state, bool has_rules) {
     }
     state.counters["cpu_ms"] = least / 1e6;
 }
-BENCHMARK_CAPTURE(first_frame, plain, false)->Arg(10)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
-BENCHMARK_CAPTURE(first_frame, rules, true)->Arg(10)->Arg(1000)->Arg(10000)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
+BENCHMARK_CAPTURE(first_frame, plain, false)
+    ->Arg(10)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(first_frame, rules, true)
+    ->Arg(10)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 // Until the first frame is drawn; 0 without valgrind.
 double instructions_of(const std::string& menu) {
@@ -99,11 +107,10 @@ double instructions_of(const std::string& menu) {
     const fs::path folder = name;
     std::ofstream(folder / "menu.json") << menu;
     std::ofstream(folder / "script") << "tick\n";
-    const std::string command =
-        "cd " + name +
-        " && valgrind --tool=callgrind --callgrind-out-file=profile "
-        "'--dump-after=frontpanel::Panel::frame()' " FRONTPANEL
-        " --menu menu.json --log log --script script >/dev/null 2>&1";
+    const std::string command = "cd " + name +
+                                " && valgrind --tool=callgrind --callgrind-out-file=profile "
+                                "'--dump-after=frontpanel::Panel::frame()' " FRONTPANEL
+                                " --menu menu.json --log log --script script >/dev/null 2>&1";
     double count = 0;
     if (std::system(command.c_str()) == 0) {
         std::ifstream profile(folder / "profile.1");
