@@ -10,7 +10,7 @@ namespace diagnostics {
 namespace {
 
 void write_prefix(uint32_t place, const char* function, const char* file) {
-    const auto line = static_cast<int>(place >> PREFIX_BITS);
+    const auto line = static_cast<int>(place >> (PREFIX_BITS + MASK_BITS));
     switch (static_cast<Prefix>(place & ((1U << PREFIX_BITS) - 1))) {
         case Prefix::NONE:
             return;
@@ -56,9 +56,8 @@ bool entry_gate() {
     return (debug & (QUIET | VERBOSE)) != 0;
 }
 
-void write(uint32_t mask, uint32_t place, const char* function, const char* file,
-           const char* format, ...) {
-    const Announcement announcement(mask);
+void write(uint32_t place, const char* function, const char* file, const char* format, ...) {
+    const Announcement announcement(mask_of(place));
     write_prefix(place, function, file);
     va_list arguments;
     va_start(arguments, format);

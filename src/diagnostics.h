@@ -44,6 +44,19 @@ bool leaf_gate();
 // Refresh, set and visibility of the base entry: only under QUIET or VERBOSE.
 bool entry_gate();
 
+// A library that is to be small asks by a call, instead of by some twenty bytes at each of two hundred lines.
+#ifdef __OPTIMIZE_SIZE__
+#define FRONTPANEL_GATE_CALL __attribute__((noinline))
+#else
+#define FRONTPANEL_GATE_CALL inline
+#endif
+
+// Whether a line of the mask is printed.
+template <uint32_t MASK, bool (*GATE)()>
+FRONTPANEL_GATE_CALL bool is_open() {
+    return (debug & MASK) != 0 && GATE();
+}
+
 // How a line begins. Each but NONE and FUNCTION_ONLY ends with the line number and a blank.
 enum class Prefix : uint32_t {
     NONE,            // nothing
@@ -54,15 +67,51 @@ enum class Prefix : uint32_t {
     TWO_TABS         // as FUNCTION_FIRST, behind two
 };
 
-// A number of a line in the source with the prefix that it is printed in: one argument instead of two, since there are
-// some two hundred calls.
-constexpr uint32_t PREFIX_BITS = 3;
-constexpr uint32_t place(Prefix prefix, int line) {
-    return static_cast<uint32_t>(line) << PREFIX_BITS | static_cast<uint32_t>(prefix);
-}
-
 // The mask of a line that is printed whatever `debug` holds. The listener is not told about it.
 constexpr uint32_t UNCONDITIONAL = 0;
+
+// The masks of lines. A line gives the number of its mask.
+inline constexpr uint32_t MASKS[] = {UNCONDITIONAL,
+                                     GENERAL,
+                                     MODEL_READ,
+                                     COMMIT,
+                                     OPTIONS,
+                                     BINDING,
+                                     WRITE,
+                                     ENTRY_REFRESH,
+                                     CONSTRUCTION,
+                                     VISIBILITY,
+                                     BINDING_VISIBILITY,
+                                     REFRESH,
+                                     DISPATCH,
+                                     LINK_NAVIGATION,
+                                     SHORTCUT,
+                                     LINK_VISIBILITY,
+                                     LINK_CREATION,
+                                     LIVE_DATA};
+constexpr uint32_t MASK_COUNT = sizeof MASKS / sizeof *MASKS;
+
+constexpr uint32_t number_of(uint32_t mask) {
+    uint32_t number = 0;
+    while (number < MASK_COUNT && MASKS[number] != mask) {
+        ++number;
+    }
+    return number;
+}
+
+// The number of a line in the source, of its mask and of the prefix that it is printed in: one argument instead of
+// three, since there are some two hundred calls.
+constexpr uint32_t PREFIX_BITS = 3;
+constexpr uint32_t MASK_BITS = 5;
+template <Prefix PREFIX, uint32_t MASK>
+constexpr uint32_t place(int line) {
+    static_assert(number_of(MASK) < MASK_COUNT && MASK_COUNT <= 1U << MASK_BITS);
+    return (static_cast<uint32_t>(line) << MASK_BITS | number_of(MASK)) << PREFIX_BITS |
+           static_cast<uint32_t>(PREFIX);
+}
+constexpr uint32_t mask_of(uint32_t place) {
+    return MASKS[place >> PREFIX_BITS & ((1U << MASK_BITS) - 1)];
+}
 
 // Tells the listener the mask of a line before the line is printed, and 0 afterwards. `write` does this itself. Use
 // this class for a line with an argument that prints lines of its own: they belong between the two calls.
@@ -80,9 +129,8 @@ private:
 };
 
 // Prints a line. The listener is told its mask before the line and 0 after it.
-__attribute__((cold, format(printf, 5, 6))) void write(uint32_t mask, uint32_t place,
-                                                       const char* function, const char* file,
-                                                       const char* format, ...);
+__attribute__((cold, format(printf, 4, 5))) void write(uint32_t place, const char* function,
+                                                       const char* file, const char* format, ...);
 // The same without a prefix.
 __attribute__((cold, format(printf, 2, 3))) void write_text(uint32_t mask, const char* format, ...);
 
@@ -97,12 +145,12 @@ __attribute__((cold, format(printf, 2, 3))) void write_text(uint32_t mask, const
 #define FRONTPANEL_PRINT_TAB(mask, ...) FRONTPANEL_PRINT(TAB, mask, __VA_ARGS__)
 #define FRONTPANEL_PRINT_TWO_TABS(mask, ...) FRONTPANEL_PRINT(TWO_TABS, mask, __VA_ARGS__)
 #define FRONTPANEL_PRINT(prefix, mask, function, ...)                                         \
-    ::diagnostics::write(mask, ::diagnostics::place(::diagnostics::Prefix::prefix, __LINE__), \
+    ::diagnostics::write(::diagnostics::place<::diagnostics::Prefix::prefix, mask>(__LINE__), \
                          function, __FILE_NAME__, __VA_ARGS__)
 
 #define FRONTPANEL_LINE(gate, mask, prefix, function, ...)                         \
     do {                                                                           \
-        if ((debug & ::diagnostics::mask) != 0 && ::diagnostics::gate()) {         \
+        if (::diagnostics::is_open<::diagnostics::mask, ::diagnostics::gate>()) {  \
             FRONTPANEL_PRINT_##prefix(::diagnostics::mask, function, __VA_ARGS__); \
         }                                                                          \
     } while (false)

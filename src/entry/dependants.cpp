@@ -24,14 +24,11 @@ private:
     Data_entry& m_entry;
 };
 
-#define COMMIT_LINE(lines, ...)                                                            \
-    do {                                                                                   \
-        if ((debug & (lines).mask) != 0 && ::diagnostics::leaf_gate()) {                   \
-            ::diagnostics::write(                                                          \
-                (lines).mask,                                                              \
-                ::diagnostics::place(::diagnostics::Prefix::FUNCTION_FIRST, (lines).line), \
-                (lines).function, (lines).file, __VA_ARGS__);                              \
-        }                                                                                  \
+#define COMMIT_LINE(lines, ...)                                                                   \
+    do {                                                                                          \
+        if ((debug & ::diagnostics::mask_of((lines).place)) != 0 && ::diagnostics::leaf_gate()) { \
+            ::diagnostics::write((lines).place, (lines).function, (lines).file, __VA_ARGS__);     \
+        }                                                                                         \
     } while (false)
 
 std::vector<Data_entry*> dependants_of(var_index_map_t& map, const var_index_s& key,

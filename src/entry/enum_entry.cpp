@@ -447,6 +447,8 @@ int Enum_entry::Commit(Data_interface* pDataAccessInf) {
     const int result = posts ? commit_live_data() : m_model.Commit(pDataAccessInf);
     dependants::refresh(
         *this, binding, pDataAccessInf,
-        {"Commit", __FILE_NAME__, __LINE__, diagnostics::GENERAL, false, false, true});
+        {"Commit", __FILE_NAME__,
+         diagnostics::place<diagnostics::Prefix::FUNCTION_FIRST, diagnostics::GENERAL>(__LINE__),
+         false, false, true});
     return result;
 }

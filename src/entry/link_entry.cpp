@@ -91,7 +91,7 @@ Link_entry::Link_entry(Data_entry* housed_entry)
               housed_name);
     const std::string name =
         housed_entry != nullptr ? display_name_of(*housed_entry) : std::string(housed_name);
-    name.copy(link_name, sizeof link_name - 1);
+    std::memcpy(link_name, name.data(), std::min(name.size(), sizeof link_name - 1));
     if (housed_entry != nullptr) {
         Data_entry::Set_parent(housed_entry->Get_parent());
     }

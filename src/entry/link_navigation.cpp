@@ -12,6 +12,14 @@ const char* name_or_null(const Data_entry* entry) {
     return entry != nullptr ? entry->Get_name() : "NULL";
 }
 
+// Requires: `callback` is not empty. Inlined as a whole, so that no exception for an empty one is built in.
+__attribute__((flatten)) Data_entry* call(const FunctionT1& callback) {
+    if (callback.empty()) {
+        __builtin_unreachable();
+    }
+    return callback(nullptr);
+}
+
 void report_missing_callback(const char* function, int line, const char* end) {
     std::printf(
         "[%s][%d] ERROR. Link entry is a mountable link, but does not have a valid function "
@@ -114,7 +122,7 @@ Data_entry* Link_entry::enter_mounted_menu() {
         report_missing_callback("Get_child", __LINE__, "\n");
         return nullptr;
     }
-    Data_entry* const first = create_mount_menu(nullptr);
+    Data_entry* const first = call(create_mount_menu);
     if (first != nullptr) {
         return first;
     }
@@ -134,7 +142,7 @@ Data_entry* Link_entry::leave_mounted_menu() {
         return nullptr;
     }
     LEAF_LINE(LINK_NAVIGATION, FUNCTION_FIRST, "Get_parent", "Mount link about to destroy menu.\n");
-    destroy_mount_menu(nullptr);
+    call(destroy_mount_menu);
     valid_parent_link = false;
     if (parent_link == nullptr) {
         LEAF_LINE(LINK_NAVIGATION, FUNCTION_FIRST, "Get_parent", "Warning, parent is null\n");

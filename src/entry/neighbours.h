@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <memory>
-#include <unordered_set>
 #include <vector>
 
 #include <frontpanel_data/entry.h>
 
 #include "../step_counter.h"
+#include "entry_set.h"
 
 namespace neighbours {
 
@@ -40,17 +40,17 @@ public:
         friend class Met;
         explicit Level(std::size_t first) : m_first(first) {}
 
-        std::size_t m_first = 0;                                        // of its siblings among all
-        std::unique_ptr<std::unordered_set<const Data_entry*>> m_many;  // once there are many
+        std::size_t m_first = 0;            // of its siblings among all
+        std::unique_ptr<Entry_set> m_many;  // once there are many
     };
 
     Level enter() const { return Level(m_siblings.size()); }
-    void leave(const Level& level) { m_siblings.resize(level.m_first); }
+    void leave(const Level& level) { cut(level.m_first); }
 
     // Requires: `level` is the one that was entered last.
     bool is_new(Level& level, const Data_entry* sibling) {
         if (level.m_many != nullptr) {
-            return level.m_many->insert(sibling).second;
+            return level.m_many->insert(sibling);
         }
         const auto first = m_siblings.begin() + static_cast<std::ptrdiff_t>(level.m_first);
         const auto found = std::find(first, m_siblings.end(), sibling);
@@ -60,14 +60,20 @@ public:
         }
         m_siblings.push_back(sibling);
         if (m_siblings.size() - level.m_first > FEW) {
-            level.m_many = std::make_unique<std::unordered_set<const Data_entry*>>(
-                m_siblings.begin() + static_cast<std::ptrdiff_t>(level.m_first), m_siblings.end());
-            m_siblings.resize(level.m_first);
+            level.m_many = std::make_unique<Entry_set>();
+            for (std::size_t at = level.m_first; at < m_siblings.size(); ++at) {
+                level.m_many->insert(m_siblings[at]);
+            }
+            cut(level.m_first);
         }
         return true;
     }
 
 private:
+    void cut(std::size_t size) {
+        m_siblings.erase(m_siblings.begin() + static_cast<std::ptrdiff_t>(size), m_siblings.end());
+    }
+
     static constexpr std::size_t FEW = 16;  // found as fast by comparing
 
     std::vector<const Data_entry*> m_siblings;

@@ -2,12 +2,12 @@
 #include <pthread.h>
 
 #include <cstdio>
-#include <unordered_set>
+#include <forward_list>
 #include <utility>
-#include <vector>
 
 #include <frontpanel_data/link_entry.h>
 
+#include "entry_set.h"
 #include "neighbours.h"
 #include "overriding.h"
 
@@ -28,7 +28,7 @@ public:
     void run(Data_entry& start) {
         enter(start);
         while (!m_levels.empty()) {
-            proceed(m_levels.back());
+            proceed(m_levels.front());
         }
     }
 
@@ -69,23 +69,23 @@ private:
             print_heading(entry);
             return;
         }
-        m_levels.push_back({&entry, nullptr, m_met.enter()});
+        m_levels.push_front({&entry, nullptr, m_met.enter()});
         m_entries.insert(&entry);
         pthread_mutex_lock(&entry.m_entry_mutex);
         print_heading(entry);
     }
 
     void leave() {
-        Level& level = m_levels.back();
+        Level& level = m_levels.front();
         pthread_mutex_unlock(&level.entry->m_entry_mutex);
         m_entries.erase(level.entry);
         m_met.leave(level.siblings);
-        m_levels.pop_back();
+        m_levels.pop_front();
     }
 
     static bool is_under_way(const Data_entry& entry) {
         const Printing* at = innermost;
-        while (at != nullptr && at->m_entries.count(&entry) == 0) {
+        while (at != nullptr && !at->m_entries.holds(&entry)) {
             at = at->m_outer;
         }
         return at != nullptr;
@@ -101,8 +101,8 @@ private:
     static thread_local const Printing* innermost;
 
     const Printing* m_outer;
-    std::vector<Level> m_levels;
-    std::unordered_set<const Data_entry*> m_entries;  // of the levels
+    std::forward_list<Level> m_levels;
+    Entry_set m_entries;  // of the levels
     neighbours::Met m_met;
 };
 

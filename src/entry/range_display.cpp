@@ -87,7 +87,7 @@ public:
             size += part.size();
         }
         if (size > sizeof m_short) {
-            m_long.resize(size);
+            m_long = std::string(size, '\0');
             m_text = m_long.data();
         }
         char* at = m_text;

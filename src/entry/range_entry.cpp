@@ -72,15 +72,6 @@ range_s intersection(const range_s& allowed, const range_s& suggested) {
             {}};
 }
 
-// Without room that is not used: every number of a menu has such lists.
-void store(std::vector<range_s>& list, const std::vector<range_s>& ranges) {
-    if (list.capacity() == ranges.size()) {
-        list = ranges;
-    } else {
-        list = std::vector<range_s>(ranges);
-    }
-}
-
 std::string report(const range_s& range) {
     std::string text =
         " [" + std::to_string(range.min_inclusive) + ", " + std::to_string(last_of(range)) + "] ";
@@ -229,7 +220,8 @@ int Range_entry::Get_display_string(char* buffer, unsigned int length, bool use_
         marquee::show(buffer, length, text.data(), text.size(), m_scroll_offset, m_scroll_delay);
         return OK;
     }
-    buffer[text.copy(buffer, text.size())] = '\0';
+    std::memcpy(buffer, text.data(), text.size());
+    buffer[text.size()] = '\0';
     return OK;
 }
 
@@ -242,7 +234,9 @@ int Range_entry::Commit(Data_interface* pDataAccessInf) {
     const int result = m_model.Commit(pDataAccessInf);
     dependants::refresh(
         *this, binding, pDataAccessInf,
-        {"Commit", __FILE_NAME__, __LINE__, diagnostics::GENERAL, true, true, true});
+        {"Commit", __FILE_NAME__,
+         diagnostics::place<diagnostics::Prefix::FUNCTION_FIRST, diagnostics::GENERAL>(__LINE__),
+         true, true, true});
     return result;
 }
 
@@ -258,7 +252,7 @@ int Range_entry::Get_max() {
 
 int Range_entry::setValidRangeAndValues(std::vector<range_s> ranges) {
     valid_ranges_and_values = std::move(ranges);
-    valid_ranges_and_values_ANDED = valid_ranges_and_values;
+    valid_ranges_and_values_ANDED = std::vector<range_s>(valid_ranges_and_values);
     evaluateOptions();
     return updateRange();
 }
@@ -279,8 +273,15 @@ int Range_entry::evaluateOptions() {
     }
     m_min = span.min;
     m_max = span.max;
-    store(valid_ranges_and_values, allowed);
-    store(valid_ranges_and_values_ANDED, allowed);
+    // Without room that is not used: every number of a menu has such lists.
+    if (allowed.capacity() != allowed.size()) {
+        allowed = std::vector<range_s>(allowed);
+    }
+    const std::size_t before = valid_ranges_and_values.size();
+    if (allowed.size() != before || valid_ranges_and_values.capacity() != before) {
+        valid_ranges_and_values = std::vector<range_s>(allowed);
+    }
+    valid_ranges_and_values_ANDED = std::move(allowed);
     LEAF_LINE(GENERAL, FUNCTION_FIRST, "evaluateOptions",
               "Range Control Option: ranges after [%d]\n",
               static_cast<int>(valid_ranges_and_values.size()));

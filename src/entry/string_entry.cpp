@@ -91,6 +91,8 @@ int String_entry::Commit(Data_interface* pDataAccessInf) {
     const int result = m_model.Commit(pDataAccessInf);
     dependants::refresh(
         *this, binding, pDataAccessInf,
-        {"Commit", __FILE_NAME__, __LINE__, diagnostics::BINDING, false, true, false});
+        {"Commit", __FILE_NAME__,
+         diagnostics::place<diagnostics::Prefix::FUNCTION_FIRST, diagnostics::BINDING>(__LINE__),
+         false, true, false});
     return result;
 }

@@ -1,12 +1,14 @@
 // The walk over a menu tree that hands out the shortcut table and prints the menu.
 #include <algorithm>
 #include <cstdio>
-#include <unordered_set>
-#include <vector>
+#include <forward_list>
+#include <iterator>
+#include <map>
 
 #include <frontpanel_data/entry.h>
 #include <frontpanel_data/link_entry.h>
 
+#include "entry_set.h"
 #include "neighbours.h"
 
 namespace {
@@ -46,7 +48,7 @@ public:
     void run(Data_entry* start) {
         enter(start, 0);
         while (!m_levels.empty()) {
-            Level& level = m_levels.back();
+            Level& level = m_levels.front();
             Data_entry* const child = level.next_child;
             if (child == nullptr || !m_met.is_new(level.siblings, child)) {
                 leave();
@@ -69,15 +71,15 @@ private:
 
     // A link may lead back to an entry that is just being walked: what lies below that comes once.
     void enter(Data_entry* entry, int depth) {
-        if (m_path.insert(entry).second) {
-            m_levels.push_back({entry, neighbours::first_child(entry), m_met.enter(), depth});
+        if (m_path.insert(entry)) {
+            m_levels.push_front({entry, neighbours::first_child(entry), m_met.enter(), depth});
         }
     }
 
     void leave() {
-        m_met.leave(m_levels.back().siblings);
-        m_path.erase(m_levels.back().entry);
-        m_levels.pop_back();
+        m_met.leave(m_levels.front().siblings);
+        m_path.erase(m_levels.front().entry);
+        m_levels.pop_front();
     }
 
     // Returns the depth of the child.
@@ -98,14 +100,15 @@ private:
 
     // Directly below the start the counter is the application's, whose classes may change it during the walk.
     int depth_of_children() const {
-        return m_levels.size() == 1 && m_argument != nullptr ? *static_cast<const int*>(m_argument)
-                                                             : m_levels.back().depth;
+        return std::next(m_levels.begin()) == m_levels.end() && m_argument != nullptr
+                   ? *static_cast<const int*>(m_argument)
+                   : m_levels.front().depth;
     }
 
     int m_flags;
     void* m_argument;
-    std::vector<Level> m_levels;  // from the start to the entry that is being walked
-    std::unordered_set<const Data_entry*> m_path;  // the entries of these
+    std::forward_list<Level> m_levels;  // from the entry that is being walked up to the start
+    Entry_set m_path;                   // the entries of these
     neighbours::Met m_met;
 };
 

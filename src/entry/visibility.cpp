@@ -1,7 +1,7 @@
 // Whether an entry is shown, and what of the answer is remembered.
 #include <array>
+#include <forward_list>
 #include <utility>
-#include <vector>
 
 #include <frontpanel_data/binding.h>
 #include <frontpanel_data/entry.h>
@@ -68,18 +68,18 @@ private:
     class Stack {
     public:
         std::size_t size() const { return m_size; }
-        Asked& back() { return m_size <= FEW ? few(m_size - 1) : m_more.back(); }
+        Asked& back() { return m_size <= FEW ? few(m_size - 1) : m_more.front(); }
         void push(Asked asked) {
             if (m_size < FEW) {
                 few(m_size) = std::move(asked);
             } else {
-                m_more.push_back(std::move(asked));
+                m_more.push_front(std::move(asked));
             }
             ++m_size;
         }
         void pop() {
             if (m_size > FEW) {
-                m_more.pop_back();
+                m_more.pop_front();
             }
             --m_size;
         }
@@ -89,7 +89,7 @@ private:
         Asked& few(std::size_t at) { return m_few[at]; }
 
         std::array<Asked, FEW> m_few{};
-        std::vector<Asked> m_more;
+        std::forward_list<Asked> m_more;
         std::size_t m_size = 0;
     };
 

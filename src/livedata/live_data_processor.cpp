@@ -57,12 +57,14 @@ int run_and_report(const char* operation, const Command& command, On_output outp
     return status;
 }
 
-// `what` holds one %d for the number.
-#define REPORT_EXCEPTION(operation, what, number)        \
-    do {                                                 \
-        LIVE_ERROR(operation, what, number);             \
-        LIVE_FAILURE("Error:", operation, what, number); \
-    } while (false)
+// `start` stands before the text of the line.
+int report_exception(const char* operation, const char* start, const char* activity, int number) {
+    LIVE_ERROR(operation, "%sAn exception occurred while %s. Exception Nr.[%d]\n", start, activity,
+               number);
+    LIVE_FAILURE("Error:", operation, "%sAn exception occurred while %s. Exception Nr.[%d]\n",
+                 start, activity, number);
+    return -1;
+}
 
 // Takes the texts out of the parser's list.
 int hand_over(LiveJSDataParser::displaylistStruct& list, char*** buffer, uint32_t* size) {
@@ -154,10 +156,7 @@ int Live_Data_Processor::getDataFromCard(int varId, char dataformat, char* filep
     command = compose(true, "gunzip -d %s.gz", filepath);
     return run_and_report(operation, command, On_output::NOTHING);
 } catch (int number) {
-    REPORT_EXCEPTION("getDataFromCard",
-                     "An exception occurred while fetching the dynamic data. Exception Nr.[%d]\n",
-                     number);
-    return -1;
+    return report_exception("getDataFromCard", "", "fetching the dynamic data", number);
 }
 
 int Live_Data_Processor::getData(int varId, char dataformat, int webType, int panelType,
@@ -203,11 +202,7 @@ int Live_Data_Processor::createLDCommitFile(int varId, char* filename, char* buf
     LIVE_LINE(operation, "varId[%d],filename[%s], cmd[%s]\n", varId, path, command.text);
     return run_and_report(operation, command, On_output::ERROR);
 } catch (int number) {
-    REPORT_EXCEPTION("createLDCommitFile",
-                     "An exception occurred while creating live data commit file. "
-                     "Exception Nr.[%d]\n",
-                     number);
-    return -1;
+    return report_exception("createLDCommitFile", "", "creating live data commit file", number);
 }
 
 int Live_Data_Processor::Commit(int varId, char dataformat, char* filename) try {
@@ -228,7 +223,5 @@ int Live_Data_Processor::Commit(int varId, char dataformat, char* filename) try 
     LIVE_LINE(operation, "cmd[%s] \n", command.text);
     return run_and_report(operation, command, On_output::ERROR);
 } catch (int number) {
-    REPORT_EXCEPTION(
-        "Commit", " An exception occurred while committing live data. Exception Nr.[%d]\n", number);
-    return -1;
+    return report_exception("Commit", " ", "committing live data", number);
 }

@@ -8,7 +8,6 @@
 
 #include <rapidjson/encodings.h>
 #include <rapidjson/memorystream.h>
-#include <rapidjson/stringbuffer.h>
 
 namespace shell_text {
 namespace {
@@ -46,9 +45,14 @@ bool is_plain_value(const char* value) {
     return true;
 }
 
+// Takes the characters of a text that is checked.
+struct Nowhere {
+    void Put(char) {}
+};
+
 bool is_utf8(const char* text) {
     rapidjson::MemoryStream in(text, std::strlen(text));
-    rapidjson::StringBuffer out;
+    Nowhere out;
     while (in.Tell() < in.size_) {
         if (!rapidjson::UTF8<>::Validate(in, out)) {
             return false;
@@ -86,10 +90,15 @@ std::string quoted_body(const char* value) {
 
 bool is_card_address(const char* text) {
     const char* const colon = std::strchr(text, ':');
-    const std::string host = colon != nullptr ? std::string(text, colon) : std::string(text);
+    const std::size_t length =
+        colon != nullptr ? static_cast<std::size_t>(colon - text) : std::strlen(text);
+    char host[INET_ADDRSTRLEN] = "";
+    if (length >= sizeof host) {
+        return false;
+    }
+    std::memcpy(host, text, length);
     in_addr address;
-    return inet_pton(AF_INET, host.c_str(), &address) == 1 &&
-           (colon == nullptr || is_port(colon + 1));
+    return inet_pton(AF_INET, host, &address) == 1 && (colon == nullptr || is_port(colon + 1));
 }
 
 bool is_data_format(char letter) {

@@ -71,7 +71,13 @@ protected:
     Refreshing c{"C", nullptr, logged(&log)};
     Fake_binding* binding = nullptr;  // the committed entry's
     var_index_s key;
-    dependants::Commit_lines lines = {"Commit", "range_entry.cpp", 1, 0x1, true, true, true};
+    dependants::Commit_lines lines = {
+        "Commit",
+        "range_entry.cpp",
+        diagnostics::place<diagnostics::Prefix::FUNCTION_FIRST, diagnostics::GENERAL>(1),
+        true,
+        true,
+        true};
 };
 
 TEST_F(Dependants, AreRefreshedInOrderWithTheirBindings) {
@@ -315,7 +321,7 @@ TEST_F(Many_dependants, AreRefreshedAsTheListIsByTheirTurn) {
 
 TEST_F(Dependants, TheLinesAreInTheCommittingClasssCategory) {
     listed() = {&a};
-    lines.mask = 0x25;
+    lines.place = diagnostics::place<diagnostics::Prefix::FUNCTION_FIRST, diagnostics::WRITE>(1);
     const auto action = [&] { refresh(); };
     support::expect_line_gate("About to see if I have any dependants...\n", 0x25, Gate::LEAF,
                               action);

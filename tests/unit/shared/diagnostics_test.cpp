@@ -67,6 +67,20 @@ TEST(DiagnosticLine, TellsTheListenerItsMaskAndItsEnd) {
     EXPECT_EQ(g_told, (std::vector<uint32_t>{0x3, 0}));
 }
 
+TEST(DiagnosticLine, FindsItsMaskByItsNumber) {
+    using diagnostics::Prefix;
+    EXPECT_EQ(diagnostics::mask_of(diagnostics::place<Prefix::TAB, diagnostics::LIVE_DATA>(4000)),
+              diagnostics::LIVE_DATA);
+    EXPECT_EQ(diagnostics::mask_of(
+                  diagnostics::place<Prefix::TWO_TABS, diagnostics::UNCONDITIONAL>(4000)),
+              diagnostics::UNCONDITIONAL);
+    g_told.clear();
+    debug_listener = [](uint32_t mask) { g_told.push_back(mask); };
+    capture(0x400, [] { LEAF_LINE(VISIBILITY, FUNCTION_FIRST, "Op", "n=%d\n", 5); });
+    debug_listener = nullptr;
+    EXPECT_EQ(g_told, (std::vector<uint32_t>{diagnostics::VISIBILITY, 0}));
+}
+
 TEST(DiagnosticLine, TakesATextWithoutArguments) {
     EXPECT_EQ(capture(0x1, [] { LEAF_LINE(GENERAL, NONE, "Op", "100 %%\n"); }).out, "100 %\n");
 }
