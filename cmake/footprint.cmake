@@ -26,11 +26,20 @@ else()
 endif()
 option(FRONTPANEL_LTO "Optimise the library as a whole when it is linked" ${link_time_optimisation})
 
-# frontpanel_reduce_footprint(<shared library> OBJECTS <library of its objects> PREEMPTIBLE <dynamic list>)
+# Shorter instructions where they take longer, and arrays that are aligned as their elements need it, not for vector
+# instructions.
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-Oz FRONTPANEL_COMPILER_MINIMISES)
+check_cxx_compiler_flag(-malign-data=abi FRONTPANEL_COMPILER_ALIGNS_DATA)
+
+# frontpanel_reduce_footprint(<shared library> OBJECTS <library of its objects> PREEMPTIBLE <dynamic list>
+#     PURE_VIRTUAL <source> NOTHROW <source>...)
 #
-# The dynamic list names the symbols that a program may hold a copy of; the library uses its own of all others.
+# The dynamic list names the symbols that a program may hold a copy of; the library uses its own of all others. The source
+# PURE_VIRTUAL replaces the compiler's function of that name. Nothing in the sources NOTHROW throws, calls what may
+# throw, or is called back.
 function(frontpanel_reduce_footprint library)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "OBJECTS;PREEMPTIBLE" "")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "OBJECTS;PREEMPTIBLE;PURE_VIRTUAL" "NOTHROW")
     if(FRONTPANEL_SANITIZE OR FRONTPANEL_COVERAGE)
         return()
     endif()
@@ -42,6 +51,18 @@ function(frontpanel_reduce_footprint library)
     target_link_options(${library} PRIVATE
         $<${optimised}:LINKER:--gc-sections,-Bsymbolic,--dynamic-list=${arg_PREEMPTIBLE},--hash-style=gnu>)
     set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${arg_PREEMPTIBLE})
+    target_sources(${library} PRIVATE $<${optimised}:${arg_PURE_VIRTUAL}>)
+    target_link_options(${library} PRIVATE $<${optimised}:LINKER:--wrap=__cxa_pure_virtual>)
+    if(FRONTPANEL_COMPILER_MINIMISES)
+        target_compile_options(${arg_OBJECTS} PRIVATE $<${smallest}:-Oz>)
+        target_link_options(${library} PRIVATE $<${smallest}:-Oz>)
+    endif()
+    if(FRONTPANEL_COMPILER_ALIGNS_DATA)
+        target_compile_options(${arg_OBJECTS} PRIVATE $<${smallest}:-malign-data=abi>)
+    endif()
+    # Functions that no exception passes need no unwinding tables. The optimisation at link time would write them again.
+    set_property(SOURCE ${arg_NOTHROW} APPEND PROPERTY COMPILE_OPTIONS
+        $<${smallest}:-fno-exceptions;-fno-unwind-tables;-fno-asynchronous-unwind-tables;-fno-lto>)
     if(FRONTPANEL_PACK_RELOCATIONS)
         target_link_options(${library} PRIVATE $<${optimised}:LINKER:-z,pack-relative-relocs>)
     endif()

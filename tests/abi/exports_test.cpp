@@ -76,8 +76,8 @@ std::set<std::string> public_words() {
 // The outermost name that a symbol belongs to: "Data_entry" of "vtable for Data_entry" and of
 // "Data_entry::Get_pid() const".
 std::string owner_of(std::string name) {
-    for (const char* const start : {"vtable for ", "typeinfo name for ", "typeinfo for ",
-                                    "VTT for ", "guard variable for "}) {
+    for (const char* const start :
+         {"vtable for ", "typeinfo for ", "VTT for ", "guard variable for "}) {
         if (name.rfind(start, 0) == 0) {
             name.erase(0, std::string(start).size());
         }
@@ -116,6 +116,13 @@ TEST(Exports, HoldNothingOfPrivateNamespaces) {
         R"((^|[ (])(diagnostics|assertion|marquee|dependants|option_test|neighbours|\(anonymous namespace\))::)");
     for (const Symbol& symbol : exported_symbols()) {
         EXPECT_FALSE(std::regex_search(symbol.name, PRIVATE)) << symbol.name;
+    }
+}
+
+// Programs know types by their descriptions, which hold the names.
+TEST(Exports, HoldNoNamesOfTypes) {
+    for (const Symbol& symbol : exported_symbols()) {
+        EXPECT_NE(symbol.name.rfind("typeinfo name for ", 0), 0u) << symbol.name;
     }
 }
 
