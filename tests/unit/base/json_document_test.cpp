@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <frontpanel_base/json_document.h>
-#include <frontpanel_base/json_value.h>
 
 namespace frontpanel {
 namespace {
@@ -143,44 +142,6 @@ TEST(JsonDocument, StoredContentStaysWhereItIs) {
     EXPECT_EQ(large.size(), many.size());
     EXPECT_EQ(large[19999].integer(), 3);
     EXPECT_TRUE(moved.keep("").empty());
-}
-
-TEST(JsonValue, ANumberThatDoesNotFitIsShown) {
-    const Json_document document(
-        SOURCE, "[2.5, 1e3, 12345678901234567890, 300, \"x\", " + std::string(50, '1') + "]");
-    Problems problems;
-    for (const Json_value& value : Json_value(document.root(), problems).items()) {
-        problems.attempt([&value] { value.integer(0, 255); });
-    }
-    const std::string expected = "expected a whole number from 0 to 255, found ";
-    EXPECT_EQ(problems.errors(),
-              (std::vector<std::string>{
-                  "file.json:1:2: " + expected + "2.5", "file.json:1:7: " + expected + "1e3",
-                  "file.json:1:12: " + expected + "12345678901234567890",
-                  "file.json:1:34: " + expected + "300", "file.json:1:39: " + expected + "a text",
-                  "file.json:1:44: " + expected + std::string(40, '1') + "..."}));
-}
-
-TEST(JsonValue, DuplicatesAreReportedInLargeObjectsAsInSmallOnes) {
-    for (const int size : {3, 100}) {
-        std::string text = "{\"a\": 1";
-        for (int i = 1; i < size; ++i) {
-            text += ", \"m" + std::to_string(i) + "\": 1";
-        }
-        const Json_document document(SOURCE, text + ",\n\"a\": 2}");
-        Problems problems;
-        const auto members = Json_value(document.root(), problems).members();
-        EXPECT_EQ(members.size(), static_cast<size_t>(size));
-        EXPECT_EQ(problems.errors(),
-                  std::vector<std::string>{"file.json:2:1: duplicate member \"a\""});
-    }
-}
-
-TEST(JsonValue, AValueIsWrittenAsItWasRead) {
-    const std::string text = R"({"a":[1,-2.50,true,false,null,"x\ny"],"b":{}})";
-    const Json_document document(SOURCE, text);
-    Problems problems;
-    EXPECT_EQ(Json_value(document.root(), problems).json(), text);
 }
 
 }  // namespace

@@ -1,0 +1,22 @@
+// UTF-8 texts of unknown content in messages: escaped, and cut between characters.
+#ifndef FRONTPANEL_BASE_TEXT_BYTES_H
+#define FRONTPANEL_BASE_TEXT_BYTES_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace frontpanel {
+
+// The text with "\xNN" for each byte of a control character, and for each byte that is no UTF-8.
+std::string escaped(std::string_view text);
+
+// The beginning of the text, at most `most` bytes, without a part of a character at its end.
+std::string_view beginning_of(std::string_view text, std::size_t most);
+
+// The beginning in quotes, with "..." when it is not the whole text.
+std::string quoted_beginning(std::string_view text, std::size_t most);
+
+}  // namespace frontpanel
+
+#endif
