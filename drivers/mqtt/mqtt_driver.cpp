@@ -47,10 +47,10 @@ public:
             problems.warn(m_place, fault);
         }
         warn_of_doubles(problems, "is read from", [](const Topic_source& source) {
-            return std::pair(source.topic, source.member.name());
+            return std::pair(source.topic, source.member.steps());
         });
         warn_of_doubles(problems, "is written to", [](const Topic_source& source) {
-            return std::pair(source.write_topic, source.write_member.name());
+            return std::pair(source.write_topic, source.write_member.steps());
         });
     }
 
@@ -124,7 +124,7 @@ private:
 
     template <typename Key_of>
     void warn_of_doubles(Problems& problems, const char* verb, Key_of key_of) const {
-        std::map<std::pair<std::string, std::string>, std::size_t> first;
+        std::map<std::pair<std::string, std::vector<std::string>>, std::size_t> first;
         for (std::size_t number = 0; number < m_sources.size(); ++number) {
             const auto key = key_of(m_sources[number]);
             const auto [other, is_new] = first.emplace(key, number);

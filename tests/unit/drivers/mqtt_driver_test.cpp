@@ -687,7 +687,7 @@ TEST_F(Mqtt_menu_test, DoubledTopicsAndMissingFilesAreProbablyMistakes) {
     load(R"(, "login": "login")",
          number(1, "a", R"("topic": "x", "member": "m", "write": "w")") + "," +
              number(2, "b", R"("topic": "x", "member": "n", "write": "w")") + "," +
-             number(3, "c", R"("topic": "x", "member": "n")"));
+             number(3, "c", R"("topic": "x", "member": "/n")"));
     m_device->check(m_problems);
     EXPECT_EQ(problems(), (Lines{"warning: \"/nowhere/login\": No such file or directory",
                                  "warning: \"a\" is written to the same topic",
