@@ -5,6 +5,8 @@
 #include <cstring>
 #include <iterator>
 
+#include <frontpanel_base/text_bytes.h>
+
 namespace frontpanel {
 namespace {
 
@@ -44,18 +46,7 @@ bool is_within(int number, int count) {
 }  // namespace
 
 std::string Memory_device::text_of_write(const std::string& bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        if (byte >= ' ' && byte <= '~') {
-            text += byte;
-            continue;
-        }
-        char escape[5];
-        std::snprintf(escape, sizeof escape, "\\x%02x",
-                      static_cast<unsigned int>(static_cast<unsigned char>(byte)));
-        text += escape;
-    }
-    return text;
+    return escaped(bytes);
 }
 
 Memory_device::Memory_device()

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include <frontpanel_base/text_bytes.h>
+
 namespace frontpanel::binding_engine {
 namespace {
 
@@ -23,7 +25,7 @@ std::string failure_text(int failure) {
 std::string shown(std::string_view source) {
     constexpr std::size_t LONGEST = 100;
     return source.size() <= LONGEST ? std::string(source)
-                                    : std::string(source.substr(0, LONGEST)) + "...";
+                                    : std::string(beginning_of(source, LONGEST)) + "...";
 }
 
 std::string quoted(std::string_view text) {

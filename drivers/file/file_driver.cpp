@@ -11,6 +11,7 @@
 #include <utility>
 
 #include <frontpanel_base/json_members.h>
+#include <frontpanel_base/text_bytes.h>
 #include <frontpanel_drivers/scale.h>
 #include "file_reader.h"
 #include "line_part.h"
@@ -27,10 +28,8 @@ constexpr int64_t LAST_WORD = 1000;
 constexpr std::size_t LONGEST_QUOTED = 20;
 constexpr std::size_t LONGEST_NUMBER = 64;
 
-// "abc", of a long text its beginning.
 std::string quoted(std::string_view text) {
-    const bool is_long = text.size() > LONGEST_QUOTED;
-    return "\"" + std::string(text.substr(0, LONGEST_QUOTED)) + (is_long ? "...\"" : "\"");
+    return quoted_beginning(text, LONGEST_QUOTED);
 }
 
 std::string joined(const std::string& folder, const std::string& path) {

@@ -6,6 +6,7 @@
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
 #include <frontpanel_base/json_members.h>
+#include <frontpanel_base/text_bytes.h>
 
 namespace frontpanel {
 namespace {
@@ -20,8 +21,7 @@ constexpr const char* LINE_END = "\r\n";
 using Found_text = std::variant<std::string, No_value>;
 
 std::string quoted(std::string_view text) {
-    const bool is_long = text.size() > LONGEST_QUOTED;
-    return "\"" + std::string(text.substr(0, LONGEST_QUOTED)) + (is_long ? "...\"" : "\"");
+    return quoted_beginning(text, LONGEST_QUOTED);
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -13,6 +13,7 @@
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/json_allocator.h>
 #include <frontpanel_base/numbers.h>
+#include <frontpanel_base/text_bytes.h>
 
 namespace frontpanel {
 namespace {
@@ -36,8 +37,8 @@ Adapter_message faulty(std::string text) {
 }
 
 Adapter_message no_object(const std::string& line) {
-    return faulty("expected a JSON object, found \"" + printable(line.substr(0, LONGEST_QUOTE)) +
-                  (line.size() > LONGEST_QUOTE ? "..." : "") + "\"");
+    return faulty("expected a JSON object, found " +
+                  printable(quoted_beginning(line, LONGEST_QUOTE)));
 }
 
 // The members of the outermost object; what is deeper is passed over. The parser keeps its own state in memory that grows

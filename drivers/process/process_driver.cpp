@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include <frontpanel_base/text_bytes.h>
 #include <frontpanel_drivers/duration.h>
 #include <frontpanel_drivers/scale.h>
 #include "adapter_connection.h"
@@ -64,8 +65,12 @@ struct Request {
 // Whether the adapter sends changes of a parameter by itself.
 enum class Watch { NOT_TRIED, STANDS, NOT_POSSIBLE };
 
+std::string beginning(const std::string& reason) {
+    return std::string(beginning_of(reason, LONGEST_REASON));
+}
+
 News failure(std::string reason) {
-    return {std::nullopt, reason.empty() ? "no reason given" : reason.substr(0, LONGEST_REASON)};
+    return {std::nullopt, reason.empty() ? "no reason given" : beginning(reason)};
 }
 
 News number_news(const Spot& spot, const std::string& written) {
@@ -254,7 +259,7 @@ private:
         }
         const Adapter_message message = parse_adapter_message(*line);
         if (message.kind == Adapter_message::FAULTY || message.kind == Adapter_message::ERROR) {
-            m_connection.fail(message.text.substr(0, LONGEST_REASON));
+            m_connection.fail(beginning(message.text));
         } else if (message.kind != Adapter_message::HELLO) {
             m_connection.fail("expected a greeting, found another message");
         } else if (message.version != PROTOCOL_VERSION) {
@@ -365,7 +370,7 @@ private:
                 if (message.id) {
                     answer(*message.id, nullptr, message.text);
                 } else {
-                    m_said = message.text.substr(0, LONGEST_REASON);
+                    m_said = beginning(message.text);
                     m_connection.log(m_said);
                 }
                 break;

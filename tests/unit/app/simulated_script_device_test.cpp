@@ -76,6 +76,13 @@ TEST_F(Simulated_script_device_test, KeepsTheWritesInTheirOrder) {
     EXPECT_FALSE(device.oldest_write());
 }
 
+// As a script names it.
+TEST_F(Simulated_script_device_test, KeepsAWrittenTextInUtf8) {
+    const std::string text = "\u00FC\n";
+    memory.Set(TEXT.pid, TEXT.varidx, text.data(), static_cast<unsigned int>(text.size()));
+    EXPECT_EQ(device.oldest_write()->value, "\u00FC\\x0a");
+}
+
 TEST_F(Simulated_script_device_test, FailsReadsAndWritesOfAParameterEachForItself) {
     device.set_fault(NUMBER, true, true);
     EXPECT_NE(write(4), 0);

@@ -6,7 +6,8 @@ namespace frontpanel {
 namespace {
 
 TEST(TextBytes, EscapesControlsAndWhatIsNoUtf8) {
-    EXPECT_EQ(escaped("Gr\u00FC\u00DFe 20 \u00B0C \U0001F600"), "Gr\u00FC\u00DFe 20 \u00B0C \U0001F600");
+    EXPECT_EQ(escaped("Gr\u00FC\u00DFe 20 \u00B0C \U0001F600"),
+              "Gr\u00FC\u00DFe 20 \u00B0C \U0001F600");
     EXPECT_EQ(escaped("a\n\x7f\u0085z"), "a\\x0a\\x7f\\xc2\\x85z");
     EXPECT_EQ(escaped("\xFC\xC3"), "\\xfc\\xc3");
     EXPECT_EQ(escaped(""), "");

@@ -52,6 +52,7 @@ TEST(TopicSource, NumbersAreReadFromMessages) {
         {"", "unavailable", "not a number: \"unavailable\""},
         {"", "2147483648", "the number does not fit 32 bits: \"2147483648\""},
         {"", "true", "not a number: \"true\""},
+        {"", "Kellertemperatur 1 \u00B0C", "not a number: \"Kellertemperatur 1 ...\""},
         {POWER, R"({"ENERGY": {"Power": 23.4, "Today": 1}})", "234"},
         {POWER, R"({"ENERGY": {"Power": "5"}})", "50"},
         {POWER, R"({"ENERGY": {"Today": 1}})", "the message has no member \"/ENERGY/Power\""},

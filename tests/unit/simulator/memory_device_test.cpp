@@ -231,7 +231,7 @@ TEST_F(Memory_device_test, EveryWriteIsRecordedWithItsValueAndResult) {
 
     EXPECT_THAT(shown(device.writes()),
                 ElementsAre("100.0 number [12] 0", "100.0 number [-3] 4", "100.0 number [01 ff] 3",
-                            "200.1 text [A\\x0a\\xc3\\xa9] 0", "999.2 unknown [68 69] 1",
+                            "200.1 text [A\\x0a\xc3\xa9] 0", "999.2 unknown [68 69] 1",
                             "100.0 number [] 9"));
 }
 
