@@ -6,6 +6,7 @@
 
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_editors/line_text.h>
 #include <frontpanel_menu/list_line.h>
 
 namespace frontpanel {
@@ -28,8 +29,8 @@ std::string text_of(std::chrono::milliseconds age) {
     return std::to_string(tenths / TENTHS) + "." + std::to_string(tenths % TENTHS) + " s";
 }
 
-std::size_t columns_of(const std::string& text) {
-    return characters_of(text).size();
+std::size_t columns_in(const std::string& text) {
+    return static_cast<std::size_t>(width_of(text));
 }
 
 bool has_failed(const Driven_value& value) {
@@ -50,14 +51,14 @@ std::string probe_table(const std::vector<Driven_value>& values) {
     std::array<std::size_t, std::tuple_size<Row>::value> widths{};
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], columns_of(row[i]));
+            widths[i] = std::max(widths[i], columns_in(row[i]));
         }
     }
     std::string table;
     for (const Row& row : rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i) {
-            line += row[i] + std::string(widths[i] - columns_of(row[i]) + 2, ' ');
+            line += row[i] + std::string(widths[i] - columns_in(row[i]) + 2, ' ');
         }
         table += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
     }

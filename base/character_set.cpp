@@ -7,6 +7,8 @@
 #include <iterator>
 #include <utility>
 
+#include "composition.h"
+
 namespace frontpanel {
 namespace {
 
@@ -83,6 +85,11 @@ char cell_of(char32_t character, std::set<char32_t>& lost) {
     if (character != DAMAGED) {
         lost.insert(character);
     }
+    for (auto base = base_letter_of(character); base; base = base_letter_of(*base)) {
+        if (has_cell(*base)) {
+            return static_cast<char>(*base);
+        }
+    }
     return UNKNOWN;
 }
 
@@ -95,6 +102,26 @@ std::u32string characters_of(std::string_view text) {
         characters += take_character(text);
     }
     return characters;
+}
+
+std::size_t size_of_column(std::string_view text) {
+    const std::size_t size = text.size();
+    take_character(text);
+    for (std::string_view rest = text; !rest.empty() && is_combining(take_character(rest));) {
+        text = rest;
+    }
+    return size - text.size();
+}
+
+std::u32string columns_of(std::string_view text, std::set<char32_t>& lost) {
+    std::u32string columns;
+    columns.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t size = size_of_column(text);
+        columns += composed(characters_of(text.substr(0, size)), lost);
+        text.remove_prefix(size);
+    }
+    return columns;
 }
 
 std::string utf8_of(char32_t character) {
@@ -127,17 +154,17 @@ std::optional<char> plain_form_of(char32_t character) {
     return std::nullopt;
 }
 
-std::string cells_of(const std::u32string& characters, std::set<char32_t>& lost) {
+std::string cells_of(const std::u32string& columns, std::set<char32_t>& lost) {
     std::string cells;
-    cells.reserve(characters.size());
-    for (const char32_t character : characters) {
+    cells.reserve(columns.size());
+    for (const char32_t character : columns) {
         cells += cell_of(character, lost);
     }
     return cells;
 }
 
 std::string cells_of(std::string_view text, std::set<char32_t>& lost) {
-    return cells_of(characters_of(text), lost);
+    return cells_of(columns_of(text, lost), lost);
 }
 
 bool has_one_column(char32_t character) {

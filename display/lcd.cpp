@@ -34,11 +34,11 @@ std::string Lcd::text(int row) const {
 }
 
 void Lcd::put(int row, int column, std::string_view text) {
-    put_characters(row, column, characters_of(text));
+    put_characters(row, column, columns_of(text, m_lost));
 }
 
 void Lcd::put_right(int row, std::string_view text) {
-    const std::u32string characters = characters_of(text);
+    const std::u32string characters = columns_of(text, m_lost);
     const size_t length = std::min(characters.size(), static_cast<size_t>(m_size.columns));
     put_characters(row, m_size.columns - static_cast<int>(length), characters);
 }

@@ -445,6 +445,11 @@ std::optional<char> plain_letter_of(char32_t character) {
             return plain;
         }
     }
+    for (auto base = base_letter_of(character); base; base = base_letter_of(*base)) {
+        if (*base <= U'z') {
+            return static_cast<char>(*base);
+        }
+    }
     return plain_form_of(character);
 }
 

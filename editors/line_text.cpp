@@ -1,3 +1,4 @@
+#include <frontpanel_base/character_set.h>
 #include <frontpanel_editors/line_text.h>
 #include <frontpanel_editors/value_editor.h>
 
@@ -18,46 +19,10 @@ constexpr std::size_t LEAST_COLUMNS_WITH_MARKS = 4;
 
 using Characters = std::vector<std::string>;
 
-struct Lead {
-    unsigned char first;
-    unsigned char last;
-    unsigned char following;
-    unsigned char least_second;
-    unsigned char greatest_second;
-};
-constexpr Lead LEADS[] = {
-    {0xC2, 0xDF, 1, 0x80, 0xBF}, {0xE0, 0xE0, 2, 0xA0, 0xBF}, {0xE1, 0xEC, 2, 0x80, 0xBF},
-    {0xED, 0xED, 2, 0x80, 0x9F}, {0xEE, 0xEF, 2, 0x80, 0xBF}, {0xF0, 0xF0, 3, 0x90, 0xBF},
-    {0xF1, 0xF3, 3, 0x80, 0xBF}, {0xF4, 0xF4, 3, 0x80, 0x8F},
-};
-
-bool is_between(char byte, unsigned char first, unsigned char last) {
-    const auto value = static_cast<unsigned char>(byte);
-    return value >= first && value <= last;
-}
-
-// The bytes of the character that begins a text, at least one.
-std::size_t length_of_first(std::string_view text) {
-    if (is_between(text.front(), 0x00, 0x7F)) {
-        return 1;
-    }
-    for (const Lead& lead : LEADS) {
-        if (!is_between(text.front(), lead.first, lead.last) || text.size() <= lead.following ||
-            !is_between(text[1], lead.least_second, lead.greatest_second)) {
-            continue;
-        }
-        const std::string_view rest = text.substr(2, std::size_t{lead.following} - 1);
-        const bool is_whole = std::all_of(rest.begin(), rest.end(),
-                                          [](char byte) { return is_between(byte, 0x80, 0xBF); });
-        return is_whole ? std::size_t{lead.following} + 1 : 1;
-    }
-    return 1;
-}
-
-Characters characters_of(std::string_view text) {
+Characters characters_in(std::string_view text) {
     Characters characters;
     while (!text.empty()) {
-        const std::size_t length = length_of_first(text);
+        const std::size_t length = size_of_column(text);
         characters.emplace_back(text.substr(0, length));
         text.remove_prefix(length);
     }
@@ -120,20 +85,20 @@ std::string part_of(const Characters& text, std::size_t start, std::size_t colum
 
 int width_of(std::string_view text) {
     int width = 0;
-    for (; !text.empty(); text.remove_prefix(length_of_first(text))) {
+    for (; !text.empty(); text.remove_prefix(size_of_column(text))) {
         ++width;
     }
     return width;
 }
 
 std::string start_of(std::string_view text, int columns) {
-    return part_of(characters_of(text), 0, static_cast<std::size_t>(std::max(0, columns)), false);
+    return part_of(characters_in(text), 0, static_cast<std::size_t>(std::max(0, columns)), false);
 }
 
 void Scrolling_text::take(std::string text) {
     m_text = std::move(text);
     m_text.erase(m_text.find_last_not_of(' ') + 1);
-    m_characters = characters_of(m_text);
+    m_characters = characters_in(m_text);
 }
 
 void Scrolling_text::set(std::string text) {
@@ -181,9 +146,9 @@ std::string Scrolling_text::show(int columns) {
 void show_with_cursor(const std::string& text, std::size_t cursor, int columns,
                       Editor_view& shown) {
     const auto width = static_cast<std::size_t>(columns);
-    const Characters characters = characters_of(text);
+    const Characters characters = characters_in(text);
     const std::size_t place =
-        characters_of(std::string_view(text).substr(0, cursor + 1)).size() - 1;
+        characters_in(std::string_view(text).substr(0, cursor + 1)).size() - 1;
     const Word word = word_at(characters, place);
     const bool has_room = word.end > place && word.end - word.begin <= width;
     std::size_t end = std::max(has_room ? word.end : place + 1, width);

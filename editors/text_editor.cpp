@@ -1,3 +1,4 @@
+#include <frontpanel_base/character_set.h>
 #include <frontpanel_editors/text_editor.h>
 
 #include <algorithm>
@@ -11,26 +12,23 @@ namespace frontpanel {
 namespace {
 
 constexpr int BEHIND = -1;  // the place right of the text, and the only one of an empty text
-constexpr std::size_t LONGEST_CHARACTER = 4;
+
+// Where the character begins of which the byte `at` is a part. The combining characters behind one belong to it.
+std::size_t start_of_character(const std::string& text, std::size_t at) {
+    std::string_view rest = text;
+    for (std::size_t start = 0;;) {
+        const std::size_t size = size_of_column(rest);
+        if (start + size > at) {
+            return start;
+        }
+        start += size;
+        rest.remove_prefix(size);
+    }
+}
 
 // Bytes of the character that begins at `at`. A byte that is no UTF-8 stands for itself.
 std::size_t size_of_character(const std::string& text, std::size_t at) {
-    for (std::size_t size = std::min(LONGEST_CHARACTER, text.size() - at); size > 1; --size) {
-        if (width_of(std::string_view(text).substr(at, size)) == 1) {
-            return size;
-        }
-    }
-    return 1;
-}
-
-// Where the character begins of which the byte `at` is a part.
-std::size_t start_of_character(const std::string& text, std::size_t at) {
-    for (std::size_t back = 1; back < LONGEST_CHARACTER && back <= at; ++back) {
-        if (size_of_character(text, at - back) > back) {
-            return at - back;
-        }
-    }
-    return at;
+    return size_of_column(std::string_view(text).substr(at));
 }
 
 }  // namespace

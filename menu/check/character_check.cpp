@@ -10,10 +10,11 @@
 namespace frontpanel {
 namespace {
 
-// The characters of a text that a display shows; others, such as rules on several lines, are judged where they are read.
-std::u32string shown_characters(const Json_value& value) {
+// The characters of a text that a display shows, and those that none does; other texts, such as rules on several lines, are
+// judged where they are read.
+std::u32string shown_characters(const Json_value& value, std::set<char32_t>& lost) {
     try {
-        return characters_of(value.shown_text());
+        return columns_of(value.shown_text(), lost);
     } catch (const Placed_error&) {
         return {};
     }
@@ -22,11 +23,15 @@ std::u32string shown_characters(const Json_value& value) {
 // ASCII is on every display.
 void check_text(const Json_value& value, const Shows_character& shows) {
     std::set<char32_t> told;
-    for (const char32_t character : shown_characters(value)) {
+    std::set<char32_t> lost;
+    for (const char32_t character : shown_characters(value, lost)) {
         if (character > 0x7E && !shows(character) && told.insert(character).second) {
             value.warn("the display cannot show \"" + utf8_of(character) + "\" (" +
                        code_point_name(character) + ")");
         }
+    }
+    for (const char32_t mark : lost) {
+        value.warn("the display cannot show the combining character " + code_point_name(mark));
     }
 }
 

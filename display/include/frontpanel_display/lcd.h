@@ -27,8 +27,9 @@ public:
     // A blank grid.
     explicit Lcd(Lcd_size size);
 
-    // Writes `text`, which is UTF-8, from `column` on. Text beyond the end of the row is dropped. A character that
-    // ISO-8859-1 lacks becomes '?' in `line`: see character_set.h. Outside the grid nothing happens.
+    // Writes `text`, which is UTF-8, from `column` on. Text beyond the end of the row is dropped. Combining characters
+    // go into the one before them; a character that ISO-8859-1 lacks becomes its letter or '?' in `line`: see
+    // character_set.h. Outside the grid nothing happens.
     void put(int row, int column, std::string_view text);
     // Writes `text` so that it ends in the row's last column; a longer text keeps its start.
     void put_right(int row, std::string_view text);
@@ -48,7 +49,7 @@ public:
     // -1 when no cursor is shown.
     int cursor_row() const { return m_cursor_row; }
     int cursor_column() const { return m_cursor_column; }
-    // The characters that became '?' in `line`.
+    // The characters that `line` does not show as they are.
     const std::set<char32_t>& lost() const { return m_lost; }
 
 private:

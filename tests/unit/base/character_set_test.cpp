@@ -23,7 +23,13 @@ TEST(CharacterSet, KeepsWhatTheDisplayHasAndMarksWhatItHasNot) {
         {"caf\xC3\xA9 20\xC2\xB0", "caf\xE9 20\xB0", {}},
         {"\xC3\xBF\xC2\xA0", "\xFF\xA0", {}},
         {"\xE2\x82\xAC 5", "? 5", {0x20AC}},
-        {"\xF0\x9F\x94\x8A\xC4\x80", "??", {0x1F50A, 0x100}},
+        {"\xF0\x9F\x94\x8A\xC4\x80", "?A", {0x1F50A, 0x100}},
+        {u8"e\u0301 A\u030A", "\xE9 \xC5", {}},
+        {u8"r\u030C \u0159 \u1EAD", "r r a", {0x159, 0x1EAD}},
+        {u8"=\u0338 \u2260", "? ?", {0x2260}},
+        {u8"x\u0301y", "xy", {0x301}},
+        {u8"\u0301x", "?x", {0x301}},
+        {u8"x\u0301\xFF\u0301", "x?", {0x301}},
         {"a\x01\n\x7F", "a???", {0x1, 0xA, 0x7F}},
         {"\xC2\x80\xC2\x9F", "??", {0x80, 0x9F}},
         {"a\xE2\x80\x93z \xE2\x80\x9Cq\xE2\x80\x9D it\xE2\x80\x99s \xE2\x88\x92"
@@ -62,6 +68,30 @@ TEST(CharacterSet, CellsGoBackToTheirText) {
     Characters lost;
     EXPECT_EQ(cells_of(text_of(all), lost), all);
     EXPECT_TRUE(lost.empty());
+}
+
+TEST(CharacterSet, AColumnIsACharacterWithItsMarks) {
+    const std::pair<std::string, size_t> CASES[] = {
+        {"ab", 1},
+        {u8"e\u0301b", 3},
+        {u8"\u00E9\u0301\u0323", 6},
+        {u8"\u0301\u0301a", 4},
+        {u8"e\u0301" + std::string("\xCC"), 3},
+        {"\xFF" + std::string(u8"\u0301"), 3},
+        {"e\xCC", 1},
+        {" ", 1},
+    };
+    for (const auto& [text, size] : CASES) {
+        EXPECT_EQ(size_of_column(text), size) << text;
+    }
+    std::string marks = "e";
+    for (int i = 0; i < 1000; ++i) {
+        marks += u8"\u0301";
+    }
+    EXPECT_EQ(size_of_column(marks + "z"), 2001U);
+    Characters lost;
+    EXPECT_EQ(columns_of(marks + "z", lost), U"\u00E9z");
+    EXPECT_EQ(lost, Characters{0x301});
 }
 
 TEST(CharacterSet, CharactersAreCodePointsAndDamagedBytes) {

@@ -65,8 +65,18 @@ TEST(Lcd, KeepsTheCharactersThatIso88591Lacks) {
 TEST(Lcd, ALineOfTextHasAColumnForEachCell) {
     Lcd lcd({16, 2});
     lcd.put(0, 0, "4 k\u03A9 e\u0301 \u65E5 \u2264\x1B|");
-    EXPECT_EQ(lcd.text(0), "4 k\u03A9 e? ? \u2264?|   ");
+    EXPECT_EQ(lcd.text(0), "4 k\u03A9 \u00E9 ? \u2264?|    ");
     EXPECT_EQ(lcd.text(1), std::string(16, ' '));
+}
+
+TEST(Lcd, ACombiningCharacterTakesNoCell) {
+    Lcd lcd({16, 2});
+    lcd.put(0, 0, "e\u0301x\u0301r\u030C\u0301");
+    EXPECT_EQ(lcd.characters(0), U"\u00E9x\u0159             ");
+    EXPECT_EQ(lcd.line(0), "\xE9xr             ");
+    lcd.put_right(1, "20 e\u0301");
+    EXPECT_EQ(lcd.characters(1), U"            20 \u00E9");
+    EXPECT_EQ(lcd.lost(), (std::set<char32_t>{0x159, 0x301}));
 }
 
 TEST(Lcd, CountsCellsAndNotBytes) {

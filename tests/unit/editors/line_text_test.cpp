@@ -30,6 +30,31 @@ TEST(LineText, WidthsCountCharactersAndStrayBytes) {
     EXPECT_EQ(width_of("\xc0\xaf"), 2);      // longer than needed
 }
 
+TEST(LineText, CombiningCharactersTakeNoColumn) {
+    EXPECT_EQ(width_of("e\xcc\x81t\xcc\x81"), 2);
+    EXPECT_EQ(width_of("\xcc\x81\xcc\x81x"), 2);
+    EXPECT_EQ(start_of("e\xcc\x81t", 1), "e\xcc\x81");
+    std::string text = "ab";
+    for (int i = 0; i < 1000; ++i) {
+        text += "\xcc\x81";
+    }
+    EXPECT_EQ(width_of(text + "c"), 3);
+    Scrolling_text scrolling;
+    scrolling.set("e\xcc\x81xyz");
+    EXPECT_EQ(frames(scrolling, 3, 5),
+              (Texts{"e\xcc\x81xy", "e\xcc\x81xy", "e\xcc\x81xy", "xyz", "yz "}));
+}
+
+TEST(LineText, TheCursorStandsOnACharacterWithItsMarks) {
+    Editor_view shown;
+    show_with_cursor("ae\xcc\x81tz", 1, 3, shown);
+    EXPECT_EQ(shown.text, "ae\xcc\x81t");
+    EXPECT_EQ(shown.cursor, 1);
+    show_with_cursor("ae\xcc\x81tz", 4, 3, shown);
+    EXPECT_EQ(shown.text, "ae\xcc\x81t");
+    EXPECT_EQ(shown.cursor, 2);
+}
+
 TEST(LineText, AStartCutsNoNumberUnseen) {
     EXPECT_EQ(start_of("Gain 12", 7), "Gain 12");
     EXPECT_EQ(start_of("Gain 12", 6), "Gain >");

@@ -108,6 +108,23 @@ INSTANTIATE_TEST_SUITE_P(CharactersOfSeveralBytes, TextEditing,
                                   "b",
                                   8, "<X", "b", 0}));
 
+// "e" with an acute accent behind it, or behind nothing.
+#define ACUTE "\xcc\x81"
+
+INSTANTIATE_TEST_SUITE_P(
+    CombiningCharacters, TextEditing,
+    testing::Values(
+        // belong to the character before them
+        Case{"ae" ACUTE, 8, "X", "a", -1}, Case{"ae" ACUTE, 8, ">E", "a", -1},
+        Case{"e" ACUTE "b", 8, "<X", "b", 0}, Case{"e" ACUTE "b", 8, "<>U", "e" ACUTE "c", 0},
+        Case{"e" ACUTE "b", 8, "<I", "Ae" ACUTE "b", 4}, Case{"e" ACUTE, 8, "U", "A", 0},
+        Case{"e" ACUTE ACUTE ACUTE "b", 9, "<<<", "e" ACUTE ACUTE ACUTE "b", 7},
+        // one that begins the text stands for itself
+        Case{ACUTE "b", 8, "<", ACUTE "b", 2}, Case{ACUTE "b", 8, "<X", "b", 0},
+        Case{ACUTE "b", 8, "<I", "A" ACUTE "b", 3},
+        // as does one that is cut off
+        Case{"e\xcc", 8, "X", "e", -1}));
+
 INSTANTIATE_TEST_SUITE_P(
     Widening, TextEditing,
     testing::Values(

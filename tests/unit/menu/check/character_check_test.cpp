@@ -32,6 +32,24 @@ TEST(CharacterCheck, EachTextWithACharacterThatTheDisplayLacksIsWarnedOf) {
     EXPECT_TRUE(warnings_of(text, [](char32_t) { return true; }).empty());
 }
 
+TEST(CharacterCheck, CombiningCharactersAreJudgedWithTheirLetter) {
+    const std::string text = with_item(
+        R"({"type": "range", "name": "e\u0301", "pid": 5},
+           {"type": "range", "name": "x\u0301x\u0301", "pid": 5},
+           {"type": "range", "name": "r\u030c", "pid": 5},
+           {"type": "range", "name": "\u0301e", "pid": 5})");
+    EXPECT_EQ(warnings_of(text, is_latin),
+              (Lines{placed(text,
+                            "menu.json: /menu/items/1/name: warning: the display cannot show the "
+                            "combining character U+0301"),
+                     placed(text,
+                            "menu.json: /menu/items/2/name: warning: the display cannot show "
+                            "\"\u0159\" (U+0159)"),
+                     placed(text,
+                            "menu.json: /menu/items/3/name: warning: the display cannot show "
+                            "\"\u0301\" (U+0301)")}));
+}
+
 TEST(CharacterCheck, WhatIsNeverShownIsNotJudged) {
     EXPECT_EQ(warnings_of(R"({"device": {"drivers": {"d": {"driver": "file", "folder": "/\u4e2d"}},
         "parameters": [{"description": "\u4e2d", "source": {"path": "\u4e2d"}}]}})",
