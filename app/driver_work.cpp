@@ -1,8 +1,11 @@
 #include "driver_work.h"
 
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include <frontpanel_base/input_error.h>
+#include <frontpanel_binding/parameter_address.h>
 #include "options.h"
 
 namespace frontpanel {
@@ -17,13 +20,23 @@ bool is_shown(Driver_event::Kind kind) {
            kind != Driver_event::READ_AGAIN;
 }
 
-void tell(const Driver_event& event, Output_log& log, Panel* panel) {
+// A person knows a parameter by the item that shows it.
+std::string item_name_of(const std::string& parameter, Menu& menu) {
+    const Parameter* const found = menu.parameters().find_reference(parameter);
+    const std::vector<Data_entry*> items =
+        found == nullptr ? std::vector<Data_entry*>()
+                         : menu.items_of({found->pid, varidx_of(found->index)});
+    const std::string name = items.empty() ? "" : Menu::name_of(*items.front());
+    return name.empty() ? parameter : name;
+}
+
+void tell(const Driver_event& event, Output_log& log, Panel* panel, Menu& menu) {
     log.note(one_line("driver " + event.text()));
     if (panel == nullptr || !is_shown(event.kind)) {
         return;
     }
     Driver_event shown = event;
-    shown.driver = event.parameter.empty() ? event.driver : event.parameter;
+    shown.driver = event.parameter.empty() ? event.driver : item_name_of(event.parameter, menu);
     shown.parameter.clear();
     panel->tell(shown.driver, shown.text().substr(shown.driver.size() + 2));
 }
@@ -47,13 +60,13 @@ void follow_drivers(Panel_options& options, const Loaded_panel& loaded, Output_l
     }
     Device_cache& cache = loaded.driven->cache();
     options.device_descriptor = cache.descriptor();
-    options.before_tick = [&cache, &log, &shown, pace] {
+    options.before_tick = [&cache, &log, &shown, &menu = *loaded.menu, pace] {
         if (pace == Pace::OF_A_SCRIPT) {
             (void)cache.flush(WRITE_OF_A_SCRIPT);
         }
         cache.take_changes();
         for (const Driver_event& event : cache.take_events()) {
-            tell(event, log, shown.panel);
+            tell(event, log, shown.panel, menu);
         }
     };
 }
@@ -65,7 +78,7 @@ int finish_writes(const Loaded_panel& loaded, Output_log& log, int status,
     }
     const std::vector<Unsent_write> left = loaded.driven->cache().flush(most);
     for (const Driver_event& event : loaded.driven->cache().take_events()) {
-        tell(event, log, nullptr);
+        tell(event, log, nullptr, *loaded.menu);
     }
     for (const Unsent_write& write : left) {
         log.note(one_line("driver " + write.text()));

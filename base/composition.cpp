@@ -21,14 +21,14 @@ struct Block {
 };
 // Marks of letters, and what chooses the form of a character or joins two of them.
 constexpr Block COMBINING[] = {
-    {0x300, 0x36F},   {0x483, 0x489},   {0x591, 0x5BD},   {0x5BF, 0x5BF},   {0x5C1, 0x5C2},
-    {0x5C4, 0x5C5},   {0x5C7, 0x5C7},   {0x610, 0x61A},   {0x64B, 0x65F},   {0x670, 0x670},
-    {0x6D6, 0x6DC},   {0x6DF, 0x6E4},   {0x6E7, 0x6E8},   {0x6EA, 0x6ED},   {0xE31, 0xE31},
-    {0xE34, 0xE3A},   {0xE47, 0xE4E},   {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200C, 0x200D},
-    {0x20D0, 0x20FF}, {0x302A, 0x302D}, {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
+    {0x300, 0x36F},     {0x483, 0x489},   {0x591, 0x5BD},   {0x5BF, 0x5BF},   {0x5C1, 0x5C2},
+    {0x5C4, 0x5C5},     {0x5C7, 0x5C7},   {0x610, 0x61A},   {0x64B, 0x65F},   {0x670, 0x670},
+    {0x6D6, 0x6DC},     {0x6DF, 0x6E4},   {0x6E7, 0x6E8},   {0x6EA, 0x6ED},   {0xE31, 0xE31},
+    {0xE34, 0xE3A},     {0xE47, 0xE4E},   {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF}, {0x200C, 0x200D},
+    {0x20D0, 0x20FF},   {0x302A, 0x302D}, {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
     {0xE0100, 0xE01EF},
 };
-constexpr int USUAL_CLASS = 230;          // above the letter
+constexpr int USUAL_CLASS = 230;           // above the letter
 constexpr char32_t FIRST_SYMBOL = 0x2000;  // without its stroke U+2260 would mean the opposite
 
 int class_of(char32_t mark) {
@@ -41,11 +41,11 @@ int class_of(char32_t mark) {
 }
 
 std::optional<char32_t> composition_of(char32_t base, char32_t mark) {
-    const auto found = std::lower_bound(
-        std::begin(COMPOSITIONS), std::end(COMPOSITIONS), std::tuple(base, mark),
-        [](const Composition& row, const std::tuple<char32_t, char32_t>& wanted) {
-            return std::tuple<char32_t, char32_t>(row.base, row.mark) < wanted;
-        });
+    const auto found =
+        std::lower_bound(std::begin(COMPOSITIONS), std::end(COMPOSITIONS), std::tuple(base, mark),
+                         [](const Composition& row, const std::tuple<char32_t, char32_t>& wanted) {
+                             return std::tuple<char32_t, char32_t>(row.base, row.mark) < wanted;
+                         });
     const bool is_one =
         found != std::end(COMPOSITIONS) && found->base == base && found->mark == mark;
     return is_one ? std::optional<char32_t>(found->composed) : std::nullopt;
@@ -54,9 +54,9 @@ std::optional<char32_t> composition_of(char32_t base, char32_t mark) {
 }  // namespace
 
 bool is_combining(char32_t character) {
-    const auto behind = std::upper_bound(
-        std::begin(COMBINING), std::end(COMBINING), character,
-        [](char32_t wanted, const Block& block) { return wanted < block.first; });
+    const auto behind =
+        std::upper_bound(std::begin(COMBINING), std::end(COMBINING), character,
+                         [](char32_t wanted, const Block& block) { return wanted < block.first; });
     return behind != std::begin(COMBINING) && character <= std::prev(behind)->last;
 }
 
@@ -78,8 +78,8 @@ char32_t composed(const std::u32string& column, std::set<char32_t>& lost) {
     });
     int class_left_out = 0;
     for (const char32_t mark : marks) {
-        const auto with_mark = class_of(mark) != class_left_out ? composition_of(result, mark)
-                                                                 : std::nullopt;
+        const auto with_mark =
+            class_of(mark) != class_left_out ? composition_of(result, mark) : std::nullopt;
         result = with_mark.value_or(result);
         if (!with_mark) {
             class_left_out = class_of(mark);

@@ -95,6 +95,28 @@ std::string start_of(std::string_view text, int columns) {
     return part_of(characters_in(text), 0, static_cast<std::size_t>(std::max(0, columns)), false);
 }
 
+std::vector<std::string> wrapped(std::string_view text, int columns, int lines) {
+    std::vector<std::string> all;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find(' ', begin), text.size());
+        const std::string word(text.substr(begin, end - begin));
+        begin = end + 1;
+        if (word.empty()) {
+            continue;
+        }
+        if (width_of(word) > columns) {
+            return {};
+        }
+        if (!all.empty() && width_of(all.back()) + 1 + width_of(word) <= columns) {
+            all.back() += BLANK + word;
+        } else {
+            all.push_back(word);
+        }
+    }
+    return all.size() <= static_cast<std::size_t>(std::max(0, lines)) ? all
+                                                                      : std::vector<std::string>();
+}
+
 void Scrolling_text::take(std::string text) {
     m_text = std::move(text);
     m_text.erase(m_text.find_last_not_of(' ') + 1);

@@ -20,7 +20,7 @@ constexpr int TEXT_ROW = 1;
 constexpr const char* LOCKED = "locked: edit ended";
 constexpr const char* NO_VALUE = "no value: edit ended";
 constexpr const char* WRITE_FAILED = "write failed";
-constexpr const char* LIMITS_MOVED_VALUE = "limits: new value";
+constexpr const char* LIMITS_MOVED_VALUE = "limit: new value";
 constexpr const char* OPTIONS_MOVED_CHOICE = "options: new choice";
 constexpr const char* OPTIONS_KEPT_CHOICE = "options: choice kept";
 

@@ -22,6 +22,19 @@ Scrolling_text scrolling(const std::string& text) {
     return scrolls;
 }
 
+// On the rows up to `end` where it has room there.
+void draw_text(Lcd& lcd, Scrolling_text& text, int end) {
+    const int columns = lcd.size().columns;
+    const std::vector<std::string> lines = wrapped(text.text(), columns, end - TEXT_ROW);
+    if (lines.empty()) {
+        lcd.put(TEXT_ROW, 0, text.show(columns));
+    }
+    int row = TEXT_ROW;
+    for (const std::string& line : lines) {
+        lcd.put(row++, 0, line);
+    }
+}
+
 }  // namespace
 
 Notices::Notices() {
@@ -113,7 +126,7 @@ void Notices::draw(Frame& frame) {
     if (shown.answer == nullptr || size.rows >= LEAST_ROWS_WITH_TITLE) {
         shown.title_line.draw(frame.lcd, TITLE_ROW, 0,
                               {shown.title, shown.answer != nullptr ? QUESTION_MARK : "", ""});
-        frame.lcd.put(TEXT_ROW, 0, shown.texts.front().show(size.columns));
+        draw_text(frame.lcd, shown.texts.front(), size.rows - (shown.answer != nullptr ? 1 : 0));
     } else {
         frame.lcd.put(TITLE_ROW, 0, shown.titled.front().show(size.columns));
     }

@@ -40,7 +40,8 @@ public:
     bool asks() const { return !empty() && m_notices.front().answer != nullptr; }
     // Not without one.
     void press(Key::Kind key);
-    // Draws the first text, which scrolls by one character a call when it is too long. Not without one. A question has
+    // Draws the first text, on several lines where the display has them; it scrolls by one character a call when it is
+    // too long. Not without one. A question has
     // its keys on the last line; on a display of two lines its title stands before its text.
     void draw(Frame& frame);
 

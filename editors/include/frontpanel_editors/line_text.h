@@ -21,6 +21,9 @@ int width_of(std::string_view text);
 // The beginning of a text, at most `columns` characters.
 std::string start_of(std::string_view text, int columns);
 
+// The text on lines, broken at blanks; nothing when it takes more than `lines`, or a word more than `columns`.
+std::vector<std::string> wrapped(std::string_view text, int columns, int lines);
+
 // A text without cursor: one that is too long is held at its start for two calls, then moves left by one
 // character a call. Three blanks between its end and its start show where it begins.
 class Scrolling_text {
@@ -34,6 +37,7 @@ public:
     // The part to show now, at most `columns` characters. Each call moves on.
     std::string show(int columns);
     int width() const { return static_cast<int>(m_characters.size()); }
+    const std::string& text() const { return m_text; }
 
 private:
     void take(std::string text);

@@ -45,7 +45,7 @@ TEST_F(Driver_work_test, ARefusedWriteIsShownAndLogged) {
         title = panel.frame().lcd.line(0);
         text = panel.frame().lcd.line(1);
     });
-    EXPECT_EQ(title, "gain                ");
+    EXPECT_EQ(title, "Gain                ") << "as the item is called";
     EXPECT_EQ(text, "write refused: No su");
     EXPECT_NE(log_text().find("driver files: gain: write refused: No such file or directory"),
               std::string::npos)

@@ -45,6 +45,22 @@ TEST(LineText, CombiningCharactersTakeNoColumn) {
               (Texts{"e\xcc\x81xy", "e\xcc\x81xy", "e\xcc\x81xy", "xyz", "yz "}));
 }
 
+TEST(LineText, LinesAreBrokenAtBlanks) {
+    EXPECT_EQ(wrapped("away: it was ended by signal 15", 20, 2),
+              (Texts{"away: it was ended", "by signal 15"}));
+    EXPECT_EQ(wrapped("a b", 1, 2), (Texts{"a", "b"}));
+    EXPECT_EQ(wrapped("gr\xc3\xbc\xc3\xbcn", 5, 1), Texts{"gr\xc3\xbc\xc3\xbcn"});
+    EXPECT_EQ(wrapped("ab cd", 5, 1), Texts{"ab cd"});
+    EXPECT_EQ(wrapped(" a   b ", 5, 1), Texts{"a b"});
+    EXPECT_EQ(wrapped("", 5, 1), Texts{});
+}
+
+TEST(LineText, WhatDoesNotFitIsNotWrapped) {
+    EXPECT_EQ(wrapped("away: it was ended by signal 15", 20, 1), Texts{});
+    EXPECT_EQ(wrapped("12345 1", 4, 9), Texts{});
+    EXPECT_EQ(wrapped("a", 4, 0), Texts{});
+}
+
 TEST(LineText, TheCursorStandsOnACharacterWithItsMarks) {
     Editor_view shown;
     show_with_cursor("ae\xcc\x81tz", 1, 3, shown);

@@ -395,7 +395,7 @@ TEST(LiveRules, AQuestionAboutAValueKeepsItWhileTheDeviceChanges) {
         expect-no-write
         back
         tick
-        expect 2 |limits: new value   |)"),
+        expect 2 |limit: new value    |)"),
               "");
 }
 

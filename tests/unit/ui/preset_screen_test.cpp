@@ -39,12 +39,12 @@ protected:
         panel().press(Key::SELECT, 2).press(Key::UP).press(Key::SELECT);
     }
     Menu_panel& panel() { return *m_panel; }
-    // All that the panel shows until the longest text has come round.
+    // All that the panel shows until the longest text has come round; a text on several lines as one.
     std::string shown() {
         std::string all;
         for (int i = 0; i < 100; ++i) {
             for (const std::string& line : panel().lines()) {
-                all += line + "\n";
+                all += line.substr(0, line.find_last_not_of(' ') + 1) + " ";
             }
         }
         return all;

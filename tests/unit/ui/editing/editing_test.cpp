@@ -572,7 +572,7 @@ TEST(EditingChanges, ANarrowedRangeMovesTheValueAndSaysSo) {
     panel.tick().press(Key::SELECT).press(Key::UP, 9);
     rules.range = {{0, 55}};
     panel.tick();
-    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "limits: new value   "}));
+    EXPECT_EQ(panel.lines(), (Lines{"Width               ", "limit: new value    "}));
     EXPECT_TRUE(panel.leds().edit);
     panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width               ", "55                  "}));
@@ -669,11 +669,11 @@ TEST(EditingChanges, NothingChangesUnderANotice) {
     panel.tick();
     rules.range = {{0, 52}};
     panel.tick();
-    EXPECT_EQ(panel.lines()[1], "limits: new value   ");
+    EXPECT_EQ(panel.lines()[1], "limit: new value    ");
     panel.press(Key::BACK);
     EXPECT_EQ(panel.lines()[1], "55                  ");
     panel.tick();
-    EXPECT_EQ(panel.lines()[1], "limits: new value   ");
+    EXPECT_EQ(panel.lines()[1], "limit: new value    ");
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ TEST_P(Gapped_screen, AValueOfTheDeviceInAGapIsShownButNotWritten) {
         panel.press(Key::SELECT).tick();
         EXPECT_TRUE(shows(panel, "101"));
         panel.press(Key::SELECT);
-        EXPECT_TRUE(shows(panel, "limits: new val"));
+        EXPECT_TRUE(shows(panel, "limit: new val"));
         EXPECT_EQ(panel.device().integer(DELAY, 0), 101);
         panel.press(Key::SELECT);
         EXPECT_TRUE(shows(panel, "120"));
@@ -80,7 +80,7 @@ TEST_P(Gapped_screen, AValueThatAChangeOfTheDeviceForbidsMovesToTheNearest) {
     EXPECT_TRUE(shows(panel, "91"));
     panel.device().set_integer(MODE, 0, 1);
     panel.tick();
-    EXPECT_TRUE(shows(panel, "limits: new val"));
+    EXPECT_TRUE(shows(panel, "limit: new val"));
     panel.press(Key::SELECT);
     EXPECT_TRUE(shows(panel, "80"));
     EXPECT_TRUE(panel.device().writes().empty());

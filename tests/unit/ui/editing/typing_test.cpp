@@ -96,7 +96,7 @@ TEST(Typing, ANumberThatIsNotAllowedGoesToTheNearestWithANotice) {
         panel.press(Key::SELECT);
         type(panel, of.typed);
         panel.press(Key::SELECT);
-        EXPECT_EQ(panel.lines()[1], "limits: new value   ");
+        EXPECT_EQ(panel.lines()[1], "limit: new value    ");
         EXPECT_TRUE(panel.device().writes().empty());
         panel.press(Key::SELECT, 2);
         EXPECT_EQ(panel.device().integer(of.pid, 0), of.value);

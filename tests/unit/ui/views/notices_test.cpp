@@ -51,6 +51,23 @@ TEST_F(Notices_test, WhatWaitsAlreadyIsNotToldAgainAndOfManyOneStandsForTheRest)
                            "away 3          ", "away 4          ", "more: see the lo"}));
 }
 
+TEST_F(Notices_test, ALongTextTakesTheLinesThatADisplayHas) {
+    const auto shown = [this](Lcd_size size) { return lines_of(frame(size)); };
+    notices.tell("room", "away: it was ended by signal 15");
+    EXPECT_EQ(shown({20, 4}), (Lines{"room                ", "away: it was ended  ",
+                                     "by signal 15        ", "                    "}));
+    EXPECT_EQ(shown({40, 4})[1], "away: it was ended by signal 15         ");
+    EXPECT_EQ(shown({20, 2})[1], "away: it was ended b");
+    notices.press(Key::SELECT);
+    notices.tell("room", "one two three four five six seven eight nine ten eleven twelve");
+    EXPECT_EQ(shown({20, 4}), (Lines{"room                ", "one two three four f",
+                                     "                    ", "                    "}));
+    notices.press(Key::SELECT);
+    ask({"more than a hundred is very loud"});
+    EXPECT_EQ(shown({20, 4}), (Lines{"Gain             ok?", "more than a hundred ",
+                                     "is very loud        ", "Enter yes, Esc no   "}));
+}
+
 TEST_F(Notices_test, AQuestionIsAcceptedWithItsLastText) {
     ask({"loud", "very loud"});
     EXPECT_EQ(lines(), (Lines{"Gain: loud      ", "Enter yes Esc no"}));
