@@ -71,6 +71,9 @@ int Caching_device::Get(unsigned int pid, unsigned int varidx, void* buffer, uns
     } else {
         m_failed_reads.insert(address(pid, varidx));
         m_registry->core().parameters.note_failure(pid, varidx, result);
+        const std::optional<Value_state> known = state(pid, varidx);
+        m_registry->core().parameters.note_awaited(
+            pid, varidx, known && known->freshness == Freshness::UNKNOWN && !known->has_failed);
     }
     return result;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 #include <frontpanel_binding/parameter_address.h>
 
@@ -326,6 +327,7 @@ void Parameter_cache::keep_text(Cached_parameter& parameter, std::string_view va
 void Parameter_cache::kept(Cached_parameter& parameter, bool changed) {
     parameter.is_known = true;
     parameter.failure = 0;
+    parameter.is_awaited = false;
     parameter.is_kept = true;
     parameter.kept_in = m_polls;
     parameter.socket = m_socket;
@@ -358,6 +360,23 @@ void Parameter_cache::note_failure(uint32_t pid, uint32_t varidx, int result) {
         if (parameter != nullptr) {
             parameter->is_kept = false;
             parameter->failure = result;
+        }
+    }
+}
+
+// Rules that waited for a value that does not come are judged once more.
+void Parameter_cache::note_awaited(uint32_t pid, uint32_t varidx, bool is_awaited) {
+    const auto variable = m_variables.find(address(pid, varidx));
+    if (variable == m_variables.end()) {
+        return;
+    }
+    for (Cached_parameter* const parameter :
+         {variable->second.number.get(), variable->second.text.get()}) {
+        if (parameter != nullptr && std::exchange(parameter->is_awaited, is_awaited) &&
+            !is_awaited) {
+            for (Engine* const reader : parameter->readers) {
+                m_cascade.input_changed(*reader);
+            }
         }
     }
 }

@@ -37,9 +37,10 @@ struct Cached_parameter {
     bool is_known = false;
     int failure = 0;       // what the last access returned
     bool is_kept = false;  // every access since `number` or `text` was taken has passed this cache
-    int socket = 0;        // selected when it was taken
-    uint64_t kept_in = 0;  // how many polls had begun then
-    uint64_t read_in = 0;  // the evaluation that last asked the device
+    bool is_awaited = false;  // the last access failed because no value has come yet
+    int socket = 0;           // selected when it was taken
+    uint64_t kept_in = 0;     // how many polls had begun then
+    uint64_t read_in = 0;     // the evaluation that last asked the device
     std::vector<Record*> records;
     std::vector<Engine*> readers;     // whose rules read it
     std::vector<Data_entry*> listed;  // the dependants in each of the records
@@ -101,6 +102,8 @@ public:
     void keep_read(uint32_t pid, uint32_t varidx, const void* buffer, std::size_t length);
     void keep_write(uint32_t pid, uint32_t varidx, const void* bytes, std::size_t length);
     void note_failure(uint32_t pid, uint32_t varidx, int result);
+    // Whether that failure only means that the first value is on its way: then it is no fault of a rule yet.
+    void note_awaited(uint32_t pid, uint32_t varidx, bool is_awaited);
     void note_failed_write(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
     void select_socket(int socket) { m_socket = socket; }
 

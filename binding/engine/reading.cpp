@@ -91,7 +91,7 @@ bool Reading::value(const Rule& rule, Code code, Value& value) {
     }
     const bool is_unreadable = fault == Fault::UNREADABLE;
     report(rule, is_unreadable ? m_failure : fault_text(fault),
-           is_unreadable ? m_cause : Rule_fault::Cause::RULE);
+           is_unreadable ? m_cause : Rule_fault::Cause::RULE, is_unreadable && m_is_awaited);
     return false;
 }
 
@@ -112,10 +112,11 @@ bool Reading::interval(const Rule& rule, std::size_t number, int64_t& low, int64
     return true;
 }
 
-void Reading::report(const Rule& rule, const std::string& mistake, Rule_fault::Cause cause) {
+void Reading::report(const Rule& rule, const std::string& mistake, Rule_fault::Cause cause,
+                     bool is_awaited) {
     ++m_reports;
     m_last_mistake = mistake;
-    if (m_reports_faults) {
+    if (m_reports_faults && !is_awaited) {
         m_engine.add_fault(*m_list, rule, mistake, cause);
     }
     m_engine.add_error("line " + std::to_string(rule.line) + ", " + shown(rule.source) + ": " +
@@ -141,7 +142,7 @@ bool Reading::read(std::size_t parameter, Value& value) {
         const std::string name = bracketed(m_list->program.parameter(parameter).name);
         note(name, is_readable, value);
         return is_readable || fail("cannot read " + name + ": " + failure_text(known.failure),
-                                   Rule_fault::Cause::DEVICE);
+                                   Rule_fault::Cause::DEVICE, known.is_awaited);
     }
     return true;
 }
@@ -163,7 +164,7 @@ bool Reading::read_own(Value& value) {
     const bool is_readable = own == m_tried ? take_tried(*own, value) : fetch(*own, value);
     note("value", is_readable, value);
     return is_readable || fail("cannot read the entry's value: " + failure_text(own->failure),
-                               Rule_fault::Cause::DEVICE);
+                               Rule_fault::Cause::DEVICE, own->is_awaited);
 }
 
 bool Reading::has_option(std::size_t option) {
@@ -206,9 +207,10 @@ bool Reading::fetch(Cached_parameter& parameter, Value& value) {
     return true;
 }
 
-bool Reading::fail(std::string mistake, Rule_fault::Cause cause) {
+bool Reading::fail(std::string mistake, Rule_fault::Cause cause, bool is_awaited) {
     m_failure = std::move(mistake);
     m_cause = cause;
+    m_is_awaited = is_awaited;
     return false;
 }
 

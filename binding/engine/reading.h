@@ -49,9 +49,9 @@ public:
     bool value(const Rule& rule, Code code, Value& value);
     // The two ends of operand `number` and the next, the lesser one first.
     bool interval(const Rule& rule, std::size_t number, int64_t& low, int64_t& high);
-    // Makes a mistake of `rule` an error of the engine.
+    // Makes a mistake of `rule` an error of the engine, and a fault unless a value is only awaited.
     void report(const Rule& rule, const std::string& mistake,
-                Rule_fault::Cause cause = Rule_fault::Cause::RULE);
+                Rule_fault::Cause cause = Rule_fault::Cause::RULE, bool is_awaited = false);
 
     // Whether faults are noted as the engine's, or are only those of an explanation or a trial.
     void set_reports_faults(bool reports) { m_reports_faults = reports; }
@@ -74,7 +74,7 @@ private:
     bool take_tried(const Cached_parameter& parameter, Value& value) const;
     bool fetch(Cached_parameter& parameter, Value& value);
     const return_s* find_proposed(const Cached_parameter& parameter) const;
-    bool fail(std::string mistake, Rule_fault::Cause cause);
+    bool fail(std::string mistake, Rule_fault::Cause cause, bool is_awaited = false);
     void note(std::string name, bool is_readable, const Value& value);
 
     Engine& m_engine;
@@ -85,6 +85,7 @@ private:
     std::string m_failure;  // why the last read failed
     std::string m_last_mistake;
     Rule_fault::Cause m_cause = Rule_fault::Cause::RULE;  // of the last failure
+    bool m_is_awaited = false;                            // what the last read failed of
     std::size_t m_reports = 0;
     bool m_reports_faults = false;
     std::vector<Rule_explanation::Seen>* m_seen;

@@ -193,6 +193,40 @@ TEST_F(Driven_values_test, AnOldValueIsEditedAfterItsReasonWasShown) {
     EXPECT_EQ(lines(), (Lines{"Gain?           ", "10              "}));
 }
 
+class Driven_rules_test : public Driven_values_test {
+protected:
+    Driven_rules_test()
+        : Driven_values_test(R"({"type": "range", "name": "Gain", "pid": 1},
+            {"type": "range", "name": "Level", "pid": 2, "binding": "visible if [mode] > 40"})") {}
+
+    std::vector<std::string> reasons() {
+        std::vector<std::string> all;
+        for (const Rule_fault& fault : m_driven.menu().bindings()->faults()) {
+            all.push_back(fault.reason);
+        }
+        return all;
+    }
+};
+
+TEST_F(Driven_rules_test, AValueThatIsAwaitedIsNoFaultOfItsRule) {
+    m_panel.tick();
+    EXPECT_EQ(reasons(), std::vector<std::string>());
+    step();
+    EXPECT_EQ(reasons(), std::vector<std::string>());
+    EXPECT_EQ(lines(), (Lines{">Gain         10", "                "}));
+}
+
+TEST_F(Driven_rules_test, AValueThatDoesNotComeIsAFaultOfItsRule) {
+    m_driven.device().fail(2, "garbage");
+    m_panel.tick();
+    step();
+    EXPECT_EQ(reasons(), std::vector<std::string>{"cannot read [mode]: device result 20"});
+    m_driven.device().fail(2, "");
+    m_driven.advance(1s);
+    step();
+    EXPECT_EQ(reasons(), std::vector<std::string>());
+}
+
 TEST_F(Driven_values_test, AnUnknownValueIsNoBaseForSeveralValuesAtOnce) {
     return_s value;
     value.rt = INTEGER;
