@@ -25,14 +25,15 @@ void append_escaped(std::string& text, std::string_view bytes) {
 
 }  // namespace
 
-std::string escaped(std::string_view text) {
+std::string escaped(std::string_view text, Keeps_character keeps) {
     std::string result;
     for (const char32_t character : characters_of(text)) {
         const std::size_t size = character == DAMAGED ? 1 : utf8_of(character).size();
-        if (character == DAMAGED || is_control(character)) {
-            append_escaped(result, text.substr(0, size));
-        } else {
+        const bool is_kept = keeps != nullptr ? keeps(character) : !is_control(character);
+        if (character != DAMAGED && is_kept) {
             result += text.substr(0, size);
+        } else {
+            append_escaped(result, text.substr(0, size));
         }
         text.remove_prefix(size);
     }

@@ -191,7 +191,9 @@ Token Scanner::symbol() {
             }
             throw error(m_at, "unexpected \".\"; addresses are written in brackets, as in [100.0]");
         default:
-            throw error(m_at, "unexpected character \"" + shown_byte(*m_at) + "\"");
+            throw error(m_at, "unexpected character \"" +
+                                  shown_character({m_at, static_cast<std::size_t>(m_end - m_at)}) +
+                                  "\"");
     }
 }
 

@@ -7,10 +7,11 @@
 
 namespace frontpanel {
 
-// A byte itself, or "\xNN" when it is not printable ASCII.
-std::string shown_byte(char byte);
+// The first character of the source, which is not empty, or "\xNN" for each byte of one that takes no column and for a
+// byte that is no UTF-8.
+std::string shown_character(std::string_view source);
 
-// In quotes, cut after 40 bytes, and "\xNN" for each byte that is not printable ASCII.
+// In quotes, cut after 40 bytes, each character as `shown_character` has it.
 std::string quoted_source(std::string_view source);
 
 }  // namespace frontpanel

@@ -8,8 +8,10 @@
 
 namespace frontpanel {
 
-// The text with "\xNN" for each byte of a control character, and for each byte that is no UTF-8.
-std::string escaped(std::string_view text);
+// The text with "\xNN" for each byte of a character that is not kept, and for each byte that is no UTF-8. By default all
+// characters but controls are kept.
+using Keeps_character = bool (*)(char32_t character);
+std::string escaped(std::string_view text, Keeps_character keeps = nullptr);
 
 // The beginning of the text, at most `most` bytes, without a part of a character at its end.
 std::string_view beginning_of(std::string_view text, std::size_t most);

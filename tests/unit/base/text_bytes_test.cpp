@@ -13,6 +13,11 @@ TEST(TextBytes, EscapesControlsAndWhatIsNoUtf8) {
     EXPECT_EQ(escaped(""), "");
 }
 
+TEST(TextBytes, EscapesWhatIsNotKept) {
+    const auto is_not_a = [](char32_t character) { return character != U'a'; };
+    EXPECT_EQ(escaped("ab\u00FC\n\xFC", is_not_a), "\\x61b\u00FC\n\\xfc");
+}
+
 TEST(TextBytes, CutBetweenCharacters) {
     EXPECT_EQ(beginning_of("abc", 3), "abc");
     EXPECT_EQ(beginning_of("abc", 2), "ab");

@@ -289,7 +289,8 @@ TEST(Binding_mistakes, TextsAreClosed) {
 
 TEST(Binding_mistakes, StrangeBytesAreShown) {
     expect_errors({
-        {"\xef\xbb\xbfvisible if 1", "line 1, column 1: unexpected character \"\\xef\""},
+        {"\xef\xbb\xbfvisible if 1", "line 1, column 1: unexpected character \"\\xef\\xbb\\xbf\""},
+        {"visible if W\u00E4rme", "line 1, column 13: unexpected character \"\u00E4\""},
         {"visible if 1 $ 2", "line 1, column 14: unexpected character \"$\""},
         {std::string("visible\0if", 10), "line 1, column 8: unexpected character \"\\x00\""},
         {std::string("visible if 1 # \0", 16), "line 1, column 16: unexpected character \"\\x00\""},
