@@ -2,7 +2,9 @@
 // entry, which stays flat.
 #include <benchmark/benchmark.h>
 #include <frontpanel_data/data_entry.h>
+#include <malloc.h>
 
+#include <climits>
 #include <map>
 #include <memory>
 #include <vector>
@@ -44,8 +46,18 @@ void count_entries(benchmark::State& state) {
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
+// The heap keeps what is freed, and has held as many entries before: no case pays for memory that the kernel clears,
+// whichever cases ran earlier.
+void warm_heap(int64_t size) {
+    mallopt(M_TRIM_THRESHOLD, INT_MAX);
+    mallopt(M_MMAP_THRESHOLD, INT_MAX);
+    Menu menu;
+    wide(menu, size);
+}
+
 // Without parents: what the entries alone cost.
 void build_apart(benchmark::State& state) {
+    warm_heap(state.range(0));
     for (auto _ : state) {
         Entries entries;
         entries.reserve(static_cast<std::size_t>(state.range(0)));
@@ -61,6 +73,7 @@ void build_apart(benchmark::State& state) {
 BENCHMARK(build_apart)->RangeMultiplier(10)->Range(10, 1000000);
 
 void build(benchmark::State& state, Entries (*shape)(Menu&, int64_t)) {
+    warm_heap(state.range(0));
     for (auto _ : state) {
         Menu menu;
         Entries entries = shape(menu, state.range(0));
@@ -89,6 +102,23 @@ void remove(benchmark::State& state) {
     count_entries(state);
 }
 BENCHMARK(remove)->RangeMultiplier(10)->Range(10, 1000000);
+
+// In the order of the removal: what the memory of as many entries costs alone, whose links are exchanged.
+void exchange_links(benchmark::State& state) {
+    Menu menu;
+    Entries entries = wide(menu, state.range(0));
+    for (auto _ : state) {
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            Data_entry* const previous = (*entry)->Get_previous();
+            if (previous != nullptr) {
+                previous->Set_next(entry->get());
+            }
+            (*entry)->Set_parent(&menu);
+        }
+    }
+    count_entries(state);
+}
+BENCHMARK(exchange_links)->RangeMultiplier(10)->Range(10, 1000000);
 
 // Hands out the shortcut table.
 void walk(benchmark::State& state, Entries (*shape)(Menu&, int64_t)) {
