@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <type_traits>
 #include <utility>
 
@@ -288,18 +289,55 @@ void* Json_storage::allocate(size_t bytes) {
     static_assert(alignof(Json_member) >= alignof(Json_node));
     const size_t rounded = (bytes + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
     if (rounded > PIECE_SIZE / 4) {
-        m_pieces.emplace_back(new std::byte[rounded]);
-        return m_pieces.back().get();
+        m_pieces.push_back({std::unique_ptr<std::byte[]>(new std::byte[rounded]), rounded, false});
+        return m_pieces.back().bytes.get();
     }
     if (rounded > m_left) {
-        m_pieces.emplace_back(new std::byte[PIECE_SIZE]);
-        m_next = m_pieces.back().get();
+        m_pieces.push_back(
+            {std::unique_ptr<std::byte[]>(new std::byte[PIECE_SIZE]), PIECE_SIZE, true});
+        m_next = m_pieces.back().bytes.get();
         m_left = PIECE_SIZE;
     }
     std::byte* const result = m_next;
     m_next += rounded;
     m_left -= rounded;
     return result;
+}
+
+size_t Json_storage::piece_of(const void* kept) const {
+    const auto* const at = static_cast<const std::byte*>(kept);
+    const std::less<> is_before;
+    const auto found = std::find_if(m_pieces.begin(), m_pieces.end(), [&](const Piece& piece) {
+        return !is_before(at, piece.bytes.get()) && is_before(at, piece.bytes.get() + piece.size);
+    });
+    return static_cast<size_t>(found - m_pieces.begin());
+}
+
+// A shared piece is begun when the one before is full. A large content of its own may have been kept while an earlier piece
+// was still being filled, with what is not meant before and behind it.
+void Json_storage::release_between(const void* first, const void* last) {
+    const size_t end = piece_of(last);
+    if (end == m_pieces.size() || !m_pieces[end].is_shared) {
+        return;
+    }
+    for (size_t number = piece_of(first) + 1; number < end; ++number) {
+        if (m_pieces[number].is_shared) {
+            m_pieces[number] = {nullptr, 0, false};
+        }
+    }
+}
+
+// While a list is parsed, nothing else is kept.
+void Json_document::release_elements(const Json_node& list) {
+    const Json_span<Json_node> elements = list.elements();
+    if (elements.empty()) {
+        return;
+    }
+    const Json_span<Json_member> first = elements[0].members();
+    const Json_span<Json_member> last = elements[elements.size() - 1].members();
+    if (!first.empty() && !last.empty()) {
+        m_storage.release_between(first.begin(), last.begin());
+    }
 }
 
 Json_document::Json_document(const Source& source, std::string text, size_t most_values)

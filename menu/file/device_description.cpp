@@ -79,9 +79,11 @@ const Parameter* Device_description::reference(const std::string& text) const {
     return found != nullptr && !is_wrong(*found) ? found : parameter(text);
 }
 
-const Json_value* Device_description::start_text(const Parameter& parameter) const {
+std::optional<Json_value> Device_description::start_text(const Parameter& parameter) const {
     const auto found = m_start_texts.find({parameter.pid, varidx_of(parameter.index)});
-    return found == m_start_texts.end() ? nullptr : &found->second;
+    return found == m_start_texts.end()
+               ? std::nullopt
+               : std::optional<Json_value>(Json_value(found->second, m_problems));
 }
 
 bool Device_description::has_document(int slot, uint32_t pid, bool is_tree) const {
@@ -171,7 +173,7 @@ void Device_description::load_limits(const Json_value& parameter, Parameter& dec
         declared.length = text_limit_of(parameter, m_problems);
         const auto value = parameter.find("value");
         if (m_loading.simulator && value && value->is_text()) {
-            m_start_texts.insert({{declared.pid, varidx_of(declared.index)}, *value});
+            m_start_texts.insert({{declared.pid, varidx_of(declared.index)}, value->node()});
         }
     }
 }

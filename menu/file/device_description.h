@@ -30,8 +30,8 @@ public:
     const Parameter* parameter(const std::string& name) const;
     // As `Parameter_table::find_reference` finds them.
     const Parameter* reference(const std::string& text) const;
-    // The text that the simulated device starts with; null for one that "value" does not tell.
-    const Json_value* start_text(const Parameter& parameter) const;
+    // The text that the simulated device starts with; none where "value" does not tell.
+    std::optional<Json_value> start_text(const Parameter& parameter) const;
     // Whether the card in a slot has a tree, or a combo box, of that parameter id, as far as that is known.
     bool has_document(int slot, uint32_t pid, bool is_tree) const;
 
@@ -49,7 +49,7 @@ private:
     Problems& m_problems;
     const Loading& m_loading;
     std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;  // by pid and variable index
-    std::map<std::pair<uint32_t, uint32_t>, Json_value> m_start_texts;
+    std::map<std::pair<uint32_t, uint32_t>, Json_node> m_start_texts;
     std::set<std::string> m_wrong_names;
     bool m_has_unknown_parameters = false;  // wrong ones without an address
 };

@@ -67,13 +67,15 @@ void check(const Load_context& context) {
     check_constants(built, problems);
 }
 
-void load(Load_context& context, const Json_value& file) {
+void load(Load_context& context, Menu_document& document) {
     Problems& problems = context.problems;
+    const Json_value file = document.root();
     file.expect_members({"options", "encoder", "device", "menu", "homescreen", "favourites"});
     if (const auto encoder = file.find("encoder")) {
         problems.attempt([&] { context.menu.encoder_settings() = encoder_settings_of(*encoder); });
     }
     problems.attempt([&] { context.device.load(file.member("device")); });
+    document.release_parameters();  // they take as much memory as the items
     declare_options(context, file);
     context.menu.set_card_service(context.loading.card_service);
     problems.attempt([&] { load_root(context, file.member("menu")); });
@@ -103,7 +105,7 @@ Loaded_menu load_menu(Menu_document& document, Data_interface& device, const Loa
     Loaded_menu loaded{std::make_unique<Menu>(device), {}};
     Problems& problems = document.problems();
     Load_context context(*loaded.menu, problems, loading);
-    problems.attempt([&] { load(context, document.root()); });
+    problems.attempt([&] { load(context, document); });
     loaded.warnings = problems.warnings();
     if (problems.error_count() > 0) {
         std::vector<std::string> lines = problems.errors();

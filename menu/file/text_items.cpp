@@ -27,9 +27,9 @@ void add_text(Load_context& context, const Json_value& item, const Spot& spot, c
 // The simulated device's start value, which the item's editor is for.
 void check_start(const Load_context& context, const Leaf& leaf, bool (*is_fitting)(const char*),
                  const std::string& expected) {
-    const Json_value* const start =
-        leaf.parameter ? context.device.start_text(*leaf.parameter) : nullptr;
-    if (start != nullptr && !is_fitting(start->text().c_str())) {
+    const std::optional<Json_value> start =
+        leaf.parameter ? context.device.start_text(*leaf.parameter) : std::nullopt;
+    if (start && !is_fitting(start->text().c_str())) {
         start->warn("item \"" + leaf.name + "\" shows this value: expected " + expected);
     }
 }

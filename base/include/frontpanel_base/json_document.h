@@ -202,12 +202,23 @@ public:
     std::string_view keep(std::string_view text);
     Json_span<Json_node> keep(const Json_node* first, size_t size);
     Json_span<Json_member> keep(const Json_member* first, size_t size);
+    // Releases what was kept behind `first` and before `last`, but for what shares a piece with something else. Both were
+    // kept here, `first` before `last`.
+    void release_between(const void* first, const void* last);
 
 private:
-    void* allocate(size_t bytes);
+    struct Piece {
+        std::unique_ptr<std::byte[]> bytes;
+        size_t size;
+        bool is_shared;  // by contents that follow each other; else it holds one large one
+    };
 
-    std::vector<std::unique_ptr<std::byte[]>> m_pieces;
-    size_t m_left = 0;  // behind m_next
+    void* allocate(size_t bytes);
+    // As many as there are for what was not kept here.
+    size_t piece_of(const void* kept) const;
+
+    std::vector<Piece> m_pieces;  // as they were begun
+    size_t m_left = 0;            // behind m_next
     std::byte* m_next = nullptr;
 };
 
@@ -245,6 +256,8 @@ public:
     const Json_node& root() const { return m_root; }
     size_t value_count() const { return m_value_count; }
     const Json_names& names() const { return m_names; }
+    // Releases most of what the elements of a list of this document hold: from now on nobody looks at them.
+    void release_elements(const Json_node& list);
 
 private:
     std::string m_text;  // texts are decoded in place

@@ -50,6 +50,7 @@ public:
     // The value as a JSON text.
     std::string json() const;
 
+    const Json_node& node() const { return *m_node; }
     Place place() const { return m_node->place(); }
     // The place of a character of a text, from 0; escapes count as they are usually written.
     Place place_in_text(size_t offset) const;

@@ -40,6 +40,8 @@ public:
     std::vector<std::string> files() const;
     // False: no object of these files has a member of that name.
     bool may_have_member(std::string_view name) const;
+    // Releases the parameters of the device as far as that can be done: their list is empty from now on.
+    void release_parameters();
     // Whoever reads a part of the document reports here what is wrong with it.
     Problems& problems() { return m_problems; }
 
@@ -104,6 +106,8 @@ private:
     std::unique_ptr<Json_document> parse(const Json_node& name, const std::string& path);
     std::string replaced(const Json_node& text, const Scope& scope, Unknown unknown);
     Json_node without_member(const Json_node& node, const char* name);
+    // With another value of the first member of that name.
+    Json_node with_value(const Json_node& node, const char* name, const Json_node& value);
     void count(const Json_mark& mark, size_t values);
     void count_text(const Json_mark& mark, size_t bytes);
     void expect_members(const Json_node& node, const std::vector<const char*>& known);

@@ -57,7 +57,7 @@ Loaded_menu load_menu(const std::string& file, Data_interface& device, const Loa
 Loaded_menu load_menu_text(const std::string& file, const std::string& text, Data_interface& device,
                            const Loading& loading = {});
 // The same from a document whose other parts, such as a simulator's, were read before: problems that it has by then
-// are among the errors and warnings. The menu does not need the document.
+// are among the errors and warnings. The menu does not need the document, whose list of parameters is empty afterwards.
 Loaded_menu load_menu(Menu_document& document, Data_interface& device, const Loading& loading = {});
 
 }  // namespace frontpanel

@@ -53,6 +53,33 @@ TEST(JsonDocument, KnowsWhichNamesItsMembersMayHave) {
     }
 }
 
+TEST(JsonDocument, WhatStandsAroundReleasedElementsStays) {
+    const auto repeated = [](const std::string& text, size_t times) {
+        std::string all = text;
+        for (size_t i = 1; i < times; ++i) {
+            all += "," + text;
+        }
+        return all;
+    };
+    const std::string large = "[" + repeated("7", 10000) + "]";
+    const std::string before = R"({"before": [{"a": 1}, )" + large + R"(], "list": [)";
+    const std::string behind = R"(], "behind": [{"b": 2}, )" + large + "]}";
+    for (const std::string& element : {std::string(R"({"x": {"y": [1, 2]}})"), std::string("{}"),
+                                       std::string("3"), R"({"x": )" + large + "}"}) {
+        Json_document document(SOURCE,
+                               before + repeated(element, 20000 * 20 / element.size()) + behind);
+        document.release_elements(*document.root().member("list"));
+        for (const auto& [name, value] :
+             {std::pair<const char*, std::string_view>("before", "a"), {"behind", "b"}}) {
+            const Json_span<Json_node> around = document.root().member(name)->elements();
+            ASSERT_EQ(around.size(), 2U);
+            EXPECT_NE(around[0].member(value), nullptr);
+            EXPECT_EQ(around[1].elements().size(), 10000U);
+            EXPECT_EQ(around[1].elements()[9999].integer(), 7);
+        }
+    }
+}
+
 TEST(JsonDocument, AByteOrderMarkIsSkipped) {
     const Json_document document(SOURCE, "\xEF\xBB\xBF[7]");
     EXPECT_EQ(places_of(document.root()), "1:4 1:5");
