@@ -95,6 +95,13 @@ std::string start_of(std::string_view text, int columns) {
     return part_of(characters_in(text), 0, static_cast<std::size_t>(std::max(0, columns)), false);
 }
 
+std::string rest_of(std::string_view text, int columns) {
+    for (int column = 0; column < columns && !text.empty(); ++column) {
+        text.remove_prefix(size_of_column(text));
+    }
+    return std::string(text);
+}
+
 std::vector<std::string> wrapped(std::string_view text, int columns, int lines) {
     std::vector<std::string> all;
     for (std::size_t begin = 0; begin < text.size();) {

@@ -1,6 +1,7 @@
 #include "views/log_view.h"
 
 #include <frontpanel_data/data_interface.h>
+#include <frontpanel_editors/line_text.h>
 
 #include <algorithm>
 #include <cctype>
@@ -213,14 +214,14 @@ void Log_view::draw_lines(Lcd& lcd, int first_row) {
     const int top = std::max(0, bottom - rows + 1);
     const int end = std::min(static_cast<int>(shown.size()), top + rows);
     const auto longest = std::max_element(
-        shown.begin() + top, shown.begin() + end,
-        [](const Shown& a, const Shown& b) { return a.line->text.size() < b.line->text.size(); });
+        shown.begin() + top, shown.begin() + end, [](const Shown& a, const Shown& b) {
+            return width_of(a.line->text) < width_of(b.line->text);
+        });
     const int step = lcd.size().columns / 2;
-    m_pan = std::min(m_pan, std::max(0, static_cast<int>(longest->line->text.size()) - 1) / step);
-    const size_t start = static_cast<size_t>(m_pan) * static_cast<size_t>(step);
+    m_pan = std::min(m_pan, std::max(0, width_of(longest->line->text) - 1) / step);
     for (int place = top; place < end; ++place) {
         const std::string& text = shown[static_cast<size_t>(place)].line->text;
-        lcd.put(first_row + place - top, 0, start < text.size() ? text.substr(start) : "");
+        lcd.put(first_row + place - top, 0, rest_of(text, m_pan * step));
     }
     if (first_row == 1) {
         lcd.put_right(0, " " + std::to_string(bottom + 1) + "/" + std::to_string(shown.size()));

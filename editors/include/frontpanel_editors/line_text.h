@@ -20,6 +20,8 @@ struct Editor_view;
 int width_of(std::string_view text);
 // The beginning of a text, at most `columns` characters.
 std::string start_of(std::string_view text, int columns);
+// What stands behind the first `columns` characters.
+std::string rest_of(std::string_view text, int columns);
 
 // The text on lines, broken at blanks; nothing when it takes more than `lines`, or a word more than `columns`.
 std::vector<std::string> wrapped(std::string_view text, int columns, int lines);

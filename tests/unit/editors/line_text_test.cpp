@@ -45,6 +45,13 @@ TEST(LineText, CombiningCharactersTakeNoColumn) {
               (Texts{"e\xcc\x81xy", "e\xcc\x81xy", "e\xcc\x81xy", "xyz", "yz "}));
 }
 
+TEST(LineText, ARestBeginsWithACharacter) {
+    EXPECT_EQ(rest_of("gr\xc3\xbcn", 2), "\xc3\xbcn");
+    EXPECT_EQ(rest_of("e\xcc\x81t", 1), "t");
+    EXPECT_EQ(rest_of("ab", 0), "ab");
+    EXPECT_EQ(rest_of("ab", 3), "");
+}
+
 TEST(LineText, LinesAreBrokenAtBlanks) {
     EXPECT_EQ(wrapped("away: it was ended by signal 15", 20, 2),
               (Texts{"away: it was ended", "by signal 15"}));

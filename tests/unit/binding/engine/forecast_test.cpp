@@ -1,4 +1,5 @@
 // What rules would say and write by values that the device does not hold.
+#include <frontpanel_binding/caching_device.h>
 #include <frontpanel_binding/device_value.h>
 
 #include "unit/binding/binding_fixture.h"
@@ -49,6 +50,21 @@ TEST_F(Forecast, JudgesByProposedValuesAndChangesNothing) {
     EXPECT_LT(entry.Get_bind_vis(), 1);
     EXPECT_EQ(entry.Get_max(), 60);
     EXPECT_EQ(device.integer(2, 0), 2);
+}
+
+TEST_F(Forecast, VisibilityIsSaidAheadOfAnEntryThatWaitsToSettle) {
+    Caching_device caching(device, registry);
+    bind(entry, "visible if [2] > 5");
+    EXPECT_EQ(registry->visibility_ahead(entry), std::nullopt);
+    EXPECT_LT(entry.Get_bind_vis(), 1) << "its rules were evaluated, without a refresh";
+    EXPECT_EQ(registry->visibility_ahead(other), std::nullopt);
+    device.set_integer(2, 0, 6);
+    registry->poll();
+    EXPECT_EQ(registry->visibility_ahead(entry), true);
+    EXPECT_LT(entry.Get_bind_vis(), 1);
+    registry->settle(&caching);
+    EXPECT_EQ(registry->visibility_ahead(entry), std::nullopt);
+    EXPECT_EQ(entry.Get_bind_vis(), 1);
 }
 
 TEST_F(Forecast, AKindWithoutARuleThatHoldsSaysNothing) {

@@ -93,6 +93,17 @@ TEST_F(LogView, ALargerDisplayNamesItAndItsPlace) {
                                   "[Commit] Gain 2 is 2    ", "[Bind] [Gain]           "}));
 }
 
+TEST_F(LogView, LinesAreMovedThroughByCharacters) {
+    with_log([this](Menu_panel& panel) {
+        print(0x3, "123456789\u00E4\u00F6\u00FCdefghijk");
+        panel.press(Key::DIAGNOSTICS);
+        m_frames.push_back(panel.press(Key::FINER).lines());
+        m_frames.push_back(panel.press(Key::FINER, 9).lines());
+    });
+    EXPECT_EQ(m_frames[0][0], "\u00F6\u00FCdefghijk          ");
+    EXPECT_EQ(m_frames[1][0], m_frames[0][0]);
+}
+
 // There is nothing to see beyond the end of the longest line.
 TEST_F(LogView, LongLinesAreMovedThroughToTheirEnd) {
     with_log([this](Menu_panel& panel) {
