@@ -45,7 +45,7 @@ says() {
 
 # shows LINE...: the lines of the last picture, without the blanks at their ends.
 shows() {
-    [ "$(tail -n 7 "$FOLDER/pictures" | sed -n '2,5s/^|\(.*[^ ]\)\{0,1\} *|$/\1/p')" = "$(printf '%s\n' "$@")" ]
+    [ "$(tail -n 7 "$FOLDER/pictures" 2>/dev/null | sed -n '2,5s/^|\(.*[^ ]\)\{0,1\} *|$/\1/p')" = "$(printf '%s\n' "$@")" ]
 }
 
 plug_in() {
@@ -57,7 +57,8 @@ plug_in() {
 unplug() {
     kill "$DISPLAY_PROCESS"
     wait "$DISPLAY_PROCESS" || true
-    rm "$FOLDER/lcd"
+    # The pictures of the next display are its own from the beginning.
+    rm "$FOLDER/lcd" "$FOLDER/pictures"
 }
 
 # The panel comes first, and waits for its display.
