@@ -21,6 +21,7 @@ namespace {
 
 using namespace eval;
 
+constexpr int MAX_ARGUMENTS = sizeof argStack / sizeof argStack[0];
 constexpr int MAX_STATES = sizeof evalKernel_pcb.ss / sizeof evalKernel_pcb.ss[0];
 
 // The machine lives in registers while it is inlined as a whole; what is seldom called takes it by value.
@@ -50,6 +51,7 @@ private:
     INLINE Next close_bracket();
     INLINE Next close_argument();
     INLINE Next close_call();
+    INLINE bool push_argument();
 
     INLINE bool push_name(int& length);
     INLINE Next use_variable(int length);
@@ -77,6 +79,7 @@ private:
     SELDOM Next missing(Kernel kernel, Token token);
     SELDOM Next fail(const Kernel& kernel, const char* kind, const char* what);
     SELDOM bool overflow_name(Kernel kernel);
+    SELDOM bool overflow_arguments(Kernel kernel);
 
     evalKernel_pcb_type& m_pcb;
     Place m_place;
@@ -168,12 +171,20 @@ Next Kernel::close_bracket() {
 }
 
 Next Kernel::close_argument() {
-    publish(evalKernel_argument_list_token);
-    pushArg(m_value);
-    if (!running()) return Next::STOP;
+    if (!push_argument()) return Next::STOP;
     ++m_pcb.vs[m_top].count;
     if (m_token == evalKernel_comma_token) return skip_token(1);
     return m_token == evalKernel_right_parenthesis_token ? close_call() : unexpected(*this);
+}
+
+// As `pushArg`. The place is of use only when there is no room.
+bool Kernel::push_argument() {
+    m_pcb.reduction_token = evalKernel_argument_list_token;
+    double* const end = argStackTop;
+    if (end == argStack + MAX_ARGUMENTS) return overflow_arguments(*this);
+    *end = m_value;
+    argStackTop = end + 1;
+    return true;
 }
 
 Next Kernel::close_call() {
@@ -388,6 +399,12 @@ bool Kernel::overflow_name(Kernel kernel) {
     const unsigned char c = *kernel.m_place.at++;
     kernel.publish(evalKernel_name_token);
     pushChar(c);
+    return false;
+}
+
+bool Kernel::overflow_arguments(Kernel kernel) {
+    kernel.publish(evalKernel_argument_list_token);
+    pushArg(kernel.m_value);
     return false;
 }
 

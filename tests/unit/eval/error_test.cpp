@@ -391,6 +391,12 @@ TEST(Evaluator_errors, ASemanticErrorLeavesNoSyntaxMessage) {
     EXPECT_EQ(evalKernel_pcb.reduction_token, evalKernel_multiplicative_expression_token);
 }
 
+TEST(Evaluator_errors, AnArgumentThatWasTakenIsTheLastReduction) {
+    EXPECT_EQ(outcome_of("x = atan2(1, $"), "1:14 Unexpected '$'");
+    EXPECT_EQ(evalKernel_pcb.reduction_token, evalKernel_argument_list_token);
+    EXPECT_EQ(evalKernel_pcb.column, 14);
+}
+
 TEST(Evaluator_errors, ANullTextIsAProgrammingError) {
     EXPECT_DEATH(
         evaluateExpression(nullptr),
