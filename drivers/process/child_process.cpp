@@ -19,14 +19,16 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr int FIRST_FREE = STDERR_FILENO + 1;
+constexpr int REPORT = STDERR_FILENO + 1;  // of the child, before it becomes the program
+constexpr int GO = REPORT + 1;
+constexpr int FIRST_FREE = GO + 1;
 constexpr int CANNOT_START = 127;  // status of a process that has not become the program
 
 struct Pipe {
     Descriptor reading;
     Descriptor writing;
 
-    // Neither end is in the place of a standard stream, which this process may have closed.
+    // Neither end is in the place of a standard stream, which this process may have closed, of REPORT or of GO.
     bool open() {
         int ends[2];
         if (pipe2(ends, O_CLOEXEC) != 0) {
@@ -54,7 +56,6 @@ struct Start {
     int errors;
     int report;  // gets errno when the program cannot be started
     int go;      // has a byte once the guard is there
-    int hold;    // the other end of that
 };
 
 void close_from(unsigned first) {
@@ -73,10 +74,9 @@ void take_streams(const Start& start) {
     dup2(start.input, STDIN_FILENO);
     dup2(start.output, STDOUT_FILENO);
     dup2(start.errors, STDERR_FILENO);
-    if (start.report != FIRST_FREE) {
-        dup3(start.report, FIRST_FREE, O_CLOEXEC);
-    }
-    close_from(FIRST_FREE + 1);
+    dup3(start.report, REPORT, O_CLOEXEC);
+    dup3(start.go, GO, O_CLOEXEC);
+    close_from(FIRST_FREE);
 }
 
 void take_signals() {
@@ -89,12 +89,11 @@ void take_signals() {
 }
 
 // A panel that ends meanwhile has no guard yet, and this process must not outlive it.
-void wait_for_go(const Start& start) {
+void wait_for_go() {
     char byte = 0;
     ssize_t size = -1;
-    close(start.hold);
     do {
-        size = read(start.go, &byte, 1);
+        size = read(GO, &byte, 1);
     } while (size < 0 && errno == EINTR);
     if (size != 1) {
         _exit(CANNOT_START);
@@ -103,14 +102,15 @@ void wait_for_go(const Start& start) {
 
 [[noreturn]] void become(const Start& start) {
     setpgid(0, 0);
-    wait_for_go(start);
+    // Before it waits: two that start at the same time would hold each other's pipes, and outlive a panel that is killed.
     take_streams(start);
+    wait_for_go();
     take_signals();
     if (start.folder == nullptr || chdir(start.folder) == 0) {
         execv(start.program, start.arguments.data());
     }
     const int error = errno;
-    [[maybe_unused]] const ssize_t written = write(FIRST_FREE, &error, sizeof error);
+    [[maybe_unused]] const ssize_t written = write(REPORT, &error, sizeof error);
     _exit(CANNOT_START);
 }
 
@@ -187,8 +187,7 @@ std::string Child_process::start(const std::string& program,
                 output.writing.number(),
                 errors.writing.number(),
                 report.writing.number(),
-                go.reading.number(),
-                go.writing.number()};
+                go.reading.number()};
     for (const std::string& argument : arguments) {
         start.arguments.push_back(const_cast<char*>(argument.c_str()));
     }
