@@ -51,6 +51,7 @@ struct Spot {
 struct News {
     std::optional<Parameter_value> value;
     std::string failure;  // without a value
+    Time time = Clock::now();
 };
 
 enum class Asked { READ, SUBSCRIBE, WRITE };
@@ -506,7 +507,8 @@ private:
     void deliver(Value_sink& sink) {
         for (const auto& [number, news] : m_news) {
             if (news.value) {
-                sink.value(number, *news.value);
+                sink.late_value(number, *news.value,
+                                std::chrono::duration_cast<milliseconds>(Clock::now() - news.time));
             } else {
                 sink.failure(number, news.failure);
             }

@@ -2,6 +2,7 @@
 #ifndef FRONTPANEL_DATA_TESTS_SUPPORT_NOTING_SINK_H
 #define FRONTPANEL_DATA_TESTS_SUPPORT_NOTING_SINK_H
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -43,6 +44,20 @@ private:
     }
 
     std::vector<std::string> m_lines;
+};
+
+// Also notes how old the last value was, of those that come late.
+class Age_sink : public Noting_sink {
+public:
+    void late_value(std::size_t number, const frontpanel::Parameter_value& value,
+                    std::chrono::milliseconds age) override {
+        Noting_sink::value(number, value);
+        m_age = age;
+    }
+    std::chrono::milliseconds age() const { return m_age; }
+
+private:
+    std::chrono::milliseconds m_age{0};
 };
 
 // "done", "refused: no such register"

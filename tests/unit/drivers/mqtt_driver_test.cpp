@@ -518,18 +518,6 @@ TEST_F(Fake_broker_test, ABrokerThatSaysNothingIsAwayWithinBounds) {
     EXPECT_EQ(connect_and_say({}), "away: no answer from the broker");
 }
 
-class Age_sink : public Noting_sink {
-public:
-    void late_value(std::size_t number, const Parameter_value& value, milliseconds age) override {
-        Noting_sink::value(number, value);
-        m_age = age;
-    }
-    milliseconds age() const { return m_age; }
-
-private:
-    milliseconds m_age{0};
-};
-
 // The broker takes a write, and then `act` happens.
 class Fake_broker_write_test : public Fake_broker_test {
 protected:

@@ -267,6 +267,21 @@ answer_all()
     EXPECT_TRUE(m_driver->driver().pushes(0));
 }
 
+TEST_F(Process_driver_test, AChangeThatCameDuringAWriteIsAsOldAsItIs) {
+    start(R"(
+sys.stdout.write('{"type": "hello", "version": 1}\n{"type": "changed", "name": "n0", "value": 5}\n')
+sys.stdout.flush()
+hang()
+)",
+          R"(, "timeout": "500ms", "start-timeout": "60s")");
+    EXPECT_EQ(m_driver->write(text(), "slow"), "timed out: no answer in 500 ms");
+    Age_sink sink;
+    EXPECT_EQ(text_of(m_driver->driver().wait(0ms, -1, sink)), "done");
+    EXPECT_EQ(sink.take(), Lines{"0=5"});
+    EXPECT_GT(sink.age(), 0ms);
+    EXPECT_LT(sink.age(), 20s);
+}
+
 TEST_F(Process_driver_test, AFloodOfChangesIsTakenInPiecesAndDelaysNoWrite) {
     start(R"(
 can_subscribe = True
