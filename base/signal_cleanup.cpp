@@ -15,6 +15,7 @@ constexpr int MOST_ACTS = 5;
 std::atomic<void (*)()> acts[MOST_ACTS];
 std::atomic<int> act_count{0};
 int crash_act_count = 0;  // of them, those for any ending
+std::atomic<bool> is_ending{false};
 
 constexpr int REQUESTS[] = {SIGINT,  SIGTERM, SIGHUP,  SIGQUIT, SIGPIPE,
                             SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU};
@@ -73,6 +74,10 @@ Signal_cleanup::~Signal_cleanup() {
         handle(REQUESTS, SIG_DFL);
     }
     --act_count;
+    // Another thread may be within the acts, or about to begin, and ends the process: what they need stays until then.
+    while (is_ending) {
+        pause();
+    }
 }
 
 void set_signal_taker(void (*take)(int)) {
@@ -80,6 +85,7 @@ void set_signal_taker(void (*take)(int)) {
 }
 
 void do_last_acts() {
+    is_ending = true;
     for (int i = act_count - 1; i >= 0; --i) {
         acts[i].load()();
     }

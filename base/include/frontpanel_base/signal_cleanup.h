@@ -17,6 +17,7 @@ class Signal_cleanup {
 public:
     // `act` may call only what a signal handler may.
     Signal_cleanup(Ending ending, void (*act)());
+    // Does not return while another thread calls the acts, since the process ends then: what they need may go after it.
     ~Signal_cleanup();
     Signal_cleanup(const Signal_cleanup&) = delete;
     Signal_cleanup& operator=(const Signal_cleanup&) = delete;
@@ -29,7 +30,7 @@ private:
 // what a signal handler may, and is called on any thread.
 void set_signal_taker(void (*take)(int signal_number));
 
-// Calls the acts, youngest first, for a process that is about to end otherwise. From any thread.
+// Calls the acts, youngest first. From any thread, which ends the process then.
 void do_last_acts();
 
 // Ends the process as the signal does that was taken otherwise: the acts are called first. From any thread.

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 namespace frontpanel {
 namespace {
@@ -64,6 +67,35 @@ TEST(LastActDeathTest, AnActThatIsGoneIsNotCalled) {
             std::raise(SIGHUP);
         },
         testing::KilledBySignal(SIGHUP), "^$");
+}
+
+std::atomic<bool> acts;
+std::atomic<bool> is_withdrawn;
+
+// An act that another thread has time to withdraw.
+void say_whether_withdrawn() {
+    acts = true;
+    for (int i = 0; i < 100 && !is_withdrawn; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    is_withdrawn ? say_second() : say_first();
+}
+
+// A terminal that is given back on the menu thread is not taken from under the thread that restores it.
+TEST(LastActDeathTest, AnActIsNotWithdrawnWhileAnotherThreadCallsIt) {
+    EXPECT_EXIT(
+        {
+            std::thread ends;
+            {
+                const Signal_cleanup act(Ending::ANY, say_whether_withdrawn);
+                ends = std::thread([] { end_by_signal(SIGTERM); });
+                while (!acts) {
+                }
+            }
+            is_withdrawn = true;
+            ends.join();
+        },
+        testing::KilledBySignal(SIGTERM), "^first $");
 }
 
 TEST(LastActDeathTest, AnIgnoredSignalStaysIgnored) {
