@@ -3,7 +3,10 @@
 #include <signal.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
 
+#include <frontpanel_base/input_error.h>
 #include <frontpanel_base/problems.h>
 #include "driver_table.h"
 #include "menu_files.h"
@@ -82,6 +85,34 @@ TEST_F(Loaded_driven_panel_test, AMistakeOfASourceIsOneWithASimulatorToo) {
                   }).find("unknown member \"pol\"; did you mean \"poll\"?"),
                   std::string::npos);
     }
+}
+
+// A machine may have two processors, drives, keyboards, batteries and network cards.
+TEST_F(Loaded_driven_panel_test, TheMenuOfTheMachineTellsTwoOfAKindApart) {
+    for (const char* const name :
+         {"devices/platform/coretemp.0/hwmon/hwmon3/temp1_input", "class/hwmon/hwmon3/temp1_input",
+          "devices/platform/coretemp.1/hwmon/hwmon4/temp1_input", "class/hwmon/hwmon4/temp1_input",
+          "class/nvme/nvme0/hwmon1/temp1_input", "class/hwmon/hwmon1/temp1_input",
+          "class/nvme/nvme1/hwmon2/temp1_input", "class/hwmon/hwmon2/temp1_input",
+          "class/leds/input3::capslock/brightness", "class/leds/input7::capslock/brightness",
+          "class/power_supply/BAT0/capacity", "class/power_supply/BAT1/capacity",
+          "class/net/eno1/statistics/rx_bytes", "class/net/eno2/statistics/rx_bytes"}) {
+        const std::string file = folder.file(std::string("sys/") + name);
+        std::filesystem::create_directories(std::filesystem::path(file).parent_path());
+        std::ofstream(file) << "40\n";
+    }
+    for (const int chip : {1, 2, 3, 4}) {
+        std::ofstream(folder.file("sys/class/hwmon/hwmon" + std::to_string(chip) + "/name"))
+            << (chip < 3 ? "nvme\n" : "coretemp\n");
+    }
+    std::string text = read_input_file(FRONTPANEL_SOURCE_DIR "/menus/this-machine.json");
+    const std::string system = "\"path\": \"/sys/";
+    for (std::size_t at = 0; (at = text.find(system, at)) != std::string::npos;) {
+        text.replace(at, system.size(), "\"path\": \"sys/");
+    }
+    options.menu = write("machine.json", text);
+    const Loaded_panel loaded = load_panel(options.menu, Cards::OFF, 20, Drivers::CHECKED);
+    EXPECT_EQ(loaded.warnings, std::vector<std::string>());
 }
 
 TEST_F(Loaded_driven_panel_test, OnlyTheCheckWarnsOfWhatCannotBeReadHere) {
