@@ -1,9 +1,8 @@
 // Texts on a display line that may be too short for them.
 //
 // Texts are UTF-8; widths and columns count characters, those with the combining ones behind them as one, and bytes that
-// are no UTF-8 one by one. A word that holds a
-// digit is never cut unseen, since the rest of a number reads as another number: '<' or '>' stands at the end of the
-// line where the word goes on.
+// are no UTF-8 one by one. A word that holds a digit is never cut unseen, since the rest of a number reads as another
+// number: '<' or '>' stands at the end of the line where the word goes on.
 #ifndef FRONTPANEL_EDITORS_LINE_TEXT_H
 #define FRONTPANEL_EDITORS_LINE_TEXT_H
 
