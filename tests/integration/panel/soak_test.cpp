@@ -96,7 +96,7 @@ public:
         const std::string event = happen();
         check_writes(event);
         check_contents(event);
-        m_frame = m_panel.controller().draw();
+        draw(event);
         check_frame(event);
         return event;
     }
@@ -111,6 +111,15 @@ public:
 private:
     Memory_device& device() { return m_panel.device(); }
     int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(m_random); }
+
+    // A line that comes onto the display is read, and then corrected where a rule no longer allows its value.
+    void draw(const std::string& event) {
+        m_writes.clear();
+        m_may_commit = false;
+        m_frame = m_panel.controller().draw();
+        check_writes("a frame after " + event);
+        check_contents("a frame after " + event);
+    }
 
     std::string happen() {
         const int kind = below(1000);
