@@ -1,6 +1,8 @@
 // What a menu file's drivers and sources become.
 #include <frontpanel_drivers/driven_device.h>
 
+#include <algorithm>
+
 #include <frontpanel_base/json_members.h>
 
 #include "unit/drivers/menu_fixture.h"
@@ -110,6 +112,28 @@ TEST_F(Driven_device_test, MistakesAreReportedAllAtOnceWithTheNearestName) {
 constexpr const char* LACKED = R"({"plc": {"driver": "absent", "where": "here"}})";
 constexpr const char* ANYWHERE =
     R"({"pid": 1, "type": "integer", "min": 0, "max": 1, "source": {"anything": "a"}})";
+
+std::string drivers_of(std::size_t count) {
+    std::string drivers;
+    for (std::size_t number = 0; number < count; ++number) {
+        drivers +=
+            (number == 0 ? "\"d" : ", \"d") + std::to_string(number) + R"(": {"driver": "noting"})";
+    }
+    return "{" + drivers + "}";
+}
+
+TEST_F(Driven_device_test, ThereAreAtMost32Drivers) {
+    const auto refusals = [this] {
+        const Lines lines = problems();
+        return std::count(lines.begin(), lines.end(), "expected at most 32 drivers");
+    };
+    load(drivers_of(32), "");
+    EXPECT_EQ(m_record.lines.size(), 32U);
+    EXPECT_EQ(refusals(), 0);
+    load(drivers_of(33), "");
+    EXPECT_EQ(m_record.lines.size(), 32U);
+    EXPECT_EQ(refusals(), 1);
+}
 
 TEST_F(Driven_device_test, ADriverThatTheBuildLeavesOutIsNamedWithItsOption) {
     load_menu({&NOTING, &LEFT_OUT}, "", LACKED, ANYWHERE);
