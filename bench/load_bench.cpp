@@ -15,7 +15,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <random>
@@ -29,6 +28,7 @@
 #include <frontpanel_simulator/memory_device.h>
 #include <frontpanel_ui/main_loop.h>
 #include <frontpanel_ui/panel.h>
+#include "quick_run.h"
 
 namespace {
 
@@ -38,10 +38,6 @@ using std::chrono::steady_clock;
 
 constexpr std::uint32_t ITEMS_OF_A_MENU = 1000;
 constexpr int KEYS = 2000;
-// The tests only see that the cases run, with a hundredth of the keys and of the entries.
-bool is_quick() {
-    return std::getenv("FRONTPANEL_BENCH_QUICK") != nullptr;
-}
 constexpr std::uint32_t MODE = 1;  // a parameter that changes
 constexpr std::uint32_t FIRST = 100000;
 
@@ -202,7 +198,7 @@ double at_percentile(std::vector<double>& times, double share) {
 void use(Noting_front& front, clockid_t menu_thread, Waits& waits) {
     std::mt19937 random(1);
     std::uniform_int_distribution<int> pause(500, 4000);
-    for (int i = 0, last = is_quick() ? KEYS / 100 : KEYS; i < last; ++i) {
+    for (int i = 0, last = is_quick_run() ? KEYS / 100 : KEYS; i < last; ++i) {
         std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
         const Key::Kind kind = i == 0 ? Key::SELECT : i % 64 < 32 ? Key::DOWN : Key::UP;
         front.begin_key();
@@ -237,7 +233,7 @@ struct Figures {
 };
 
 Figures figures_of(Load load) {
-    if (is_quick()) load.entries /= 100;
+    if (is_quick_run()) load.entries /= 100;
     Memory_device others;
     Device_cache cache(others);
     add_parameters(cache, load);

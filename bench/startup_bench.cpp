@@ -15,6 +15,7 @@
 #include <string>
 
 #include "panel_process.h"
+#include "quick_run.h"
 
 namespace {
 
@@ -73,8 +74,14 @@ std::string menu_of(int64_t entries, bool has_rules) {
            R"(]}, "menu": {"name": "Main", "items": [)" + items + "]}]}}";
 }
 
+int64_t entries_of(const benchmark::State& state) {
+    constexpr int64_t QUICK_PART = 100;
+    return frontpanel::is_quick_run() ? std::max<int64_t>(state.range(0) / QUICK_PART, 1)
+                                      : state.range(0);
+}
+
 void first_frame(benchmark::State& state, bool has_rules) {
-    const std::string menu = menu_of(state.range(0), has_rules);
+    const std::string menu = menu_of(entries_of(state), has_rules);
     double least = std::numeric_limits<double>::max();
     for (auto round : state) {
         Panel_process panel(menu);
@@ -123,7 +130,7 @@ double instructions_of(const std::string& menu) {
 }
 
 void instructions(benchmark::State& state, bool has_rules) {
-    const std::string menu = menu_of(state.range(0), has_rules);
+    const std::string menu = menu_of(entries_of(state), has_rules);
     for (auto round : state) {
         state.counters["instructions"] = instructions_of(menu);
     }
