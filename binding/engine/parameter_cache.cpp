@@ -349,8 +349,8 @@ void Parameter_cache::kept(Cached_parameter& parameter, bool changed) {
     }
 }
 
-// The value stays, but the device is asked again before anything is decided by it.
-void Parameter_cache::note_failure(uint32_t pid, uint32_t varidx, int result) {
+template <typename Act>
+void Parameter_cache::for_each_cached(uint32_t pid, uint32_t varidx, Act act) {
     const auto variable = m_variables.find(address(pid, varidx));
     if (variable == m_variables.end()) {
         return;
@@ -358,27 +358,28 @@ void Parameter_cache::note_failure(uint32_t pid, uint32_t varidx, int result) {
     for (Cached_parameter* const parameter :
          {variable->second.number.get(), variable->second.text.get()}) {
         if (parameter != nullptr) {
-            parameter->is_kept = false;
-            parameter->failure = result;
+            act(*parameter);
         }
     }
 }
 
+// The value stays, but the device is asked again before anything is decided by it.
+void Parameter_cache::note_failure(uint32_t pid, uint32_t varidx, int result) {
+    for_each_cached(pid, varidx, [result](Cached_parameter& parameter) {
+        parameter.is_kept = false;
+        parameter.failure = result;
+    });
+}
+
 // Rules that waited for a value that does not come are judged once more.
 void Parameter_cache::note_awaited(uint32_t pid, uint32_t varidx, bool is_awaited) {
-    const auto variable = m_variables.find(address(pid, varidx));
-    if (variable == m_variables.end()) {
-        return;
-    }
-    for (Cached_parameter* const parameter :
-         {variable->second.number.get(), variable->second.text.get()}) {
-        if (parameter != nullptr && std::exchange(parameter->is_awaited, is_awaited) &&
-            !is_awaited) {
-            for (Engine* const reader : parameter->readers) {
+    for_each_cached(pid, varidx, [this, is_awaited](Cached_parameter& parameter) {
+        if (std::exchange(parameter.is_awaited, is_awaited) && !is_awaited) {
+            for (Engine* const reader : parameter.readers) {
                 m_cascade.input_changed(*reader);
             }
         }
-    }
+    });
 }
 
 }  // namespace frontpanel::binding_engine

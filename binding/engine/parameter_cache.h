@@ -117,6 +117,9 @@ private:
     static uint64_t address(uint32_t pid, uint32_t varidx) { return uint64_t{pid} << 32 | varidx; }
     void add_record(Cached_parameter& parameter, const var_index_s& key);
     void update_polling(Cached_parameter& parameter);
+    // Calls `act` for each way in which the variable is read.
+    template <typename Act>
+    void for_each_cached(uint32_t pid, uint32_t varidx, Act act);
     int read(Cached_parameter& parameter);
     void keep_number(Cached_parameter& parameter, int32_t value);
     void keep_text(Cached_parameter& parameter, std::string_view value);
