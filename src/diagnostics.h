@@ -67,7 +67,7 @@ enum class Prefix : uint32_t {
     TWO_TABS         // as FUNCTION_FIRST, behind two
 };
 
-// The mask of a line that is printed whatever `debug` holds. The listener is not told about it.
+// The mask of a line that does not depend on `debug`. The listener is not called for it.
 constexpr uint32_t UNCONDITIONAL = 0;
 
 // The masks of lines. A line gives the number of its mask.
@@ -113,7 +113,7 @@ constexpr uint32_t mask_of(uint32_t place) {
     return MASKS[place >> PREFIX_BITS & ((1U << MASK_BITS) - 1)];
 }
 
-// Tells the listener the mask of a line before the line is printed, and 0 afterwards. `write` does this itself. Use
+// Calls the listener with the mask of a line before the line is printed, and with 0 afterwards. `write` does this itself. Use
 // this class for a line with an argument that prints lines of its own: they belong between the two calls.
 class Announcement {
 public:
@@ -128,7 +128,7 @@ private:
     const bool m_tells;
 };
 
-// Prints a line. The listener is told its mask before the line and 0 after it.
+// Prints a line. Calls the listener with the line's mask before it, and with 0 after it.
 __attribute__((cold, format(printf, 4, 5))) void write(uint32_t place, const char* function,
                                                        const char* file, const char* format, ...);
 // The same without a prefix.

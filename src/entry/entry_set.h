@@ -23,8 +23,8 @@ private:
     std::size_t place_of(const Data_entry* entry) const;
     void grow();
 
-    // As many as a power of two, half of them empty at least. An entry stands at the first place that was empty from
-    // the one that its address gives onwards.
+    // The size is a power of two, and at least half of the places are empty. An entry takes the first place that was empty
+    // when it was added, beginning with the place that follows from its address.
     std::vector<const Data_entry*> m_places;
     std::size_t m_count = 0;
     unsigned int m_shift = 0;  // from a spread address to a place
