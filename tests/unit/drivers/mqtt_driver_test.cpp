@@ -693,6 +693,18 @@ protected:
         } while (cache.state(1, 0)->freshness != wanted && std::chrono::steady_clock::now() < end);
         return cache.state(1, 0)->freshness;
     }
+    // The cache of a menu whose parameter 1 lives at the broker: 5, and fresh.
+    Device_cache& cache_of_level(const Broker& broker) {
+        Peer(broker).publish("level", "5", true);
+        load(R"(, "port": )" + broker.port(),
+             number(1, "level", R"("topic": "level", "write": "set")"));
+        EXPECT_EQ(problems(), Lines{});
+        Device_cache& cache = m_device->cache();
+        cache.start();
+        EXPECT_EQ(step_until(Freshness::FRESH), Freshness::FRESH);
+        EXPECT_EQ(number_of(cache, 1), 5);
+        return cache;
+    }
 };
 
 TEST_F(Mqtt_menu_test, MistakesAreReportedWithTheNearestName) {
@@ -755,14 +767,7 @@ TEST_F(Mqtt_menu_test, AWriteWhileTheBrokerRestartsIsSentOnce) {
     if (!broker.is_running()) {
         GTEST_SKIP() << "no broker without Debian's package mosquitto";
     }
-    Peer(broker).publish("level", "5", true);
-    load(R"(, "port": )" + broker.port(),
-         number(1, "level", R"("topic": "level", "write": "set")"));
-    ASSERT_EQ(problems(), Lines{});
-    Device_cache& cache = m_device->cache();
-    cache.start();
-    EXPECT_EQ(step_until(Freshness::FRESH), Freshness::FRESH);
-    EXPECT_EQ(number_of(cache, 1), 5);
+    Device_cache& cache = cache_of_level(broker);
 
     broker.stop();
     EXPECT_EQ(step_until(Freshness::OLD), Freshness::OLD);
@@ -792,12 +797,7 @@ TEST_F(Mqtt_menu_test, AnEditWhileTheBrokerRestartsLosesNoLastDetent) {
     if (!broker.is_running()) {
         GTEST_SKIP() << "no broker without Debian's package mosquitto";
     }
-    Peer(broker).publish("level", "5", true);
-    load(R"(, "port": )" + broker.port(),
-         number(1, "level", R"("topic": "level", "write": "set")"));
-    Device_cache& cache = m_device->cache();
-    cache.start();
-    EXPECT_EQ(step_until(Freshness::FRESH), Freshness::FRESH);
+    Device_cache& cache = cache_of_level(broker);
     {
         Peer peer(broker);
         set_number(cache, 1, 6);
