@@ -12,14 +12,14 @@
 namespace frontpanel {
 namespace {
 
-// Nobody writes more on one letter.
+// More than any language puts on one letter: further marks are dropped.
 constexpr std::size_t MOST_MARKS = 8;
 
 struct Block {
     char32_t first;
     char32_t last;
 };
-// Marks of letters, and what chooses the form of a character or joins two of them.
+// Accents and other marks of letters, variation selectors, and joiners.
 constexpr Block COMBINING[] = {
     {0x300, 0x36F},     {0x483, 0x489},   {0x591, 0x5BD},   {0x5BF, 0x5BF},   {0x5C1, 0x5C2},
     {0x5C4, 0x5C5},     {0x5C7, 0x5C7},   {0x610, 0x61A},   {0x64B, 0x65F},   {0x670, 0x670},
@@ -29,7 +29,7 @@ constexpr Block COMBINING[] = {
     {0xE0100, 0xE01EF},
 };
 constexpr int USUAL_CLASS = 230;           // above the letter
-constexpr char32_t FIRST_SYMBOL = 0x2000;  // without its stroke U+2260 would mean the opposite
+constexpr char32_t FIRST_SYMBOL = 0x2000;  // without its stroke, U+2204 would mean the opposite
 
 int class_of(char32_t mark) {
     for (const Mark_class& known : MARK_CLASSES) {
@@ -69,7 +69,7 @@ std::optional<char32_t> base_letter_of(char32_t character) {
     return is_letter ? std::optional<char32_t>(found->base) : std::nullopt;
 }
 
-// A mark that stays out keeps those of its class behind it out as well.
+// As in Unicode's canonical composition, a mark that is left out blocks the marks of its class behind it.
 char32_t composed(const std::u32string& column, std::set<char32_t>& lost) {
     char32_t result = column.front();
     std::u32string marks = column.substr(1, MOST_MARKS);

@@ -313,8 +313,8 @@ size_t Json_storage::piece_of(const void* kept) const {
     return static_cast<size_t>(found - m_pieces.begin());
 }
 
-// A shared piece is begun when the one before is full. A large content of its own may have been kept while an earlier piece
-// was still being filled, with what is not meant before and behind it.
+// Shared pieces between the two hold nothing else, since each is begun when the one before is full. A piece for one
+// large content may have been made earlier, while a shared piece was being filled: it stays.
 void Json_storage::release_between(const void* first, const void* last) {
     const size_t end = piece_of(last);
     if (end == m_pieces.size() || !m_pieces[end].is_shared) {
@@ -327,7 +327,7 @@ void Json_storage::release_between(const void* first, const void* last) {
     }
 }
 
-// While a list is parsed, nothing else is kept.
+// The members of the elements are kept one after the other, with nothing else between them.
 void Json_document::release_elements(const Json_node& list) {
     const Json_span<Json_node> elements = list.elements();
     if (elements.empty()) {

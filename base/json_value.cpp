@@ -43,7 +43,7 @@ bool is_printable(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-// Mostly the first character tells that it is not.
+// Usually the first character already differs.
 bool is_same_name(const char* known, std::string_view name) {
     for (const char character : name) {
         if (character == '\0' || *known++ != character) {

@@ -74,7 +74,8 @@ Signal_cleanup::~Signal_cleanup() {
         handle(REQUESTS, SIG_DFL);
     }
     --act_count;
-    // Another thread may be within the acts, or about to begin, and ends the process: what they need stays until then.
+    // Another thread may be calling the acts, or about to, and then ends the process: what they need must exist until
+    // then.
     while (is_ending) {
         pause();
     }

@@ -17,7 +17,8 @@ class Signal_cleanup {
 public:
     // `act` may call only what a signal handler may.
     Signal_cleanup(Ending ending, void (*act)());
-    // Does not return while another thread calls the acts, since the process ends then: what they need may go after it.
+    // Does not return while another thread calls the acts, which then ends the process. So the acts may use what is
+    // destroyed after this object.
     ~Signal_cleanup();
     Signal_cleanup(const Signal_cleanup&) = delete;
     Signal_cleanup& operator=(const Signal_cleanup&) = delete;
@@ -26,14 +27,14 @@ private:
     Ending m_ending;
 };
 
-// Who gets the signals that would end the process after the acts, in place of that; null for nobody. `take` may call only
-// what a signal handler may, and is called on any thread.
+// `take` receives the signals that would otherwise call the acts and end the process; null restores that. It may call
+// only what a signal handler may, and is called on any thread.
 void set_signal_taker(void (*take)(int signal_number));
 
-// Calls the acts, youngest first. From any thread, which ends the process then.
+// Calls the acts, youngest first. Any thread may call it. Requires: the caller then ends the process.
 void do_last_acts();
 
-// Ends the process as the signal does that was taken otherwise: the acts are called first. From any thread.
+// Calls the acts, then ends the process as this signal would have without `set_signal_taker`. Any thread may call it.
 [[noreturn]] void end_by_signal(int signal_number);
 
 }  // namespace frontpanel
