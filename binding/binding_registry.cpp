@@ -136,7 +136,7 @@ std::optional<Rule_verdict> Binding_registry::judge(const Data_entry& entry,
                              : std::nullopt;
 }
 
-// One that waits is not evaluated: what it is to write would then wait for the entry's next refresh.
+// An engine that waits for `settle` is not evaluated here: its writes would then wait for the entry's next refresh.
 std::optional<bool> Binding_registry::visibility_ahead(const Data_entry& entry) {
     binding_engine::Engine* const engine = m_core->cascade.engine_of(&entry);
     if (engine == nullptr) {

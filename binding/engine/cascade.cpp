@@ -35,7 +35,7 @@ void Waiting_engines::remove(Engine& engine) {
     m_engines.erase(std::remove(first, m_engines.end(), &engine), m_engines.end());
 }
 
-// One that was evaluated since it was marked is listed without waiting.
+// An engine that was evaluated after it was marked is still in the list, but no longer waits.
 Engine* Waiting_engines::take() {
     drop_taken();
     while (!is_empty()) {
@@ -51,7 +51,7 @@ Engine* Waiting_engines::take() {
     return nullptr;
 }
 
-// Before they are half of the list.
+// Removes the engines that were taken, once they are half of the list: so each costs one move on average.
 void Waiting_engines::drop_taken() {
     constexpr std::size_t FEW = 1000;
     if (m_next > FEW && m_next > m_engines.size() / 2) {
@@ -199,8 +199,8 @@ void Cascade::reader_removed(Cached_parameter& parameter) {
     }
 }
 
-// Marks some readers of the parameter that waits longest. One that has more goes behind the others: it may change over
-// and over.
+// Marks some readers of the parameter that waits longest. A parameter with more readers goes to the end of the queue,
+// since it may change again and again.
 void Cascade::spread() {
     if (m_spreading.empty()) {
         return;
@@ -222,7 +222,7 @@ void Cascade::spread() {
     }
 }
 
-// Null when nobody waits any more but those that write.
+// Null when no engine waits except those with write rules.
 Engine* Cascade::take_next() {
     for (;;) {
         if (Engine* const engine = m_waiting.take()) {
@@ -253,7 +253,8 @@ Binding_settlement Cascade::settle(Data_interface* iface, std::size_t at_most) {
     return settlement;
 }
 
-// Some readers are marked in each part, also while those that were marked before wait without end.
+// Each call marks some readers first. Otherwise entries that are marked again and again would keep the others from
+// their turn.
 void Cascade::run_round(Data_interface* iface, std::size_t at_most,
                         Binding_settlement& settlement) {
     spread();
@@ -287,7 +288,7 @@ void Cascade::take_turn(Engine& engine, Data_interface* iface, Binding_settlemen
     ++state.refreshes;
     ++settlement.refreshes;
     m_wave = state.wave;
-    // May end any engine, this one included.
+    // The refresh may destroy any engine, this one included.
     Data_entry::EntryTypeSpecificOperation(engine.entry(), iface, nullptr, true,
                                            Data_entry::OPERATION_REFRESH, nullptr);
 }

@@ -29,8 +29,8 @@ struct Cascade_state {
     bool is_marked = false;  // a parameter changed since it was evaluated
     bool is_listed = false;  // among those that wait for a round
     uint64_t cause = 0;      // the engine whose writes marked it last; 0: none
-    uint64_t wave = 0;       // the latest that marked it
-    uint64_t counted = 0;    // the wave of `refreshes`
+    uint64_t wave = 0;       // the latest wave that marked it
+    uint64_t counted = 0;    // the wave that `refreshes` counts
     int refreshes = 0;
 };
 
@@ -39,7 +39,7 @@ class Waiting_engines {
 public:
     void add(Engine& engine) { m_engines.push_back(&engine); }
     void remove(Engine& engine);
-    // Null when none waits any more.
+    // Null when no engine waits.
     Engine* take();
     bool is_empty() const { return m_next == m_engines.size(); }
 
@@ -47,7 +47,7 @@ private:
     void drop_taken();
 
     std::vector<Engine*> m_engines;
-    std::size_t m_next = 0;  // the first that was not taken yet
+    std::size_t m_next = 0;  // the first that has not been taken
 };
 
 class Cascade {
@@ -81,8 +81,8 @@ public:
     void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes);
 
     void input_changed(Engine& engine);
-    // The same of all readers of a parameter that the device changed by itself. Of a parameter with very many readers,
-    // `settle` marks those that write nothing by and by.
+    // The same for all readers of a parameter that the device changed by itself. Of very many readers only those with
+    // write rules are marked at once; `settle` marks the others in parts.
     void device_changed(Cached_parameter& parameter);
     // A reader of the parameter ends.
     void reader_removed(Cached_parameter& parameter);
@@ -93,9 +93,9 @@ public:
         return m_writers.is_empty() && m_waiting.is_empty() && m_spreading.empty();
     }
 
-    // Nothing within a round: what a refresh marks is the round's already. All entries whose rules write come first: what
-    // they write is part of the change, and other entries are judged by it. After `at_most` of the others the rest waits
-    // for the next call.
+    // Does nothing during a round, which also takes what its refreshes mark. All entries whose rules write come first:
+    // their writes are part of the change, and the rules of other entries read them. After `at_most` others the rest
+    // waits for the next call.
     Binding_settlement settle(Data_interface* iface, std::size_t at_most);
 
 private:
@@ -111,20 +111,21 @@ private:
 
     std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
     std::set<std::pair<const Data_entry*, uint64_t>> m_by_entry;  // engines that have one
-    Waiting_engines m_writers;                                    // have write rules
+    Waiting_engines m_writers;                                    // with write rules
     Waiting_engines m_waiting;
     std::deque<Cached_parameter*> m_spreading;  // whose readers are not all marked yet
     uint64_t m_last_number = 0;
     uint64_t m_last_evaluated = 0;
-    // What changes from outside cause, by whatever way, is a wave. Waves that come without end are no circle.
-    uint64_t m_next_wave = 1;  // of what changes before the next round
-    uint64_t m_wave = 0;       // of the entry that a round refreshes
+    // A wave is everything that changes because of changes from outside between two rounds. A parameter that keeps
+    // changing causes wave after wave, which is no circle.
+    uint64_t m_next_wave = 1;  // for changes before the next round
+    uint64_t m_wave = 0;       // of the entry that is being refreshed
     uint64_t m_turn = 1;
     Cached_parameter* m_turn_began_with = nullptr;
     std::vector<const Cached_parameter*> m_commits;  // under way, the outermost first
     bool m_is_frozen = false;
     bool m_is_settling = false;
-    std::string m_frozen_circle;  // not yet reported by a round
+    std::string m_frozen_circle;  // for the next round to report
 };
 
 }  // namespace frontpanel::binding_engine

@@ -260,7 +260,8 @@ bool Engine::evaluate(bool updates, bool tries) {
     return m_errors.empty();
 }
 
-// Before the refresh goes on: it leaves an option that is hidden, and keeps one that has just become allowed.
+// Updates the visible options before the refresh goes on, which replaces a hidden option: one that has just become
+// allowed must be visible by then.
 void Engine::show_new_options() {
     const Suggestion_maker* const keys =
         m_options != nullptr ? find_maker(SUGGESTION_KEYS) : nullptr;

@@ -11,7 +11,7 @@
 namespace frontpanel::binding_engine {
 
 Rule_verdict judge(Engine& engine, const Proposed_values& values);
-// What the visibility rules say now; nothing without such a rule, or when one fails.
+// The result of the visibility rules now; empty without such a rule, or when one fails.
 std::optional<bool> visibility_now(Engine& engine);
 // The values, and beside them what write rules would then write: see `Binding_registry::foresee`.
 Proposed_values foresee(const Cascade& cascade, const Proposed_values& values);

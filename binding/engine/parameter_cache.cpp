@@ -363,7 +363,7 @@ void Parameter_cache::for_each_cached(uint32_t pid, uint32_t varidx, Act act) {
     }
 }
 
-// The value stays, but the device is asked again before anything is decided by it.
+// The value stays, but the next evaluation that needs it asks the device again.
 void Parameter_cache::note_failure(uint32_t pid, uint32_t varidx, int result) {
     for_each_cached(pid, varidx, [result](Cached_parameter& parameter) {
         parameter.is_kept = false;
@@ -371,7 +371,7 @@ void Parameter_cache::note_failure(uint32_t pid, uint32_t varidx, int result) {
     });
 }
 
-// Rules that waited for a value that does not come are judged once more.
+// When the wait ends without a value, the rules that read the parameter are evaluated again: now it is a fault.
 void Parameter_cache::note_awaited(uint32_t pid, uint32_t varidx, bool is_awaited) {
     for_each_cached(pid, varidx, [this, is_awaited](Cached_parameter& parameter) {
         if (std::exchange(parameter.is_awaited, is_awaited) && !is_awaited) {

@@ -38,8 +38,8 @@ struct Cached_parameter {
     int failure = 0;       // what the last access returned
     bool is_kept = false;  // every access since `number` or `text` was taken has passed this cache
     bool is_awaited = false;  // the last access failed because no value has come yet
-    int socket = 0;           // selected when it was taken
-    uint64_t kept_in = 0;     // how many polls had begun then
+    int socket = 0;           // selected when the value was taken
+    uint64_t kept_in = 0;     // the number of polls begun by then
     uint64_t read_in = 0;     // the evaluation that last asked the device
     std::vector<Record*> records;
     std::vector<Engine*> readers;     // whose rules read it
@@ -80,7 +80,7 @@ public:
     void remove_reader(Cached_parameter& parameter, Engine& engine);
     void list_dependant(Cached_parameter& parameter, Data_entry* entry);
     void unlist_dependant(Cached_parameter& parameter, Data_entry* entry);
-    // Of all parameters, and their readers.
+    // Removes all dependants and all readers of all parameters.
     void forget_dependants();
     void add_owner(Cached_parameter& parameter, const var_index_s& key, Engine& engine);
     void remove_owner(Cached_parameter& parameter, Engine& engine, Data_entry* entry);
@@ -89,8 +89,8 @@ public:
 
     // Begins an evaluation: in it, each parameter is asked for at most once.
     void begin_evaluation() { ++m_evaluation; }
-    // Whether `parameter` holds what the device holds, asking the device unless that is known. What the last poll left
-    // out is not: the device changes by itself.
+    // Makes `parameter` hold the device's value; false when it cannot be read. A value that is known to be current is
+    // not read again; one that the last poll left out is, since the device may have changed it.
     bool bring_up_to_date(Cached_parameter& parameter);
     // Asks the device for parameters that somebody reads or watches, in turns. The keys of those that changed are
     // valid until the next poll.
@@ -102,7 +102,7 @@ public:
     void keep_read(uint32_t pid, uint32_t varidx, const void* buffer, std::size_t length);
     void keep_write(uint32_t pid, uint32_t varidx, const void* bytes, std::size_t length);
     void note_failure(uint32_t pid, uint32_t varidx, int result);
-    // Whether that failure only means that the first value is on its way: then it is no fault of a rule yet.
+    // Whether the last failure only means that the first value has not arrived yet: then it is no fault of a rule.
     void note_awaited(uint32_t pid, uint32_t varidx, bool is_awaited);
     void note_failed_write(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
     void select_socket(int socket) { m_socket = socket; }
@@ -117,7 +117,7 @@ private:
     static uint64_t address(uint32_t pid, uint32_t varidx) { return uint64_t{pid} << 32 | varidx; }
     void add_record(Cached_parameter& parameter, const var_index_s& key);
     void update_polling(Cached_parameter& parameter);
-    // Calls `act` for each way in which the variable is read.
+    // Calls `act` for the variable as a number and as a text, where it is read so.
     template <typename Act>
     void for_each_cached(uint32_t pid, uint32_t varidx, Act act);
     int read(Cached_parameter& parameter);

@@ -49,7 +49,7 @@ public:
     bool value(const Rule& rule, Code code, Value& value);
     // The two ends of operand `number` and the next, the lesser one first.
     bool interval(const Rule& rule, std::size_t number, int64_t& low, int64_t& high);
-    // Makes a mistake of `rule` an error of the engine, and a fault unless a value is only awaited.
+    // Reports a mistake of `rule` as an error of the engine, and as a fault unless the value just has not arrived yet.
     void report(const Rule& rule, const std::string& mistake,
                 Rule_fault::Cause cause = Rule_fault::Cause::RULE, bool is_awaited = false);
 
@@ -85,7 +85,7 @@ private:
     std::string m_failure;  // why the last read failed
     std::string m_last_mistake;
     Rule_fault::Cause m_cause = Rule_fault::Cause::RULE;  // of the last failure
-    bool m_is_awaited = false;                            // what the last read failed of
+    bool m_is_awaited = false;                            // the value of the last failed read
     std::size_t m_reports = 0;
     bool m_reports_faults = false;
     std::vector<Rule_explanation::Seen>* m_seen;

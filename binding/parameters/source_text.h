@@ -7,11 +7,11 @@
 
 namespace frontpanel {
 
-// The first character of the source, which is not empty, or "\xNN" for each byte of one that takes no column and for a
-// byte that is no UTF-8.
+// The first character of the source. One that takes no column, and a byte that is not UTF-8, is shown as "\xNN" for
+// each byte. Requires: the source is not empty.
 std::string shown_character(std::string_view source);
 
-// In quotes, cut after 40 bytes, each character as `shown_character` has it.
+// The source in quotes, cut after 40 bytes, with each character as in `shown_character`.
 std::string quoted_source(std::string_view source);
 
 }  // namespace frontpanel

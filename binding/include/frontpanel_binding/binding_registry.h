@@ -162,8 +162,8 @@ public:
     // last seen and the entries that depend on it. Owned by the registry. A device variable that goes by several keys
     // has a record for each, all of them with the same value.
     var_index_map_t* var_index_map();
-    // All entries with engines end now: nothing depends on a parameter any more. Without it, each of thousands that depend
-    // on one parameter would be searched and removed by itself.
+    // Call it before all entries with engines are destroyed: no entry depends on a parameter afterwards. Without this
+    // call, each of thousands of dependants of one parameter is searched for and removed one by one.
     void forget_dependants();
     // Keeps the value of a parameter current that no rule may read, such as a toggle's. The key is then in the map,
     // and `poll` reads it until `unwatch` was called as often as `watch`.
@@ -175,20 +175,20 @@ public:
 
     // Reads every parameter from the device that a rule reads or that is watched, once each. Returns a key for each
     // that changed, recovery after a failed read included; valid until the next call. What depends on them waits for
-    // `settle`. With a limit, each call continues where the last one ended, so that a large menu costs no more: what it
-    // leaves out is read when a rule asks for it.
+    // `settle`. With a limit, each call continues where the last one ended, so that the cost does not grow with the
+    // menu; parameters that it leaves out are read when a rule needs them.
     const std::vector<var_index_s>& poll(std::size_t at_most = SIZE_MAX);
-    // Reads from the device what the rules of an entry read: whoever judges a value at this moment has no time to wait
-    // for the next poll. What depends on it waits for `settle`.
+    // Reads the parameters that the rules of an entry read, for a check that cannot wait for the next poll. Their
+    // dependants wait for `settle`.
     void read_again(const Data_entry& entry);
     // Whether `settle` has something to do.
     bool has_unsettled() const;
     // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last
     // evaluated them, until what these refreshes change is settled as well. An entry that was never refreshed waits
-    // until it is, unless it has write rules. An entry is refreshed 32 times at most for what changed between two calls;
-    // beyond that, the result and its engine's errors name the circle. Entries and engines may end meanwhile. A call from
-    // within a refresh does nothing. Entries with write rules come first, all of them; after `at_most` others the rest is
-    // left to the next call, so that the caller can do something else in between.
+    // until it is, unless it has write rules. Changes between two calls refresh an entry at most 32 times; beyond that,
+    // the result and its engine's errors name the circle. Entries and engines may be destroyed meanwhile. A call from
+    // within a refresh does nothing. All entries with write rules come first; after `at_most` others the rest is left
+    // to the next call, so that the caller can do other work in between.
     Binding_settlement settle(Data_interface* iface = nullptr, std::size_t at_most = SIZE_MAX);
 
     // What the device would hold after these values were written, each once more after the rules have acted: beside them
@@ -198,9 +198,9 @@ public:
     // an engine of this registry.
     std::optional<Rule_verdict> judge(const Data_entry& entry, const Proposed_values& values) const;
 
-    // Has the rules of an entry that was never refreshed evaluated, from the values of their parameters alone: the
-    // entry's own value is not read for it. Returns what the visibility rules say where the entry itself does not know
-    // it yet, since it waits for `settle`; nothing otherwise, and for an entry without such a rule.
+    // Evaluates the rules of an entry that was never refreshed, from the values of their parameters; the entry's own
+    // value is not read. Returns the result of the visibility rules for an entry that waits for `settle`, and so still
+    // has its former visibility; empty for any other entry, and for one without such a rule.
     std::optional<bool> visibility_ahead(const Data_entry& entry);
 
     // What write rules have done, of all entries that have some. An application that

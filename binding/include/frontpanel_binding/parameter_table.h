@@ -40,7 +40,7 @@ public:
     // or a control character, or is like an address.
     bool declare(std::string_view name, const Parameter& parameter);
 
-    // Expects so many more declarations, which then cost less.
+    // Reserves memory for this many further declarations.
     void reserve(std::size_t count);
 
     // Each returns null for a parameter that is not declared. The pointers are valid as long as the table; a
@@ -59,7 +59,7 @@ public:
     std::string_view closest(std::string_view name) const;
 
 private:
-    // The one of the same device variable, which is new unless it is declared.
+    // The parameter of the same device variable; a new one unless it is declared.
     Parameter& variable(const Parameter& parameter);
 
     std::deque<Parameter> m_parameters;
