@@ -148,7 +148,7 @@ private:
         instance.row = &row;
     }
 
-    // Those that are left out, too: a menu that names one is not mistaken.
+    // Includes drivers that are left out: a menu that names one has no typing mistake.
     std::vector<const char*> kinds() const {
         std::vector<const char*> names(m_table.size());
         std::transform(m_table.begin(), m_table.end(), names.begin(),
@@ -156,7 +156,7 @@ private:
         return names;
     }
 
-    // That of a kind. Throws when the build has none.
+    // The row of a kind. Throws when the build lacks it.
     const Driver_row& row_of(const Json_value& kind, const std::string& instance) {
         if (m_lacking == Lacking_drivers::WARNED_OF) {
             expect_row(kind, instance);
@@ -172,7 +172,7 @@ private:
         return row;
     }
 
-    // Warns of a kind that cannot be made. What it has as members nobody knows here.
+    // Warns of a kind that the build lacks, and skips the instance: its members are unknown.
     void expect_row(const Json_value& kind, const std::string& instance) {
         const std::string name = kind.text();
         const auto row = std::find_if(m_table.begin(), m_table.end(),

@@ -20,7 +20,7 @@ constexpr milliseconds HANGS_AFTER(5000);   // a call of a driver that takes lon
 constexpr milliseconds LONGEST_WAIT(60000);
 constexpr milliseconds ANSWERED_WITHIN(5000);  // a write that was passed on
 constexpr std::size_t MOST_WRITES = 32;        // between two reads
-constexpr std::size_t MOST_AWAITED = 256;      // writes to one parameter that were passed on
+constexpr std::size_t MOST_AWAITED = 256;      // passed-on writes to one parameter without answer
 constexpr const char* NO_ANSWER = "it does not answer";
 constexpr const char* NO_VALUE = "it delivers no value";
 constexpr const char* UNKNOWN_ERROR = "unknown error";
@@ -588,8 +588,8 @@ void Driver_desk::end_wait(Record& record) {
     record.passed_on_before.clear();
 }
 
-// Whether the value is the device's answer to the last write. What it pushes before it has taken that one is its value so
-// far, again and again with some devices, or its answers to the writes before.
+// Whether the value is the device's answer to the last write. Until it takes that write, a device may push its former
+// value, some of them again and again, and its answers to earlier writes.
 bool Driver_desk::is_answer(Record& record, const Parameter_value& value) {
     std::deque<Parameter_value>& before = record.passed_on_before;
     const bool is_awaited_again = before.empty() && value == record.passed_on;
@@ -621,7 +621,7 @@ void Driver_desk::give_up_answers(Time time) {
                       m_passed_on.end());
 }
 
-// Nobody knows whether the device got what was on its way.
+// Whether the device received the writes on their way is unknown.
 void Driver_desk::lose_answers() {
     for (const std::size_t number : std::exchange(m_passed_on, {})) {
         Record& record = m_records[number];
@@ -637,7 +637,7 @@ void Driver_desk::lose_answers() {
 
 // ---- reads
 
-// Those that nobody wants any more leave the list.
+// Parameters that are no longer wanted leave the list.
 std::vector<std::size_t> Driver_desk::due_numbers(Time time) {
     std::vector<std::size_t> due;
     std::size_t kept = 0;

@@ -85,11 +85,11 @@ private:
         std::uint64_t unsent_turn = 0;  // its place in m_writes
         Time unsent_since{};
         std::optional<Parameter_value> in_flight;
-        std::optional<Parameter_value> passed_on;      // until the device answers
-        std::deque<Parameter_value> passed_on_before;  // earlier ones, the oldest first
+        std::optional<Parameter_value> passed_on;      // the last write, until the device answers
+        std::deque<Parameter_value> passed_on_before;  // earlier writes, oldest first
         Time passed_on_at{};
     };
-    // What somebody who looks at the parameter sees.
+    // What the display shows of the parameter.
     struct Sight {
         std::optional<Parameter_value> value;
         Freshness freshness;
@@ -113,7 +113,7 @@ private:
     bool has_failed(const Record& record, Time time) const;
     std::string reason(const Record& record, Time time) const;
     Value_state state_of(const Record& record, Time time) const;
-    // Does `change`, and tells the menu thread when somebody sees a difference.
+    // Does `change`, and notifies the menu thread when the display has to show a difference.
     template <typename Change>
     void changing(Record& record, Change change);
     void tell(Driver_event::Kind kind, const Record* record, std::string reason);

@@ -19,7 +19,7 @@ public:
 
     bool is_whole() const { return m_steps.empty(); }
     const std::string& name() const { return m_name; }  // as it was given
-    // The names on the way to it: "Power" and "/Power" are the same member.
+    // The names from the message to the member; those of "Power" and "/Power" are equal.
     const std::vector<std::string>& steps() const { return m_steps; }
     // Null when the message has no such member.
     const Json_node* find(const Json_node& message) const;

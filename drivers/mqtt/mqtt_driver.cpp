@@ -174,7 +174,7 @@ private:
     std::vector<Declared> m_declared;
     std::map<std::string, std::vector<std::size_t>> m_numbers;  // by topic
     std::map<std::string, int> m_topics;                        // quality of service, by topic
-    std::map<std::size_t, Arrival> m_waiting;                   // arrived, and not yet passed on
+    std::map<std::size_t, Arrival> m_waiting;                   // arrived, but not passed on yet
     std::set<std::size_t> m_silent;  // for which there has never been a message
     Clock::time_point m_silent_until{};
     Mqtt_link m_link;

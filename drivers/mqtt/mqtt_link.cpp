@@ -35,7 +35,7 @@ constexpr int REFUSED = 128;
 constexpr std::size_t TOPICS_AT_ONCE = 100;
 constexpr std::size_t LARGEST_LOGIN = 4096;
 constexpr std::uint32_t LARGEST_PACKET = 1048576;
-// Of a packet that is still arriving: of a broker that was not asked, or does not heed that.
+// Limit for a packet that is still arriving, from a broker that was not told LARGEST_PACKET or ignores it.
 constexpr std::uint64_t LARGEST_UNFINISHED = 4 * std::uint64_t{LARGEST_PACKET};
 constexpr const char* TOO_LARGE = "the broker sends a message of more than 4 MiB";
 constexpr int NO_PORT = -1;
@@ -67,7 +67,7 @@ int no_password(char* /*buffer*/, int /*size*/, int /*is_writing*/, void* /*obje
     return 0;
 }
 
-// Bytes of a connection that the library has taken; 0 with a kernel that does not count them.
+// The bytes of a connection that the library has read so far; 0 with a kernel that does not count them.
 std::uint64_t taken_bytes(int connection) {
     tcp_info info{};
     socklen_t size = sizeof info;
@@ -136,7 +136,7 @@ struct Mqtt_link::Callbacks {
         });
     }
     static void logged(mosquitto* client, void* object, int level, const char* text) {
-        // "Client NAME received PINGRESP", of each packet that is complete.
+        // The library logs "Client NAME received PINGRESP" for each complete packet.
         if (level == MOSQ_LOG_DEBUG && std::strstr(text, " received ") != nullptr) {
             link(object).m_packets_end = taken_bytes(mosquitto_socket(client));
         }
@@ -452,7 +452,8 @@ int Mqtt_link::work_once(milliseconds most, int wake, bool& is_woken) {
     return result == MOSQ_ERR_SUCCESS ? mosquitto_loop_misc(client) : result;
 }
 
-// The library reads a packet of any size. What it takes memory for is only used as the packet arrives.
+// The library reads packets of any size. It allocates a packet as a whole, but memory is only used as the packet
+// arrives.
 bool Mqtt_link::is_packet_too_large() const {
     return taken_bytes(mosquitto_socket(m_client.get())) > m_packets_end + LARGEST_UNFINISHED;
 }

@@ -99,8 +99,8 @@ private:
     std::map<int, int> m_answers;  // to what was published, by message
     bool m_has_message = false;
     bool m_is_out_of_memory = false;
-    std::uint64_t m_packets_end = 0;  // bytes of the connection up to the end of its last packet
-    std::string m_trouble;            // what the library has logged
+    std::uint64_t m_packets_end = 0;  // bytes read up to the end of the last complete packet
+    std::string m_trouble;            // the last problem that the library has logged
 };
 
 }  // namespace frontpanel

@@ -40,7 +40,7 @@ public:
     // Why it is closed. What the adapter said to its end is in it.
     const std::string& fault() const { return m_fault; }
 
-    // Writes what the adapter says to the log, as what it prints to its standard error.
+    // Writes a message of the adapter to the log, like a line of its standard error.
     void log(const std::string& message);
 
     // Takes a line, without its end, to be sent. Its place in all that was ever sent.

@@ -22,7 +22,7 @@ using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, Json_allocator>
 using Writer = rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator>;
 
 constexpr std::size_t LONGEST_QUOTE = 40;
-constexpr int MOST_TOO_LARGE = 8;  // numbers of a line that the JSON library refuses
+constexpr int MOST_TOO_LARGE = 8;  // numbers in a line that the JSON library rejects
 
 // The JSON library can check that as well, but reads beyond the end of a text that ends within a character.
 bool is_utf8(const std::string& text) {
@@ -180,8 +180,8 @@ rapidjson::ParseResult parse(const std::string& line, Members& members) {
     return reader.Parse<FLAGS>(stream, members);
 }
 
-// The JSON library refuses a text with a number beyond a double's limits, whoever needs the number. In its place comes one
-// that the library takes and every parameter refuses. It is no longer than what it replaces.
+// The JSON library rejects the whole line if any number in it is beyond the limits of a double. This replaces that
+// number by one that the library accepts, that every parameter rejects, and that is no longer.
 void lessen_number(std::string& line, std::size_t place) {
     const std::size_t end = std::min(line.find_first_not_of("+-.0123456789eE", place), line.size());
     const std::size_t exponent = std::min(line.find_first_of("eE", place), end);

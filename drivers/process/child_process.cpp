@@ -19,16 +19,16 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr int REPORT = STDERR_FILENO + 1;  // of the child, before it becomes the program
+constexpr int REPORT = STDERR_FILENO + 1;  // in the child, until it executes the program
 constexpr int GO = REPORT + 1;
 constexpr int FIRST_FREE = GO + 1;
-constexpr int CANNOT_START = 127;  // status of a process that has not become the program
+constexpr int CANNOT_START = 127;  // status of a child that could not execute the program
 
 struct Pipe {
     Descriptor reading;
     Descriptor writing;
 
-    // Neither end is in the place of a standard stream, which this process may have closed, of REPORT or of GO.
+    // Neither end gets the number of a standard stream, which this process may have closed, or REPORT or GO.
     bool open() {
         int ends[2];
         if (pipe2(ends, O_CLOEXEC) != 0) {
@@ -55,7 +55,7 @@ struct Start {
     int output;
     int errors;
     int report;  // gets errno when the program cannot be started
-    int go;      // has a byte once the guard is there
+    int go;      // gets a byte once the guard runs
 };
 
 void close_from(unsigned first) {
@@ -88,7 +88,7 @@ void take_signals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-// A panel that ends meanwhile has no guard yet, and this process must not outlive it.
+// While there is no guard, this process ends by itself when the panel ends: the pipe is then closed without a byte.
 void wait_for_go() {
     char byte = 0;
     ssize_t size = -1;
@@ -102,7 +102,8 @@ void wait_for_go() {
 
 [[noreturn]] void become(const Start& start) {
     setpgid(0, 0);
-    // Before it waits: two that start at the same time would hold each other's pipes, and outlive a panel that is killed.
+    // Closes other descriptors before it waits: two children that start at the same time would hold each other's pipes
+    // open, and would not notice that the panel was killed.
     take_streams(start);
     wait_for_go();
     take_signals();
@@ -114,16 +115,16 @@ void wait_for_go() {
     _exit(CANNOT_START);
 }
 
-// A process of the program's group that outlives the panel: it asks the group to end, and kills what has not ended then.
-// SIGTERM and every other signal but SIGKILL are blocked in it. `life` is readable once the panel is gone.
+// A process in the program's group that outlives the panel: it sends the group SIGTERM, and SIGKILL after PATIENCE. It
+// blocks every signal that can be blocked. `life` becomes readable when the panel ends.
 [[noreturn]] void guard(pid_t group, int life) {
     constexpr int PAUSE = 10;  // milliseconds
     sigset_t all;
     sigfillset(&all);
     sigprocmask(SIG_SETMASK, &all, nullptr);
     setpgid(0, group);
-    prctl(PR_SET_NAME,
-          "adapter-guard");  // whoever looks for panels by their name finds the panel alone
+    // Another name than the panel's, so that a search for the panel by name does not find this process.
+    prctl(PR_SET_NAME, "adapter-guard");
     dup2(life, STDIN_FILENO);
     close_from(STDIN_FILENO + 1);
     pollfd source{STDIN_FILENO, POLLIN, 0};
@@ -215,7 +216,7 @@ std::string Child_process::start(const std::string& program,
     return "";
 }
 
-// Returns when the child has become the program, or why it cannot. From then on there is a guard.
+// Starts the guard, then lets the child execute the program. Returns 0 once it does so, else an error number.
 int Child_process::let_go(Descriptor& go, const Descriptor& report) {
     int error = start_guard();
     if (error == 0 && write(go.number(), "", 1) != 1) {

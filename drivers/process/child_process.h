@@ -1,6 +1,6 @@
-// An adapter that the panel starts, and ends with all that it started itself: it has a process group of its own.
+// An adapter that the panel starts in a process group, and ends together with the processes that the adapter started.
 //
-// The panel's end is its end, too, also one by SIGKILL: a second child of the group sees to that.
+// The group also ends when the panel is killed, even by SIGKILL: a guard process in the group ensures that.
 #ifndef FRONTPANEL_DRIVER_PROCESS_CHILD_PROCESS_H
 #define FRONTPANEL_DRIVER_PROCESS_CHILD_PROCESS_H
 
@@ -49,8 +49,8 @@ private:
     void end_guard();
 
     pid_t m_process = -1;
-    pid_t m_guard = -1;  // a child that ends the group if the panel cannot
-    Descriptor m_life;   // the guard reads its other end: it ends with the panel
+    pid_t m_guard = -1;  // ends the group if the panel is killed
+    Descriptor m_life;   // closed when the panel ends, which the guard notices at its other end
     Descriptor m_input;
     Descriptor m_output;
     Descriptor m_errors;

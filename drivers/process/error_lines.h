@@ -23,7 +23,7 @@ public:
         : m_name(std::move(name)), m_print(std::move(print)) {}
 
     void take(std::string_view bytes, Time now);
-    // A message of another origin: a line that is not the last one.
+    // Writes a message that is not from standard error. It does not become the last line.
     void note(const std::string& message, Time now);
     // Takes an unfinished line as one.
     void end(Time now);

@@ -358,7 +358,7 @@ private:
         expire(Clock::now());
     }
 
-    // A value shows that the adapter works again, whatever it has said.
+    // A value shows that the adapter works again: an earlier error without a request no longer counts.
     void take(const Adapter_message& message) {
         if (message.value.kind != Adapter_value::MISSING) {
             m_said.clear();
@@ -532,7 +532,7 @@ private:
     std::optional<Driver_result> m_write_result;
     std::optional<Time> m_owes_since;  // the first request that was made since its last word
     Time m_heard{};                    // its last word
-    std::string m_said;                // an error that answers no request, until the next value
+    std::string m_said;                // the last error without a request, until the next value
 
     std::map<std::size_t, News> m_news;  // the last of each parameter, to be passed on
     Time m_delivered{};

@@ -21,10 +21,10 @@ bool has_source(const Json_value& parameter);
 // Whether any does.
 bool has_sources(const Json_value& file);
 
-// What becomes of a driver that the table lacks or has without a maker.
+// How a driver that the table lacks, or has without `create`, is reported.
 enum class Lacking_drivers {
-    REFUSED,   // an error, since parameters cannot be reached
-    WARNED_OF  // a warning, for a device that stands in for every driver
+    REFUSED,   // as an error: its parameters cannot be reached
+    WARNED_OF  // as a warning: another device replaces every driver
 };
 
 class Driven_device {

@@ -59,8 +59,8 @@ public:
     // The device holds this value now. One of the wrong type, beyond the declared limits or too long counts as a
     // failure: a value is never cut or bent to fit.
     virtual void value(std::size_t number, const Parameter_value& value) = 0;
-    // The device held this value `age` ago, and is not known to hold another one: what arrived during a call that has no
-    // sink. The base passes it on as the value of now.
+    // The device held this value `age` ago, and has not reported another one since. For values that arrived during a
+    // call without a sink. The base passes it to `value`.
     virtual void late_value(std::size_t number, const Parameter_value& value,
                             std::chrono::milliseconds age);
     // The parameter has no usable value now, although the connection stands.
@@ -133,9 +133,9 @@ struct Driver_row {
     std::vector<const char*> members;         // of an instance, beside "driver" and "poll"
     std::vector<const char*> source_members;  // of a "source", beside "driver" and "poll"
     // `options` is the instance, whose members are known to be among `members`. Throws Placed_error for what is wrong
-    // with it. Connects to nothing. Null: the build leaves the driver out.
+    // with it. Connects to nothing. Null when the build leaves the driver out.
     std::unique_ptr<Driver> (*create)(const Json_value& options, const Driver_setup& setup);
-    // Of a driver that is left out: the option of the build that brings it. Such a row has a name and no members.
+    // The build option that adds a driver which is left out. The row of such a driver has a name and no members.
     const char* build_option = nullptr;
 
     bool is_left_out() const { return create == nullptr; }
