@@ -44,14 +44,15 @@ bool leaf_gate();
 // Refresh, set and visibility of the base entry: only under QUIET or VERBOSE.
 bool entry_gate();
 
-// A library that is to be small asks by a call, instead of by some twenty bytes at each of two hundred lines.
+// When optimising for size, the test is a function call: inline, it takes some twenty bytes at each of two hundred
+// lines.
 #ifdef __OPTIMIZE_SIZE__
 #define FRONTPANEL_GATE_CALL __attribute__((noinline))
 #else
 #define FRONTPANEL_GATE_CALL inline
 #endif
 
-// Whether a line of the mask is printed.
+// Whether a line with this mask is printed.
 template <uint32_t MASK, bool (*GATE)()>
 FRONTPANEL_GATE_CALL bool is_open() {
     return (debug & MASK) != 0 && GATE();
@@ -70,7 +71,7 @@ enum class Prefix : uint32_t {
 // The mask of a line that does not depend on `debug`. The listener is not called for it.
 constexpr uint32_t UNCONDITIONAL = 0;
 
-// The masks of lines. A line gives the number of its mask.
+// The masks of lines. A line names its mask by its number here.
 inline constexpr uint32_t MASKS[] = {UNCONDITIONAL,
                                      GENERAL,
                                      MODEL_READ,
@@ -99,8 +100,8 @@ constexpr uint32_t number_of(uint32_t mask) {
     return number;
 }
 
-// The number of a line in the source, of its mask and of the prefix that it is printed in: one argument instead of
-// three, since there are some two hundred calls.
+// The source line, the number of the mask and that of the prefix in one argument instead of three, which keeps two
+// hundred calls small.
 constexpr uint32_t PREFIX_BITS = 3;
 constexpr uint32_t MASK_BITS = 5;
 template <Prefix PREFIX, uint32_t MASK>

@@ -15,7 +15,7 @@ struct Commit_lines {
     // The commit, as its lines name it.
     const char* function;
     const char* file;
-    uint32_t place;                // with the category of the lines, leaf gate
+    uint32_t place;                // line and category, with the leaf gate
     bool reports_missing_binding;  // says when there is no binding (ranges do)
     bool announces_walk;           // says that it looks for dependants (ranges and texts do)
     bool adds_record;  // a parameter that the map lacks gets an empty record (texts add none)

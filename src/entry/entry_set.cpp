@@ -8,7 +8,7 @@ namespace {
 constexpr unsigned int ADDRESS_BITS = std::numeric_limits<std::uintptr_t>::digits;
 constexpr unsigned int FIRST_SIZE_BITS = 4;
 
-// The upper bits depend on all bits of the address, whatever the distance between entries.
+// Multiplies so that the upper bits depend on all bits of the address: entries lie at equal distances.
 std::uintptr_t spread(const Data_entry* entry) {
     constexpr auto GOLDEN_RATIO = static_cast<std::uintptr_t>(0x9E3779B97F4A7C15U);
     return reinterpret_cast<std::uintptr_t>(entry) * GOLDEN_RATIO;
@@ -34,7 +34,7 @@ void Entry_set::erase(const Data_entry* entry) {
         return;
     }
     std::size_t gap = place_of(entry);
-    // An entry behind the gap moves there, unless the place that its address gives lies behind the gap as well.
+    // Closes the gap: an entry behind it moves there, unless the place that its address gives is also behind the gap.
     for (std::size_t place = behind(gap); m_places[place] != nullptr; place = behind(place)) {
         const std::size_t mask = m_places.size() - 1;
         const std::size_t first = first_place(m_places[place]);

@@ -12,7 +12,7 @@ const char* name_or_null(const Data_entry* entry) {
     return entry != nullptr ? entry->Get_name() : "NULL";
 }
 
-// Requires: `callback` is not empty. Inlined as a whole, so that no exception for an empty one is built in.
+// Requires: `callback` is not empty. Flattened, so that the compiler leaves out the exception for an empty one.
 __attribute__((flatten)) Data_entry* call(const FunctionT1& callback) {
     if (callback.empty()) {
         __builtin_unreachable();

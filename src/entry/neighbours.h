@@ -40,8 +40,8 @@ public:
         friend class Met;
         explicit Level(std::size_t first) : m_first(first) {}
 
-        std::size_t m_first = 0;            // of its siblings among all
-        std::unique_ptr<Entry_set> m_many;  // once there are many
+        std::size_t m_first = 0;            // the first of its siblings in the list of all
+        std::unique_ptr<Entry_set> m_many;  // its siblings, once there are many
     };
 
     Level enter() const { return Level(m_siblings.size()); }

@@ -102,7 +102,7 @@ private:
 
     const Printing* m_outer;
     std::forward_list<Level> m_levels;
-    Entry_set m_entries;  // of the levels
+    Entry_set m_entries;  // the entries of all levels
     neighbours::Met m_met;
 };
 

@@ -273,7 +273,7 @@ int Range_entry::evaluateOptions() {
     }
     m_min = span.min;
     m_max = span.max;
-    // Without room that is not used: every number of a menu has such lists.
+    // Every number of a menu has such a list, so unused capacity is released.
     if (allowed.capacity() != allowed.size()) {
         allowed = std::vector<range_s>(allowed);
     }

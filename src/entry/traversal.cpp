@@ -108,7 +108,7 @@ private:
     int m_flags;
     void* m_argument;
     std::forward_list<Level> m_levels;  // from the entry that is being walked up to the start
-    Entry_set m_path;                   // the entries of these
+    Entry_set m_path;                   // the entries of `m_levels`
     neighbours::Met m_met;
 };
 

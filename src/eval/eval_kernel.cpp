@@ -177,7 +177,7 @@ Next Kernel::close_argument() {
     return m_token == evalKernel_right_parenthesis_token ? close_call() : unexpected(*this);
 }
 
-// As `pushArg`. The place is of use only when there is no room.
+// As `pushArg`, but publishes the parser's position only for the error of a full stack.
 bool Kernel::push_argument() {
     m_pcb.reduction_token = evalKernel_argument_list_token;
     double* const end = argStackTop;

@@ -57,7 +57,7 @@ int run_and_report(const char* operation, const Command& command, On_output outp
     return status;
 }
 
-// `start` stands before the text of the line.
+// `start` precedes the text of the line.
 int report_exception(const char* operation, const char* start, const char* activity, int number) {
     LIVE_ERROR(operation, "%sAn exception occurred while %s. Exception Nr.[%d]\n", start, activity,
                number);

@@ -45,7 +45,7 @@ bool is_plain_value(const char* value) {
     return true;
 }
 
-// Takes the characters of a text that is checked.
+// Discards the characters that rapidjson copies while it checks a text.
 struct Nowhere {
     void Put(char) {}
 };

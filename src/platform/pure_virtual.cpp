@@ -1,6 +1,6 @@
-// What an abstract class's table of virtual operations holds for the operations that it leaves open. The linker puts
-// this function in place of the compiler's (`--wrap`), so that the dynamic linker has nothing to look up for them at
-// start-up. A call still ends as the compiler's function ends it.
+// The entry for a pure virtual operation in the virtual tables of abstract classes. The linker puts this function in
+// place of the C++ runtime's (`--wrap`), so that the dynamic linker has no symbol to look up for these entries at
+// start-up. A call ends the program as the runtime's function does.
 extern "C" {
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the linker's names.
 __attribute__((noreturn)) void __real___cxa_pure_virtual();
