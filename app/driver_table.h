@@ -1,4 +1,4 @@
-// Every driver of the panel, those that this build leaves out included.
+// Every driver of the panel, including those that this build leaves out.
 #ifndef FRONTPANEL_APP_DRIVER_TABLE_H
 #define FRONTPANEL_APP_DRIVER_TABLE_H
 

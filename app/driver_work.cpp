@@ -20,7 +20,7 @@ bool is_shown(Driver_event::Kind kind) {
            kind != Driver_event::READ_AGAIN;
 }
 
-// A person knows a parameter by the item that shows it.
+// Notices name the item that shows the parameter: the display does not show parameter names.
 std::string item_name_of(const std::string& parameter, Menu& menu) {
     const Parameter* const found = menu.parameters().find_reference(parameter);
     const std::vector<Data_entry*> items =

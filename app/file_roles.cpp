@@ -96,7 +96,7 @@ void check_pair(const Role& first, const Role& second) {
                                 " name the same file");
 }
 
-// Before its log is emptied.
+// The menu names its presets, so it is read here, before the panel empties a log or writes any other file.
 std::unique_ptr<Menu_document> read_menu(const Options& options) {
     try {
         return std::make_unique<Menu_document>(options.menu);

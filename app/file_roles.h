@@ -14,7 +14,7 @@ namespace frontpanel {
 // a link counts as its file. So is one that the menu includes, or one of its presets. Devices and pipes may be named several
 // times.
 //
-// Returns the menu if it was read for that, so that it is not read again; null otherwise, and for one that cannot be read.
+// Returns the menu if the check had to read it, so that it is not read again; null otherwise, and if it cannot be read.
 std::unique_ptr<Menu_document> check_files(const Options& options);
 
 }  // namespace frontpanel

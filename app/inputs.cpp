@@ -63,7 +63,7 @@ void check_event_names(const Key_map& keys) {
     }
 }
 
-// Requires: no inputs, of which `parse_input` accepts none.
+// Requires: the options name no input; `parse_input` rejects every one in this build.
 std::vector<std::unique_ptr<Input>> inputs_of(const Options&, std::ostream&) {
     return {};
 }

@@ -51,7 +51,7 @@ Loaded_panel load_panel(std::unique_ptr<Menu_document> document, const std::stri
             panel.driven->check(problems);
         }
     } else if (has_drivers(root)) {
-        // Mistakes of a simulated menu would otherwise wait for the device.
+        // Otherwise mistakes in drivers and sources would first show on the real device.
         (void)driven_device(file, root, problems, panel.device->memory(),
                             Lacking_drivers::WARNED_OF);
     }

@@ -15,7 +15,7 @@ namespace frontpanel {
 
 // What becomes of parameters with a "source".
 enum class Drivers {
-    SIMULATED,  // the simulator takes the place of all drivers, also of those that the build lacks
+    SIMULATED,  // the simulator replaces all drivers, also those that the build lacks
     LOADED,     // they live at the drivers of the file
     CHECKED     // the same, and the drivers add their warnings
 };
@@ -34,7 +34,7 @@ struct Loaded_panel {
 Loaded_panel load_panel(const std::string& file, Cards cards, int columns,
                         Drivers drivers = Drivers::LOADED, const Shows_character& shows = nullptr,
                         bool has_all_warnings = true);
-// The same of a menu that was read before.
+// The same for a menu that was read before.
 Loaded_panel load_panel(std::unique_ptr<Menu_document> document, const std::string& file,
                         Cards cards, int columns, Drivers drivers, const Shows_character& shows,
                         bool has_all_warnings);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int BEHIND = -1;  // the place right of the text, and the only one of an empty text
 
-// Where the character begins of which the byte `at` is a part. The combining characters behind one belong to it.
+// The first byte of the character that byte `at` belongs to. Combining characters belong to the character before them.
 std::size_t start_of_character(const std::string& text, std::size_t at) {
     std::string_view rest = text;
     for (std::size_t start = 0;;) {
@@ -26,7 +26,7 @@ std::size_t start_of_character(const std::string& text, std::size_t at) {
     }
 }
 
-// Bytes of the character that begins at `at`. A byte that is no UTF-8 stands for itself.
+// The size of the character that begins at `at`, in bytes; 1 for a byte that is not UTF-8.
 std::size_t size_of_character(const std::string& text, std::size_t at) {
     return size_of_column(std::string_view(text).substr(at));
 }

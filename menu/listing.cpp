@@ -6,7 +6,7 @@
 namespace frontpanel {
 namespace {
 
-// Links and submenus that lead farther down, or round in a circle, count as having something to show.
+// Deeper links and submenus, such as links in a circle, count as having something to show.
 constexpr int DEEPEST = 1000;
 
 class Question {
@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    // What is remembered is of the last refresh.
+    // Clears the answer of the last refresh first, so that it is worked out anew, without a read.
     bool is_visible_unread(Data_entry& entry) {
         entry.Set_entry_visible(-1);
         return entry.isVisible(false, &m_menu.access()) >= 0;
@@ -43,7 +43,7 @@ private:
         return is_visible_unread(leaf) || (ahead && leaf.isVisible(true, &m_menu.access()) >= 0);
     }
 
-    // Beside a toggle a link shows what it houses shows: it takes the remembered answer.
+    // Apart from its toggle, a link is visible when its housed entry is: it takes that entry's remembered answer.
     bool is_link_listed(Data_entry& entry, int depth) {
         Link_entry* const link = link_of(entry);
         if (link == nullptr || is_mount(entry)) {
@@ -59,7 +59,7 @@ private:
         return is_on;
     }
 
-    // A submenu with a link in it shows: what the link houses lies in another menu.
+    // A submenu with a link in it is listed without asking the link, whose housed entry is in another menu.
     bool is_node_listed(Menu_node& node, int depth) {
         refresh(node, m_menu.access());
         if (!node.is_allowed()) {

@@ -260,7 +260,8 @@ void Controller::editor_closed() {
     m_navigation.leave_edited(*std::exchange(m_edited, nullptr), m_key);
 }
 
-// What is read now may have to follow rules, or others it. Entries that wait already take their turns.
+// Reading a line may change what rules depend on, so the rules settle before it is drawn. Entries that already waited
+// keep their turns.
 void Controller::read_list() {
     if ((m_log && m_log->is_open()) || !m_notices.empty() || m_editing.is_open()) {
         m_navigation.cover();

@@ -74,8 +74,8 @@ public:
     void set_size(Lcd_size size) { m_size = size; }
     // The entry of the open editor; null while none is open.
     const Data_entry* edited() const { return m_editing.is_open() ? &m_editing.entry() : nullptr; }
-    // Draws the front as it stands. Long texts scroll by one character a call. Values that were not drawn last time are
-    // read first.
+    // Draws the current frame. Long texts scroll by one character a call. Values that were not drawn last time are read
+    // first.
     Frame draw();
 
     // Shows a fault of a rule, unless the device is to blame: that shows where its values do.

@@ -22,7 +22,7 @@ struct Device_link {
     // Whether the last read of the entry's parameter failed. The entry's own refresh cannot tell: it reports
     // a failed read and a corrected value alike.
     std::function<bool(const Data_entry&)> read_failed;
-    // Whether the entry is one of its menu's list: see listing.h. Its value is not read for it.
+    // Whether the list of its menu shows the entry: see listing.h. Does not read its value.
     std::function<bool(Data_entry&)> is_listed;
     // What is known of the value that the entry shows; nothing where every read asks the device itself.
     std::function<std::optional<Value_state>(const Data_entry&)> state;

@@ -10,8 +10,8 @@
 namespace frontpanel {
 namespace {
 
-// The characters of a text that a display shows, and those that none does; other texts, such as rules on several lines, are
-// judged where they are read.
+// The characters of a text, with combining ones composed; those that have no composition go to `lost`. Empty for a text
+// that is not shown as it is, such as rules: those are checked where they are read.
 std::u32string shown_characters(const Json_value& value, std::set<char32_t>& lost) {
     try {
         return columns_of(value.shown_text(), lost);

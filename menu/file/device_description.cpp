@@ -125,7 +125,7 @@ void Device_description::load_parameter(const Json_value& parameter) {
     }
 }
 
-// Declares it before the limits are checked, so that other errors in rules that name the parameter are reported, too.
+// Declares the parameter before its limits are checked, so that rules which name it are checked as well.
 void Device_description::load_type(const Json_value& parameter, Parameter& declared,
                                    const std::optional<std::string>& name) {
     const size_t errors = m_problems.error_count();

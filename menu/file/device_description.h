@@ -30,14 +30,14 @@ public:
     const Parameter* parameter(const std::string& name) const;
     // As `Parameter_table::find_reference` finds them.
     const Parameter* reference(const std::string& text) const;
-    // The text that the simulated device starts with; none where "value" does not tell.
+    // The text that the simulated device starts with; empty when "value" does not give one.
     std::optional<Json_value> start_text(const Parameter& parameter) const;
     // Whether the card in a slot has a tree, or a combo box, of that parameter id, as far as that is known.
     bool has_document(int slot, uint32_t pid, bool is_tree) const;
 
 private:
     void load_parameter(const Json_value& parameter);
-    // Declares it with its limits. Told_already when something of them is wrong.
+    // Declares the parameter with its limits. Throws Told_already when a limit is wrong.
     void load_type(const Json_value& parameter, Parameter& declared,
                    const std::optional<std::string>& name);
     void load_limits(const Json_value& parameter, Parameter& declared);

@@ -29,11 +29,11 @@ public:
 
 private:
     struct Added {
-        const std::string* menu;  // its path with a slash behind it
+        const std::string* menu;  // path of the menu around it, with a slash at the end
         std::string name;
         Data_entry* entry;
     };
-    // In many menus nobody refers to an item: paths are made when the first one is looked up.
+    // Many menus never refer to an item by its path: paths are made when the first one is looked up.
     void make_paths() const;
     std::string hint(const std::string& unknown) const;
 
@@ -44,8 +44,8 @@ private:
 
     mutable size_t m_searched = 0;  // by all hints
     std::deque<std::string> m_menus{""};
-    std::vector<const std::string*> m_open{&m_menus.front()};  // inside each other
-    mutable std::deque<Added> m_added;                         // that have no path yet
+    std::vector<const std::string*> m_open{&m_menus.front()};  // outermost first
+    mutable std::deque<Added> m_added;                         // items whose paths are not made yet
     mutable std::map<std::string, Named> m_paths;
     std::map<std::string, Data_entry*> m_ids;
 };

@@ -129,7 +129,7 @@ Json_node Menu_document::read(const std::string& file, std::string text) {
     return whole;
 }
 
-// Expanding such a menu changes nothing, and meets no limit that parsing has not met.
+// Expanding such a menu would change nothing, and would exceed no limit: the parser has checked the same ones.
 bool Menu_document::is_written_out(const File& file) const {
     const Json_names& names = file.document->names();
     return m_file_bytes <= MOST_BYTES && !names.may_have("templates") &&

@@ -75,7 +75,7 @@ void load(Load_context& context, Menu_document& document) {
         problems.attempt([&] { context.menu.encoder_settings() = encoder_settings_of(*encoder); });
     }
     problems.attempt([&] { context.device.load(file.member("device")); });
-    document.release_parameters();  // they take as much memory as the items
+    document.release_parameters();  // before the items, which need as much memory again
     declare_options(context, file);
     context.menu.set_card_service(context.loading.card_service);
     problems.attempt([&] { load_root(context, file.member("menu")); });

@@ -178,7 +178,7 @@ void build_range(Load_context& context, const Json_value& item, const Spot& spot
     check_step(context, item, range, bounds);
     problems.attempt([&] { set_ranges(context, ranges, range, bounds); });
     if (item.find(member::BINDING)) {
-        // Before its rules narrow them. Ranges of a list depend on options.
+        // Kept before rules narrow them. `ranges` may depend on options, so the entry is asked for those that hold.
         context.menu.keep_own_ranges(
             range, ranges ? allowed_ranges(range) : Number_ranges{{bounds.min, bounds.max}});
     }

@@ -93,13 +93,13 @@ bool List_view::is_drawn(const Data_entry* entry) const {
     return std::find(m_drawn.begin(), m_drawn.end(), entry) != m_drawn.end();
 }
 
-// Reads what a line shows. Whether the entry is still visible, which its value may decide.
+// Reads the value of a line. False when the entry is hidden afterwards, since its value may decide that.
 bool List_view::read(Data_entry& entry) {
     return is_menu(entry) ? m_device.is_listed(entry)
                           : entry.isVisible(true, &m_device.access) >= 0;
 }
 
-// An entry that is neither drawn nor due is taken as it was.
+// An entry that is neither on the display nor due keeps its former answer.
 void List_view::refresh(const std::function<bool(size_t)>& is_due) {
     Data_entry* const held = selected();
     const std::vector<Data_entry*> all = children_of(m_menu);
@@ -158,7 +158,7 @@ std::vector<Data_entry*> List_view::with_line(int lines) const {
     return {top, top + std::min<std::ptrdiff_t>(lines, m_visible.end() - top)};
 }
 
-// The cursor goes to the next one, or to the last.
+// The cursor moves to the next visible entry, or to the last.
 void List_view::take_out(Data_entry* hidden) {
     const auto found = std::find(m_visible.begin(), m_visible.end(), hidden);
     if (found - m_visible.begin() < m_cursor) {
@@ -168,7 +168,7 @@ void List_view::take_out(Data_entry* hidden) {
     move(0);
 }
 
-// An entry that is hidden by what is read makes room for the next one.
+// When a value hides its entry, the next one takes the line and is read as well.
 bool List_view::bring_into_view(Lcd_size size) {
     const int lines = size.rows - first_row(size);
     for (bool has_read = false;; has_read = true) {

@@ -27,11 +27,11 @@ public:
     // Brings the cursor out when there is anything to stand on.
     void wake() { m_is_at_rest = m_visible.empty(); }
     bool is_at_rest() const { return m_is_at_rest; }
-    // Asks which entries of the menu are visible, and reads the values that were drawn last. A cursor whose entry is gone
-    // moves to the next visible one, or to the last.
+    // Finds the visible entries of the menu, and reads the values that were drawn last. If the entry at the cursor is
+    // no longer visible, the cursor moves to the next visible one, or to the last.
     void refresh();
-    // As `refresh`, but of a long menu asks only some besides those drawn last, in turns: a menu of a thousand entries
-    // costs no more at rest than a short one.
+    // As `refresh`, but checks only some entries of a long menu at a time, besides those drawn last: an idle menu of a
+    // thousand entries costs no more than a short one.
     void refresh_shown();
     // From now on every entry is to be asked once more by `refresh_shown`, soon.
     void begin_round() { m_left_in_round = m_size + ENTRIES_A_TURN; }
@@ -46,12 +46,12 @@ public:
     // The entry under the cursor; null when nothing is visible.
     Data_entry* selected() const;
 
-    // Reads the values that were not drawn last time, so that no line is older than its first frame. Whether there were
-    // any.
+    // Reads the values that were not drawn last time, so that a line is current in its first frame. Returns whether
+    // there were any.
     bool bring_into_view(Lcd_size size);
-    // Draws the list: a display of three lines and more has the menu's name on the first. Brings it into view first.
+    // Calls `bring_into_view`, then draws the list; on a display of three lines or more below the menu's name.
     void draw(Lcd& lcd);
-    // Something else is drawn in place of the list: none of its values is on the display.
+    // Call it when something else is drawn in place of the list: none of its values is then on the display.
     void cover() { m_drawn.clear(); }
     // Whether an entry drawn last could not be read.
     bool alarm() const { return m_alarm; }
@@ -75,9 +75,10 @@ private:
     Menu_step m_menu;
     Device_link m_device;
     std::vector<Data_entry*> m_visible;
-    int m_cursor = 0;  // in m_visible
-    int m_top = 0;     // first of m_visible on the display
-    // On the display, with the values that were read at the last tick or since. Compared only: they may be gone.
+    int m_cursor = 0;  // index in m_visible
+    int m_top = 0;     // index in m_visible of the first line on the display
+    // The entries on the display, whose values were read at the last tick or later. Only compared: they may not exist
+    // any more.
     std::vector<const Data_entry*> m_drawn;
     size_t m_turn = 0;  // the entry of a long menu that is refreshed next
     size_t m_size = 0;  // of the menu, hidden entries included

@@ -51,9 +51,10 @@ public:
     // Goes back to the top, leaving every menu.
     void go_home();
 
-    // Reads the lines on the display again, and asks which entries are listed. A menu that is hidden by now is left.
+    // Reads the lines on the display again, and finds the entries that are listed. Leaves a menu that has become
+    // hidden.
     void refresh();
-    // As `refresh`, but of a long menu only what is on the display and some of the rest is asked.
+    // As `refresh`, but checks only the lines on the display and some of the other entries of a long menu.
     void tick();
     // Whether an entry of the shown menu is still shown, and every menu on the way to it.
     bool is_shown(Data_entry& entry);
@@ -68,7 +69,7 @@ public:
     // See `List_view`.
     bool bring_into_view(Lcd_size size) { return m_list.bring_into_view(size); }
     void draw(Lcd& lcd) { m_list.draw(lcd); }
-    // Something else is on the display.
+    // Call it when something else is on the display.
     void cover() { m_list.cover(); }
     Panel_mode mode() const;
     bool alarm() const { return m_list.alarm(); }

@@ -22,7 +22,7 @@ Scrolling_text scrolling(const std::string& text) {
     return scrolls;
 }
 
-// On the rows up to `end` where it has room there.
+// Draws the text on the rows up to `end`, on several lines if they have room for it; otherwise it scrolls on one.
 void draw_text(Lcd& lcd, Scrolling_text& text, int end) {
     const int columns = lcd.size().columns;
     const std::vector<std::string> lines = wrapped(text.text(), columns, end - TEXT_ROW);

@@ -40,9 +40,9 @@ public:
     bool asks() const { return !empty() && m_notices.front().answer != nullptr; }
     // Not without one.
     void press(Key::Kind key);
-    // Draws the first text, on several lines where the display has room for it; else it scrolls by one character a call.
-    // Not without one. A question has its keys on the last line; on a display of two lines its title stands before its
-    // text.
+    // Draws the first text, on several lines if the display has room for it; otherwise it scrolls by one character a
+    // call. A question shows its keys on the last line; on a display of two lines its title precedes its text.
+    // Requires: there is a text.
     void draw(Frame& frame);
 
 private:

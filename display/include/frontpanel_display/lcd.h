@@ -27,9 +27,9 @@ public:
     // A blank grid.
     explicit Lcd(Lcd_size size);
 
-    // Writes `text`, which is UTF-8, from `column` on. Text beyond the end of the row is dropped. Combining characters
-    // go into the one before them; a character that ISO-8859-1 lacks becomes its letter or '?' in `line`: see
-    // character_set.h. Outside the grid nothing happens.
+    // Writes UTF-8 text from `column` on. Text beyond the end of the row is dropped. A combining character joins the
+    // character before it. A character that ISO-8859-1 lacks becomes its base letter or '?' in `line`: see
+    // character_set.h. Does nothing outside the grid.
     void put(int row, int column, std::string_view text);
     // Writes `text` so that it ends in the row's last column; a longer text keeps its start.
     void put_right(int row, std::string_view text);
@@ -39,7 +39,7 @@ public:
     Lcd_size size() const { return m_size; }
     // The whole line: exactly `columns` cells, one byte of ISO-8859-1 each. Requires: `row` is within the grid.
     const std::string& line(int row) const { return m_lines.at(static_cast<size_t>(row)); }
-    // The characters of the same cells, for a display of another set: what ISO-8859-1 lacks stands here as itself.
+    // The same cells as characters, for a display with another character set: those that ISO-8859-1 lacks are kept.
     // Controls and damaged bytes are '?' here too.
     const std::u32string& characters(int row) const {
         return m_characters.at(static_cast<size_t>(row));
@@ -49,7 +49,7 @@ public:
     // -1 when no cursor is shown.
     int cursor_row() const { return m_cursor_row; }
     int cursor_column() const { return m_cursor_column; }
-    // The characters that `line` does not show as they are.
+    // The characters that `line` replaces or leaves out.
     const std::set<char32_t>& lost() const { return m_lost; }
 
 private:

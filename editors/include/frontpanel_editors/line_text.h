@@ -1,8 +1,8 @@
 // Texts on a display line that may be too short for them.
 //
-// Texts are UTF-8; widths and columns count characters, those with the combining ones behind them as one, and bytes that
-// are no UTF-8 one by one. A word that holds a digit is never cut unseen, since the rest of a number reads as another
-// number: '<' or '>' stands at the end of the line where the word goes on.
+// Texts are UTF-8. Widths and columns count characters: one with its combining characters counts once, and so does each
+// byte that is not UTF-8. A word with a digit is never cut without a mark, since the rest of a number reads as another
+// number: '<' or '>' at that end of the line shows that the word goes on.
 #ifndef FRONTPANEL_EDITORS_LINE_TEXT_H
 #define FRONTPANEL_EDITORS_LINE_TEXT_H
 
@@ -19,10 +19,11 @@ struct Editor_view;
 int width_of(std::string_view text);
 // The beginning of a text, at most `columns` characters.
 std::string start_of(std::string_view text, int columns);
-// What stands behind the first `columns` characters.
+// The text after its first `columns` characters.
 std::string rest_of(std::string_view text, int columns);
 
-// The text on lines, broken at blanks; nothing when it takes more than `lines`, or a word more than `columns`.
+// The text on several lines, broken at blanks; empty when it needs more than `lines`, or a word is wider than
+// `columns`.
 std::vector<std::string> wrapped(std::string_view text, int columns, int lines);
 
 // A text without cursor: one that is too long is held at its start for two calls, then moves left by one

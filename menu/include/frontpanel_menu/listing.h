@@ -1,7 +1,7 @@
-// Which entries of a menu a list shows, at the cost of their rules: no value is read for it.
+// Which entries of a menu a list shows. Only rules are evaluated: no value is read for it.
 //
-// The library's own question with refresh reads the entry, and of a submenu its first visible entry. A list asks for
-// every entry at every tick, and shows few of them.
+// A list asks this for every entry at every tick, and shows few of them. `isVisible` with refresh would read each
+// entry, and for a submenu its first visible entry.
 #ifndef FRONTPANEL_MENU_LISTING_H
 #define FRONTPANEL_MENU_LISTING_H
 
@@ -16,14 +16,13 @@ class Menu_node : public Node_entry {
 public:
     using Node_entry::Node_entry;
 
-    // Whether its options, its rules and its own visibility let it show, whatever its children do.
+    // Whether its options, its rules and its own visibility allow it to be shown. Its children do not count.
     bool is_allowed();
 };
 
-// Whether `isVisible` with refresh finds the entry visible. Rules see the values of their parameters as they were last
-// polled; an entry whose rules are to take effect with the next `settle` is refreshed when they make it visible, and
-// any that was never refreshed has its rules evaluated. A node that is no `Menu_node` is asked in the library's way,
-// which reads entries below it.
+// Whether the list shows the entry: the answer of `isVisible` with refresh. Rules see their parameters as last polled.
+// The rules of an entry that was never refreshed are evaluated. An entry that waits for `settle` is refreshed if its
+// rules make it visible. A node that is no `Menu_node` is asked by `isVisible`, which reads entries below it.
 bool is_listed(Data_entry& entry, Menu& menu);
 
 }  // namespace frontpanel

@@ -38,9 +38,9 @@ public:
     const Json_node& node() const { return m_root; }
     // The file and those that it includes, as far as they could be read.
     std::vector<std::string> files() const;
-    // False: no object of these files has a member of that name.
+    // False when no object in these files has a member of that name; true when one may have it.
     bool may_have_member(std::string_view name) const;
-    // Releases the parameters of the device as far as that can be done: their list is empty from now on.
+    // Empties the list of the device's parameters and releases its memory as far as possible.
     void release_parameters();
     // Whoever reads a part of the document reports here what is wrong with it.
     Problems& problems() { return m_problems; }
@@ -106,7 +106,7 @@ private:
     std::unique_ptr<Json_document> parse(const Json_node& name, const std::string& path);
     std::string replaced(const Json_node& text, const Scope& scope, Unknown unknown);
     Json_node without_member(const Json_node& node, const char* name);
-    // With another value of the first member of that name.
+    // A copy of the object in which the first member of that name has another value.
     Json_node with_value(const Json_node& node, const char* name, const Json_node& value);
     void count(const Json_mark& mark, size_t values);
     void count_text(const Json_mark& mark, size_t bytes);

@@ -56,8 +56,8 @@ Loaded_menu load_menu(const std::string& file, Data_interface& device, const Loa
 // The same from the text of a file; `file` only names it and is what included files are relative to.
 Loaded_menu load_menu_text(const std::string& file, const std::string& text, Data_interface& device,
                            const Loading& loading = {});
-// The same from a document whose other parts, such as a simulator's, were read before: problems that it has by then
-// are among the errors and warnings. The menu does not need the document, whose list of parameters is empty afterwards.
+// The same from a document that other components, such as a simulator, have read before: the problems that they found
+// are among the errors and warnings. Empties the document's list of parameters. The menu does not need the document.
 Loaded_menu load_menu(Menu_document& document, Data_interface& device, const Loading& loading = {});
 
 }  // namespace frontpanel

@@ -61,8 +61,8 @@ public:
         uint32_t varidx;
         RETURN_TYPE type;  // the parameter's; INVALID_TYPE when the device has no such parameter
         std::string
-            value;  // a number in decimal, a text with "\xNN" for control characters and what is
-                    // no UTF-8; bytes that fit neither in hexadecimal ("01 ff")
+            value;  // a number in decimal; a text with "\xNN" for control characters and bytes that are
+                    // not UTF-8; in hexadecimal ("01 ff") when the bytes fit neither
         int result;
     };
 
