@@ -56,33 +56,46 @@ Position find_by_name(const Entry* table, int size, const char* name) {
     return {low, false};
 }
 
-// Where the functions with each first letter begin in the table, which is in the order of their names.
+// Two characters and the length of a name tell the functions apart.
+constexpr unsigned FUNCTION_SLOTS = 32;
+
+constexpr unsigned function_slot(const char* name, int length) {
+    const auto first = static_cast<unsigned char>(name[0]);
+    const auto second = static_cast<unsigned char>(name[1]);
+    return (first * 4U + second * 7U + static_cast<unsigned>(length)) % FUNCTION_SLOTS;
+}
+
+// The place in the table of the function of each slot.
 struct Function_index {
-    unsigned char start['z' - 'a' + 2];
+    unsigned char place[FUNCTION_SLOTS];
 };
 
 constexpr Function_index make_function_index() {
-    constexpr char FIRST_LETTERS[] = "aaaacceffllssstt";
-    static_assert(sizeof FIRST_LETTERS - 1 == FUNCTION_COUNT);
+    constexpr const char* NAMES[] = {"acos", "asin", "atan", "atan2", "cos",   "cosh",
+                                     "exp",  "fabs", "fmod", "log",   "log10", "sin",
+                                     "sinh", "sqrt", "tan",  "tanh"};
+    static_assert(sizeof NAMES / sizeof NAMES[0] == FUNCTION_COUNT);
     Function_index index{};
-    for (int letter = 0, at = 0; letter <= 'z' - 'a' + 1; ++letter) {
-        while (at < FUNCTION_COUNT && FIRST_LETTERS[at] - 'a' < letter)
-            ++at;
-        index.start[letter] = static_cast<unsigned char>(at);
+    for (unsigned char i = 0; i < FUNCTION_COUNT; ++i) {
+        int length = 0;
+        while (NAMES[i][length] != '\0')
+            ++length;
+        index.place[function_slot(NAMES[i], length)] = i;
     }
     return index;
 }
 
 constexpr Function_index FUNCTION_INDEX = make_function_index();
 
-// Returns null if no function has this name.
-const FunctionDescriptor* find_function(const char* name) {
-    const int letter = *name - 'a';
-    if (letter < 0 || letter > 'z' - 'a') return nullptr;
-    for (int i = FUNCTION_INDEX.start[letter]; i < FUNCTION_INDEX.start[letter + 1]; ++i) {
-        if (compare_names(name, functionTable[i].name) == 0) return &functionTable[i];
+// Returns null if no function has this name. An application may have pushed characters behind the end of the name: then
+// its length leads to no function.
+const FunctionDescriptor* find_function(const char* name, int length) {
+    if (length > 0) {
+        const int likely = FUNCTION_INDEX.place[function_slot(name, length)];
+        if (compare_names(name, functionTable[likely].name) == 0) return &functionTable[likely];
     }
-    return nullptr;
+    const Position position = find_by_name(functionTable, FUNCTION_COUNT, name);
+    return position.found ? &functionTable[position.index] : nullptr;
 }
 
 const char* pop_name(int length) {
@@ -162,7 +175,7 @@ double* locateVariable(int nameLength) {
 double callFunction(int nameLength, int argCount) {
     const char* name = pop_name(nameLength);
     argStackTop -= argCount;
-    const FunctionDescriptor* const called = find_function(name);
+    const FunctionDescriptor* const called = find_function(name, nameLength);
     if (called != nullptr) return called->function(argCount, argStackTop);
     raise("Unknown Function");
     return 0.0;

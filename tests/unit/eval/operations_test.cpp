@@ -115,6 +115,39 @@ TEST_F(Evaluator_operations, AnUnknownFunctionYieldsZeroAndTakesItsArguments) {
     EXPECT_STREQ(errorRecord.message, "Unknown Function");
 }
 
+TEST_F(Evaluator_operations, EachFunctionIsCalledByItsName) {
+    for (const FunctionDescriptor& function : functionTable) {
+        const std::string name = function.name;
+        const int count = name == "atan2" || name == "fmod" ? 2 : 1;
+        double arguments[] = {0.75, 2.5};
+        push_name(function.name);
+        pushArg(arguments[0]);
+        if (count == 2) pushArg(arguments[1]);
+        EXPECT_EQ(callFunction(static_cast<int>(name.size()), count),
+                  function.function(count, arguments))
+            << name;
+    }
+}
+
+TEST_F(Evaluator_operations, NamesThatOnlyResembleAFunctionAreUnknown) {
+    for (const char* const name : {"", "s", "si", "sinn", "cOs", "Sin", "atan3", "atan22", "log1",
+                                   "log100", "tanhh", "fabz", "\xe9xp", "xyz"}) {
+        init_evalKernel();
+        errorRecord = {nullptr, 0, 0};
+        push_name(name);
+        EXPECT_EQ(callFunction(static_cast<int>(std::strlen(name)), 0), 0.0);
+        EXPECT_STREQ(errorRecord.message, "Unknown Function") << name;
+    }
+}
+
+TEST_F(Evaluator_operations, AFunctionIsFoundByItsNameUpToAZeroCharacter) {
+    for (const char c : {'c', 'o', 's', '\0', 'x', 'y'})
+        pushChar(c);
+    pushArg(0.0);
+    EXPECT_EQ(callFunction(6, 1), 1.0);
+    EXPECT_EQ(charStackTop, charStack);
+}
+
 TEST_F(Evaluator_operations, FullStacksKeepWhatTheyHold) {
     init_evalKernel();
     for (int i = 0; i < 1000; ++i)
