@@ -1,7 +1,7 @@
 """Prints the ratios of ratios.tsv from the results of one run, writes them as JSON, and draws the growth curves.
 
 usage: ratios.py RATIOS RESULTS_FOLDER JSON_FILE SVG_FILE
-RESULTS_FOLDER holds BENCHMARK.json of each benchmark, as Google Benchmark writes it.
+RESULTS_FOLDER holds BENCHMARK/NUMBER.json of each case of a benchmark, as Google Benchmark writes it.
 """
 import json
 import math
@@ -27,10 +27,16 @@ CURVES = [
 ]
 
 
-def counted_times(result):
-    """The counters in milliseconds, by name, in nanoseconds."""
-    return {name: value * 1e6 for name, value in result.items()
-            if name.endswith("_ms") and isinstance(value, (int, float))}
+# A unit of a counter, or of a figure that stands for a case, in those of the results: nanoseconds, and percent as they are.
+UNITS = {"ms": 1e6, "percent": 1}
+
+
+def counted(result):
+    """The counters with a unit in their name, by name."""
+    for name, value in result.items():
+        unit = name.rpartition("_")[2]
+        if unit in UNITS and isinstance(value, (int, float)):
+            yield name, value * UNITS[unit]
 
 
 def nanoseconds(result):
@@ -45,24 +51,29 @@ def nanoseconds(result):
 def read_results(folder):
     """The shortest time of the repetitions of each case: what else runs on the machine only adds."""
     times = {}
-    for file in sorted(folder.glob("*.json")):
+    for file in sorted(folder.glob("*/*.json")):
         for result in json.loads(file.read_text())["benchmarks"]:
             if result["run_type"] == "iteration":
-                case = f"{file.stem}:{result['name']}"
+                case = f"{file.parent.name}:{result['name']}"
                 times[case] = min(nanoseconds(result), times.get(case, math.inf))
-                for counter, ns in counted_times(result).items():
-                    counted = f"{case}@{counter}"
-                    times[counted] = min(ns, times.get(counted, math.inf))
+                for name, value in counted(result):
+                    counter = f"{case}@{name}"
+                    times[counter] = min(value, times.get(counter, math.inf))
     return times
+
+
+def figure(text, times):
+    """What stands in a column of ratios.tsv: a case, or a number and its unit."""
+    number, _, unit = text.partition(" ")
+    return float(number) * UNITS[unit] if unit in UNITS else times[text]
 
 
 def read_ratios(file, times):
     for line in file.read_text().splitlines():
         if line and not line.startswith("#"):
             what, case, beside, limit = line.split("\t")
-            beside_ns = float(beside.split()[0]) * 1e6 if beside.endswith(" ms") else times[beside]
-            yield {"what": what, "ns": times[case], "beside_ns": beside_ns,
-                   "ratio": times[case] / beside_ns, "limit": float(limit)}
+            found, peer = figure(case, times), figure(beside, times)
+            yield {"what": what, "found": found, "beside": peer, "ratio": found / peer, "limit": float(limit)}
 
 
 def curves(times):
@@ -107,11 +118,11 @@ def main():
     ratios_file, folder, json_file, svg_file = map(pathlib.Path, sys.argv[1:])
     times = read_results(folder)
     ratios = list(read_ratios(ratios_file, times))
-    print(f"{'ns':>9} {'beside':>9} {'ratio':>7} {'limit':>6}  what")
+    print(f"{'ns or %':>10} {'beside':>10} {'ratio':>7} {'limit':>6}  what")
     for row in ratios:
         mark = "  above its limit" if row["ratio"] > row["limit"] else ""
-        print(f"{row['ns']:9.1f} {row['beside_ns']:9.1f} {row['ratio']:7.2f} {row['limit']:6.2f}  {row['what']}{mark}")
-    json_file.write_text(json.dumps({"ratios": ratios, "ns": times}, indent=1) + "\n")
+        print(f"{row['found']:10.1f} {row['beside']:10.1f} {row['ratio']:7.2f} {row['limit']:6.2f}  {row['what']}{mark}")
+    json_file.write_text(json.dumps({"ratios": ratios, "cases": times}, indent=1) + "\n")
     draw(times, svg_file)
 
 

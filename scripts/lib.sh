@@ -26,7 +26,10 @@ TEST_PACKAGES=(
     libxml2-utils locales mandoc mosquitto mosquitto-clients openssl procps
     python3 python3-pymodbus python3-serial-asyncio socat tmux
 )
+# The peer that the evaluator is compared with.
 # shellcheck disable=SC2034  # used by the scripts that source this
+BENCH_PACKAGES=("${TEST_PACKAGES[@]}" libfparser-dev)
+# shellcheck disable=SC2034
 CI_PACKAGES=(
     "${TEST_PACKAGES[@]}"
     clang clang-format clang-tidy libclang-rt-dev llvm
