@@ -49,11 +49,11 @@ public:
     Binding(const Binding&) = delete;
     Binding& operator=(const Binding&) = delete;
 
-    // Tells the engine which parameter its entry controls; `self_control_info` holds it from then on.
+    // Sets the parameter that the entry controls; `self_control_info` holds it from then on.
     // `index` may be null.
     virtual void setControlInfo(unsigned int pid, const Index_t* index,
                                 Data_entry::Entry_type type) = 0;
-    // Tells the engine its entry, which outlives it.
+    // Sets the engine's entry, which outlives the engine.
     virtual void setDataEntry(Data_entry* entry) = 0;
     virtual void addBindingList(BindingListT list) = 0;
     virtual int numBindingLists() = 0;
@@ -69,7 +69,7 @@ public:
     virtual bool offersSuggestion(int mask) = 0;
     // Whether that suggestion changed since it was last cleared.
     virtual bool suggestionUpdated(int mask) = 0;
-    // Copies the suggestion to `out`, an object of the type told at `Suggestion_kind`.
+    // Copies the suggestion to `out`, an object of the type listed at `Suggestion_kind`.
     virtual void getSuggestion(int mask, void* out) = 0;
     // Marks that suggestion as consumed.
     virtual void clearSuggestion(int mask) = 0;
@@ -87,7 +87,7 @@ public:
     var_index_s self_control_info;
 };
 
-// The cached value of one parameter, and who depends on it.
+// The cached value of one parameter, and the entries that depend on it.
 class FRONTPANEL_DATA_EXPORT EntryModelCache {
 public:
     EntryModelCache();

@@ -3,7 +3,7 @@
 // Every value that the panel shows or edits is a device parameter, named by a parameter id (pid) and an
 // index of up to two levels. The application derives `Data_interface` and passes it to each refresh and
 // commit; the library never implements it. Not thread-safe: an interface that is called from several
-// threads serialises itself.
+// threads must serialise the calls.
 #ifndef FRONTPANEL_DATA_DATA_INTERFACE_H
 #define FRONTPANEL_DATA_DATA_INTERFACE_H
 
@@ -50,9 +50,9 @@ enum Diagnostic_mask : uint32_t {
 // `DIAGNOSTIC_SHORTCUT & ~DIAGNOSTIC_GENERAL`; categories that share another bit print too. Not locked.
 extern FRONTPANEL_DATA_EXPORT uint32_t debug;
 
-// Tells an application that keeps the diagnostic output which lines are which: called with a line's mask
-// before the line is printed, and with 0 after it. Lines that print whatever `debug` holds are not reported.
-// Null (the start value) for nobody. The library holds no mutex meanwhile, so the listener may ask any entry;
+// Called with a line's mask before the line is printed, and with 0 after it, so that an application that keeps
+// the diagnostic output can sort its lines. Not called for lines that print whatever `debug` holds. Null (the
+// start value) for no listener. The library holds no mutex during the call, so the listener may call any entry;
 // an operation that prints lines itself calls the listener again.
 extern FRONTPANEL_DATA_EXPORT void (*debug_listener)(uint32_t mask);
 
@@ -131,8 +131,8 @@ public:
     // Writes the zero-terminated alias of a product, at most 99 characters, to `name`. 0 on success.
     virtual int Get_prod_alias_name(char* name, prod_id_t product) = 0;
 
-    // The application's own; they travel with the interface. 0 at the start, so that a panel over an interface that
-    // never sets them neither locks nor dims; afterwards the library neither sets nor reads them.
+    // For the application; the library neither sets nor reads them. 0 at the start, so that a panel over an interface
+    // that never sets them neither locks nor dims.
     int32_t go_home = 0;           // the panel is to return to its home screen
     int32_t lock_and_dim = 0;      // the panel is to lock and dim
     int32_t time_for_timeout = 0;  // the time-out setting of the panel
@@ -141,8 +141,8 @@ public:
     static Data_interface* m_pDataAccessInf;
 };
 
-// Holds the data interface for code that is handed none. The application sets it and keeps the interface
-// alive; null until then.
+// Holds the data interface for code without an interface argument. The application sets it and keeps the
+// interface alive; null until then.
 class FRONTPANEL_DATA_EXPORT VarIdDataInfStore {
 public:
     static Data_interface* m_pDataAccessInf;

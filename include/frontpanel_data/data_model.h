@@ -1,8 +1,8 @@
 // Value models: the local copy of one device parameter, as a menu leaf holds it.
 //
-// A model reads (`Refresh`), writes (`Commit`) and steps (`Inc_value`) its copy. It knows no visibility and
-// no range but its own bounds; those belong to the entry. Values are stored inline and no operation
-// allocates. A model has no lock: it is used from the thread that drives its entry.
+// A model reads (`Refresh`), writes (`Commit`) and steps (`Inc_value`) its copy within its own bounds;
+// visibility and allowed ranges belong to the entry. Values are stored inline and no operation allocates. A
+// model has no lock: it is used from the thread that drives its entry.
 #ifndef FRONTPANEL_DATA_DATA_MODEL_H
 #define FRONTPANEL_DATA_DATA_MODEL_H
 

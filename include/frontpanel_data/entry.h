@@ -21,7 +21,7 @@ class Binding;
 class Data_entry;
 class EntryModelCache;
 
-// What the product options say of an option name.
+// How the product options classify an option name.
 struct is_static_value_s {
     int32_t isStatic;   // 1 static option, 0 dynamic option, -1 not decided
     int32_t realValue;  // the value that the product options give the option
@@ -134,7 +134,7 @@ public:
     // houses is attached.
     virtual int Attach(Data_entry& parent);
     // Takes a child out of the child list. Its parent becomes null; its own sibling links stay, so that a
-    // walk that stands on it can go on. 0, also when it is no child of this entry; -1 for null.
+    // walk that has reached it can go on. 0, also when it is no child of this entry; -1 for null.
     virtual int Remove(Data_entry* child);
 
     virtual bool Is_active() const;
@@ -181,7 +181,7 @@ public:
     // are remembered.
     virtual int isVisible(bool if_control_refresh, Data_interface* pDataAccessInf);
 
-    // Copies the value to `buffer`; the result of a leaf is told with its class.
+    // Copies the value to `buffer`; each leaf class documents its result.
     virtual int Get_value(void* buffer, unsigned int length) = 0;
     // Tries a value against the binding's warnings and shows them. 0, or 1 when there were any. Never stores
     // the value: leaves do. At most 4 bytes of an integer and `length` bytes of a text are read.
@@ -193,10 +193,10 @@ public:
     // Applies the binding's access and write suggestions, after evaluating its expressions when
     // `eval_binding` is set. With a null interface the writes are dropped. Returns OK.
     virtual int Refresh(Data_interface* pDataAccessInf, bool eval_binding);
-    // Steps the value by `value`, a text at `position` from its right end; the result is told with the leaf.
+    // Steps the value by `value`, a text at `position` from its right end; each leaf class documents its result.
     virtual int Inc_value(int value, int position) = 0;
-    // Prints name and description of the entry and all below it; of an entry that lies below itself, through
-    // a link, only these the second time.
+    // Prints the name and description of the entry and of all entries below it. An entry that a link leads back
+    // to is printed again, but not what is below it.
     virtual void Print();
     // The following are for leaves; the base does nothing and returns 0 or null.
     virtual void Update_value(char** texts, int size);
@@ -277,8 +277,9 @@ public:
     // - Of several steps that deliver, the last one in the order above wins. On a link both forms run, and the
     //   form with _LINK wins.
     // - A step that takes an entry takes what a step before it delivered.
-    // - Requires: the steps that take an address (0x20000, 0x40000, 0x80000) stand with no step that delivers
-    //   or takes an entry: they would read the entry as a number. Two of them in one call read one address.
+    // - Requires: the steps that take an address (0x20000, 0x40000, 0x80000) are not combined with a step that
+    //   delivers or takes an entry: they would read the entry as a number. Two of them in one call read one
+    //   address.
     //
     // A refresh of a link runs the whole operation, with all its steps and the same `*flag_specific`, on the
     // entry it houses and returns its result; the link's own steps follow, so that a neighbour delivered is

@@ -21,8 +21,8 @@ class Live_Data_Processor;
 // A list of option keys.
 typedef std::vector<int> ControlsT;
 
-// `Commit` and the display and value operations with a position stand beside the base's of the same names on
-// purpose: a caller that holds the base gets the base's.
+// `Commit` and the display and value operations with a position do not override the base's of the same names,
+// on purpose: a caller that holds the base gets the base's.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Woverloaded-virtual"
 

@@ -163,14 +163,14 @@ extern FRONTPANEL_DATA_EXPORT const char* const evalKernel_token_names[101];
 // Evaluates a zero-terminated text, which is not changed; null is a programming error (asserted). Returns 0
 // on success. Returns 1 on an error, which `errorRecord` describes; assignments that were complete before it
 // keep their effect. The exception is a text that nests too deeply (more than 128 parser states): it is
-// reported on standard error, `exit_flag` tells it, and `errorRecord` is untouched.
+// reported on standard error and in `exit_flag`, and `errorRecord` is untouched.
 FRONTPANEL_DATA_EXPORT int evaluateExpression(char* expressionString);
 
 // Makes the control block ready to parse the text that its `pointer` names.
 FRONTPANEL_DATA_EXPORT void init_evalKernel();
 
-// Parses the text that `evalKernel_pcb.pointer` names, to its end or the first error. `exit_flag` tells how
-// it ended. The character and argument stacks are used as they stand.
+// Parses the text that `evalKernel_pcb.pointer` names, to its end or the first error. `exit_flag` then holds
+// the result. Does not reset the character and argument stacks.
 FRONTPANEL_DATA_EXPORT void evalKernel();
 
 // The operations that the parser computes with. Each raises its errors through `diagnoseError`.

@@ -61,8 +61,8 @@ public:
     unsigned char* payload;  // null when there is none
 };
 
-// A message that owns its payload. Whoever fills it sets the type, may set a smaller length, and leaves the
-// pointer alone.
+// A message that owns its payload. The sender sets the type, may set a smaller length, and must not change the
+// pointer.
 class FRONTPANEL_DATA_EXPORT PayloadMessage : public Message {
 public:
     // Of type InvalidMessageT, with `size` bytes of 0.
@@ -130,7 +130,7 @@ public:
     ~RequestFirmwareVersionMessage() override;
 };
 
-// The push of a shortcut that no hand pushed: its only byte is 255.
+// A shortcut message that reports the idle panel instead of a button: its only byte is 255.
 class FRONTPANEL_DATA_EXPORT UserInputTimeoutShortcutMessage : public PayloadMessage {
 public:
     UserInputTimeoutShortcutMessage();
@@ -149,7 +149,7 @@ public:
     ~DisplayClearMessage() override;
 };
 
-// Nobody has touched the panel for a while.
+// No key was pressed for a while.
 class FRONTPANEL_DATA_EXPORT UserInputTimeoutMessage : public Message {
 public:
     UserInputTimeoutMessage();
@@ -170,7 +170,7 @@ public:
     ~EscapePressMessageClass() override;
 };
 
-// A message that means nothing, of type LastMessageT.
+// A message without a meaning, of type LastMessageT.
 class FRONTPANEL_DATA_EXPORT GenericInvalidMessage : public Message {
 public:
     GenericInvalidMessage();

@@ -1,4 +1,4 @@
-// A menu entry that stands in the tree in place of another, so that one entry can appear in several menus.
+// A menu entry that takes the place of another in the tree, so that one entry can appear in several menus.
 //
 // A link has a place, a display name and escape destinations of its own; all that concerns the value it
 // forwards to the entry it houses. Three roles come on top: a mount link opens a menu that is built when it
@@ -23,7 +23,7 @@ class MenuControl;
 // always null. What a callback throws passes through the operation that called it.
 typedef boost::function<Data_entry*(MenuControl*)> FunctionT1;
 
-// The link's queries stand beside the base's const ones of the same names on purpose: a caller that holds
+// The link's queries do not override the base's const ones of the same names, on purpose: a caller that holds
 // the link as a `Data_entry` gets the base's answer from the link's base fields, and only one that holds it as
 // a `Link_entry` gets the link's.
 #pragma GCC diagnostic push
@@ -51,7 +51,7 @@ public:
     explicit Link_entry(Data_entry* housed_entry);
     ~Link_entry() override;
 
-    // Forwarded to the housed entry, unless told otherwise below. `Add_child`, `Attach` and `Remove` are
+    // Forwarded to the housed entry, unless stated otherwise. `Add_child`, `Attach` and `Remove` are
     // forwarded too: children attached to a link become children of the housed entry, and attaching a link
     // attaches the housed entry. A link takes its place by `Set_parent`, `Set_next`, `Set_previous` and
     // `Set_child`. The menu's `Add_child(link)` only puts it on the menu's list and is no substitute for them.
@@ -116,8 +116,8 @@ public:
     virtual void Set_escape_node(int coming_from, Data_entry* teleport_destination);
     virtual Data_entry* Get_housed_entry();
     // Stores a flag of the link's own for the application. Does not hide or show the link: no operation of the
-    // library asks for the flag. (`Set_invisible` hides the housed entry, wherever it stands.) Returns the
-    // previous value.
+    // library asks for the flag. (`Set_invisible` hides the housed entry in every menu.) Returns the previous
+    // value.
     virtual bool Set_visible(bool visible);
     // The neighbour that was set, else the housed entry's; null without a housed entry. Entering a mount link
     // (`Get_child`) builds its menu and delivers the first entry, or the link's parent when none is built;

@@ -10,8 +10,8 @@ public:
     Pdt_data_access();
     ~Pdt_data_access() override;
 
-    // Whether the current selection is the local unit. The answer is handed back as a socket by whoever
-    // changed the socket for a while.
+    // Whether the current selection is the local unit. A caller that selects another socket for a while restores
+    // the selection by passing this result to `setCurrentRouterSocket`.
     virtual int Is_current_selection_local() = 0;
     // Whether a local selection is in force.
     virtual bool Is_use_selection_local() = 0;

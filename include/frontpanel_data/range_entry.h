@@ -47,7 +47,7 @@ public:
     //     the number is cut towards zero and stays within `int`;
     //   - otherwise a floating-point conversion; with "%.1f" the number is rounded to tenths first.
     // Not-a-number counts as 0. A format that does not fit, such as "%5d", shows the raw value. If `fmt` has
-    // both ':' and ',' a table of texts stands before the number format, as in "0:Off,1:On,%d dB": value,
+    // both ':' and ',' a table of texts precedes the number format, as in "0:Off,1:On,%d dB": value,
     // ':', text and ',' for each row. Without a table at most 14 characters of the formatted number are
     // shown. When either text is empty the raw value is shown. The decimal sign is a point whatever the
     // locale of the process.
@@ -119,7 +119,7 @@ public:
     // sets the bounds; without a new suggestion everything stays as it is. When they have nothing in common no
     // value is allowed. Returns 0.
     virtual int updateRange();
-    // The value that an editor moves to from `old_value` when the user asks for `new_value`: `new_value`,
+    // The value that an editor moves to from `old_value` when the user selects `new_value`: `new_value`,
     // limited to the bounds after a new suggestion of the binding has been applied. A value in a gap between
     // two ranges is allowed.
     virtual int increment(int old_value, int new_value);

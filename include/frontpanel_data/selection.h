@@ -48,7 +48,7 @@ public:
 
     // Whether the two numbers below are to be used when slot lines are built. Arrives before them.
     virtual void Set_use_line_info(bool use_line_info) = 0;
-    // The option that the cursor stands on, from 0.
+    // The option at the cursor, from 0.
     virtual void Set_selected(int32_t selected) = 0;
     // The display line that shows it, from 0.
     virtual void Set_selected_line(int32_t selected_line) = 0;

@@ -13,8 +13,8 @@
 class Ip_entry;
 struct valdef_value_t;  // the application's
 
-// `Refresh` with line information and the display without a position stand beside the inherited operations of
-// the same names on purpose: a caller that holds the base gets the base's.
+// `Refresh` with line information and the display without a position are operations beside the inherited ones
+// of the same names, on purpose: a caller that holds the base gets the base's.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Woverloaded-virtual"
 

@@ -86,8 +86,8 @@ public:
     std::string getProperties(int flags) override;
     Entry_type Get_entry_type() const override;
     RETURN_TYPE Get_return_type_int_or_string() const override;
-    // As the text's, but an address exactly as long as the line scrolls as well, a length of 1 is shown, and
-    // a length of 0 is a programming error (asserted).
+    // As `String_entry`, but an address exactly as long as the line also scrolls, a length of 1 is shown, and a
+    // length of 0 is a programming error (asserted).
     int Get_display_string(char* buffer, unsigned int length) override;
     int Inc_value(int value, int position) override;
 

@@ -37,15 +37,15 @@ public:
 
 // A timer on `get_host_time`, in whole milliseconds of it. Expired until it is first set.
 //
-// The deadline does not follow the clock when that starts again at 0, which happens every 8,589,934 ms. So
-// whoever waits for it must expect, for a timer that is set on one side of the start and asked on the other:
+// The deadline does not follow the clock when that starts again at 0, which happens every 8,589,934 ms. So for
+// a timer that is set before the clock starts again and asked after it:
 // - a deadline that was already behind the last millisecond of the clock is never reached;
 // - one before it, not seen as expired in time, counts as not expired until the clock has come round;
 // - `remaining` then stores more than was set;
 // - a deadline put before the clock's 0 by a negative `delta` is never reached either, and `remaining`
 //   stores a negative number.
-// Setting the timer anew helps in each case: an application that sees more remaining than it has set knows
-// that the clock has started again.
+// Setting the timer again helps in each case: when `remaining` stores more than was set, the clock has started
+// again.
 class FRONTPANEL_DATA_EXPORT LinuxTimer : public Timer {
 public:
     LinuxTimer();
