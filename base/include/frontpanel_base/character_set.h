@@ -13,41 +13,41 @@
 
 namespace frontpanel {
 
-// In the place of a byte that is no UTF-8.
+// Takes the place of a byte that is not UTF-8.
 inline constexpr char32_t DAMAGED = 0xFFFFFFFF;
 
-// The characters of a UTF-8 text, combining ones each by itself.
+// The characters of a UTF-8 text; each combining character counts as one.
 std::u32string characters_of(std::string_view text);
-// Whether it is written on the character before it, and takes no column.
+// Whether the character is written on the one before it, and takes no column.
 bool is_combining(char32_t character);
-// How many bytes of a text its first column has: a character, or a damaged byte, with the combining characters behind
-// it. A combining character that begins a text has a column. Requires: the text is not empty.
+// The bytes of the first column of a text: those of a character, or of a damaged byte, and of the combining characters
+// behind it. A combining character at the start of a text has a column. Requires: the text is not empty.
 std::size_t size_of_column(std::string_view text);
-// The columns of a UTF-8 text, each as one character: "e" with an acute accent behind it is U+00E9. A combining character
-// for which there is no such character is left out, and added to `lost`.
+// The columns of a UTF-8 text, each as one character: "e" and a combining acute accent become U+00E9. A combining
+// character without such a composed form is left out, and added to `lost`.
 std::u32string columns_of(std::string_view text, std::set<char32_t>& lost);
 // The character as UTF-8.
 std::string utf8_of(char32_t character);
-// Whether it is a control character, one of U+0080 to U+009F included.
+// Whether it is a control character, including U+0080 to U+009F.
 bool is_control(char32_t character);
 // The plain form of a dash or a quotation mark.
 std::optional<char> plain_form_of(char32_t character);
-// The letter of one with an accent, which may have another accent; nothing for any other character.
+// The letter with one accent less, such as U+00E2 for U+1EA5; empty for any other character.
 std::optional<char32_t> base_letter_of(char32_t character);
 
-// The cells of columns. Dashes and quotation marks become their plain forms. Of what a display cannot show, a letter with
-// an accent becomes the letter; controls, other characters beyond ISO-8859-1 and damaged bytes become a '?' each.
-// Characters that were lost so are added to `lost`.
+// The cells for these columns. Dashes and quotation marks become their plain forms. A letter with an accent that
+// ISO-8859-1 lacks becomes the letter. Controls, other characters beyond ISO-8859-1 and damaged bytes become '?'.
+// Characters that are replaced or left out are added to `lost`.
 std::string cells_of(std::string_view text, std::set<char32_t>& lost);
 std::string cells_of(const std::u32string& columns, std::set<char32_t>& lost);
 
-// Whether a terminal shows it in one column, whatever stands beside it: no control, combining or wide character, none of
-// a script that is written from right to left.
+// Whether a terminal shows the character in one column, independent of its neighbours: it is no control, combining or
+// wide character, and not of a script that is written from right to left.
 bool has_one_column(char32_t character);
-// The characters as UTF-8; '?' for one that would not take one column.
+// The characters as UTF-8, with '?' for each that does not take one column.
 std::string text_in_columns(const std::u32string& characters);
 
-// The cells as UTF-8 text; a cell that is no character of a display becomes '?'.
+// The cells as UTF-8 text, with '?' for a cell that is no character of a display.
 std::string text_of(std::string_view cells);
 
 // A UTF-8 text that may go to a terminal: control characters, those from U+0080 to U+009F too, and bytes from 0x80 to

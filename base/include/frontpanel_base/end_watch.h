@@ -1,7 +1,7 @@
 // Notices the signals that ask the process to end, whatever the menu thread is doing.
 //
-// The menu thread may be within a command that fetches live data, and the call that runs it ignores SIGINT for
-// its time. So a thread of the watch's own takes the signals.
+// The menu thread may be running a command that fetches live data, and `system` ignores SIGINT while the command
+// runs. So a separate thread takes the signals.
 #ifndef FRONTPANEL_BASE_END_WATCH_H
 #define FRONTPANEL_BASE_END_WATCH_H
 
@@ -30,9 +30,9 @@ public:
 
     // The signal that came; 0 for none.
     int signal_number() const { return m_signal; }
-    // What is done on the watch's thread before the process ends at once; an empty function for nothing. Unlike
-    // the last acts it may do anything, but must not throw, nor wait for the menu thread. Once this returns, the
-    // act that was set before is not called any more.
+    // Sets what the watch's thread does before it ends the process at once; an empty function for nothing. Unlike the
+    // last acts it may do anything, except throw or wait for the menu thread. Once this call returns, the act that was
+    // set before is no longer called.
     void set_forced_end(std::function<void()> act);
     // Readable once a signal came.
     int descriptor() const { return m_wake[0]; }

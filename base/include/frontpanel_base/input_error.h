@@ -1,4 +1,4 @@
-// What is wrong with a file or an option that somebody gave to the panel.
+// Errors in files and options that the panel was given.
 #ifndef FRONTPANEL_BASE_INPUT_ERROR_H
 #define FRONTPANEL_BASE_INPUT_ERROR_H
 
@@ -8,8 +8,8 @@
 
 namespace frontpanel {
 
-// A text on one line, as `printable` makes it of one that quotes an input. The middle of a text beyond 1000 bytes is
-// left out.
+// A text that may quote an input, made printable and put on one line. The middle of a text beyond 1000 bytes is left
+// out.
 std::string one_line(std::string text);
 
 // `what()` is one line: file, place in it, and what was expected.

@@ -8,8 +8,8 @@
 
 namespace frontpanel {
 
-// An allocator for rapidjson, whose own one hands out null pointers when memory runs out, which are then written
-// to. This one throws std::bad_alloc.
+// An allocator for rapidjson that throws std::bad_alloc when memory runs out. rapidjson's own one returns null
+// pointers, which rapidjson then writes to.
 class Json_allocator {
 public:
     static const bool kNeedFree = true;

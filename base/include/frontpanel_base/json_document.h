@@ -1,4 +1,4 @@
-// A JSON file as it was written: every value and every member's name knows its place.
+// A JSON file as it was written: every value and every member's name has its place in the file.
 #ifndef FRONTPANEL_BASE_JSON_DOCUMENT_H
 #define FRONTPANEL_BASE_JSON_DOCUMENT_H
 
@@ -23,12 +23,12 @@ class Json_lines {
 public:
     explicit Json_lines(std::string_view text);
 
-    // The same as the sum of the lines before; fast for offsets that follow each other.
+    // Line and column of an offset; fast for offsets that follow each other.
     Place place_at(const Source& source, uint32_t offset) const;
 
 private:
-    std::vector<uint32_t> m_starts;  // behind the first
-    mutable size_t m_last = 0;       // that was found last: lines that begin before it
+    std::vector<uint32_t> m_starts;  // of all lines but the first
+    mutable size_t m_last = 0;       // the line found last, from 0
 };
 
 // What the values of a file, or of a copy of a part of it, have in common.
@@ -38,7 +38,7 @@ struct Json_origin {
     const std::string* copy;  // see `Place`
 };
 
-// A place that is looked up when somebody asks for it.
+// A place whose line and column are worked out only when they are needed.
 struct Json_mark {
     const Json_origin* origin = nullptr;  // null: nowhere
     uint32_t offset = 0;                  // in the text
@@ -66,8 +66,8 @@ private:
     size_t m_size;
 };
 
-// A value. Cheap to copy: texts, elements and members belong to the document, or to the storage, that it came from.
-// A menu has hundreds of thousands of values, so a node holds nothing twice.
+// A value. Cheap to copy: texts, elements and members belong to the document or the storage that it came from. A menu
+// has hundreds of thousands of values, so a node is as small as possible.
 class Json_node {
 public:
     // WRONG is a value whose mistake has been reported. REAL is any number that is not an INTEGER.
@@ -177,7 +177,7 @@ inline Json_span<Json_member> Json_node::members() const {
                                   : Json_span<Json_member>(nullptr, 0);
 }
 
-// The names of an item are of few lengths, but mostly begin differently.
+// The members of an item often have names of equal length, but rarely with the same first letter.
 inline const Json_node* Json_node::member(std::string_view name) const {
     for (const Json_member& candidate : members()) {
         const std::string_view other = candidate.name();
@@ -202,31 +202,31 @@ public:
     std::string_view keep(std::string_view text);
     Json_span<Json_node> keep(const Json_node* first, size_t size);
     Json_span<Json_member> keep(const Json_member* first, size_t size);
-    // Releases what was kept behind `first` and before `last`, but for what shares a piece with something else. Both were
-    // kept here, `first` before `last`.
+    // Releases what was kept after `first` and before `last`, except pieces that also hold other contents. Requires:
+    // both were kept here, `first` before `last`.
     void release_between(const void* first, const void* last);
 
 private:
     struct Piece {
         std::unique_ptr<std::byte[]> bytes;
         size_t size;
-        bool is_shared;  // by contents that follow each other; else it holds one large one
+        bool is_shared;  // by contents kept one after the other; else it holds one large content
     };
 
     void* allocate(size_t bytes);
-    // As many as there are for what was not kept here.
+    // The number of the piece that holds `kept`; the number of pieces when it was not kept here.
     size_t piece_of(const void* kept) const;
 
-    std::vector<Piece> m_pieces;  // as they were begun
-    size_t m_left = 0;            // behind m_next
+    std::vector<Piece> m_pieces;  // in the order in which they were begun
+    size_t m_left = 0;            // bytes left after m_next
     std::byte* m_next = nullptr;
 };
 
-// Which names the members of a document may have: a large one is searched for a rare name only where it may be.
+// Which names the members of a document may have, so that a large document is not searched for a name that it lacks.
 class Json_names {
 public:
     void note(std::string_view name) { m_marks[mark_of(name)] = true; }
-    // False: no member has the name.
+    // False when no member has the name; true when one may have it.
     bool may_have(std::string_view name) const { return m_marks[mark_of(name)]; }
 
 private:
@@ -256,7 +256,7 @@ public:
     const Json_node& root() const { return m_root; }
     size_t value_count() const { return m_value_count; }
     const Json_names& names() const { return m_names; }
-    // Releases most of what the elements of a list of this document hold: from now on nobody looks at them.
+    // Releases most of the memory of the elements of a list of this document. Requires: they are not used any more.
     void release_elements(const Json_node& list);
 
 private:

@@ -28,7 +28,7 @@ public:
     void expect_members(const std::vector<const char*>& known) const;
     // The elements of a list.
     std::vector<Json_value> items() const;
-    // The same of a list that holds 1 to `most` elements, `what` of them by name.
+    // The elements of a list that must hold 1 to `most`; `what` names them in the message.
     std::vector<Json_value> some_items(size_t most, const std::string& what) const;
 
     bool is_text() const;
@@ -38,9 +38,9 @@ public:
     bool boolean() const;
     // Printable ASCII: names that a file or a rule refers to.
     std::string text() const;
-    // Any UTF-8 text without control characters: what a display shows.
+    // Any UTF-8 text without control characters, as a display shows it.
     std::string shown_text() const;
-    // The same, with line ends: rules, of which a display shows the texts.
+    // The same, but line ends are allowed, as in rules.
     std::string text_with_lines() const;
     std::string text_of_length(size_t min, size_t max) const;
     std::string shown_text_of_length(size_t min, size_t max) const;  // in bytes
@@ -52,11 +52,12 @@ public:
 
     const Json_node& node() const { return *m_node; }
     Place place() const { return m_node->place(); }
-    // The place of a character of a text, from 0; escapes count as they are usually written.
+    // The place in the file of a byte of the text, counted from 0; escapes count as they are usually written.
     Place place_in_text(size_t offset) const;
-    // The same of several bytes, the first ones first.
+    // The same for several bytes, in ascending order.
     std::vector<Place> places_in_text(const std::vector<size_t>& offsets) const;
-    // Throws an error at this place; only reports it; or warns of what is valid but probably a mistake.
+    // `fail` throws an error at this place, `report` only reports it, `warn` reports what is valid but probably a
+    // mistake.
     [[noreturn]] void fail(const std::string& text) const;
     void report(const std::string& text) const;
     void warn(const std::string& text) const;
@@ -64,11 +65,11 @@ public:
 private:
     std::string of_length(std::string text, size_t min, size_t max) const;
     void expect_object() const;
-    // The text of `text`.
+    // Checks the value for `text`.
     std::string_view expect_printable() const;
-    // The text, which is to be one of `shown_text`.
+    // Checks the text for `shown_text` and returns it.
     const std::string& expect_shown(const std::string& text) const;
-    // Reports duplicates, and leaves them out.
+    // Calls `work` for each member; reports duplicates and leaves them out.
     template <typename Work>
     void for_each_member(Work work) const;
     [[noreturn]] void fail_type(const char* expected) const;

@@ -1,4 +1,4 @@
-// The known name that somebody probably meant by one that is unknown.
+// The known name that was probably meant by an unknown one.
 #ifndef FRONTPANEL_BASE_NEAREST_NAME_H
 #define FRONTPANEL_BASE_NEAREST_NAME_H
 
@@ -16,14 +16,14 @@ public:
     std::string_view unknown() const { return m_unknown; }
     // Compares a known name, whose text outlives the object.
     void offer(std::string_view known);
-    // Takes back what was offered.
+    // Forgets all names that were offered.
     void forget() { m_best = {}; }
-    // The pairs of letters that `offer` compares.
+    // The number of pairs of letters that `offer` compares.
     static std::size_t cost(std::string_view unknown, std::string_view known);
-    // The name with the fewest typing mistakes, at most two and half of its letters, digits excluded; the
-    // first of several. Empty for none.
+    // The offered name with the fewest typing mistakes; the first of several. It has at most two mistakes, in at most
+    // half of its letters, and differs from `unknown` in more than digits. Empty when there is none.
     std::string_view found() const { return m_best; }
-    // What a message adds: `; did you mean "gain"?`, or nothing. `quote` and `end_quote` stand around the name.
+    // The end of a message: `; did you mean "gain"?`, or empty. `quote` and `end_quote` enclose the name.
     std::string hint(const char* quote = "\"", const char* end_quote = "\"") const;
 
 private:
@@ -32,12 +32,12 @@ private:
     std::size_t m_distance = 0;  // of the best
 };
 
-// Names and pairs of letters that all searches in one set of names look at, which a file may fill with thousands of names
-// and of mistakes: some tenths of a second.
+// Limit of the names and pairs of letters that all searches in one set of names compare: a few tenths of a second. A
+// file may have thousands of names and thousands of mistakes.
 inline constexpr std::size_t MOST_NAME_SEARCH = 20'000'000;
 
-// Offers a name unless the searches have exceeded that by now; `searched` is theirs in common, 0 at first. False when they
-// have: nothing is found then.
+// Offers a name unless the searches have exceeded that limit. `searched` counts for all of them, from 0. Returns false
+// beyond the limit; then nothing is found.
 bool offer_within_bounds(Nearest_name& nearest, std::string_view known, std::size_t& searched);
 
 // The hint for one of several names.

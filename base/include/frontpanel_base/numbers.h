@@ -9,8 +9,8 @@
 
 namespace frontpanel {
 
-// The number that the whole text is, in decimal digits with an optional minus sign. Nothing when the text is anything
-// else (empty, with blanks or a plus sign) or when the number is below `min` or above `max`.
+// Parses a text that is a decimal number as a whole, with an optional minus sign. Empty for any other text (an empty
+// one, one with blanks or a plus sign) and for a number below `min` or above `max`.
 template <typename Number>
 std::optional<Number> parse_number(std::string_view text,
                                    Number min = std::numeric_limits<Number>::min(),

@@ -26,9 +26,9 @@ struct Number_limits {
     int32_t min;
     int32_t max;
 };
-// "min" and "max" of a number. What is wrong becomes one of `problems`, and the widest limit takes its place.
+// "min" and "max" of a number. An error is added to `problems`, and the widest limit takes its place.
 Number_limits number_limits_of(const Json_value& parameter, Problems& problems);
-// "length" of a text: its most characters. The same of what is wrong.
+// "length" of a text: its largest number of characters. Errors are treated in the same way.
 size_t text_limit_of(const Json_value& parameter, Problems& problems);
 
 }  // namespace frontpanel

@@ -29,7 +29,7 @@ struct Place {
 // "menu.json:3:17: TEXT", with the copy in parentheses behind it.
 std::string line_of(const Place& place, const std::string& text);
 
-// Thrown when work on one part of a file cannot go on; `what()` is the whole line.
+// Thrown when work on one part of a file cannot continue; `what()` is the whole line.
 class Placed_error : public Input_error {
 public:
     Placed_error(const Place& place, const std::string& text)
@@ -41,10 +41,10 @@ private:
     Place m_place;
 };
 
-// Ends work whose mistake has been reported. Never leaves the loader.
+// Thrown to end work whose error has already been reported. Never leaves the loader.
 struct Told_already {};
 
-// Ends all work on a file. Never leaves the outermost attempt.
+// Thrown to end all work on a file. Never leaves the outermost attempt.
 struct All_ended {};
 
 // Everything that is wrong with a file; `what()` is the first line.
@@ -67,10 +67,11 @@ public:
 
     void report(const Place& place, const std::string& text);
     void warn(const Place& place, const std::string& text);
-    // Reports what makes it useless to go on, and ends the outermost attempt. Requires: inside an attempt.
+    // Reports an error after which further work is useless, and ends the outermost attempt. Requires: inside an
+    // attempt.
     [[noreturn]] void end(const Place& place, const std::string& text);
 
-    // Does `work`; an error that it throws is reported. Whether it came to its end.
+    // Does `work`, and reports an error that it throws. Returns whether it finished.
     template <typename Work>
     bool attempt(Work work) {
         const Inside inside(m_depth);

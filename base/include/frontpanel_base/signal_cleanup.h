@@ -1,4 +1,4 @@
-// What has to be put right before a signal ends the process.
+// What has to be restored before a signal ends the process.
 #ifndef FRONTPANEL_BASE_SIGNAL_CLEANUP_H
 #define FRONTPANEL_BASE_SIGNAL_CLEANUP_H
 

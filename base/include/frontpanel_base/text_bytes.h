@@ -8,15 +8,15 @@
 
 namespace frontpanel {
 
-// The text with "\xNN" for each byte of a character that is not kept, and for each byte that is no UTF-8. By default all
-// characters but controls are kept.
+// The text with "\xNN" for each byte of a character that is not kept, and for each byte that is not UTF-8. Without
+// `keeps` all characters except controls are kept.
 using Keeps_character = bool (*)(char32_t character);
 std::string escaped(std::string_view text, Keeps_character keeps = nullptr);
 
-// The beginning of the text, at most `most` bytes, without a part of a character at its end.
+// The beginning of the text, at most `most` bytes, cut between two characters.
 std::string_view beginning_of(std::string_view text, std::size_t most);
 
-// The beginning in quotes, with "..." when it is not the whole text.
+// The same in quotes, with "..." at the end when it is not the whole text.
 std::string quoted_beginning(std::string_view text, std::size_t most);
 
 }  // namespace frontpanel

@@ -1,7 +1,7 @@
 // What is known of the value of a device's parameter.
 //
-// A device that answers from memory implements `Value_states` beside its data interface, so that a panel can mark what is
-// old or not written yet.
+// A device that answers from memory implements `Value_states` beside its data interface, so that a panel can mark
+// values that are old or not written yet.
 #ifndef FRONTPANEL_BASE_VALUE_STATE_H
 #define FRONTPANEL_BASE_VALUE_STATE_H
 
@@ -20,17 +20,17 @@ enum class Freshness {
 
 struct Value_state {
     Freshness freshness = Freshness::FRESH;
-    bool is_writing = false;           // the value is one that the device has not confirmed yet
+    bool is_writing = false;           // the value was written, but not confirmed by the device yet
     bool has_failed = false;           // the last attempt to read it failed, or cannot be made
     std::chrono::milliseconds age{0};  // since the device confirmed the value; 0 for an UNKNOWN one
-    std::string reason = {};           // why it is not fresh or has failed, in one line; else empty
+    std::string reason = {};           // one line: why it is not fresh or has failed; else empty
 };
 
 class Value_states {
 public:
     virtual ~Value_states() = default;
-    // By the address that the data interface gets; nothing for a parameter whose every read asks the device itself.
-    // Never waits.
+    // The state of a parameter, addressed as in the data interface. Empty for a parameter that is read from the device
+    // each time. Never waits.
     virtual std::optional<Value_state> state(std::uint32_t pid, std::uint32_t varidx) const = 0;
 };
 
