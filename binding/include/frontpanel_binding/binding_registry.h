@@ -1,7 +1,7 @@
 // What the binding engines of one menu share: compiled rules, dependants and the device.
 //
 // `compile` makes a binding list of a source text, and the `Expression_binding` of an entry takes the list. The
-// registry knows which entries depend on which parameter, so that a commit refreshes them.
+// registry keeps which entries depend on which parameter, so that a commit refreshes them.
 //
 // Keep the registry in a `std::shared_ptr`: every engine shares it. No operation throws anything but what the
 // standard library throws; errors are results. Menu thread only.
@@ -41,33 +41,33 @@ struct Compile_error {
     std::size_t line;
     std::size_t column;
     std::string message;  // "expected a comparison (== != < <= > >=), found \"3\""
-    // The name in brackets when it is not declared, for an application that knows the reason. Else empty.
+    // The name in brackets when it is not declared, for an application that can add the reason. Else empty.
     std::string unknown_name = {};
 
     std::string text() const;  // "line 1, column 12: MESSAGE"
 };
 
-// What a rule says as far as it is plain in the text, for an application that checks it against its entries and its
-// device. A rule has a note for each of its ranges, or of its keys, and one otherwise.
+// The constants of a rule, for an application that checks them against its entries and its device. A rule has a note
+// for each of its ranges or keys; any other rule has one note.
 struct Rule_note {
     Suggestion_kind kind;
     std::size_t
         offset;  // in the text, in bytes: of the range, the key or the written value; else of the rule
     // The ends of a range or of a run of keys, low first, or twice the number that is written. Empty unless they
-    // are plain numbers.
+    // are constants.
     std::optional<std::pair<std::int32_t, std::int32_t>> numbers;
     std::optional<std::size_t>
-        text_length;      // of a written text, in bytes; empty unless it is a plain text
+        text_length;      // of a written text, in bytes; empty unless it is a constant
     var_index_s written;  // of a rule that writes
 };
 
 // A parameter of a text, where it is first named.
 struct Named_parameter {
     var_index_s key;
-    std::size_t offset;  // in the text, in bytes: of what stands in the brackets
+    std::size_t offset;  // in the text, in bytes: of the first character in the brackets
 };
 
-// An option that a text asks for, each time it is named.
+// An option that a text names, once for each time.
 struct Named_option {
     std::string name;
     std::size_t offset;  // in the text, in bytes: of the name
@@ -92,7 +92,7 @@ struct Compile_result {
     // most, and 100 for a text.
     std::vector<Compile_error> warnings;
     std::vector<Named_option> options;
-    // Doubtful unless the same text also stands where it is not so, as in a template.
+    // Doubtful, unless the text is used in several places, as in a template, and varies in another one.
     std::vector<Constant_condition> constants;
     std::optional<Compile_error> error;  // the first of `errors`
     // In the order of the text: one for a rule at most, and 100 for a text.
@@ -101,7 +101,7 @@ struct Compile_result {
     bool ok() const { return !error; }
 };
 
-// A condition as the toggles of homescreen links have it, or why it cannot be one.
+// A condition translated for the toggles of homescreen links, or why it cannot be translated.
 struct Toggle_result {
     std::string expression;  // for `Link_entry::setAsHomescreenEntry`
     std::vector<Named_parameter> parameters;
@@ -116,7 +116,7 @@ public:
     using Warning_listener = std::function<void(const std::string&)>;
 
     // Parameters are read from `iface`, which outlives the registry; with null, from
-    // `VarIdDataInfStore::m_pDataAccessInf` as it stands at each evaluation.
+    // `VarIdDataInfStore::m_pDataAccessInf`, which is looked up at each evaluation.
     explicit Binding_registry(Data_interface* iface = nullptr);
     ~Binding_registry();
     Binding_registry(const Binding_registry&) = delete;
@@ -141,31 +141,31 @@ public:
     // declared limits only.
     Parameter_table& parameters() { return m_parameters; }
 
-    // Null only when neither the registry nor the process has an interface. While a `Caching_device` lives for
-    // this registry, that is it.
+    // The interface that parameters are read from: the `Caching_device` of this registry while there is one. Null only
+    // when neither the registry nor the process has an interface.
     Data_interface* interface() const;
 
     // Called with each warning that an engine shows. Without one, warnings are dropped.
     void set_warning_listener(Warning_listener listener);
     void show_warning(const std::string& text) const;
-    // The warnings that were raised already appear again at the next try that raises them, in every engine. Call it
-    // when the user declines a warning, or starts with another value.
+    // Shows warnings that were already shown again at the next try that raises them, in every engine. Call it when the
+    // user declines a warning, or starts with another value.
     void arm_warnings();
 
-    // Called with each fault of a rule when it is new, and at once with those that stand. Without a listener faults
-    // stand all the same.
+    // The listener is called with each new fault of a rule, and at once with those that remain. Faults are also kept
+    // without a listener.
     void set_fault_listener(Fault_listener listener);
-    // Those that stand, in the order in which the engines were made.
+    // The faults that remain, in the order in which the engines were made.
     std::vector<Rule_fault> faults() const;
 
     // Every parameter that a rule reads, that an entry with an engine controls or that is watched, with the value
-    // last seen and the entries that depend on it. Owned by the registry. A device variable that goes by several keys
-    // has a record for each, all of them with the same value.
+    // last seen and the entries that depend on it. Owned by the registry. A device variable with several keys has a
+    // record for each of them, all with the same value.
     var_index_map_t* var_index_map();
     // Call it before all entries with engines are destroyed: no entry depends on a parameter afterwards. Without this
     // call, each of thousands of dependants of one parameter is searched for and removed one by one.
     void forget_dependants();
-    // Keeps the value of a parameter current that no rule may read, such as a toggle's. The key is then in the map,
+    // Keeps the value of a parameter current even if no rule reads it, such as a toggle's. The key is then in the map,
     // and `poll` reads it until `unwatch` was called as often as `watch`.
     void watch(const var_index_s& key);
     void unwatch(const var_index_s& key);
@@ -191,10 +191,10 @@ public:
     // to the next call, so that the caller can do other work in between.
     Binding_settlement settle(Data_interface* iface = nullptr, std::size_t at_most = SIZE_MAX);
 
-    // What the device would hold after these values were written, each once more after the rules have acted: beside them
-    // stands what write rules would write to other parameters. Nothing is written, and no fault is reported.
+    // What the device would hold after these values were written, and once more after the rules have acted: the values,
+    // and those that write rules would write to other parameters. Writes nothing, and reports no fault.
     Proposed_values foresee(const Proposed_values& values) const;
-    // What the rules of an entry would say if the device held the values: see rule_verdict.h. Empty for an entry without
+    // The results of an entry's rules if the device held these values: see rule_verdict.h. Empty for an entry without
     // an engine of this registry.
     std::optional<Rule_verdict> judge(const Data_entry& entry, const Proposed_values& values) const;
 
@@ -203,25 +203,25 @@ public:
     // has its former visibility; empty for any other entry, and for one without such a rule.
     std::optional<bool> visibility_ahead(const Data_entry& entry);
 
-    // What write rules have done, of all entries that have some. An application that
-    // keeps it beside the device's values hands it to `set_done_writes` at the next start, before the first `settle`:
-    // then a rule acts again only when what it writes changes. Rules that the list does not have count as not having
-    // written. Without it every rule that holds acts at the start.
+    // The last writes of all entries with write rules. An application that keeps them beside the device's values passes
+    // them to `set_done_writes` at the next start, before the first `settle`: then a rule writes again only when its
+    // value changes. Rules that the list lacks count as not having written. Without the call every rule that holds
+    // writes at the start.
     std::vector<Done_writes> done_writes() const;
     void set_done_writes(const std::vector<Done_writes>& done);
-    // Called at the end of a `settle` when `done_writes` may have changed since the last call.
+    // The listener is called at the end of a `settle` when `done_writes` may have changed since the last call.
     void set_done_listener(std::function<void()> listener);
 
-    // The product's options for `has_option`, with the test that `Data_entry::isOptionStatic` has. Later evaluations
-    // see them. `library_name`, when given, makes of a name in a rule the one that `options` has for it.
+    // The product's options for `has_option`, tested as `Data_entry::isOptionStatic` does. Later evaluations use them.
+    // `library_name`, if given, translates a name in a rule to the name in `options`.
     using Option_namer = std::function<std::string(const std::string&)>;
     void set_product_options(std::map<std::string, unsigned int> options,
                              Option_namer library_name = nullptr);
 
-    // The circles in which rules drive each other, one for each group of parameters, those that write first.
+    // The circles in which rules affect each other, one for each group of parameters, those that write first.
     // Conditions are ignored. Call it when the menu is complete.
     std::vector<Binding_cycle> find_cycles() const;
-    // Why `entry` is as it is. Empty for an entry without an engine of this registry.
+    // Explains the state of `entry`. Empty for an entry without an engine of this registry.
     std::optional<Binding_explanation> explain(const Data_entry& entry);
 
     // Internal: for the engines and the caching device. The type is private to the component.

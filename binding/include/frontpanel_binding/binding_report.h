@@ -1,5 +1,5 @@
-// Reports of a menu's engines about their rules: why a suggestion is as it is, which bindings drive each other in
-// circles, and whether a cascade of writes came to rest.
+// Reports of a menu's engines about their rules: the reasons of a suggestion, the bindings that affect each other in
+// circles, and whether a cascade of writes settled.
 #ifndef FRONTPANEL_BINDING_BINDING_REPORT_H
 #define FRONTPANEL_BINDING_BINDING_REPORT_H
 
@@ -26,8 +26,8 @@ struct Rule_explanation {
     std::vector<Seen> seen;
     Outcome outcome;
     std::string result;  // what a rule that holds asks for ("10..40"), or why it failed
-    // Place and reason of the fault that stands, "menu.json:3:17: division by zero"; empty for none, and while the
-    // device only cannot be read.
+    // Place and reason of the fault that remains, "menu.json:3:17: division by zero"; empty for none, and when only the
+    // device cannot be read.
     std::string fault = {};
 };
 
@@ -41,10 +41,10 @@ struct Binding_explanation {
     std::string text() const;
 };
 
-// Parameters that drive each other in a circle.
+// Parameters that affect each other in a circle.
 struct Binding_cycle {
     enum class Kind {
-        WRITES,  // a rule writes a parameter on which it depends: may never come to rest
+        WRITES,  // a rule writes a parameter on which it depends: may never settle
         LIMITS   // only ranges and keys that limit each other: usual for a pair of bounds
     };
 
@@ -62,7 +62,7 @@ struct Binding_cycle {
 
 // How a round of refreshes ended.
 struct Binding_settlement {
-    bool at_rest = true;        // false: some entries drive each other on and on
+    bool at_rest = true;        // false: some entries affect each other without end
     bool is_complete = true;    // false: entries wait for the next call
     std::size_t refreshes = 0;  // made in this call
     std::string path;           // when not at rest, the circle: "Gain -> Level -> Gain"

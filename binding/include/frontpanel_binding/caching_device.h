@@ -1,4 +1,4 @@
-// The device as a menu's bindings see it: passes every access on, and keeps the registry's values current.
+// The device for a menu's bindings: passes every access on, and keeps the registry's values current.
 //
 // Hand it to every refresh and commit in place of the device. While it lives, engines take the values that
 // have passed through it from the registry instead of reading the device. What the device changes by itself
@@ -40,12 +40,12 @@ public:
 
     // Whether the latest `Get` of the parameter through this wrapper failed; false for one that was never read.
     bool last_read_failed(uint32_t pid, uint32_t varidx) const;
-    // What a device that implements `Value_states` knows of the parameter's value; nothing for any other device. A value
-    // that was old or on its way when it was read or written here remains so until it is read again, although the device
-    // has a newer one by now.
+    // The state of the parameter's value at a device that implements `Value_states`; empty for any other device. A
+    // value that was old or not confirmed when it was read or written here remains so until it is read again, even if
+    // the device has a newer one.
     std::optional<Value_state> state(uint32_t pid, uint32_t varidx) const;
 
-    // Internal: for a journal, which is asked to note each write from now on; null for none.
+    // Internal: the journal that notes each write from now on; null for none.
     void set_journal(Write_journal* journal) { m_journal = journal; }
 
     void Init() override;
@@ -70,7 +70,7 @@ private:
 
     Data_interface& m_device;
     Pdt_data_access* m_sockets;    // the device; null when it has no sockets
-    const Value_states* m_states;  // the device; null when it does not know
+    const Value_states* m_states;  // the device; null when it does not implement it
     std::shared_ptr<Binding_registry> m_registry;
     std::unordered_set<uint64_t> m_failed_reads;
     std::unordered_map<uint64_t, Value_state>

@@ -9,10 +9,10 @@
 
 namespace frontpanel {
 
-// The index of two levels that a variable index stands for.
+// The index of two levels that has this variable index.
 Index_t index_of(uint32_t varidx);
 
-// Nothing when the device does not deliver it.
+// Empty when the device cannot deliver it.
 std::optional<return_s> read_value(Data_interface& device, const Device_variable& variable,
                                    RETURN_TYPE type);
 // 0, or what the device returns.

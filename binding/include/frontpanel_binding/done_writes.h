@@ -1,5 +1,5 @@
-// What the write rules of a menu have done, for an application that keeps it beside the device's values: a rule that
-// has written does so again only when what it writes changes, also after a restart.
+// The last writes of a menu's write rules, for an application that keeps them beside the device's values: a rule that
+// has written does so again only when its value changes, also after a restart.
 #ifndef FRONTPANEL_BINDING_DONE_WRITES_H
 #define FRONTPANEL_BINDING_DONE_WRITES_H
 
@@ -16,8 +16,8 @@ struct Done_writes {
         return_s value;
     };
 
-    // Names the write rules of an entry by what they say and by the entry's parameter, at most 64 printable characters.
-    // Rules that say something else go by another name.
+    // Identifies the write rules of an entry by their text and the entry's parameter, at most 64 printable characters.
+    // Rules with another text have another name.
     std::string rules;
     std::vector<Write> writes;  // the last ones, in the order of the rules
 };

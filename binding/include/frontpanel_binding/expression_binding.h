@@ -36,14 +36,15 @@ public:
     // evaluation reports an error.
     void set_fallback_range(int min, int max);
 
-    // Where the rules of the lists stand in a file, those of all lists. Faults name these places.
+    // The places of all rules of all lists in a file. Faults name these places.
     void set_rule_places(Rule_places places);
 
     // The errors of the last evaluation, one line each, without line end:
     // "line 2, visible if [gain] > 3: cannot read [gain]: device result 1".
     const std::vector<std::string>& errors() const;
 
-    // Evaluates every rule, and returns what it read and what follows. Suggestions and errors stay as they are.
+    // Evaluates every rule, and returns the values that it read and its result. Suggestions and errors stay as they
+    // are.
     Binding_explanation explain();
 
     // Levels of `index` that are not in use become 0 in `self_control_info`, so that the entry's key is the
@@ -82,7 +83,7 @@ public:
     // Prints the suggestions under the diagnostic mask 0x21.
     void printSuggestions() override;
 
-    // Of several bits in `mask` one suffices for `offersSuggestion` and `suggestionUpdated`, and
+    // With several bits in `mask`, one is enough for `offersSuggestion` and `suggestionUpdated`, and
     // `clearSuggestion` clears each. Entries with options ask for kind 2 and read kind 4: kind 2 is offered
     // along with 4, counts as updated when 4 changes, and clears 4 when it is cleared.
     bool offersSuggestion(int mask) override;
@@ -94,8 +95,8 @@ public:
     void getSuggestion(int mask, void* out) override;
     void clearSuggestion(int mask) override;
 
-    // A second override replaces the first. It stands for the parameter under all of its names. An override of the
-    // entry's own parameter stands for `value` alone: a rule that names the parameter sees what the device holds.
+    // A second override replaces the first. It applies to the parameter under all of its names. An override of the
+    // entry's own parameter applies to `value` alone: a rule that names the parameter sees the device's value.
     void setOverrideVarid(var_index_s key, return_s value) override;
     void clearOverrideVarid() override;
     void displayWarning(std::string text) override;

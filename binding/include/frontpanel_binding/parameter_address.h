@@ -37,7 +37,7 @@ struct Address_error {
 };
 
 // Whether a text is meant as an address: it begins with a digit and holds digits and dots up to its end or to
-// an "@". No name of a parameter looks like that.
+// an "@". Names of parameters must not have this form.
 bool is_like_address(std::string_view text);
 
 // Parses a pid in decimal, up to two index levels, and "@i" or "@s". Returns nothing for any other text, with

@@ -53,9 +53,9 @@ public:
 
     // INVALID_TYPE when the variable is not declared.
     RETURN_TYPE type_of(const var_index_s& key) const;
-    // The declared name that is nearest to `name`, as `Nearest_name` finds it; empty when there is none.
-    // It serves messages: after thousands of mistakes in a large table it is always empty, so that a menu of nothing
-    // but mistakes is refused soon.
+    // The declared name that is nearest to `name`, as `Nearest_name` finds it, for messages; empty when there is none.
+    // After thousands of mistakes in a large table it is always empty, so that a menu full of mistakes is rejected
+    // quickly.
     std::string_view closest(std::string_view name) const;
 
 private:

@@ -1,8 +1,8 @@
-// A rule that cannot be evaluated, or whose write the device refuses: nothing follows from it, and somebody should know.
+// A rule that cannot be evaluated, or whose write the device refuses. It has no effect then, so the fault is reported.
 //
-// A fault is reported once, by the first evaluation or write that meets it. It stands until an evaluation judges the rule
-// again, or for a refused write, until the device takes it or the rule no longer asks for it; after that the next failure
-// is a new fault. Menu thread only.
+// A fault is reported once, by the first evaluation or write that fails. It remains until an evaluation of the rule
+// succeeds; a refused write remains until the device accepts it or the rule no longer asks for it. The next failure
+// after that is a new fault. Menu thread only.
 #ifndef FRONTPANEL_BINDING_RULE_FAULT_H
 #define FRONTPANEL_BINDING_RULE_FAULT_H
 
@@ -17,7 +17,7 @@
 
 namespace frontpanel {
 
-// Where the rules of an entry stand in a file, for the texts of their faults.
+// The places of an entry's rules in a file, for the texts of their faults.
 struct Rule_places {
     struct Position {
         uint32_t line;  // from 1
@@ -26,14 +26,14 @@ struct Rule_places {
 
     std::shared_ptr<const std::string> file;  // the name
     std::vector<Position> rules;  // of each, in the order of the entry's lists and their rules
-    // Whether the positions are those of the rules themselves. Otherwise all of them are that of the text that holds
-    // the rules, and a fault names the line within it.
+    // Whether each position is that of the rule itself. Otherwise every position is that of the text with all rules,
+    // and a fault also names the line within that text.
     bool is_exact = true;
 };
 
 struct Rule_fault {
     enum class Cause {
-        RULE,    // what the rule says cannot be done: a division by zero, a text that is too long
+        RULE,    // the rule cannot be evaluated: a division by zero, a text that is too long
         DEVICE,  // a parameter cannot be read; the rule is all right
         WRITE    // the device refuses what the rule writes
     };
@@ -46,7 +46,7 @@ struct Rule_fault {
     std::string reason;       // "division by zero"
     Cause cause;
 
-    // Whether it is news for a person at the panel: a device that cannot be read shows that by its values.
+    // Whether the display reports it. A device that cannot be read already shows by its values.
     bool is_notable() const { return cause != Cause::DEVICE; }
     // On one line: "menu.json:3:17: Gain: visible if 10 / [z] > 1: division by zero".
     std::string text() const;

@@ -1,8 +1,8 @@
-// What the rules of a menu would say if the device held other values: so that values can be judged before they are
-// written. Nothing of it changes what is suggested now.
+// The results of a menu's rules if the device held other values, so that values can be checked before they are written.
+// The current suggestions do not change.
 //
-// A rule sees the values that are proposed, with one exception: of its entry's own parameter it sees what the device
-// holds, as it does while a person edits the entry; `value` of a warning is the proposed one.
+// A rule sees the proposed values, with one exception: for its entry's own parameter it sees the device's value, as
+// while a person edits the entry. In a warning `value` is the proposed value.
 #ifndef FRONTPANEL_BINDING_RULE_VERDICT_H
 #define FRONTPANEL_BINDING_RULE_VERDICT_H
 
@@ -28,10 +28,10 @@ inline bool operator==(const Device_variable& left, const Device_variable& right
     return left.pid == right.pid && left.varidx == right.varidx;
 }
 
-// Values by what they would be written to; `rt` of each selects number or text.
+// Values by the variable that they would be written to; `rt` of each selects number or text.
 using Proposed_values = std::map<Device_variable, return_s>;
 
-// What the rules of one entry say. A kind without a rule that holds, and a kind of which a rule fails, is empty.
+// The results of one entry's rules. A kind is empty when none of its rules holds, or when one of them fails.
 struct Rule_verdict {
     using Ranges = std::vector<std::pair<int32_t, int32_t>>;  // both ends inclusive, sorted
 
@@ -40,7 +40,7 @@ struct Rule_verdict {
     std::optional<Ranges> keys;
     std::optional<Data_entry::Data_access> access;
     std::vector<std::string> warnings;
-    int failed_kinds = 0;  // bits of Suggestion_kind: of which a rule failed
+    int failed_kinds = 0;  // bits of Suggestion_kind: the kinds with a rule that failed
 };
 
 }  // namespace frontpanel

@@ -1,5 +1,5 @@
-// Keeps what the device held before it was written, so that several writes, with all that rules made of them, can be
-// taken back as one. Menu thread only.
+// Keeps the device's values from before a write, so that several writes can be undone as one, together with the writes
+// of rules that followed. Menu thread only.
 #ifndef FRONTPANEL_BINDING_WRITE_JOURNAL_H
 #define FRONTPANEL_BINDING_WRITE_JOURNAL_H
 
@@ -13,14 +13,15 @@ namespace frontpanel {
 
 class Write_journal {
 public:
-    // Sees every write through `device` while it lives; one at a time. The device and its registry outlive it.
+    // Notes every write through `device` while it lives. A device has one journal at a time; device and registry
+    // outlive it.
     Write_journal(Caching_device& device, Binding_registry& registry);
     ~Write_journal();
     Write_journal(const Write_journal&) = delete;
     Write_journal& operator=(const Write_journal&) = delete;
 
-    // Writes back what the device held at the beginning, the latest change first. Write rules count as not having acted
-    // since. Returns what could not be put back; the journal is empty afterwards.
+    // Writes back what the device held at the beginning, the latest change first. Write rules count as not having
+    // written since. Returns the variables that could not be written back; the journal is empty afterwards.
     std::vector<Device_variable> put_back();
 
     // Internal: for the caching device, before each write.
