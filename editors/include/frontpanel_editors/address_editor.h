@@ -1,8 +1,8 @@
 // Edits a dotted IPv4 address block by block.
 //
-// COARSER and FINER choose the block, the encoder changes it within 0 to 255. Typed digits take its place, and a point
-// leads to the next one. A stored text that is no
-// address starts as 0.0.0.0. The entry's text changes only when the address is accepted.
+// COARSER and FINER choose the block, the encoder changes it within 0 to 255. Typed digits replace it, and a point
+// moves to the next one. A stored text that is no address starts as 0.0.0.0. The entry's text changes only when the
+// address is accepted.
 #ifndef FRONTPANEL_EDITORS_ADDRESS_EDITOR_H
 #define FRONTPANEL_EDITORS_ADDRESS_EDITOR_H
 

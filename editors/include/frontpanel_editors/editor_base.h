@@ -105,7 +105,7 @@ protected:
     // The characters that `put` takes.
     virtual std::string typed_characters() const { return {}; }
     virtual void put(char /*character*/) {}
-    // Whether something is typed that is no value before it ends: nothing of it is previewed.
+    // Whether typing is under way that has no value before it ends: it is not previewed.
     virtual bool is_typing() const { return false; }
     // Whether ERASE takes a typed character away.
     virtual bool has_typed() const { return is_typing(); }
@@ -116,7 +116,7 @@ protected:
     // Proposes the nearest allowed value in place of one that is not allowed. Whether it did.
     virtual bool move_to_allowed() { return false; }
     virtual void draw(int columns, Editor_view& shown) = 0;
-    // Brings the proposed value in line with what the entry allows by now.
+    // Adapts the proposed value to the values that the entry allows now.
     virtual Editor_change adapt() { return Editor_change::NONE; }
     // Shows the entry's value once more while it is only viewed.
     virtual void show_value() { start(); }
@@ -130,7 +130,7 @@ protected:
     bool wraps() const { return m_settings.wrap.value_or(false); }
 
 private:
-    // Moving a cursor that a view does not have is no attempt to change the value.
+    // A view has no cursor to move, and moving one is no attempt to change the value.
     static Editor_result refusal_of(Editor_key key) {
         const bool moves = key == Editor_key::COARSER || key == Editor_key::FINER;
         return moves ? Editor_result::OPEN : Editor_result::LOCKED;

@@ -1,8 +1,8 @@
 // Chooses one option of an enumerated entry or a slot list with the encoder.
 //
-// The encoder moves through the options that are visible and stops at the first and the last, or goes round.
-// The entry's own choice changes only when the proposed one is accepted. When other options come in their
-// place, the proposed one is found again by its text.
+// The encoder moves through the visible options and stops at the first and the last, or wraps. The entry's own
+// choice changes only when the proposed one is accepted. When the list of options is replaced, the proposed one is
+// found again by its text.
 #ifndef FRONTPANEL_EDITORS_ENUM_EDITOR_H
 #define FRONTPANEL_EDITORS_ENUM_EDITOR_H
 
@@ -72,7 +72,7 @@ private:
     int32_t m_selected = 0;
     int32_t m_selected_line = 0;
     bool m_use_line_info = false;
-    bool m_is_nowhere = false;  // on a key without an option; the first step leads to an option
+    bool m_is_nowhere = false;  // the stored key has no option; the first step moves to one
 };
 
 }  // namespace frontpanel

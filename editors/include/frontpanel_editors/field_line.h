@@ -26,9 +26,9 @@ public:
     };
     using Limits_of = std::function<Limits(std::size_t field)>;
 
-    // Takes another row and chooses its last field. `trailing` follows the last field.
+    // Replaces the row and chooses its last field. `trailing` follows the last field.
     void set(std::vector<Number_field> fields, std::string trailing = "");
-    // What a step of the encoder does: the number changes by so much, up to its limits; with `wrap` a step from
+    // The effect of a step of the encoder: the number changes by `steps`, up to its limits; with `wrap` a step beyond
     // a limit leads to the other one.
     struct Turn {
         int steps = 1;
@@ -36,11 +36,11 @@ public:
     };
     // COARSER and FINER choose the field to the left and to the right; UP and DOWN turn the chosen one.
     void step(Editor_key key, const Turn& turn, const Limits_of& limits_of);
-    // A digit takes the place of the chosen field's number, or follows those that were just typed; one that would lead
-    // beyond the field's limit is ignored. A field of a fixed width that is full leads on to the next one, and so does
-    // any other character. A number below its limit moves to it when the field is left.
+    // A digit replaces the chosen field's number, or follows the digits just typed; one that would exceed the field's
+    // limit is ignored. A full field of a fixed width, and any other character, move on to the next field. A number
+    // below its limit becomes the limit when the cursor leaves the field.
     void type(char character, const Limits_of& limits_of);
-    // Takes the digit away that was typed last.
+    // Removes the digit that was typed last.
     void erase();
     bool is_typing() const { return !m_typed.empty(); }
     // Puts every field within its limits, from the first to the last, and ends typing.

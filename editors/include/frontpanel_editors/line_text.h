@@ -32,11 +32,12 @@ class Scrolling_text {
 public:
     // Takes another text and starts at its beginning. Blanks at its end are dropped.
     void set(std::string text);
-    // Takes another text, and goes on with one that is shown already.
+    // As `set`, but a text that is already shown scrolls on.
     void update(std::string text);
-    // Takes the text of the same value by now, and goes on where it is: a clock would never come to its end.
+    // Replaces the text by the current one of the same value, and scrolls on from the same place: otherwise the end of
+    // a text that changes often, such as a clock's, would never be shown.
     void follow(std::string text);
-    // The part to show now, at most `columns` characters. Each call moves on.
+    // The part to show now, at most `columns` characters. Each call scrolls on.
     std::string show(int columns);
     int width() const { return static_cast<int>(m_characters.size()); }
     const std::string& text() const { return m_text; }

@@ -1,13 +1,12 @@
 // Edits the number of a range entry with the encoder.
 //
-// One detent changes the value by the entry's step, or by 10, 100 ... times it as chosen with the coarser and
-// finer keys, and goes on to the next allowed value in its direction: no step ends in a gap between two ranges. A
-// detent of a quick turn counts for several, within the entry's acceleration. A value of the device that lies in a gap
-// is shown as it is; it is never stored. The proposed value is shown in the entry's own format, as it will be after the
-// change, and so is the step.
+// One detent changes the value by the entry's step, or by 10, 100 ... times that step, as chosen with the coarser and
+// finer keys. A step that would end in a gap between two ranges goes on to the next allowed value. In a quick turn a
+// detent counts as several steps, up to the entry's acceleration. A value of the device that lies in a gap is shown
+// unchanged, and never stored. The proposed value and the step are shown in the entry's format.
 //
-// A number is typed as it is shown. Any key but ERASE takes it as the proposed value. One that no allowed value shows is
-// the nearest value: SELECT then proposes it (MOVED).
+// A number is typed as it is shown. Any key except ERASE ends typing, and the number becomes the proposed value. If no
+// allowed value shows that number, SELECT proposes the nearest one (MOVED).
 #ifndef FRONTPANEL_EDITORS_NUMBER_EDITOR_H
 #define FRONTPANEL_EDITORS_NUMBER_EDITOR_H
 
@@ -55,7 +54,7 @@ private:
     int m_proposed = 0;
     int m_opened = 0;  // the entry's value when it was opened
     int m_step = 1;
-    Scrolling_text m_text;  // without a digit for the cursor
+    Scrolling_text m_text;  // for a text without a digit, which has no cursor
     Number_scale m_scale;
     std::string m_typed;
 };

@@ -1,6 +1,6 @@
-// Which values a range entry allows now, gaps included, and the way from one to another.
+// The values that a range entry allows now, with the gaps between them, and steps from one to another.
 //
-// The entry itself reports its lowest and its highest value only, and steps through the gaps between its ranges.
+// The entry itself reports only its lowest and its highest value, and steps into the gaps between its ranges.
 #ifndef FRONTPANEL_EDITORS_NUMBER_RANGES_H
 #define FRONTPANEL_EDITORS_NUMBER_RANGES_H
 

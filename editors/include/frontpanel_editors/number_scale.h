@@ -1,8 +1,8 @@
-// How the values of a number are shown: what a step is in the unit that a person reads, and which value a typed number
-// means.
+// The relation between the values of a number and their texts: the size of a step in the displayed unit, and the value
+// of a typed number.
 //
-// Both follow from the texts of some values, so that every format and conversion is treated alike: the number in them,
-// and what stands before and behind it. Rows of a table with other texts are passed over.
+// Both are worked out from the texts of some values, whatever the format and the conversion: from the number in a text,
+// and the text before and behind it. Rows of a table with other texts are skipped.
 #ifndef FRONTPANEL_EDITORS_NUMBER_SCALE_H
 #define FRONTPANEL_EDITORS_NUMBER_SCALE_H
 
@@ -21,7 +21,7 @@ public:
 
     struct Typed {
         int value;      // the nearest one, which may lie beyond the limits
-        bool is_exact;  // whether it is shown as it was typed
+        bool is_exact;  // whether its text is the typed one
     };
 
     struct Digits {
@@ -29,22 +29,23 @@ public:
         std::size_t end;  // behind the last one
     };
 
-    // Without numbers: nothing can be typed.
+    // For a value that is not shown as a number: nothing can be typed.
     Number_scale() = default;
-    // Of the values from `min` to `max`. `text_of` is called for as long as the scale lives.
+    // For the values from `min` to `max`. `text_of` is called while the scale exists.
     Number_scale(Text_of text_of, int min, int max);
 
-    // The digits of the number in the text of a value, with their point; of another text its first number. Nothing for a
-    // text without a digit.
+    // The digits of the number in the text of a value, with their point; of any other text, the first number. Empty for
+    // a text without a digit.
     std::optional<Digits> digits_in(const std::string& text) const;
-    // The characters of a number as it is shown; empty where the texts are no numbers that rise or fall with the values.
+    // The characters that numbers can have; empty unless the numbers in the texts always rise, or always fall, with the
+    // values.
     std::string characters() const;
-    // What stands before and behind the number.
+    // The text before and behind the number.
     const std::string& before() const { return m_before; }
     const std::string& behind() const { return m_behind; }
-    // The difference that a step makes, with its unit, such as "1.0 dB"; nothing where it is not the same for each value.
+    // The size of a step with its unit, such as "1.0 dB"; empty when it depends on the value.
     std::optional<std::string> step_text(int step) const;
-    // The value that a number stands for; nothing for a text without a digit.
+    // The value of a typed number; empty for a text without a digit.
     std::optional<Typed> value_of(const std::string& typed) const;
 
 private:
@@ -61,8 +62,8 @@ private:
 
     Text_of m_text_of;
     bool m_has_form = false;
-    std::string m_form;    // what stands before the number, without blanks that fill it up
-    std::string m_before;  // with those that each number has
+    std::string m_form;    // the text before the number, without the blanks that pad it
+    std::string m_before;  // the same with the blanks that every text has
     std::string m_behind;
     int m_decimals = 0;
     std::vector<Place> m_places;  // by value; empty without numbers

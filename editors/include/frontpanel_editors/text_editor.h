@@ -1,14 +1,14 @@
 // Edits the text of a string entry character by character.
 //
-// COARSER and FINER move the cursor left and right, up to one place beyond the text. There the first step of
-// the encoder widens the text by a new character; a step on a character changes it to its neighbour in the character
-// set: the one that the entry is edited with, or the printable range. INSERT puts a new character under the cursor, as
-// long as the text has room. A new one is visible: "A", or the first of the set that is no blank. A typed character
-// takes the place of the one under the cursor, which moves on; one that the set lacks is ignored, unless the set has it
-// in the other case. DELETE takes the character under the cursor away, or the last one from the place behind the text.
-// ERASE does the same, but behind what was just typed it takes that back. A character beyond ASCII, which the text may
-// have from the device, is moved over, replaced and taken away as a whole, but none can be entered. Works on a copy: the
-// entry's text changes only when it is accepted.
+// COARSER and FINER move the cursor left and right, up to one place beyond the text. There the first step of the
+// encoder adds a new character. A step on a character changes it to its neighbour in the character set: that of the
+// entry's editor settings, or the printable characters. INSERT puts a new character at the cursor while the text has
+// room. A new character is "A", or the first of the set that is no blank. A typed character replaces the one at the
+// cursor, and the cursor moves on; a character that the set lacks is ignored, unless the set has it in the other case.
+// DELETE removes the character at the cursor, or the last one from the place behind the text. ERASE does the same, but
+// directly after typing it removes what was typed. A character beyond ASCII, which the device's text may have, is moved
+// over, replaced and removed as a whole, but cannot be entered. The entry's text changes only when the new one is
+// accepted.
 #ifndef FRONTPANEL_EDITORS_TEXT_EDITOR_H
 #define FRONTPANEL_EDITORS_TEXT_EDITOR_H
 
@@ -71,7 +71,7 @@ private:
     std::optional<String_model> m_text;
     int m_position = 0;
     bool m_is_typing = false;  // the last key typed, or took back what was typed
-    Scrolling_text m_viewed;   // shown instead while the text cannot be edited
+    Scrolling_text m_viewed;   // shown while the text cannot be edited
     std::string m_opened;      // the entry's text when it was opened
 };
 

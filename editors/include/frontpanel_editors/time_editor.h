@@ -1,10 +1,10 @@
 // Edits a time field by field.
 //
-// Times of the forms "HH:MM", "HH:MM:SS", "YYYY-MM-DD" and a date with a time of day, separated by a blank or
-// "T" and with or without "Z" at its end, can be edited. COARSER and FINER choose the field, the encoder
-// changes it within the limits of the calendar. Typed digits take its place; a full field, or one of the signs between
-// fields, leads to the next one. A clock that shows no possible time, such as month 0, starts
-// at the nearest one. A text of another form is only viewed.
+// Times of the forms "HH:MM", "HH:MM:SS", "YYYY-MM-DD" and a date with a time of day, separated by a blank or "T" and
+// with or without "Z" at its end, can be edited. COARSER and FINER choose the field, the encoder changes it within the
+// limits of the calendar. Typed digits replace it; a full field, or one of the signs between fields, moves to the next
+// one. An impossible time of the device, such as month 0, starts as the nearest possible one. A text of another form is
+// only viewed.
 #ifndef FRONTPANEL_EDITORS_TIME_EDITOR_H
 #define FRONTPANEL_EDITORS_TIME_EDITOR_H
 
@@ -18,7 +18,7 @@
 
 namespace frontpanel {
 
-// Whether the text is a time that exists, in one of the forms that the editor knows.
+// Whether the text is a possible time in one of these forms.
 bool is_time(const std::string& text);
 
 class Time_editor : public Editor_base<TimeSelection, Time_entry> {

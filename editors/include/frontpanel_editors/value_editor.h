@@ -23,16 +23,16 @@ enum class Editor_result {
     STORED,  // the entry holds the proposed value, which is to be committed; the editor is still open
     ACCEPTED,   // the entry holds the new value, which is to be committed
     REFUSED,    // the entry refused the value and holds the one before; the editor is still open
-    LOCKED,     // the key would change what is only viewed
+    LOCKED,     // the key would change a value that is only viewed
     DISCARDED,  // left with nothing to commit
     RESTORED,   // left; the entry holds the value that it was opened with, which is to be committed
     NOT_RESTORED,  // left, but the entry refuses the value that it was opened with
     MOVED  // the value is not allowed: the nearest one is proposed in its place; the editor is still open
 };
 
-// What became of the proposed value when the values that the entry allows changed.
+// What happened to the proposed value when the allowed values of the entry changed.
 enum class Editor_change {
-    NONE,     // nothing that the editor shows
+    NONE,     // nothing changed in the editor
     KEPT,     // other values are allowed, and the proposed one is still among them
     MOVED,    // it was not, and another one is proposed in its place
     NO_VALUE  // no value is allowed at all
@@ -56,14 +56,14 @@ public:
 
     // How the next entry is edited. Call it before the editor opens; the settings stay until the next call.
     virtual void configure(const Editor_settings& settings) = 0;
-    // `steps`, at least 1, is what a detent counts for when a number is turned. A closed editor ignores keys and
-    // returns DISCARDED.
+    // `steps`, at least 1, is the number of steps that the detent counts as in a number. A closed editor ignores keys
+    // and returns DISCARDED.
     virtual Editor_result press(Editor_key key, int steps = 1) = 0;
     // The characters that can be typed now, printable ASCII; empty for none.
     virtual std::string characters() const { return {}; }
     // Types one of them. One that does not fit where it is typed is ignored. Returns what `press` returns.
     virtual Editor_result type(char /*character*/) { return Editor_result::OPEN; }
-    // Whether ERASE takes something away that was typed.
+    // Whether ERASE removes something that was typed.
     virtual bool can_erase() const { return false; }
     // Tries once more to store what was refused: a warning of the entry's binding refuses a value once. Returns what
     // the refused key would have returned.
@@ -71,11 +71,11 @@ public:
     // Gives the entry the value back that it was opened with; the proposed value stays. Returns false when the entry
     // refuses it.
     virtual bool restore() = 0;
-    // Proposes what the entry holds.
+    // Proposes the entry's value.
     virtual void propose_held() = 0;
     // Whether leaving now would lose something: another value is proposed than the entry was opened with.
     virtual bool has_changes() = 0;
-    // Brings the proposed value in line with what the entry allows after a refresh. Requires: the editor is open.
+    // Adapts the proposed value to what the entry allows after a refresh. Requires: the editor is open.
     virtual Editor_change follow() = 0;
     // What the editor shows on a line of `columns` characters (at least 2). A text that does not fit scrolls
     // by one character a call. A closed editor shows nothing.

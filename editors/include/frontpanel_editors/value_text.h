@@ -1,7 +1,7 @@
 // The display text of a value, as a whole.
 //
 // The entries' own display operations are made for a line of a given width: they cut a number to it and scroll, and an
-// enumeration shows "-" for an option behind a hidden one. These functions ask them in a way that avoids both.
+// enumeration shows "-" for an option behind a hidden one. These functions call them in a way that avoids both.
 #ifndef FRONTPANEL_EDITORS_VALUE_TEXT_H
 #define FRONTPANEL_EDITORS_VALUE_TEXT_H
 
@@ -14,12 +14,12 @@ namespace frontpanel {
 
 inline constexpr const char* NO_OPTION_TEXT = "-";  // of a key without an option
 
-// An entry of options that delivers the device's key also when it has no such option: `Enum_entry` then delivers its
-// smallest key instead.
+// An enumeration that delivers the device's key even if it has no option with it: `Enum_entry` would deliver its
+// smallest key.
 class Stored_key {
 public:
     virtual int stored_key() = 0;
-    // Whether the key is none of those that the entry has.
+    // Whether the entry has no such key.
     bool is_foreign(const Enum_entry& entry);
 
 protected:
@@ -34,7 +34,7 @@ std::string value_text(String_entry& entry);
 std::string option_text(Enum_entry& entry, int position);
 // The option that the device holds, visible or not; "-" for a key without an option.
 std::string option_text(Enum_entry& entry);
-// Whether the device holds a key without an option. False for an entry that does not tell.
+// Whether the device holds a key without an option. False for an entry without `Stored_key`.
 bool holds_no_option(Enum_entry& entry);
 
 }  // namespace frontpanel
