@@ -1,4 +1,4 @@
-// One front of several displays and inputs, for the main loop, which waits for one.
+// Combines several displays and inputs in one front for the main loop, which waits for a single front.
 #ifndef FRONTPANEL_DISPLAY_COMBINED_FRONT_H
 #define FRONTPANEL_DISPLAY_COMBINED_FRONT_H
 
@@ -19,7 +19,7 @@ public:
 
     // On all fronts.
     void show(const Frame& frame) override;
-    // Of the fronts and the inputs in turn, so that none of them keeps the others from being heard.
+    // The next event of the fronts and the inputs, asked in turn, so that a busy one does not hold back the others.
     std::optional<Front_event> next(Time now) override;
     // Becomes ready when one of the parts' sources is.
     pollfd source() const override;

@@ -35,7 +35,7 @@ public:
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
-    // The next event, in the order in which they happened; nothing when there is none left. Never waits.
+    // The next event, in the order in which they happened; empty when there is none. Never waits.
     virtual std::optional<Front_event> next(Time now) = 0;
     // The descriptor that becomes ready when there may be an event. -1 while there is none to wait for.
     virtual pollfd source() const = 0;

@@ -1,4 +1,4 @@
-// The keys of the panel, whatever presses them.
+// The keys of the panel, whichever device they come from.
 #ifndef FRONTPANEL_DISPLAY_KEY_H
 #define FRONTPANEL_DISPLAY_KEY_H
 

@@ -1,5 +1,6 @@
-// The panel's keys, a row each: their names in scripts and key maps, on a keyboard and in messages, and what they mean
-// in each place of the panel. Whatever names, sends or reads keys goes by this table; docs/panel.md describes them.
+// The panel's keys, a row each: their names in scripts and key maps, on a keyboard and in messages, and their meaning
+// in each part of the panel. All code that names, sends or reads keys uses this table; docs/panel.md describes the
+// keys.
 #ifndef FRONTPANEL_DISPLAY_KEY_TABLE_H
 #define FRONTPANEL_DISPLAY_KEY_TABLE_H
 
@@ -21,7 +22,7 @@ struct Key_row {
     int8_t detents;  // of the shaft encoder, clockwise; 0 for a push button
     uint8_t code;    // of a push button in its message
     // The key that it counts as where no cursor moves sideways (lists, questions, the PIN), where one does (edited
-    // values, diagnostics), and in a text or what else was typed. Itself for a key that means the same everywhere.
+    // values, diagnostics), and while a text is edited or something is typed. Itself for a key with one meaning.
     Key::Kind in_list;
     Key::Kind at_cursor;
     Key::Kind in_text;

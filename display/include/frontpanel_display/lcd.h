@@ -17,8 +17,8 @@ struct Lcd_size {
 // "20x2".
 std::string size_text(Lcd_size size);
 
-// What a display of ours may measure: below, an editor has no room for a name over a value; above, no
-// character display of this kind is made.
+// The sizes of displays that the panel supports. A smaller one has no room for a name above an edited value; larger
+// character displays of this kind are not made.
 inline constexpr Lcd_size SMALLEST_LCD{16, 2};
 inline constexpr Lcd_size LARGEST_LCD{80, 16};
 
@@ -69,7 +69,7 @@ struct Leds {
     bool heart = false;  // changes as long as the panel is alive
 };
 
-// What the panel does, which decides what its keys do.
+// The state of the panel, which determines what its keys do.
 enum class Panel_mode {
     HOMESCREEN,   // without a cursor
     HOME_CURSOR,  // the homescreen with a cursor
@@ -79,7 +79,7 @@ enum class Panel_mode {
     OPTIONS,  // likewise
     FIELDS,   // likewise, such as an address or a time
     TEXT,     // likewise
-    VIEW,     // of a value that cannot be changed
+    VIEW,     // a value that cannot be changed is shown
     NOTICE,
     QUESTION,
     LOG,

@@ -1,4 +1,4 @@
-// The displays by name, a row each: what an application offers its users to choose from.
+// The displays by name, a row each, for an application whose users choose one.
 //
 // An application that knows its display needs none of this: it creates a Terminal, Lcdproc_display or Text_display.
 #ifndef FRONTPANEL_DISPLAYS_DISPLAY_TABLE_H
@@ -16,19 +16,18 @@
 
 namespace frontpanel {
 
-// What a display is opened with, of which each takes what it needs.
+// The settings for opening a display. Each display uses those that it needs.
 struct Display_setup {
-    std::string argument;  // of `Display_choice`
-    std::optional<Lcd_size>
-        size;                     // which the panel keeps; without one it takes that of the display
-    Key_map keys = usual_keys();  // of a display with keys of its own
-    int terminal;                 // the descriptor of a terminal
-    std::ostream& out;            // for frames as text; outlives the display
-    std::ostream& messages;       // status messages, a line each; outlives the display
-    const Character_rom* rom = &Character_rom::a00();  // of a display whose ROM nobody can ask for
+    std::string argument;          // of `Display_choice`
+    std::optional<Lcd_size> size;  // the panel's size; empty: that of the display
+    Key_map keys = usual_keys();   // of a display with keys of its own
+    int terminal;                  // the descriptor of a terminal
+    std::ostream& out;             // for frames as text; outlives the display
+    std::ostream& messages;        // status messages, a line each; outlives the display
+    const Character_rom* rom = &Character_rom::a00();  // of a display that does not report it
 };
 
-// What a display has of the characters of a text.
+// The characters that a display can show.
 enum class Display_characters {
     ALL,         // that take one column
     ISO_8859_1,  // and plain forms of dashes and quotation marks
@@ -43,8 +42,8 @@ struct Display_row {
     bool (*accepts)(const std::string& argument);
     // Whether it takes the terminal and standard input for itself, so that nothing else may be printed meanwhile.
     bool takes_terminal;
-    // One of both; the other is null. A display with keys is for a person, one without for scripts. Input_error when
-    // it cannot be opened.
+    // One of these two; the other is null. A display with keys is for a person, one without for scripts. Input_error
+    // when it cannot be opened.
     std::unique_ptr<Front> (*open_front)(const Display_setup& setup);
     std::unique_ptr<Display> (*open_display)(const Display_setup& setup);
 
@@ -57,9 +56,9 @@ struct Display_row {
     bool is_interactive() const { return open_front != nullptr; }
 };
 
-// A display that somebody named.
+// A display chosen by its name.
 struct Display_choice {
-    const Display_row* display = nullptr;  // null: none was named
+    const Display_row* display = nullptr;  // null: none was chosen
     std::string argument;
 };
 

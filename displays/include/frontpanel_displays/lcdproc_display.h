@@ -1,8 +1,8 @@
 // The panel on one of the many character displays that an LCDproc server drives; the display's keys are the
 // panel's.
 //
-// The server may be slow, unreachable, or send invalid lines: nothing here waits for it. While it is unreachable the panel
-// goes on unseen; once the server is back, the whole frame is shown.
+// The server may be slow, unreachable, or send invalid lines: nothing here waits for it. While it is unreachable the
+// panel works without a display; once the server is back, the whole frame is shown.
 #ifndef FRONTPANEL_DISPLAYS_LCDPROC_DISPLAY_H
 #define FRONTPANEL_DISPLAYS_LCDPROC_DISPLAY_H
 
@@ -33,8 +33,8 @@ public:
                     std::ostream& log);
     ~Lcdproc_display() override;
 
-    // Sends only what differs from the last frame, once the server has shown that: of frames that come faster, the last
-    // counts.
+    // Sends only the differences from the last frame, once the server has shown that one. Of frames that come faster,
+    // only the last is sent.
     void show(const Frame& frame) override;
     std::optional<Front_event> next(Time now) override;
     pollfd source() const override;

@@ -9,7 +9,7 @@
 namespace frontpanel {
 
 struct Lcdproc_server {
-    std::string host = "127.0.0.1";  // an IPv4 or IPv6 address in figures
+    std::string host = "127.0.0.1";  // an IPv4 or IPv6 address
     uint16_t port = 13666;
 };
 

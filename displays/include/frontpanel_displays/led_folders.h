@@ -28,7 +28,7 @@ public:
     // Status messages go to `log`, a line each; `log` outlives the LEDs. An LED that is missing or refuses is retried
     // with growing pauses; the others go on.
     Led_folders(const Led_map& leds, std::ostream& log);
-    // Switches the LEDs off and gives them back their triggers.
+    // Switches the LEDs off and restores their triggers.
     ~Led_folders() override;
 
     void show(const Frame& frame) override;

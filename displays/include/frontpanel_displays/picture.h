@@ -19,7 +19,7 @@ public:
     explicit Picture_display(std::string file);
 
     void show(const Frame& frame) override;
-    // Writes the picture of the last frame, if there was one. Input_error when that cannot be done; then the file is as it was.
+    // Writes the picture of the last frame, if there was one. Input_error, with the file unchanged, when that fails.
     void finish() const;
 
 private:

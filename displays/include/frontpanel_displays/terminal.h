@@ -45,8 +45,8 @@ private:
     std::optional<Signal_cleanup> m_last_act;
 };
 
-// Terminal rows and columns that a display of this size takes, with the longest legend, on a terminal of `columns`
-// columns: a wider one has a legend of fewer lines.
+// The terminal rows and columns that a display of this size takes, with the longest legend. A legend takes fewer lines
+// on a wider terminal, of `columns` columns.
 Lcd_size terminal_size_for(Lcd_size lcd, int columns = 0);
 
 }  // namespace frontpanel

@@ -14,12 +14,12 @@ namespace frontpanel {
 
 class Evdev_input : public Input {
 public:
-    // A device that is away is looked for this often at least.
+    // The longest time between two attempts to find a missing device.
     static constexpr std::chrono::milliseconds LONGEST_PAUSE{2000};
 
-    // `device` is a path, which begins with '/' or '.', or the name of a device in /dev/input; the path may be that of a
-    // pipe with recorded events. It is not empty. It is opened with the first call of `next`, and grabbed. Status messages go to `log`, a line each; `log` outlives the
-    // input. Requires: `check_event_names` accepts the keys.
+    // `device` is a path, which begins with '/' or '.', or the name of a device in /dev/input. The path may be that of
+    // a pipe with recorded events. The first call of `next` opens and grabs the device. Status messages go to `log`, a
+    // line each; `log` outlives the input. Requires: `device` is not empty, and `check_event_names` accepts the keys.
     Evdev_input(const std::string& device, const Event_key_map& keys, std::ostream& log);
     ~Evdev_input() override;
 

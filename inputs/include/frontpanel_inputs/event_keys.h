@@ -1,4 +1,4 @@
-// What the events of the kernel's input devices mean to the panel: rotary encoders, buttons and knobs.
+// Translates events of the kernel's input devices to keys of the panel: rotary encoders, buttons and knobs.
 #ifndef FRONTPANEL_INPUTS_EVENT_KEYS_H
 #define FRONTPANEL_INPUTS_EVENT_KEYS_H
 
@@ -43,16 +43,17 @@ public:
     // Requires: `check_event_names` accepts the map.
     explicit Event_keys(const Event_key_map& keys);
 
-    // The device is a new one, or its state is unknown: an absolute axis starts where it is next.
+    // Call it for a new device, or when its state is unknown: the next event of an absolute axis then only sets its
+    // place.
     void forget_state() {
         m_positions.clear();
         m_whole_ranges.clear();
     }
-    // An absolute axis is there now.
+    // Sets the place of an absolute axis.
     void set_position(uint16_t code, int32_t value) { m_positions[code] = value; }
-    // The keys that the event presses, in their order. An absolute axis turns by the shorter way: at the end of
-    // `range` it goes on at the other end, as an encoder that turns round does. The largest value of the range counts
-    // as one that the axis has once the axis has taken it: the kernel's rotary encoders announce one more than they have.
+    // The keys that the event presses, in order. An absolute axis turns the shorter way: beyond one end of `range` it
+    // continues at the other, like an endless encoder. The largest value of the range counts only after the axis has
+    // taken it: the kernel's rotary encoders announce one value more than they have.
     std::vector<Key> take(const Input_signal& signal,
                           const std::optional<Axis_range>& range = std::nullopt);
 
