@@ -1,9 +1,10 @@
-// The parameters of drivers as one device: the menu asks memory, and a thread for each driver fills and drains it.
+// The parameters of drivers as one device. The menu reads and writes memory; a thread for each driver exchanges the
+// values with its device.
 //
-// Every operation is for the menu thread, and none of them waits for a device, but `flush`, `read_all` and the
-// destructor, which wait for a bounded time.
+// Every operation is for the menu thread. None waits for a device, except `flush`, `read_all` and the destructor, which
+// wait for a bounded time.
 //
-// Polling follows demand: a parameter is read while somebody asks for it, so a menu costs what it shows.
+// A parameter is read only while the menu asks for it, so the cost depends on what is shown.
 #ifndef FRONTPANEL_DRIVERS_DEVICE_CACHE_H
 #define FRONTPANEL_DRIVERS_DEVICE_CACHE_H
 
@@ -30,13 +31,13 @@ class Driver_news;
 // What happened at a driver, for the log and for notices. Each is reported once.
 struct Driver_event {
     enum Kind {
-        AWAY,             // the driver lost, or did not get, its connection
-        BACK,             // and has it again
-        READ_FAILED,      // a parameter that could be read, or was never read, fails
-        READ_AGAIN,       // and does no longer
+        AWAY,             // the driver lost its connection, or could not connect
+        BACK,             // it is connected again
+        READ_FAILED,      // reading a parameter fails for the first time, or again after it worked
+        READ_AGAIN,       // reading it works again
         WRITE_REFUSED,    // the old value is back
         WRITE_TIMED_OUT,  // the value is unknown until it is read again
-        WRITE_DROPPED,    // never sent, since the driver was away too long: the old value is back
+        WRITE_DROPPED,    // not sent, since the driver was away too long: the old value is back
         WRITE_UNANSWERED  // passed on, but the device has not pushed a value since: the old value is back
     };
     Kind kind;
@@ -48,7 +49,7 @@ struct Driver_event {
     std::string text() const;
 };
 
-// A write that the end of the panel leaves behind.
+// A write that has not reached its device when the panel ends.
 struct Unsent_write {
     std::string driver;
     std::string parameter;
@@ -57,7 +58,7 @@ struct Unsent_write {
     std::string text() const;
 };
 
-// A parameter with what is known of it, for reports.
+// A parameter with its value and state, for reports.
 struct Driven_value {
     std::string driver;
     std::string parameter;
@@ -73,7 +74,7 @@ struct Device_cache_settings {
     // Without threads `step` does their work, for tests and for reading everything once.
     bool has_threads = true;
     std::chrono::milliseconds wanted_for{
-        5000};  // a parameter is read for so long after it was asked for
+        5000};  // a parameter is polled this long after it was last asked for
     std::chrono::milliseconds first_pause{
         500};  // before a driver that is away is tried again; it doubles
     std::chrono::milliseconds longest_pause{30000};
@@ -85,7 +86,7 @@ struct Device_cache_settings {
 
 class Device_cache : public Pdt_data_access, public Value_states {
 public:
-    // Results of `Get` and `Set`, beside those of the device that has the other parameters.
+    // Results of `Get` and `Set`; other numbers are those of the device with the other parameters.
     enum Result {
         DONE = 0,
         NOT_KNOWN = 20,  // no value yet, or none any more
@@ -101,7 +102,7 @@ public:
 
     // `others` has the parameters that live at no driver, the products and the sockets, and outlives the cache.
     explicit Device_cache(Data_interface& others, Device_cache_settings settings = {});
-    // Ends every driver. One that hangs is left behind with its thread and its memory.
+    // Ends every driver. A driver that hangs is abandoned with its thread and its memory.
     ~Device_cache() override;
     Device_cache(const Device_cache&) = delete;
     Device_cache& operator=(const Device_cache&) = delete;
@@ -123,35 +124,35 @@ public:
     // Whether the parameter lives at a driver.
     bool has(std::uint32_t pid, std::uint32_t varidx) const;
     std::size_t parameter_count() const { return m_places.size(); }
-    // OLD is a value that was read more than three poll intervals ago, or was pushed before the connection was lost, or
-    // has no successor within three poll intervals though its driver repeats it; UNKNOWN one that was never read, or to which a write timed out. Nothing for a parameter that lives at no driver.
+    // OLD: the value was read more than three poll intervals ago, was pushed before the connection was lost, or has had
+    // no successor for three poll intervals although its driver repeats it. UNKNOWN: it was never read, or a write to
+    // it timed out. Empty for a parameter that lives at no driver.
     std::optional<Value_state> state(std::uint32_t pid, std::uint32_t varidx) const override;
-    // Readable when a value that was lately asked for, or its state, changed, or an event happened.
+    // Becomes readable when an event happens, or when the value or the state of a parameter that was asked for changes.
     int descriptor() const;
-    // Whether it was readable; it no longer is.
+    // Makes the descriptor unreadable again. Returns whether it was readable.
     bool take_changes();
     // What happened since the last call, the oldest first. Of very many the last are replaced by one that counts them.
     std::vector<Driver_event> take_events();
 
-    // Waits until every write has reached its device, `most` at the longest. The writes that did not. A driver that is
-    // away is tried at once.
+    // Waits until every write has reached its device, at most for `most`, and returns the writes that did not. A driver
+    // that is away is tried at once.
     std::vector<Unsent_write> flush(std::chrono::milliseconds most);
-    // Asks for every parameter, and waits until each has been read or has failed, `most` at the longest.
+    // Asks for every parameter, and waits until each has been read or has failed, at most for `most`.
     void read_all(std::chrono::milliseconds most);
     // Every parameter, by driver and in the order in which they were added.
     std::vector<Driven_value> values() const;
-    // Without threads: does once for each driver what its thread would, without waiting. Whether anything was done.
+    // Without threads: does the work of each driver's thread once, without waiting. Returns whether there was any.
     bool step();
 
-    // Called with each value that `Set` keeps for a driver, on the menu thread; null for nobody.
+    // Called with each value that `Set` keeps for a driver, on the menu thread; null for no listener.
     using Write_listener =
         std::function<void(std::uint32_t pid, std::uint32_t varidx, const Parameter_value& value)>;
     void set_write_listener(Write_listener listener) { m_write_listener = std::move(listener); }
 
     // The value in memory; NOT_KNOWN when there is none. Marks the parameter as wanted.
     int Get(unsigned int pid, unsigned int varidx, void* buffer, unsigned int length) override;
-    // Keeps the value for the driver, and as the value that `Get` returns from now on. A value that has not been sent is
-    // replaced by a newer one.
+    // Keeps the value for the driver; `Get` returns it from now on. A newer value replaces one that has not been sent.
     int Set(unsigned int pid, unsigned int varidx, const void* buffer,
             unsigned int length) override;
 

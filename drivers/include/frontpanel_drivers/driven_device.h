@@ -1,5 +1,4 @@
-// The drivers of a menu file with the parameters that live at them, behind a cache. docs/menu-file.md describes "drivers" and
-// "source".
+// The drivers of a menu file with their parameters, behind a cache. docs/menu-file.md describes "drivers" and "source".
 #ifndef FRONTPANEL_DRIVERS_DRIVEN_DEVICE_H
 #define FRONTPANEL_DRIVERS_DRIVEN_DEVICE_H
 
@@ -18,7 +17,7 @@ using Driver_table = std::vector<const Driver_row*>;
 
 // Whether a parameter of the file lives at a driver.
 bool has_source(const Json_value& parameter);
-// Whether any does.
+// Whether any parameter of the file lives at a driver.
 bool has_sources(const Json_value& file);
 
 // How a driver that the table lacks, or has without `create`, is reported.
@@ -32,9 +31,9 @@ public:
     static constexpr std::size_t MOST_DRIVERS = 32;
     static constexpr std::size_t MOST_PARAMETERS = 100000;
 
-    // Reads the member "device" of `file`. What is wrong with its drivers and sources becomes one of `problems`, and work
-    // goes on behind it; a device with problems is not meant to be started. `folder` is that of the file; `others` has
-    // the parameters without a source, and outlives the device.
+    // Reads the member "device" of `file`. Errors in its drivers and sources are added to `problems`, and reading goes
+    // on; do not start a device with errors. `folder` is that of the file; `others` has the parameters without a
+    // source, and outlives the device.
     Driven_device(const Json_value& file, Problems& problems, const Driver_table& drivers,
                   const std::string& folder, Data_interface& others,
                   Device_cache_settings settings = {},
@@ -42,7 +41,7 @@ public:
     Driven_device(const Driven_device&) = delete;
     Driven_device& operator=(const Driven_device&) = delete;
 
-    // What the menu is loaded over. The drivers work once its `start` was called.
+    // The device for the menu. The drivers work after its `start` was called.
     Device_cache& cache() { return m_cache; }
     // Has every driver warn of what is valid but probably a mistake. Requires: the cache has not been started.
     void check(Problems& problems) const;

@@ -9,7 +9,7 @@
 
 namespace frontpanel {
 
-// Placed_error for anything else, and for what is not from `shortest` to `longest`.
+// Placed_error for any other text, and for a time shorter than `shortest` or longer than `longest`.
 std::chrono::milliseconds duration_of(const Json_value& value, std::chrono::milliseconds shortest,
                                       std::chrono::milliseconds longest);
 // The member of that name, or `otherwise` when it is missing.

@@ -1,4 +1,5 @@
-// Addresses of devices in a menu file. Nothing is looked up: a name server that does not answer would hold a driver up.
+// Addresses of devices in a menu file. Host names are not accepted: a name server that does not answer would delay a
+// driver.
 #ifndef FRONTPANEL_DRIVERS_IP_ADDRESS_H
 #define FRONTPANEL_DRIVERS_IP_ADDRESS_H
 

@@ -16,7 +16,7 @@ namespace frontpanel {
 // A number of the menu, or why there is none: one line.
 using Scaled_number = std::variant<std::int32_t, std::string>;
 
-// Results are rounded to the nearest number, halves away from zero. Whatever a result does not fit is reported, never cut.
+// Results are rounded to the nearest number, halves away from zero. A result that does not fit is reported, never cut.
 class Scale {
 public:
     static constexpr std::int64_t LARGEST = 1000000000;  // of both numbers
@@ -35,7 +35,7 @@ public:
     Scaled_number from_device(std::string_view decimal) const;
     // A number as JSON has it, which may have an exponent: "2.5e-3".
     Scaled_number from_json(std::string_view number) const;
-    // For the device: a decimal number, exact but for what is behind the ninth decimal; or a whole number.
+    // For the device: a decimal number, rounded to nine decimals; or a whole number.
     std::string to_decimal(std::int32_t number) const;
     std::int64_t to_whole(std::int32_t number) const;
 

@@ -1,6 +1,6 @@
 // Parameters that a program of the user's has: a child process, or the other side of a socket on this machine.
 //
-// docs/process-protocol.md describes the lines that go to and fro.
+// docs/process-protocol.md describes the lines that they exchange.
 #ifndef FRONTPANEL_DRIVER_PROCESS_PROCESS_DRIVER_H
 #define FRONTPANEL_DRIVER_PROCESS_PROCESS_DRIVER_H
 
