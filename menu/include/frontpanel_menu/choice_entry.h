@@ -1,4 +1,4 @@
-// Enumerations and slot lists that deliver the key that the device holds, also one without an option.
+// Enumerations and slot lists that deliver the device's key even if it has no option.
 #ifndef FRONTPANEL_MENU_CHOICE_ENTRY_H
 #define FRONTPANEL_MENU_CHOICE_ENTRY_H
 

@@ -8,7 +8,7 @@ struct Encoder_settings {
     bool reversed = false;  // clockwise counts as counter-clockwise
     bool wrap = false;      // a step beyond the last entry or value leads to the first, and back
     bool acceleration =
-        true;  // entries that ask for it move faster when turned quickly; false: none does
+        true;  // entries with acceleration move faster in a quick turn; false: none does
 };
 
 }  // namespace frontpanel

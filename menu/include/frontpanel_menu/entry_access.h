@@ -1,5 +1,5 @@
-// How the panel reaches into an entry whatever its type: neighbours and refresh through the library's
-// dispatcher, commit by the entry's kind, since each leaf class brings its own.
+// Operations on an entry of any type: neighbours and refresh by the library's dispatcher, commit by the entry's kind,
+// since each leaf class has its own.
 #ifndef FRONTPANEL_MENU_ENTRY_ACCESS_H
 #define FRONTPANEL_MENU_ENTRY_ACCESS_H
 
@@ -13,7 +13,7 @@ namespace frontpanel {
 constexpr unsigned int WARNING_PID = 65549;
 constexpr int FIRST_LIVE_PID = 9000;
 constexpr int LAST_LIVE_PID = 9100;
-// A link owns what it houses by this name alone.
+// A link owns its housed entry if, and only if, that has this name.
 constexpr const char* BRIDGE_NAME = "Bridge Entry";
 constexpr const char* NO_OPTION_YET = "-";  // the only option of a live list before its first fetch
 
@@ -32,7 +32,7 @@ bool is_mount(Data_entry& entry);
 // The neighbour that one of the dispatcher's link steps delivers; null for none.
 Data_entry* neighbour(Data_entry& entry, Data_entry::Operation_flag step);
 
-// The menu around an entry; null at the top. Unlike the dispatcher's plain step it leaves no mounted menu.
+// The menu around an entry; null at the top. Unlike the dispatcher's plain step, this does not leave a mounted menu.
 Data_entry* menu_of(Data_entry& entry);
 
 // Refreshes the entry with its binding. 0, or what the entry's refresh returns.
@@ -40,7 +40,7 @@ int refresh(Data_entry& entry, Data_interface& device);
 
 // Whether selecting the entry, or the link, opens a menu.
 bool is_menu(const Data_entry& entry);
-// Whether the entry's options come from a card and not its value from the device.
+// Whether the entry's options come from a card, instead of its value from the device.
 bool is_live_pid(uint32_t pid);
 bool is_live(const Data_entry& entry);
 

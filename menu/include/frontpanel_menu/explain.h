@@ -8,9 +8,9 @@
 
 namespace frontpanel {
 
-// Of the entry with that path or id and of every menu around it, the outermost first: whether it is shown, and what
-// of it decides that, each expression with the values that it saw. A link is followed by what it houses. Reads from
-// the device. Input_error when the menu has no such entry.
+// Explains the entry with that path or id and every menu around it, the outermost first: whether it is shown, and why,
+// each expression with the values that it read. A link is followed by its housed entry. Reads from the device.
+// Input_error when the menu has no such entry.
 std::string explain(Menu& menu, const std::string& name);
 
 }  // namespace frontpanel

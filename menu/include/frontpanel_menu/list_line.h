@@ -1,5 +1,5 @@
 // The columns of a line: in a list the cursor, the name, a blank, and the value or the mark of a menu; in a title the
-// name, a blank, and what stands on its right.
+// name, a blank, and the text on its right.
 #ifndef FRONTPANEL_MENU_LIST_LINE_H
 #define FRONTPANEL_MENU_LIST_LINE_H
 
@@ -8,10 +8,10 @@
 namespace frontpanel {
 
 constexpr int CURSOR_COLUMNS = 1;
-constexpr int LEAST_NAME_COLUMNS = 4;     // beside a text; a number leaves its name a single one
-constexpr int LEAST_VALUE_COLUMNS = 8;    // of a value that goes round
+constexpr int LEAST_NAME_COLUMNS = 4;     // beside a text; beside a number a single one
+constexpr int LEAST_VALUE_COLUMNS = 8;    // of a value that scrolls
 constexpr const char* MENU_MARK = "...";  // behind the name of an entry that opens a menu
-// Behind the name of an entry, one of them: the first that holds.
+// Marks behind the name of an entry; the first that applies is shown.
 constexpr const char* WRITING_MARK = "*";    // the device does not have the value yet
 constexpr const char* OLD_MARK = "?";        // the device does not confirm the value any more
 constexpr const char* READ_ONLY_MARK = "=";  // the value cannot be changed
@@ -22,12 +22,12 @@ struct Line_room {
     int right;
 };
 
-// The columns for two texts with a blank between them, of `columns` in all: the right one has what it needs and the left
-// one the rest, at least `least_left` of what it needs. A right one that is too wide even so goes round beside as much of
-// the left one as leaves it LEAST_VALUE_COLUMNS.
+// Divides `columns` between two texts with a blank between them: the right one gets what it needs and the left one the
+// rest, but at least `least_left` columns, or what it needs if that is less. If the right one still does not fit, it
+// scrolls, and the left one gets what leaves it LEAST_VALUE_COLUMNS.
 Line_room room_of(int left, int right, int columns, int least_left = LEAST_NAME_COLUMNS);
 
-// The columns that a value of the entry leaves its name at least.
+// The smallest number of columns that a value of the entry leaves for its name.
 int least_name_columns(const Data_entry& entry);
 
 }  // namespace frontpanel

@@ -1,4 +1,4 @@
-// An enumeration whose options come from a card that nobody needs to trust.
+// An enumeration whose options come from a card that need not be trusted.
 #ifndef FRONTPANEL_MENU_LIVE_ENTRY_H
 #define FRONTPANEL_MENU_LIVE_ENTRY_H
 
@@ -8,10 +8,10 @@
 
 namespace frontpanel {
 
-// Bounds what its card can make the tools of a transfer write: the answer as it arrives, the document that is unpacked
-// from it, and the answer to a post. A transfer that exceeds the limit fails as any other.
+// Limits the files that a card can make the tools of a transfer write: its answer, the document that is unpacked from
+// it, and the answer to a post. A transfer that exceeds the limit fails like any other.
 //
-// How long a transfer takes is left to the settings of `curl`.
+// The settings of `curl` limit the time of a transfer.
 class Live_entry : public Enum_entry {
 public:
     // Of each file. A fetch makes two.
@@ -19,9 +19,9 @@ public:
 
     using Enum_entry::Enum_entry;
 
-    // Counts the options too, so that positions, count and texts are those of the list that was just fetched.
+    // Also counts the options, so that positions, count and texts belong to the list that was just fetched.
     int Refresh(Data_interface* pDataAccessInf, bool eval_binding) override;
-    // Forgets the options of the list before.
+    // Forgets the options of the former list.
     int updateControlOptionMap() override;
     int Commit(Data_interface* pDataAccessInf) override;
 };

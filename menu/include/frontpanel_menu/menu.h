@@ -24,7 +24,7 @@
 #include <frontpanel_menu/mounted_menu.h>
 #include <frontpanel_menu/write_gate.h>
 
-// What links ask of an application before they show a toggle; they only test that it is there.
+// The library's links need an object of this class before they show a toggle; they only compare its address with null.
 class FPData {};
 
 namespace frontpanel {
@@ -37,21 +37,21 @@ public:
     Menu(const Menu&) = delete;
     Menu& operator=(const Menu&) = delete;
 
-    // The device as everything of the menu reads and writes it, so that the rules see what passes. Toggles of links take
-    // it from `VarIdDataInfStore::m_pDataAccessInf`, which must be set to it while the menu is shown.
+    // The device for every read and write of the menu, so that the rules see them. Toggles of links take it from
+    // `VarIdDataInfStore::m_pDataAccessInf`, which must be set to it while the menu is shown.
     Caching_device& access() { return m_access; }
     // The parameters that the menu file declares.
     Parameter_table& parameters() { return m_bindings->parameters(); }
     const std::shared_ptr<Binding_registry>& bindings() const { return m_bindings; }
-    // Through which every value of a person or a client goes.
+    // Checks and writes every value of a person or a client.
     Write_gate& gate() { return m_gate; }
     // The entries that show and edit a parameter, in the order of building. Valid until another item is added.
     std::vector<Data_entry*> items_of(const Device_variable& variable);
     // Adds an entry whose value is that of its parameter.
     void add_item(Data_entry& entry);
-    // The name of an item as a person knows it; empty for the entry of a bridge, which has none of its own.
+    // The name of an item on the display; empty for the entry of a bridge, which has none of its own.
     static std::string name_of(const Data_entry& entry);
-    // What a number allows by itself, whatever its rules say now.
+    // The values that a number allows by itself, without its rules.
     Number_ranges own_ranges(Range_entry& entry) const;
     void keep_own_ranges(const Range_entry& entry, Number_ranges ranges);
     // The top of the tree: the first entry that was added.
@@ -71,7 +71,7 @@ public:
         return found == m_ids.end() ? nullptr : found->second;
     }
     void add_id(const std::string& id, Data_entry* entry) { m_ids[id] = entry; }
-    // Shows a link only while a toggle is on, whose parameters are watched already.
+    // Shows a link only while a toggle is on. Requires: the toggle's parameters are watched.
     void make_homescreen_entry(Link_entry& link, const std::string& toggle);
     // The condition of a homescreen link as the menu file has it, for reports; empty for a link that always shows.
     std::string condition_of(const Link_entry& link) const {
@@ -87,10 +87,10 @@ public:
         return m_mounted_menus;
     }
 
-    // Where the web service of the device's cards is, such as "127.0.0.1:8080", at most 15 characters of it.
-    // Default empty: live options are never fetched.
+    // The address of the cards' web service, such as "127.0.0.1:8080", at most 15 characters. Default empty: live
+    // options are never fetched.
     void set_card_service(const std::string& address) { m_card_service = address; }
-    // What fetches the live data of the card in a slot, one for each call; null without a service.
+    // Adds a processor that fetches the live data of the card in a slot; null without a service.
     Live_Data_Processor* add_processor(int slot);
 
     // How the values of entries are edited, and how the encoder works.
@@ -109,11 +109,11 @@ public:
         m_entries.push_back(std::move(entry));
         return added;
     }
-    // Gives the entry that was added last away.
+    // Hands the entry that was added last to the caller.
     Data_entry* release_last();
     // Assigns a shortcut button. False when the button is taken.
     bool add_shortcut(int button, Data_entry& entry);
-    // Hands the shortcut table to every entry; once the tree is complete.
+    // Gives the shortcut table to every entry. Requires: the tree is complete.
     void share_shortcuts();
 
 private:

@@ -23,26 +23,26 @@ struct Placeholder;
 
 class Menu_document {
 public:
-    // Reads a file with all that it includes. Mistakes in it, invalid JSON included, become problems of the document;
-    // so does growth beyond any menu. Input_error when the file cannot be read.
+    // Reads a file and the files that it includes. Mistakes, including invalid JSON and exceeded limits, become
+    // problems of the document. Input_error when the file cannot be read.
     explicit Menu_document(const std::string& file);
     // The same from the text of a file: names of included files are relative to the folder of `file`.
     Menu_document(const std::string& file, std::string text);
     Menu_document(const Menu_document&) = delete;
     Menu_document& operator=(const Menu_document&) = delete;
 
-    // The whole document; valid as long as the document lives. Where the file could not be read as a whole, access to
-    // it throws, so read it within `Problems::attempt`.
+    // The whole document; valid as long as the document lives. If the file could not be read as a whole, access to it
+    // throws, so read it within `Problems::attempt`.
     Json_value root() { return {m_root, m_problems}; }
-    // The same without a report of what is wrong.
+    // The same, for access that reports no errors.
     const Json_node& node() const { return m_root; }
-    // The file and those that it includes, as far as they could be read.
+    // The file and the files that it includes, as far as they could be read.
     std::vector<std::string> files() const;
     // False when no object in these files has a member of that name; true when one may have it.
     bool may_have_member(std::string_view name) const;
     // Empties the list of the device's parameters and releases its memory as far as possible.
     void release_parameters();
-    // Whoever reads a part of the document reports here what is wrong with it.
+    // For the errors that readers of the document find.
     Problems& problems() { return m_problems; }
 
 private:
@@ -67,14 +67,14 @@ private:
     };
 
     bool is_written_out(const File& file) const;
-    // A place of the file as one of a copy; null: of no copy.
+    // The place in the file, marked as belonging to a copy; null: to no copy.
     Json_mark with_copy(const Json_mark& mark, const std::string* copy);
     Json_node with_copy(Json_node node, const std::string* copy);
     Json_node read(const std::string& file, std::string text);
     void load_templates(const Json_node& templates);
     void load_template(const Json_member& member);
     void warn_of_unused_templates();
-    // What becomes of a placeholder that the scope does not know.
+    // The treatment of a placeholder that the scope lacks.
     enum class Unknown {
         REJECTED,
         NUMBER_KEPT,  // in lists of options: "slot{n}" is a pattern of numbered options
@@ -88,7 +88,7 @@ private:
     Json_node expand_members(const Json_node& node, const Scope& scope);
     Json_node expand_elements(const Json_node& node, const Scope& scope, Unknown unknown);
     Json_node expand_text(const Json_node& node, const Scope& scope, Unknown unknown);
-    // What takes the place of an element of a list is appended to m_elements.
+    // Appends the expansion of an element of a list to m_elements.
     void expand_element(const Json_node& node, const Scope& scope,
                         Unknown unknown = Unknown::REJECTED);
     void repeat(const Json_node& node, const Scope& scope);
@@ -130,7 +130,7 @@ private:
     size_t m_file_bytes = 0;
     size_t m_depth = 0;  // of values in each other
     Json_storage m_storage;
-    // Elements and members of what is not complete yet, those of inner values behind those of outer ones.
+    // Elements and members of values that are being expanded, those of inner values behind those of outer ones.
     std::vector<Json_node> m_elements;
     std::vector<Json_member> m_members;
     Json_node m_root;

@@ -8,14 +8,14 @@
 
 namespace frontpanel {
 
-// Reads every entry from the device with its rules, so that what is reported of it is what it allows by now.
-// Live lists are left out: they would be fetched.
+// Refreshes every entry and its rules from the device, so that reports are current. Live lists are left out: they would
+// be fetched.
 void refresh_all(Menu& menu);
 
 // The menu, then the homescreen and the favourites: a line for each entry under a heading, indented by the menus around
-// it, with its type, its parameter, the value as the display shows it, and what is to be known beside: that it is hidden
-// and why, its access, what it allows and its button. What links lead to stands in its own place; mounted menus are not
-// built. See `refresh_all`.
+// it, with its type, its parameter, the value as the display shows it, and notes: whether it is hidden and why, its
+// access, the values that it allows, and its button. An entry that links lead to is listed once, in its own menu;
+// mounted menus are not built. See `refresh_all`.
 std::string dump_of(Menu& menu);
 // The same as a JSON document, which docs/panel.md describes.
 std::string json_dump_of(Menu& menu);

@@ -9,7 +9,7 @@
 
 namespace frontpanel {
 
-// The presets of all mounts of a menu, each file once. What is wrong with the menu is passed over.
+// The presets of all mounts of a menu, each file once. Ignores errors in the menu.
 std::vector<std::string> preset_files_of(const Menu_document& document);
 
 }  // namespace frontpanel

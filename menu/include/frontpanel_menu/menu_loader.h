@@ -24,36 +24,37 @@ struct Loaded_menu {
     std::vector<std::string> warnings;
 };
 
-// What a simulator that has read the same document knows of its device.
+// Facts about the device from a simulator that has read the same document.
 struct Simulator_facts {
-    // What products bring, one object each: see "options" of a product.
+    // The options that products add, one object each: see "options" of a product.
     std::vector<Json_value> product_options;
     // Whether the card in a slot has a tree, or a combo box, of that parameter id.
     std::function<bool(int slot, uint32_t pid, bool is_tree)> has_document;
-    // Pid and variable index of parameters whose start value is wrong, which it has reported.
+    // Pid and variable index of parameters whose start value is wrong; the simulator has reported them.
     std::set<std::pair<uint32_t, uint32_t>> wrong_parameters;
 };
 
 // How a menu is loaded.
 struct Loading {
-    // Of the display that the menu is for: a name that does not fit is warned of.
+    // Columns of the display that the menu is for: the loader warns of names that do not fit.
     int columns = 20;
-    // Product options beside those of the file; of one that both have, the higher value counts.
+    // Product options beside those of the file; for an option in both, the higher value counts.
     std::map<std::string, unsigned int> product_options = {};
-    // Where the web service of the device's cards is: see `Menu::set_card_service`.
+    // The address of the cards' web service: see `Menu::set_card_service`.
     std::string card_service = {};
     // Without a simulator "value", "products" and "cards" of the file's device are ignored with a warning, and any
     // card may have any document.
     std::optional<Simulator_facts> simulator = std::nullopt;
-    // Whether `Loaded_menu::warnings` are complete. False leaves out those that need a check of the whole menu, which are
-    // a third of the time: for a panel that shows none. An Input_errors has them all the same.
+    // Whether `Loaded_menu::warnings` are complete. False leaves out warnings that need a check of the whole menu,
+    // which takes a third of the time: for a panel that shows none. If the menu has errors, they are complete in any
+    // case.
     bool has_all_warnings = true;
 };
 
-// Builds the menu of a file over `device`, which outlives it and is not accessed while loading. Input_errors with all
-// that is wrong with the file, the warnings last, or Input_error when it cannot be read.
+// Builds the menu of a file over `device`, which outlives it and is not accessed while loading. Throws Input_errors
+// with all errors in the file, then the warnings, or Input_error when it cannot be read.
 Loaded_menu load_menu(const std::string& file, Data_interface& device, const Loading& loading = {});
-// The same from the text of a file; `file` only names it and is what included files are relative to.
+// The same from the text of a file; `file` is only its name, and included files are relative to its folder.
 Loaded_menu load_menu_text(const std::string& file, const std::string& text, Data_interface& device,
                            const Loading& loading = {});
 // The same from a document that other components, such as a simulator, have read before: the problems that they found

@@ -17,7 +17,7 @@
 
 namespace frontpanel {
 
-// What a mount link houses: a menu that is there whatever its children.
+// The housed entry of a mount link: a menu that is visible whatever its children.
 class Mount_node : public Node_entry {
 public:
     using Node_entry::isVisible;
@@ -35,21 +35,21 @@ struct Preset_damage {
     std::string brief() const { return line.substr(file_name_at); }
 };
 
-// Shows that it can be loaded. Committing it while "load" is chosen writes its values through the gate, unless they are
-// warned of.
+// An entry with the option "load". Committing it while "load" is chosen writes its values through the gate, unless
+// there are warnings.
 class Preset : public Enum_entry {
 public:
-    // Without values it is damaged and cannot be loaded. The gate outlives the preset.
+    // A preset without values is damaged and cannot be loaded. The gate outlives the preset.
     Preset(const std::string& name, const std::optional<std::vector<Wanted_value>>& values,
            Preset_damage damage, Write_gate& gate);
 
     const std::vector<Wanted_value>& values() const { return m_values; }
     const Preset_damage& damage() const { return m_damage; }
-    // Whether "load" is chosen; takes the choice back.
+    // Whether "load" is chosen; resets the choice.
     bool is_chosen();
     void wait();
 
-    // No parameter stands behind the entry.
+    // Reads nothing: the entry has no parameter.
     int Refresh(Data_interface* iface, bool eval_binding) override;
     using Enum_entry::Commit;
     int Commit(Data_interface* iface) override;
@@ -70,7 +70,7 @@ public:
     Mounted_menu(const Mounted_menu&) = delete;
     Mounted_menu& operator=(const Mounted_menu&) = delete;
 
-    // The folder that a menu file names at a place, relative to that file.
+    // The path of a folder that a menu file names at a place, relative to that file.
     static std::string folder_of(const Place& place, const std::string& folder);
     // The presets of a folder by name, as many as are shown; empty for a folder that cannot be read.
     static std::vector<std::string> files_in(const std::string& folder);
@@ -80,9 +80,9 @@ public:
     Data_entry* build(Data_entry& parent);
     void destroy() { m_presets.clear(); }
     size_t entry_count() const { return m_presets.size(); }
-    // Why presets of the menu that was built last cannot be used, a line for each mistake.
+    // The mistakes in presets of the menu that was built last, one line each.
     const std::vector<std::string>& problems() const { return m_problems; }
-    // What is wrong with the presets of the folder as it is now, one line each.
+    // The mistakes in the presets that the folder has now, one line each.
     std::vector<std::string> mistakes() const;
     const std::string& folder() const { return m_folder; }
 

@@ -1,6 +1,6 @@
-// The value of an entry as a person reads it: the one text that lists, editors, notices and reports show.
+// The display text of an entry's value, which lists, editors, notices and reports show.
 //
-// The text is whole and does not scroll. Bringing it onto a line is a matter of who shows it.
+// The text is complete and does not scroll. The caller fits it into a line.
 #ifndef FRONTPANEL_MENU_SHOWN_VALUE_H
 #define FRONTPANEL_MENU_SHOWN_VALUE_H
 
@@ -11,13 +11,13 @@
 
 namespace frontpanel {
 
-// The value that the entry, or what a link houses, held when it was last refreshed. A number has its format or the text
-// of its table, an option its own text whatever else is hidden, "-" when the stored key is none of the entry's. Empty
-// for an entry without a value; nothing for a number that its rules do not allow.
+// The value that the entry, or a link's housed entry, held at its last refresh. A number is shown by its format or by
+// the text of its table. An option is shown by its own text, whichever options are hidden; "-" when the entry lacks the
+// stored key. An empty text for an entry without a value; no text for a number while its rules allow none.
 std::optional<std::string> shown_value(Data_entry& entry);
 
-// Whether a person can never change the value now: by the menu file, by a rule, or since the card of a live list does
-// not allow it. Of a link, what it houses counts.
+// Whether a person cannot change the value now: because of the menu file, a rule, or the card of a live list. For a
+// link, its housed entry counts.
 bool is_read_only(const Data_entry& entry);
 
 }  // namespace frontpanel

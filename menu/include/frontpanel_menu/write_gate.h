@@ -1,12 +1,12 @@
-// The one way by which a person's values reach the device: those of an editor, a preset, a script's keys, or a client.
+// Checks and writes every value of a person to the device: from an editor, a preset, a script's keys, or a client.
 //
-// A value passes when its parameter can hold it and one of the items of the parameter would accept it: within its
-// allowed ranges, an option that the product has and its rules offer, a text that is short enough, an address, a time;
-// of an item that its rules and the menu file do not make read-only. A parameter without an item has only its own
-// limits. Warnings are asked about before. What rules and the library write by themselves does not pass the gate.
+// A value passes when its parameter can hold it and one of the parameter's items would accept it: a number in its
+// allowed ranges, an option that the product has and the rules offer, a text that is short enough, an address, a time.
+// The item must not be read-only, by the menu file or by a rule. A parameter without an item has only its own limits.
+// The user is asked about warnings before. Writes of rules and of the library do not pass the gate.
 //
-// Several values are judged as they will stand together, with what write rules make of them, and are written all or not
-// at all. Menu thread only; not from within a refresh.
+// Several values are checked together, with the writes of rules that would follow, and are written all or not at all.
+// Menu thread only; not from within a refresh.
 #ifndef FRONTPANEL_MENU_WRITE_GATE_H
 #define FRONTPANEL_MENU_WRITE_GATE_H
 
@@ -31,8 +31,8 @@ struct Wanted_value {
 
 class Write_gate {
 public:
-    // Whether values of items that are hidden then are refused. A preset says how the device is to be, also where the
-    // menu shows nothing of it; a person or a client changes what is shown.
+    // Whether values of hidden items are refused. A preset sets the whole device, including what the menu does not show
+    // now; a person or a client changes what is shown.
     enum class Hidden_items { ACCEPTED, REFUSED };
 
     // Which value is not written, and why.
@@ -53,14 +53,14 @@ public:
         WRITTEN,
         REFUSED,  // nothing was written
         WARNED,   // nothing was written: some of `warnings` were not accepted
-        FAILED    // the device refused a value, or rules changed it; what was written is put back
+        FAILED    // the device refused a value, or rules changed it; old values are written back
     };
 
     struct Outcome {
         Result result = Result::WRITTEN;
         Refusal refusal;                    // of REFUSED and FAILED
         std::vector<std::string> warnings;  // of WARNED
-        // With FAILED: names of what could not be put back, since the device refused that as well.
+        // With FAILED: the names of those that could not be written back, since the device refused that as well.
         std::vector<std::string> not_put_back;
         Binding_settlement settlement;  // of the rules, after values were written
     };
@@ -70,13 +70,13 @@ public:
 
     // Whether the values may be written, all together. Writes nothing.
     Verdict check(const std::vector<Wanted_value>& values, Hidden_items hidden) const;
-    // Checks them again, writes those that the device does not hold yet, and lets the rules follow. A value that a rule
-    // overwrites is written once more, as a person would do. `accepted` are the warnings that the person agreed to.
+    // Checks the values again, writes those that the device does not hold yet, and settles the rules. A value that a
+    // rule overwrites is written once more, as a person would do. `accepted` are the warnings that the person accepted.
     Outcome write(const std::vector<Wanted_value>& values, Hidden_items hidden,
                   const std::vector<std::string>& accepted = {});
 
-    // Checks and commits the value that an entry holds, as an editor leaves it. Warnings are none of the gate's: the
-    // entry raised them when it took the value.
+    // Checks and commits the value that an editor has stored in an entry. Does not check warnings: the entry raised
+    // them when it took the value.
     Outcome commit(Data_entry& entry);
     // Commits the value that the device held before it was edited, whether it is allowed or not. 0 on success.
     int put_back(Data_entry& entry);
