@@ -1,8 +1,8 @@
 // The web service of slot cards, in process and on loopback: it answers the requests for live-data documents
 // that the panel's tools make, and keeps the selections that they post.
 //
-// Requests may have a head of 16 KiB and a body of 64 KiB; clients that are idle or slow hold up nobody. A post that a
-// web page of another origin makes a browser send is refused.
+// Requests may have a head of 16 KiB and a body of 64 KiB; clients that are idle or slow do not delay others. A post
+// that a web page of another origin makes a browser send is refused.
 //
 // Thread-safe. Its thread ends with the object. From the first one on the process ignores SIGPIPE.
 #ifndef FRONTPANEL_SIMULATOR_CARD_SERVICE_H
@@ -71,23 +71,22 @@ public:
 
     // The index selected last; -1 for a document that is not declared and for a new tree.
     int selected(int slot, int varid) const;
-    // That of every declared document, by slot and variable.
+    // The selection of every declared document, by slot and variable.
     std::vector<Selection> selections() const;
     bool has_document(int slot, int varid) const;
     // Selects an option as a post would. False, and nothing changed, when there is no such document or option; a tree
     // takes any index from 0 on.
     bool select(int slot, int varid, int option);
-    // Called after a post selected another option, on a thread of the service and under its lock: it must not use the
-    // service. Once another listener is set the former is no longer called.
+    // The listener is called after a post selected another option, on a thread of the service and under its lock: it
+    // must not use the service. Once another listener is set, the former one is no longer called.
     void set_change_listener(std::function<void()> listener);
 
-    // With every request alike. `delay` counts from each request's arrival, for `LATE` alone. Requests that wait go on at once when
-    // another fault is set and when the service ends.
+    // Sets the fault of every request. `delay` is for `LATE` and counts from the arrival of each request. Waiting
+    // requests continue at once when another fault is set and when the service ends.
     void set_fault(Fault fault, std::chrono::milliseconds delay = std::chrono::milliseconds(0));
 
-    // From now on each request meets a fault with this probability, 0 to 1: any of them alike, `LATE` by at most
-    // `longest_delay`. The same seed and the same requests, one after the other, meet the same faults.
-    // `set_fault` ends it.
+    // From now on each request has a fault with this probability, 0 to 1: each kind equally often, `LATE` by at most
+    // `longest_delay`. The same seed and the same sequence of requests give the same faults. `set_fault` ends this.
     void set_random_faults(uint32_t seed, double probability,
                            std::chrono::milliseconds longest_delay = std::chrono::milliseconds(0));
 

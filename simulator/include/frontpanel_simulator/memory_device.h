@@ -1,7 +1,7 @@
 // A slot device in memory: typed parameters, a product list and a router socket.
 //
-// It stands in for the device in tests and in the panel application. A parameter has a type and bounds; an
-// access that does not fit fails with a result of its own and changes nothing. Thread-safe: one mutex guards
+// It replaces the device in tests and in the panel application. A parameter has a type and bounds; an access
+// that does not fit fails with a result of its own and changes nothing. Thread-safe: one mutex guards
 // everything, and the callbacks run without it, on the calling thread.
 #ifndef FRONTPANEL_SIMULATOR_MEMORY_DEVICE_H
 #define FRONTPANEL_SIMULATOR_MEMORY_DEVICE_H
@@ -109,9 +109,9 @@ public:
     std::optional<std::string> text(uint32_t pid, uint32_t varidx) const;
     Result set_integer(uint32_t pid, uint32_t varidx, int32_t value);
     Result set_text(uint32_t pid, uint32_t varidx, const std::string& value);
-    // As `set_integer`, of a measured value: the change listener is not called, since nothing is to be kept of it.
+    // As `set_integer`, for a measured value: the change listener is not called, since such a value need not be kept.
     Result measure(uint32_t pid, uint32_t varidx, int32_t value);
-    // Every parameter, by pid and variable index; all as they stand at one moment.
+    // Every parameter, by pid and variable index, all at the same moment.
     std::vector<Value> values() const;
 
     // Puts a product into a slot of a socket's list. UNKNOWN_SLOT or UNKNOWN_SOCKET beyond the counts. Both
@@ -129,7 +129,7 @@ public:
     void set_fault(Fault fault);
     // Called after each call of `Set`, with its result.
     void set_write_listener(Write_listener listener);
-    // Called after a parameter took another value than it had, whoever set it; not for what is measured.
+    // Called after the value of a parameter changed by any operation except `measure`.
     void set_change_listener(Change_listener listener);
 
     std::vector<Write> writes() const;              // oldest first
@@ -152,8 +152,8 @@ public:
     int Set_product_id(prod_id_t product) override;
     int Get_prod_alias_name(char* name, prod_id_t product) override;
 
-    // The selected socket: 0 is the local unit. Whoever selects another socket for a while hands the answer
-    // back as the socket, so it must be the one that restores the selection.
+    // The selected socket: 0 is the local unit. The library restores a selection by passing this result to
+    // `setCurrentRouterSocket`, so it must be the selected socket.
     int Is_current_selection_local() override;
     bool Is_use_selection_local() override;
     int setCurrentRouterSocket(int socket) override;

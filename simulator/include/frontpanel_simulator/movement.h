@@ -1,6 +1,6 @@
 // Numbers of a simulated device that move by themselves, as measured values do.
 //
-// Where a number stands follows from the time alone. A write, or a fault, does not stop it.
+// The value of a number depends only on the time. A write, or a fault, does not stop it.
 #ifndef FRONTPANEL_SIMULATOR_MOVEMENT_H
 #define FRONTPANEL_SIMULATOR_MOVEMENT_H
 
@@ -12,8 +12,8 @@
 
 namespace frontpanel {
 
-// The way of a number: steadily from one value to another and back in `round`, which is more than 0. It begins at
-// `start`, or the nearer end when that is not on the way, and towards `to`.
+// The movement of a number: steadily from one value to another and back in `round`, which is more than 0. It begins at
+// `start`, or at the nearer end when `start` is not between them, and moves towards `to` first.
 struct Course {
     uint32_t pid;
     uint32_t varidx;
@@ -23,7 +23,7 @@ struct Course {
     std::chrono::milliseconds round;
 };
 
-// Where the number stands when it has moved for so long.
+// The value of the number after this time.
 int32_t place_on(const Course& course, std::chrono::milliseconds elapsed);
 
 class Movement {
@@ -31,9 +31,9 @@ public:
     // The device outlives the movement.
     explicit Movement(Memory_device& device) : m_device(device) {}
 
-    // Of a number that the device has, within its limits.
+    // Requires: the device has the number, and the course is within its limits.
     void add(const Course& course) { m_courses.push_back(course); }
-    // Puts every number where it stands after so long.
+    // Sets every number to its value after this time.
     void advance(std::chrono::milliseconds elapsed);
 
 private:

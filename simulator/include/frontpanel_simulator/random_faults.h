@@ -25,7 +25,7 @@ public:
 
     explicit Random_faults(const Plan& plan);
 
-    // What the device asks before a call: the plan's result, or 0 for a call that is carried out.
+    // Called by the device before each call. Returns the plan's result, or 0 for a call that is carried out.
     int operator()(const Memory_device::Operation& operation) const;
 
     // How many calls failed, and how many were slow.

@@ -1,6 +1,5 @@
-// The values of the simulated device, what is selected on its cards, and what the write rules of a menu have done, in a
-// file, so that they survive a restart.
-// docs/state-file.md describes it.
+// The values of the simulated device, the selections of its cards, and the last writes of a menu's write rules, in a
+// file, so that they survive a restart. docs/state-file.md describes it.
 #ifndef FRONTPANEL_SIMULATOR_STATE_FILE_H
 #define FRONTPANEL_SIMULATOR_STATE_FILE_H
 
@@ -31,29 +30,28 @@ public:
 
     const std::string& name() const { return m_file; }
 
-    // What the write rules that go by a name have written last. This is of the menu's rules; the file only keeps it.
+    // The last writes of the write rules with a name. They belong to the menu's rules; the file only keeps them.
     struct Rule_writes {
         std::string rules;  // 1 to 64 printable characters
         std::vector<Memory_device::Value> writes;
     };
 
-    // Gives the device the values that the file keeps. What the device does not have is kept for the device that
-    // has it; a value that a parameter cannot hold any more is dropped. A damaged file is put aside under another
-    // name, and the start values stay. Returns the lines that report these. Input_error, and nothing happened, when
-    // there is a file that cannot be read, since its values are not to be lost, or one that does not begin as a
-    // file of values: it was named by mistake.
+    // Gives the device the values in the file. Values that the device does not have stay in the file for a device that
+    // has them; a value that a parameter can no longer hold is dropped. A damaged file is renamed, and the start values
+    // stay. Returns lines that report these. Throws Input_error, and changes nothing, when the file cannot be read, so
+    // that its values are not lost, or does not begin as a state file: it was named by mistake.
     std::vector<std::string> restore();
 
-    // What `restore` found of rules.
+    // The writes of rules that `restore` found.
     std::vector<Rule_writes> rule_writes() const;
-    // From now on this is kept in place of what went by these names; other names keep what the file has. Whether
-    // anything changed. On any thread.
+    // Replaces the writes of the rules with these names; others stay as the file has them. Returns whether anything
+    // changed. Any thread may call it.
     bool set_rule_writes(const std::vector<Rule_writes>& rules);
 
-    // Writes the device's values, and what is kept for others. Input_error when that cannot be done; then the file
-    // is as it was, also when the values need more bytes than `largest`. On any thread, one at a time.
+    // Writes the device's values, and those kept for other devices. Throws Input_error, with the file unchanged, when
+    // that fails, or when the values need more bytes than `largest`. Any thread may call it, one at a time.
     void save() const;
-    // Input_error when `save` would have to fail.
+    // Throws Input_error when `save` would fail.
     void check_savable() const;
 
 private:
@@ -79,7 +77,7 @@ private:
     Memory_device& m_device;
     Card_service* m_cards;
     std::size_t m_largest;
-    Content m_for_others;  // what this device does not have
+    Content m_for_others;  // values that this device does not have
     mutable std::mutex m_rules_mutex;
     std::map<std::string, std::vector<Memory_device::Value>> m_rules;
 };

@@ -1,4 +1,4 @@
-// Writes the state file whenever the device's values changed, on a thread of its own: a slow disk does not hold up
+// Writes the state file whenever the device's values change, on a thread of its own, so that a slow disk does not delay
 // the panel.
 #ifndef FRONTPANEL_SIMULATOR_STATE_KEEPER_H
 #define FRONTPANEL_SIMULATOR_STATE_KEEPER_H
@@ -17,8 +17,8 @@ class State_keeper {
 public:
     static constexpr std::chrono::milliseconds USUAL_DELAY{1000};
 
-    // A change is written, with all that follow it, when `delay` is over. Takes the change callbacks of device and
-    // cards; `cards` is null where none run. All outlive the object.
+    // A change is written after `delay`, together with those that follow it. Sets the change callbacks of device and
+    // cards; `cards` is null when no cards run. All outlive the object.
     State_keeper(State_file& file, Memory_device& device, Card_service* cards = nullptr,
                  std::chrono::milliseconds delay = USUAL_DELAY);
     // As `finish`, but errors are ignored.
@@ -26,12 +26,13 @@ public:
     State_keeper(const State_keeper&) = delete;
     State_keeper& operator=(const State_keeper&) = delete;
 
-    // Writes what was not written yet and ends. Input_error when that cannot be done.
+    // Writes changes that were not written yet, and ends. Input_error when that fails.
     void finish();
-    // Writes what was not written yet, at once, on any thread. Input_error when that cannot be done.
+    // Writes changes that were not written yet at once. Input_error when that fails. Any thread may call it.
     void save_now();
 
-    // What the file keeps beside the device's values changed: it is written as after a change of these. On any thread.
+    // Call it when other contents of the file changed: the file is written as after a change of a value. Any thread
+    // may.
     void note_change();
 
     // How often the file was written.
