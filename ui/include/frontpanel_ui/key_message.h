@@ -1,6 +1,6 @@
-// Keys as messages of the front panel, the form in which they travel from where they are read to the controller.
+// Keys as messages of the front panel, from the code that reads them to the controller.
 //
-// | what a hand does | type            | payload                                                      |
+// | action           | type            | payload                                                      |
 // |------------------|-----------------|--------------------------------------------------------------|
 // | turns the shaft  | ShaftEncoderUIT | the steps in one byte, as a signed number; clockwise is up   |
 // | pushes a button  | PushButtonUIT   | of SelectPressMessage, with the code of `Key_row` at the end |
@@ -23,8 +23,8 @@ using Message_pointer = std::unique_ptr<const FrontPanel::Message>;
 // One press of a key, or one step. Null for a shortcut whose number no message can hold.
 Message_pointer message_of(const Key& key);
 
-// The keys that a message means, in order: several of a shaft that was turned by several steps. Empty for
-// a message that is no key, and for a damaged one (another length, an unknown code).
+// The keys of a message, in order: several for a shaft that was turned by several steps. Empty for a message that is no
+// key, and for a damaged one (another length, an unknown code).
 std::vector<Key> keys_of(const FrontPanel::Message& message);
 
 // Whether the message reports that the panel was idle for a while.

@@ -1,6 +1,6 @@
-// What the library has printed lately, line by line, with the kind of each line.
+// The lines that the library has printed lately, with the kind of each.
 //
-// Reads the file that keeps the output, so that what external commands print is there too. Menu thread only.
+// Reads the file that keeps the output, so the output of external commands is included. Menu thread only.
 #ifndef FRONTPANEL_UI_LOG_LINES_H
 #define FRONTPANEL_UI_LOG_LINES_H
 
@@ -13,33 +13,32 @@
 namespace frontpanel {
 
 struct Log_line {
-    uint32_t mask;  // of the line, in the bits of `debug`; 0 for one that prints whatever they are
+    uint32_t mask;  // of the line, in the bits of `debug`; 0 for a line that is always printed
     std::string text;
 };
 
-// Prints a line to standard output, which the log keeps, as one that shows whatever `debug` holds.
+// Prints a line to standard output, which the log keeps, as a line that is always printed.
 void print_always(const std::string& line);
 
 class Log_lines {
 public:
     static constexpr size_t MOST_LINES = 1000;
-    static constexpr size_t LONGEST_LINE = 400;  // what follows in a line is dropped
+    static constexpr size_t LONGEST_LINE = 400;  // the rest of a line is dropped
 
-    // `descriptor` is the file that output is appended to, open for reading; -1 for none, which has no lines.
-    // Stays the caller's.
+    // `descriptor` is the file that output is appended to, open for reading; -1 for none. The caller closes it.
     explicit Log_lines(int descriptor) : m_descriptor(descriptor) {}
 
     // Whether there is a file to read.
     bool is_kept() const;
-    // From here on lines have this mask.
+    // Lines that follow have this mask.
     void begin(uint32_t mask);
-    // The file has lost that number of bytes at its beginning; the rest has moved forward by as many.
+    // Call it when this number of bytes was removed at the beginning of the file, and the rest moved there.
     void follow_cut(off_t bytes);
-    // Takes what was printed since the last call. Of much, only the end is taken.
+    // Reads what was printed since the last call; if that is very much, only its end.
     void read();
-    // The oldest line is the first. The line at the end of a file that has no line end yet is not among them.
+    // The lines, oldest first. A line at the end of the file without a line end is not included.
     const std::deque<Log_line>& lines() const { return m_lines; }
-    // How many lines have been there before the first.
+    // The number of lines that were dropped before the first.
     uint64_t dropped() const { return m_dropped; }
 
 private:

@@ -1,4 +1,4 @@
-// A panel on a front: takes keys from the front, lets time pass, and shows what there is to see.
+// Runs a panel on a front: takes the front's keys, calls the panel's tick, and shows its frames.
 //
 // For an application that waits for descriptors of its own as well:
 //
@@ -25,7 +25,7 @@ class Panel;
 class Main_loop {
 public:
     // Keys that are pressed while a key takes longer than this, such as a commit to a slow device, are dropped: they
-    // were meant for what the display showed then.
+    // were meant for the frame before.
     static constexpr std::chrono::milliseconds SLOW_KEY{150};
 
     // Both outlive the loop.

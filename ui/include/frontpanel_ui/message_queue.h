@@ -1,6 +1,6 @@
 // Messages on their way from the panel's keys to the controller, in the order in which they came.
 //
-// For one thread. What comes while the queue is full is lost, as on a device whose keys nobody reads.
+// For one thread. Messages that come while the queue is full are lost.
 #ifndef FRONTPANEL_UI_MESSAGE_QUEUE_H
 #define FRONTPANEL_UI_MESSAGE_QUEUE_H
 

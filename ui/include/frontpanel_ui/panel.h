@@ -2,10 +2,10 @@
 // application, which either drives it in a loop of its own or calls `run`.
 //
 // Everything runs on the thread that calls it, the menu thread. One panel at a time: while it lives, the menu's
-// `access()` is the library's process-wide data interface, and the panel hears the warnings and
-// faults of the menu's rules.
+// `access()` is the library's process-wide data interface, and the panel receives the warnings and faults of the
+// menu's rules.
 //
-// What the application asks of the panel it sets in the fields of `menu.access()`: `go_home`, `lock_and_dim` and
+// The application controls the panel through the fields of `menu.access()`: `go_home`, `lock_and_dim` and
 // `time_for_timeout`, the idle timeout in seconds. docs/panel.md describes them.
 #ifndef FRONTPANEL_UI_PANEL_H
 #define FRONTPANEL_UI_PANEL_H
@@ -37,11 +37,11 @@ inline constexpr size_t LONGEST_PIN = 8;
 // Whether the text is 4 to 8 digits.
 bool is_pin(const std::string& text);
 
-// Whether choices can be posted to cards. The answer to a post is kept in a plain file of /dev, whose name is all
-// capitals: /dev must be writable.
+// Whether choices can be posted to cards. The library writes the answer to a post to the file /dev/NULL, so /dev must
+// be writable.
 bool can_post();
 
-// How the keys of a display are called that answer a question; an empty one is left out.
+// The names of the keys that answer a question; an empty one is left out.
 struct Answer_keys {
     std::string accepting;
     std::string cancelling;
@@ -53,18 +53,18 @@ struct Panel_options {
         std::nullopt;  // locks the panel at the start and whenever it dims: see `is_pin`
     std::optional<Encoder_settings> encoder = std::nullopt;  // default: those of the menu
     std::optional<std::chrono::seconds> idle_timeout =
-        std::nullopt;  // default: what the device says; 0 for never
-    // Readable when something that is shown changed at the device: the main loop then lets the panel tick at once. -1 for
-    // a device that does not know.
+        std::nullopt;  // default: the device's `time_for_timeout`; 0 for never
+    // Becomes readable when a value that is shown changes at the device: the panel's tick is then due at once. -1 for a
+    // device without such a descriptor.
     int device_descriptor = -1;
-    // Called at the beginning of each tick, before anything is read: takes what the device has to tell, so that its
-    // descriptor is no longer readable.
+    // Called at the beginning of each tick, before anything is read: takes the device's events, so that its descriptor
+    // is no longer readable.
     std::function<void()> before_tick = nullptr;
-    // How many entries that are not shown follow a change of the device, or of a person, before the panel looks for the
-    // next key; the others follow in further ticks, which are due after pauses that leave most of the processor to others.
+    // How many entries that are not shown are refreshed after a change before the panel looks for the next key. The
+    // others follow in further ticks, which are due after pauses that leave most of the processor to other processes.
     // Default: all at once.
     size_t refreshes_at_once = SIZE_MAX;
-    // Whether an address belongs to the device's network, so that an opened editor may ping it; default: loopback only.
+    // Whether the editor of an address may ping it, since it belongs to the device's network; default: loopback only.
     std::function<bool(const std::string& address)> may_probe = nullptr;
     std::function<Time()> clock = nullptr;  // default: the steady clock
     // Called with each fault of a rule when it is new, for a log. The panel shows those of cause RULE as notices.
@@ -76,7 +76,7 @@ struct Panel_options {
 
 class Panel {
 public:
-    // How often what is shown is read again, and long texts scroll.
+    // The interval in which shown values are read again and long texts scroll.
     static constexpr std::chrono::milliseconds TICK{400};
     // Between two ticks when the device asks for them.
     static constexpr std::chrono::milliseconds SHORTEST_TICK{100};
@@ -91,32 +91,32 @@ public:
     // In a loop of the application's own: hand over keys as they come, call `tick` when `due` has passed, and show
     // `frame` when it `has_changed`.
     //
-    // The key that wakes a dim panel does nothing else; a locked one asks for the PIN.
+    // The key that wakes a dim panel has no other effect; a locked panel asks for the PIN.
     void press(const Key& key);
-    // Whether an editor takes the character of a keyboard: its key then types it and means nothing else.
+    // Whether an editor accepts this character: its key then types it and has no other meaning.
     bool types(char character) const;
     // Keys as messages of the front panel: see key_message.h. Any other message, and a damaged one, is ignored.
     void receive(const FrontPanel::Message& message);
     void receive(Message_queue& messages);
-    // The person wants to end the panel. While an edit is open that would be lost, the panel asks first.
+    // Ends the panel for the user. The panel asks first if an edit would be lost.
     void quit();
     // Whether the person ended the panel.
     bool is_over() const;
-    // Reads what is shown and what rules depend on from the device, scrolls, and watches the idle timeout; or, when only
-    // that is due, lets more entries follow.
+    // Reads the shown values and the parameters of rules from the device, scrolls, and checks the idle timeout; or,
+    // when only that is due, refreshes more entries.
     void tick();
     Time due() const;
-    // The device has something new: the next tick is due at once, or soon after a tick that has just been.
+    // Call it when the device has a change: the next tick is due at once, or shortly after the last one.
     void hurry();
-    // The descriptor of the options; -1 while the panel hurries anyway.
+    // The descriptor of the options; -1 while the next tick is due early anyway.
     int device_descriptor() const;
-    // Shows a text under a title until a key acknowledges it, with the alarm LED. Nothing when it is shown already.
+    // Shows a text under a title until a key acknowledges it, with the alarm LED. Does nothing if it is already shown.
     void tell(const std::string& title, const std::string& text);
     // Whether something happened since `frame` was called last.
     bool has_changed() const;
-    // What the display shows. The same frame until something happens: drawing scrolls long texts on.
+    // The frame for the display. It is drawn only after something happened, since drawing scrolls long texts.
     const Frame& frame();
-    // The next frame is drawn anew, although nothing happened: long texts scroll on.
+    // Draws the next frame again although nothing happened: long texts scroll on.
     void scroll();
     // From now on frames have this size.
     void set_size(Lcd_size size);

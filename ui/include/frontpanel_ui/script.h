@@ -1,4 +1,4 @@
-// A script: key events and what the panel is to show and write. docs/scripts.md describes the words.
+// A script: key events, and the expected display and writes. docs/scripts.md describes the words.
 #ifndef FRONTPANEL_UI_SCRIPT_H
 #define FRONTPANEL_UI_SCRIPT_H
 
@@ -10,7 +10,7 @@
 
 namespace frontpanel {
 
-// By its address, or by the name that the menu file declares.
+// A parameter by its address, or by the name that the menu file declares.
 struct Parameter_name {
     uint32_t pid = 0;
     uint32_t varidx = 0;
@@ -44,8 +44,8 @@ struct Step {
     Parameter_name parameter;  // EXPECT_WRITE, FAIL, SET
     int slot = 0;              // EXPECT_SELECTED: the card's
     int option = 0;            // EXPECT_SELECTED: the option's index; `parameter` names the list
-    bool write = false;        // FAIL: writing fails, not reading
-    bool on = false;           // FAIL: begins, not ends
+    bool write = false;        // FAIL: writing fails; false: reading
+    bool on = false;           // FAIL: begins; false: ends
 };
 
 struct Script {

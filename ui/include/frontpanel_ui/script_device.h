@@ -1,4 +1,4 @@
-// The device behind a panel that plays a script: what the script changes of it and asks of it.
+// The device behind a panel that plays a script: the operations that scripts need.
 //
 // An application that plays scripts implements it over its own device. Menu thread only.
 #ifndef FRONTPANEL_UI_SCRIPT_DEVICE_H
@@ -31,15 +31,15 @@ public:
     }
     // Whether the device has the parameter. The operations below are called with addresses of such parameters only.
     virtual bool has_parameter(const Parameter_name& parameter) const = 0;
-    // Why a script cannot change the parameter or let it fail; empty when it can. Of such a parameter the two operations
-    // below are not called.
+    // Why a script cannot change the parameter or make it fail; empty when it can. Otherwise the two operations below
+    // are not called for the parameter.
     virtual std::string why_fixed(const Parameter_name& /*parameter*/) const { return ""; }
-    // Changes the parameter as the device does by itself. Nothing, or why it cannot hold the value.
+    // Changes the parameter as the device does by itself. Empty on success, else why it cannot hold the value.
     virtual std::optional<std::string> set(const Parameter_name& parameter,
                                            const std::string& value) = 0;
-    // From now on reads of the parameter by the panel, or writes, fail; or they work again.
+    // Makes the panel's reads of the parameter, or its writes, fail from now on, or work again.
     virtual void set_fault(const Parameter_name& parameter, bool write, bool on) = 0;
-    // The oldest write of the panel that was not dropped yet; nothing when there is none. `drop_write` drops it.
+    // The oldest write of the panel that was not dropped yet; empty when there is none. `drop_write` drops it.
     virtual std::optional<Write> oldest_write() const = 0;
     virtual void drop_write() = 0;
     // The option of list `list` that the card in the slot has selected, from 0; -1 for none.

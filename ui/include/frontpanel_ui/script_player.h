@@ -1,5 +1,5 @@
-// Plays a script on the panel without hands or eyes: presses its keys, shows every frame, checks what is
-// expected of the display and of the device.
+// Plays a script on the panel: presses its keys, shows every frame, and checks the expectations of the display and of
+// the device.
 #ifndef FRONTPANEL_UI_SCRIPT_PLAYER_H
 #define FRONTPANEL_UI_SCRIPT_PLAYER_H
 
@@ -16,14 +16,13 @@ namespace frontpanel {
 
 class Script_player {
 public:
-    // Frames go to `display`, what the script says and does to `out`, differences to `differences`. All arguments
+    // Frames go to `display`, the texts and steps of the script to `out`, differences to `differences`. All arguments
     // outlive the player.
     Script_player(Panel& panel, Script_device& device, Display& display, std::ostream& out,
                   std::ostream& differences);
 
-    // Plays to the end. The number of expectations that were not met. Input_error when a step names a
-    // parameter that the device does not have, before anything is played, or sets one to a value that it
-    // cannot hold.
+    // Plays to the end, and returns the number of expectations that were not met. Input_error when a step names a
+    // parameter that the device does not have, before anything is played, or sets one to a value that it cannot hold.
     int play(const Script& script);
 
 private:
@@ -31,7 +30,7 @@ private:
     void perform(const Script& script, const Step& step);
     void show();
     void set_value(const Script& script, const Step& step);
-    // What differs from the expectation; nothing when it is met.
+    // The difference from the expectation; empty when it is met.
     std::optional<std::string> difference(const Step& step);
     std::optional<std::string> line_difference(const Step& step) const;
     std::optional<std::string> part_difference(const Step& step);
