@@ -33,7 +33,8 @@ double run(const char* program, const char* setting) {
     return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
 }
 
-// The time that a tenth of the runs stays below: what else happens on the machine only adds, and the shortest is rare.
+// The time that a tenth of the runs stays below: other work on the machine only adds time, and the shortest run is
+// rare.
 double usual(std::vector<double>& times) {
     const auto tenth = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 10);
     std::nth_element(times.begin(), tenth, times.end());
@@ -47,7 +48,7 @@ void start_with_the_library(benchmark::State& state) {
         double sum = 0;
         for (int pair = 0; pair < PAIRS; ++pair) {
             without.push_back(run(START_WITHOUT_LIBRARY, "PRELOAD=" LIBRARY));
-            // An installed library is found by one search; one of a build by many, unless it is named.
+            // The dynamic linker finds an installed library by one search; that of a build by many, unless it is named.
             with.push_back(run(START_WITH_LIBRARY, "LD_PRELOAD=" LIBRARY));
             sum += with.back();
         }

@@ -46,7 +46,7 @@ void count_entries(benchmark::State& state) {
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-// The heap keeps what is freed, and has held as many entries before: no case pays for memory that the kernel clears,
+// The heap keeps freed memory, and has held as many entries before. So no case waits for the kernel to clear memory,
 // whichever cases ran earlier.
 void warm_heap(int64_t size) {
     mallopt(M_TRIM_THRESHOLD, INT_MAX);
@@ -103,7 +103,7 @@ void remove(benchmark::State& state) {
 }
 BENCHMARK(remove)->RangeMultiplier(10)->Range(10, 1000000);
 
-// In the order of the removal: what the memory of as many entries costs alone, whose links are exchanged.
+// Exchanges the links of as many entries, in the order of the removal: the time for their memory alone.
 void exchange_links(benchmark::State& state) {
     Menu menu;
     Entries entries = wide(menu, state.range(0));

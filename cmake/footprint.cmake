@@ -29,7 +29,7 @@ else()
 endif()
 option(FRONTPANEL_LTO "Optimise the library as a whole when it is linked" ${link_time_optimisation})
 
-# Shorter instructions where they take longer, and arrays that are aligned as their elements need it, not for vector
+# -Oz prefers shorter instructions even if they are slower. -malign-data=abi aligns arrays for their elements, not for vector
 # instructions.
 include(CheckCXXCompilerFlag)
 check_cxx_compiler_flag(-Oz FRONTPANEL_COMPILER_MINIMISES)
@@ -39,8 +39,8 @@ check_cxx_compiler_flag(-malign-data=abi FRONTPANEL_COMPILER_ALIGNS_DATA)
 #     PURE_VIRTUAL <source> NOTHROW <source>... HOT <source>...)
 #
 # The dynamic list names the symbols that a program may hold a copy of; the library uses its own of all others. The source
-# PURE_VIRTUAL replaces the compiler's function of that name. Nothing in the sources NOTHROW throws, calls what may
-# throw, or is called back. The sources HOT call functions of other libraries where each nanosecond counts.
+# PURE_VIRTUAL replaces the compiler's function of that name. No function in the sources NOTHROW throws, calls a function that
+# may throw, or calls back. The sources HOT call functions of other libraries where each nanosecond counts.
 function(frontpanel_reduce_footprint library)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "OBJECTS;PREEMPTIBLE;PURE_VIRTUAL" "NOTHROW;HOT")
     if(FRONTPANEL_SANITIZE OR FRONTPANEL_COVERAGE)
@@ -63,11 +63,11 @@ function(frontpanel_reduce_footprint library)
     if(FRONTPANEL_COMPILER_ALIGNS_DATA)
         target_compile_options(${arg_OBJECTS} PRIVATE $<${smallest}:-malign-data=abi>)
     endif()
-    # Functions that no exception passes need no unwinding tables. The optimisation at link time would write them again.
+    # Functions that no exception passes need no unwinding tables. Optimisation at link time would add them again.
     set_property(SOURCE ${arg_NOTHROW} APPEND PROPERTY COMPILE_OPTIONS
         $<${smallest}:-fno-exceptions;-fno-unwind-tables;-fno-asynchronous-unwind-tables;-fno-lto>)
-    # A call by way of the dynamic linker's table looks its function up when it is first made, the shorter call without
-    # it at start-up, where a hundred of them take 25 us.
+    # A call through the dynamic linker's table looks up its function at the first call. The shorter call without the table
+    # looks it up at start-up, where a hundred of them take 25 us.
     target_compile_options(${arg_OBJECTS} PRIVATE $<${smallest}:-fno-plt>)
     set_property(SOURCE ${arg_HOT} APPEND PROPERTY COMPILE_OPTIONS $<${optimised}:-fno-plt>)
     if(FRONTPANEL_PACK_RELOCATIONS)

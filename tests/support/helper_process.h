@@ -17,7 +17,7 @@
 
 namespace support {
 
-// Runs until the object goes. Its standard input is a pipe that then ends.
+// A process that runs until the object is destroyed. Its standard input is a pipe that is then closed.
 class Helper_process {
 public:
     // Whether standard error is read together with standard output, or goes to the null device.
@@ -77,7 +77,7 @@ public:
             kill(m_process, number);
         }
     }
-    // Requires: it heeds SIGTERM, or has been killed. A process that is stopped does not.
+    // Requires: the process ends at SIGTERM, or has been killed. A stopped process does not end.
     void end() {
         m_in.reset();
         if (m_process > 0) {

@@ -46,7 +46,7 @@ private:
     std::vector<std::string> m_lines;
 };
 
-// Also notes how old the last value was, of those that come late.
+// Also notes the age of the last late value.
 class Age_sink : public Noting_sink {
 public:
     void late_value(std::size_t number, const frontpanel::Parameter_value& value,

@@ -1,8 +1,8 @@
 // A device behind an MQTT broker for the driver soak: "RECORD PORT".
 //
-// It publishes its clock, as a plain message and as a text in JSON, and the setting "set" ten times a second; the setting
-// "live" is published when it changes and when the broker is back, and is retained. What is published under "soak/write/" is
-// recorded and then taken, but for unlucky numbers, at which the device keeps its value.
+// It publishes its clock, as a plain message and as a text in JSON, and the setting "set" ten times a second; the
+// setting "live" is published when it changes and when the broker is back, and is retained. A value published under
+// "soak/write/" is recorded and then accepted; only for unlucky numbers the device keeps its old value.
 #include <fcntl.h>
 #include <mosquitto.h>
 #include <unistd.h>
@@ -43,7 +43,7 @@ public:
         }
     }
     int held(const std::string& name) { return m_held[name]; }
-    // It is in the record before anybody can see it.
+    // The value is in the record before it is published.
     void write(const std::string& name, int value) {
         const std::string line =
             std::to_string(now_in_milliseconds()) + " " + name + " " + std::to_string(value) + "\n";

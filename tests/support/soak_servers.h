@@ -107,9 +107,9 @@ private:
 };
 
 constexpr milliseconds POLL(200);
-// What a value may be older than its driver's bounds: a tick of the panel, and what a busy machine takes.
+// How much older than its driver's bounds a value may be: a tick of the panel, and the delay of a busy machine.
 constexpr milliseconds SLACK(1900);
-// Three polls; of a server that pushes, two of its time limits.
+// Three polls; for a server that pushes, two of its time limits.
 constexpr milliseconds WINDOW = SLACK + std::max(3 * POLL, milliseconds(1000));
 
 class Soak_server {
@@ -136,7 +136,7 @@ public:
     static std::string poll_member() {
         return R"("poll": ")" + std::to_string(POLL.count()) + R"(ms")";
     }
-    // What is shown as fresh now was held at this time or later.
+    // A value that is shown as fresh now must have been held at this time or later.
     virtual Soak_time oldest(const std::string& /*what*/, Soak_time now) const {
         return now - WINDOW;
     }
@@ -482,8 +482,8 @@ public:
     bool has_text() const override { return true; }
     // "live" has no interval.
     bool has_poll() const override { return false; }
-    // What was published while the broker stood still is news when it goes on: nothing in a message says when it was
-    // published. Without an interval a value is fresh until the silence of the broker is noticed.
+    // A message that was published while the broker was stopped counts as new when the broker continues, since it does
+    // not contain its time. Without an interval a value is fresh until the panel notices that the broker is silent.
     Soak_time oldest(const std::string& what, Soak_time now) const override {
         constexpr milliseconds SILENCE(10000);
         constexpr milliseconds ON_THE_WAY(200);
@@ -504,7 +504,7 @@ public:
         auto [what, length] = Process_server::disturb(random);
         if (m_victim == &m_broker && is_stopped()) {
             m_stopped_at = std::chrono::steady_clock::now();
-            // The panel has then noticed by itself.
+            // By then the panel has noticed the silence itself.
             length = is_one_of(4) ? time_between(random, 9000, 14000) : length;
         }
         return {(m_victim == &m_broker ? "broker " : "device ") + what, length};

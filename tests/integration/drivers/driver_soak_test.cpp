@@ -73,8 +73,8 @@ struct Setting {
     std::string name() const { return server->letter() + " " + what; }
 };
 
-// How well arrivals fit the writes that were made: each write that did not arrive needs a reason, and so does each arrival
-// out of order. A write of what the server holds anyway may get lost.
+// How well arrivals fit the writes that were made: each write that did not arrive needs a reason, and so does each
+// arrival out of order. A write of the value that the server already holds may get lost.
 struct Fit {
     std::size_t strays = 0;  // arrivals that are no write in its turn
     std::size_t missing = 0;

@@ -57,7 +57,7 @@ plug_in() {
 unplug() {
     kill "$DISPLAY_PROCESS"
     wait "$DISPLAY_PROCESS" || true
-    # The pictures of the next display are its own from the beginning.
+    # The next display must not read the pictures of this one.
     rm "$FOLDER/lcd" "$FOLDER/pictures"
 }
 

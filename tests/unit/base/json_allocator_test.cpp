@@ -22,7 +22,7 @@ TEST(JsonAllocator, MemoryThatIsNotThereIsAnException) {
     GTEST_SKIP() << "a sanitizer takes over";
 #endif
     Json_allocator allocator;
-    // PTRDIFF_MAX itself is only half of the addresses of a 32-bit device.
+    // Not PTRDIFF_MAX, which is only half of the addresses of a 32-bit device.
     const volatile std::size_t too_large = SIZE_MAX;
     EXPECT_THROW(allocator.Malloc(too_large), std::bad_alloc);
     void* const kept = allocator.Malloc(4);

@@ -105,8 +105,8 @@ TEST(Child_process, IsAskedToEndAndThenKilled) {
     EXPECT_NE(kill(process, 0), 0);
 }
 
-// A panel that is killed when its program writes "ready" to a pipe, which the program holds as descriptor 3. What was written to
-// the pipe until nobody held it any more; "..." behind it if somebody goes on holding it.
+// Kills a panel when its program writes "ready" to a pipe, which the program has as descriptor 3. Returns the text
+// written to the pipe until every process has closed it, with "..." at the end if one keeps it open.
 std::string output_of_killed_panel(const std::string& script) {
     const support::Folder folder;
     const std::string fifo = folder.file("fifo");

@@ -645,7 +645,7 @@ TEST_F(Passed_on_test, TheLossOfTheConnectionLeavesItUnknown) {
     EXPECT_EQ(events(), (Lines{"plc: away: closed", "plc: p0: write timed out: closed"}));
 }
 
-// A device that publishes its value over and over does so between the write and its answer, too.
+// A device that publishes its value again and again may also do so between the write and its answer.
 TEST_F(Passed_on_test, AValueThatStaysAsItIsIsNoAnswer) {
     m_device->push(0, 8);
     step();

@@ -109,7 +109,8 @@ Lines complaints_when(bool has_all_warnings, const std::string& text) {
     return {};
 }
 
-// Rules that write in a circle, names that no line has room for, and twins: what only a look at the whole menu finds.
+// Rules that write in a circle, names that fit no line, and equal names: mistakes that only checks of the whole menu
+// find.
 std::string doubtful_menu_text() {
     return menu_text(R"({"name": "a", "pid": 5, "type": "integer", "min": 0, "max": 100},
         {"name": "b", "pid": 6, "type": "integer", "min": 0, "max": 100})",

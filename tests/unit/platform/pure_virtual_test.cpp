@@ -7,7 +7,7 @@
 
 namespace {
 
-// The first operation that the abstract class leaves open, behind its two destructors.
+// The first pure virtual operation of the abstract class, behind its two destructors.
 void call_open_operation_of_timer() {
     const LinuxTimer linked_to_the_library;
     constexpr int HEADER = 2;

@@ -39,7 +39,7 @@ protected:
         panel().press(Key::SELECT, 2).press(Key::UP).press(Key::SELECT);
     }
     Menu_panel& panel() { return *m_panel; }
-    // All that the panel shows until the longest text has come round; a text on several lines as one.
+    // Everything that the panel shows until the longest text has scrolled once; a text on several lines as one.
     std::string shown() {
         std::string all;
         for (int i = 0; i < 100; ++i) {

@@ -33,7 +33,7 @@ using Numbers = std::map<uint32_t, int>;
 // One panel over one random menu, with what a person sees of it and what the device is told.
 class Random_play {
 public:
-    // So many entries follow a change at once.
+    // This many entries are refreshed at once after a change.
     Random_play(uint32_t seed, Lcd_size size, size_t most_refreshes)
         : m_menu(seed, m_folder.path()),
           m_panel(text_with_presets(), size),

@@ -154,7 +154,7 @@ TEST_F(Cascade_test, AKeyThatIsAllowedAgainIsNotLeft) {
     EXPECT_EQ(device.integer(100, 0), 2);
 }
 
-// As a list does with what it shows, before its turn in a round.
+// A list refreshes the entries that it shows before their turn in a round.
 TEST_F(Cascade_test, ARefreshKeepsAnOptionThatHasJustBecomeAllowed) {
     Option_entry source("Source", 100, no_level);
     bind(source, "keys 0..1 if [101] == 0; keys 2..3 if [101] == 1");
@@ -484,7 +484,7 @@ TEST_F(Cascade_in_parts, WritesThatFollowChangesWithoutEndAreNoCircle) {
     EXPECT_EQ(last.Get_min(), 500 % 9);
 }
 
-// What is shown is asked between the parts: it must see what the rules have made of the change.
+// Shown entries are refreshed between the parts: they must see the writes of rules.
 TEST_F(Cascade_in_parts, WritesDoNotWaitForEntriesThatWriteNothing) {
     Number_entry limit("Limit", 104, no_level, 0, 100);
     Number_entry gain("Gain", 105, no_level, 0, 100);

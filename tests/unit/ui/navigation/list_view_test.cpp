@@ -101,7 +101,7 @@ TEST_F(List_view_test, AnEntryThatCannotBeReadSaysSoAndRaisesTheAlarm) {
 constexpr Lcd_size SIZES[] = {{16, 2}, {20, 2}, {20, 4}, {40, 4}};
 constexpr int ENTRIES = 200;
 
-// A menu of many numbers without rules, each with a parameter of its own; `others` are further items before them.
+// A menu of many numbers without rules, each with its own parameter; `others` are further items before them.
 std::string long_menu(const std::string& others = "") {
     std::string parameters;
     std::string items = others;
@@ -129,7 +129,7 @@ protected:
     int taken() { return std::exchange(reads, 0); }
     // The lines that are for entries.
     int entry_lines() const { return GetParam().rows >= 3 ? GetParam().rows - 1 : GetParam().rows; }
-    // As the device holds it, at the end of a line.
+    // The device's value, as it is shown at the end of a line.
     void expect_current(const Lines& lines) {
         for (size_t row = GetParam().rows >= 3 ? 1 : 0; row < lines.size(); ++row) {
             const size_t name = lines[row].find('N');
