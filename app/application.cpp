@@ -180,7 +180,7 @@ void complain_of_exception(int descriptor) {
     say(descriptor, "\n");
 }
 
-// For an exception on a thread of a library's own, which nobody can catch.
+// For an exception on a thread of another library, which cannot be caught.
 [[noreturn]] void end_after_exception() {
     do_last_acts();
     if (std::current_exception() != nullptr) {

@@ -15,7 +15,7 @@
 namespace frontpanel {
 namespace {
 
-// A sign that no line has: comments are taken away here, which knows those within quotes from others.
+// A character that no line has, so that the parser finds no comments: they are removed here, except within quotes.
 constexpr char NO_COMMENT = '\x01';
 
 bool is_control(char byte) {

@@ -43,8 +43,8 @@ std::string folder_pattern() {
 
 }  // namespace
 
-// All memory is taken before the folder is made, which nobody would remove after an exception. Once the name of the
-// folder is known, that of the file is, too.
+// All memory is allocated before the folder is made: after an exception the folder would not be removed. The name of
+// the file follows from that of the folder.
 Curl_home::Curl_home() : m_folder(folder_pattern()), m_file(m_folder + "/.curlrc") {
     if (const char* const before = std::getenv(VARIABLE)) {
         m_before = before;

@@ -14,7 +14,8 @@ namespace {
 constexpr std::chrono::seconds FIRST_VALUES(3);
 constexpr std::chrono::seconds WRITE_OF_A_SCRIPT(1);
 
-// A value that cannot be read shows where it stands, and its reason when it is selected: only the log tells all.
+// The list already marks a value that cannot be read, and shows the reason when it is selected. The log has every
+// event.
 bool is_shown(Driver_event::Kind kind) {
     return kind != Driver_event::BACK && kind != Driver_event::READ_FAILED &&
            kind != Driver_event::READ_AGAIN;

@@ -12,7 +12,7 @@ std::unique_ptr<Driven_device> driven_device(const std::string& file, const Json
                                              Lacking_drivers lacking) {
     const std::string folder = std::filesystem::path(file).parent_path().string();
     Device_cache_settings settings;
-    // A program that does not heed SIGTERM is killed after half a second: that must not be left behind.
+    // A program that ignores SIGTERM is killed after half a second: the cache must wait that long.
     settings.end_patience = std::chrono::seconds(2);
     return std::make_unique<Driven_device>(root, problems, driver_table(), folder, others,
                                            std::move(settings), lacking);

@@ -26,7 +26,7 @@ namespace {
 constexpr const char* NAME = "frontpanel";
 Output_log* listening_log = nullptr;  // the library's listener has no argument for it
 
-// A file is read by the panel too. Reading a pipe or a terminal would take what is meant for somebody else.
+// The panel also reads a file. Reading from a pipe or a terminal would take data from its reader.
 int access_of(const std::string& file) {
     struct stat status {};
     const bool is_file = stat(file.c_str(), &status) != 0 || S_ISREG(status.st_mode);
@@ -55,7 +55,7 @@ bool is_shared(const struct stat& folder) {
     return is_for_everybody(folder) || (folder.st_uid != 0 && folder.st_uid != geteuid());
 }
 
-// What the folder's owner put there is meant for whoever names it.
+// A file of the folder's owner is accepted, unless other users may write the folder.
 bool is_of_another_user(const struct stat& file, const struct stat& folder) {
     return file.st_uid != geteuid() && (is_for_everybody(folder) || file.st_uid != folder.st_uid);
 }
@@ -147,7 +147,7 @@ size_t write_all(int descriptor, std::string_view text) {
     while (written < text.size()) {
         const ssize_t result = ::write(descriptor, text.data() + written, text.size() - written);
         if (result < 0 && errno == EPIPE) {
-            // Where the signal of the write itself is held back, the whole process is to hear of it.
+            // When the signal of the write itself is blocked, the process must still receive it.
             kill(getpid(), SIGPIPE);
         }
         if (result < 0 && errno != EINTR) {

@@ -25,7 +25,7 @@ std::string default_log_file(int number = 1);
 class Output_log {
 public:
     // An empty name means the default file. Input_error when it cannot be written: also when another panel is
-    // writing it, when it is a pipe that nobody reads, and, in a folder that another user can write, when it is a
+    // writing it, when it is a pipe without a reader, and, in a folder that another user can write, when it is a
     // link, or a file of neither this user nor the folder's owner. Nothing is emptied then.
     explicit Output_log(const std::string& file);
     ~Output_log();

@@ -66,7 +66,7 @@ Panel_options options_for_script(const Options& options, const Loaded_panel& loa
 
 }  // namespace
 
-// What is played while nobody is at the keys. A picture needs no script: then it is of the start.
+// The script to play. A picture needs none: then it shows the start.
 Script script_to_play(const Options& options) {
     if (options.script.empty() && !options.screenshot.empty()) {
         return {};

@@ -7,9 +7,9 @@
 
 namespace frontpanel {
 
-// Before the menu is first shown: rules whose writes the file knows do not make them again.
+// Call it before the menu is first shown: rules do not repeat the writes that the file has.
 void restore_rules(const State_file& file, Menu& menu);
-// Whether the file did not know it yet.
+// Gives the rules' writes to the file. Returns whether they are new to it.
 bool keep_rules(const Menu& menu, State_file& file);
 
 }  // namespace frontpanel

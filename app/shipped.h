@@ -9,8 +9,8 @@ namespace frontpanel {
 std::string shipped_menu();
 std::string shipped_tour();
 
-// The file of a menu that somebody named: the name of a menu that ships with the panel, such as "this-machine", stands for
-// its file in `folder`, unless there is a file of that name.
+// The file of the menu that the user named: a file, or else the name of a menu in `folder` that ships with the panel,
+// such as "this-machine".
 std::string menu_file(const std::string& given, const std::string& folder);
 // The same with the folder of the menus that ship with this panel.
 std::string menu_file(const std::string& given);

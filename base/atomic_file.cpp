@@ -63,8 +63,8 @@ bool lock(int descriptor, std::chrono::steady_clock::time_point end) {
     return result == 0;
 }
 
-// A file of that name may be somebody's trap: the text would go to a file that has another name, too, or stay in
-// the hands of another user.
+// Another user may have made a file of that name, so that the text would go to a file with another name as well, or to
+// a file that the other user can change.
 void check_ours(const std::string& file, const std::string& temporary, int descriptor,
                 const struct stat* replaced) {
     struct stat status = {};

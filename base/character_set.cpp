@@ -24,7 +24,7 @@ struct Block {
     char32_t first;
     char32_t last;
 };
-// What stands between them is combining, wide, without a picture of its own, or from right to left.
+// The characters between these blocks are combining, wide, invisible, or written from right to left.
 constexpr Block ONE_COLUMN[] = {
     {0x20, 0x7E},     {0xA0, 0xAC},     {0xAE, 0x2FF},    {0x370, 0x377},   {0x37A, 0x37F},
     {0x384, 0x482},   {0x48A, 0x52F},   {0x1E00, 0x1EFF}, {0x2010, 0x2027}, {0x2030, 0x205E},

@@ -13,7 +13,7 @@
 namespace frontpanel {
 namespace {
 
-constexpr size_t LONGEST_LINE = 1000;  // a message may quote what somebody wrote, however long
+constexpr size_t LONGEST_LINE = 1000;  // a message may quote an input of any length
 
 std::string bytes_text(size_t bytes) {
     constexpr size_t KIB = 1024;

@@ -110,7 +110,7 @@ Place Json_value::place_in_text(size_t offset) const {
 std::vector<Place> Json_value::places_in_text(const std::vector<size_t>& offsets) const {
     constexpr uint32_t QUOTE = 1;
     if (m_node->place().copy != nullptr) {
-        return {offsets.size(), m_node->place()};  // what was written is not what stands here
+        return {offsets.size(), m_node->place()};  // the text differs from the one in the file
     }
     const std::string_view text = m_node->text();
     const auto is_escaped = [](unsigned char c) { return c == '"' || c == '\\' || c < ' '; };
