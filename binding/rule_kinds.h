@@ -16,7 +16,7 @@ class Engine;
 class Suggestion_maker;
 }  // namespace binding_engine
 
-// What stands between the word of a rule and its condition.
+// The operands between the word of a rule and its condition.
 enum class Rule_operands {
     NONE,
     INTERVALS,      // 0..40, [limit]..80

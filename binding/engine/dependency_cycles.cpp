@@ -234,7 +234,7 @@ private:
                               : owners.front()->cascade_state().number;
     }
 
-    // The name on the display, which the author of a menu knows best.
+    // The name on the display, which the author of a menu recognises.
     static std::string name_of(const Node& node) {
         for (const Engine* const owner : node.parameter->owners) {
             if (owner->entry() != nullptr) {

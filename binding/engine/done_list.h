@@ -12,7 +12,7 @@ namespace frontpanel::binding_engine {
 
 return_s value_of(const GetSetS& request);
 
-// Of every engine with write rules. Rules that say the same stand in it once.
+// The writes of every engine with write rules. Equal rules are listed once.
 std::vector<Done_writes> done_writes(const Cascade& cascade);
 // Rules that the list does not have count as not having written.
 void set_done_writes(const Cascade& cascade, const std::vector<Done_writes>& done);

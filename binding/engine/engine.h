@@ -93,7 +93,7 @@ public:
     void report_cascade(const std::string& path);
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result);
     void write_done(uint32_t pid, uint32_t varidx, std::string_view bytes);
-    // The parameter that a write rule of the list writes; null when nobody refers to it otherwise.
+    // The parameter that a write rule of the list writes; null when it has no other use.
     const Cached_parameter* find_written(const Bound_list& list,
                                          const binding_language::Rule& rule) const;
 
@@ -111,7 +111,7 @@ public:
     const std::optional<Interval>& fallback_range() const {
         return m_fallback_range ? m_fallback_range : m_entry_range;
     }
-    // What the override stands for, and its value. Null when nobody refers to it, or the value is of another
+    // The overridden parameter, and the value. Null when the parameter has no other use, or the value is of another
     // type than its key.
     Cached_parameter* overridden() const;
     const return_s& override_value() const { return m_override_value; }

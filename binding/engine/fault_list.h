@@ -1,4 +1,4 @@
-// The faults of one engine's rules that stand: each is reported when it is new.
+// The faults of one engine's rules that remain: each is reported when it is new.
 #ifndef FRONTPANEL_BINDING_ENGINE_FAULT_LIST_H
 #define FRONTPANEL_BINDING_ENGINE_FAULT_LIST_H
 
@@ -13,11 +13,11 @@ class Fault_list {
 public:
     // Whether the rule had no fault of that cause before.
     bool add(Rule_fault fault);
-    // The rule was judged. What the device refuses of it stands.
+    // The rule was evaluated without a fault. A refused write remains.
     void judged(std::size_t rule);
     // The device has taken what the rule writes, or the rule writes nothing now.
     void written(std::size_t rule);
-    // All that stand.
+    // All that remain.
     const std::vector<Rule_fault>& faults() const { return m_faults; }
     bool empty() const { return m_faults.empty(); }
 

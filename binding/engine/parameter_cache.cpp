@@ -98,7 +98,7 @@ Cached_parameter& Parameter_cache::at(const var_index_s& named) {
     return *parameter;
 }
 
-// A commit leaves an empty record in the map for a parameter that nobody depended on: it is filled here.
+// A commit leaves an empty record in the map for a parameter without dependants: it is filled here.
 void Parameter_cache::add_record(Cached_parameter& parameter, const var_index_s& key) {
     Cached_parameter::Record* const record = &*m_map.try_emplace(key).first;
     if (!contains(parameter.records, record)) {

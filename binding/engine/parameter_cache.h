@@ -92,7 +92,7 @@ public:
     // Makes `parameter` hold the device's value; false when it cannot be read. A value that is known to be current is
     // not read again; one that the last poll left out is, since the device may have changed it.
     bool bring_up_to_date(Cached_parameter& parameter);
-    // Asks the device for parameters that somebody reads or watches, in turns. The keys of those that changed are
+    // Reads parameters that have readers or watchers from the device, in turns. The keys of those that changed are
     // valid until the next poll.
     const std::vector<var_index_s>& poll(std::size_t at_most);
     // Asks the device for these, whatever is known of them.

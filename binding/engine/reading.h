@@ -31,12 +31,12 @@ public:
     using Code = binding_language::Code;
     using Value = binding_language::Value;
 
-    // With `is_try` the engine's override stands for its parameter; for the entry's own one it stands for `value`
-    // only, and the name of the parameter for what the device holds.
+    // With `is_try` the engine's override replaces the value of its parameter. An override of the entry's own parameter
+    // replaces only `value`: the name of the parameter still means the device's value.
     Reading(Engine& engine, bool is_try);
 
-    // Proposed values stand for what the device holds of them, but not of the entry's own parameter. With `is_try` that
-    // one's proposed value is `value`. The values outlive the reading.
+    // Proposed values replace the device's values, except that of the entry's own parameter, whose proposed value is
+    // `value` with `is_try`. The values outlive the reading.
     Reading(Engine& engine, bool is_try, const Proposed_values& proposed);
 
     // The list whose rules are asked for next.
@@ -78,7 +78,7 @@ private:
     void note(std::string name, bool is_readable, const Value& value);
 
     Engine& m_engine;
-    Cached_parameter* m_tried;  // what the override stands for
+    Cached_parameter* m_tried;  // the overridden parameter
     bool m_is_try;
     const Proposed_values* m_proposed;  // null for none
     Bound_list* m_list;

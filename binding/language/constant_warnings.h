@@ -25,10 +25,10 @@ public:
     const char* rule_begin() const { return m_rule_begin; }
     int rule_line() const { return m_rule_line; }
 
-    // What stands from `begin` up to the token at hand never changes. One warning for a rule is enough.
+    // The text from `begin` up to the current token never changes. One warning for a rule is enough.
     void warn_of(const char* begin);
-    // What stands from `begin` up to the token at hand reads something and yields a value within `bounds`: always true
-    // or never, or both at times. `reason` is what the bounds are of, may be empty.
+    // The text from `begin` up to the current token reads something and yields a value within `bounds`: always true,
+    // never true, or both at times. `reason` names what has these bounds; may be empty.
     void comparison(const char* begin, Value_bounds bounds, const std::string& reason);
     // The condition of the rule, whose comparisons came before.
     void condition(const char* begin, Value_bounds bounds);

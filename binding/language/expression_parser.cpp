@@ -110,7 +110,7 @@ Operand Expression_parser::binary(Level least) {
     }
 }
 
-// The library's toggles calculate with doubles, and know no texts.
+// The library's toggles calculate in doubles, and have no texts.
 Operand Expression_parser::for_toggle(const Operand& operand) const {
     if (!m_context.is_toggle) {
         return operand;

@@ -242,7 +242,7 @@ Fault Run::divide(bool for_remainder) {
     return Fault::NONE;
 }
 
-// What a run makes stands in the buffer of its place on the stack.
+// Each place on the stack has a buffer for the text that is made there.
 void Run::write_digits() {
     Text_buffer& buffer = m_memory.texts[m_depth - 1];
     const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), top().number);

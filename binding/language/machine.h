@@ -13,7 +13,7 @@ namespace frontpanel::binding_language {
 
 enum class Fault {
     NONE,
-    UNREADABLE,  // the source could not read a parameter, and knows which
+    UNREADABLE,  // the source could not read a parameter, and has noted which
     DIVISION_BY_ZERO,
     TEXT_TOO_LONG,  // over LONGEST_TEXT
 };

@@ -19,7 +19,7 @@ int64_t magnitude(int64_t number) {
     return number < 0 ? difference(0, number) : number;
 }
 
-// Of an operation that is monotone in each operand, its extremes stand at the ends.
+// An operation that is monotone in each operand has its extremes at the ends of the operands' bounds.
 Value_bounds at_ends(int64_t (*operate)(int64_t, int64_t), Value_bounds left, Value_bounds right) {
     const auto [low, high] =
         std::minmax({operate(left.low, right.low), operate(left.low, right.high),

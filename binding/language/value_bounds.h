@@ -1,4 +1,4 @@
-// What the bounds of parameters tell of the value of an expression before anything is read.
+// The bounds of an expression's value, which follow from those of its parameters before anything is read.
 #ifndef FRONTPANEL_BINDING_LANGUAGE_VALUE_BOUNDS_H
 #define FRONTPANEL_BINDING_LANGUAGE_VALUE_BOUNDS_H
 

@@ -90,8 +90,8 @@ public:
         return {"set " + comma_joined(requests)};
     }
 
-    // The next evaluation finds the list new, and the entry writes again. The fault stands meanwhile, so that it is no
-    // news each time.
+    // The next evaluation offers the list as new, and the entry writes again. The fault remains meanwhile, so that it
+    // is reported only once.
     void write_failed(uint32_t pid, uint32_t varidx, std::string_view bytes, int result) override {
         const std::size_t number = find(pid, varidx, bytes);
         if (number == m_suggestion.value.size()) {
@@ -114,7 +114,7 @@ public:
         }
     }
 
-    // A list that nobody has taken yet is not written yet.
+    // A list that the entry has not taken is not written yet.
     std::vector<GetSetS> done() const override {
         return m_suggestion.is_updated || m_is_refused ? std::vector<GetSetS>()
                                                        : m_suggestion.value;
