@@ -13,7 +13,7 @@
 
 namespace frontpanel {
 
-// Shows frames on such a display: knows what the display has, and returns the bytes that make it show another frame.
+// Shows frames on such a display: keeps what the display shows, and returns the bytes that change it to another frame.
 class Charlcd_screen {
 public:
     static constexpr size_t MOST_DEFINED = 8;  // characters
@@ -29,7 +29,7 @@ public:
     std::string update(const Frame& frame);
     // The characters that became '?' in any frame.
     const std::set<char32_t>& lost() const { return m_lost; }
-    // What leaves nothing on the display that somebody could take for a value.
+    // Clears the display, so that no old value stays on it.
     static std::string farewell();
 
 private:

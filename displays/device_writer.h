@@ -1,5 +1,5 @@
 // Writes to a device file, such as that of a display driver, on a thread of its own: a device whose bus hangs keeps
-// the thread and nobody else.
+// only by the thread.
 //
 // Everything but the thread's own work is called on one thread, the menu thread.
 #ifndef FRONTPANEL_DISPLAYS_DEVICE_WRITER_H

@@ -34,8 +34,8 @@ Lcdproc_answer parse_lcdproc_answer(const std::string& line);
 // The word or text as one argument of a command: quoted, with quotes and backslashes escaped.
 std::string lcdproc_quoted(std::string_view text);
 
-// Shows frames on the server's one screen of ours: knows what the server has, and returns the commands that make
-// it show another frame.
+// Shows frames on the panel's screen at the server: keeps what the server shows, and returns the commands that change
+// it to another frame.
 class Lcdproc_screen {
 public:
     static constexpr const char* NAME = "panel";

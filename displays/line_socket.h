@@ -28,8 +28,8 @@ public:
     void connect(const std::string& address, uint16_t port);
     // Why the connection ended is kept for `reason`.
     void close(const std::string& reason);
-    // Takes a line, without its end, to be sent with the next `service`. Closes the connection of somebody who
-    // does not read.
+    // Takes a line, without its end, to be sent with the next `service`. Closes the connection if the other side does
+    // not read.
     void send(const std::string& line);
     // Connects, sends and receives as far as nothing has to be waited for.
     void service();

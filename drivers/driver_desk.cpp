@@ -15,7 +15,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr int OLD_AFTER = 3;                // poll intervals
-constexpr milliseconds PROVEN_AFTER(5000);  // a connection that stands so long is one
+constexpr milliseconds PROVEN_AFTER(5000);  // a connection that lasts this long works
 constexpr milliseconds HANGS_AFTER(5000);   // a call of a driver that takes longer
 constexpr milliseconds LONGEST_WAIT(60000);
 constexpr milliseconds ANSWERED_WITHIN(5000);  // a write that was passed on
@@ -96,7 +96,7 @@ std::size_t Driver_desk::add(const Driver_parameter& parameter, std::optional<Mi
     return m_records.size() - 1;
 }
 
-// ---- what somebody sees; the lock is held
+// ---- the state of a parameter; the lock is held
 
 bool Driver_desk::is_wanted(const Record& record, Time time) const {
     return record.is_active && time - record.wanted <= m_settings.wanted_for;

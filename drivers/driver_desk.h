@@ -163,7 +163,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_ended_now;
     std::deque<Record> m_records;       // their number does not change once the driver works
-    std::vector<std::size_t> m_active;  // that somebody wanted lately
+    std::vector<std::size_t> m_active;  // those that were wanted lately
     std::deque<Queued_write> m_writes;
     std::vector<std::size_t> m_passed_on;  // those with a write that was passed on
     std::uint64_t m_turn = 0;

@@ -1,4 +1,4 @@
-// What the drivers have to tell the menu thread. Shared by the threads, which may outlive the cache. Thread-safe.
+// Events from the drivers for the menu thread. Shared by the threads, which may outlive the cache. Thread-safe.
 #ifndef FRONTPANEL_DRIVERS_DRIVER_NEWS_H
 #define FRONTPANEL_DRIVERS_DRIVER_NEWS_H
 

@@ -90,7 +90,7 @@ std::uint64_t number_of(std::string_view digits) {
 struct Digits {
     bool is_negative;
     std::string text;
-    std::int64_t whole;  // of them before the point; below 0: so many zeros follow the point
+    std::int64_t whole;  // digits before the point; below 0: the number of zeros after the point
 };
 
 std::optional<Digits> digits_of(std::string_view number) {

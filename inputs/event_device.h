@@ -38,7 +38,7 @@ struct Opened_device {
     std::string error;
 };
 
-// Opens and grabs the device, so that nobody else gets its events. A pipe is read as it is.
+// Opens and grabs the device, so that no other program gets its events. A pipe is only opened.
 Opened_device open_event_device(const std::string& path);
 // The first input device of this name in a folder such as /dev/input that can be opened and grabbed.
 Opened_device find_event_device(const std::string& name, const std::string& folder);

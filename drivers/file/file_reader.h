@@ -1,4 +1,4 @@
-// Reads small files, each once: several parameters may be words of one file, or stand beside one name.
+// Reads small files, each once: several parameters may be words of one file, or be in a folder with one name file.
 //
 // Nothing waits, and a pipe is not read at all: what was read of it is gone, and of a number that is written in two pieces
 // the second would be taken for another number.

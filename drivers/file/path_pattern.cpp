@@ -62,7 +62,7 @@ std::optional<int> number_in(const std::string& name, const std::string& pattern
                         LARGEST_NUMBER);
 }
 
-// What `errno` tells of a file that could not be looked at; nothing of one that is not there.
+// Notes the reason in `errno` why a file could not be examined; none for a file that does not exist.
 void note_doubt(std::string& doubt) {
     if (errno != ENOENT && errno != ENOTDIR) {
         doubt = std::strerror(errno);

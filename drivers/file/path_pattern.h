@@ -34,7 +34,7 @@ public:
     Found find(File_reader& reader) const;
 
 private:
-    // Both note in `doubt` why they cannot tell, if they cannot.
+    // Both note a reason in `doubt` if the answer is unknown.
     bool has_name(const std::string& path, File_reader& reader, std::string& doubt) const;
     std::vector<std::string> expand(std::string& doubt) const;
 

@@ -177,7 +177,7 @@ struct Modbus_line::Outcome {
         return kind == EXCEPTION && (code == MODBUS_EXCEPTION_ILLEGAL_DATA_ADDRESS ||
                                      code == MODBUS_EXCEPTION_ILLEGAL_DATA_VALUE);
     }
-    // Behind a gateway, a unit that is off is told by an exception.
+    // A gateway reports a unit that is off by an exception.
     bool is_no_answer() const {
         return kind == SILENT || kind == GARBLED ||
                (kind == EXCEPTION && code == MODBUS_EXCEPTION_GATEWAY_TARGET);
@@ -299,7 +299,7 @@ bool Modbus_line::is_hung_up() const {
     const int socket = modbus_get_socket(m_context.get());
     std::array<char, MODBUS_TCP_MAX_ADU_LENGTH> stray{};
     const ssize_t size = recv(socket, stray.data(), stray.size(), MSG_DONTWAIT);
-    // What nobody asked for would be taken for an answer: a new connection begins without it.
+    // Stray bytes would be mistaken for an answer: a new connection begins without them.
     return size >= 0 || errno != EAGAIN;
 }
 
@@ -334,7 +334,7 @@ Driver_result Modbus_line::make_ready() {
         return is_stopped() ? Driver_result::away(PANEL_ENDS) : open();
     }
     m_is_disturbed = false;
-    // Frames are told apart by a pause of three and a half characters.
+    // A pause of three and a half characters separates frames.
     constexpr int PAUSE_BITS = 39;
     pause(milliseconds(PAUSE_BITS * MILLISECONDS / m_settings.baud + 1));
     modbus_flush(m_context.get());

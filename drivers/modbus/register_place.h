@@ -30,7 +30,7 @@ struct Register_range {
     bool is_writable() const {
         return table == Register_table::HOLDING || table == Register_table::COIL;
     }
-    // At most so many are read in one request.
+    // The most that one request can read.
     int most() const { return is_bits() ? 2000 : 125; }
 };
 

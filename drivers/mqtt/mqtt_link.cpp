@@ -62,7 +62,7 @@ const char* text_or_null(const std::string& text) {
     return text.empty() ? nullptr : text.c_str();
 }
 
-// A key that is protected by a password cannot be used: nobody may be asked on the terminal.
+// A key that is protected by a password cannot be used: the panel must not ask for it on the terminal.
 int no_password(char* /*buffer*/, int /*size*/, int /*is_writing*/, void* /*object*/) {
     return 0;
 }
@@ -204,7 +204,8 @@ Driver_result Mqtt_link::start() {
     return result;
 }
 
-// Whether the broker may have closed the connection because it does not know the protocol. Not every one gives the reason.
+// Whether the broker may have closed the connection because it lacks the protocol version. Not every broker gives the
+// reason.
 bool Mqtt_link::is_other_protocol() const {
     if (m_welcome) {
         return *m_welcome == MQTT_RC_UNSUPPORTED_PROTOCOL_VERSION ||

@@ -31,8 +31,8 @@ public:
     Mqtt_link(Mqtt_settings settings, On_message on_message);
     ~Mqtt_link();
 
-    // Connects and subscribes to topics, each with its quality of service. DONE or AWAY. A broker that does not know
-    // MQTT 5 is asked for MQTT 3.1.1 the next time.
+    // Connects and subscribes to topics, each with its quality of service. DONE or AWAY. The next call to a broker
+    // without MQTT 5 uses MQTT 3.1.1.
     Driver_result open(const std::map<std::string, int>& topics);
     // Reports that the panel ends, and disconnects, within a second.
     void close();
@@ -87,7 +87,7 @@ private:
     std::unique_ptr<mosquitto, Destroyer> m_client;  // null: closed
     std::atomic<bool> m_is_stopping{false};
     bool m_is_closing = false;
-    bool m_is_old_broker = false;  // it does not know MQTT 5
+    bool m_is_old_broker = false;  // it lacks MQTT 5
     std::string m_away_reason;     // while closed
     // What has arrived on this connection.
     bool m_is_connecting = false;

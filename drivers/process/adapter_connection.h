@@ -23,8 +23,8 @@ public:
 
     static constexpr int NO_WAKE = -1;
 
-    // `name` of the driver stands before what the adapter prints to its standard error. std::system_error when a
-    // descriptor is missing.
+    // The lines that the adapter prints to its standard error are logged with `name`, that of the driver, in front.
+    // std::system_error when no descriptor is available.
     Adapter_connection(Adapter_place place, const std::string& name);
     ~Adapter_connection();
     Adapter_connection(const Adapter_connection&) = delete;
@@ -35,9 +35,9 @@ public:
     bool is_open() const { return m_in != nullptr; }
     // Closes, and ends an adapter that was started. `why` becomes the fault.
     void close(const std::string& why);
-    // Closes what came to its end by itself, or by a mistake of the adapter, which is told of it.
+    // Closes a connection that has ended, or that has to end because of a mistake of the adapter, which gets an error.
     void fail(const std::string& why);
-    // Why it is closed. What the adapter said to its end is in it.
+    // Why it is closed, with the adapter's last message.
     const std::string& fault() const { return m_fault; }
 
     // Writes a message of the adapter to the log, like a line of its standard error.

@@ -158,7 +158,7 @@ std::string description_of(const siginfo_t& end) {
 std::optional<siginfo_t> ended(pid_t process) {
     siginfo_t end{};
     const int result = waitid(P_PID, static_cast<id_t>(process), &end, WEXITED | WNOHANG | WNOWAIT);
-    // A process that is no child any more was taken by somebody else, who waits for all children.
+    // A process that is no longer a child was reaped by other code, which waits for all children.
     return (result == 0 && end.si_pid == process) || (result != 0 && errno == ECHILD)
                ? std::optional<siginfo_t>(end)
                : std::nullopt;
@@ -266,7 +266,7 @@ bool Child_process::has_ended(milliseconds most) const {
     return true;
 }
 
-// The group is killed while its leader is a zombie, whose number nobody else can have.
+// The group is killed while its leader is a zombie, so that no other process can have its number.
 std::string Child_process::end(milliseconds by_itself) {
     if (!is_running()) {
         return "";

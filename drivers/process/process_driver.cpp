@@ -41,7 +41,7 @@ constexpr const char* PANEL_ENDS = "the panel ends";
 
 // A parameter of the menu.
 struct Spot {
-    std::string name;       // that the adapter knows
+    std::string name;       // the adapter's name
     std::string parameter;  // as the menu file names it
     Place place;            // only for the check, while the file is there
     bool is_text;
@@ -244,7 +244,7 @@ private:
 
     bool is_over(Time end) const { return m_connection.is_stopped() || Clock::now() >= end; }
 
-    // DONE while the connection stands.
+    // DONE while the connection is open.
     Driver_result state() const {
         if (m_connection.is_open()) {
             return Driver_result::done();
