@@ -132,7 +132,7 @@ Editor_change Number_editor::adapt() {
     if (!has_allowed_value()) {
         return Editor_change::NO_VALUE;
     }
-    // What the device holds is shown as it is until somebody turns it, also in a gap.
+    // The device's value is shown unchanged until a person turns the encoder, also in a gap.
     const bool is_between_bounds =
         edited().Get_min() <= m_proposed && m_proposed <= edited().Get_max();
     if (is_between_bounds && is_stored()) {

@@ -221,7 +221,7 @@ std::optional<Number_scale::Typed> Number_scale::value_of(const std::string& typ
                  shown && std::abs(*shown - number) <= CLOSE * std::max(1.0, std::abs(number))};
 }
 
-// Of a conversion that is no straight line, beyond its ends the next value stands for every number.
+// A conversion that is not linear cannot be continued: beyond its ends, every number is mapped to the next value.
 int Number_scale::nearest(double number) const {
     const Place& first = m_places.front();
     const Place& last = m_places.back();

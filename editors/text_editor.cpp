@@ -172,7 +172,7 @@ void Text_editor::turn(int direction) {
     m_text->Inc_value(change_of(working_text()[cursor()], direction), m_position);
 }
 
-// By a character on the side of the cursor, which stands on it afterwards.
+// Adds a character on the side of the cursor, which is on it afterwards.
 void Text_editor::widen(char character) {
     if (!has_room()) {
         return;
@@ -245,7 +245,7 @@ void Text_editor::remove() {
     m_position = std::max(BEHIND, m_position - size);
 }
 
-// The cursor stands behind what was typed. Places are counted from the right, so it stays on its character.
+// The cursor is behind the typed character. Places are counted from the right, so it stays on its character.
 void Text_editor::take_back() {
     const int before = length() - m_position - 2;
     if (before >= 0) {

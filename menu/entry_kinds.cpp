@@ -51,7 +51,7 @@ std::optional<std::string> show_slot(Data_entry& entry) {
     return text;
 }
 
-// Entries bring operations of their own that their base does not know.
+// `Commit` with an interface is an operation of each entry class, not of the base.
 template <typename Entry>
 int commit_value(Data_entry& entry, Data_interface& device) {
     return static_cast<Entry&>(entry).Commit(&device);

@@ -80,7 +80,7 @@ bool has_key(Enum_entry& entry, int key) {
            (offered.empty() || std::find(offered.begin(), offered.end(), key) != offered.end());
 }
 
-// The keys that the entry offers as it stands.
+// Whether the entry offers the key now.
 bool shows_key(Enum_entry& entry, int key) {
     int first = 0;
     int last = 0;
@@ -166,7 +166,7 @@ std::string Write_gate::Refusal::text() const {
 
 // ---- judging
 
-// By the entry, or the parameter, that the person knows.
+// Named by the item on the display, or else by the parameter.
 Write_gate::Refusal Write_gate::refusal_of(const Wanted_value& wanted, std::string reason) const {
     for (Data_entry* const entry : m_menu.items_of(wanted.variable)) {
         const std::string name = m_menu.name_of(*entry);
@@ -335,7 +335,7 @@ Write_gate::Outcome Write_gate::write(const std::vector<Wanted_value>& values, H
         outcome.warnings = std::move(verdict.warnings);
         return outcome;
     }
-    // What could not be put back is not touched.
+    // A value that cannot be read could not be restored.
     for (const Wanted_value& wanted : values) {
         if (!read_value(m_menu.access(), wanted.variable, wanted.value.rt)) {
             return refused(refusal_of(wanted, why_unreadable(wanted.variable)));
@@ -352,7 +352,7 @@ Write_gate::Outcome Write_gate::write(const std::vector<Wanted_value>& values, H
     return outcome;
 }
 
-// In rounds, until all values stand.
+// In rounds, until the device holds all values.
 std::optional<Write_gate::Outcome> Write_gate::write_all(const std::vector<Wanted_value>& values,
                                                          Binding_settlement& settlement) {
     for (int round = 1;; ++round) {
@@ -384,7 +384,7 @@ std::optional<Write_gate::Outcome> Write_gate::write_all(const std::vector<Wante
     }
 }
 
-// As the device stands at this moment: it may have changed since the editor was drawn, or under a question.
+// By the device's present values: they may have changed since the editor, or a question, was drawn.
 std::string Write_gate::present_misfit(Data_entry& entry, const return_s& value) const {
     m_menu.bindings()->read_again(entry);
     const Rule_verdict verdict = m_menu.bindings()->judge(entry, {}).value_or(Rule_verdict());

@@ -17,7 +17,7 @@
 namespace frontpanel {
 
 struct Built_menu {
-    // An item that is no link, and stands in a menu.
+    // An item in a menu that is no link.
     struct Item {
         Data_entry* entry;
         Json_value item;
@@ -57,7 +57,7 @@ struct Built_menu {
     std::map<const Data_entry*, Place> rules;
     std::vector<Constant> constants;
     std::deque<Place> condition_texts;            // of all rules, each time they are compiled
-    std::set<const Data_entry*> allowed_circles;  // items whose author knows of a circle of limits
+    std::set<const Data_entry*> allowed_circles;  // items with "allow_circle"
     std::set<const Data_entry*> conditional;      // items that are shown at times only
 };
 

@@ -19,7 +19,7 @@ bool evaluates(const std::string& expression, int raw_value) {
     return evaluateExpression(source.data()) == 0;
 }
 
-// The parser sees a ';' behind the expression, which nobody has written.
+// The parser sees a ';' behind the expression that is not in the file.
 std::string reason(size_t offset, size_t size) {
     if (evalKernel_pcb.exit_flag == OUT_OF_STACK) {
         return "too deeply nested";

@@ -186,7 +186,7 @@ std::pair<int32_t, int32_t> own_bounds_of(const Load_context& context, const Dat
     return own == nullptr ? std::pair(any.min, any.max) : std::pair(own->min, own->max);
 }
 
-// What a rule asks for in vain, or what nobody can give it.
+// Reports a rule without effect on the entry, and values that the entry or the parameter cannot have.
 void check_rule(const Load_context& context, const Rule_source& source, const Rule_note& note,
                 const Data_entry& entry, std::optional<Bounds> bounds) {
     const Entry_kind& kind = kind_of(entry);
@@ -206,7 +206,8 @@ void check_rule(const Load_context& context, const Rule_source& source, const Ru
     }
 }
 
-// A reading beyond a limit is shown, and written, as the limit, though nobody can change it.
+// A reading beyond a limit would be replaced by the limit, on the display and in the device, although the item is
+// read-only.
 void warn_of_limited_reading(const Rule_source& source, const std::vector<Rule_note>& notes,
                              const Data_entry& entry, Problems& problems) {
     const auto of_kind = [&notes](Suggestion_kind kind) {
@@ -224,7 +225,7 @@ void warn_of_limited_reading(const Rule_source& source, const std::vector<Rule_n
         problems);
 }
 
-// Where the rules stand, for what is reported of them while the menu is used: the document is gone by then.
+// The places of the rules, for faults while the menu is used: the document no longer exists then.
 Rule_places places_of(Load_context& context, const Rule_source& source,
                       const std::vector<size_t>& offsets) {
     const Place& whole = source.value.place();

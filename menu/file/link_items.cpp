@@ -11,7 +11,7 @@
 namespace frontpanel {
 namespace {
 
-// A link to an item that it owns. The library knows what it owns by a name of its own, which no person is to read.
+// A link to an item that it owns. The library recognises such an item by a fixed name, which must not be shown.
 class Bridge_link : public Link_entry {
 public:
     Bridge_link(Data_entry* housed, std::string name)

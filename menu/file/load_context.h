@@ -1,7 +1,7 @@
 // What the builders of items share while a menu file is loaded.
 //
-// Work goes on behind whatever is wrong, so that all of it is reported at once: what cannot be read stands for
-// something that can, and an item that cannot be built is left out.
+// Loading continues after an error, so that all errors are reported at once: a value that cannot be read is replaced by
+// a valid one, and an item that cannot be built is left out.
 #ifndef FRONTPANEL_MENU_LOAD_CONTEXT_H
 #define FRONTPANEL_MENU_LOAD_CONTEXT_H
 

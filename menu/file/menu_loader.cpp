@@ -52,7 +52,7 @@ void load_root(Load_context& context, const Json_value& menu) {
     build_node(context, menu, {nullptr, 0});
 }
 
-// Circles of writes alone are errors: all else is warned of, which nobody sees of a menu without errors unless asked for.
+// Only circles of writes are errors. The other checks only warn, and are skipped when nobody reads the warnings.
 void check(const Load_context& context) {
     const Built_menu& built = context.built;
     Problems& problems = context.problems;

@@ -151,7 +151,7 @@ void build_range(Load_context& context, const Json_value& item, const Spot& spot
     check_bound(item, member::MIN, bounds.min, parameter);
     check_bound(item, member::MAX, bounds.max, parameter);
     std::optional<Json_value> ranges = item.find(member::RANGES);
-    // A limit of a reading that nobody can change would show, and write, the limit in place of the reading.
+    // A limit would replace the reading of a read-only item, on the display and in the device.
     if (is_only_shown(item, leaf.access)) {
         bounds = limits_of(parameter);
         ranges.reset();

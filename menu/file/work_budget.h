@@ -21,7 +21,7 @@ public:
     // `problems` outlives the budget.
     explicit Work_budget(Problems& problems) : m_problems(problems) {}
 
-    // Takes steps for what stands at `place`; the outermost attempt of the problems ends when none are left.
+    // Takes steps for the part at `place`; the outermost attempt of the problems ends when none are left.
     // Requires: inside an attempt.
     void take(const Place& place, size_t steps);
     void take_comparisons(const Place& place, size_t comparisons);
