@@ -34,7 +34,7 @@ constexpr int FORBIDDEN = 403;
 constexpr int NOT_FOUND = 404;
 constexpr int UNAVAILABLE = 503;
 
-// A card knows its requests by these exact times.
+// Cards expect exactly these times in requests.
 constexpr const char* GET_TIME = "1480088766084";
 constexpr const char* SET_TIME = "1481650582406";
 
@@ -217,7 +217,7 @@ private:
 };
 
 Card_service::Server::Server(int port) try : m_http(port, *this) {
-    // Whoever reads what the process writes may be gone: that is the writer's to notice.
+    // A client may close its connection at any time: the failed write reports it.
     std::signal(SIGPIPE, SIG_IGN);
 } catch (const std::runtime_error& error) {
     throw std::runtime_error(std::string("the card service ") + error.what());
@@ -373,7 +373,7 @@ Http_answer Card_service::Server::send_document(const Http_request& request, Fau
     return {OK, gzip(text), "application/gzip"};
 }
 
-// Whether a page of somebody else made a browser of this machine send it, or a name that was made to lead here did.
+// Whether a web page of another origin, or a host name that was made to point here, made a browser send the request.
 bool Card_service::Server::is_foreign(const Http_request& request) const {
     const std::string port = ":" + std::to_string(m_http.port());
     const auto is_ours = [&port](const std::string& place, const std::string& lead) {

@@ -291,7 +291,7 @@ void Http_service::displace_one() {
     });
     const auto displaced = oldest != m_clients.end() ? oldest : m_clients.begin();
     if (displaced == m_clients.end()) {
-        // The descriptors are somebody else's.
+        // Other parts of the process use all descriptors: try again later.
         constexpr int SOME_TIME_MS = 100;
         poll(nullptr, 0, SOME_TIME_MS);
         return;

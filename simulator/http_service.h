@@ -1,7 +1,7 @@
 // A small HTTP service on loopback: whole requests in, whole answers out, one request a connection.
 //
-// One thread serves all clients and waits for none of them, so that a client that is idle or slow holds up nobody. What
-// clients send costs a bounded amount of memory.
+// One thread serves all clients and waits for none of them, so that an idle or slow client does not delay others. The
+// memory for requests is bounded.
 #ifndef FRONTPANEL_SIMULATOR_HTTP_SERVICE_H
 #define FRONTPANEL_SIMULATOR_HTTP_SERVICE_H
 

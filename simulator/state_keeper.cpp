@@ -45,7 +45,7 @@ State_keeper::~State_keeper() {
     try {
         finish();
     } catch (const std::exception&) {
-        // A caller who needs to know calls `finish` first.
+        // A caller that handles errors calls `finish` first.
     }
 }
 
