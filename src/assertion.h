@@ -9,7 +9,7 @@ namespace assertion {
 
 }  // namespace assertion
 
-// FRONTPANEL_ASSERT(condition, text): `text` is the condition as callers know it, printed as it stands.
+// FRONTPANEL_ASSERT(condition, text): `text` is the documented form of the condition, and is printed unchanged.
 #define FRONTPANEL_ASSERT(condition, text)               \
     (static_cast<bool>(condition) ? static_cast<void>(0) \
                                   : ::assertion::fail((text), __FILE_NAME__, __LINE__, __func__))

@@ -1,5 +1,5 @@
-// The type dispatcher: one table tells which steps there are, in which order they run, and which types
-// perform them. A new type adds its bit to the rows it takes part in, or rows of its own.
+// The type dispatcher: one table lists the steps, the order in which they run, and the types that perform them.
+// A new type adds its bit to rows, or adds rows of its own.
 #include <cstdint>
 #include <cstdio>
 #include <iterator>
@@ -210,7 +210,7 @@ bool pass_line_info(Call& call) {
 }
 
 // Rows run from top to bottom, whatever the value of their bits. The editor opens last, so that one call can
-// refresh an entry, tell its editor what it needs to know and open it.
+// refresh an entry, prepare its editor and open it.
 constexpr Step STEPS[] = {
     {Entry::OPERATION_REFRESH, ALL_BUT_LINKS, refresh},
     {Entry::OPERATION_REFRESH, LINK, operate_on_housed},

@@ -133,7 +133,7 @@ int Data_entry::Get_bind_vis() {
     if (binding != nullptr && binding->suggestionUpdated(SUGGESTION_VISIBILITY)) {
         int suggested = VIS_FALSE;
         binding->getSuggestion(SUGGESTION_VISIBILITY, &suggested);
-        // The suggestion is not cleared, so that whoever asks next sees it as well.
+        // The suggestion is not cleared, so that the next caller sees it as well.
         cached_bind_vis = suggested < 1 ? static_cast<int>(VIS_FALSE) : suggested;
         ENTRY_LINE(BINDING_VISIBILITY, FUNCTION_ONLY, "Get_bind_vis",
                    "new vis suggestion. vis=[%d]\n", cached_bind_vis);

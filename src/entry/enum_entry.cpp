@@ -1,5 +1,5 @@
-// Enumerated entries: construction, value, stepping, display and commit. Which options are visible stands in
-// enum_controls.cpp, options that come from a card in enum_live_data.cpp.
+// Enumerated entries: construction, value, stepping, display and commit. See enum_controls.cpp for the visible
+// options, and enum_live_data.cpp for options that come from a card.
 #include <frontpanel_data/enum_entry.h>
 
 #include <algorithm>
@@ -84,7 +84,7 @@ Enum_entry::Enum_entry(const char* name, const char* description, unsigned int p
     Data_entry::Set_access_type(access);
 }
 
-// The texts are left alone: whoever asked for them last may still show them.
+// The texts are not freed: the application may still show them.
 Enum_entry::~Enum_entry() = default;
 
 std::string Enum_entry::getProperties(int flags) {
@@ -183,8 +183,8 @@ void Enum_entry::index_positions() {
     }
 }
 
-// `NO_KEY` when only a search can tell. A class of the application may have written the map by itself: then a key may
-// have another position by now.
+// `NO_KEY` when a search is necessary. A class of the application may have written the map itself, so that a key has
+// another position now.
 int Enum_entry::first_key_at(int position) {
     const bool is_current =
         m_keys_by_position != nullptr && m_keys_by_position->map_size == map_enum_to_options.size();
@@ -436,7 +436,7 @@ void Enum_entry::leave_hidden_option(Data_interface* pDataAccessInf) {
 
 // The key is taken as the device stores it, allowed or not, and gets position 0 if it has none. Intended: a
 // device that stores a key of its own keeps it until the user selects another. A negative number is no key
-// and gets no place in the map: it would stand before the first option and make that impossible to select.
+// and gets no place in the map: it would come before the first option and make that impossible to select.
 int Enum_entry::position_of_stored(int key) {
     return key < 0 ? 0 : map_enum_to_options.try_emplace(key, 0).first->second;
 }

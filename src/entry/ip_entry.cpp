@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::size_t BLOCK_LENGTH_MAX = 3;
 
-// A decimal number that prints back the same: this refuses leading zeros, a plus sign and letters, and
-// accepts a minus sign on purpose, as callers know it.
+// A decimal number that prints back the same: this refuses leading zeros, a plus sign and letters. A minus sign
+// is accepted on purpose, since callers depend on it.
 bool valid_block(const char* block) {
     if (std::strlen(block) > BLOCK_LENGTH_MAX) {
         return false;

@@ -1,5 +1,5 @@
-// A link's construction and what it answers itself. What it forwards stands in link_forwarding.cpp, its
-// neighbours and mounted menus in link_navigation.cpp, its toggle in link_toggle.cpp.
+// A link's construction and its own operations. See link_forwarding.cpp for those that it forwards,
+// link_navigation.cpp for neighbours and mounted menus, and link_toggle.cpp for the toggle.
 #include <frontpanel_data/link_entry.h>
 
 #include <algorithm>
@@ -50,7 +50,7 @@ std::string display_name_of(const Data_entry& entry) {
         return name;
     }
     const std::string prefix = prefix_of(entry, index->m_index_num);
-    // The text for a name that does not fit is intended: panels know it as the mark of an over-long name.
+    // "(null)" for a name that does not fit is intended: panels recognise it as the mark of an over-long name.
     return prefix + (prefix.size() + name.size() <= JOINED_LENGTH ? name : "(null)");
 }
 
@@ -160,8 +160,8 @@ int Link_entry::toggle_visibility() {
 
 int Link_entry::visibility(int toggle_vis, bool housed_is_visible) const {
     const int vis_link_entry = housed_is_visible ? VIS_TRUE : VIS_FALSE;
-    // The link's own flag is told, also as the outcome, but decides nothing. Intended: it belongs to the
-    // application, which asks for it by `Set_visible(bool)`.
+    // The link's own flag is printed, also as the outcome, but has no effect. Intended: it belongs to the
+    // application, which sets it by `Set_visible(bool)`.
     LEAF_LINE(LINK_VISIBILITY, FUNCTION_FIRST, "isVisible",
               "name[%s] toggle_vis[%d] && link_visible[%d] && link_entry->isVisible()[%d]   =  "
               "[%d]\n",

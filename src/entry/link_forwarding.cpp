@@ -126,7 +126,7 @@ int Link_entry::Print_binding_errors() {
     return housed().Print_binding_errors();
 }
 
-// Crossed on purpose: a panel that asks a link what its binding suggests wants to know why it does not.
+// Prints errors instead of suggestions on purpose: panels call it to find out why a binding suggests nothing.
 void Link_entry::Print_suggestions() {
     housed().Print_binding_errors();
 }

@@ -191,7 +191,7 @@ int Link_entry::CheckToggleState() {
     if (expression == ALWAYS_OFF || !put_in_values(expression)) {
         return 0;
     }
-    // The line is left open: what the evaluator tells about a failure ends up beside the expression.
+    // The line is left open, so that the evaluator's report of a failure follows the expression.
     LEAF_LINE(LINK_VISIBILITY, FUNCTION_FIRST, "CheckToggleState",
               "entry[%s] toggle expression [%s] -> [%s]", link_name, toggle_expression.c_str(),
               expression.c_str());

@@ -226,7 +226,7 @@ bool Format::is_usual() const {
 }
 
 std::string_view Format::print(double value, std::size_t limit, Buffer& buffer) const {
-    // Processors differ in the sign of not-a-number, and "-nan dB" tells a user nothing.
+    // Processors differ in the sign of not-a-number, and "-nan dB" means nothing to a user.
     if (std::isnan(value)) {
         value = 0;
     }

@@ -16,8 +16,8 @@ struct Storage {
     number_format::Buffer formatted;
 };
 
-// The text that shows `value`, at most `limit` characters, as the constructor of `Range_entry` tells. It
-// refers to `display_format` or to `storage`. Allocates nothing, but for rare conversions and long expressions.
+// The text that shows `value`, at most `limit` characters, as documented at the constructor of `Range_entry`. It
+// refers to `display_format` or to `storage`. Allocates only for rare conversions and long expressions.
 std::string_view text_of(int value, const std::string& display_format,
                          const std::string& value_format, std::size_t limit, Storage& storage);
 

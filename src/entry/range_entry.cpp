@@ -153,7 +153,7 @@ int Range_entry::Set_value(const void* buffer, unsigned int length) {
     if (Data_entry::Set_value(buffer, length) != OK) {
         return ERROR;
     }
-    // The model copies whatever it is told to: a longer value would run over its bounds.
+    // The model copies as many bytes as it is given: a longer value would overwrite its bounds.
     return m_model.Set(buffer, std::min<unsigned int>(length, sizeof(int)));
 }
 

@@ -132,7 +132,7 @@ int Slot_enum_entry::Refresh(Data_interface* pDataAccessInf, bool eval_binding) 
 int Slot_enum_entry::Refresh(Data_interface* pDataAccessInf, bool eval_binding, int selected,
                              int selected_line, bool /*use_line_info*/) {
     const int local = static_cast<int>(m_model.Get_varidx());
-    // The values stand behind other labels than their own. Intended: log readers know the line so.
+    // The values have the labels of other ones. Intended: readers of logs depend on the line.
     ENTRY_LINE(REFRESH, FILE_FIRST, "Refresh", "selected=[%d] selected_line=[%d]local=[%d]\n",
                local, selected, selected_line);
     refresh_address(pDataAccessInf, eval_binding);

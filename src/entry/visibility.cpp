@@ -167,7 +167,7 @@ private:
         ask(*asked.below, asked.refresh);
     }
 
-    // What is stored differs on purpose: only a walk that reached the end knows about all children.
+    // The stored results differ on purpose: only a walk that reached the end has asked all children.
     void ask_next_sibling(Asked& asked) {
         for (;;) {
             asked.below = neighbours::next(asked.below);

@@ -35,7 +35,7 @@ enum class Number_end { COMPLETE, NO_DIGIT, NO_EXPONENT };
 // The value is that of doubles added up digit by digit. As long as every step is exact, integers have the
 // same value and are faster.
 inline double read_integer_part(unsigned char*& at) {
-    constexpr int EXACT_DIGITS = 15;  // any integer of so many digits is a double
+    constexpr int EXACT_DIGITS = 15;  // a double represents every integer with 15 digits
     unsigned long long exact = 0;
     int digits = 0;
     for (; is_digit(*at) && digits < EXACT_DIGITS; ++digits)

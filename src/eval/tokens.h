@@ -94,7 +94,7 @@ inline constexpr Characters IN_NAME = name_characters();
 
 }  // namespace tables
 
-// Tells letters, digits and underscores without asking the locale.
+// Whether the character is a letter, a digit or an underscore, in any locale.
 inline bool is_name_character(unsigned char c) {
     return tables::IN_NAME[c] != 0;
 }

@@ -1,4 +1,4 @@
-// How the live-data classes report: the file stands first in every line.
+// The diagnostic lines of the live-data classes, which begin with the file.
 #ifndef FRONTPANEL_DATA_SRC_LIVEDATA_LIVE_DATA_LINES_H
 #define FRONTPANEL_DATA_SRC_LIVEDATA_LIVE_DATA_LINES_H
 
@@ -21,7 +21,7 @@
     } while (false)
 
 // LIVE_FAILURE(lead, operation, format, ...): a line on standard output whatever `debug` holds. The lead is
-// "Error:" or "Error: ": both are in use, and whoever reads the output knows each line by its own.
+// "Error:" or "Error: ": both are in use, and readers of the output depend on them.
 #define LIVE_FAILURE(lead, operation, ...)                                                   \
     do {                                                                                     \
         ::diagnostics::write_text(::diagnostics::UNCONDITIONAL, "%s", (lead));               \

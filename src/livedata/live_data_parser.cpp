@@ -114,11 +114,11 @@ void report_unopened(const char* name) {
 void report_unparsed(const char* name) {
     std::snprintf(message, sizeof message, "Could not parse JSON file \"%s\"\n", name);
     LIVE_TEXT("Could not parse JSON file \"%s\"\n", name);
-    // Unlike the line above, this one has always stood in the system log without a place.
+    // Unlike the line above, this one has no place in the source: readers of the system log depend on that.
     syslog(LOG_ERR, "Could not parse JSON file \"%s\"\n", name);
 }
 
-// Without waiting: the name may be that of a FIFO, which nobody writes to.
+// Without waiting: the name may be that of a FIFO without a writer.
 File open_for_reading(const char* name) {
     const int descriptor = open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     std::FILE* const file = descriptor >= 0 ? fdopen(descriptor, "r") : nullptr;

@@ -22,7 +22,7 @@ struct Command {
     bool usable = true;
 };
 
-// `allowed` tells whether everything that goes into the command may stand there.
+// `allowed` is false when an argument must not become part of a command.
 __attribute__((format(printf, 2, 3))) Command compose(bool allowed, const char* format, ...) {
     Command command;
     va_list arguments;
@@ -101,7 +101,7 @@ int take_tree(LiveJSDataParser& parser, char*** buffer, uint32_t* selection, uin
     if (list != nullptr) {
         LIVE_FAILURE("Error: ", "getData", "Error in getting tree dlistStruct[%p] \n",
                      static_cast<void*>(list));
-        // Intended: the card answered, and a caller tells an empty tree by its null array.
+        // Intended: the card answered, and a caller recognises an empty tree by its null array.
         return 0;
     }
     LIVE_FAILURE("Error: ", "getData", "Error in getting dynamic json tree data\n");

@@ -61,8 +61,8 @@ bool is_utf8(const char* text) {
     return true;
 }
 
-// Only by its number may a character be escaped: some echo commands read "\n", "\\" and the like, none
-// reads "\u" without being told to.
+// Characters are escaped by their numbers: some echo commands interpret "\n", "\\" and the like, but none
+// interprets "\u" without an option.
 void append_escaped(char c, std::string& out) {
     char text[8];
     std::snprintf(text, sizeof text, "\\u%04x", static_cast<unsigned char>(c));

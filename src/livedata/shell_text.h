@@ -1,4 +1,4 @@
-// What may stand in a shell command: the tests that keep a card's or a caller's text from being executed.
+// Tests for the texts in a shell command, so that no text of a card or a caller is executed.
 #ifndef FRONTPANEL_DATA_SRC_LIVEDATA_SHELL_TEXT_H
 #define FRONTPANEL_DATA_SRC_LIVEDATA_SHELL_TEXT_H
 

@@ -26,7 +26,7 @@ bool cmp_var_index_t::operator()(const var_index_s& left, const var_index_s& rig
     if (left.index.m_index_num != right.index.m_index_num) {
         return left.index.m_index_num < right.index.m_index_num;
     }
-    // Two levels only, as the device supports: deeper ones do not tell keys apart.
+    // Only two levels, as the device supports: deeper ones do not distinguish keys.
     for (int level = 0; level < 2; ++level) {
         if (left.index.m_index[level] != right.index.m_index[level]) {
             return left.index.m_index[level] < right.index.m_index[level];

@@ -1,4 +1,4 @@
-// Nobody reads objects of this unit.
+// This unit needs only the classes.
 #define FRONTPANEL_DATA_WITHOUT_MESSAGE_OBJECTS
 #include <frontpanel_data/front_panel_messages.h>
 
