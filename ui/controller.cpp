@@ -112,8 +112,8 @@ void Controller::press_meant(const Key& key) {
     settle_and_show();
 }
 
-// Not while the log is read: what the library prints would be added to it. Nor while something is told or asked
-// about an edited value: a refresh would take it away.
+// Not while the log is shown: the library's lines would be added to it. Nor during a notice or a question about an
+// edited value: a refresh would remove it.
 bool Controller::is_free() const {
     const bool is_reading = m_log && m_log->is_open();
     return !is_reading && (m_notices.empty() || !m_editing.is_open());
@@ -134,7 +134,7 @@ void Controller::tell_circle(const Binding_settlement& settled) {
     }
 }
 
-// One rule may stand in thousands of entries.
+// Thousands of entries may have the same rule.
 void Controller::tell_fault(const Rule_fault& fault) {
     if (!fault.is_notable()) {
         return;

@@ -1,7 +1,7 @@
 // The panel's front without its hardware: messages of keys in, frames out.
 //
-// Shows the list of one menu, an open editor, or a notice that stays until a key acknowledges it. Knows no
-// terminal and no clock: its owner presses keys, lets time pass with `tick`, and draws.
+// Shows the list of one menu, an open editor, or a notice that stays until a key acknowledges it. Uses no
+// terminal and no clock: its owner passes keys, calls `tick`, and draws.
 #ifndef FRONTPANEL_UI_CONTROLLER_H
 #define FRONTPANEL_UI_CONTROLLER_H
 
@@ -29,7 +29,7 @@ public:
     // Shows the menu below `root`. Menu and device outlive the controller.
     Controller(Data_entry& root, const Device_link& device, Lcd_size size);
 
-    // Puts a homescreen and favourites beside the menu, and goes to the top. What stands in `home` outlives the
+    // Adds a homescreen and favourites to the menu, and goes to the top. The entries in `home` outlive the
     // controller.
     void show_home(const Home& home) { m_navigation.show_home(home); }
     // How the encoder works, and which entries are edited in their own way; null for none. The table outlives
@@ -45,8 +45,8 @@ public:
     }
     void set_clock(Editing::Clock clock) { m_editing.set_clock(std::move(clock)); }
 
-    // Does what the message of a key stands for. When nobody has touched the panel for a while, it goes back to
-    // the top menu, and an edited value is dropped. Any other message, and a damaged one, is ignored.
+    // Handles the message of a key. The message of an idle panel leads back to the top menu, and drops an edited
+    // value. Any other message, and a damaged one, is ignored.
     void receive(const FrontPanel::Message& message);
     // Takes all that waits.
     void receive(Message_queue& messages);
@@ -84,7 +84,7 @@ public:
     void tell_device(const std::string& title, const std::string& text) {
         m_notices.tell_once(title, text, true);
     }
-    // Shows a text of the binding engines, such as a warning about a value, when the panel next stands still.
+    // Shows a text of the binding engines, such as a warning about a value, as soon as the panel is free.
     void warn(const std::string& text) { m_editing.warn(text); }
 
 private:
@@ -111,7 +111,7 @@ private:
     bool m_has_rest = false;
     Notices m_notices;
     Navigation m_navigation;
-    Data_entry* m_edited = nullptr;  // as it stands in the menu: a link, or the edited entry itself
+    Data_entry* m_edited = nullptr;  // the entry in the menu: a link, or the edited entry itself
     Key::Kind m_key = NO_KEY;        // that is just being pressed
     bool m_is_reversed = false;
     Editing m_editing;

@@ -17,10 +17,10 @@ class Write_gate;
 
 struct Device_link {
     Data_interface& access;
-    // Through which every value of a person goes.
+    // Checks and writes every value of a person.
     Write_gate& gate;
-    // Whether the last read of the entry's parameter failed. The entry's own refresh cannot tell: it reports
-    // a failed read and a corrected value alike.
+    // Whether the last read of the entry's parameter failed. The entry's own refresh does not show that: it returns
+    // the same for a failed read and a corrected value.
     std::function<bool(const Data_entry&)> read_failed;
     // Whether the list of its menu shows the entry: see listing.h. Does not read its value.
     std::function<bool(Data_entry&)> is_listed;
@@ -28,11 +28,11 @@ struct Device_link {
     std::function<std::optional<Value_state>(const Data_entry&)> state;
     // Whether an address belongs to the device's network, so that it may be asked for an answer.
     std::function<bool(const std::string&)> may_probe;
-    // Whether a choice can be posted to a card. The entry's own commit cannot tell.
+    // Whether a choice can be posted to a card. The entry's own commit does not report that.
     std::function<bool()> may_post;
-    // Asks the device for what the rules of the menu depend on: for so many parameters, in turns.
+    // Reads the parameters of the menu's rules from the device: at most this many in a call, in turns.
     std::function<void(std::size_t)> poll;
-    // Brings every entry up to date with what was read and written since; so many of them, in turns.
+    // Refreshes the entries that depend on what was read and written since: at most this many in a call, in turns.
     std::function<Binding_settlement(std::size_t)> settle;
 };
 

@@ -41,7 +41,7 @@ bool Session::may_end(std::function<void()> ends, Time now) {
     return may_end;
 }
 
-// No message stands for what a keyboard types.
+// There is no message for a character that a keyboard types.
 bool Session::types(char character) const {
     return !m_dim && character != '\0' &&
            m_controller.characters().find(character) != std::string::npos;

@@ -1,5 +1,5 @@
-// One person's time at the panel: stands between the keys and the controller, and lets the panel go home, dim
-// and lock when nobody is there.
+// One person's session at the panel, between the keys and the controller: returns to the homescreen, dims and locks
+// the panel when no key is pressed.
 //
 // The settings and requests of the application travel with the device's interface: `time_for_timeout` are the
 // seconds without a key after which the panel goes home, dims and locks, 0 for never; `go_home` and

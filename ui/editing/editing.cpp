@@ -137,8 +137,8 @@ std::string Editing::reach_of(Data_entry& entry) const {
     return Data_entry::isRemoteConnected(text.data()) ? "online" : "offline";
 }
 
-// What stands beside the title. An option of a tree has an asterisk for each level above it, which needs words; while
-// it scrolls, its beginning is not always to be seen.
+// The text beside the title. An option of a tree has an asterisk for each level above it, which is hard to count, and
+// not always visible while the option scrolls.
 std::string Editing::note_of(const Editor_view& shown) {
     constexpr int TREE = 1;  // as `getWebTypeAsInt` returns it
     if (!is_live(entry()) || static_cast<Enum_entry&>(entry()).getWebTypeAsInt() != TREE) {
@@ -259,7 +259,7 @@ void Editing::perform(Editor_result result) {
     }
 }
 
-// Tells why a value was not written.
+// Shows the reason when a value was not written.
 bool Editing::write() {
     const Write_gate::Outcome outcome = m_device.gate.commit(entry());
     if (outcome.result == Write_gate::Result::REFUSED) {

@@ -1,7 +1,7 @@
 // Changes one value at a time: opens the editor of an entry, hands it the keys, writes what it accepts.
 //
-// Knows nothing of lists and menus: whoever owns it says what to edit, and is told when the editor closes. The
-// editor stays on its entry while the entry changes: what is not allowed any longer is not proposed any longer.
+// Independent of lists and menus: its owner opens an entry, and is called when the editor closes. The editor stays on
+// its entry while the entry changes: a value that is no longer allowed is no longer proposed.
 #ifndef FRONTPANEL_UI_EDITING_H
 #define FRONTPANEL_UI_EDITING_H
 
@@ -36,10 +36,10 @@ public:
 
     // For the editors that open from now on. The table outlives the editing; null for none.
     void configure(const Encoder_settings& encoder, const Editor_settings_table* entries);
-    // Tells how quickly keys follow one another. Without a clock every key comes late.
+    // The clock for the speed of the encoder. Without a clock every turn counts as slow.
     void set_clock(Clock clock) { m_clock = std::move(clock); }
-    // Called when warnings that the engines have raised already are to come again: another edit begins, or the
-    // person does not want the value.
+    // `arm` makes the engines raise earlier warnings again; it is called when another edit begins, or when the person
+    // declines a value.
     void set_warning_armer(std::function<void()> arm) { m_arm = std::move(arm); }
 
     // Called with what the rules did after a preset was loaded.
@@ -47,8 +47,8 @@ public:
         m_settled = std::move(listener);
     }
 
-    // Opens the entry's editor, or tells why there is nothing to edit. An entry that cannot be changed is shown.
-    // It goes by the name of the place where it is shown.
+    // Opens the entry's editor, or shows why there is nothing to edit. An entry that cannot be changed is only viewed.
+    // `name` is its name in the menu where it was opened.
     void open(Data_entry& entry, const std::string& name);
     void open(Data_entry& entry) { open(entry, entry.Get_name()); }
     bool is_open() const { return m_editor != nullptr; }
@@ -70,7 +70,7 @@ public:
     void follow();
     // Whether closing now would lose what was edited.
     bool has_changes() const { return is_open() && m_editor->has_changes(); }
-    // Closes the editor with the old value, whatever it is asking; and tells why.
+    // Both close the editor with the old value, also during a question; `end` shows the reason.
     void drop();
     void end(const std::string& reason);
     // Draws the open editor.

@@ -18,7 +18,7 @@ void tell(Data_entry& entry, Selection* selection, int step, Value value) {
     Data_entry::EntryTypeSpecificOperation(&entry, nullptr, selection, false, step, &specific);
 }
 
-// An editor has one line, so the option that it opens on stands on its first.
+// An editor has one line, so the option that it opens with is on its first.
 void tell_line(Data_entry& entry, Selection* selection) {
     int32_t option = 0;
     entry.Get_value(&option, sizeof option);

@@ -13,7 +13,7 @@ namespace {
 using FrontPanel::Message;
 using FrontPanel::PayloadMessage;
 
-constexpr int NO_BUTTON = FrontPanel::BYTE_MASK;  // the shortcut that nobody pushed
+constexpr int NO_BUTTON = FrontPanel::BYTE_MASK;  // in the shortcut message of an idle panel
 constexpr int LAST_BUTTON = NO_BUTTON - 1;
 
 Message_pointer shaft_message(int8_t steps) {

@@ -24,7 +24,7 @@ public:
     void open(const Menu_step& menu, Data_entry* cursor, bool has_title = true);
     // Shows the menu's values alone, without a cursor, until it is woken or opened; `text` while there are none.
     void rest(const std::string& text);
-    // Brings the cursor out when there is anything to stand on.
+    // Shows the cursor when the list has an entry.
     void wake() { m_is_at_rest = m_visible.empty(); }
     bool is_at_rest() const { return m_is_at_rest; }
     // Finds the visible entries of the menu, and reads the values that were drawn last. If the entry at the cursor is

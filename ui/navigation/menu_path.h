@@ -19,7 +19,7 @@ struct Menu_step {
 
 class Menu_path {
 public:
-    // Links can lead round in circles; nobody finds the way back from farther down.
+    // Links can form circles, so the depth is limited.
     static constexpr size_t DEEPEST = 100;
 
     enum class Entered { YES, NOTHING_THERE, TOO_DEEP };

@@ -1,8 +1,8 @@
-// The ways of the panel through its menus: what is shown, what a key leads to, and where the panel goes back to.
+// Navigation through the menus: what is shown, where a key leads, and where the panel returns to.
 //
-// At the top stands the homescreen when there is one, else the menu. On the homescreen SELECT opens the menu; the
-// encoder brings out a cursor, with which SELECT opens what it stands on, and BACK puts it away. At the top BACK does
-// nothing. FAVOURITES opens the favourites over any menu, and BACK leads from them to where it was pressed.
+// The top is the homescreen if there is one, else the menu. On the homescreen SELECT opens the menu. The encoder shows
+// a cursor there: SELECT then opens the item at the cursor, and BACK hides the cursor. At the top BACK does nothing.
+// FAVOURITES opens the favourites over any menu, and BACK returns from them to where it was pressed.
 //
 // What was opened by a link is left to the link's own place. `LINK_SKIP` leaves to the place of what the link
 // houses instead, and an escape node goes before both: `ESCAPE_SELECT` is where the panel goes after a value was
@@ -22,7 +22,7 @@
 
 namespace frontpanel {
 
-// What stands beside the menu. Null for none.
+// The menus beside the top menu. Null for none.
 struct Home {
     Data_entry* homescreen = nullptr;
     Data_entry* favourites = nullptr;
@@ -42,8 +42,8 @@ public:
 
     // Moves, leaves and jumps; other keys do nothing.
     void press(const Key& key);
-    // Opens the menu under the cursor, or delivers the entry there, as it stands in the menu, for editing. Null
-    // when there is nothing to edit.
+    // Opens the menu at the cursor, or returns the entry there for editing: a link, or the entry itself. Null when
+    // there is nothing to edit.
     Data_entry* select();
     // After an entry was edited that `select` delivered: goes to where it leads. The key that ended editing is
     // SELECT or BACK; any other, when it ended by itself.

@@ -80,7 +80,7 @@ private:
     std::istringstream m_words;
 };
 
-// What stands up to the closing mark; the opening one has been read.
+// The text up to the closing mark; the opening one has been read.
 std::string Line::marked(char closing) {
     std::string text;
     std::getline(m_words, text, closing);
@@ -90,8 +90,8 @@ std::string Line::marked(char closing) {
     return text;
 }
 
-// "100", "100.1" or "100.1.2": the parameter id and up to two index levels. A name stands as it is, or with blanks in it
-// in brackets, as in rules, or in quotation marks; so does an address in brackets.
+// "100", "100.1" or "100.1.2": the parameter id and up to two index levels, also in brackets. A name is written as it
+// is; one with blanks in brackets, as in rules, or in quotation marks.
 Parameter_name Line::parameter() {
     constexpr const char* EXPECTED = "expected a parameter such as 100, 100.1.2, level or [gain 1]";
     if (at_end()) {

@@ -75,7 +75,7 @@ int Script_player::play(const Script& given) {
     return failures;
 }
 
-// A name keeps standing for its address in messages.
+// Messages still use the name of an address that was given by name.
 void Script_player::resolve(const Script& script, Step& step) const {
     const bool names_one =
         step.kind == Step::EXPECT_WRITE || step.kind == Step::FAIL || step.kind == Step::SET;

@@ -12,7 +12,7 @@ constexpr int TITLE_ROW = 0;
 constexpr int TEXT_ROW = 1;
 constexpr int LEAST_ROWS_WITH_TITLE = 3;
 constexpr const char* QUESTION_MARK = "ok?";
-constexpr size_t MOST_TOLD = 5;  // that wait, of those that are told once
+constexpr size_t MOST_TOLD = 5;  // waiting notices of `tell_once`
 constexpr const char* MORE_TITLE = "Device";
 constexpr const char* MORE = "more: see the log";
 
@@ -105,7 +105,7 @@ void Notices::cancel() {
     }
 }
 
-// The keys stand there whole, with a comma where there is room for one.
+// The names of the keys are not cut; a comma separates them if there is room.
 void Notices::draw_keys(Lcd& lcd) {
     const int columns = lcd.size().columns;
     const bool has_both = !m_accepting.empty() && !m_cancelling.empty();

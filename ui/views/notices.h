@@ -30,9 +30,9 @@ public:
     // Shows texts one by one, at least one, with the keys that answer. SELECT goes on to the next and accepts with the
     // last, BACK cancels at any; no other key does anything. The answer is given once.
     void ask(const std::string& title, const std::vector<std::string>& texts, Answer answer);
-    // How questions name the keys of the display that answer; an empty name is left out. Those of a keyboard until then.
+    // The names of the keys that answer questions; an empty name is left out. The default is those of a keyboard.
     void set_keys(const std::string& accepting, const std::string& cancelling);
-    // Cancels every question; what is only told stays.
+    // Cancels every question; other notices stay.
     void cancel();
     // Whether none is shown.
     bool empty() const { return m_notices.empty(); }
@@ -48,7 +48,7 @@ public:
 private:
     struct Notice {
         std::string title;
-        std::string told;  // the text, as `tell_once` got it
+        std::string told;  // the text given to `tell_once`
         Text_line title_line;
         std::vector<Scrolling_text> texts;   // the first is shown
         std::vector<Scrolling_text> titled;  // of a question: each text behind the title
