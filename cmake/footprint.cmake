@@ -11,7 +11,27 @@ check_cxx_source_compiles("
     #error its dynamic linker does not know packed relocations
     #endif
     int main() {}" FRONTPANEL_LIBC_UNPACKS_RELOCATIONS)
-if(FRONTPANEL_LINKER_PACKS_RELOCATIONS AND FRONTPANEL_LIBC_UNPACKS_RELOCATIONS)
+
+# GNU's linkers for ARM pack no relocations yet. LLVM's does from version 15 on; the compiler finds it in a folder of its
+# own, under any name of the package.
+set(FRONTPANEL_LLD_OPTIONS -B${PROJECT_BINARY_DIR}/lld -fuse-ld=lld)
+if(NOT FRONTPANEL_LINKER_PACKS_RELOCATIONS AND FRONTPANEL_LIBC_UNPACKS_RELOCATIONS)
+    find_program(FRONTPANEL_LLD
+        NAMES ld.lld-19 ld.lld-18 ld.lld-17 ld.lld-16 ld.lld-15 ld.lld
+        DOC "LLVM's linker, for the library where the compiler's own packs no relocations")
+    if(FRONTPANEL_LLD)
+        file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/lld)
+        file(CREATE_LINK ${FRONTPANEL_LLD} ${PROJECT_BINARY_DIR}/lld/ld.lld SYMBOLIC)
+        check_linker_flag(CXX "${FRONTPANEL_LLD_OPTIONS};LINKER:--fatal-warnings,-z,pack-relative-relocs"
+            FRONTPANEL_LLD_PACKS_RELOCATIONS)
+    endif()
+    if(NOT FRONTPANEL_LLD_PACKS_RELOCATIONS)
+        message(STATUS
+            "The library's relocations are not packed: neither the compiler's linker nor an ld.lld, 15 or later, does so")
+    endif()
+endif()
+if(FRONTPANEL_LIBC_UNPACKS_RELOCATIONS AND
+        (FRONTPANEL_LINKER_PACKS_RELOCATIONS OR FRONTPANEL_LLD_PACKS_RELOCATIONS))
     set(pack_relocations ON)
 else()
     set(pack_relocations OFF)
@@ -35,6 +55,35 @@ include(CheckCXXCompilerFlag)
 check_cxx_compiler_flag(-Oz FRONTPANEL_COMPILER_MINIMISES)
 check_cxx_compiler_flag(-malign-data=abi FRONTPANEL_COMPILER_ALIGNS_DATA)
 
+# frontpanel_link_by_lld(<shared library> <library of its objects> <condition>)
+#
+# LLVM's linker cannot read what g++ keeps for the optimisation of the whole, so g++ makes one object of all of them first.
+# It pads no file to pages, however large they are. The data that is protected after start-up ends on the largest page of
+# a kernel, as with GNU's linker for 64-bit ARM.
+function(frontpanel_link_by_lld library objects condition)
+    set(page_size ${FRONTPANEL_PAGE_SIZE})
+    if(NOT page_size)
+        set(page_size 65536)
+    endif()
+    target_link_options(${library} PRIVATE
+        "$<${condition}:${FRONTPANEL_LLD_OPTIONS};LINKER:-O2,-z,max-page-size=${page_size},-z,common-page-size=${page_size}>")
+    if(NOT FRONTPANEL_LTO)
+        return()
+    endif()
+    set(whole ${CMAKE_CURRENT_BINARY_DIR}/${library}_whole.o)
+    add_custom_command(OUTPUT ${whole}
+        COMMAND ${CMAKE_CXX_COMPILER} -r -flto=1 -flto-partition=one -flinker-output=nolto-rel
+            -ffunction-sections -fdata-sections -o ${whole} $<TARGET_OBJECTS:${objects}>
+        DEPENDS $<TARGET_OBJECTS:${objects}>
+        COMMENT "Optimising ${library} as a whole"
+        COMMAND_EXPAND_LISTS VERBATIM)
+    set_source_files_properties(${whole} PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
+    get_target_property(sources ${library} SOURCES)
+    list(REMOVE_ITEM sources $<TARGET_OBJECTS:${objects}>)
+    set_target_properties(${library} PROPERTIES SOURCES "${sources}")
+    target_sources(${library} PRIVATE $<IF:${condition},${whole},$<TARGET_OBJECTS:${objects}>>)
+endfunction()
+
 # frontpanel_reduce_footprint(<shared library> OBJECTS <library of its objects> PREEMPTIBLE <dynamic list>
 #     PURE_VIRTUAL <source> NOTHROW <source>... HOT <source>...)
 #
@@ -51,8 +100,10 @@ function(frontpanel_reduce_footprint library)
 
     target_compile_options(${arg_OBJECTS} PRIVATE
         $<${optimised}:-ffunction-sections;-fdata-sections;-fno-semantic-interposition>)
+    # A dynamic list binds all symbols that it does not name to the library. `-Bsymbolic` beside it would make LLVM's
+    # linker write a flag by which the dynamic linker binds those of the list too.
     target_link_options(${library} PRIVATE
-        $<${optimised}:LINKER:--gc-sections,-Bsymbolic,--dynamic-list=${arg_PREEMPTIBLE},--hash-style=gnu>)
+        $<${optimised}:LINKER:--gc-sections,--dynamic-list=${arg_PREEMPTIBLE},--hash-style=gnu>)
     set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${arg_PREEMPTIBLE})
     target_sources(${library} PRIVATE $<${optimised}:${arg_PURE_VIRTUAL}>)
     target_link_options(${library} PRIVATE $<${optimised}:LINKER:--wrap=__cxa_pure_virtual>)
@@ -87,5 +138,8 @@ function(frontpanel_reduce_footprint library)
         target_compile_options(${arg_OBJECTS} PRIVATE $<${optimised}:-flto;-ffat-lto-objects>)
         target_link_options(${arg_OBJECTS} INTERFACE $<${optimised}:-fno-lto>)
         target_link_options(${library} PRIVATE $<${optimised}:-flto=1;-flto-partition=one>)
+    endif()
+    if(FRONTPANEL_PACK_RELOCATIONS AND FRONTPANEL_LLD_PACKS_RELOCATIONS)
+        frontpanel_link_by_lld(${library} ${arg_OBJECTS} ${optimised})
     endif()
 endfunction()

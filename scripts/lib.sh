@@ -36,9 +36,10 @@ CI_PACKAGES=(
 )
 
 # For scripts/test --arch: what it needs on this machine, the compiler of each architecture, and the
-# packages of that architecture that the panel and the tests use (libc-bin holds a locale).
+# packages of that architecture that the panel and the tests use (libc-bin holds a locale). The linker
+# packs the library's relocations (cmake/footprint.cmake).
 # shellcheck disable=SC2034
-CROSS_PACKAGES=("${TEST_PACKAGES[@]}" qemu-user)
+CROSS_PACKAGES=("${TEST_PACKAGES[@]}" lld-16 qemu-user)
 declare -A CROSS_COMPILERS=(
     [armhf]=g++-arm-linux-gnueabihf
     [arm64]=g++-aarch64-linux-gnu
