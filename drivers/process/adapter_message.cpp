@@ -22,7 +22,6 @@ using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, Json_allocator>
 using Writer = rapidjson::Writer<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, Json_allocator>;
 
 constexpr std::size_t LONGEST_QUOTE = 40;
-constexpr int MOST_TOO_LARGE = 8;  // numbers in a line that the JSON library rejects
 
 // The JSON library can check that as well, but reads beyond the end of a text that ends within a character.
 bool is_utf8(const std::string& text) {
@@ -180,15 +179,51 @@ rapidjson::ParseResult parse(const std::string& line, Members& members) {
     return reader.Parse<FLAGS>(stream, members);
 }
 
-// The JSON library rejects the whole line if any number in it is beyond the limits of a double. This replaces that
-// number by one that the library accepts, that every parameter rejects, and that is no longer.
-void lessen_number(std::string& line, std::size_t place) {
-    const std::size_t end = std::min(line.find_first_not_of("+-.0123456789eE", place), line.size());
-    const std::size_t exponent = std::min(line.find_first_of("eE", place), end);
-    const bool is_zero = line.find_first_of("123456789", place) >= exponent;
-    std::string number = is_zero ? "0" : line[place] == '-' ? "-1e300" : "1e300";
-    number.resize(end - place, ' ');
-    line.replace(place, end - place, number);
+bool begins_number(char character) {
+    return character == '-' || (character >= '0' && character <= '9');
+}
+
+// Behind the closing quotation mark of the text that begins there.
+std::size_t end_of_text(const std::string& line, std::size_t begin) {
+    std::size_t at = begin + 1;
+    while (at < line.size() && line[at] != '"') {
+        at += line[at] == '\\' ? 2U : 1U;  // with what is escaped
+    }
+    return std::min(at + 1, line.size());
+}
+
+bool is_too_large(const std::string& number) {
+    Members unused;
+    return parse(number, unused).Code() == rapidjson::kParseErrorNumberTooBig;
+}
+
+// A number that the JSON library accepts and every parameter rejects, or zero for a zero. No longer than what it replaces.
+std::string lesser_number(const std::string& number) {
+    const std::size_t exponent = std::min(number.find_first_of("eE"), number.size());
+    const bool is_zero = number.find_first_of("123456789") >= exponent;
+    std::string lesser = is_zero ? "0" : number.front() == '-' ? "-1e300" : "1e300";
+    lesser.resize(number.size(), ' ');
+    return lesser;
+}
+
+// The JSON library rejects a line with a number beyond the limits of a double, even one that nobody needs. Replaces each of them
+// from `at` on, where a number begins, so that the line has to be parsed only once more.
+void lessen_numbers(std::string& line, std::size_t at) {
+    while (at < line.size()) {
+        if (line[at] == '"') {
+            at = end_of_text(line, at);
+        } else if (begins_number(line[at])) {
+            const std::size_t end =
+                std::min(line.find_first_not_of("+-.0123456789eE", at), line.size());
+            const std::string number = line.substr(at, end - at);
+            if (is_too_large(number)) {
+                line.replace(at, number.size(), lesser_number(number));
+            }
+            at = end;
+        } else {
+            ++at;
+        }
+    }
 }
 
 template <typename Write_more>
@@ -224,9 +259,8 @@ Adapter_message parse_adapter_message(std::string line) {
     }
     Members members;
     rapidjson::ParseResult result = parse(line, members);
-    for (int count = 0;
-         count < MOST_TOO_LARGE && result.Code() == rapidjson::kParseErrorNumberTooBig; ++count) {
-        lessen_number(line, result.Offset());
+    if (result.Code() == rapidjson::kParseErrorNumberTooBig) {
+        lessen_numbers(line, result.Offset());
         members = Members();
         result = parse(line, members);
     }
