@@ -96,7 +96,7 @@ bool Adapter_connection::open(Time end) {
     m_to_send.clear();
     m_sent = m_queued;
     forget_received();
-    m_errors.forget_last();
+    m_errors.forget_last_words();
     if (!m_place.is_command()) {
         m_fault = connect(end);
         m_in = m_out = m_fault.empty() ? &m_socket : nullptr;
@@ -178,6 +178,7 @@ void Adapter_connection::log(const std::string& message) {
 }
 
 void Adapter_connection::end_by_itself(bool was_cut) {
+    const Time began = Clock::now();
     m_in = m_out = nullptr;
     m_socket.reset();
     std::string how = m_child.end(LAST_WORDS);
@@ -186,8 +187,9 @@ void Adapter_connection::end_by_itself(bool was_cut) {
         how = "it closed the connection";
     }
     m_fault = how + (was_cut ? " in the middle of a line" : "");
-    if (m_place.is_command() && !m_errors.last().empty()) {
-        m_fault += ": " + m_errors.last();
+    const std::string last_words = m_errors.last_words(began);
+    if (m_place.is_command() && !last_words.empty()) {
+        m_fault += ": " + last_words;
     }
 }
 

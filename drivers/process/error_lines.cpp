@@ -30,7 +30,10 @@ void Error_lines::note(const std::string& message, Time now) {
 
 void Error_lines::finish_line(Time now) {
     const std::string line = printable(std::exchange(m_line, ""));
-    m_last = line.empty() ? m_last : line;
+    if (!line.empty()) {
+        m_last = line;
+        m_last_came = now;
+    }
     print(line, now);
 }
 

@@ -17,19 +17,22 @@ public:
     static constexpr std::size_t LONGEST_LINE = 200;  // bytes; the rest is dropped
     static constexpr std::size_t MOST_LINES = 50;     // in a span
     static constexpr std::chrono::seconds SPAN{60};
+    static constexpr std::chrono::seconds LAST_WORDS{
+        2};  // before an end; an older line speaks of something else
 
     // `print` gets whole lines without their ends.
     Error_lines(std::string name, std::function<void(const std::string&)> print)
         : m_name(std::move(name)), m_print(std::move(print)) {}
 
     void take(std::string_view bytes, Time now);
-    // Writes a message that is not from standard error. It does not become the last line.
+    // Writes a message that is not from standard error. It does not count as last words.
     void note(const std::string& message, Time now);
     // Takes an unfinished line as one.
     void end(Time now);
-    // The last line that is not empty; empty if there was none.
-    const std::string& last() const { return m_last; }
-    void forget_last() { m_last.clear(); }
+    // What an adapter that ends at `end` said to it: the last line that is not empty, unless that is older than
+    // LAST_WORDS; empty if there is none.
+    std::string last_words(Time end) const { return end - m_last_came <= LAST_WORDS ? m_last : ""; }
+    void forget_last_words() { m_last.clear(); }
 
 private:
     void finish_line(Time now);
@@ -40,6 +43,7 @@ private:
     const std::function<void(const std::string&)> m_print;
     std::string m_line;
     std::string m_last;
+    Time m_last_came{};
     Time m_span_began{};
     std::size_t m_printed = 0;  // in this span
     std::size_t m_dropped = 0;

@@ -20,7 +20,7 @@ TEST_F(Error_lines_test, AreWholeAndPrintableWithTheNameInFront) {
     m_lines.take("first\nsec", m_now);
     m_lines.take("ond \x1b[2J\n\n", m_now);
     EXPECT_EQ(m_printed, (Lines{"room: first", "room: second ?[2J"}));
-    EXPECT_EQ(m_lines.last(), "second ?[2J");
+    EXPECT_EQ(m_lines.last_words(m_now), "second ?[2J");
 }
 
 TEST_F(Error_lines_test, AMessageStandsBesideThem) {
@@ -31,7 +31,7 @@ TEST_F(Error_lines_test, AMessageStandsBesideThem) {
         m_printed,
         (Lines{"room: first", "room: a message?" + std::string(Error_lines::LONGEST_LINE - 10, 'x'),
                "room: second"}));
-    EXPECT_EQ(m_lines.last(), "second");
+    EXPECT_EQ(m_lines.last_words(m_now), "second");
     for (int i = 0; i < 1000; ++i) {
         m_lines.note("again", m_now);
     }
@@ -44,6 +44,17 @@ TEST_F(Error_lines_test, AnUnfinishedOneIsTakenAtTheEnd) {
     m_lines.end(m_now);
     m_lines.end(m_now);
     EXPECT_EQ(m_printed, Lines{"room: last words"});
+}
+
+TEST_F(Error_lines_test, AnOldOneIsNobodysLastWords) {
+    m_lines.take("listening on port 7\n", m_now);
+    EXPECT_EQ(m_lines.last_words(m_now + Error_lines::LAST_WORDS), "listening on port 7");
+    EXPECT_EQ(m_lines.last_words(m_now + Error_lines::LAST_WORDS + std::chrono::milliseconds(1)),
+              "");
+    m_lines.take("no memory left\n\n", m_now + std::chrono::hours(3));
+    EXPECT_EQ(m_lines.last_words(m_now + std::chrono::hours(3)), "no memory left");
+    m_lines.forget_last_words();
+    EXPECT_EQ(m_lines.last_words(m_now + std::chrono::hours(3)), "");
 }
 
 TEST_F(Error_lines_test, ALongOneIsCut) {
