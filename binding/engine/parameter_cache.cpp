@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include <frontpanel_base/value_state.h>
 #include <frontpanel_binding/parameter_address.h>
 
 #include "engine/cascade.h"
@@ -216,6 +217,17 @@ bool Parameter_cache::bring_up_to_date(Cached_parameter& parameter) {
     }
     parameter.read_in = m_evaluation;
     return read(parameter) == 0;
+}
+
+std::string Parameter_cache::failure_text(const Cached_parameter& parameter) const {
+    if (parameter.failure == NO_INTERFACE) {
+        return "no data interface";
+    }
+    const auto* const states = dynamic_cast<const Value_states*>(interface());
+    const auto state = states != nullptr ? states->state(parameter.pid, parameter.varidx)
+                                         : std::optional<Value_state>();
+    return state && !state->reason.empty() ? state->reason
+                                           : "device result " + std::to_string(parameter.failure);
 }
 
 int Parameter_cache::read(Cached_parameter& parameter) {

@@ -15,11 +15,6 @@ std::string value_text(const binding_language::Value& value) {
     return value.type == Value_type::TEXT ? quoted(value.text) : std::to_string(value.number);
 }
 
-std::string failure_text(int failure) {
-    return failure == NO_INTERFACE ? "no data interface"
-                                   : "device result " + std::to_string(failure);
-}
-
 }  // namespace
 
 std::string shown(std::string_view source) {
@@ -141,8 +136,9 @@ bool Reading::read(std::size_t parameter, Value& value) {
     if (!is_readable || m_seen != nullptr) {
         const std::string name = bracketed(m_list->program.parameter(parameter).name);
         note(name, is_readable, value);
-        return is_readable || fail("cannot read " + name + ": " + failure_text(known.failure),
-                                   Rule_fault::Cause::DEVICE, known.is_awaited);
+        return is_readable ||
+               fail("cannot read " + name + ": " + m_engine.core().parameters.failure_text(known),
+                    Rule_fault::Cause::DEVICE, known.is_awaited);
     }
     return true;
 }
@@ -163,8 +159,9 @@ bool Reading::read_own(Value& value) {
     }
     const bool is_readable = own == m_tried ? take_tried(*own, value) : fetch(*own, value);
     note("value", is_readable, value);
-    return is_readable || fail("cannot read the entry's value: " + failure_text(own->failure),
-                               Rule_fault::Cause::DEVICE, own->is_awaited);
+    return is_readable ||
+           fail("cannot read the entry's value: " + m_engine.core().parameters.failure_text(*own),
+                Rule_fault::Cause::DEVICE, own->is_awaited);
 }
 
 bool Reading::has_option(std::size_t option) {

@@ -28,7 +28,7 @@ namespace frontpanel {
 
 class Write_journal;
 
-class Caching_device : public Pdt_data_access {
+class Caching_device : public Pdt_data_access, public Value_states {
 public:
     // `device` outlives the wrapper; `registry` must not be null and has one wrapper at a time.
     // The application's own fields of the interface start with the device's values, and are not passed on.
@@ -43,7 +43,7 @@ public:
     // The state of the parameter's value at a device that implements `Value_states`; empty for any other device. A
     // value that was old or not confirmed when it was read or written here remains so until it is read again, even if
     // the device has a newer one.
-    std::optional<Value_state> state(uint32_t pid, uint32_t varidx) const;
+    std::optional<Value_state> state(uint32_t pid, uint32_t varidx) const override;
 
     // Internal: the journal that notes each write from now on; null for none.
     void set_journal(Write_journal* journal) { m_journal = journal; }

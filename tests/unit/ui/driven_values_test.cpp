@@ -220,7 +220,7 @@ TEST_F(Driven_rules_test, AValueThatDoesNotComeIsAFaultOfItsRule) {
     m_driven.device().fail(2, "garbage");
     m_panel.tick();
     step();
-    EXPECT_EQ(reasons(), std::vector<std::string>{"cannot read [mode]: device result 20"});
+    EXPECT_EQ(reasons(), std::vector<std::string>{"cannot read [mode]: garbage"});
     m_driven.device().fail(2, "");
     m_driven.advance(1s);
     step();
