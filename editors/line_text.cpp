@@ -81,6 +81,20 @@ std::string part_of(const Characters& text, std::size_t start, std::size_t colum
     return part;
 }
 
+// A word on lines. Marks take the places of characters: the next line begins two columns earlier.
+std::vector<std::string> parts_of(const Characters& word, int columns) {
+    const auto width = static_cast<std::size_t>(std::max(1, columns));
+    const bool has_marks = width >= LEAST_COLUMNS_WITH_MARKS && cuts_number(word, 1);
+    const std::size_t advance = has_marks ? width - 2 : width;
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (; start + width < word.size(); start += advance) {
+        parts.push_back(part_of(word, start, width, false));
+    }
+    parts.push_back(part_of(word, start, width, false));
+    return parts;
+}
+
 }  // namespace
 
 int width_of(std::string_view text) {
@@ -102,26 +116,24 @@ std::string rest_of(std::string_view text, int columns) {
     return std::string(text);
 }
 
-std::vector<std::string> wrapped(std::string_view text, int columns, int lines) {
+std::vector<std::string> wrapped(std::string_view text, int columns) {
     std::vector<std::string> all;
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find(' ', begin), text.size());
-        const std::string word(text.substr(begin, end - begin));
+        const std::string_view word = text.substr(begin, end - begin);
         begin = end + 1;
         if (word.empty()) {
             continue;
         }
-        if (width_of(word) > columns) {
-            return {};
-        }
         if (!all.empty() && width_of(all.back()) + 1 + width_of(word) <= columns) {
-            all.back() += BLANK + word;
-        } else {
-            all.push_back(word);
+            all.back() += BLANK + std::string(word);
+            continue;
+        }
+        for (std::string& part : parts_of(characters_in(word), columns)) {
+            all.push_back(std::move(part));
         }
     }
-    return all.size() <= static_cast<std::size_t>(std::max(0, lines)) ? all
-                                                                      : std::vector<std::string>();
+    return all;
 }
 
 void Scrolling_text::take(std::string text) {

@@ -139,6 +139,32 @@ struct Application_panel {
     Panel panel;
 };
 
+// What the display shows by and by: the first line, and the lines below it as one text, that of a notice with all of its
+// pages. Each change of those lines is appended until they come round.
+inline std::string shown_in_time(Menu_panel& panel) {
+    constexpr int MOST_FRAMES = 300;
+    std::string first;
+    std::string last;
+    std::string all;
+    for (int frame = 0; frame < MOST_FRAMES; ++frame) {
+        const Lines lines = panel.lines();
+        std::string text;
+        for (size_t row = 1; row < lines.size(); ++row) {
+            text += lines[row].substr(0, lines[row].find_last_not_of(' ') + 1) + " ";
+        }
+        if (frame == 0) {
+            first = text;
+            all = lines[0] + "\n" + text;
+        } else if (text != last && text == first) {
+            break;
+        } else if (text != last) {
+            all += text;
+        }
+        last = text;
+    }
+    return all;
+}
+
 }  // namespace frontpanel
 
 #endif

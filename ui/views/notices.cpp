@@ -14,25 +14,17 @@ constexpr int LEAST_ROWS_WITH_TITLE = 3;
 constexpr const char* QUESTION_MARK = "ok?";
 constexpr size_t MOST_TOLD = 5;  // waiting notices of `tell_once`
 constexpr const char* MORE_TITLE = "Device";
-constexpr const char* MORE = "more: see the log";
+constexpr const char* MORE = "more in the log";
 
-Scrolling_text scrolling(const std::string& text) {
-    Scrolling_text scrolls;
-    scrolls.set(text);
-    return scrolls;
-}
-
-// Draws the text on the rows up to `end`, on several lines if they have room for it; otherwise it scrolls on one.
-void draw_text(Lcd& lcd, Scrolling_text& text, int end) {
-    const int columns = lcd.size().columns;
-    const std::vector<std::string> lines = wrapped(text.text(), columns, end - TEXT_ROW);
-    if (lines.empty()) {
-        lcd.put(TEXT_ROW, 0, text.show(columns));
-    }
-    int row = TEXT_ROW;
+void draw_lines(Lcd& lcd, int row, const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
         lcd.put(row++, 0, line);
     }
+}
+
+// How far a key turns the pages.
+int pages_of(Key::Kind key) {
+    return key == Key::UP ? -1 : key == Key::DOWN ? 1 : 0;
 }
 
 }  // namespace
@@ -48,7 +40,7 @@ void Notices::set_keys(const std::string& accepting, const std::string& cancelli
 }
 
 void Notices::tell(const std::string& title, const std::string& text, bool alarm) {
-    m_notices.push_back({title, text, {}, {scrolling(text)}, {}, alarm, nullptr});
+    m_notices.push_back({title, text, {}, {Text_pages(text)}, {}, alarm, nullptr});
 }
 
 void Notices::tell_once(const std::string& title, const std::string& text, bool alarm) {
@@ -66,15 +58,17 @@ void Notices::tell_once(const std::string& title, const std::string& text, bool 
 void Notices::ask(const std::string& title, const std::vector<std::string>& texts, Answer answer) {
     Notice notice{title, "", {}, {}, {}, false, std::move(answer)};
     for (const std::string& text : texts) {
-        notice.texts.push_back(scrolling(text));
-        notice.titled.push_back(scrolling(std::string(title).append(": ").append(text)));
+        notice.texts.emplace_back(text);
+        notice.titled.emplace_back(std::string(title).append(": ").append(text));
     }
     m_notices.push_back(std::move(notice));
 }
 
 void Notices::press(Key::Kind key) {
     Notice& shown = m_notices.front();
-    if (shown.answer == nullptr || key == Key::BACK) {
+    if (pages_of(key) != 0 && shown.pages().has_several()) {
+        shown.pages().turn(pages_of(key));
+    } else if (shown.answer == nullptr || key == Key::BACK) {
         finish(false);
     } else if (key == Key::SELECT && shown.texts.size() > 1) {
         shown.texts.erase(shown.texts.begin());
@@ -121,17 +115,27 @@ void Notices::draw_keys(Lcd& lcd) {
 
 void Notices::draw(Frame& frame) {
     Notice& shown = m_notices.front();
-    const Lcd_size size = frame.lcd.size();
+    Lcd& lcd = frame.lcd;
+    const Lcd_size size = lcd.size();
+    const bool asks = shown.answer != nullptr;
     frame.leds.alarm = shown.alarm;
-    if (shown.answer == nullptr || size.rows >= LEAST_ROWS_WITH_TITLE) {
-        shown.title_line.draw(frame.lcd, TITLE_ROW, 0,
-                              {shown.title, shown.answer != nullptr ? QUESTION_MARK : "", ""});
-        draw_text(frame.lcd, shown.texts.front(), size.rows - (shown.answer != nullptr ? 1 : 0));
+    shown.is_titled = asks && size.rows < LEAST_ROWS_WITH_TITLE;
+    Text_pages& pages = shown.pages();
+    if (shown.is_titled) {
+        pages.fit(size.columns, 1, true);
+        draw_lines(lcd, TITLE_ROW, pages.show());
+        lcd.put_right(TITLE_ROW, pages.number());
     } else {
-        frame.lcd.put(TITLE_ROW, 0, shown.titled.front().show(size.columns));
+        pages.fit(size.columns, size.rows - TEXT_ROW - (asks ? 1 : 0));
+        draw_lines(lcd, TEXT_ROW, pages.show());
+        const std::string number = pages.number();
+        const std::string mark = !asks            ? number
+                                 : number.empty() ? QUESTION_MARK
+                                                  : number + " " + QUESTION_MARK;
+        shown.title_line.draw(lcd, TITLE_ROW, 0, {shown.title, mark, ""});
     }
-    if (shown.answer != nullptr) {
-        draw_keys(frame.lcd);
+    if (asks) {
+        draw_keys(lcd);
     }
 }
 

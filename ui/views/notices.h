@@ -12,6 +12,7 @@
 #include <frontpanel_display/key.h>
 #include <frontpanel_display/lcd.h>
 #include "views/text_line.h"
+#include "views/text_pages.h"
 
 namespace frontpanel {
 
@@ -21,14 +22,14 @@ public:
 
     Notices();
 
-    // Shows a text under a title once those before it are gone; any key acknowledges it. `alarm` lights the
-    // alarm LED with it.
+    // Shows a text under a title once those before it are gone; any key acknowledges it, of a text on several pages any
+    // but UP and DOWN. `alarm` lights the alarm LED with it.
     void tell(const std::string& title, const std::string& text, bool alarm = false);
     // The same, but nothing when this notice waits already: what comes again and again costs one key. Of many that wait
     // one says that there are more.
     void tell_once(const std::string& title, const std::string& text, bool alarm = false);
     // Shows texts one by one, at least one, with the keys that answer. SELECT goes on to the next and accepts with the
-    // last, BACK cancels at any; no other key does anything. The answer is given once.
+    // last, BACK cancels at any; UP and DOWN turn pages; no other key does anything. The answer is given once.
     void ask(const std::string& title, const std::vector<std::string>& texts, Answer answer);
     // The names of the keys that answer questions; an empty name is left out. The default is those of a keyboard.
     void set_keys(const std::string& accepting, const std::string& cancelling);
@@ -38,11 +39,13 @@ public:
     bool empty() const { return m_notices.empty(); }
     // Whether what is shown is a question.
     bool asks() const { return !empty() && m_notices.front().answer != nullptr; }
-    // Not without one.
+    // Whether UP and DOWN turn the pages of what is shown, as it was drawn last.
+    bool has_pages() { return !empty() && m_notices.front().pages().has_several(); }
+    // UP and DOWN turn the pages of a text that has several. Requires: there is a text.
     void press(Key::Kind key);
-    // Draws the first text, on several lines if the display has room for it; otherwise it scrolls by one character a
-    // call. A question shows its keys on the last line; on a display of two lines its title precedes its text.
-    // Requires: there is a text.
+    // Draws the first text on the lines below its title, and on numbered pages if it is longer. They turn by themselves
+    // until a person turns one: see `Text_pages`. A question shows its keys on the last line; on a display of two lines
+    // its title precedes its text. Requires: there is a text.
     void draw(Frame& frame);
 
 private:
@@ -50,10 +53,12 @@ private:
         std::string title;
         std::string told;  // the text given to `tell_once`
         Text_line title_line;
-        std::vector<Scrolling_text> texts;   // the first is shown
-        std::vector<Scrolling_text> titled;  // of a question: each text behind the title
+        std::vector<Text_pages> texts;   // the first is shown
+        std::vector<Text_pages> titled;  // of a question: each text behind the title
         bool alarm;
-        Answer answer;  // null for none
+        Answer answer;           // null for none
+        bool is_titled = false;  // one of `titled` was drawn last
+        Text_pages& pages() { return is_titled ? titled.front() : texts.front(); }
     };
     void finish(bool accepted);
     void draw_keys(Lcd& lcd);

@@ -22,9 +22,8 @@ std::string start_of(std::string_view text, int columns);
 // The text after its first `columns` characters.
 std::string rest_of(std::string_view text, int columns);
 
-// The text on several lines, broken at blanks; empty when it needs more than `lines`, or a word is wider than
-// `columns`.
-std::vector<std::string> wrapped(std::string_view text, int columns, int lines);
+// The text on lines of at most `columns` characters, at least 1, broken at blanks. A longer word has lines of its own.
+std::vector<std::string> wrapped(std::string_view text, int columns);
 
 // A text without cursor: one that is too long is held at its start for two calls, then moves left by one
 // character a call. Three blanks between its end and its start show where it begins.

@@ -53,19 +53,28 @@ TEST(LineText, ARestBeginsWithACharacter) {
 }
 
 TEST(LineText, LinesAreBrokenAtBlanks) {
-    EXPECT_EQ(wrapped("away: it was ended by signal 15", 20, 2),
+    EXPECT_EQ(wrapped("away: it was ended by signal 15", 20),
               (Texts{"away: it was ended", "by signal 15"}));
-    EXPECT_EQ(wrapped("a b", 1, 2), (Texts{"a", "b"}));
-    EXPECT_EQ(wrapped("gr\xc3\xbc\xc3\xbcn", 5, 1), Texts{"gr\xc3\xbc\xc3\xbcn"});
-    EXPECT_EQ(wrapped("ab cd", 5, 1), Texts{"ab cd"});
-    EXPECT_EQ(wrapped(" a   b ", 5, 1), Texts{"a b"});
-    EXPECT_EQ(wrapped("", 5, 1), Texts{});
+    EXPECT_EQ(wrapped("a b", 1), (Texts{"a", "b"}));
+    EXPECT_EQ(wrapped("gr\xc3\xbc\xc3\xbcn", 5), Texts{"gr\xc3\xbc\xc3\xbcn"});
+    EXPECT_EQ(wrapped("ab cd", 5), Texts{"ab cd"});
+    EXPECT_EQ(wrapped(" a   b ", 5), Texts{"a b"});
+    EXPECT_EQ(wrapped("", 5), Texts{});
 }
 
-TEST(LineText, WhatDoesNotFitIsNotWrapped) {
-    EXPECT_EQ(wrapped("away: it was ended by signal 15", 20, 1), Texts{});
-    EXPECT_EQ(wrapped("12345 1", 4, 9), Texts{});
-    EXPECT_EQ(wrapped("a", 4, 0), Texts{});
+TEST(LineText, AWordThatIsLongerThanALineHasSeveral) {
+    EXPECT_EQ(wrapped("no /sys/class/rtc here", 6),
+              (Texts{"no", "/sys/c", "lass/r", "tc", "here"}));
+    EXPECT_EQ(wrapped("abcdef", 6), Texts{"abcdef"});
+    EXPECT_EQ(wrapped("abcdefg h", 6), (Texts{"abcdef", "g h"}));
+    EXPECT_EQ(wrapped("abc", 1), (Texts{"a", "b", "c"}));
+}
+
+TEST(LineText, ANumberThatIsLongerThanALineGoesOnByItsMarks) {
+    EXPECT_EQ(wrapped("123456", 6), Texts{"123456"});
+    EXPECT_EQ(wrapped("1234567", 6), (Texts{"12345>", "<67"}));
+    EXPECT_EQ(wrapped("12345678901234 dB", 6), (Texts{"12345>", "<6789>", "<01234", "dB"}));
+    EXPECT_EQ(wrapped("1234", 3), (Texts{"123", "4"}));
 }
 
 TEST(LineText, TheCursorStandsOnACharacterWithItsMarks) {

@@ -171,7 +171,7 @@ TEST_F(Driven_values_test, AValueWhoseWriteTimedOutIsUnknown) {
 
 TEST_F(Driven_values_test, AnUnknownValueIsNotEditedAndTheReasonIsShown) {
     press(Key::SELECT);
-    EXPECT_EQ(lines(), (Lines{"Gain            ", "no value: not re"}));
+    EXPECT_EQ(lines(), (Lines{"Gain         1/2", "no value: not   "}));
     press(Key::BACK);
     m_driven.device().fail(0, "bad");
     step();

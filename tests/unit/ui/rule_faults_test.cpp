@@ -16,17 +16,6 @@ std::string menu_with(const std::string& rules) {
         R"({"type": "range", "name": "Gain", "parameter": "gain", "binding": ")" + rules + R"("})");
 }
 
-// All that the panel shows until the text has come round.
-std::string shown_in_time(Menu_panel& panel) {
-    std::string all;
-    for (int i = 0; i < 80; ++i) {
-        for (const std::string& line : panel.lines()) {
-            all += line + "\n";
-        }
-    }
-    return all;
-}
-
 bool shows(Menu_panel& panel, const std::string& text) {
     return shown_in_time(panel).find(text) != std::string::npos;
 }
@@ -56,7 +45,7 @@ TEST_P(Fault_screen, AWriteBeyondTheLimitsIsANoticeAndNoWrite) {
     panel.device().clear_records();
     panel.device().set_integer(Z, 0, 5);
     panel.tick();
-    EXPECT_TRUE(shows(panel, "rule: 10 is bey"));
+    EXPECT_TRUE(shows(panel, "rule: 10 is beyond"));
     EXPECT_TRUE(panel.device().writes().empty());
 }
 
@@ -65,7 +54,7 @@ TEST_P(Fault_screen, AWriteThatTheDeviceRefusesIsANoticeOnce) {
     panel.fail(Memory_device::Operation_kind::WRITE, 6);
     panel.device().set_integer(Z, 0, 5);
     panel.tick();
-    EXPECT_TRUE(shows(panel, "rule: cannot wr"));
+    EXPECT_TRUE(shows(panel, "rule: cannot write [gain] = 5"));
     panel.press(Key::SELECT).tick().tick();
     EXPECT_FALSE(shows(panel, "rule: "));
     panel.repair();

@@ -48,7 +48,7 @@ TEST_F(Notices_test, WhatWaitsAlreadyIsNotToldAgainAndOfManyOneStandsForTheRest)
         told.push_back(lines()[1]);
     }
     EXPECT_EQ(told, (Lines{"away 0          ", "away 1          ", "away 2          ",
-                           "away 3          ", "away 4          ", "more: see the lo"}));
+                           "away 3          ", "away 4          ", "more in the log "}));
 }
 
 TEST_F(Notices_test, ALongTextTakesTheLinesThatADisplayHas) {
@@ -57,11 +57,6 @@ TEST_F(Notices_test, ALongTextTakesTheLinesThatADisplayHas) {
     EXPECT_EQ(shown({20, 4}), (Lines{"room                ", "away: it was ended  ",
                                      "by signal 15        ", "                    "}));
     EXPECT_EQ(shown({40, 4})[1], "away: it was ended by signal 15         ");
-    EXPECT_EQ(shown({20, 2})[1], "away: it was ended b");
-    notices.press(Key::SELECT);
-    notices.tell("room", "one two three four five six seven eight nine ten eleven twelve");
-    EXPECT_EQ(shown({20, 4}), (Lines{"room                ", "one two three four f",
-                                     "                    ", "                    "}));
     notices.press(Key::SELECT);
     ask({"more than a hundred is very loud"});
     EXPECT_EQ(shown({20, 4}), (Lines{"Gain             ok?", "more than a hundred ",
@@ -101,16 +96,72 @@ TEST_F(Notices_test, AnAnswerMayBringUpAnotherNotice) {
     EXPECT_EQ(lines()[1], "write failed    ");
 }
 
-TEST_F(Notices_test, ALongTextScrollsByACharacterAFrame) {
-    notices.tell("Gain", "louder than the hall allows");
-    const std::string start = lines()[1];
-    EXPECT_EQ(start, "louder than the ");
-    std::string next = start;
-    for (int held = 0; held < 20 && next == start; ++held) {
-        next = lines()[1];
+TEST_F(Notices_test, ATextThatIsTooLongForTheDisplayHasPages) {
+    const std::string long_text = "one two three four five six seven eight nine ten eleven twelve";
+    notices.tell("room", long_text);
+    const auto pages = [this](Lcd_size size) {
+        std::vector<Lines> all;
+        for (Lines page = lines_of(frame(size)); all.empty() || page != all.front();
+             page = lines_of(frame(size))) {
+            all.push_back(page);
+            notices.press(Key::DOWN);
+        }
+        return all;
+    };
+    EXPECT_EQ(pages({20, 4}),
+              (std::vector<Lines>{{"room             1/2", "one two three four  ",
+                                   "five six seven eight", "nine ten eleven     "},
+                                  {"room             2/2", "twelve              ",
+                                   "                    ", "                    "}}));
+    EXPECT_EQ(pages({16, 2}), (std::vector<Lines>{{"room         1/5", "one two three   "},
+                                                  {"room         2/5", "four five six   "},
+                                                  {"room         3/5", "seven eight nine"},
+                                                  {"room         4/5", "ten eleven      "},
+                                                  {"room         5/5", "twelve          "}}));
+    EXPECT_FALSE(notices.empty());
+    frame({40, 4});
+    EXPECT_FALSE(notices.has_pages());
+    notices.press(Key::DOWN);
+    EXPECT_TRUE(notices.empty()) << "any key acknowledges what is on one page";
+}
+
+TEST_F(Notices_test, AnyOtherKeyAcknowledgesATextOnSeveralPages) {
+    for (const Key::Kind key : {Key::SELECT, Key::BACK, Key::SHORTCUT, Key::COARSER}) {
+        notices.tell("Gain", "louder than the hall allows");
+        EXPECT_EQ(lines(), (Lines{"Gain         1/2", "louder than the "}));
+        notices.press(Key::UP);
+        EXPECT_EQ(lines(), (Lines{"Gain         2/2", "hall allows     "}));
+        notices.press(key);
+        EXPECT_TRUE(notices.empty());
     }
-    EXPECT_EQ(next, "ouder than the h");
-    EXPECT_EQ(lines()[1], "uder than the ha");
+}
+
+TEST_F(Notices_test, PagesTurnByThemselves) {
+    notices.tell("Gain", "louder than the hall allows");
+    std::string all;
+    for (int drawn = 0; drawn < 20; ++drawn) {
+        all += lines()[0].substr(13);
+    }
+    EXPECT_EQ(all.substr(0, 9), "1/21/21/2") << "but not at once";
+    EXPECT_NE(all.find("1/22/2"), std::string::npos);
+    EXPECT_NE(all.find("2/21/2"), std::string::npos);
+}
+
+TEST_F(Notices_test, AQuestionHasPagesToo) {
+    ask({"louder than the hall allows", "very loud"});
+    EXPECT_EQ(lines(), (Lines{"Gain: louder 1/3", "Enter yes Esc no"}));
+    notices.press(Key::DOWN);
+    EXPECT_EQ(lines(), (Lines{"than the     2/3", "Enter yes Esc no"}));
+    notices.press(Key::UP);
+    notices.press(Key::UP);
+    EXPECT_EQ(lines(), (Lines{"hall allows  3/3", "Enter yes Esc no"}));
+    EXPECT_EQ(lines_of(frame({16, 4})), (Lines{"Gain         ok?", "louder than the ",
+                                               "hall allows     ", "Enter yes Esc no"}));
+    EXPECT_EQ(lines_of(frame({16, 3})),
+              (Lines{"Gain     1/2 ok?", "louder than the ", "Enter yes Esc no"}));
+    notices.press(Key::SELECT);
+    EXPECT_EQ(lines(), (Lines{"Gain: very loud ", "Enter yes Esc no"}));
+    EXPECT_TRUE(answers.empty());
 }
 
 TEST_F(Notices_test, AQuestionShowsItsKeysAtEverySize) {
