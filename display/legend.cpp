@@ -1,6 +1,7 @@
 #include <frontpanel_display/legend.h>
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 #include <frontpanel_display/key_table.h>
@@ -8,7 +9,10 @@
 namespace frontpanel {
 namespace {
 
-constexpr const char* SHORTCUTS = "1-9/F1-F12 shortcuts";
+constexpr const char* SHORTCUTS = "shortcuts";
+constexpr int LAST_DIGIT = 9;
+constexpr int LAST_FUNCTION_KEY = 12;
+constexpr const char* ALL_SHORTCUT_KEYS = "1-9/F1-F12";  // in place of a longer list with gaps
 
 // What a key does in a mode. The key is the one that is meant: see `Key_row`.
 struct Use {
@@ -102,6 +106,9 @@ constexpr Any_key ANY_KEY[] = {
     {Panel_mode::ASLEEP, "Any key wakes the panel"},
     {Panel_mode::LOCKED, "Any key asks for the PIN"},
 };
+// Of a notice or question on several pages.
+constexpr const char* PAGES = "Up/Down page";
+constexpr const char* ANY_OTHER_KEY = "Any other key acknowledges";
 
 constexpr Panel_mode LAST_MODE = Panel_mode::PIN;
 
@@ -179,6 +186,42 @@ void add_key_of(std::vector<std::string>& items, Key::Kind kind, const std::stri
     }
 }
 
+// "1-3/7" of the numbers up to `last`, each with `prefix` before it.
+std::string number_keys(const std::vector<int>& numbers, const std::string& prefix, int last) {
+    std::string keys;
+    for (auto number = numbers.begin(); number != numbers.end() && *number <= last; ++number) {
+        const int first = *number;
+        while (number + 1 != numbers.end() && *(number + 1) == *number + 1 &&
+               *(number + 1) <= last) {
+            ++number;
+        }
+        const std::string end = *number == first ? "" : "-" + prefix + std::to_string(*number);
+        add_key(keys, prefix + std::to_string(first) + end);
+    }
+    return keys;
+}
+
+// Empty where no key of a keyboard is a shortcut.
+std::string shortcut_keys(const std::vector<int>& numbers) {
+    std::string keys = number_keys(numbers, "", LAST_DIGIT);
+    const std::string function_keys = number_keys(numbers, "F", LAST_FUNCTION_KEY);
+    if (!function_keys.empty()) {
+        add_key(keys, function_keys);
+    }
+    return keys.size() <= std::strlen(ALL_SHORTCUT_KEYS) ? keys : ALL_SHORTCUT_KEYS;
+}
+
+void add_targets(std::vector<std::string>& items, const Key_uses& keys,
+                 const std::string& characters) {
+    const std::string shortcuts = shortcut_keys(keys.shortcuts);
+    if (!shortcuts.empty()) {
+        items.push_back(shortcuts + " " + SHORTCUTS);
+    }
+    if (keys.has_favourites) {
+        add_key_of(items, Key::FAVOURITES, characters, "favourites");
+    }
+}
+
 // Letters stand for every character, digits for themselves and the signs beside them.
 std::string typed_item(const std::string& characters) {
     if (characters.find('a') != std::string::npos) {
@@ -195,21 +238,28 @@ std::string typed_item(const std::string& characters) {
 
 }  // namespace
 
-std::vector<std::string> legend_of(Panel_mode mode, const std::string& characters, char quit) {
+std::vector<std::string> legend_of(const Frame& frame, char quit) {
+    return legend_of(frame.mode, frame.characters, frame.keys, quit);
+}
+
+std::vector<std::string> legend_of(Panel_mode mode, const std::string& characters,
+                                   const Key_uses& keys, char quit) {
     std::vector<std::string> items;
+    if (keys.turns_pages) {
+        items.emplace_back(PAGES);
+    }
     const auto* const any =
         std::find_if(std::begin(ANY_KEY), std::end(ANY_KEY),
                      [mode](const Any_key& known) { return known.mode == mode; });
     if (any != std::end(ANY_KEY)) {
-        items.emplace_back(any->use);
+        items.emplace_back(keys.turns_pages ? ANY_OTHER_KEY : any->use);
     }
     add_uses(items, mode, characters);
     if (!characters.empty()) {
         items.push_back(typed_item(characters));
     }
     if (is_in_menu(mode)) {
-        items.emplace_back(SHORTCUTS);
-        add_key_of(items, Key::FAVOURITES, characters, "favourites");
+        add_targets(items, keys, characters);
     }
     const bool has_log = mode != Panel_mode::LOG && mode != Panel_mode::LOG_LIST &&
                          mode != Panel_mode::ASLEEP && mode != Panel_mode::LOCKED &&
@@ -239,12 +289,14 @@ std::vector<std::string> folded(const std::vector<std::string>& items, int colum
 }
 
 int most_legend_lines(int columns, char quit) {
+    const Key_uses uses{true, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, true};
     size_t most = 0;
     for (int mode = 0; mode <= static_cast<int>(LAST_MODE); ++mode) {
         for (const std::string& characters : {std::string(), std::string("0123456789-.")}) {
             most = std::max(
                 most,
-                folded(legend_of(static_cast<Panel_mode>(mode), characters, quit), columns).size());
+                folded(legend_of(static_cast<Panel_mode>(mode), characters, uses, quit), columns)
+                    .size());
         }
     }
     return static_cast<int>(most);

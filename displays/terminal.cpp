@@ -170,8 +170,7 @@ void Terminal::draw_leds(int row, const Leds& leds) const {
 }
 
 void Terminal::draw_legend(int row, const Frame& frame) const {
-    for (const std::string& line :
-         folded(legend_of(frame.mode, frame.characters, QUIT_KEY), COLS)) {
+    for (const std::string& line : folded(legend_of(frame, QUIT_KEY), COLS)) {
         mvaddstr(row++, 0, line.c_str());
     }
 }

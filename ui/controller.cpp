@@ -81,6 +81,12 @@ Panel_mode Controller::mode() const {
     return m_editing.is_open() ? m_editing.mode() : m_navigation.mode();
 }
 
+Key_uses Controller::key_uses() {
+    Key_uses uses = m_navigation.key_uses();
+    uses.turns_pages = !(m_log && m_log->is_open()) && m_notices.has_pages();
+    return uses;
+}
+
 void Controller::press(const Key& pressed) {
     if (pressed.character != '\0' && characters().find(pressed.character) != std::string::npos) {
         m_editing.type(pressed.character);
@@ -287,6 +293,7 @@ Frame Controller::draw() {
     }
     frame.mode = mode();
     frame.characters = characters();
+    frame.keys = key_uses();
     return frame;
 }
 

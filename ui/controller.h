@@ -92,6 +92,7 @@ private:
 
     Key_place place() const;
     Panel_mode mode() const;
+    Key_uses key_uses();
     void press_meant(const Key& key);
     void press_in_menu(const Key& key);
     bool is_free() const;

@@ -118,6 +118,7 @@ Frame Session::draw(Time now) {
     if (m_dim) {
         frame.mode = m_asks ? Panel_mode::PIN : m_lock ? Panel_mode::LOCKED : Panel_mode::ASLEEP;
         frame.characters.clear();
+        frame.keys = {};
     }
     frame.leds.heart = m_heart;
     return frame;

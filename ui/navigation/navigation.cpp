@@ -1,6 +1,7 @@
 #include "navigation/navigation.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include <frontpanel_menu/entry_access.h>
@@ -53,6 +54,19 @@ Panel_mode Navigation::mode() const {
     return m_list.is_at_rest() ? Panel_mode::HOMESCREEN
            : is_home()         ? Panel_mode::HOME_CURSOR
                                : Panel_mode::TOP_MENU;
+}
+
+Key_uses Navigation::key_uses() const {
+    Key_uses uses;
+    uses.has_favourites = m_home.favourites != nullptr;
+    if (const std::map<int, ShortcutS>* const shortcuts = m_root.Get_shortcuts_map()) {
+        for (const auto& [button, shortcut] : *shortcuts) {
+            if (shortcut.entry != nullptr) {
+                uses.shortcuts.push_back(button);
+            }
+        }
+    }
+    return uses;
 }
 
 void Navigation::press(const Key& key) {

@@ -72,6 +72,8 @@ public:
     // Call it when something else is on the display.
     void cover() { m_list.cover(); }
     Panel_mode mode() const;
+    // Which shortcuts and favourites the menu has.
+    Key_uses key_uses() const;
     bool alarm() const { return m_list.alarm(); }
 
 private:

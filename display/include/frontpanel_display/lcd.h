@@ -89,6 +89,14 @@ enum class Panel_mode {
     PIN
 };
 
+// What some keys do now that depends on the menu and on what is shown.
+struct Key_uses {
+    bool has_favourites = false;
+    std::vector<int> shortcuts =
+        {};                    // the numbers of those that lead somewhere, in ascending order
+    bool turns_pages = false;  // UP and DOWN turn the pages of a long text
+};
+
 // One picture of the panel's front, which a display shows.
 struct Frame {
     Lcd lcd;
@@ -96,6 +104,7 @@ struct Frame {
     bool dim = false;  // the panel is idle: reduce or switch off the light
     Panel_mode mode = Panel_mode::MENU;
     std::string characters = {};  // that a keyboard can type now
+    Key_uses keys = {};
 };
 
 }  // namespace frontpanel

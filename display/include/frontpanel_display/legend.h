@@ -10,9 +10,12 @@
 
 namespace frontpanel {
 
-// The keys that do something and what they do, such as "Up/Down move", in the order of a legend. A key that types one of
-// `characters` has no other meaning. `quit` is the key that ends the panel, '\0' for none.
-std::vector<std::string> legend_of(Panel_mode mode, const std::string& characters, char quit);
+// The keys that do something while the frame is shown, and what they do, such as "Up/Down move", in the order of a legend.
+// A key that types one of `frame.characters` has no other meaning. `quit` is the key that ends the panel, '\0' for none.
+std::vector<std::string> legend_of(const Frame& frame, char quit);
+// The same of a mode by itself.
+std::vector<std::string> legend_of(Panel_mode mode, const std::string& characters,
+                                   const Key_uses& keys, char quit);
 
 // The items on lines of at most `columns` characters, two blanks between them. A longer item has a line of its own.
 std::vector<std::string> folded(const std::vector<std::string>& items, int columns);

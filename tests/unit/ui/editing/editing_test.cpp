@@ -384,8 +384,10 @@ TEST_F(EditingWarned, SeveralAreShownOneByOneAndLongOnesHavePages) {
     EXPECT_EQ(panel.lines()[0], "for a mono       2/3");
     panel.press(Key::UP).press(Key::DOWN).press(Key::COARSER).shortcut(1);
     EXPECT_EQ(panel.lines()[0], "for a mono       2/3");
+    EXPECT_TRUE(panel.controller().draw().keys.turns_pages);
     panel.press(Key::SELECT);
     EXPECT_EQ(panel.lines(), (Lines{"Width: really       ", "Enter yes, Esc no   "}));
+    EXPECT_FALSE(panel.controller().draw().keys.turns_pages);
     EXPECT_EQ(written(panel), "");
     panel.press(Key::SELECT);
     EXPECT_EQ(written(panel), "51");

@@ -329,6 +329,16 @@ TEST(Favourites, AMenuWithoutThemSaysSo) {
     EXPECT_EQ(panel.lines()[0], ">Audio               ...");
 }
 
+TEST(Favourites, AreAmongTheKeysOfAMenuThatHasThem) {
+    const Key_uses with = Menu_panel(menu_of(ITEMS, FAVOURITES), SIZE).controller().draw().keys;
+    EXPECT_TRUE(with.has_favourites);
+    EXPECT_EQ(with.shortcuts, std::vector<int>{1});
+    const Key_uses without =
+        Menu_panel(menu_of(MUTE), SIZE).controller().draw().keys;
+    EXPECT_FALSE(without.has_favourites);
+    EXPECT_EQ(without.shortcuts, std::vector<int>());
+}
+
 TEST(Favourites, ShowTheirTitleOnThreeLinesAndMore) {
     for (const auto& [size, title] :
          {std::pair<Lcd_size, std::string>{{20, 3}, "Favourites       1/2"},
