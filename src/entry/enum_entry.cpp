@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "../assertion.h"
@@ -178,8 +179,13 @@ int Enum_entry::valueToKey(const std::map<int, int>& map, int value) {
 
 void Enum_entry::index_positions() {
     m_keys_by_position.reset();
-    if (map_enum_to_options.size() > MOST_SEARCHED) {
+    if (map_enum_to_options.size() <= MOST_SEARCHED) {
+        return;
+    }
+    try {
         m_keys_by_position = std::make_unique<Keys_by_position>(map_enum_to_options);
+    } catch (const std::bad_alloc&) {
+        // Without memory for it, positions are searched.
     }
 }
 

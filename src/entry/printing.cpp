@@ -69,8 +69,9 @@ private:
             print_heading(entry);
             return;
         }
-        m_levels.push_front({&entry, nullptr, m_met.enter()});
+        // The level comes last of what may throw: to leave it unlocks the entry.
         m_entries.insert(&entry);
+        m_levels.push_front({&entry, nullptr, m_met.enter()});
         pthread_mutex_lock(&entry.m_entry_mutex);
         print_heading(entry);
     }

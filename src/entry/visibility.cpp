@@ -116,8 +116,8 @@ private:
             m_answer = entry.visibility_alone(refresh, m_iface);
             return;
         }
-        entry.m_visibility_asked = true;
         m_asked.push({&entry, nullptr, Step::START, refresh, false, 0, m_met.enter()});
+        entry.m_visibility_asked = true;  // last, since only `drop` lowers it
     }
 
     void ask_link(Link_entry& link, bool refresh) {

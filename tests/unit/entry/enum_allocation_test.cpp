@@ -70,4 +70,19 @@ TEST_F(EnumAllocation, DisplayAndSteppingAllocateNothing) {
     EXPECT_EQ(position, 600);
 }
 
+// The device's key of its own makes the list of positions out of date.
+TEST_F(EnumAllocation, WithoutMemoryAnOptionIsFoundAllTheSame) {
+    device.key = 5000;
+    entry.Refresh(&device, false);
+    for (int wanted = 1; wanted <= 3; ++wanted) {
+        support::fail_allocation(static_cast<std::size_t>(wanted));
+        int key = 0;
+        int result = -1;
+        EXPECT_NO_THROW(result = entry.Get_value(&key, sizeof key, 700 + wanted));
+        support::fail_allocation(0);
+        EXPECT_EQ(result, 0);
+        EXPECT_EQ(key, 700 + wanted);
+    }
+}
+
 }  // namespace

@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
+#include "support/allocation_counter.h"
 #include "support/capture.h"
 #include "support/indexes.h"
 
@@ -100,6 +102,38 @@ TEST_F(Tree_locking, RemovingNullLocksNothing) {
 TEST_F(Tree_locking, PrintingHoldsTheParentWhileChildrenLockThemselves) {
     support::capture(0, [&] { parent.Print(); });
     EXPECT_EQ(order, (Order{"+Parent", "+First", "-First", "+Second", "-Second", "-Parent"}));
+}
+
+// The first allocation fails, then the second, and so on, until all succeed.
+TEST_F(Tree_locking, PrintingWithoutMemoryUnlocksWhatItLocked) {
+    order.reserve(100);
+    bool is_thrown = true;
+    std::size_t number = 0;
+    while (is_thrown) {
+        ++number;
+        order.clear();
+        support::capture(0, [&] {
+            support::fail_allocation(number);
+            try {
+                parent.Print();
+                is_thrown = false;
+            } catch (const std::bad_alloc&) {
+            }
+            support::fail_allocation(0);
+        });
+        Order held;
+        for (const std::string& step : order) {
+            if (step[0] == '+') {
+                held.push_back(step.substr(1));
+                continue;
+            }
+            ASSERT_FALSE(held.empty()) << step << " at allocation " << number;
+            EXPECT_EQ(held.back(), step.substr(1)) << "at allocation " << number;
+            held.pop_back();
+        }
+        EXPECT_EQ(held, Order{}) << "at allocation " << number;
+    }
+    EXPECT_GT(number, 3u);
 }
 
 // Every line of a removal names the child, so asking for its name stands for printing.

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
+#include "support/allocation_counter.h"
 #include "support/capture.h"
 #include "support/fake_binding.h"
 #include "support/fake_device.h"
@@ -420,6 +422,32 @@ TEST_F(Visibility, ACircleOfNodesEnds) {
     inner.Set_child(&node);
     EXPECT_EQ(node.isVisible(), 1);
     EXPECT_EQ(node.isVisible(true, &device), 1);
+}
+
+// The first allocation fails, then the second, and so on, until all succeed.
+TEST_F(Visibility, AQuestionThatRunsOutOfMemoryLeavesNoEntryAsked) {
+    std::vector<std::unique_ptr<Node>> chain;
+    for (int level = 0; level < 12; ++level) {
+        chain.push_back(std::make_unique<Node>("Level", level == 0 ? nullptr : chain.back().get()));
+    }
+    Leaf_options options;
+    Leaf leaf("Hidden", chain.back().get(), options);
+    leaf.Set_invisible();
+    bool is_thrown = true;
+    std::size_t number = 0;
+    while (is_thrown) {
+        support::fail_allocation(++number);
+        try {
+            chain.front()->isVisible();
+            is_thrown = false;
+        } catch (const std::bad_alloc&) {
+        }
+        support::fail_allocation(0);
+        for (const std::unique_ptr<Node>& level : chain) {
+            EXPECT_EQ(level->isVisible(), -1) << "at allocation " << number;
+        }
+    }
+    EXPECT_GT(number, 3u);
 }
 
 TEST_F(Visibility, OfADeepMenuNeedsNoStackForItsLevels) {

@@ -1,43 +1,22 @@
 #include <frontpanel_data/front_panel_messages.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
 
-namespace {
-
-bool is_memory_left = true;
-
-}  // namespace
-
-void* operator new[](std::size_t size) {
-    void* const memory = is_memory_left ? std::malloc(size) : nullptr;
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t /*size*/) noexcept {
-    std::free(memory);
-}
+#include "support/allocation_counter.h"
 
 namespace {
 
 template <class Class, class... Arguments>
 bool throws_without_memory(Arguments... arguments) {
-    is_memory_left = false;
     bool is_thrown = false;
+    support::fail_allocation(1);
     try {
         const Class message(arguments...);
     } catch (const std::bad_alloc&) {
         is_thrown = true;
     }
-    is_memory_left = true;
+    support::fail_allocation(0);
     return is_thrown;
 }
 
