@@ -1,6 +1,7 @@
 #include <frontpanel_binding/parameter_table.h>
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 
 #include <frontpanel_base/nearest_name.h>
@@ -31,17 +32,39 @@ bool can_stand_in_brackets(std::string_view name) {
 }  // namespace
 
 void Parameter_table::reserve(std::size_t count) {
-    m_variables.reserve(m_variables.size() + count);
-    m_named.reserve(m_named.size() + count);
+    m_parameter_index.reserve(m_parameters.size() + count,
+                              [this](std::uint32_t number) { return hash_of_parameter(number); });
+    m_name_index.reserve(m_names.size() + count,
+                         [this](std::uint32_t number) { return hash_of_name(number); });
+}
+
+std::uint64_t Parameter_table::hash_of_parameter(std::uint32_t number) const {
+    return variable_of(m_parameters[number].pid, m_parameters[number].index);
+}
+
+std::uint64_t Parameter_table::hash_of_name(std::uint32_t number) const {
+    return std::hash<std::string_view>()(m_names[number].name);
+}
+
+std::uint32_t Parameter_table::number_of(std::uint32_t pid, const Index_t& index) const {
+    const std::uint64_t variable = variable_of(pid, index);
+    return m_parameter_index.find(
+        variable, [&](std::uint32_t number) { return hash_of_parameter(number) == variable; });
+}
+
+std::uint32_t Parameter_table::number_of(std::string_view name) const {
+    return m_name_index.find(std::hash<std::string_view>()(name),
+                             [&](std::uint32_t number) { return m_names[number].name == name; });
 }
 
 Parameter& Parameter_table::variable(const Parameter& parameter) {
-    const auto [known, is_new] =
-        m_variables.try_emplace(variable_of(parameter.pid, parameter.index));
-    if (is_new) {
-        known->second = &m_parameters.emplace_back();
+    const std::uint32_t known = number_of(parameter.pid, parameter.index);
+    if (known != Hash_index::NONE) {
+        return m_parameters[known];
     }
-    return *known->second;
+    m_parameters.push_back(parameter);
+    m_parameter_index.add([this](std::uint32_t number) { return hash_of_parameter(number); });
+    return m_parameters.back();
 }
 
 void Parameter_table::declare(const Parameter& parameter) {
@@ -59,19 +82,20 @@ bool Parameter_table::declare(std::string_view name, const Parameter& parameter)
     Parameter& declared = variable(parameter);
     declared = parameter;
     if (known == nullptr) {
-        m_named.emplace(m_names.emplace_back(name), &declared);
+        m_names.push_back({std::string(name), &declared});
+        m_name_index.add([this](std::uint32_t number) { return hash_of_name(number); });
     }
     return true;
 }
 
 const Parameter* Parameter_table::find(std::uint32_t pid, const Index_t& index) const {
-    const auto known = m_variables.find(variable_of(pid, index));
-    return known != m_variables.end() ? known->second : nullptr;
+    const std::uint32_t known = number_of(pid, index);
+    return known != Hash_index::NONE ? &m_parameters[known] : nullptr;
 }
 
 const Parameter* Parameter_table::find(std::string_view name) const {
-    const auto known = m_named.find(name);
-    return known != m_named.end() ? known->second : nullptr;
+    const std::uint32_t known = number_of(name);
+    return known != Hash_index::NONE ? m_names[known].parameter : nullptr;
 }
 
 const Parameter* Parameter_table::find_reference(std::string_view text) const {
@@ -89,8 +113,8 @@ RETURN_TYPE Parameter_table::type_of(const var_index_s& key) const {
 
 std::string_view Parameter_table::closest(std::string_view name) const {
     Nearest_name nearest(name);
-    for (const std::string& each : m_names) {
-        if (!offer_within_bounds(nearest, each, m_searched)) {
+    for (const Named& each : m_names) {
+        if (!offer_within_bounds(nearest, each.name, m_searched)) {
             break;
         }
     }

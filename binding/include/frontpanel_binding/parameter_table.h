@@ -11,8 +11,8 @@
 #include <limits>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
+#include <frontpanel_base/hash_index.h>
 #include <frontpanel_data/data_interface.h>
 
 #include <frontpanel_binding/parameter_address.h>
@@ -62,11 +62,23 @@ private:
     // The parameter of the same device variable; a new one unless it is declared.
     Parameter& variable(const Parameter& parameter);
 
+    struct Named {
+        std::string name;
+        const Parameter* parameter;
+    };
+
+    // The number of a parameter, and of a name; Hash_index::NONE for one that is not declared.
+    std::uint32_t number_of(std::uint32_t pid, const Index_t& index) const;
+    std::uint32_t number_of(std::string_view name) const;
+    // That of a parameter is its device variable.
+    std::uint64_t hash_of_parameter(std::uint32_t number) const;
+    std::uint64_t hash_of_name(std::uint32_t number) const;
+
+    // In the order of declaration.
     std::deque<Parameter> m_parameters;
-    std::unordered_map<std::uint64_t, Parameter*> m_variables;
-    std::deque<std::string>
-        m_names;  // what the keys of the map refer to, in the order of declaration
-    std::unordered_map<std::string_view, const Parameter*> m_named;
+    std::deque<Named> m_names;
+    Hash_index m_parameter_index;  // by device variable
+    Hash_index m_name_index;
     mutable std::size_t m_searched = 0;  // by all calls of `closest`
 };
 

@@ -1,0 +1,78 @@
+// Finds the items of a sequence by a key, in 8 to 16 bytes an item: a menu has tens of thousands of parameters, and a node of
+// a map for each takes five times as much.
+#ifndef FRONTPANEL_BASE_HASH_INDEX_H
+#define FRONTPANEL_BASE_HASH_INDEX_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace frontpanel {
+
+// The sequence is the caller's: the index knows its items by their numbers from 0, and asks the caller for the rest.
+class Hash_index {
+public:
+    static constexpr std::uint32_t NONE = std::numeric_limits<std::uint32_t>::max();
+
+    // The number of the item with that hash of its key for which `is_it` holds; NONE when there is none.
+    template <typename Is_it>
+    std::uint32_t find(std::uint64_t hash, Is_it is_it) const {
+        if (m_places.empty()) {
+            return NONE;
+        }
+        std::size_t place = place_of(hash);
+        while (m_places[place] != NONE && !is_it(m_places[place])) {
+            place = next(place);
+        }
+        return m_places[place];
+    }
+    // Adds the next item, which is not found yet. `hash_of` has the hash of each item, this one included.
+    template <typename Hash_of>
+    void add(Hash_of hash_of) {
+        const std::uint32_t number = m_count;
+        reserve(m_count + 1, hash_of);
+        put(number, hash_of(number));
+        ++m_count;
+    }
+    // Expects so many items.
+    template <typename Hash_of>
+    void reserve(std::size_t count, Hash_of hash_of) {
+        unsigned int bits = std::max(m_bits, FEWEST_BITS);
+        while (count > std::size_t{1} << (bits - 1)) {
+            ++bits;
+        }
+        if (bits > m_bits) {
+            m_bits = bits;
+            m_places = std::vector<std::uint32_t>(std::size_t{1} << bits, NONE);
+            for (std::uint32_t number = 0; number < m_count; ++number) {
+                put(number, hash_of(number));
+            }
+        }
+    }
+
+private:
+    static constexpr unsigned int FEWEST_BITS = 4;
+
+    // A key may be its own hash, so whatever bits differ count: the upper ones of the product depend on all.
+    std::size_t place_of(std::uint64_t hash) const {
+        return static_cast<std::size_t>(hash * 0x9E3779B97F4A7C15U >> (64 - m_bits));
+    }
+    std::size_t next(std::size_t place) const { return (place + 1) & (m_places.size() - 1); }
+    void put(std::uint32_t number, std::uint64_t hash) {
+        std::size_t place = place_of(hash);
+        while (m_places[place] != NONE) {
+            place = next(place);
+        }
+        m_places[place] = number;
+    }
+
+    unsigned int m_bits = 0;              // of the number of places
+    std::vector<std::uint32_t> m_places;  // half of them free at least
+    std::uint32_t m_count = 0;
+};
+
+}  // namespace frontpanel
+
+#endif
