@@ -5,6 +5,7 @@
 #include <rapidjson/stream.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <functional>
 #include <type_traits>
@@ -263,7 +264,7 @@ std::string_view Json_storage::keep(std::string_view text) {
     if (text.empty()) {
         return {};
     }
-    void* const kept = std::memcpy(allocate(text.size()), text.data(), text.size());
+    void* const kept = std::memcpy(allocate(text.size(), 1), text.data(), text.size());
     return {static_cast<const char*>(kept), text.size()};
 }
 
@@ -271,7 +272,7 @@ Json_span<Json_node> Json_storage::keep(const Json_node* first, size_t size) {
     if (size == 0) {
         return {nullptr, 0};
     }
-    auto* const kept = static_cast<Json_node*>(allocate(size * sizeof *first));
+    auto* const kept = static_cast<Json_node*>(allocate(size * sizeof *first, alignof(Json_node)));
     return {kept, static_cast<size_t>(std::uninitialized_copy_n(first, size, kept) - kept)};
 }
 
@@ -279,28 +280,26 @@ Json_span<Json_member> Json_storage::keep(const Json_member* first, size_t size)
     if (size == 0) {
         return {nullptr, 0};
     }
-    auto* const kept = static_cast<Json_member*>(allocate(size * sizeof *first));
+    auto* const kept =
+        static_cast<Json_member*>(allocate(size * sizeof *first, alignof(Json_member)));
     return {kept, static_cast<size_t>(std::uninitialized_copy_n(first, size, kept) - kept)};
 }
 
-// Large contents get a piece of their own, behind which the one in use goes on.
-void* Json_storage::allocate(size_t bytes) {
-    constexpr size_t ALIGNMENT = alignof(Json_member);
-    static_assert(alignof(Json_member) >= alignof(Json_node));
-    const size_t rounded = (bytes + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
-    if (rounded > PIECE_SIZE / 4) {
-        m_pieces.push_back({std::unique_ptr<std::byte[]>(new std::byte[rounded]), rounded, false});
+// Large contents get a piece of their own, behind which the one in use goes on. The end of a piece is aligned for all.
+void* Json_storage::allocate(size_t bytes, size_t alignment) {
+    if (bytes > PIECE_SIZE / 4) {
+        m_pieces.push_back({std::unique_ptr<std::byte[]>(new std::byte[bytes]), bytes, false});
         return m_pieces.back().bytes.get();
     }
-    if (rounded > m_left) {
+    m_left &= ~(alignment - 1);
+    if (bytes > m_left) {
         m_pieces.push_back(
             {std::unique_ptr<std::byte[]>(new std::byte[PIECE_SIZE]), PIECE_SIZE, true});
-        m_next = m_pieces.back().bytes.get();
         m_left = PIECE_SIZE;
+        m_end = m_pieces.back().bytes.get() + PIECE_SIZE;
     }
-    std::byte* const result = m_next;
-    m_next += rounded;
-    m_left -= rounded;
+    std::byte* const result = m_end - m_left;
+    m_left -= bytes;
     return result;
 }
 
@@ -327,7 +326,69 @@ void Json_storage::release_between(const void* first, const void* last) {
     }
 }
 
-// The members of the elements are kept one after the other, with nothing else between them.
+void Json_storage::release(const void* kept) {
+    const size_t number = piece_of(kept);
+    if (number < m_pieces.size() && !m_pieces[number].is_shared) {
+        m_pieces[number] = {nullptr, 0, false};
+    }
+}
+
+// Copies the texts of a document's values. A menu repeats a few names, types and formats thousands of times, so a text that
+// equals the latest one of its length and ends is not copied again.
+class Json_text_mover {
+public:
+    explicit Json_text_mover(Json_storage& storage) : m_storage(storage) {}
+
+    void move_texts(Json_node& node) {
+        switch (node.kind()) {
+            case Kind::TEXT:
+            case Kind::REAL:
+                node.m_content.text = moved(node.text(), m_latest_texts);
+                break;
+            case Kind::LIST:
+                for (const Json_node& element : node.elements()) {
+                    move_texts(own(element));
+                }
+                break;
+            case Kind::OBJECT:
+                for (const Json_member& member : node.members()) {
+                    own(member).m_name = moved(member.name(), m_latest_names);
+                    move_texts(own(member).value);
+                }
+                break;
+            default:
+                break;
+        }
+    }
+
+private:
+    using Latest = std::array<std::string_view, 64>;
+
+    // All values but the root are in the storage of the document, which is not constant.
+    template <typename Item>
+    static Item& own(const Item& item) {
+        return const_cast<Item&>(item);
+    }
+    const char* moved(std::string_view text, Latest& latest) {
+        if (text.empty()) {
+            return nullptr;
+        }
+        const auto at = [text](size_t place) { return static_cast<unsigned char>(text[place]); };
+        std::string_view& alike =
+            latest[(text.size() * 7 + at(0) * size_t{5} + at(text.size() - 1)) % latest.size()];
+        if (alike != text) {
+            alike = m_storage.keep(text);
+        }
+        return alike.data();
+    }
+
+    Json_storage& m_storage;
+    Latest m_latest_names;
+    Latest m_latest_texts;
+};
+
+// The members of the elements are kept one after the other, with nothing else between them. The list itself is in the
+// storage, which is not constant.
 void Json_document::release_elements(const Json_node& list) {
     const Json_span<Json_node> elements = list.elements();
     if (elements.empty()) {
@@ -335,9 +396,16 @@ void Json_document::release_elements(const Json_node& list) {
     }
     const Json_span<Json_member> first = elements[0].members();
     const Json_span<Json_member> last = elements[elements.size() - 1].members();
+    const_cast<Json_node&>(list) = Json_node::of_elements({nullptr, 0}, list.mark());
     if (!first.empty() && !last.empty()) {
         m_storage.release_between(first.begin(), last.begin());
     }
+    m_storage.release(elements.begin());
+}
+
+void Json_document::release_text() {
+    Json_text_mover(m_texts).move_texts(m_root);
+    std::string().swap(m_text);
 }
 
 Json_document::Json_document(const Source& source, std::string text, size_t most_values)

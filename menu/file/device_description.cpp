@@ -173,7 +173,10 @@ void Device_description::load_limits(const Json_value& parameter, Parameter& dec
         declared.length = text_limit_of(parameter, m_problems);
         const auto value = parameter.find("value");
         if (m_loading.simulator && value && value->is_text()) {
-            m_start_texts.insert({{declared.pid, varidx_of(declared.index)}, value->node()});
+            const Json_node& node = value->node();
+            m_start_texts.emplace(
+                std::pair(declared.pid, varidx_of(declared.index)),
+                Json_node::of_text(node.kind(), m_kept_texts.keep(node.text()), node.mark()));
         }
     }
 }

@@ -231,7 +231,7 @@ void enlist(Load_context& context, const Json_value& item, Data_entry& entry) {
     if (!is_link(entry)) {
         context.built.items.push_back({&entry, item});
     }
-    context.names.add(entry.Get_name(), &entry);
+    context.names.add(entry);
     if (const auto id = item.find(member::ID)) {
         context.problems.attempt([&] { add_id(context, *id, entry); });
     }

@@ -8,8 +8,8 @@ void Item_names::open(const std::string& menu) {
     m_open.push_back(&m_menus.emplace_back(*m_open.back() + menu + "/"));
 }
 
-void Item_names::add(const std::string& name, Data_entry* entry) {
-    m_added.push_back({m_open.back(), name, entry});
+void Item_names::add_wrong(const std::string& name) {
+    m_added.push_back({m_open.back(), m_wrong_names.emplace_back(name).c_str(), nullptr});
 }
 
 void Item_names::make_paths() const {

@@ -19,9 +19,11 @@ public:
     void open(const std::string& menu);
     void close() { m_open.pop_back(); }
 
-    // Null for a wrong item, which was reported: its names are known and lead nowhere.
-    void add(const std::string& name, Data_entry* entry);
-    // False when another item has the id.
+    // An item of the menu that is open. It outlives the names.
+    void add(Data_entry& entry) { m_added.push_back({m_open.back(), entry.Get_name(), &entry}); }
+    // A wrong item, which was reported: its name is known and leads nowhere.
+    void add_wrong(const std::string& name);
+    // False when another item has the id. Null for a wrong item.
     bool add_id(const std::string& id, Data_entry* entry);
 
     // The item that a text names. Placed_error when no item has the name, or more than one.
@@ -30,7 +32,7 @@ public:
 private:
     struct Added {
         const std::string* menu;  // path of the menu around it, with a slash at the end
-        std::string name;
+        const char* name;         // of the entry, or one of m_wrong_names
         Data_entry* entry;
     };
     // Many menus never refer to an item by its path: paths are made when the first one is looked up.
@@ -46,6 +48,7 @@ private:
     std::deque<std::string> m_menus{""};
     std::vector<const std::string*> m_open{&m_menus.front()};  // outermost first
     mutable std::deque<Added> m_added;                         // items whose paths are not made yet
+    std::deque<std::string> m_wrong_names;
     mutable std::map<std::string, Named> m_paths;
     std::map<std::string, Data_entry*> m_ids;
 };

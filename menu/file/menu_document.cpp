@@ -139,12 +139,13 @@ bool Menu_document::is_written_out(const File& file) const {
 void Menu_document::release_parameters() {
     const Json_node* const device = m_root.member("device");
     const Json_node* const list = device != nullptr ? device->member("parameters") : nullptr;
-    if (list == nullptr || !list->is(Kind::LIST) || !is_written_out(m_files.front())) {
+    if (list == nullptr || !is_written_out(m_files.front())) {
         return;
     }
-    m_files.front().document->release_elements(*list);
-    const Json_node none = Json_node::of_elements({nullptr, 0}, list->mark());
-    m_root = with_value(m_root, "device", with_value(*device, "parameters", none));
+    Json_document& document = *m_files.front().document;
+    document.release_elements(*list);
+    document.release_text();
+    m_root = document.root();
 }
 
 bool Menu_document::may_have_member(std::string_view name) const {
@@ -264,18 +265,6 @@ Json_node Menu_document::without_member(const Json_node& node, const char* name)
         }
     }
     return Json_node::of_members(m_storage.keep(rest.data(), rest.size()), node.mark());
-}
-
-Json_node Menu_document::with_value(const Json_node& node, const char* name,
-                                    const Json_node& value) {
-    std::vector<Json_member> members(node.members().begin(), node.members().end());
-    const auto found =
-        std::find_if(members.begin(), members.end(),
-                     [name](const Json_member& member) { return member.name() == name; });
-    if (found != members.end()) {
-        found->value = value;
-    }
-    return Json_node::of_members(m_storage.keep(members.data(), members.size()), node.mark());
 }
 
 Menu_document::Unknown Menu_document::unknown_in(std::string_view member) {

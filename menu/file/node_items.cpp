@@ -16,7 +16,7 @@ void add_wrong_item(Load_context& context, const Json_value& item) {
     }
     const auto name = item.find(member::NAME);
     if (name && name->is_text()) {
-        context.names.add(shown_name(name->shown_text()), nullptr);
+        context.names.add_wrong(shown_name(name->shown_text()));
     }
     const auto id = item.find(member::ID);
     if (id && id->is_text()) {

@@ -128,6 +128,8 @@ public:
     bool is_same(const Json_node& other) const;
 
 private:
+    friend class Json_text_mover;
+
     union Content {
         int64_t number = 0;
         const char* text;
@@ -166,6 +168,8 @@ public:
     Json_node value;
 
 private:
+    friend class Json_text_mover;
+
     const char* m_name = nullptr;
     const Json_origin* m_origin = nullptr;
     uint32_t m_size = 0;
@@ -205,6 +209,8 @@ public:
     // Releases what was kept after `first` and before `last`, except pieces that also hold other contents. Requires:
     // both were kept here, `first` before `last`.
     void release_between(const void* first, const void* last);
+    // Releases a content, unless it shares a piece with something else.
+    void release(const void* kept);
 
 private:
     struct Piece {
@@ -213,13 +219,13 @@ private:
         bool is_shared;  // by contents kept one after the other; else it holds one large content
     };
 
-    void* allocate(size_t bytes);
+    void* allocate(size_t bytes, size_t alignment);
     // The number of the piece that holds `kept`; the number of pieces when it was not kept here.
     size_t piece_of(const void* kept) const;
 
     std::vector<Piece> m_pieces;  // in the order in which they were begun
-    size_t m_left = 0;            // bytes left after m_next
-    std::byte* m_next = nullptr;
+    size_t m_left = 0;            // bytes left before m_end
+    std::byte* m_end = nullptr;   // of the shared piece in use
 };
 
 // Which names the members of a document may have, so that a large document is not searched for a name that it lacks.
@@ -256,14 +262,19 @@ public:
     const Json_node& root() const { return m_root; }
     size_t value_count() const { return m_value_count; }
     const Json_names& names() const { return m_names; }
-    // Releases most of the memory of the elements of a list of this document. Requires: they are not used any more.
+    // Empties a list of this document and releases most of the memory of its elements. Requires: they are not used any
+    // more.
     void release_elements(const Json_node& list);
+    // Releases the text of the file: what the values still need of it is copied, equal texts mostly once. Views of texts
+    // and names from before are invalid; values stay where they are.
+    void release_text();
 
 private:
     std::string m_text;  // texts are decoded in place
     Json_lines m_lines;  // as they were before
     Json_origin m_origin;
     Json_storage m_storage;
+    Json_storage m_texts;  // instead of m_text
     Json_names m_names;
     size_t m_value_count = 0;
     Json_node m_root;

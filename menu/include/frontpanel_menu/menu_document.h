@@ -40,7 +40,8 @@ public:
     std::vector<std::string> files() const;
     // False when no object in these files has a member of that name; true when one may have it.
     bool may_have_member(std::string_view name) const;
-    // Empties the list of the device's parameters and releases its memory as far as possible.
+    // Empties the list of the device's parameters, and releases its memory and the text of the file as far as possible.
+    // Views of texts are invalid afterwards.
     void release_parameters();
     // For the errors that readers of the document find.
     Problems& problems() { return m_problems; }
@@ -106,8 +107,6 @@ private:
     std::unique_ptr<Json_document> parse(const Json_node& name, const std::string& path);
     std::string replaced(const Json_node& text, const Scope& scope, Unknown unknown);
     Json_node without_member(const Json_node& node, const char* name);
-    // A copy of the object in which the first member of that name has another value.
-    Json_node with_value(const Json_node& node, const char* name, const Json_node& value);
     void count(const Json_mark& mark, size_t values);
     void count_text(const Json_mark& mark, size_t bytes);
     void expect_members(const Json_node& node, const std::vector<const char*>& known);

@@ -1,6 +1,9 @@
 // JSON texts with places, and what is refused of them.
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <set>
+
 #include <frontpanel_base/json_document.h>
 
 namespace frontpanel {
@@ -69,6 +72,7 @@ TEST(JsonDocument, WhatStandsAroundReleasedElementsStays) {
         Json_document document(SOURCE,
                                before + repeated(element, 20000 * 20 / element.size()) + behind);
         document.release_elements(*document.root().member("list"));
+        EXPECT_TRUE(document.root().member("list")->elements().empty());
         for (const auto& [name, value] :
              {std::pair<const char*, std::string_view>("before", "a"), {"behind", "b"}}) {
             const Json_span<Json_node> around = document.root().member(name)->elements();
@@ -78,6 +82,47 @@ TEST(JsonDocument, WhatStandsAroundReleasedElementsStays) {
             EXPECT_EQ(around[1].elements()[9999].integer(), 7);
         }
     }
+}
+
+TEST(JsonDocument, TheTextOfTheFileIsReleasedBehindWhatIsRead) {
+    const std::string text =
+        R"({"name": "a\u0041", "": ["", 1.50, {"name": "x", "eman": "name", "deep": [["aA", 7]]}]})";
+    Json_document document(SOURCE, text);
+    const Json_node& list = document.root().members()[1].value;
+    const std::string places = places_of(document.root());
+    document.release_text();
+    EXPECT_EQ(places_of(document.root()), places);
+    EXPECT_EQ(document.root().member("name")->text(), "aA");
+    EXPECT_EQ(&document.root().members()[1].value, &list);
+    EXPECT_EQ(document.root().members()[1].name(), "");
+    EXPECT_EQ(list.elements()[0].text(), "");
+    EXPECT_EQ(list.elements()[1].text(), "1.50");
+    EXPECT_EQ(list.elements()[2].member("name")->text(), "x");
+    EXPECT_EQ(list.elements()[2].member("eman")->text(), "name");
+    const Json_node& deepest = list.elements()[2].member("deep")->elements()[0];
+    EXPECT_EQ(deepest.elements()[0].text(), "aA");
+    EXPECT_EQ(deepest.elements()[1].integer(), 7);
+}
+
+TEST(JsonDocument, OfEqualTextsFewAreKept) {
+    std::string text = "[";
+    for (int i = 0; i < 1000; ++i) {
+        text += std::string(i == 0 ? "" : ",") + R"({"name": "Gain )" + std::to_string(i) +
+                R"(", "type": "range"})";
+    }
+    Json_document document(SOURCE, text + "]");
+    document.release_text();
+    std::set<const char*> kept;
+    for (int i = 0; i < 1000; ++i) {
+        const Json_node& item = document.root().elements()[static_cast<size_t>(i)];
+        EXPECT_EQ(item.member("name")->text(), "Gain " + std::to_string(i));
+        EXPECT_EQ(item.member("type")->text(), "range");
+        for (const Json_member& member : item.members()) {
+            kept.insert(member.name().data());
+        }
+        kept.insert(item.member("type")->text().data());
+    }
+    EXPECT_LT(kept.size(), 100U);
 }
 
 TEST(JsonDocument, AByteOrderMarkIsSkipped) {
