@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -7,6 +6,7 @@
 #include <vector>
 
 #include "check/checks.h"
+#include "check/entry_table.h"
 #include "file/item_members.h"
 
 namespace frontpanel {
@@ -56,11 +56,13 @@ std::optional<Limit> limit_of(const std::string& text) {
 class Circles {
 public:
     Circles(const Built_menu& built, Problems& problems) : m_built(built), m_problems(problems) {
+        m_items.reserve(built.rules.size());
         for (const Built_menu::Item& item : built.items) {
             if (item.item.find(member::BINDING)) {
-                m_items.emplace(item.entry, item.item);
+                m_items.add(item.entry, item.item);
             }
         }
+        m_items.complete();
     }
 
     void check() {
@@ -111,10 +113,9 @@ private:
         return first && second && *first != *second;
     }
     std::optional<Limit> limit_at(const Binding_cycle::Step& step) const {
-        const auto found = m_items.find(step.entry);
-        return found == m_items.end()
-                   ? std::nullopt
-                   : limit_of(found->second.member(member::BINDING).text_with_lines());
+        const Json_value* const found = m_items.find(step.entry);
+        return found == nullptr ? std::nullopt
+                                : limit_of(found->member(member::BINDING).text_with_lines());
     }
 
     bool is_allowed(const Binding_cycle& cycle) const {
@@ -126,7 +127,7 @@ private:
 
     const Built_menu& m_built;
     Problems& m_problems;
-    std::map<const Data_entry*, Json_value> m_items;
+    Entry_table<Json_value> m_items;
     std::set<Texts> m_reported;
 };
 

@@ -2,12 +2,11 @@
 #include <frontpanel_menu/entry_access.h>
 #include <frontpanel_menu/list_line.h>
 
-#include <map>
 #include <set>
 #include <tuple>
-#include <utility>
 
 #include "check/checks.h"
+#include "check/entry_table.h"
 #include "check/widest_value.h"
 #include "file/item_members.h"
 
@@ -29,29 +28,30 @@ public:
         : m_columns(columns), m_list_columns(columns - CURSOR_COLUMNS) {}
 
     void check_values(const Built_menu& built) {
-        Widest_values widest;
+        m_widest.reserve(built.items.size());
         for (const Built_menu::Item& item : built.items) {
-            if (auto text = widest.of(*item.entry, item.item)) {
-                m_widest[item.entry] = std::move(*text);
-                warn_of_value(item);
+            if (const std::string* const text = m_values.of(*item.entry, item.item)) {
+                m_widest.add(item.entry, text);
+                warn_of_value(item, *text);
             }
         }
+        m_widest.complete();
     }
 
     void check_name(const Json_value& place, const Data_entry& entry) {
         const std::string name = entry.Get_name();
-        const auto widest = m_widest.find(&housed(entry));
-        const bool is_known = widest != m_widest.end();
-        const int value = is_menu(entry) ? width_of(MENU_MARK)
-                          : is_known     ? width_of(widest->second)
-                                         : LEAST_VALUE_COLUMNS;
+        const std::string* const* const known = m_widest.find(&housed(entry));
+        const std::string* const widest = known != nullptr ? *known : nullptr;
+        const int value = is_menu(entry)      ? width_of(MENU_MARK)
+                          : widest != nullptr ? width_of(*widest)
+                                              : LEAST_VALUE_COLUMNS;
         const Line_room room =
             room_of(width_of(name), value, m_list_columns, least_name_columns(entry));
         // A value that goes round is warned of itself.
         if (room.left < width_of(name) && room.right >= value) {
             warn(place, "a list of " + std::to_string(m_columns) + " columns has room for " +
                             quoted(start_of(name, room.left)) + " of this name" +
-                            (is_known ? " beside the value " + quoted(widest->second) : ""));
+                            (widest != nullptr ? " beside the value " + quoted(*widest) : ""));
         }
     }
 
@@ -68,8 +68,7 @@ public:
     }
 
 private:
-    void warn_of_value(const Built_menu::Item& item) {
-        const std::string& text = m_widest.at(item.entry);
+    void warn_of_value(const Built_menu::Item& item, const std::string& text) {
         const int width = width_of(text);
         if (room_of(width_of(item.entry->Get_name()), width, m_list_columns,
                     least_name_columns(*item.entry))
@@ -96,7 +95,8 @@ private:
 
     int m_columns;
     int m_list_columns;
-    std::map<const Data_entry*, std::string> m_widest;
+    Widest_values m_values;
+    Entry_table<const std::string*> m_widest;  // of the items that have one
     std::set<std::tuple<const Source*, uint32_t, uint32_t, std::string>> m_told;
 };
 

@@ -1,10 +1,10 @@
 #include <algorithm>
-#include <map>
 #include <set>
 #include <vector>
 
 #include <frontpanel_menu/entry_access.h>
 #include "check/checks.h"
+#include "check/entry_table.h"
 #include "file/item_members.h"
 
 namespace frontpanel {
@@ -26,13 +26,15 @@ class Reach {
 public:
     explicit Reach(const Built_menu& built)
         : m_built(built), m_led_into(menus_around_targets(built.links)) {
+        m_items.reserve(built.items.size());
         for (const Built_menu::Item& item : built.items) {
-            m_items.insert({item.entry, {item.item, is_never_shown(item)}});
+            m_items.add(item.entry, {item.item, is_never_shown(item)});
         }
+        m_items.complete();
     }
 
     void warn() {
-        for (const auto& [entry, reach] : m_items) {
+        for (const auto& [entry, reach] : m_items.rows()) {
             if (reach.is_never_shown) {
                 warn_of_hidden_item(*entry, reach.item);
             }
@@ -67,8 +69,8 @@ private:
     }
 
     bool hides(const Data_entry* entry) const {
-        const auto found = m_items.find(entry);
-        return found != m_items.end() && found->second.is_never_shown;
+        const Item* const found = m_items.find(entry);
+        return found != nullptr && found->is_never_shown;
     }
 
     void warn_of_hidden_item(const Data_entry& entry, const Json_value& item) const {
@@ -81,19 +83,19 @@ private:
     }
 
     void warn_of_menu_without_items(const Built_menu::Submenu& menu) {
-        const auto found = m_items.find(menu.entry);
-        if (found == m_items.end() || found->second.is_never_shown || menu.children.empty() ||
+        Item* const found = m_items.find(menu.entry);
+        if (found == nullptr || found->is_never_shown || menu.children.empty() ||
             !std::all_of(menu.children.begin(), menu.children.end(),
                          [this](const Data_entry* child) { return hides(child); })) {
             return;
         }
-        found->second.is_never_shown = true;
-        found->second.item.warn("this menu is never shown, since none of its items is");
+        found->is_never_shown = true;
+        found->item.warn("this menu is never shown, since none of its items is");
     }
 
     const Built_menu& m_built;
     std::set<const Data_entry*> m_led_into;
-    std::map<const Data_entry*, Item> m_items;
+    Entry_table<Item> m_items;
 };
 
 }  // namespace

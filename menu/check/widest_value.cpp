@@ -7,7 +7,7 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <set>
+#include <utility>
 
 #include "file/item_members.h"
 
@@ -78,15 +78,15 @@ std::string widest_choice(const Json_value& choices) {
 
 }  // namespace
 
-std::optional<std::string> Widest_values::of(Data_entry& entry, const Json_value& item) {
+const std::string* Widest_values::of(Data_entry& entry, const Json_value& item) {
     if (kind_of(entry).has(Entry_kind::IS_NUMBER)) {
-        return of_number(static_cast<Range_entry&>(entry), item);
+        return &of_number(static_cast<Range_entry&>(entry), item);
     }
     const auto choices = item.find(member::CHOICES);
-    return choices ? std::optional<std::string>(widest_choice(*choices)) : std::nullopt;
+    return choices ? &*m_choices.insert(widest_choice(*choices)).first : nullptr;
 }
 
-std::string Widest_values::of_number(Range_entry& number, const Json_value& item) {
+const std::string& Widest_values::of_number(Range_entry& number, const Json_value& item) {
     const std::string format = text_or_empty(item, member::FORMAT);
     const std::string conversion = text_or_empty(item, member::VALUE_FORMAT);
     Numbers numbers{number.Get_min(), number.Get_max(), {}};
@@ -113,7 +113,7 @@ std::string Widest_values::of_number(Range_entry& number, const Json_value& item
             widest = text;
         }
     }
-    return m_known[key] = widest;
+    return m_known[key] = std::move(widest);
 }
 
 }  // namespace frontpanel

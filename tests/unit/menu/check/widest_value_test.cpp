@@ -24,8 +24,9 @@ std::string widest_of(const std::string& members) {
     const Source source{"item.json", 0};
     const Json_document document(source, item);
     Widest_values widest;
-    return widest.of(*loaded.menu->root().Get_child(), Json_value(document.root(), problems))
-        .value_or("nothing");
+    const std::string* const text =
+        widest.of(*loaded.menu->root().Get_child(), Json_value(document.root(), problems));
+    return text != nullptr ? *text : "nothing";
 }
 
 TEST(WidestValue, IsThatOfTheBoundsInTheirFormat) {
@@ -74,8 +75,8 @@ TEST(WidestValue, IsNothingForAValueOfNoBoundWidth) {
         simulated_text(menu_text(R"({"pid": 1, "type": "text", "length": 8, "value": ""})",
                                  R"({"type": "text", "name": "T", "pid": 1})"));
     Widest_values widest;
-    EXPECT_FALSE(
-        widest.of(*loaded.menu->root().Get_child(), Json_value(document.root(), problems)));
+    EXPECT_EQ(widest.of(*loaded.menu->root().Get_child(), Json_value(document.root(), problems)),
+              nullptr);
 }
 
 TEST(WidestValue, TakesBoundedWork) {
@@ -89,9 +90,10 @@ TEST(WidestValue, TakesBoundedWork) {
         const Source source{"item.json", 0};
         const Json_document document(
             source, R"({"format": "%d", "value_format": "v*)" + std::to_string(i) + "\"}");
-        const auto text =
+        const std::string* const text =
             widest.of(*loaded.menu->root().Get_child(), Json_value(document.root(), problems));
-        ASSERT_EQ(text, "2147483647");
+        ASSERT_NE(text, nullptr);
+        ASSERT_EQ(*text, "2147483647");
     }
 }
 
