@@ -62,29 +62,32 @@ Memory_device::~Memory_device() = default;
 
 Memory_device::Result Memory_device::add_integer(uint32_t pid, uint32_t varidx, int32_t min,
                                                  int32_t max, int32_t value) {
-    const Parameter parameter{INTEGER, min, max, 0, value, std::string(), false};
-    return add(pid, varidx, parameter, check_number(parameter, value));
+    Parameter parameter{INTEGER, min, max, 0, value, false, nullptr};
+    const Result fits = check_number(parameter, value);
+    return add(pid, varidx, std::move(parameter), fits);
 }
 
 Memory_device::Result Memory_device::add_text(uint32_t pid, uint32_t varidx, std::size_t max_length,
                                               const std::string& value) {
-    const Parameter parameter{STRING, 0, 0, max_length, 0, value, false};
+    Parameter parameter{STRING, 0, 0, 0, 0, false, std::make_unique<std::string>(value)};
     if (max_length > static_cast<std::size_t>(MAX_STRING_LENGTH)) {
-        return add(pid, varidx, parameter, OUT_OF_BOUNDS);
+        return add(pid, varidx, std::move(parameter), OUT_OF_BOUNDS);
     }
-    return add(pid, varidx, parameter, check_text(parameter, value));
+    parameter.max_length = static_cast<uint32_t>(max_length);
+    const Result fits = check_text(parameter, value);
+    return add(pid, varidx, std::move(parameter), fits);
 }
 
-Memory_device::Result Memory_device::add(uint32_t pid, uint32_t varidx, const Parameter& parameter,
+Memory_device::Result Memory_device::add(uint32_t pid, uint32_t varidx, Parameter parameter,
                                          Result fits) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (find(pid, varidx) != nullptr) {
-        return ALREADY_DECLARED;
+    if (fits != DONE) {
+        return find(pid, varidx) != nullptr ? ALREADY_DECLARED : fits;
     }
-    if (fits == DONE) {
-        m_parameters.emplace(Key(pid, varidx), parameter);
-    }
-    return fits;
+    // Mostly they come in their order.
+    const std::size_t count = m_parameters.size();
+    m_parameters.emplace_hint(m_parameters.end(), Key(pid, varidx), std::move(parameter));
+    return m_parameters.size() > count ? DONE : ALREADY_DECLARED;
 }
 
 RETURN_TYPE Memory_device::type(uint32_t pid, uint32_t varidx) const {
@@ -108,7 +111,7 @@ std::optional<std::string> Memory_device::text(uint32_t pid, uint32_t varidx) co
     if (parameter == nullptr || parameter->type != STRING) {
         return std::nullopt;
     }
-    return parameter->text;
+    return *parameter->text;
 }
 
 template <typename Step>
@@ -154,7 +157,8 @@ std::vector<Memory_device::Value> Memory_device::values() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
     std::vector<Value> values;
     for (const auto& [key, parameter] : m_parameters) {
-        values.push_back({key.first, key.second, parameter.type, parameter.number, parameter.text});
+        values.push_back({key.first, key.second, parameter.type, parameter.number,
+                          parameter.text != nullptr ? *parameter.text : std::string()});
     }
     return values;
 }
@@ -401,10 +405,10 @@ Memory_device::Result Memory_device::read(const Parameter* parameter, void* buff
         return NO_BUFFER;
     }
     if (parameter->type == STRING) {
-        if (length <= parameter->text.size()) {
+        if (length <= parameter->text->size()) {
             return WRONG_SIZE;
         }
-        std::memcpy(buffer, parameter->text.c_str(), parameter->text.size() + 1);
+        std::memcpy(buffer, parameter->text->c_str(), parameter->text->size() + 1);
         return DONE;
     }
     if (length != sizeof parameter->number) {
@@ -458,8 +462,8 @@ Memory_device::Result Memory_device::keep_number(Parameter& parameter, int32_t v
 Memory_device::Result Memory_device::keep_text(Parameter& parameter, const std::string& value) {
     const Result result = check_text(parameter, value);
     if (result == DONE) {
-        m_has_changed = m_has_changed || parameter.text != value;
-        parameter.text = value;
+        m_has_changed = m_has_changed || *parameter.text != value;
+        *parameter.text = value;
     }
     return result;
 }

@@ -82,7 +82,9 @@ private:
     void read_parameter(const Json_value& parameter) {
         const uint32_t pid = pid_of(parameter);
         const Key key(pid, varidx_of(levels_of(parameter)));
-        if (!m_declared.insert(key).second) {
+        const size_t count = m_declared.size();
+        m_declared.insert(m_declared.end(), key);  // mostly they come in their order
+        if (m_declared.size() == count) {
             return;  // the menu reports a second declaration
         }
         const bool is_elsewhere = parameter.find("source").has_value();

@@ -12,6 +12,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -163,10 +164,10 @@ private:
         RETURN_TYPE type;
         int32_t min;
         int32_t max;
-        std::size_t max_length;
+        uint32_t max_length;
         int32_t number;
-        std::string text;
         bool last_read_failed;
+        std::unique_ptr<std::string> text;  // null for a number, as most are
     };
     using Key = std::pair<uint32_t, uint32_t>;  // pid, variable index
     using Product_list = std::array<PROD_LIST_S, SLOT_COUNT>;
@@ -182,7 +183,7 @@ private:
 
     Parameter* find(uint32_t pid, uint32_t varidx);
     const Parameter* find(uint32_t pid, uint32_t varidx) const;
-    Result add(uint32_t pid, uint32_t varidx, const Parameter& parameter, Result fits);
+    Result add(uint32_t pid, uint32_t varidx, Parameter parameter, Result fits);
     int fault_of(Operation operation) const;
     Result keep_number(Parameter& parameter, int32_t value);
     Result keep_text(Parameter& parameter, const std::string& value);
