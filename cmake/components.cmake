@@ -27,16 +27,18 @@ endfunction()
 
 # frontpanel_add_component(<name> DESCRIPTION <text> SOURCES <file>...
 #                          [LIBRARIES <library>...] [PRIVATE_LIBRARIES <library>...]
-#                          [COMPONENTS <name>...] [PACKAGES <pkg-config package>...])
+#                          [COMPONENTS <name>...] [PACKAGES <pkg-config package>...]
+#                          [OPENED_PACKAGES <pkg-config package>...])
 #
 # A static library frontpanel_<name> whose public headers are in include/ beside its sources. It
 # is installed as a component of the package: frontpanel_data::<name> for find_package,
 # frontpanel_<name> for pkg-config. COMPONENTS are the components of ours that it uses,
 # LIBRARIES what else its headers show, PRIVATE_LIBRARIES what only its sources use. PACKAGES are
-# the pkg-config packages that an executable needs beside it.
+# the pkg-config packages that an executable needs beside it, OPENED_PACKAGES those of which it needs
+# only the headers to be built: it opens the library itself, when it has a use for it.
 function(frontpanel_add_component name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION"
-        "SOURCES;COMPONENTS;LIBRARIES;PRIVATE_LIBRARIES;PACKAGES")
+        "SOURCES;COMPONENTS;LIBRARIES;PRIVATE_LIBRARIES;PACKAGES;OPENED_PACKAGES")
     set(target frontpanel_${name})
     list(TRANSFORM arg_COMPONENTS PREPEND frontpanel_ OUTPUT_VARIABLE components)
 
@@ -61,6 +63,10 @@ function(frontpanel_add_component name)
     target_link_libraries(${target}
         PUBLIC ${components} ${arg_LIBRARIES}
         PRIVATE ${arg_PRIVATE_LIBRARIES})
+    foreach(package IN LISTS arg_OPENED_PACKAGES)
+        pkg_check_modules(${package} REQUIRED IMPORTED_TARGET GLOBAL ${package})
+        target_include_directories(${target} SYSTEM PRIVATE ${${package}_INCLUDE_DIRS})
+    endforeach()
 
     install(TARGETS ${target}
         EXPORT ${target}Targets

@@ -7,6 +7,7 @@
 #include <utility>
 #include <variant>
 
+#include "mosquitto_library.h"
 #include "mqtt_link.h"
 #include "mqtt_settings.h"
 #include "topic_source.h"
@@ -43,6 +44,9 @@ public:
     }
 
     void check(Problems& problems) const override {
+        if (const std::string& fault = mosquitto_library().fault; !fault.empty()) {
+            problems.warn(m_place, fault);
+        }
         for (const std::string& fault : m_settings.file_faults()) {
             problems.warn(m_place, fault);
         }
