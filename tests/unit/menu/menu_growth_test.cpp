@@ -386,8 +386,8 @@ size_t bytes_of_an_entry(size_t count, const std::string& rule) {
 }
 
 TEST(MenuGrowth, AnOrdinaryMenuOf10000EntriesIsCheckedInLittleMemory) {
-    constexpr size_t MOST_BYTES = 2100;
-    constexpr size_t MOST_BYTES_WITH_RULES = 3500;
+    constexpr size_t MOST_BYTES = 1700;
+    constexpr size_t MOST_BYTES_WITH_RULES = 3150;
     const std::string rule = "visible if [gain 7] <= 100";
     const size_t plain = bytes_of_an_entry(10000, "");
     const size_t ruled = bytes_of_an_entry(10000, rule);
