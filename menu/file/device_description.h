@@ -50,7 +50,8 @@ private:
     const Loading& m_loading;
     std::set<std::pair<uint32_t, uint32_t>> m_wrong_parameters;  // by pid and variable index
     std::map<std::pair<uint32_t, uint32_t>, Json_node> m_start_texts;
-    Json_storage m_kept_texts;  // theirs: those of the file are released while the items are built
+    Json_storage
+        m_kept_texts;  // of m_start_texts: the texts of the file are released before the items are built
     std::set<std::string> m_wrong_names;
     bool m_has_unknown_parameters = false;  // wrong ones without an address
 };

@@ -19,9 +19,9 @@ public:
     void open(const std::string& menu);
     void close() { m_open.pop_back(); }
 
-    // An item of the menu that is open. It outlives the names.
+    // Adds an item of the menu that is open. The entry outlives the names.
     void add(Data_entry& entry) { m_added.push_back({m_open.back(), entry.Get_name(), &entry}); }
-    // A wrong item, which was reported: its name is known and leads nowhere.
+    // Adds the name of an item whose error was reported: the name is known, but a reference to it leads nowhere.
     void add_wrong(const std::string& name);
     // False when another item has the id. Null for a wrong item.
     bool add_id(const std::string& id, Data_entry* entry);
