@@ -60,7 +60,7 @@ bool is_of_another_user(const struct stat& file, const struct stat& folder) {
     return file.st_uid != geteuid() && (is_for_everybody(folder) || file.st_uid != folder.st_uid);
 }
 
-// Empties nothing yet. A pipe that nobody reads is an error, since opening it would wait for a reader.
+// Empties nothing yet. A pipe without a reader is an error, since opening it would wait for one.
 Descriptor open_without_waiting(const std::string& file, bool follows_link) {
     const int flags = access_of(file) | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     Descriptor opened(open(file.c_str(), flags | (follows_link ? 0 : O_NOFOLLOW), 0600));

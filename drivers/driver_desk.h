@@ -1,7 +1,7 @@
 // One driver with the parameters that live at it: what the menu thread wants of them, and what the driver's thread has
 // done about it.
 //
-// The menu thread and the driver's thread share it through its mutex, which nobody holds during a call of the driver.
+// The menu thread and the driver's thread share it through its mutex, which is free during each call of the driver.
 // A thread that hangs keeps the desk alive, and touches nothing else.
 #ifndef FRONTPANEL_DRIVERS_DRIVER_DESK_H
 #define FRONTPANEL_DRIVERS_DRIVER_DESK_H

@@ -60,7 +60,7 @@ bool cuts_number(const Characters& text, std::size_t at) {
                        text.begin() + static_cast<std::ptrdiff_t>(word.end), is_digit);
 }
 
-// The part of a text from a character on. A text that goes round follows itself after a gap.
+// The part of a text from a character on. A scrolling text follows itself after a gap.
 std::string part_of(const Characters& text, std::size_t start, std::size_t columns,
                     bool goes_round) {
     const std::size_t cycle = text.size() + GAP;

@@ -33,7 +33,7 @@ Number_editor::~Number_editor() = default;
 
 void Number_editor::start() {
     m_step = std::max(1, settings().step);
-    // A value outside the range is delivered all the same, and is where the first step starts.
+    // A value outside the range is delivered as well: the first step starts there.
     edited().Get_value(&m_proposed, sizeof m_proposed);
     m_typed.clear();
 }

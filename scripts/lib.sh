@@ -87,7 +87,7 @@ ensure_packages() {
         return 1
     fi
     if [ "$(id -u)" -ne 0 ]; then
-        # A password can be asked for only if somebody is there to type it.
+        # sudo can ask for a password only at a terminal.
         if ! command -v sudo >/dev/null || { [ ! -t 0 ] && ! sudo -n true 2>/dev/null; }; then
             say "these packages are needed, and only root can install them. Run:"
             say "    apt-get install ${missing[*]}"

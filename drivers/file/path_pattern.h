@@ -1,7 +1,7 @@
-// A path in which "*" stands for a number that the kernel gives: "/sys/class/hwmon/hwmon*/temp1_input".
+// A path in which "*" matches a number that the kernel assigns: "/sys/class/hwmon/hwmon*/temp1_input".
 //
-// Which of several folders is meant is told by a file in it that holds a name. That is checked at each use, so that a
-// device which comes back under another number, or another one under its number, is not confused with it.
+// A file with a name in the folder selects one of several matching folders. The name is checked at each use, so that a
+// device that comes back under another number, or another device under its number, is not confused with it.
 #ifndef FRONTPANEL_DRIVER_FILE_PATH_PATTERN_H
 #define FRONTPANEL_DRIVER_FILE_PATH_PATTERN_H
 

@@ -54,7 +54,7 @@ public:
         }
     }
 
-    // The entry needs none of these: there is no warning, no list of rules, and nobody depends on the level.
+    // The entry needs none of these: there is no warning, no list of rules, and no dependant of the level.
     void setControlInfo(unsigned int, const Index_t*, Data_entry::Entry_type) override {}
     void setDataEntry(Data_entry*) override {}
     void addBindingList(BindingListT) override {}

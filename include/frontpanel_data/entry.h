@@ -284,7 +284,7 @@ public:
     // A refresh of a link runs the whole operation, with all its steps and the same `*flag_specific`, on the
     // entry it houses and returns its result; the link's own steps follow, so that a neighbour delivered is
     // the link's, and setting parent or child sets both entries'. Without a housed entry the refresh is -1 and
-    // the steps follow all the same. Editor steps reach the housed entry only in this way. A link has no
+    // the steps follow nevertheless. Editor steps reach the housed entry only in this way. A link has no
     // dynamic siblings.
     static int EntryTypeSpecificOperation(Data_entry* data_entry, Data_interface* m_pDataAccessInf,
                                           void* specific_selection_obj, bool eval_binding,

@@ -100,7 +100,7 @@ public:
     // As above, for `override_value`.
     virtual int Get_display_string(char* buffer, unsigned int length, int override_value);
     // Writes the value to the device, then refreshes every entry whose binding depends on it. Returns the
-    // result of the write, ERROR when it failed; the dependants are refreshed all the same. Before and after
+    // result of the write, ERROR when it failed; the dependants are refreshed nevertheless. Before and after
     // each of them a line that ends in "here 14" goes to standard output, whatever `debug` holds. A parameter
     // that the binding's map lacks is added to it with an empty record. The interface must not be null.
     virtual int Commit(Data_interface* pDataAccessInf);

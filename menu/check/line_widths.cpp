@@ -47,7 +47,7 @@ public:
                                               : LEAST_VALUE_COLUMNS;
         const Line_room room =
             room_of(width_of(name), value, m_list_columns, least_name_columns(entry));
-        // A value that goes round is warned of itself.
+        // For a value that scrolls there is a warning of its own.
         if (room.left < width_of(name) && room.right >= value) {
             warn(place, "a list of " + std::to_string(m_columns) + " columns has room for " +
                             quoted(start_of(name, room.left)) + " of this name" +

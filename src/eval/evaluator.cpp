@@ -56,7 +56,7 @@ Position find_by_name(const Entry* table, int size, const char* name) {
     return {low, false};
 }
 
-// Two characters and the length of a name tell the functions apart.
+// Two characters and the length of a name identify a function.
 constexpr unsigned FUNCTION_SLOTS = 32;
 
 constexpr unsigned function_slot(const char* name, int length) {

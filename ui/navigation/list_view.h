@@ -39,7 +39,7 @@ public:
     bool is_in_round() const { return m_left_in_round > 0; }
     // The entries that are visible, as far as they were asked.
     const std::vector<Data_entry*>& visible() const { return m_visible; }
-    // Moves the cursor; it stays at the ends, or with wrap goes round from them.
+    // Moves the cursor; it stops at the ends, or with wrap continues at the other end.
     void move(int steps);
     void set_wrap(bool wrap) { m_wrap = wrap; }
 
