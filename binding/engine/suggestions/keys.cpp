@@ -1,4 +1,4 @@
-#include "engine/suggestions/suggestion_maker.h"
+#include "engine/suggestions/interval_maker.h"
 
 #include <algorithm>
 
@@ -30,21 +30,15 @@ std::string keys_text(const std::vector<int>& keys) {
 }
 
 // The keys of all rules that hold. Entries with options ask for ranges and read keys.
-class Key_maker : public Suggestion_maker {
+class Key_maker : public Interval_maker {
 public:
-    using Suggestion_maker::Suggestion_maker;
+    using Interval_maker::Interval_maker;
 
     void decide(Reading& reading, bool updates) override {
-        m_engine.core().intervals.clear();
-        bool any = false;
-        const bool is_decided = each_rule_that_holds(reading, [&](const Rule& rule) {
-            any = true;
-            return take(reading, rule);
-        });
-        if (!is_decided) {
+        if (!take_rules(reading)) {
             return;
         }
-        if (!any) {
+        if (intervals().empty()) {
             fall_back();
         }
         if (list_keys() && updates) {
@@ -52,22 +46,12 @@ public:
         }
     }
 
-    void judge(Reading& reading, Judgement& judgement) override {
-        m_engine.core().intervals.clear();
-        if (!each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); })) {
-            judgement.verdict.failed_kinds |= SUGGESTION_KEYS;
-        } else if (!m_engine.core().intervals.empty()) {
-            judgement.verdict.keys = merged_intervals();
-        }
-    }
-
     std::optional<std::string> demand(Reading& reading, const Rule& rule) override {
-        m_engine.core().intervals.clear();
-        if (take(reading, rule) == Step::FAILED) {
+        if (!take_rule(reading, rule)) {
             return std::nullopt;
         }
-        merge(m_engine.core().intervals);
-        return keys_text(m_engine.core().intervals);
+        merge(intervals());
+        return keys_text(intervals());
     }
 
     int offered() const override { return SUGGESTION_KEYS | SUGGESTION_RANGE; }
@@ -77,7 +61,7 @@ public:
                (m_is_announced ? SUGGESTION_RANGE : 0);
     }
 
-    // Who took the keys at the announcement clears no more than that.
+    // Entries ask for keys under SUGGESTION_RANGE, and clear only that.
     void clear(int mask) override {
         if ((mask & SUGGESTION_RANGE) != 0) {
             m_is_announced = false;
@@ -106,25 +90,21 @@ private:
         m_suggestion.is_updated = m_suggestion.is_updated || was_updated;
     }
 
-    Step take(Reading& reading, const Rule& rule) {
-        for (std::size_t number = 0; number < rule.operand_count; number += 2) {
-            int64_t low = 0;
-            int64_t high = 0;
-            if (!reading.interval(rule, number, low, high)) {
-                return Step::FAILED;
-            }
-            if (m_engine.options() == nullptr &&
-                int64_t{clamped(high)} - clamped(low) >= MOST_KEYS) {
-                reading.report(rule, "more than " + std::to_string(MOST_KEYS) + " keys");
-                return Step::FAILED;
-            }
-            take(low, high);
-        }
-        return Step::NEXT;
+    std::optional<Rule_verdict::Ranges>& member_of(Rule_verdict& verdict) const override {
+        return verdict.keys;
     }
 
-    // Keys that the entry does not have are left out, but one: with an empty list the entry would show all.
-    void take(int64_t low, int64_t high) {
+    bool take(Reading& reading, const Rule& rule, int64_t low, int64_t high) override {
+        if (m_engine.options() == nullptr && int64_t{clamped(high)} - clamped(low) >= MOST_KEYS) {
+            reading.report(rule, "more than " + std::to_string(MOST_KEYS) + " keys");
+            return false;
+        }
+        add(low, high);
+        return true;
+    }
+
+    // Leaves out keys that the entry lacks, except one: with an empty list the entry would show all.
+    void add(int64_t low, int64_t high) {
         low = clamped(low);
         high = clamped(high);
         if (m_engine.options() != nullptr) {
@@ -136,13 +116,13 @@ private:
                 high = std::min(high, last);
             }
         }
-        m_engine.core().intervals.push_back({clamped(low), clamped(high)});
+        intervals().push_back({clamped(low), clamped(high)});
     }
 
     // All keys, one by one: an empty list would allow none to an entry that has control options as well.
     void fall_back() {
         if (m_engine.options() != nullptr && m_engine.options()->Get_size_enum() > 0) {
-            take(0, HIGHEST);
+            add(0, HIGHEST);
         }
     }
 
@@ -150,16 +130,16 @@ private:
     bool list_keys() {
         Core& core = m_engine.core();
         core.keys.clear();
-        merge(core.intervals);
+        merge(intervals());
         int64_t count = 0;
-        for (const Interval& interval : core.intervals) {
+        for (const Interval& interval : intervals()) {
             count += int64_t{interval.high} - interval.low + 1;
         }
         if (m_engine.options() == nullptr && count > MOST_KEYS) {
             m_engine.add_error("the rules allow more than " + std::to_string(MOST_KEYS) + " keys");
             return false;
         }
-        for (const Interval& interval : core.intervals) {
+        for (const Interval& interval : intervals()) {
             for (int64_t key = interval.low; key <= interval.high; ++key) {
                 core.keys.push_back(static_cast<int>(key));
             }

@@ -1,4 +1,4 @@
-#include "engine/suggestions/suggestion_maker.h"
+#include "engine/suggestions/interval_maker.h"
 
 namespace frontpanel::binding_engine {
 namespace {
@@ -13,39 +13,25 @@ std::string ranges_text(const std::vector<Interval>& intervals) {
 }
 
 // The ranges of all rules that hold.
-class Range_maker : public Suggestion_maker {
+class Range_maker : public Interval_maker {
 public:
-    using Suggestion_maker::Suggestion_maker;
+    using Interval_maker::Interval_maker;
 
     void decide(Reading& reading, bool updates) override {
-        std::vector<Interval>& intervals = m_engine.core().intervals;
-        intervals.clear();
-        const bool is_decided =
-            each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); });
-        if (!is_decided) {
+        if (!take_rules(reading)) {
             return;
         }
-        merge(intervals);
-        if ((!intervals.empty() || fall_back()) && updates) {
-            m_suggestion.suggest(intervals);
-        }
-    }
-
-    void judge(Reading& reading, Judgement& judgement) override {
-        m_engine.core().intervals.clear();
-        if (!each_rule_that_holds(reading, [&](const Rule& rule) { return take(reading, rule); })) {
-            judgement.verdict.failed_kinds |= SUGGESTION_RANGE;
-        } else if (!m_engine.core().intervals.empty()) {
-            judgement.verdict.ranges = merged_intervals();
+        merge(intervals());
+        if ((!intervals().empty() || fall_back()) && updates) {
+            m_suggestion.suggest(intervals());
         }
     }
 
     std::optional<std::string> demand(Reading& reading, const Rule& rule) override {
-        m_engine.core().intervals.clear();
-        if (take(reading, rule) == Step::FAILED) {
+        if (!take_rule(reading, rule)) {
             return std::nullopt;
         }
-        return ranges_text(m_engine.core().intervals);
+        return ranges_text(intervals());
     }
 
     int updated() const override { return m_suggestion.is_updated ? SUGGESTION_RANGE : 0; }
@@ -72,20 +58,17 @@ public:
     }
 
 private:
-    Step take(Reading& reading, const Rule& rule) {
-        for (std::size_t number = 0; number < rule.operand_count; number += 2) {
-            int64_t low = 0;
-            int64_t high = 0;
-            if (!reading.interval(rule, number, low, high)) {
-                return Step::FAILED;
-            }
-            if (low > HIGHEST || high < LOWEST) {
-                reading.report(rule, interval_text(low, high) + " holds no 32-bit number");
-                return Step::FAILED;
-            }
-            m_engine.core().intervals.push_back({clamped(low), clamped(high)});
+    std::optional<Rule_verdict::Ranges>& member_of(Rule_verdict& verdict) const override {
+        return verdict.ranges;
+    }
+
+    bool take(Reading& reading, const Rule& rule, int64_t low, int64_t high) override {
+        if (low > HIGHEST || high < LOWEST) {
+            reading.report(rule, interval_text(low, high) + " holds no 32-bit number");
+            return false;
         }
-        return Step::NEXT;
+        intervals().push_back({clamped(low), clamped(high)});
+        return true;
     }
 
     // An empty suggestion would leave the entry with its last, narrower range.
@@ -95,7 +78,7 @@ private:
             m_engine.add_error("no range rule holds, and there is no fallback range");
             return false;
         }
-        m_engine.core().intervals.push_back(*range);
+        intervals().push_back(*range);
         return true;
     }
 

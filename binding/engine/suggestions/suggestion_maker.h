@@ -17,7 +17,6 @@
 
 #include "engine/core.h"
 #include "engine/engine.h"
-#include "engine/interval.h"
 #include "engine/reading.h"
 #include "language/program.h"
 #include "rule_kinds.h"
@@ -92,8 +91,6 @@ protected:
     // `take` judges each rule that holds. Returns false when a rule or `take` failed.
     template <typename Take>
     bool each_rule_that_holds(Reading& reading, Take take);
-    // The intervals of the evaluation that is under way, merged.
-    Rule_verdict::Ranges merged_intervals();
 
     Engine& m_engine;
 
@@ -128,16 +125,6 @@ bool Suggestion_maker::each_rule_that_holds(Reading& reading, Take take) {
         }
     }
     return true;
-}
-
-inline Rule_verdict::Ranges Suggestion_maker::merged_intervals() {
-    std::vector<Interval>& intervals = m_engine.core().intervals;
-    merge(intervals);
-    Rule_verdict::Ranges ranges;
-    for (const Interval& interval : intervals) {
-        ranges.emplace_back(interval.low, interval.high);
-    }
-    return ranges;
 }
 
 }  // namespace frontpanel::binding_engine

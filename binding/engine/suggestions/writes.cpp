@@ -1,3 +1,4 @@
+#include "engine/interval.h"
 #include "engine/suggestions/suggestion_maker.h"
 
 #include <algorithm>
