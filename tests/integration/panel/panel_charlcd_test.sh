@@ -3,6 +3,8 @@
 # folders for LEDs.
 # usage: panel_charlcd_test.sh FRONTPANEL EMULATOR [EVENT_WRITER]
 set -euo pipefail
+# shellcheck source=tests/integration/panel/wait_for.sh
+. "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
 
 PANEL=$1
 EMULATOR=$2
@@ -27,16 +29,6 @@ fail() {
     echo "the panel:"
     cat "$FOLDER/panel" || true
     exit 1
-}
-
-# wait_for WHAT COMMAND...: until the command succeeds.
-wait_for() {
-    local what=$1 deadline=$((SECONDS + 30))
-    shift
-    until "$@"; do
-        [ "$SECONDS" -lt "$deadline" ] || fail "$what"
-        sleep 0.05
-    done
 }
 
 says() {

@@ -3,6 +3,8 @@
 # reach the panel, and what the panel shows is read from there.
 # usage: panel_lcdproc_test.sh FRONTPANEL TOUR
 set -euo pipefail
+# shellcheck source=tests/integration/panel/wait_for.sh
+. "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
 
 PANEL=$1
 PATH=$PATH:/usr/sbin
@@ -37,16 +39,6 @@ fail() {
     echo "the server:"
     tail -n 20 "$FOLDER/server" || true
     exit 1
-}
-
-# wait_for WHAT COMMAND...: until the command succeeds.
-wait_for() {
-    local what=$1 deadline=$((SECONDS + 30))
-    shift
-    until "$@"; do
-        [ "$SECONDS" -lt "$deadline" ] || fail "$what"
-        sleep 0.05
-    done
 }
 
 is_listening() {

@@ -5,6 +5,8 @@
 # The keys of the tour are typed into a terminal of tmux, and its display lines are looked for on the screen.
 # The tour's last sections need a device that fails and time that stands still, so they are left out.
 set -euo pipefail
+# shellcheck source=tests/integration/panel/wait_for.sh
+. "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
 
 PANEL=$1
 TOUR=$2
@@ -28,16 +30,6 @@ fail() {
     echo "the screen:"
     terminal capture-pane -p
     exit 1
-}
-
-# wait_for WHAT COMMAND...: until the command succeeds.
-wait_for() {
-    local what=$1 deadline=$((SECONDS + 20))
-    shift
-    until "$@"; do
-        [ "$SECONDS" -lt "$deadline" ] || fail "$what"
-        sleep 0.02
-    done
 }
 
 shell_is_back() {
