@@ -20,6 +20,12 @@ namespace frontpanel {
 
 using Lines = std::vector<std::string>;
 
+inline Panel_options options_of_size(Lcd_size size) {
+    Panel_options options;
+    options.size = size;
+    return options;
+}
+
 inline Lines lines_of(const Frame& frame) {
     Lines lines;
     for (int row = 0; row < frame.lcd.size().rows; ++row) {

@@ -12,6 +12,7 @@
 
 #include "editor_fixture.h"
 #include "support/fake_binding.h"
+#include "support/shown_options.h"
 
 using namespace frontpanel;
 
@@ -71,18 +72,7 @@ struct A_choice {
         entry.count_options(static_cast<int>(names.size()));
         entry.updateControlOptionMap();
     }
-    void show_only(const std::vector<int>& keys) {
-        std::map<int, std::vector<std::string>> options;
-        for (int key = 0; key < entry.Get_size_enum(); ++key) {
-            options[key] = {"modem"};
-        }
-        for (const int key : keys) {
-            options[key] = {"gps"};
-        }
-        entry.setProductOptions({{"gps", 1}, {"modem", 0}});
-        entry.Set_control_options(options);
-        entry.updateControlOptionMap();
-    }
+    void show_only(const std::vector<int>& keys) { support::show_only(entry, keys); }
     int key() { return entry.Get_integer(); }
 
     std::vector<std::string> names;

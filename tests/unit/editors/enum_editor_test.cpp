@@ -7,6 +7,7 @@
 
 #include "editor_fixture.h"
 #include "support/fake_binding.h"
+#include "support/shown_options.h"
 
 using namespace frontpanel;
 
@@ -40,20 +41,6 @@ struct Options {
           entry("Source", "Source", 120, support::any_index(), min, max, start, texts.array(),
                 texts.size(), nullptr, access, Data_entry::VISIBLE_ALL, true,
                 Data_entry::SHORTCUT_NONE, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) {}
-
-    // Hides every key but these.
-    void show_only(const std::vector<int>& keys) {
-        std::map<int, std::vector<std::string>> options;
-        for (int key = 0; key < entry.Get_size_enum(); ++key) {
-            options[key] = {"modem"};
-        }
-        for (const int key : keys) {
-            options[key] = {"gps"};
-        }
-        entry.setProductOptions({{"gps", 1}, {"modem", 0}});
-        entry.Set_control_options(options);
-        entry.updateControlOptionMap();
-    }
 
     Option_texts texts;
     Enum_entry entry;
@@ -126,7 +113,7 @@ TEST(EnumEditor, EscapeLeavesTheEntryAsItWas) {
 
 TEST(EnumEditor, StepsPassOverHiddenOptions) {
     Four options(0);
-    options.show_only({0, 2});
+    support::show_only(options.entry, {0, 2});
     Enum_editor editor;
     editor.Prepare(&options.entry);
     EXPECT_EQ(editor.view(20).step, "1/2");

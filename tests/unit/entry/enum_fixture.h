@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "support/indexes.h"
+#include "support/shown_options.h"
 
 // The texts of an entry as the array that it takes.
 class Texts {
@@ -109,19 +110,7 @@ public:
         EXPECT_EQ(Get_display_string(line.data(), length, index), result);
         return line.c_str();
     }
-    // Makes only these keys visible, through product options.
-    void show_only(const std::vector<int>& keys) {
-        setProductOptions({{"gps", 1}, {"modem", 0}});
-        std::map<int, std::vector<std::string>> options;
-        for (int key = 0; key < m_size_enum; ++key) {
-            options[key] = {"modem"};
-        }
-        for (const int key : keys) {
-            options[key] = {"gps"};
-        }
-        Set_control_options(options);
-        updateControlOptionMap();
-    }
+    void show_only(const std::vector<int>& keys) { support::show_only(*this, keys); }
 };
 
 #endif

@@ -7,14 +7,7 @@ namespace {
 
 class Entry_access_test : public testing::Test {
 protected:
-    // The entry of the top menu in that place, from 0.
-    Data_entry& item(int number) {
-        Data_entry* entry = neighbour(m_loaded.menu->root(), Data_entry::OPERATION_CHILD);
-        for (int i = 0; i < number; ++i) {
-            entry = neighbour(*entry, Data_entry::OPERATION_NEXT);
-        }
-        return *entry;
-    }
+    Data_entry& item(int number) { return top_item(*m_loaded.menu, number); }
     Caching_device& device() { return m_loaded.menu->access(); }
 
     Simulated_menu m_loaded = simulated_text(with_item(

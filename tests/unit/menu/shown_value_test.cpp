@@ -92,13 +92,7 @@ TEST_F(Held_key, WithoutAnOptionIsADashInItsEditorUntilItsFirstStep) {
 
 class Shown_value_test : public testing::Test {
 protected:
-    Data_entry& item(int number) {
-        Data_entry* entry = neighbour(m_loaded.menu->root(), Data_entry::OPERATION_CHILD);
-        for (int i = 0; i < number; ++i) {
-            entry = neighbour(*entry, Data_entry::OPERATION_NEXT);
-        }
-        return *entry;
-    }
+    Data_entry& item(int number) { return top_item(*m_loaded.menu, number); }
     Data_entry& refreshed(int number) {
         refresh(item(number), m_loaded.menu->access());
         return item(number);

@@ -24,11 +24,6 @@ const std::string MENU = R"({"device": {"parameters": [
 
 class First_hour : public testing::TestWithParam<Lcd_size> {
 protected:
-    static Panel_options with_size() {
-        Panel_options options;
-        options.size = GetParam();
-        return options;
-    }
     void press(Key::Kind kind, int times = 1) {
         for (int i = 0; i < times; ++i) {
             m_shown.panel.press({kind, 0});
@@ -53,7 +48,7 @@ protected:
         return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
     }
 
-    Application_panel m_shown{MENU, with_size()};
+    Application_panel m_shown{MENU, options_of_size(GetParam())};
 };
 
 TEST_P(First_hour, AMenuShowsItsTitleWhereThereIsRoom) {

@@ -10,11 +10,6 @@ constexpr const char* PARAMETERS =
 
 class Quit : public testing::TestWithParam<Lcd_size> {
 protected:
-    static Panel_options with_size() {
-        Panel_options options;
-        options.size = GetParam();
-        return options;
-    }
     void press(Key::Kind kind, int times = 1) {
         for (int i = 0; i < times; ++i) {
             panel().press({kind, 0});
@@ -32,7 +27,7 @@ protected:
 
     Application_panel shown{menu_text(PARAMETERS, R"({"type": "range", "name": "Gain", "pid": 1},
             {"type": "range", "name": "Live", "pid": 1, "editor": {"preview": true}})"),
-                            with_size()};
+                            options_of_size(GetParam())};
 };
 
 TEST_P(Quit, EndsAtOnceWhenNothingIsLost) {
