@@ -285,7 +285,8 @@ Json_span<Json_member> Json_storage::keep(const Json_member* first, size_t size)
     return {kept, static_cast<size_t>(std::uninitialized_copy_n(first, size, kept) - kept)};
 }
 
-// Large contents get a piece of their own, behind which the one in use goes on. The end of a piece is aligned for all.
+// A large content gets a piece of its own; the shared piece in use stays in use. The end of a piece is aligned for all
+// types.
 void* Json_storage::allocate(size_t bytes, size_t alignment) {
     if (bytes > PIECE_SIZE / 4) {
         m_pieces.push_back({std::unique_ptr<std::byte[]>(new std::byte[bytes]), bytes, false});
@@ -333,8 +334,8 @@ void Json_storage::release(const void* kept) {
     }
 }
 
-// Copies the texts of a document's values. A menu repeats a few names, types and formats thousands of times, so a text that
-// equals the latest one of its length and ends is not copied again.
+// Copies the texts of a document's values. A menu repeats a few names, types and formats thousands of times. So a text
+// is not copied again if it equals the latest one with the same length, first and last character.
 class Json_text_mover {
 public:
     explicit Json_text_mover(Json_storage& storage) : m_storage(storage) {}

@@ -84,7 +84,7 @@ Memory_device::Result Memory_device::add(uint32_t pid, uint32_t varidx, Paramete
     if (fits != DONE) {
         return find(pid, varidx) != nullptr ? ALREADY_DECLARED : fits;
     }
-    // Mostly they come in their order.
+    // Parameters are usually added in ascending order.
     const std::size_t count = m_parameters.size();
     m_parameters.emplace_hint(m_parameters.end(), Key(pid, varidx), std::move(parameter));
     return m_parameters.size() > count ? DONE : ALREADY_DECLARED;

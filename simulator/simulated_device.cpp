@@ -83,7 +83,7 @@ private:
         const uint32_t pid = pid_of(parameter);
         const Key key(pid, varidx_of(levels_of(parameter)));
         const size_t count = m_declared.size();
-        m_declared.insert(m_declared.end(), key);  // mostly they come in their order
+        m_declared.insert(m_declared.end(), key);  // usually in ascending order
         if (m_declared.size() == count) {
             return;  // the menu reports a second declaration
         }

@@ -92,7 +92,7 @@ public:
     // Makes `parameter` hold the device's value; false when it cannot be read. A value that is known to be current is
     // not read again; one that the last poll left out is, since the device may have changed it.
     bool bring_up_to_date(Cached_parameter& parameter);
-    // Why the last access failed: the reason that the device gives, such as "no such file", or its result.
+    // Why the last access failed: the device's reason, such as "no such file", or its result.
     std::string failure_text(const Cached_parameter& parameter) const;
     // Reads parameters that have readers or watchers from the device, in turns. The keys of those that changed are
     // valid until the next poll.

@@ -1,5 +1,5 @@
-// Values by entry: added first, then looked up. A menu has tens of thousands of entries, and a node of a map for each takes
-// three times as much.
+// Values by entry: all are added first, then looked up. A menu has tens of thousands of entries, and a map with a node
+// for each takes three times as much memory.
 #ifndef FRONTPANEL_MENU_ENTRY_TABLE_H
 #define FRONTPANEL_MENU_ENTRY_TABLE_H
 
@@ -18,11 +18,11 @@ class Entry_table {
 public:
     using Row = std::pair<const Data_entry*, Value>;
 
-    // Expects so many entries.
+    // Reserves memory for this many entries.
     void reserve(std::size_t count) { m_rows.reserve(count); }
-    // An entry is added once.
+    // Requires: the entry has not been added.
     void add(const Data_entry* entry, Value value) { m_rows.emplace_back(entry, std::move(value)); }
-    // Required before the first entry is looked up.
+    // Sorts the entries. Call it after the last `add` and before the first lookup.
     void complete() { std::sort(m_rows.begin(), m_rows.end(), is_before); }
 
     // Null for an entry that was not added.

@@ -16,9 +16,9 @@ namespace frontpanel {
 // Keeps what it found, since the items of a repetition have one format, and how much work that was.
 class Widest_values {
 public:
-    // Of a number between its bounds, in its format, and of an enumeration with choices in the file. Null for an
-    // entry whose values have no such width: what a device or a card sends scrolls where it has no room. The text is
-    // valid as long as this object, and equal ones are mostly one: there are as many items as a menu holds.
+    // The widest text of a number between its bounds, in its format, or of an enumeration with choices in the file.
+    // Null for an entry whose values come from a device or a card: they scroll where they do not fit. The text is valid
+    // as long as this object. Equal texts are usually kept once, since a menu may have very many items.
     //
     // A number with a "value_format" of its own is tried where its text may be widest: at its bounds, the rows of its
     // table, around the powers of ten, and at up to a thousand values between.

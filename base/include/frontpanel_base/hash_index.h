@@ -1,5 +1,5 @@
-// Finds the items of a sequence by a key, in 8 to 16 bytes an item: a menu has tens of thousands of parameters, and a node of
-// a map for each takes five times as much.
+// Finds the items of a sequence by a key, with 8 to 16 bytes for each item. A menu has tens of thousands of parameters,
+// and a map with a node for each takes five times as much memory.
 #ifndef FRONTPANEL_BASE_HASH_INDEX_H
 #define FRONTPANEL_BASE_HASH_INDEX_H
 
@@ -11,12 +11,12 @@
 
 namespace frontpanel {
 
-// The sequence is the caller's: the index knows its items by their numbers from 0, and asks the caller for the rest.
+// The caller has the sequence: the index holds only the numbers of its items, from 0.
 class Hash_index {
 public:
     static constexpr std::uint32_t NONE = std::numeric_limits<std::uint32_t>::max();
 
-    // The number of the item with that hash of its key for which `is_it` holds; NONE when there is none.
+    // The number of the item whose key has that hash and for which `is_it` returns true; NONE when there is none.
     template <typename Is_it>
     std::uint32_t find(std::uint64_t hash, Is_it is_it) const {
         if (m_places.empty()) {
@@ -28,7 +28,7 @@ public:
         }
         return m_places[place];
     }
-    // Adds the next item, which is not found yet. `hash_of` has the hash of each item, this one included.
+    // Adds the next item. `hash_of` returns the hash of any item, including this one. Requires: no item has its key.
     template <typename Hash_of>
     void add(Hash_of hash_of) {
         const std::uint32_t number = m_count;
@@ -36,7 +36,7 @@ public:
         put(number, hash_of(number));
         ++m_count;
     }
-    // Expects so many items.
+    // Reserves memory for this many items.
     template <typename Hash_of>
     void reserve(std::size_t count, Hash_of hash_of) {
         unsigned int bits = std::max(m_bits, FEWEST_BITS);
@@ -55,7 +55,7 @@ public:
 private:
     static constexpr unsigned int FEWEST_BITS = 4;
 
-    // A key may be its own hash, so whatever bits differ count: the upper ones of the product depend on all.
+    // A key may be its own hash, so all of its bits must count: the upper bits of the product depend on all of them.
     std::size_t place_of(std::uint64_t hash) const {
         return static_cast<std::size_t>(hash * 0x9E3779B97F4A7C15U >> (64 - m_bits));
     }
@@ -68,8 +68,8 @@ private:
         m_places[place] = number;
     }
 
-    unsigned int m_bits = 0;              // of the number of places
-    std::vector<std::uint32_t> m_places;  // half of them free at least
+    unsigned int m_bits = 0;              // the number of places is 2 to this power
+    std::vector<std::uint32_t> m_places;  // at least half of them are free
     std::uint32_t m_count = 0;
 };
 

@@ -209,7 +209,7 @@ public:
     // Releases what was kept after `first` and before `last`, except pieces that also hold other contents. Requires:
     // both were kept here, `first` before `last`.
     void release_between(const void* first, const void* last);
-    // Releases a content, unless it shares a piece with something else.
+    // Releases a content, unless it shares a piece with other contents.
     void release(const void* kept);
 
 private:
@@ -265,8 +265,8 @@ public:
     // Empties a list of this document and releases most of the memory of its elements. Requires: they are not used any
     // more.
     void release_elements(const Json_node& list);
-    // Releases the text of the file: what the values still need of it is copied, equal texts mostly once. Views of texts
-    // and names from before are invalid; values stay where they are.
+    // Releases the text of the file. Copies the parts that the values still need, equal texts usually once. Makes
+    // earlier views of texts and names invalid; values stay where they are.
     void release_text();
 
 private:

@@ -70,7 +70,7 @@ private:
     // The number of a parameter, and of a name; Hash_index::NONE for one that is not declared.
     std::uint32_t number_of(std::uint32_t pid, const Index_t& index) const;
     std::uint32_t number_of(std::string_view name) const;
-    // That of a parameter is its device variable.
+    // The hash of a parameter is its device variable.
     std::uint64_t hash_of_parameter(std::uint32_t number) const;
     std::uint64_t hash_of_name(std::uint32_t number) const;
 
