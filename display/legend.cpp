@@ -106,7 +106,7 @@ constexpr Any_key ANY_KEY[] = {
     {Panel_mode::ASLEEP, "Any key wakes the panel"},
     {Panel_mode::LOCKED, "Any key asks for the PIN"},
 };
-// Of a notice or question on several pages.
+// For a notice or a question on several pages.
 constexpr const char* PAGES = "Up/Down page";
 constexpr const char* ANY_OTHER_KEY = "Any other key acknowledges";
 
@@ -186,7 +186,7 @@ void add_key_of(std::vector<std::string>& items, Key::Kind kind, const std::stri
     }
 }
 
-// "1-3/7" of the numbers up to `last`, each with `prefix` before it.
+// "1-3/7" for the numbers up to `last`, each with `prefix` before it.
 std::string number_keys(const std::vector<int>& numbers, const std::string& prefix, int last) {
     std::string keys;
     for (auto number = numbers.begin(); number != numbers.end() && *number <= last; ++number) {

@@ -81,7 +81,8 @@ std::string part_of(const Characters& text, std::size_t start, std::size_t colum
     return part;
 }
 
-// A word on lines. Marks take the places of characters: the next line begins two columns earlier.
+// A long word on several lines. The marks where it is cut replace characters, so the next line begins two characters
+// earlier.
 std::vector<std::string> parts_of(const Characters& word, int columns) {
     const auto width = static_cast<std::size_t>(std::max(1, columns));
     const bool has_marks = width >= LEAST_COLUMNS_WITH_MARKS && cuts_number(word, 1);

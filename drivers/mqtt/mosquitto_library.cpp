@@ -11,8 +11,7 @@
 namespace frontpanel {
 namespace {
 
-// The library that a program opens by itself, in the form in which tools that make packages look for it: an ELF note of
-// dlopen metadata.
+// An ELF note with dlopen metadata, in which packaging tools look for libraries that a program opens at run time.
 constexpr char OPENED_LIBRARY[] =
     R"([{"feature":"mqtt","description":"Values at MQTT brokers","priority":"recommended",)"
     R"("soname":[")" FRONTPANEL_MOSQUITTO_FILE R"("]}])";
@@ -39,7 +38,7 @@ bool find(void* library, const char* name, Function& function) {
     return function != nullptr;
 }
 
-// False as soon as one is missing.
+// False if a function is missing.
 bool find_functions(void* library, Mosquitto_library& opened) {
 #define FRONTPANEL_FIND(name) find(library, #name, opened.name)&&
     return FRONTPANEL_MOSQUITTO_FUNCTIONS(FRONTPANEL_FIND) true;
@@ -54,7 +53,7 @@ std::string last_fault() {
 
 }  // namespace
 
-// It stays open: a process that has needed a broker goes on to do so.
+// The library stays open: a process that has needed a broker will need it again.
 Mosquitto_library open_mosquitto(const char* file) {
     Mosquitto_library opened;
     void* const library = dlopen(file, RTLD_NOW | RTLD_LOCAL);

@@ -1,4 +1,4 @@
-// libmosquitto, opened when the first broker is needed: with OpenSSL behind it, it takes 1.8 MiB of every process that is
+// libmosquitto, opened when the first broker is needed. Together with OpenSSL it takes 1.8 MiB of every process that is
 // linked to it, and a device without brokers need not have it.
 #ifndef FRONTPANEL_DRIVER_MQTT_MOSQUITTO_LIBRARY_H
 #define FRONTPANEL_DRIVER_MQTT_MOSQUITTO_LIBRARY_H
@@ -48,7 +48,7 @@ struct Mosquitto_library {
     std::string fault = {};  // why the library cannot be used; empty: it can
 };
 
-// Opens a library by its name or path.
+// Opens the library with this file name or path.
 Mosquitto_library open_mosquitto(const char* file);
 // That of the process, which the first call opens. From any thread.
 const Mosquitto_library& mosquitto_library();

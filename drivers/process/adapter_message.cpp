@@ -183,7 +183,7 @@ bool begins_number(char character) {
     return character == '-' || (character >= '0' && character <= '9');
 }
 
-// Behind the closing quotation mark of the text that begins there.
+// The place behind the closing quotation mark of the text that begins there.
 std::size_t end_of_text(const std::string& line, std::size_t begin) {
     std::size_t at = begin + 1;
     while (at < line.size() && line[at] != '"') {
@@ -206,8 +206,8 @@ std::string lesser_number(const std::string& number) {
     return lesser;
 }
 
-// The JSON library rejects a line with a number beyond the limits of a double, even one that nobody needs. Replaces each of them
-// from `at` on, where a number begins, so that the line has to be parsed only once more.
+// The JSON library rejects a line with a number beyond the limits of a double, even one that is not used. Replaces each
+// such number from `at` on, where a number begins, so that the line has to be parsed only once more.
 void lessen_numbers(std::string& line, std::size_t at) {
     while (at < line.size()) {
         if (line[at] == '"') {

@@ -18,19 +18,19 @@ public:
     static constexpr std::size_t MOST_LINES = 50;     // in a span
     static constexpr std::chrono::seconds SPAN{60};
     static constexpr std::chrono::seconds LAST_WORDS{
-        2};  // before an end; an older line speaks of something else
+        2};  // before the end; an older line has another cause
 
     // `print` gets whole lines without their ends.
     Error_lines(std::string name, std::function<void(const std::string&)> print)
         : m_name(std::move(name)), m_print(std::move(print)) {}
 
     void take(std::string_view bytes, Time now);
-    // Writes a message that is not from standard error. It does not count as last words.
+    // Writes a message that is not from standard error. It does not count as the last line.
     void note(const std::string& message, Time now);
     // Takes an unfinished line as one.
     void end(Time now);
-    // What an adapter that ends at `end` said to it: the last line that is not empty, unless that is older than
-    // LAST_WORDS; empty if there is none.
+    // The reason that an adapter which ended at `end` has printed: its last line that is not empty, unless that is
+    // older than LAST_WORDS; empty if there is none.
     std::string last_words(Time end) const { return end - m_last_came <= LAST_WORDS ? m_last : ""; }
     void forget_last_words() { m_last.clear(); }
 

@@ -185,7 +185,7 @@ void Enum_entry::index_positions() {
     try {
         m_keys_by_position = std::make_unique<Keys_by_position>(map_enum_to_options);
     } catch (const std::bad_alloc&) {
-        // Without memory for it, positions are searched.
+        // Without memory for the index, positions are found by searching.
     }
 }
 

@@ -69,7 +69,7 @@ private:
             print_heading(entry);
             return;
         }
-        // The level comes last of what may throw: to leave it unlocks the entry.
+        // The level is added after everything that may throw, since leaving it unlocks the entry.
         m_entries.insert(&entry);
         m_levels.push_front({&entry, nullptr, m_met.enter()});
         pthread_mutex_lock(&entry.m_entry_mutex);

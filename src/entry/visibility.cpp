@@ -117,7 +117,7 @@ private:
             return;
         }
         m_asked.push({&entry, nullptr, Step::START, refresh, false, 0, m_met.enter()});
-        entry.m_visibility_asked = true;  // last, since only `drop` lowers it
+        entry.m_visibility_asked = true;  // last, since only `drop` resets it
     }
 
     void ask_link(Link_entry& link, bool refresh) {

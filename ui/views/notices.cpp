@@ -22,7 +22,7 @@ void draw_lines(Lcd& lcd, int row, const std::vector<std::string>& lines) {
     }
 }
 
-// How far a key turns the pages.
+// The number of pages that a key turns.
 int pages_of(Key::Kind key) {
     return key == Key::UP ? -1 : key == Key::DOWN ? 1 : 0;
 }

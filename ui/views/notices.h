@@ -22,8 +22,8 @@ public:
 
     Notices();
 
-    // Shows a text under a title once those before it are gone; any key acknowledges it, of a text on several pages any
-    // but UP and DOWN. `alarm` lights the alarm LED with it.
+    // Shows a text under a title after the earlier notices. Any key acknowledges it, except UP and DOWN for a text on
+    // several pages. With `alarm` the alarm LED is lit.
     void tell(const std::string& title, const std::string& text, bool alarm = false);
     // The same, but nothing when this notice waits already: what comes again and again costs one key. Of many that wait
     // one says that there are more.
@@ -39,11 +39,11 @@ public:
     bool empty() const { return m_notices.empty(); }
     // Whether what is shown is a question.
     bool asks() const { return !empty() && m_notices.front().answer != nullptr; }
-    // Whether UP and DOWN turn the pages of what is shown, as it was drawn last.
+    // Whether UP and DOWN turn pages of the text that was drawn last.
     bool has_pages() { return !empty() && m_notices.front().pages().has_several(); }
     // UP and DOWN turn the pages of a text that has several. Requires: there is a text.
     void press(Key::Kind key);
-    // Draws the first text on the lines below its title, and on numbered pages if it is longer. They turn by themselves
+    // Draws the first text on the lines below its title, or on numbered pages if it is longer. Pages turn by themselves
     // until a person turns one: see `Text_pages`. A question shows its keys on the last line; on a display of two lines
     // its title precedes its text. Requires: there is a text.
     void draw(Frame& frame);

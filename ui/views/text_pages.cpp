@@ -7,7 +7,7 @@
 namespace frontpanel {
 namespace {
 
-// In calls of `show`, of which a panel makes five in two seconds: at least a second, and 150 words a minute.
+// In calls of `show`, which a panel calls five times in two seconds: at least a second, and 150 words a minute.
 constexpr int LEAST_WAIT = 3;
 constexpr int READ_IN_A_CALL = 5;  // characters
 

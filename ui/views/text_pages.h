@@ -1,4 +1,4 @@
-// A text on as many pages as it takes. They turn by themselves at the pace of a reader, until a person turns one.
+// A text on as many pages as it needs. They turn by themselves at reading speed, until a person turns one.
 #ifndef FRONTPANEL_UI_TEXT_PAGES_H
 #define FRONTPANEL_UI_TEXT_PAGES_H
 
@@ -13,14 +13,14 @@ class Text_pages {
 public:
     explicit Text_pages(std::string text) : m_text(std::move(text)) {}
 
-    // Lays the text out on pages of so many columns and rows, both at least 1. With `has_number_beside` the last columns of
-    // the row are left to `number`, if there is more than one page.
+    // Lays the text out on pages of this size, at least one column and one row. With `has_number_beside` and more than
+    // one page, the last columns of the row are left free for `number`.
     void fit(int columns, int rows, bool has_number_beside = false);
-    // By how many pages a person goes on or back; behind the last one comes the first.
+    // Turns this many pages on, or back if negative; the first page follows the last.
     void turn(int pages);
-    // The lines of the page to show now. Each call is a moment nearer to the next page. Requires: `fit`.
+    // The lines of the page to show now. After a number of calls the next page follows. Requires: `fit` was called.
     std::vector<std::string> show();
-    // Of that page: "2/3"; empty when all is on one.
+    // The number of that page, "2/3"; empty when there is only one.
     std::string number() const;
     bool has_several() const { return m_count > 1; }
 

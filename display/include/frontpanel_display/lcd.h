@@ -89,12 +89,11 @@ enum class Panel_mode {
     PIN
 };
 
-// What some keys do now that depends on the menu and on what is shown.
+// Keys whose function depends on the menu and on what is shown now.
 struct Key_uses {
     bool has_favourites = false;
-    std::vector<int> shortcuts =
-        {};                    // the numbers of those that lead somewhere, in ascending order
-    bool turns_pages = false;  // UP and DOWN turn the pages of a long text
+    std::vector<int> shortcuts = {};  // the numbers of assigned buttons, in ascending order
+    bool turns_pages = false;         // UP and DOWN turn the pages of a long text
 };
 
 // One picture of the panel's front, which a display shows.

@@ -13,7 +13,7 @@ namespace frontpanel {
 // The keys that do something while the frame is shown, and what they do, such as "Up/Down move", in the order of a legend.
 // A key that types one of `frame.characters` has no other meaning. `quit` is the key that ends the panel, '\0' for none.
 std::vector<std::string> legend_of(const Frame& frame, char quit);
-// The same of a mode by itself.
+// The same for a mode, without a frame.
 std::vector<std::string> legend_of(Panel_mode mode, const std::string& characters,
                                    const Key_uses& keys, char quit);
 
