@@ -1,6 +1,6 @@
-// How long one evaluation of a typical expression takes. The names state the kind of expression. Beside it, where the
-// library fparser is installed, what that takes for the same expression in its own notation, read and evaluated each time
-// as well: of the evaluators that were compared it is the quickest.
+// How long one evaluation of a typical expression takes. The names state the kind of expression. If the library fparser
+// is installed, its time for the same expression in its own notation is measured too, also parsed and evaluated each
+// time: it is the fastest of the evaluators that were compared.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -14,7 +14,7 @@
 
 namespace {
 
-// Both spellings leave the value in `v`, or are of it.
+// In both notations the expression assigns to `v`, or uses it.
 struct Line {
     const char* name;
     const char* text;
@@ -61,7 +61,7 @@ double value_of_v() {
     return *locateVariable(1);
 }
 
-// The parser object is kept between evaluations, which is in its favour.
+// The parser object is kept between evaluations, which makes it faster.
 void evaluate_with_fparser(benchmark::State& state, const Line& line) {
     const std::string text = line.with_fparser;
     FunctionParser parser;

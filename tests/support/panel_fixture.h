@@ -145,8 +145,8 @@ struct Application_panel {
     Panel panel;
 };
 
-// What the display shows by and by: the first line, and the lines below it as one text, that of a notice with all of its
-// pages. Each change of those lines is appended until they come round.
+// What the display shows in time: the first line, and the lines below it as one text, for a notice all of its pages.
+// Each change of those lines is appended until the first one is shown again.
 inline std::string shown_in_time(Menu_panel& panel) {
     constexpr int MOST_FRAMES = 300;
     std::string first;

@@ -7,7 +7,7 @@
 namespace frontpanel {
 namespace {
 
-// Words with an index, by a hash of the test's choice.
+// Words with an index, with a hash that the test chooses.
 struct Words {
     explicit Words(std::uint64_t (*hash)(const std::string& word)) : hash_of(hash) {}
 
@@ -60,7 +60,7 @@ TEST(HashIndex, ItemsAreFoundHoweverManyFollow) {
     EXPECT_EQ(words.find("3000"), Hash_index::NONE);
 }
 
-// Where only a few places are looked at, whatever bits of the keys differ.
+// Only a few places are compared, whichever bits of the keys differ.
 TEST(HashIndex, FewItemsAreComparedForOne) {
     for (const int shift : {0, 16, 32, 40}) {
         std::vector<std::uint64_t> keys;

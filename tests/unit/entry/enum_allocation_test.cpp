@@ -70,7 +70,7 @@ TEST_F(EnumAllocation, DisplayAndSteppingAllocateNothing) {
     EXPECT_EQ(position, 600);
 }
 
-// The device's key of its own makes the list of positions out of date.
+// A key that only the device has makes the list of positions out of date.
 TEST_F(EnumAllocation, WithoutMemoryAnOptionIsFoundAllTheSame) {
     device.key = 5000;
     entry.Refresh(&device, false);
