@@ -250,4 +250,20 @@ TEST(Library, NeedsTheRuntimeOnly) {
     }
 }
 
+// Optimised builds leave out the compiler's start files, which the destruction of variables needs.
+TEST(Imports, RequestNoCodeAtTheEndOfTheProcess) {
+    const std::vector<std::string> imports =
+        lines_of("nm -D --undefined-only '" FRONTPANEL_DATA_LIBRARY "'");
+    EXPECT_GT(imports.size(), 20u);
+    for (const std::string& import : imports) {
+        EXPECT_EQ(import.find("atexit"), std::string::npos) << import;
+    }
+}
+
+TEST(Symbols, HoldNoCodeThatRunsBeforeMain) {
+    for (const std::string& symbol : lines_of("nm '" FRONTPANEL_DATA_LIBRARY "'")) {
+        EXPECT_EQ(symbol.find("_GLOBAL__sub_I"), std::string::npos) << symbol;
+    }
+}
+
 }  // namespace
