@@ -26,18 +26,15 @@ static void is_visible_of_entry();
 FRONTPANEL_KNOWN_AS("_ZN10Link_entry9isVisibleEbP14Data_interface")
 static void is_visible_of_link();
 
-// The slot that a pointer to a virtual operation stands for. It holds the offset in the table, to which most
-// processors' interface adds 1.
+// The slot that a pointer to a virtual operation stands for. Its first word holds the offset in the table. One bit marks
+// it as virtual: of the second word where functions may have odd addresses (ARM, MIPS), of the first one elsewhere.
 template <class Operation>
 std::size_t slot_of(Operation operation) {
     std::uintptr_t words[2];
     static_assert(sizeof operation == sizeof words, "unknown form of a pointer to an operation");
     std::memcpy(words, &operation, sizeof words);
-#if defined(__arm__) || defined(__aarch64__)
-    return words[0] / sizeof(void*);
-#else
-    return (words[0] - 1) / sizeof(void*);
-#endif
+    const bool is_marked_in_second = (words[1] & 1) != 0;
+    return (is_marked_in_second ? words[0] : words[0] - 1) / sizeof(void*);
 }
 
 const void* const* table_of(const Data_entry& entry) {

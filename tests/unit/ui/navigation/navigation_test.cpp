@@ -333,8 +333,7 @@ TEST(Favourites, AreAmongTheKeysOfAMenuThatHasThem) {
     const Key_uses with = Menu_panel(menu_of(ITEMS, FAVOURITES), SIZE).controller().draw().keys;
     EXPECT_TRUE(with.has_favourites);
     EXPECT_EQ(with.shortcuts, std::vector<int>{1});
-    const Key_uses without =
-        Menu_panel(menu_of(MUTE), SIZE).controller().draw().keys;
+    const Key_uses without = Menu_panel(menu_of(MUTE), SIZE).controller().draw().keys;
     EXPECT_FALSE(without.has_favourites);
     EXPECT_EQ(without.shortcuts, std::vector<int>());
 }
