@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <utility>
 
 #define FRONTPANEL_MOSQUITTO_FILE "libmosquitto.so.1"
@@ -54,25 +55,27 @@ std::string last_fault() {
 }  // namespace
 
 // The library stays open: a process that has needed a broker will need it again.
-Mosquitto_library open_mosquitto(const char* file) {
+std::optional<Mosquitto_library> open_mosquitto(const char* file, std::string& fault) {
     Mosquitto_library opened;
     void* const library = dlopen(file, RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr || !find_functions(library, opened)) {
-        opened = {};
-        opened.fault = last_fault();
+        fault = last_fault();
+        return std::nullopt;
     }
     return opened;
 }
 
-const Mosquitto_library& mosquitto_library() {
-    static const Mosquitto_library LIBRARY = [] {
-        Mosquitto_library opened = open_mosquitto(FRONTPANEL_MOSQUITTO_FILE);
-        if (opened.fault.empty()) {
-            opened.mosquitto_lib_init();
+const Mosquitto_library* mosquitto_library(std::string& fault) {
+    static std::mutex mutex;
+    static std::optional<Mosquitto_library> library;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!library) {
+        library = open_mosquitto(FRONTPANEL_MOSQUITTO_FILE, fault);
+        if (library) {
+            library->mosquitto_lib_init();
         }
-        return opened;
-    }();
-    return LIBRARY;
+    }
+    return library ? &*library : nullptr;
 }
 
 }  // namespace frontpanel

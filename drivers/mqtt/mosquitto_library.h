@@ -5,6 +5,7 @@
 
 #include <mosquitto.h>
 
+#include <optional>
 #include <string>
 
 // The functions of the library that the driver calls.
@@ -39,19 +40,18 @@
 
 namespace frontpanel {
 
-// The members are the functions, under their own names. All are null where the library cannot be used.
+// The members are the functions, under their own names; none is null.
 struct Mosquitto_library {
 #define FRONTPANEL_MEMBER(name) decltype(&::name) name = nullptr;
     FRONTPANEL_MOSQUITTO_FUNCTIONS(FRONTPANEL_MEMBER)
 #undef FRONTPANEL_MEMBER
-
-    std::string fault = {};  // why the library cannot be used; empty: it can
 };
 
-// Opens the library with this file name or path.
-Mosquitto_library open_mosquitto(const char* file);
-// That of the process, which the first call opens. From any thread.
-const Mosquitto_library& mosquitto_library();
+// Opens the library with this file name or path. Empty when it cannot be used: `fault` has the reason then.
+std::optional<Mosquitto_library> open_mosquitto(const char* file, std::string& fault);
+// The library of the process: each call tries to open it until one succeeds. Null when it cannot be used: `fault` has the
+// reason then. From any thread; valid until the process ends.
+const Mosquitto_library* mosquitto_library(std::string& fault);
 
 }  // namespace frontpanel
 

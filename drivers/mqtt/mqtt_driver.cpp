@@ -44,7 +44,7 @@ public:
     }
 
     void check(Problems& problems) const override {
-        if (const std::string& fault = mosquitto_library().fault; !fault.empty()) {
+        if (std::string fault; mosquitto_library(fault) == nullptr) {
             problems.warn(m_place, fault);
         }
         for (const std::string& fault : m_settings.file_faults()) {

@@ -44,11 +44,6 @@ constexpr const char* PANEL_ENDS = "the panel ends";
 constexpr const char* HERE = "online";
 constexpr const char* GONE = "offline";
 
-// Usable while there is a client.
-const Mosquitto_library& library() {
-    return mosquitto_library();
-}
-
 std::string system_text(int error) {
     return std::generic_category().message(error);
 }
@@ -143,7 +138,8 @@ struct Mqtt_link::Callbacks {
     static void logged(mosquitto* client, void* object, int level, const char* text) {
         // The library logs "Client NAME received PINGRESP" for each complete packet.
         if (level == MOSQ_LOG_DEBUG && std::strstr(text, " received ") != nullptr) {
-            link(object).m_packets_end = taken_bytes(library().mosquitto_socket(client));
+            link(object).m_packets_end =
+                taken_bytes(link(object).m_library->mosquitto_socket(client));
         }
         // The first error is the cause of the others.
         if (level == MOSQ_LOG_ERR && link(object).m_trouble.empty()) {
@@ -151,10 +147,6 @@ struct Mqtt_link::Callbacks {
         }
     }
 };
-
-void Mqtt_link::Destroyer::operator()(mosquitto* client) const {
-    library().mosquitto_destroy(client);
-}
 
 Mqtt_link::Mqtt_link(Mqtt_settings settings, On_message on_message)
     : m_settings(std::move(settings)), m_on_message(std::move(on_message)) {}
@@ -173,8 +165,8 @@ Driver_result Mqtt_link::open(const std::map<std::string, int>& topics) {
     }
     if (!m_settings.status.empty()) {
         const std::string here = HERE;
-        library().mosquitto_publish(m_client.get(), nullptr, m_settings.status.c_str(),
-                                    static_cast<int>(here.size()), here.data(), 1, true);
+        m_library->mosquitto_publish(m_client.get(), nullptr, m_settings.status.c_str(),
+                                     static_cast<int>(here.size()), here.data(), 1, true);
     }
     return result;
 }
@@ -188,10 +180,13 @@ Driver_result Mqtt_link::start() {
     m_trouble.clear();
     m_is_out_of_memory = false;
     m_packets_end = 0;
-    if (!library().fault.empty()) {
-        return Driver_result::away(library().fault);
+    std::string fault;
+    m_library = mosquitto_library(fault);
+    if (m_library == nullptr) {
+        return Driver_result::away(fault);
     }
-    m_client.reset(library().mosquitto_new(text_or_null(m_settings.client), true, this));
+    m_client = {m_library->mosquitto_new(text_or_null(m_settings.client), true, this),
+                m_library->mosquitto_destroy};
     if (!m_client) {
         return Driver_result::away(system_text(errno));
     }
@@ -221,20 +216,20 @@ bool Mqtt_link::is_other_protocol() const {
 
 Driver_result Mqtt_link::connect() {
     mosquitto* const client = m_client.get();
-    library().mosquitto_connect_v5_callback_set(client, Callbacks::welcomed);
-    library().mosquitto_subscribe_callback_set(client, Callbacks::subscribed);
-    library().mosquitto_publish_v5_callback_set(client, Callbacks::published);
-    library().mosquitto_message_callback_set(client, Callbacks::arrived);
-    library().mosquitto_log_callback_set(client, Callbacks::logged);
-    library().mosquitto_int_option(client, MOSQ_OPT_TCP_NODELAY, 1);
+    m_library->mosquitto_connect_v5_callback_set(client, Callbacks::welcomed);
+    m_library->mosquitto_subscribe_callback_set(client, Callbacks::subscribed);
+    m_library->mosquitto_publish_v5_callback_set(client, Callbacks::published);
+    m_library->mosquitto_message_callback_set(client, Callbacks::arrived);
+    m_library->mosquitto_log_callback_set(client, Callbacks::logged);
+    m_library->mosquitto_int_option(client, MOSQ_OPT_TCP_NODELAY, 1);
     if (!m_is_old_broker) {
-        library().mosquitto_int_option(client, MOSQ_OPT_PROTOCOL_VERSION, MQTT_PROTOCOL_V5);
+        m_library->mosquitto_int_option(client, MOSQ_OPT_PROTOCOL_VERSION, MQTT_PROTOCOL_V5);
         limit_messages();
     }
     if (!m_settings.status.empty()) {
         const std::string gone = GONE;
-        library().mosquitto_will_set(client, m_settings.status.c_str(),
-                                     static_cast<int>(gone.size()), gone.data(), 1, true);
+        m_library->mosquitto_will_set(client, m_settings.status.c_str(),
+                                      static_cast<int>(gone.size()), gone.data(), 1, true);
     }
     for (const auto prepare : {&Mqtt_link::encrypt, &Mqtt_link::log_in}) {
         if (Driver_result result = (this->*prepare)(); result.kind != Driver_result::DONE) {
@@ -243,8 +238,8 @@ Driver_result Mqtt_link::connect() {
     }
     m_is_connecting = true;
     m_is_accepted = false;
-    const int result = library().mosquitto_connect_async(client, m_settings.host.c_str(),
-                                                         m_settings.port, KEEP_ALIVE);
+    const int result = m_library->mosquitto_connect_async(client, m_settings.host.c_str(),
+                                                          m_settings.port, KEEP_ALIVE);
     return result == MOSQ_ERR_SUCCESS ? Driver_result::done() : lost(result, errno);
 }
 
@@ -252,11 +247,11 @@ Driver_result Mqtt_link::connect() {
 // is invalid it keeps it for the one that does not.
 void Mqtt_link::limit_messages() {
     mosquitto_property* properties = nullptr;
-    library().mosquitto_property_add_int32(&properties, MQTT_PROP_MAXIMUM_PACKET_SIZE,
-                                           LARGEST_PACKET);
-    library().mosquitto_connect_bind_v5(m_client.get(), m_settings.host.c_str(), NO_PORT,
-                                        KEEP_ALIVE, nullptr, properties);
-    library().mosquitto_property_free_all(&properties);
+    m_library->mosquitto_property_add_int32(&properties, MQTT_PROP_MAXIMUM_PACKET_SIZE,
+                                            LARGEST_PACKET);
+    m_library->mosquitto_connect_bind_v5(m_client.get(), m_settings.host.c_str(), NO_PORT,
+                                         KEEP_ALIVE, nullptr, properties);
+    m_library->mosquitto_property_free_all(&properties);
 }
 
 Driver_result Mqtt_link::encrypt() {
@@ -266,11 +261,11 @@ Driver_result Mqtt_link::encrypt() {
     if (!m_settings.is_encrypted()) {
         return Driver_result::done();
     }
-    const int result = library().mosquitto_tls_set(m_client.get(), m_settings.ca.c_str(), nullptr,
-                                                   text_or_null(m_settings.certificate),
-                                                   text_or_null(m_settings.key), no_password);
+    const int result = m_library->mosquitto_tls_set(m_client.get(), m_settings.ca.c_str(), nullptr,
+                                                    text_or_null(m_settings.certificate),
+                                                    text_or_null(m_settings.key), no_password);
     return result == MOSQ_ERR_SUCCESS ? Driver_result::done()
-                                      : Driver_result::away(library().mosquitto_strerror(result));
+                                      : Driver_result::away(m_library->mosquitto_strerror(result));
 }
 
 Driver_result Mqtt_link::log_in() {
@@ -282,12 +277,12 @@ Driver_result Mqtt_link::log_in() {
         std::size_t at = 0;
         const std::string user = line_of(text, at);
         const std::string password = line_of(text, at);
-        const int result = library().mosquitto_username_pw_set(m_client.get(), user.c_str(),
-                                                               text_or_null(password));
+        const int result = m_library->mosquitto_username_pw_set(m_client.get(), user.c_str(),
+                                                                text_or_null(password));
         return result == MOSQ_ERR_SUCCESS
                    ? Driver_result::done()
                    : Driver_result::away("\"" + m_settings.login +
-                                         "\": " + library().mosquitto_strerror(result));
+                                         "\": " + m_library->mosquitto_strerror(result));
     } catch (const Input_error& error) {
         return Driver_result::away(error.what());
     }
@@ -319,9 +314,9 @@ Driver_result Mqtt_link::subscribe_to(std::vector<std::string> topics, int qos) 
         pointers.push_back(topic.data());
     }
     int message = 0;
-    const int result = library().mosquitto_subscribe_multiple(m_client.get(), &message,
-                                                              static_cast<int>(pointers.size()),
-                                                              pointers.data(), qos, 0, nullptr);
+    const int result = m_library->mosquitto_subscribe_multiple(m_client.get(), &message,
+                                                               static_cast<int>(pointers.size()),
+                                                               pointers.data(), qos, 0, nullptr);
     if (result != MOSQ_ERR_SUCCESS) {
         return lost(result, errno);
     }
@@ -338,9 +333,9 @@ void Mqtt_link::close() {
         publish(m_settings.status, GONE, 1, true, LAST_WORDS);
     }
     if (m_client) {
-        library().mosquitto_disconnect(m_client.get());
+        m_library->mosquitto_disconnect(m_client.get());
         work(Clock::now() + LAST_WORDS, -1,
-             [this] { return !library().mosquitto_want_write(m_client.get()); });
+             [this] { return !m_library->mosquitto_want_write(m_client.get()); });
     }
     lost("");
     m_is_closing = false;
@@ -361,9 +356,9 @@ Driver_result Mqtt_link::publish(const std::string& topic, const std::string& me
     }
     int number = 0;
     m_answers.clear();
-    const int sent = library().mosquitto_publish(m_client.get(), &number, topic.c_str(),
-                                                 static_cast<int>(message.size()), message.data(),
-                                                 qos, is_retained);
+    const int sent = m_library->mosquitto_publish(m_client.get(), &number, topic.c_str(),
+                                                  static_cast<int>(message.size()), message.data(),
+                                                  qos, is_retained);
     if (sent == MOSQ_ERR_CONN_LOST || sent == MOSQ_ERR_ERRNO) {
         return Driver_result::timed_out(lost(sent, errno).reason);
     }
@@ -371,7 +366,7 @@ Driver_result Mqtt_link::publish(const std::string& topic, const std::string& me
         return lost(sent, errno);
     }
     if (sent != MOSQ_ERR_SUCCESS) {
-        return Driver_result::refused(library().mosquitto_strerror(sent));
+        return Driver_result::refused(m_library->mosquitto_strerror(sent));
     }
     const Driver_result result =
         work(Clock::now() + patience, -1, [this, number] { return m_answers.count(number) > 0; });
@@ -382,7 +377,7 @@ Driver_result Mqtt_link::publish(const std::string& topic, const std::string& me
 Driver_result Mqtt_link::answer_to(int message) const {
     const int code = m_answers.at(message);
     return code < REFUSED ? Driver_result::done()
-                          : Driver_result::refused(library().mosquitto_reason_string(code));
+                          : Driver_result::refused(m_library->mosquitto_reason_string(code));
 }
 
 Driver_result Mqtt_link::wait(milliseconds most, int wake) {
@@ -436,9 +431,9 @@ Driver_result Mqtt_link::work(Time end, int wake, Is_done is_done) {
 
 int Mqtt_link::work_once(milliseconds most, int wake, bool& is_woken) {
     mosquitto* const client = m_client.get();
-    const short writes = library().mosquitto_want_write(client) ? POLLOUT : 0;
+    const short writes = m_library->mosquitto_want_write(client) ? POLLOUT : 0;
     pollfd sources[] = {
-        {library().mosquitto_socket(client), static_cast<short>(POLLIN | writes), 0},
+        {m_library->mosquitto_socket(client), static_cast<short>(POLLIN | writes), 0},
         {wake, POLLIN, 0}};
     poll(sources, 2, static_cast<int>(most.count()));
     is_woken = sources[1].revents != 0;
@@ -448,22 +443,22 @@ int Mqtt_link::work_once(milliseconds most, int wake, bool& is_woken) {
         m_is_accepted = result == MOSQ_ERR_SUCCESS;
     }
     if (result == MOSQ_ERR_SUCCESS && (sources[0].revents & ~POLLOUT) != 0) {
-        result = library().mosquitto_loop_read(client, 1);
+        result = m_library->mosquitto_loop_read(client, 1);
         if (result == MOSQ_ERR_SUCCESS && is_packet_too_large()) {
             m_trouble = TOO_LARGE;
             result = MOSQ_ERR_OVERSIZE_PACKET;
         }
     }
     if (result == MOSQ_ERR_SUCCESS && (sources[0].revents & POLLOUT) != 0) {
-        result = library().mosquitto_loop_write(client, 1);
+        result = m_library->mosquitto_loop_write(client, 1);
     }
-    return result == MOSQ_ERR_SUCCESS ? library().mosquitto_loop_misc(client) : result;
+    return result == MOSQ_ERR_SUCCESS ? m_library->mosquitto_loop_misc(client) : result;
 }
 
 // The library reads packets of any size. It allocates a packet as a whole, but memory is only used as the packet
 // arrives.
 bool Mqtt_link::is_packet_too_large() const {
-    return taken_bytes(library().mosquitto_socket(m_client.get())) >
+    return taken_bytes(m_library->mosquitto_socket(m_client.get())) >
            m_packets_end + LARGEST_UNFINISHED;
 }
 
@@ -471,7 +466,7 @@ bool Mqtt_link::is_packet_too_large() const {
 int Mqtt_link::connection_error() {
     int error = 0;
     socklen_t size = sizeof error;
-    getsockopt(library().mosquitto_socket(m_client.get()), SOL_SOCKET, SO_ERROR, &error, &size);
+    getsockopt(m_library->mosquitto_socket(m_client.get()), SOL_SOCKET, SO_ERROR, &error, &size);
     errno = error;
     return error == 0 ? MOSQ_ERR_SUCCESS : MOSQ_ERR_ERRNO;
 }
@@ -487,8 +482,8 @@ Driver_result Mqtt_link::lost(const std::string& reason) {
 }
 
 std::string Mqtt_link::welcome_text() const {
-    return m_is_old_broker ? library().mosquitto_connack_string(*m_welcome)
-                           : library().mosquitto_reason_string(*m_welcome);
+    return m_is_old_broker ? m_library->mosquitto_connack_string(*m_welcome)
+                           : m_library->mosquitto_reason_string(*m_welcome);
 }
 
 std::string Mqtt_link::reason_of(int result, int error) const {
@@ -506,7 +501,7 @@ std::string Mqtt_link::reason_of(int result, int error) const {
         case MOSQ_ERR_KEEPALIVE:
             return NO_ANSWER;
         default:
-            return library().mosquitto_strerror(result);
+            return m_library->mosquitto_strerror(result);
     }
 }
 

@@ -23,6 +23,8 @@ struct mosquitto_message;
 
 namespace frontpanel {
 
+struct Mosquitto_library;
+
 class Mqtt_link {
 public:
     // Takes each message, within a call of the link.
@@ -78,13 +80,10 @@ private:
     std::string reason_of(int result, int error) const;
     std::string welcome_text() const;
 
-    struct Destroyer {
-        void operator()(mosquitto* client) const;
-    };
-
     Mqtt_settings m_settings;
     On_message m_on_message;
-    std::unique_ptr<mosquitto, Destroyer> m_client;  // null: closed
+    const Mosquitto_library* m_library = nullptr;                                 // of the client
+    std::unique_ptr<mosquitto, void (*)(mosquitto*)> m_client{nullptr, nullptr};  // null: closed
     std::atomic<bool> m_is_stopping{false};
     bool m_is_closing = false;
     bool m_is_old_broker = false;  // it lacks MQTT 5
