@@ -44,8 +44,8 @@ public:
             ++bits;
         }
         if (bits > m_bits) {
-            m_bits = bits;
             m_places = std::vector<std::uint32_t>(std::size_t{1} << bits, NONE);
+            m_bits = bits;  // once there was memory
             for (std::uint32_t number = 0; number < m_count; ++number) {
                 put(number, hash_of(number));
             }
