@@ -1,12 +1,11 @@
 #include <frontpanel_base/character_set.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
-#include <iterator>
 #include <utility>
 
+#include "code_blocks.h"
 #include "composition.h"
 
 namespace frontpanel {
@@ -20,12 +19,8 @@ constexpr std::pair<char32_t, char> PLAIN_FORMS[] = {
     {0x2018, '\''}, {0x2019, '\''}, {0x201C, '"'}, {0x201D, '"'}, {0x2212, '-'},
 };
 
-struct Block {
-    char32_t first;
-    char32_t last;
-};
 // The characters between these blocks are combining, wide, invisible, or written from right to left.
-constexpr Block ONE_COLUMN[] = {
+constexpr Code_block ONE_COLUMN[] = {
     {0x20, 0x7E},     {0xA0, 0xAC},     {0xAE, 0x2FF},    {0x370, 0x377},   {0x37A, 0x37F},
     {0x384, 0x482},   {0x48A, 0x52F},   {0x1E00, 0x1EFF}, {0x2010, 0x2027}, {0x2030, 0x205E},
     {0x2070, 0x20BF}, {0x2100, 0x218B}, {0x2190, 0x2319}, {0x231C, 0x2328}, {0x232B, 0x23E8},
@@ -168,10 +163,7 @@ std::string cells_of(std::string_view text, std::set<char32_t>& lost) {
 }
 
 bool has_one_column(char32_t character) {
-    return std::any_of(std::begin(ONE_COLUMN), std::end(ONE_COLUMN),
-                       [character](const Block& block) {
-                           return character >= block.first && character <= block.last;
-                       });
+    return is_in(ONE_COLUMN, character);
 }
 
 std::string text_in_columns(const std::u32string& characters) {

@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include <frontpanel_base/character_set.h>
+#include "code_blocks.h"
 #include "composition_table.h"
 
 namespace frontpanel {
@@ -15,12 +16,8 @@ namespace {
 // More than any language puts on one letter: further marks are dropped.
 constexpr std::size_t MOST_MARKS = 8;
 
-struct Block {
-    char32_t first;
-    char32_t last;
-};
 // Accents and other marks of letters, variation selectors, and joiners.
-constexpr Block COMBINING[] = {
+constexpr Code_block COMBINING[] = {
     {0x300, 0x36F},     {0x483, 0x489},   {0x591, 0x5BD},   {0x5BF, 0x5BF},   {0x5C1, 0x5C2},
     {0x5C4, 0x5C5},     {0x5C7, 0x5C7},   {0x610, 0x61A},   {0x64B, 0x65F},   {0x670, 0x670},
     {0x6D6, 0x6DC},     {0x6DF, 0x6E4},   {0x6E7, 0x6E8},   {0x6EA, 0x6ED},   {0xE31, 0xE31},
@@ -54,10 +51,7 @@ std::optional<char32_t> composition_of(char32_t base, char32_t mark) {
 }  // namespace
 
 bool is_combining(char32_t character) {
-    const auto behind =
-        std::upper_bound(std::begin(COMBINING), std::end(COMBINING), character,
-                         [](char32_t wanted, const Block& block) { return wanted < block.first; });
-    return behind != std::begin(COMBINING) && character <= std::prev(behind)->last;
+    return is_in(COMBINING, character);
 }
 
 std::optional<char32_t> base_letter_of(char32_t character) {
