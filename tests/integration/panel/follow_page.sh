@@ -1,19 +1,11 @@
 # Sourced by the tests that follow a page of the documentation literally, with the arguments FRONTPANEL and PAGE: works in a
 # folder of its own, where `frontpanel` is the panel.
 # shellcheck shell=bash
-PANEL=$1
+# shellcheck source=tests/integration/panel/own_folder.sh
+. "$(dirname "${BASH_SOURCE[0]}")/own_folder.sh"
 PAGE=$2
-FOLDER=$(mktemp -d)
 RUNNING=() # what `start` has started
 trap 'stop "${RUNNING[@]}"; rm -rf "$FOLDER"' EXIT
-cd "$FOLDER" || exit 1
-export XDG_STATE_HOME=$FOLDER
-FAILURES=0
-
-fail() {
-    echo "FAILED: $*"
-    FAILURES=$((FAILURES + 1))
-}
 
 mkdir bin
 printf '#!/bin/sh\nexec "%s" "$@"\n' "$PANEL" >bin/frontpanel

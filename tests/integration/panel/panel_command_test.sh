@@ -3,18 +3,9 @@
 # usage: panel_command_test.sh FRONTPANEL TOUR
 set -uo pipefail
 
-PANEL=$1
+# shellcheck source=tests/integration/panel/own_folder.sh
+. "$(dirname "${BASH_SOURCE[0]}")/own_folder.sh"
 TOUR=$2
-FOLDER=$(mktemp -d)
-trap 'rm -rf "$FOLDER"' EXIT
-cd "$FOLDER" || exit 1
-export XDG_STATE_HOME=$FOLDER
-FAILURES=0
-
-fail() {
-    echo "FAILED: $*"
-    FAILURES=$((FAILURES + 1))
-}
 
 # Posting to a card needs a writable /dev. Where there is none, every panel with cards says so first.
 NO_POSTS="warning: live values cannot be posted: /dev is not writable"

@@ -3,18 +3,9 @@
 # usage: panel_files_test.sh FRONTPANEL TOUR
 set -uo pipefail
 
-PANEL=$1
-FOLDER=$(mktemp -d)
-trap 'rm -rf "$FOLDER"' EXIT
-cd "$FOLDER" || exit 1
-export XDG_STATE_HOME=$FOLDER
-FAILURES=0
+# shellcheck source=tests/integration/panel/own_folder.sh
+. "$(dirname "${BASH_SOURCE[0]}")/own_folder.sh"
 NO_POSTS="warning: live values cannot be posted: /dev is not writable"
-
-fail() {
-    echo "FAILED: $*"
-    FAILURES=$((FAILURES + 1))
-}
 
 # expect STATUS ERRORS ARGUMENT...: runs the panel on a small menu.
 expect() {

@@ -3,20 +3,11 @@
 # usage: panel_mqtt_library_test.sh FRONTPANEL
 set -uo pipefail
 
-PANEL=$1
-FOLDER=$(mktemp -d)
-trap 'rm -rf "$FOLDER"' EXIT
-cd "$FOLDER" || exit 1
-export XDG_STATE_HOME=$FOLDER
-FAILURES=0
+# shellcheck source=tests/integration/panel/own_folder.sh
+. "$(dirname "${BASH_SOURCE[0]}")/own_folder.sh"
 mkdir libraries
 : >libraries/libmosquitto.so.1
 export LD_LIBRARY_PATH=$FOLDER/libraries
-
-fail() {
-    echo "FAILED: $*"
-    FAILURES=$((FAILURES + 1))
-}
 
 # expect STATUS OUTPUT ARGUMENT...: runs the panel, and looks for a line in what it prints.
 expect() {
