@@ -45,8 +45,8 @@ TEST_F(Driver_work_test, ARefusedWriteIsShownAndLogged) {
         title = panel.frame().lcd.line(0);
         text = panel.frame().lcd.line(1);
     });
-    EXPECT_EQ(title, "Gain                ") << "as the item is called";
-    EXPECT_EQ(text, "write refused: No su");
+    EXPECT_EQ(title, "Gain             1/3") << "as the item is called";
+    EXPECT_EQ(text, "write refused: No   ");
     EXPECT_NE(log_text().find("driver files: gain: write refused: No such file or directory"),
               std::string::npos)
         << log_text();
