@@ -1,6 +1,7 @@
 #include "engine/cascade.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include "engine/engine.h"
@@ -29,6 +30,31 @@ bool is_writer(const Engine& engine) {
 }
 
 }  // namespace
+
+Trail Trail::beyond(uint64_t engine) const {
+    Trail next = *this;
+    const auto number = static_cast<uint32_t>(engine);
+    if (is_new()) {
+        next.m_watched = number;
+    } else if (++next.m_steps > FIRST_WATCH << m_watches) {
+        next.m_watched = number;
+        next.m_steps = 0;
+        if (m_watches < LAST_WATCH) {
+            ++next.m_watches;
+        }
+        next.m_returns = 0;
+    } else if (number == m_watched && m_returns < UINT8_MAX) {
+        ++next.m_returns;
+    }
+    return next;
+}
+
+bool Trail::is_longer_than(const Trail& other) const {
+    const auto length = [](const Trail& trail) {
+        return std::make_tuple(!trail.is_new(), trail.m_watches, trail.m_steps);
+    };
+    return length(*this) > length(other);
+}
 
 void Waiting_engines::remove(Engine& engine) {
     const auto first = m_engines.begin() + static_cast<std::ptrdiff_t>(m_next);
@@ -108,6 +134,11 @@ void Cascade::written(Cached_parameter& parameter) {
     end_commits();
     m_commits.push_back(&parameter);
     if (!is_within_turn()) {
+        // Not what a list refreshes, but what a person or the application writes comes from outside.
+        const bool is_of_last = std::any_of(
+            parameter.owners.begin(), parameter.owners.end(),
+            [this](Engine* owner) { return owner->cascade_state().number == m_last_evaluated; });
+        m_trail = m_is_settling || is_of_last ? m_trail : Trail();
         ++m_turn;
         m_turn_began_with = &parameter;
         m_is_frozen = false;
@@ -145,12 +176,15 @@ void Cascade::input_changed(Engine& engine) {
 }
 
 void Cascade::mark(Engine& engine) {
-    mark(engine, m_is_settling ? m_wave : m_next_wave);
+    mark(engine, m_is_settling ? m_wave : m_next_wave, m_trail);
 }
 
-void Cascade::mark(Engine& engine, uint64_t wave) {
+void Cascade::mark(Engine& engine, uint64_t wave, const Trail& trail) {
     Cascade_state& state = engine.cascade_state();
-    state.cause = m_last_evaluated;
+    if (trail.is_longer_than(state.trail)) {
+        state.trail = trail;
+        state.cause = m_last_evaluated;
+    }
     state.wave = std::max(state.wave, wave);
     state.is_marked = engine.entry() != nullptr;
     if (!state.is_marked || state.is_listed) {
@@ -162,13 +196,20 @@ void Cascade::mark(Engine& engine, uint64_t wave) {
 
 // Writes come from an engine whose entry was just refreshed, right after it was evaluated.
 void Cascade::evaluated(Engine& engine) {
-    engine.cascade_state().is_marked = false;
-    m_last_evaluated = engine.cascade_state().number;
+    Cascade_state& state = engine.cascade_state();
+    state.is_marked = false;
+    const Trail trail = std::exchange(state.trail, Trail());
+    // A refresh may evaluate an engine twice, the second time without a mark.
+    const bool is_again = state.number == m_last_evaluated && !m_trail.is_new();
+    if (!is_again || trail.is_longer_than(m_trail)) {
+        m_trail = trail.beyond(state.number);
+    }
+    m_last_evaluated = state.number;
 }
 
 void Cascade::device_changed(Engine& engine) {
     if (engine.was_evaluated()) {
-        mark(engine, m_next_wave);
+        mark(engine, m_next_wave, Trail());
     }
 }
 
@@ -249,6 +290,7 @@ Binding_settlement Cascade::settle(Data_interface* iface, std::size_t at_most) {
     ++m_next_wave;
     run_round(iface, at_most, settlement);
     m_is_settling = false;
+    m_trail = Trail();
     settlement.is_complete = is_at_rest();
     return settlement;
 }
@@ -277,7 +319,8 @@ void Cascade::take_turn(Engine& engine, Data_interface* iface, Binding_settlemen
         state.counted = state.wave;
         state.refreshes = 0;
     }
-    if (state.refreshes == MOST_REFRESHES) {
+    if (is_in_circle(state)) {
+        state.trail = Trail();
         if (settlement.at_rest) {
             settlement.at_rest = false;
             settlement.path = circle_of(engine);
@@ -291,6 +334,11 @@ void Cascade::take_turn(Engine& engine, Data_interface* iface, Binding_settlemen
     // The refresh may destroy any engine, this one included.
     Data_entry::EntryTypeSpecificOperation(engine.entry(), iface, nullptr, true,
                                            Data_entry::OPERATION_REFRESH, nullptr);
+}
+
+// By what changed between two rounds, or, while the device changes between all of them, by a trail without end.
+bool Cascade::is_in_circle(const Cascade_state& state) const {
+    return state.refreshes == MOST_REFRESHES || state.trail.returns() > MOST_REFRESHES;
 }
 
 // From the engine back through what marked it, until one comes up again; reported in the order of the writes.

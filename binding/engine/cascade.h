@@ -23,6 +23,33 @@ namespace frontpanel::binding_engine {
 class Engine;
 struct Cached_parameter;
 
+// How the change that marked an engine came to it, from engine to engine: each wrote what marked the next. What comes
+// from outside begins a new trail, so that only a circle makes a trail without end.
+//
+// A trail watches one of its engines. One that comes back to it more often than a chain of changes may refresh an entry is
+// a circle. The watched engine need not be on the circle: after twice as many steps as before it is the engine that the
+// trail has come to.
+class Trail {
+public:
+    // The trail as it leaves an engine.
+    Trail beyond(uint64_t engine) const;
+    bool is_new() const { return m_watched == 0; }
+    int returns() const { return m_returns; }
+    bool is_longer_than(const Trail& other) const;
+
+private:
+    static constexpr uint32_t FIRST_WATCH = 64;
+    static constexpr uint8_t LAST_WATCH =
+        24;  // doublings: a menu has far fewer engines than that many steps
+
+    // Small, since each of thousands of engines has one. Numbers of engines stay below four billion.
+    uint32_t m_watched = 0;  // 0: a trail that begins
+    uint32_t m_steps = 0;    // with this engine watched
+    uint8_t m_watches =
+        0;  // engines that were watched before, each for twice as many steps as the last
+    uint8_t m_returns = 0;
+};
+
 // What the cascade remembers of an engine.
 struct Cascade_state {
     uint64_t number = 0;     // of the engine; never used again
@@ -32,6 +59,7 @@ struct Cascade_state {
     uint64_t wave = 0;       // the latest wave that marked it
     uint64_t counted = 0;    // the wave that `refreshes` counts
     int refreshes = 0;
+    Trail trail = {};  // the longest that led to the marks since it was evaluated
 };
 
 // Engines in the order in which they were marked, each once.
@@ -99,7 +127,7 @@ public:
     Binding_settlement settle(Data_interface* iface, std::size_t at_most);
 
 private:
-    void mark(Engine& engine, uint64_t wave);
+    void mark(Engine& engine, uint64_t wave, const Trail& trail);
     void device_changed(Engine& engine);
     void spread();
     Engine* take_next();
@@ -107,6 +135,7 @@ private:
     void end_commits();
     void run_round(Data_interface* iface, std::size_t at_most, Binding_settlement& settlement);
     void take_turn(Engine& engine, Data_interface* iface, Binding_settlement& settlement);
+    bool is_in_circle(const Cascade_state& state) const;
     std::string circle_of(const Engine& engine) const;
 
     std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
@@ -120,6 +149,7 @@ private:
     // changing causes wave after wave, which is no circle.
     uint64_t m_next_wave = 1;  // for changes before the next round
     uint64_t m_wave = 0;       // of the entry that is being refreshed
+    Trail m_trail;             // of what the engine writes that was evaluated last
     uint64_t m_turn = 1;
     Cached_parameter* m_turn_began_with = nullptr;
     std::vector<const Cached_parameter*> m_commits;  // under way, the outermost first

@@ -186,7 +186,8 @@ public:
     // Refreshes with `iface` (null: the registry's) every entry whose parameters changed since its engine last
     // evaluated them, until what these refreshes change is settled as well. An entry that was never refreshed waits
     // until it is, unless it has write rules. Changes between two calls refresh an entry at most 32 times; beyond that,
-    // the result and its engine's errors name the circle. Entries and engines may be destroyed meanwhile. A call from
+    // the result and its engine's errors name the circle, also one that goes on over several calls while the device keeps
+    // changing. Entries and engines may be destroyed meanwhile. A call from
     // within a refresh does nothing. All entries with write rules come first; after `at_most` others the rest is left
     // to the next call, so that the caller can do other work in between.
     Binding_settlement settle(Data_interface* iface = nullptr, std::size_t at_most = SIZE_MAX);

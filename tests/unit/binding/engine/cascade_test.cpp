@@ -530,6 +530,50 @@ TEST_F(Cascade_in_parts, ACircleOfWritesIsFoundAcrossThem) {
     EXPECT_LE(log.size(), 64U);
 }
 
+// Two limits of which each wants to be above the other, and a sensor that both read.
+class Cascade_of_limits : public Cascade_in_parts {
+protected:
+    // Until a circle is found; how many parts it took.
+    int settle_while_the_sensor_changes(const std::string& low_rule, const std::string& high_rule) {
+        bind(low, low_rule);
+        bind(high, high_rule);
+        refresh(low, &cache);
+        refresh(high, &cache);
+        int parts = 0;
+        for (Binding_settlement part; part.at_rest && parts < MOST_PARTS; ++parts) {
+            device.set_integer(100, 0, parts % 9);
+            registry->poll();
+            part = settle_part(1);
+            path = part.path;
+        }
+        return parts;
+    }
+
+    static constexpr int MOST_PARTS = 5000;
+    Number_entry low{"Low", 101, no_level, 0, 1000000};
+    Number_entry high{"High", 102, no_level, 0, 1000000};
+    std::string path;
+};
+
+TEST_F(Cascade_of_limits, ACircleIsFoundThoughTheDeviceChangesBetweenItsParts) {
+    EXPECT_LT(settle_while_the_sensor_changes("range [102] + 1..1000000 if [100] >= 0",
+                                              "range [101] + 1..1000000 if [100] >= 0"),
+              MOST_PARTS);
+    EXPECT_THAT(path, testing::AnyOf("Low -> High -> Low", "High -> Low -> High"));
+}
+
+TEST_F(Cascade_of_limits, LimitsThatFollowADeviceWithoutEndAreNoCircle) {
+    EXPECT_EQ(settle_while_the_sensor_changes("range [100]..[100]", "range [101]..[101] + 1"),
+              MOST_PARTS)
+        << path;
+}
+
+TEST_F(Cascade_of_limits, LimitsOfEachOtherThatComeToRestAreNoCircle) {
+    EXPECT_EQ(settle_while_the_sensor_changes("range [100]..[102]", "range [101]..[100] + 9"),
+              MOST_PARTS)
+        << path;
+}
+
 // ---- circles end
 
 TEST_F(Cascade_test, WritesThatGoInACircleEndAndNameTheirPath) {
