@@ -255,8 +255,8 @@ void Output_log::note(const std::string& line) {
 }
 
 // The terminal that shows the panel has no room for the line, and it would be lost in the log.
-void Output_log::report(const std::string& line) {
-    note(line);
+void Output_log::report(const std::string& line, const std::string& logged) {
+    note(logged);
     if (m_errors < 0) {
         std::cerr << line << '\n';
     } else if (m_kept_errors.size() < MOST_KEPT) {

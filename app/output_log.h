@@ -46,8 +46,9 @@ public:
     // place for it while the panel is on the screen.
     void take_errors();
     void return_errors();
-    // Notes a line in the log, and on standard error: at once, or when it is returned.
-    void report(const std::string& line);
+    // Notes a line in the log, and on standard error: at once, or when it is returned. The log may have a shorter form.
+    void report(const std::string& line) { report(line, line); }
+    void report(const std::string& line, const std::string& logged);
     // In the log alone.
     void note(const std::string& line);
 

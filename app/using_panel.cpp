@@ -131,17 +131,31 @@ Display_setup setup_of(const Options& options, Output_log& log) {
             options.rom};
 }
 
+namespace {
+
+// Text editors find the place by the name under which the panel was given the file.
+std::string line_of(const Rule_fault& fault) {
+    return "warning: " + one_line(fault.text());
+}
+
+// A person reads the log on the panel, whose lines are short. The library's lines name no folder either.
+std::string log_line_of(Rule_fault fault) {
+    fault.place.erase(0, fault.place.rfind('/') + 1);
+    return line_of(fault);
+}
+
+}  // namespace
+
 Panel_options panel_options_of(const Options& options, Menu& menu, Output_log& log) {
     Panel_options panel;
     panel.size = options.size;
     panel.encoder = menu.encoder_settings();
     panel.log = &log.lines();
     panel.rule_fault = [&log](const Rule_fault& fault) {
-        const std::string line = "warning: " + one_line(fault.text());
         if (fault.is_notable()) {
-            log.report(line);
+            log.report(line_of(fault), log_line_of(fault));
         } else {
-            log.note(line);
+            log.note(log_line_of(fault));
         }
     };
     return panel;

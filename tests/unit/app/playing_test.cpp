@@ -41,6 +41,16 @@ TEST_F(Playing_test, ADifferenceIsCountedAndToldOnStandardError) {
     EXPECT_NE(errors.find("a.script: 2 expectations not met\n"), std::string::npos);
 }
 
+TEST_F(Playing_test, AFaultOfARuleHasItsFolderOnStandardErrorAndNotInTheLog) {
+    options.menu = write("faulty.json", R"({"device": {"parameters": [
+        {"name": "z", "pid": 1, "type": "integer", "min": 0, "max": 9, "value": 0}]},
+        "menu": {"name": "Main", "items": [{"type": "range", "name": "Z", "parameter": "z",
+            "binding": "visible if 1 / [z] < 2"}]}})");
+    const std::string line = "faulty.json:4:25: Z: visible if 1 / [z] < 2: division by zero\n";
+    EXPECT_EQ(play_script("select\n").err, "warning: " + folder.file("") + line);
+    EXPECT_EQ(read_input_file(options.log), "warning: " + line);
+}
+
 TEST_F(Playing_test, TheEncoderIsNotAcceleratedHoweverFastTheScriptIsPlayed) {
     play_script("select\nup 3\nexpect 2 |8*|\n");
     EXPECT_EQ(status, EXIT_PLAYED);
