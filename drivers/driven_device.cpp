@@ -211,10 +211,6 @@ private:
         if (instance.row == nullptr) {
             throw Told_already();
         }
-        if (m_device.m_cache.parameter_count() >= MOST_PARAMETERS) {
-            m_problems.end(source.place(), "expected at most " + std::to_string(MOST_PARAMETERS) +
-                                               " parameters with a source");
-        }
         source.expect_members(with_common_members(instance.row->source_members));
         std::optional<milliseconds> poll;
         if (const auto own = source.find(POLL)) {

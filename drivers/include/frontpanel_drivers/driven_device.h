@@ -29,7 +29,6 @@ enum class Lacking_drivers {
 class Driven_device {
 public:
     static constexpr std::size_t MOST_DRIVERS = 32;
-    static constexpr std::size_t MOST_PARAMETERS = 100000;
 
     // Reads the member "device" of `file`. Errors in its drivers and sources are added to `problems`, and reading goes
     // on; do not start a device with errors. `folder` is that of the file; `others` has the parameters without a
