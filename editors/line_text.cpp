@@ -1,5 +1,6 @@
 #include <frontpanel_base/character_set.h>
 #include <frontpanel_editors/line_text.h>
+#include <frontpanel_editors/still_texts.h>
 #include <frontpanel_editors/value_editor.h>
 
 #include <algorithm>
@@ -176,6 +177,9 @@ std::string Scrolling_text::show(int columns) {
         return m_text;
     }
     std::string shown = part_of(m_characters, m_offset, width, true);
+    if (Still_texts::are_still()) {
+        return shown;
+    }
     if (m_held > 0) {
         --m_held;
         return shown;

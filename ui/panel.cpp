@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <frontpanel_data/data_interface.h>
+#include <frontpanel_editors/still_texts.h>
 #include <frontpanel_ui/main_loop.h>
 #include <frontpanel_ui/message_queue.h>
 #include "controller.h"
@@ -73,11 +74,11 @@ struct Panel::Parts {
         });
         menu.bindings()->set_warning_listener([this](const std::string& text) {
             controller.warn(text);
-            has_changed = true;
+            note_change(Texts::STAY);
         });
         menu.bindings()->set_fault_listener([this](const Rule_fault& fault) {
             controller.tell_fault(fault);
-            has_changed = true;
+            note_change(Texts::STAY);
             if (options.rule_fault) {
                 options.rule_fault(fault);
             }
@@ -107,8 +108,16 @@ struct Panel::Parts {
         }
     }
     void settle_rest(Time began) {
-        has_changed = controller.settle_rest() || has_changed;
+        if (controller.settle_rest()) {
+            note_change(Texts::STAY);
+        }
         pause_rest(began);
+    }
+    // Another frame is due. Between two beats it has new values, but texts scroll no faster for it.
+    enum class Texts { STAY, MOVE };
+    void note_change(Texts texts) {
+        has_changed = true;
+        are_moving = are_moving || texts == Texts::MOVE;
     }
 
     Menu& menu;
@@ -122,6 +131,7 @@ struct Panel::Parts {
     bool is_hurried = false;       // a tick comes before the next one
     std::optional<Frame> frame;    // the last one drawn
     bool has_changed = true;       // since then
+    bool are_moving = true;        // the texts, with the next frame
     bool is_over = false;
 };
 
@@ -134,7 +144,7 @@ void Panel::press(const Key& key) {
     const Time time = now();
     m_parts->session->press(key, time);
     m_parts->pause_rest(time);
-    m_parts->has_changed = true;
+    m_parts->note_change(Parts::Texts::MOVE);
 }
 
 bool Panel::types(char character) const {
@@ -144,7 +154,7 @@ bool Panel::types(char character) const {
 void Panel::receive(const FrontPanel::Message& message) {
     if (tells_idle(message)) {
         m_parts->controller.receive(message);
-        m_parts->has_changed = true;
+        m_parts->note_change(Parts::Texts::MOVE);
     }
     for (const Key& key : keys_of(message)) {
         press(key);
@@ -162,7 +172,7 @@ void Panel::quit() {
     if (parts.session->may_end([&parts] { parts.is_over = true; }, now())) {
         parts.is_over = true;
     }
-    parts.has_changed = true;
+    parts.note_change(Parts::Texts::MOVE);
 }
 
 bool Panel::is_over() const {
@@ -184,7 +194,7 @@ void Panel::tick() {
     parts.session->tick(time, !is_between);
     parts.pause_rest(time);
     parts.next_tick = is_between ? parts.next_tick : time + TICK;
-    parts.has_changed = true;
+    parts.note_change(is_between ? Parts::Texts::STAY : Parts::Texts::MOVE);
 }
 
 Time Panel::due() const {
@@ -203,7 +213,7 @@ int Panel::device_descriptor() const {
 
 void Panel::tell(const std::string& title, const std::string& text) {
     m_parts->controller.tell_device(title, text);
-    m_parts->has_changed = true;
+    m_parts->note_change(Parts::Texts::STAY);
 }
 
 bool Panel::has_changed() const {
@@ -212,19 +222,21 @@ bool Panel::has_changed() const {
 
 const Frame& Panel::frame() {
     if (m_parts->has_changed || !m_parts->frame) {
+        const Still_texts still(!m_parts->are_moving);
         m_parts->frame = m_parts->session->draw(now());
         m_parts->has_changed = false;
+        m_parts->are_moving = false;
     }
     return *m_parts->frame;
 }
 
 void Panel::scroll() {
-    m_parts->has_changed = true;
+    m_parts->note_change(Parts::Texts::MOVE);
 }
 
 void Panel::set_size(Lcd_size size) {
     m_parts->session->set_size(size);
-    m_parts->has_changed = true;
+    m_parts->note_change(Parts::Texts::MOVE);
 }
 
 Time Panel::now() const {

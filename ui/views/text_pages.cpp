@@ -1,6 +1,7 @@
 #include "views/text_pages.h"
 
 #include <frontpanel_editors/line_text.h>
+#include <frontpanel_editors/still_texts.h>
 
 #include <algorithm>
 
@@ -59,7 +60,7 @@ std::vector<std::string> Text_pages::show() {
         m_page = (m_page + 1) % m_count;
         m_shown = 0;
     }
-    ++m_shown;
+    m_shown += Still_texts::are_still() ? 0 : 1;
     const std::size_t first = std::min(m_page * m_rows, m_lines.size());
     const std::size_t last = std::min(first + m_rows, m_lines.size());
     return {m_lines.begin() + static_cast<std::ptrdiff_t>(first),

@@ -95,6 +95,44 @@ TEST_F(Panel_test, IsDueOnceATick) {
     EXPECT_EQ(lines()[0], ">Gain         42");
 }
 
+// A driver may report a value every 20 ms.
+TEST_F(Panel_test, TextsScrollNoFasterWhileADeviceReportsChanges) {
+    shown.emplace(menu_text(PARAMETERS, R"({"type": "range", "name": "Gain of the hall",
+        "parameter": "gain", "format": "%d dB"})"),
+                  options());
+    constexpr int BEATS = 30;
+    int moves = 0;
+    std::string name = lines()[0].substr(1, 8);
+    for (int i = 1; i <= 4 * BEATS; ++i) {
+        now += Panel::SHORTEST_TICK;
+        if (i % 4 != 0) {
+            shown->panel.hurry();
+        }
+        shown->panel.tick();
+        const std::string next = lines()[0].substr(1, 8);
+        moves += next != name ? 1 : 0;
+        name = next;
+    }
+    EXPECT_LE(moves, BEATS);
+    EXPECT_GT(moves, BEATS / 2);
+}
+
+TEST_F(Panel_test, APageTurnsNoSoonerWhileADeviceReportsChanges) {
+    open();
+    shown->panel.tell("plc", "away: it does not answer at all");
+    EXPECT_EQ(lines()[0], "plc          1/3");
+    for (int i = 0; i < 100; ++i) {
+        shown->panel.hurry();
+        shown->panel.tick();
+        EXPECT_EQ(lines()[0], "plc          1/3");
+    }
+    for (int beat = 0; beat < 20 && lines()[0] == "plc          1/3"; ++beat) {
+        now += Panel::TICK;
+        shown->panel.tick();
+    }
+    EXPECT_EQ(lines()[0], "plc          2/3");
+}
+
 TEST_F(Panel_test, AsksAboutWhatRulesWarnOf) {
     open();
     press(Key::SELECT);
