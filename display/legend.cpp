@@ -119,6 +119,11 @@ bool is_of_cursor(Panel_mode mode) {
            mode == Panel_mode::QUESTION;
 }
 
+// Whether it may be on several pages.
+bool has_text(Panel_mode mode) {
+    return mode == Panel_mode::NOTICE || mode == Panel_mode::QUESTION;
+}
+
 bool is_in_menu(Panel_mode mode) {
     return mode == Panel_mode::HOMESCREEN || mode == Panel_mode::HOME_CURSOR ||
            mode == Panel_mode::TOP_MENU || mode == Panel_mode::MENU;
@@ -245,14 +250,15 @@ std::vector<std::string> legend_of(const Frame& frame, char quit) {
 std::vector<std::string> legend_of(Panel_mode mode, const std::string& characters,
                                    const Key_uses& keys, char quit) {
     std::vector<std::string> items;
-    if (keys.turns_pages) {
+    const bool turns_pages = keys.turns_pages && has_text(mode);
+    if (turns_pages) {
         items.emplace_back(PAGES);
     }
     const auto* const any =
         std::find_if(std::begin(ANY_KEY), std::end(ANY_KEY),
                      [mode](const Any_key& known) { return known.mode == mode; });
     if (any != std::end(ANY_KEY)) {
-        items.emplace_back(keys.turns_pages ? ANY_OTHER_KEY : any->use);
+        items.emplace_back(turns_pages ? ANY_OTHER_KEY : any->use);
     }
     add_uses(items, mode, characters);
     if (!characters.empty()) {

@@ -96,6 +96,9 @@ TEST(Legend, ListsTheKeysThatTurnPages) {
               (Items{"Up/Down page", "Enter yes", "Esc/Backspace no", "d log", "q quit"}));
     EXPECT_EQ(legend_of(Panel_mode::NOTICE, "", NONE, 'q'),
               (Items{"Any key acknowledges", "d log", "q quit"}));
+    EXPECT_EQ(legend_of(Panel_mode::MENU, "", uses, 'q'),
+              legend_of(Panel_mode::MENU, "", NONE, 'q'));
+    EXPECT_EQ(most_legend_lines(40, 'q'), 4);
 }
 
 TEST(Legend, IsThatOfTheFrame) {
