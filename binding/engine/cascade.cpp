@@ -29,6 +29,10 @@ bool is_writer(const Engine& engine) {
     return engine.offers(SUGGESTION_SET);
 }
 
+bool is_probably_circle(const Trail& trail) {
+    return trail.returns() > Cascade::MOST_REFRESHES;
+}
+
 }  // namespace
 
 Trail Trail::beyond(uint64_t engine) const {
@@ -95,7 +99,7 @@ void Cascade::remove(Engine& engine) {
     const Cascade_state& state = engine.cascade_state();
     m_engines.erase(state.number);
     if (state.is_listed) {
-        m_writers.remove(engine);
+        m_urgent.remove(engine);
         m_waiting.remove(engine);
     }
 }
@@ -187,11 +191,16 @@ void Cascade::mark(Engine& engine, uint64_t wave, const Trail& trail) {
     }
     state.wave = std::max(state.wave, wave);
     state.is_marked = engine.entry() != nullptr;
-    if (!state.is_marked || state.is_listed) {
+    const bool is_urgent = is_writer(engine) || is_probably_circle(state.trail);
+    if (!state.is_marked || (state.is_listed && (state.is_urgent || !is_urgent))) {
         return;
     }
+    if (state.is_listed) {
+        m_waiting.remove(engine);
+    }
     state.is_listed = true;
-    (is_writer(engine) ? m_writers : m_waiting).add(engine);
+    state.is_urgent = is_urgent;
+    (is_urgent ? m_urgent : m_waiting).add(engine);
 }
 
 // Writes come from an engine whose entry was just refreshed, right after it was evaluated.
@@ -263,7 +272,7 @@ void Cascade::spread() {
     }
 }
 
-// Null when no engine waits except those with write rules.
+// Null when no engine waits except urgent ones.
 Engine* Cascade::take_next() {
     for (;;) {
         if (Engine* const engine = m_waiting.take()) {
@@ -301,8 +310,8 @@ void Cascade::run_round(Data_interface* iface, std::size_t at_most,
                         Binding_settlement& settlement) {
     spread();
     for (std::size_t taken = 0;;) {
-        if (Engine* const writer = m_writers.take()) {
-            take_turn(*writer, iface, settlement);
+        if (Engine* const urgent = m_urgent.take()) {
+            take_turn(*urgent, iface, settlement);
             continue;
         }
         Engine* const engine = taken++ < at_most ? take_next() : nullptr;
@@ -319,7 +328,7 @@ void Cascade::take_turn(Engine& engine, Data_interface* iface, Binding_settlemen
         state.counted = state.wave;
         state.refreshes = 0;
     }
-    if (is_in_circle(state)) {
+    if (state.refreshes == MOST_REFRESHES) {
         state.trail = Trail();
         if (settlement.at_rest) {
             settlement.at_rest = false;
@@ -334,11 +343,6 @@ void Cascade::take_turn(Engine& engine, Data_interface* iface, Binding_settlemen
     // The refresh may destroy any engine, this one included.
     Data_entry::EntryTypeSpecificOperation(engine.entry(), iface, nullptr, true,
                                            Data_entry::OPERATION_REFRESH, nullptr);
-}
-
-// By what changed between two rounds, or, while the device changes between all of them, by a trail without end.
-bool Cascade::is_in_circle(const Cascade_state& state) const {
-    return state.refreshes == MOST_REFRESHES || state.trail.returns() > MOST_REFRESHES;
 }
 
 // From the engine back through what marked it, until one comes up again; reported in the order of the writes.

@@ -27,8 +27,9 @@ struct Cached_parameter;
 // from outside begins a new trail, so that only a circle makes a trail without end.
 //
 // A trail watches one of its engines. One that comes back to it more often than a chain of changes may refresh an entry is
-// a circle. The watched engine need not be on the circle: after twice as many steps as before it is the engine that the
-// trail has come to.
+// probably a circle. It may also be two entries that read each other and follow the device as well: a change of the device
+// then goes on with a trail that would have ended. Only what the engines do without such changes tells them apart. The
+// watched engine need not be on the circle: after twice as many steps as before it is the engine that the trail has come to.
 class Trail {
 public:
     // The trail as it leaves an engine.
@@ -55,7 +56,8 @@ struct Cascade_state {
     uint64_t number = 0;     // of the engine; never used again
     bool is_marked = false;  // a parameter changed since it was evaluated
     bool is_listed = false;  // among those that wait for a round
-    uint64_t cause = 0;      // the engine whose writes marked it last; 0: none
+    bool is_urgent = false;  // and come first in it
+    uint64_t cause = 0;      // the engine whose writes the trail came by; 0: none
     uint64_t wave = 0;       // the latest wave that marked it
     uint64_t counted = 0;    // the wave that `refreshes` counts
     int refreshes = 0;
@@ -118,12 +120,13 @@ public:
     // The engine answered with what the parameters are now.
     void evaluated(Engine& engine);
     bool is_at_rest() const {
-        return m_writers.is_empty() && m_waiting.is_empty() && m_spreading.empty();
+        return m_urgent.is_empty() && m_waiting.is_empty() && m_spreading.empty();
     }
 
     // Does nothing during a round, which also takes what its refreshes mark. All entries whose rules write come first:
-    // their writes are part of the change, and the rules of other entries read them. After `at_most` others the rest
-    // waits for the next call.
+    // their writes are part of the change, and the rules of other entries read them. So do those of what is probably a
+    // circle: within a round the device changes nothing, so either they come to rest or it is one. After `at_most` others
+    // the rest waits for the next call.
     Binding_settlement settle(Data_interface* iface, std::size_t at_most);
 
 private:
@@ -135,13 +138,12 @@ private:
     void end_commits();
     void run_round(Data_interface* iface, std::size_t at_most, Binding_settlement& settlement);
     void take_turn(Engine& engine, Data_interface* iface, Binding_settlement& settlement);
-    bool is_in_circle(const Cascade_state& state) const;
     std::string circle_of(const Engine& engine) const;
 
     std::map<uint64_t, Engine*> m_engines;  // by number, in the order of their making
     std::set<std::pair<const Data_entry*, uint64_t>> m_by_entry;  // engines that have one
-    Waiting_engines m_writers;                                    // with write rules
-    Waiting_engines m_waiting;
+    Waiting_engines m_urgent;   // with write rules, or on a trail that is probably a circle
+    Waiting_engines m_waiting;  // the others
     std::deque<Cached_parameter*> m_spreading;  // whose readers are not all marked yet
     uint64_t m_last_number = 0;
     uint64_t m_last_evaluated = 0;

@@ -187,9 +187,9 @@ public:
     // evaluated them, until what these refreshes change is settled as well. An entry that was never refreshed waits
     // until it is, unless it has write rules. Changes between two calls refresh an entry at most 32 times; beyond that,
     // the result and its engine's errors name the circle, also one that goes on over several calls while the device keeps
-    // changing. Entries and engines may be destroyed meanwhile. A call from
-    // within a refresh does nothing. All entries with write rules come first; after `at_most` others the rest is left
-    // to the next call, so that the caller can do other work in between.
+    // changing. Entries and engines may be destroyed meanwhile. A call from within a refresh does nothing. All entries
+    // with write rules come first, and so do entries that changed each other over many calls; after `at_most` others the
+    // rest is left to the next call, so that the caller can do other work in between.
     Binding_settlement settle(Data_interface* iface = nullptr, std::size_t at_most = SIZE_MAX);
 
     // What the device would hold after these values were written, and once more after the rules have acted: the values,

@@ -534,7 +534,8 @@ TEST_F(Cascade_in_parts, ACircleOfWritesIsFoundAcrossThem) {
 class Cascade_of_limits : public Cascade_in_parts {
 protected:
     // Until a circle is found; how many parts it took.
-    int settle_while_the_sensor_changes(const std::string& low_rule, const std::string& high_rule) {
+    int settle_while_the_sensor_changes(const std::string& low_rule, const std::string& high_rule,
+                                        std::size_t at_most = 1) {
         bind(low, low_rule);
         bind(high, high_rule);
         refresh(low, &cache);
@@ -543,13 +544,22 @@ protected:
         for (Binding_settlement part; part.at_rest && parts < MOST_PARTS; ++parts) {
             device.set_integer(100, 0, parts % 9);
             registry->poll();
-            part = settle_part(1);
+            part = settle_part(at_most);
             path = part.path;
         }
         return parts;
     }
 
+    // More than a part refreshes.
+    void add_readers_of_the_sensor() {
+        for (int i = 0; i < 150; ++i) {
+            bind(readers.emplace_back("Reader", 103, no_level, 0, 1000), "visible if [100] >= 0");
+            refresh(readers.back(), &cache);
+        }
+    }
+
     static constexpr int MOST_PARTS = 5000;
+    std::deque<Number_entry> readers;
     Number_entry low{"Low", 101, no_level, 0, 1000000};
     Number_entry high{"High", 102, no_level, 0, 1000000};
     std::string path;
@@ -562,6 +572,13 @@ TEST_F(Cascade_of_limits, ACircleIsFoundThoughTheDeviceChangesBetweenItsParts) {
     EXPECT_THAT(path, testing::AnyOf("Low -> High -> Low", "High -> Low -> High"));
 }
 
+TEST_F(Cascade_of_limits, ACircleIsFoundThoughManyOthersWaitForEachPart) {
+    add_readers_of_the_sensor();
+    EXPECT_LT(settle_while_the_sensor_changes("range [102] + 1..1000000 if [100] >= 0",
+                                              "range [101] + 1..1000000 if [100] >= 0", 100),
+              MOST_PARTS);
+}
+
 TEST_F(Cascade_of_limits, LimitsThatFollowADeviceWithoutEndAreNoCircle) {
     EXPECT_EQ(settle_while_the_sensor_changes("range [100]..[100]", "range [101]..[101] + 1"),
               MOST_PARTS)
@@ -572,6 +589,47 @@ TEST_F(Cascade_of_limits, LimitsOfEachOtherThatComeToRestAreNoCircle) {
     EXPECT_EQ(settle_while_the_sensor_changes("range [100]..[102]", "range [101]..[100] + 9"),
               MOST_PARTS)
         << path;
+}
+
+TEST_F(Cascade_of_limits, LimitsOfEachOtherThatFollowARisingDeviceAreNoCircle) {
+    add_readers_of_the_sensor();
+    bind(low, "range [100]..[102] + 5");
+    bind(high, "range [101] + 1..1000000");
+    refresh(low, &cache);
+    refresh(high, &cache);
+    for (int change = 1; change <= 500; ++change) {
+        device.set_integer(100, 0, change);
+        registry->poll();
+        const Binding_settlement part = settle_part(100);
+        ASSERT_TRUE(part.at_rest) << change << ": " << part.path;
+    }
+    while (registry->has_unsettled()) {
+        settle_part(100);
+    }
+    EXPECT_EQ(device.integer(101, 0), 500);
+    EXPECT_EQ(device.integer(102, 0), 501);
+}
+
+TEST_F(Cascade_of_limits, ManyChangesOfAPersonBetweenTwoPartsAreNoCircle) {
+    for (const bool are_shown : {false, true}) {
+        bind(low, "range 0..[102] + 100");
+        bind(high, "range [101] + 1..1000000");
+        write(101, 0);
+        write(102, 0);
+        refresh(low, &cache);
+        refresh(high, &cache);
+        settle();
+        for (int press = 0; press < 200; ++press) {
+            commit(low, press, &cache);
+            if (are_shown) {
+                refresh(high, &cache);
+                refresh(low, &cache);
+            }
+        }
+        const Binding_settlement part = settle_part(100);
+        EXPECT_TRUE(part.at_rest) << part.path;
+        EXPECT_EQ(device.integer(102, 0), 200);
+    }
 }
 
 // ---- circles end
