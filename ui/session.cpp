@@ -17,7 +17,7 @@ Session::Session(Controller& controller, Data_interface& device, std::optional<s
 
 void Session::press(const Key& key, Time now) {
     m_last_key = now;
-    if (types(key.character)) {
+    if (!m_dim && types(key.character)) {
         m_controller.press(key);
     } else if (!m_dim) {
         if (const Message_pointer message = message_of(key)) {
@@ -41,10 +41,16 @@ bool Session::may_end(std::function<void()> ends, Time now) {
     return may_end;
 }
 
+std::string Session::characters() const {
+    if (!m_dim) {
+        return m_controller.characters();
+    }
+    return m_asks ? Pin_lock::CHARACTERS : "";
+}
+
 // There is no message for a character that a keyboard types.
 bool Session::types(char character) const {
-    return !m_dim && character != '\0' &&
-           m_controller.characters().find(character) != std::string::npos;
+    return character != '\0' && characters().find(character) != std::string::npos;
 }
 
 void Session::press_on_lock(const Key& key, Time now) {
@@ -53,7 +59,8 @@ void Session::press_on_lock(const Key& key, Time now) {
         m_lock->ask(now);
         return;
     }
-    const Key meant = meant_key(m_controller.turned(key), Key_place::LIST);
+    const bool is_typed = types(key.character);
+    const Key meant = is_typed ? key : meant_key(m_controller.turned(key), Key_place::LIST);
     switch (m_lock->press(meant, now)) {
         case Pin_lock::Result::ASKING:
             break;
@@ -117,7 +124,7 @@ Frame Session::draw(Time now) {
     frame.dim = m_dim && !m_asks;
     if (m_dim) {
         frame.mode = m_asks ? Panel_mode::PIN : m_lock ? Panel_mode::LOCKED : Panel_mode::ASLEEP;
-        frame.characters.clear();
+        frame.characters = characters();
         frame.keys = {};
     }
     frame.leds.heart = m_heart;

@@ -38,13 +38,14 @@ public:
     Frame draw(Time now);
     void set_size(Lcd_size size) { m_controller.set_size(size); }
 
-    // Whether an editor takes the character of a keyboard.
+    // Whether an editor or the PIN prompt takes the character of a keyboard.
     bool types(char character) const;
 
     bool is_dim() const { return m_dim; }
     bool is_locked() const { return m_dim && m_lock.has_value(); }
 
 private:
+    std::string characters() const;
     void serve_requests();
     void rest();
     void wake();

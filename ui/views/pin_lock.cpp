@@ -25,6 +25,10 @@ Pin_lock::Result Pin_lock::press(const Key& key, Time now) {
     if (now < m_penalty_end) {
         return Result::ASKING;
     }
+    if (key.character >= '0' && key.character <= '9') {
+        m_digit = key.character - '0';
+        return take_digit(now);
+    }
     switch (key.kind) {
         case Key::UP:
             m_digit = (m_digit + 1) % DIGITS;

@@ -1,4 +1,4 @@
-// Asks for the PIN of a locked panel: its digits are set with the encoder, one after the other.
+// Asks for the PIN of a locked panel: its digits are set with the encoder or typed, one after the other.
 //
 // Its only clock is the time that the caller passes.
 #ifndef FRONTPANEL_UI_PIN_LOCK_H
@@ -18,6 +18,8 @@ public:
     static constexpr std::chrono::seconds PATIENCE{
         15};  // for the next key, before the question goes away
 
+    static constexpr const char* CHARACTERS = "0123456789";  // that a keyboard can type
+
     enum class Result { ASKING, OPEN, GIVEN_UP };
 
     // `pin` is one: see `is_pin`.
@@ -25,8 +27,8 @@ public:
 
     // Asks from the first digit on. A wrong try before counts as before.
     void ask(Time now);
-    // Up and down change the digit, select takes it, back goes a digit back or gives up. OPEN once the last
-    // digit of the right PIN is taken.
+    // Up and down change the digit, select takes it, back goes a digit back or gives up. A key with one of CHARACTERS
+    // sets the digit and takes it. OPEN once the last digit of the right PIN is taken.
     Result press(const Key& key, Time now);
     // GIVEN_UP when no key came for long.
     Result tick(Time now);

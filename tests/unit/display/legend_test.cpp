@@ -59,6 +59,7 @@ TEST(Legend, ALockedPanelAsksForItsPin) {
     EXPECT_EQ(legend_of(Panel_mode::LOCKED, "", NONE, 'q'),
               (Items{"Any key asks for the PIN", "q quit"}));
     EXPECT_TRUE(lists(legend_of(Panel_mode::PIN, "", NONE, 'q'), "Up/Down digit"));
+    EXPECT_TRUE(lists(legend_of(Panel_mode::PIN, "0123456789", NONE, 'q'), "0-9 type"));
 }
 
 TEST(Legend, FoldsBetweenItemsOnly) {

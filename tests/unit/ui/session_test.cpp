@@ -214,6 +214,29 @@ TEST_F(Locked_session_test, TheRightPinOpens) {
     EXPECT_EQ(lines()[0], ">Gain             5");
 }
 
+TEST_F(Locked_session_test, ThePinMayBeTyped) {
+    const auto type = [this](char digit) {
+        session.press({Key::SHORTCUT, digit - '0', digit}, now);
+    };
+    wait(seconds(60));
+    EXPECT_FALSE(session.types('1'));
+    EXPECT_EQ(session.draw(now).characters, "");
+    type('9');
+    EXPECT_EQ(lines()[1], "PIN 0___           ") << "the first key opens the prompt";
+    EXPECT_TRUE(session.types('1'));
+    EXPECT_FALSE(session.types('q'));
+    EXPECT_EQ(session.draw(now).characters, "0123456789");
+    type('1');
+    EXPECT_EQ(lines()[1], "PIN *0__           ");
+    type('2');
+    type('3');
+    session.press({Key::COARSER, 0, '+'}, now);
+    EXPECT_TRUE(session.is_locked());
+    type('4');
+    EXPECT_FALSE(session.is_locked());
+    EXPECT_EQ(lines(), HOME);
+}
+
 TEST_F(Locked_session_test, AnEncoderThatTurnsTheOtherWayDoesSoForThePinToo) {
     Encoder_settings encoder;
     encoder.reversed = true;

@@ -93,7 +93,7 @@ public:
     //
     // The key that wakes a dim panel has no other effect; a locked panel asks for the PIN.
     void press(const Key& key);
-    // Whether an editor accepts this character: its key then types it and has no other meaning.
+    // Whether an editor or the PIN prompt accepts this character: its key then types it and has no other meaning.
     bool types(char character) const;
     // Keys as messages of the front panel: see key_message.h. Any other message, and a damaged one, is ignored.
     void receive(const FrontPanel::Message& message);

@@ -72,6 +72,30 @@ TEST_F(Pin_lock_test, DigitsGoRound) {
     EXPECT_EQ(lines()[1], "PIN 0___        ");
 }
 
+TEST_F(Pin_lock_test, ATypedDigitIsTaken) {
+    press(Key::UP, 3);
+    EXPECT_EQ(lock.press({Key::SHORTCUT, 4, '4'}, now), Result::ASKING);
+    EXPECT_EQ(lines()[1], "PIN *0__        ");
+    lock.press({Key::SHORTCUT, 7, '7'}, now);
+    lock.press({Key::CHARACTER, 0, '0'}, now);
+    EXPECT_EQ(press(Key::BACK), Result::ASKING);
+    EXPECT_EQ(lines()[1], "PIN **0_        ");
+    lock.press({Key::SHORTCUT, 1, '1'}, now);
+    EXPECT_EQ(lock.press({Key::SHORTCUT, 1, '1'}, now), Result::OPEN);
+}
+
+TEST_F(Pin_lock_test, TypedTriesCountAsOthersAndAreNotTakenWhileOneHasToWait) {
+    for (const char digit : std::string("000000000000")) {
+        lock.press({Key::CHARACTER, 0, digit}, now);
+    }
+    EXPECT_EQ(lines()[1], "wait 30 s       ");
+    for (const char digit : std::string("4711")) {
+        EXPECT_EQ(lock.press({Key::CHARACTER, 0, digit}, now), Result::ASKING);
+    }
+    now += Pin_lock::PENALTY;
+    EXPECT_EQ(lines()[1], "PIN 0___        ");
+}
+
 TEST_F(Pin_lock_test, BackReturnsToTheDigitBeforeAndThenGivesUp) {
     enter("48");
     EXPECT_EQ(press(Key::BACK), Result::ASKING);
