@@ -97,6 +97,62 @@ std::vector<std::string> parts_of(const Characters& word, int columns) {
     return parts;
 }
 
+std::vector<std::string> words_in(std::string_view text) {
+    std::vector<std::string> words;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find(' ', begin), text.size());
+        if (end > begin) {
+            words.emplace_back(text.substr(begin, end - begin));
+        }
+        begin = end + 1;
+    }
+    return words;
+}
+
+bool ends_in_digit(const std::string& word) {
+    return std::isdigit(static_cast<unsigned char>(word.back())) != 0;
+}
+
+// Whether the second word goes on with the digits of the first, as in "1 000 000".
+bool continues_number(const std::string& word, const std::string& next) {
+    constexpr std::size_t GROUP = 3;
+    const std::size_t digits = std::min(next.find_first_not_of("0123456789"), next.size());
+    return ends_in_digit(word) && digits == GROUP;
+}
+
+// Whether the second word begins with the unit of the first, as in "0 dB..80 dB".
+bool begins_with_unit(const std::string& word, const std::string& next) {
+    constexpr int LONGEST_UNIT = 3;
+    const auto is_of_unit = [](char byte) {
+        const auto code = static_cast<unsigned char>(byte);
+        return std::isalpha(code) != 0 || byte == '%' || code > 0x7F;
+    };
+    const std::string unit(next.begin(), std::find_if_not(next.begin(), next.end(), is_of_unit));
+    return ends_in_digit(word) && !unit.empty() && width_of(unit) <= LONGEST_UNIT;
+}
+
+// Takes the word at `at` and those that belong to it from the text, as far as a line has room for them: a number whose
+// second half or unit is on another page would be read as another value. Where there is no room, marks show that the
+// number goes on.
+std::string group_at(std::vector<std::string>& words, std::size_t& at, int columns) {
+    const auto goes_on = [&words](std::size_t next) {
+        return next < words.size() && continues_number(words[next - 1], words[next]);
+    };
+    std::string group = words[at++];
+    for (; goes_on(at) || (at < words.size() && begins_with_unit(words[at - 1], words[at])); ++at) {
+        const int mark = goes_on(at + 1) ? 1 : 0;
+        if (width_of(group) + 1 + width_of(words[at]) + mark > columns) {
+            break;
+        }
+        group.append(BLANK).append(words[at]);
+    }
+    if (goes_on(at) && columns >= static_cast<int>(LEAST_COLUMNS_WITH_MARKS)) {
+        group += GOES_ON_RIGHT;
+        words[at].insert(0, GOES_ON_LEFT);
+    }
+    return group;
+}
+
 }  // namespace
 
 int width_of(std::string_view text) {
@@ -119,19 +175,15 @@ std::string rest_of(std::string_view text, int columns) {
 }
 
 std::vector<std::string> wrapped(std::string_view text, int columns) {
+    std::vector<std::string> words = words_in(text);
     std::vector<std::string> all;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find(' ', begin), text.size());
-        const std::string_view word = text.substr(begin, end - begin);
-        begin = end + 1;
-        if (word.empty()) {
+    for (std::size_t at = 0; at < words.size();) {
+        const std::string group = group_at(words, at, columns);
+        if (!all.empty() && width_of(all.back()) + 1 + width_of(group) <= columns) {
+            all.back() += BLANK + group;
             continue;
         }
-        if (!all.empty() && width_of(all.back()) + 1 + width_of(word) <= columns) {
-            all.back() += BLANK + std::string(word);
-            continue;
-        }
-        for (std::string& part : parts_of(characters_in(word), columns)) {
+        for (std::string& part : parts_of(characters_in(group), columns)) {
             all.push_back(std::move(part));
         }
     }

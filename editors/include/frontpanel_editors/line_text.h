@@ -23,6 +23,8 @@ std::string start_of(std::string_view text, int columns);
 std::string rest_of(std::string_view text, int columns);
 
 // The text on lines of at most `columns` characters, at least 1, broken at blanks. A longer word has lines of its own.
+// A number stays on one line with its groups of digits ("1 000 000") and its unit ("0 dB"); `<` and `>` mark groups that a
+// line has no room for.
 std::vector<std::string> wrapped(std::string_view text, int columns);
 
 // A text without cursor: one that is too long is held at its start for two calls, then moves left by one

@@ -77,6 +77,35 @@ TEST(LineText, ANumberThatIsLongerThanALineGoesOnByItsMarks) {
     EXPECT_EQ(wrapped("1234", 3), (Texts{"123", "4"}));
 }
 
+TEST(LineText, ANumberStaysWithItsGroupsOfDigits) {
+    EXPECT_EQ(wrapped("limit 1 000 000", 13), (Texts{"limit", "1 000 000"}));
+    EXPECT_EQ(wrapped("-12 500,75 of 3", 12), (Texts{"-12 500,75", "of 3"}));
+    EXPECT_EQ(wrapped("at 12 30", 5), (Texts{"at 12", "30"}));
+    EXPECT_EQ(wrapped("at 12 3000", 5), (Texts{"at 12", "3000"}));
+}
+
+TEST(LineText, ANumberWithMoreGroupsThanALineGoesOnByItsMarks) {
+    EXPECT_EQ(wrapped("1 000 000", 9), Texts{"1 000 000"});
+    EXPECT_EQ(wrapped("1 000 000", 8), (Texts{"1 000>", "<000"}));
+    EXPECT_EQ(wrapped("is 1 000 000 000 000 W", 8),
+              (Texts{"is", "1 000>", "<000>", "<000 000", "W"}));
+    EXPECT_EQ(wrapped("1 000", 3), (Texts{"1", "000"}));
+}
+
+TEST(LineText, ANumberStaysWithItsUnit) {
+    EXPECT_EQ(wrapped("allowed: 0 dB..80 dB", 12), (Texts{"allowed:", "0 dB..80 dB"}));
+    EXPECT_EQ(wrapped("limit is -12.5 kHz", 16), (Texts{"limit is", "-12.5 kHz"}));
+    EXPECT_EQ(wrapped("below 20 \xc2\xb0"
+                      "C",
+                      9),
+              (Texts{"below",
+                     "20 \xc2\xb0"
+                     "C"}));
+    EXPECT_EQ(wrapped("at 95 %, hot", 7), (Texts{"at", "95 %,", "hot"}));
+    EXPECT_EQ(wrapped("of 12 inputs", 6), (Texts{"of 12", "inputs"}));
+    EXPECT_EQ(wrapped("12345 dB", 6), (Texts{"12345", "dB"}));
+}
+
 TEST(LineText, TheCursorStandsOnACharacterWithItsMarks) {
     Editor_view shown;
     show_with_cursor("ae\xcc\x81tz", 1, 3, shown);
