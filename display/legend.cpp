@@ -200,8 +200,9 @@ std::string number_keys(const std::vector<int>& numbers, const std::string& pref
                *(number + 1) <= last) {
             ++number;
         }
-        const std::string end = *number == first ? "" : "-" + prefix + std::to_string(*number);
-        add_key(keys, prefix + std::to_string(first) + end);
+        std::string range = prefix + std::to_string(first);
+        if (*number != first) range.append("-").append(prefix).append(std::to_string(*number));
+        add_key(keys, range);
     }
     return keys;
 }

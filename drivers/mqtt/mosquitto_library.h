@@ -42,6 +42,7 @@ namespace frontpanel {
 
 // The members are the functions, under their own names; none is null.
 struct Mosquitto_library {
+// A member's name takes no parentheses. NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define FRONTPANEL_MEMBER(name) decltype(&::name) name = nullptr;
     FRONTPANEL_MOSQUITTO_FUNCTIONS(FRONTPANEL_MEMBER)
 #undef FRONTPANEL_MEMBER
