@@ -11,6 +11,10 @@
 
 namespace frontpanel {
 
+// A number that nobody knows before the process begins. With it, no file can choose keys that would all be in one place:
+// such an index would compare each key with all others.
+std::uint64_t hash_seed();
+
 // The caller has the sequence: the index holds only the numbers of its items, from 0.
 class Hash_index {
 public:
@@ -55,9 +59,12 @@ public:
 private:
     static constexpr unsigned int FEWEST_BITS = 4;
 
-    // A key may be its own hash, so all of its bits must count: the upper bits of the product depend on all of them.
+    // A key may be its own hash, so each place depends on all of its bits.
     std::size_t place_of(std::uint64_t hash) const {
-        return static_cast<std::size_t>(hash * 0x9E3779B97F4A7C15U >> (64 - m_bits));
+        std::uint64_t mixed = hash ^ m_seed;
+        mixed = (mixed ^ mixed >> 32) * 0xBF58476D1CE4E5B9U;
+        mixed = (mixed ^ mixed >> 29) * 0x9E3779B97F4A7C15U;
+        return static_cast<std::size_t>((mixed ^ mixed >> 32) >> (64 - m_bits));
     }
     std::size_t next(std::size_t place) const { return (place + 1) & (m_places.size() - 1); }
     void put(std::uint32_t number, std::uint64_t hash) {
@@ -68,6 +75,7 @@ private:
         m_places[place] = number;
     }
 
+    std::uint64_t m_seed = hash_seed();
     unsigned int m_bits = 0;              // the number of places is 2 to this power
     std::vector<std::uint32_t> m_places;  // at least half of them are free
     std::uint32_t m_count = 0;
