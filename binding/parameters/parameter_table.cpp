@@ -62,8 +62,11 @@ Parameter& Parameter_table::variable(const Parameter& parameter) {
     if (known != Hash_index::NONE) {
         return m_parameters[known];
     }
+    const auto hash_of = [this](std::uint32_t number) { return hash_of_parameter(number); };
+    m_parameter_index.reserve(m_parameters.size() + 1,
+                              hash_of);  // what fails for lack of memory adds nothing
     m_parameters.push_back(parameter);
-    m_parameter_index.add([this](std::uint32_t number) { return hash_of_parameter(number); });
+    m_parameter_index.add(hash_of);
     return m_parameters.back();
 }
 
@@ -82,8 +85,10 @@ bool Parameter_table::declare(std::string_view name, const Parameter& parameter)
     Parameter& declared = variable(parameter);
     declared = parameter;
     if (known == nullptr) {
+        const auto hash_of = [this](std::uint32_t number) { return hash_of_name(number); };
+        m_name_index.reserve(m_names.size() + 1, hash_of);
         m_names.push_back({std::string(name), &declared});
-        m_name_index.add([this](std::uint32_t number) { return hash_of_name(number); });
+        m_name_index.add(hash_of);
     }
     return true;
 }
